@@ -1,0 +1,24 @@
+# One static library a folder, and one test program beside it. The files are found, not listed.
+
+# fernwick_folder(NAME [DEPENDENCY...]): NAME/*.cc as the library fernwick_NAME, and NAME/*_test.cc as
+# the test program NAME_test.
+function(fernwick_folder name)
+  file(GLOB sources CONFIGURE_DEPENDS ${name}/*.cc)
+  file(GLOB tests CONFIGURE_DEPENDS ${name}/*_test.cc)
+  list(REMOVE_ITEM sources ${tests} ${CMAKE_CURRENT_SOURCE_DIR}/${name}/main.cc)
+  add_library(fernwick_${name} STATIC ${sources})
+  target_include_directories(fernwick_${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_compile_options(fernwick_${name} PRIVATE -fno-exceptions)
+  list(TRANSFORM ARGN PREPEND fernwick_)
+  target_link_libraries(fernwick_${name} PUBLIC ${ARGN})
+  if(tests)
+    fernwick_tests(${name}_test fernwick_${name} ${tests})
+  endif()
+endfunction()
+
+# fernwick_tests(PROGRAM LIBRARY SOURCE...): a test program, each of its tests known to ctest.
+function(fernwick_tests program library)
+  add_executable(${program} ${ARGN})
+  target_link_libraries(${program} PRIVATE ${library} fernwick_testing GTest::gtest_main)
+  gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST)
+endfunction()

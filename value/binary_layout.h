@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "value/parse_outcome.h"
+
+namespace fernwick {
+
+/// How a binary property list is laid out, all numbers big-endian:
+///
+///   "bplist00", the objects, the offset table, a trailer of 32 bytes
+///
+/// The offset table holds, per object number, the object's place in the file. The trailer holds, from
+/// its byte 6 on: the width of a table offset, the width of an object number inside an array or
+/// dictionary (a byte each), the count of objects, the number of the top object and the place of the
+/// offset table (eight bytes each).
+inline constexpr std::string_view BinarySignature = "bplist0";
+
+/// The table of contents of a file whose header and trailer have been checked against its size.
+class BinaryLayout {
+ public:
+  /// Checks everything that the trailer says. False with a fault at the offending byte.
+  bool Read(std::string_view file, ParseFault& fault);
+
+  std::uint64_t ObjectCount() const { return objectCount_; }
+  std::uint64_t TopObject() const { return topObject_; }
+  std::size_t ReferenceWidth() const { return referenceWidth_; }
+
+  /// Objects lie below this place.
+  std::size_t EndOfObjects() const { return offsetTable_; }
+
+  /// The place of an object as the table gives it; it may lie anywhere. REQUIRES: object is below
+  /// ObjectCount().
+  std::uint64_t OffsetOf(std::uint64_t object) const;
+
+ private:
+  std::string_view file_;
+  std::size_t offsetWidth_ = 0;
+  std::size_t referenceWidth_ = 0;
+  std::uint64_t objectCount_ = 0;
+  std::uint64_t topObject_ = 0;
+  std::size_t offsetTable_ = 0;
+};
+
+/// The unsigned big-endian number that `bytes` spell. REQUIRES: at most eight bytes.
+std::uint64_t BigEndianNumber(std::string_view bytes);
+
+}  // namespace fernwick

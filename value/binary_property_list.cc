@@ -1,0 +1,330 @@
+#include "value/binary_property_list.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "value/binary_layout.h"
+#include "value/calendar_date.h"
+#include "value/utf8.h"
+
+namespace fernwick {
+namespace {
+
+constexpr std::uint64_t MaximumValues = std::uint64_t{1} << 24;
+
+// Up to this many bytes an ASCII string is checked each time it is reached.
+constexpr std::uint64_t ShortText = 64;
+
+// The kinds of object that a marker byte can begin, in its high four bits.
+enum class ObjectKind : std::uint8_t {
+  Simple = 0x0,
+  Integer = 0x1,
+  Real = 0x2,
+  Date = 0x3,
+  Data = 0x4,
+  AsciiString = 0x5,
+  Utf16String = 0x6,
+  Uid = 0x8,
+  Array = 0xA,
+  Set = 0xC,
+  Dictionary = 0xD,
+};
+
+constexpr std::uint8_t NullMarker = 0x00;
+constexpr std::uint8_t FalseMarker = 0x08;
+constexpr std::uint8_t TrueMarker = 0x09;
+constexpr std::uint8_t DateMarker = 0x33;
+constexpr std::uint8_t CountFollows = 0xF;
+
+// A marker and what it says of the bytes behind it.
+struct Object {
+  std::uint64_t number;
+  std::size_t offset;    // of the marker
+  std::size_t contents;  // where what it holds begins
+  std::uint8_t marker;
+
+  ObjectKind Kind() const { return static_cast<ObjectKind>(marker >> 4); }
+  std::uint8_t Size() const { return marker & 0xF; }
+};
+
+class BinaryPropertyListReader {
+ public:
+  explicit BinaryPropertyListReader(const SourceBuffer& file) : buffer_(file), file_(*file) {}
+
+  ParseOutcome Read() {
+    if (!layout_.Read(file_, fault_) || !CountValues(0, 1) || !ReadValue(layout_.TopObject(), 0)) {
+      return {{}, "byte " + std::to_string(fault_.Offset()) + ": " + fault_.Message()};
+    }
+    return {std::move(values_.back()), {}};
+  }
+
+ private:
+  bool Fail(std::size_t offset, std::string message) {
+    return fault_.Set(offset, std::move(message));
+  }
+
+  // Books values before room is made for them.
+  bool CountValues(std::size_t offset, std::uint64_t count) {
+    if (count > MaximumValues - valueCount_) return Fail(offset, "more than 2^24 values");
+    valueCount_ += count;
+    return true;
+  }
+
+  // Finds the object that `referrer` (a byte offset) names.
+  bool Locate(std::uint64_t number, std::size_t referrer, Object& object) {
+    if (number >= layout_.ObjectCount()) return Fail(referrer, "a reference to no object");
+    const std::uint64_t offset = layout_.OffsetOf(number);
+    if (offset < BinarySignature.size() + 1 || offset >= layout_.EndOfObjects()) {
+      return Fail(referrer, "an object lies outside the file");
+    }
+    const auto at = static_cast<std::size_t>(offset);
+    object = {number, at, at + 1, static_cast<std::uint8_t>(file_[at])};
+    return true;
+  }
+
+  bool Bytes(const Object& object, std::uint64_t size, std::string_view& bytes) {
+    if (size > layout_.EndOfObjects() - object.contents) {
+      return Fail(object.offset, "an object is cut short");
+    }
+    bytes = file_.substr(object.contents, static_cast<std::size_t>(size));
+    return true;
+  }
+
+  // How many bytes, units or elements the object holds; its contents then begin behind the count.
+  bool ReadCount(Object& object, std::uint64_t& count) {
+    count = object.Size();
+    if (count != CountFollows) return true;
+    std::string_view bytes;
+    if (!Bytes(object, 1, bytes)) return false;
+    const auto marker = static_cast<std::uint8_t>(bytes.front());
+    const std::size_t width = std::size_t{1} << (marker & 0xF);
+    if (marker >> 4 != static_cast<int>(ObjectKind::Integer) || width > 8) {
+      return Fail(object.contents, "a count is not an integer");
+    }
+    ++object.contents;
+    if (!Bytes(object, width, bytes)) return false;
+    count = BigEndianNumber(bytes);
+    object.contents += width;
+    return true;
+  }
+
+  bool ReadValue(std::uint64_t number, std::size_t referrer) {
+    Object object;
+    if (!Locate(number, referrer, object)) return false;
+    switch (object.Kind()) {
+      case ObjectKind::Simple: return ReadSimple(object);
+      case ObjectKind::Integer: return ReadInteger(object);
+      case ObjectKind::Real: return ReadReal(object);
+      case ObjectKind::Date: return ReadDate(object);
+      case ObjectKind::Data: return ReadData(object);
+      case ObjectKind::AsciiString:
+      case ObjectKind::Utf16String: return ReadString(object);
+      case ObjectKind::Array: return ReadArray(object);
+      case ObjectKind::Dictionary: return ReadDictionary(object);
+      case ObjectKind::Uid: return Fail(object.offset, "a UID is no property-list value");
+      case ObjectKind::Set: return Fail(object.offset, "a set is no property-list value");
+    }
+    return FailUnknown(object);
+  }
+
+  bool FailUnknown(const Object& object) { return Fail(object.offset, "an unknown kind of object"); }
+
+  template <typename Content>
+  bool Produce(Content&& content) {
+    values_.emplace_back(std::forward<Content>(content));
+    return true;
+  }
+
+  bool ReadSimple(const Object& object) {
+    if (object.marker == FalseMarker) return Produce(false);
+    if (object.marker == TrueMarker) return Produce(true);
+    if (object.marker == NullMarker) return Fail(object.offset, "null is no property-list value");
+    return FailUnknown(object);
+  }
+
+  // One, two and four bytes are unsigned, eight and sixteen signed.
+  bool ReadInteger(const Object& object) {
+    if (object.Size() > 4) return FailUnknown(object);
+    const std::size_t width = std::size_t{1} << object.Size();
+    std::string_view bytes;
+    if (!Bytes(object, width, bytes)) return false;
+    if (width == 16) return ReadWideInteger(object, bytes);
+    const std::uint64_t bits = BigEndianNumber(bytes);
+    if (width == 8) return Produce(static_cast<std::int64_t>(bits));
+    return Produce(bits);
+  }
+
+  bool ReadWideInteger(const Object& object, std::string_view bytes) {
+    constexpr std::uint64_t SignBit = std::uint64_t{1} << 63;
+    const std::uint64_t high = BigEndianNumber(bytes.substr(0, 8));
+    const std::uint64_t low = BigEndianNumber(bytes.substr(8));
+    if (high == 0) return Produce(low);
+    if (high == ~std::uint64_t{0} && low >= SignBit) return Produce(static_cast<std::int64_t>(low));
+    return Fail(object.offset, "an integer lies outside -2^63 to 2^64-1");
+  }
+
+  bool ReadReal(const Object& object) {
+    std::string_view bytes;
+    if (object.Size() != 2 && object.Size() != 3) return FailUnknown(object);
+    if (!Bytes(object, std::size_t{1} << object.Size(), bytes)) return false;
+    const std::uint64_t bits = BigEndianNumber(bytes);
+    if (object.Size() == 3) return Produce(std::bit_cast<double>(bits));
+    return Produce(double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))});
+  }
+
+  bool ReadDate(const Object& object) {
+    std::string_view bytes;
+    if (object.marker != DateMarker) return FailUnknown(object);
+    if (!Bytes(object, 8, bytes)) return false;
+    const auto date = DateFromSecondsSince2001(std::bit_cast<double>(BigEndianNumber(bytes)));
+    if (!date) return Fail(object.offset, "a date lies outside the years 1 to 9999");
+    return Produce(*date);
+  }
+
+  bool ReadData(Object object) {
+    std::uint64_t size = 0;
+    std::string_view bytes;
+    if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
+    return Produce(Data{SharedBytes(buffer_, bytes)});
+  }
+
+  bool ReadString(const Object& object) {
+    SharedBytes text;
+    return ReadText(object, text) && Produce(String{std::move(text)});
+  }
+
+  bool ReadText(const Object& object, SharedBytes& text) {
+    if (object.Kind() == ObjectKind::AsciiString) return ReadAsciiText(object, text);
+    return ReadUtf16Text(object, text);
+  }
+
+  bool ReadAsciiText(Object object, SharedBytes& text) {
+    std::uint64_t size = 0;
+    std::string_view bytes;
+    if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
+    if (size > ShortText && TakeKnownText(object, text)) return true;
+    if (std::ranges::any_of(bytes, [](char byte) { return (byte & 0x80) != 0; })) {
+      return Fail(object.offset, "a string is not ASCII");
+    }
+    if (FindInvalidText(bytes) != NoPlace) return FailUncarriable(object);
+    text = SharedBytes(buffer_, bytes);
+    if (size > ShortText) knownTexts_.emplace(object.number, text);
+    return true;
+  }
+
+  bool ReadUtf16Text(Object object, SharedBytes& text) {
+    if (TakeKnownText(object, text)) return true;
+    std::uint64_t units = 0;
+    std::string_view bytes;
+    if (!ReadCount(object, units)) return false;
+    if (units > file_.size()) return Fail(object.offset, "an object is cut short");
+    if (!Bytes(object, units * 2, bytes)) return false;
+    auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
+    if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
+    if (FindInvalidText(transcoded.text) != NoPlace) return FailUncarriable(object);
+    text = SharedBytes(std::move(transcoded.text));
+    knownTexts_.emplace(object.number, text);
+    return true;
+  }
+
+  bool TakeKnownText(const Object& object, SharedBytes& text) {
+    const auto known = knownTexts_.find(object.number);
+    if (known == knownTexts_.end()) return false;
+    text = known->second;
+    return true;
+  }
+
+  bool FailUncarriable(const Object& object) {
+    return Fail(object.offset, "a string holds a character that XML cannot carry");
+  }
+
+  // Enters a container that holds `count` references `perElement` times over and finds them.
+  bool Open(Object& object, std::uint64_t perElement, std::uint64_t& count,
+            std::string_view& references) {
+    if (std::ranges::find(open_, object.number) != open_.end()) {
+      return Fail(object.offset, "an object contains itself");
+    }
+    if (open_.size() == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
+    if (!ReadCount(object, count)) return false;
+    if (count > file_.size()) return Fail(object.offset, "an object is cut short");
+    const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
+    if (!Bytes(object, size, references) || !CountValues(object.offset, count)) return false;
+    open_.push_back(object.number);
+    return true;
+  }
+
+  std::uint64_t ReferenceAt(std::string_view references, std::uint64_t index) const {
+    const std::size_t width = layout_.ReferenceWidth();
+    return BigEndianNumber(references.substr(static_cast<std::size_t>(index) * width, width));
+  }
+
+  bool ReadArray(Object object) {
+    std::uint64_t count = 0;
+    std::string_view references;
+    if (!Open(object, 1, count, references)) return false;
+    Array array;
+    array.reserve(static_cast<std::size_t>(count));
+    for (std::uint64_t i = 0; i < count; ++i) {
+      if (!ReadValue(ReferenceAt(references, i), object.offset)) return false;
+      array.push_back(TakeLast());
+    }
+    open_.pop_back();
+    return Produce(std::move(array));
+  }
+
+  bool ReadDictionary(Object object) {
+    std::uint64_t count = 0;
+    std::string_view references;  // all the keys, then all the values
+    if (!Open(object, 2, count, references)) return false;
+    std::vector<DictionaryEntry> entries;
+    entries.reserve(static_cast<std::size_t>(count));
+    for (std::uint64_t i = 0; i < count; ++i) {
+      SharedBytes key;
+      if (!ReadKey(ReferenceAt(references, i), object.offset, key)) return false;
+      if (!ReadValue(ReferenceAt(references, count + i), object.offset)) return false;
+      entries.emplace_back(std::move(key), TakeLast());
+    }
+    open_.pop_back();
+    return Produce(Dictionary(std::move(entries)));
+  }
+
+  bool ReadKey(std::uint64_t number, std::size_t referrer, SharedBytes& key) {
+    Object object;
+    if (!Locate(number, referrer, object)) return false;
+    if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
+      return Fail(object.offset, "a key is not a string");
+    }
+    return ReadText(object, key);
+  }
+
+  PropertyValue TakeLast() {
+    auto value = std::move(values_.back());
+    values_.pop_back();
+    return value;
+  }
+
+  const SourceBuffer& buffer_;
+  std::string_view file_;
+  BinaryLayout layout_;
+  ParseFault fault_;
+  std::uint64_t valueCount_ = 0;
+  std::vector<std::uint64_t> open_;  // the containers around the place that is read
+  std::vector<PropertyValue> values_;
+  // Strings that have been checked or decoded, by object: a large one that is shared many times must
+  // not cost its size each time.
+  std::unordered_map<std::uint64_t, SharedBytes> knownTexts_;
+};
+
+}  // namespace
+
+ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file) {
+  return BinaryPropertyListReader(file).Read();
+}
+
+}  // namespace fernwick

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// Reads "YYYY-MM-DDThh:mm:ssZ", a real day of the years 1 to 9999; nothing when the text is
+/// anything else.
+std::optional<Date> ParseDate(std::string_view text);
+
+/// The same form.
+std::string FormatDate(Date date);
+
+/// A point given as seconds since 2001-01-01T00:00:00Z, cut to whole seconds (toward the past);
+/// nothing when it lies outside the years 1 to 9999.
+std::optional<Date> DateFromSecondsSince2001(double seconds);
+
+}  // namespace fernwick

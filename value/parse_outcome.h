@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// What became of parsing a property list: a value, or what is wrong and where.
+struct ParseOutcome {
+  std::optional<PropertyValue> value;
+  std::string error;  // empty when there is a value
+};
+
+/// More open arrays and dictionaries than this, one inside the other, are refused by every reader.
+inline constexpr std::size_t MaximumNesting = 512;
+
+inline constexpr char NestedTooDeeply[] =
+    "more than 512 arrays and dictionaries are nested in each other";
+
+/// The first fault that a reader met: where, and what is wrong. A reader stops at it.
+class ParseFault {
+ public:
+  bool IsSet() const { return !message_.empty(); }
+  std::size_t Offset() const { return offset_; }
+  const std::string& Message() const { return message_; }
+
+  /// Keeps the first fault alone. Returns false, for the caller to pass on.
+  bool Set(std::size_t offset, std::string message) {
+    if (IsSet()) return false;
+    offset_ = offset;
+    message_ = std::move(message);
+    return false;
+  }
+
+ private:
+  std::size_t offset_ = 0;
+  std::string message_;
+};
+
+}  // namespace fernwick

@@ -1,0 +1,55 @@
+#include "value/property_list_reader.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "value/ascii.h"
+#include "value/binary_layout.h"
+#include "value/binary_property_list.h"
+#include "value/parse_outcome.h"
+#include "value/source_text.h"
+#include "value/text_property_list.h"
+#include "value/xml_property_list.h"
+
+namespace fernwick {
+namespace {
+
+constexpr std::string_view XmlOpenings[] = {"<?xml", "<!DOCTYPE", "<!--", "<plist"};
+
+constexpr std::string_view ElementNames[] = {
+    "array", "data", "date", "dict", "false", "integer", "key", "real", "string", "true",
+};
+
+bool StartsWithElement(std::string_view text, std::string_view name) {
+  if (!text.starts_with('<') || !text.substr(1).starts_with(name)) return false;
+  const auto rest = text.substr(1 + name.size());
+  return rest.empty() || IsXmlWhiteSpace(rest.front()) || rest.starts_with('>') ||
+         rest.starts_with('/');
+}
+
+bool LooksLikeXml(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\r"), text.size()));
+  return std::ranges::any_of(XmlOpenings, [&](auto o) { return text.starts_with(o); }) ||
+         std::ranges::any_of(ElementNames, [&](auto n) { return StartsWithElement(text, n); });
+}
+
+PropertyListReading Reading(ParseOutcome outcome, Serialisation serialisation) {
+  return {std::move(outcome.value), std::move(outcome.error), serialisation};
+}
+
+}  // namespace
+
+PropertyListReading ReadPropertyList(std::string bytes) {
+  if (bytes.empty()) return {{}, "the file is empty", Serialisation::None};
+  auto buffer = std::make_shared<const std::string>(std::move(bytes));
+  if (buffer->starts_with(BinarySignature)) {
+    return Reading(ParseBinaryPropertyList(buffer), Serialisation::Binary);
+  }
+  const auto source = DecodeSource(std::move(buffer));
+  if (LooksLikeXml(source.text)) return Reading(ParseXmlPropertyList(source), Serialisation::Xml);
+  return Reading(ParseTextPropertyList(source), Serialisation::Text);
+}
+
+}  // namespace fernwick

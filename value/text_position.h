@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace fernwick {
+
+/// A place in a text as people count it: from 1, columns in characters.
+struct TextPosition {
+  std::size_t line;
+  std::size_t column;
+};
+
+/// The position of the byte at `offset`. A line ends with a line feed, a carriage return, or both in
+/// that pair. REQUIRES: `text` is well-formed UTF-8 up to `offset`, which lies in it or at its end.
+TextPosition PositionAt(std::string_view text, std::size_t offset);
+
+/// "line 3, column 7: MESSAGE".
+std::string DescribeAt(std::string_view text, std::size_t offset, std::string_view message);
+
+/// The start of a text from a file, short enough to stand in a message.
+std::string Excerpt(std::string_view text);
+
+}  // namespace fernwick

@@ -1,0 +1,166 @@
+#include "value/text_property_list.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "value/text_cursor.h"
+#include "value/text_position.h"
+#include "value/utf8.h"
+
+namespace fernwick {
+namespace {
+
+class TextPropertyListReader {
+ public:
+  explicit TextPropertyListReader(const SourceText& source)
+      : source_(source), cursor_(source.text) {}
+
+  ParseOutcome Read() {
+    auto value = ReadTopLevel();
+    if (cursor_.Fault().IsSet()) {
+      return {{}, DescribeAt(source_.text, cursor_.Fault().Offset(), cursor_.Fault().Message())};
+    }
+    return {std::move(value), {}};
+  }
+
+ private:
+  using MaybeValue = std::optional<PropertyValue>;  // nothing: the fault is set
+
+  MaybeValue Fail(std::size_t offset, std::string message) {
+    cursor_.Fail(offset, std::move(message));
+    return std::nullopt;
+  }
+
+  MaybeValue ReadTopLevel() {
+    if (!cursor_.SkipBlanks()) return std::nullopt;
+    const std::size_t start = cursor_.Offset();
+    if (cursor_.AtEnd()) return Fail(start, "nothing but white space and comments");
+    if (cursor_.LookingAt('{') || cursor_.LookingAt('(') || cursor_.LookingAt('<')) {
+      return ExpectEnd(ReadValue());
+    }
+    const bool isQuoted = cursor_.LookingAtQuote();
+    SharedBytes string;
+    if (!ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
+    if (cursor_.LookingAt('=')) return ReadBarePairs(std::move(string));
+    if (!isQuoted) return Fail(start, "one unquoted string is not a property list");
+    return ExpectEnd(String{std::move(string)});
+  }
+
+  MaybeValue ExpectEnd(MaybeValue value) {
+    if (!value || !cursor_.SkipBlanks()) return std::nullopt;
+    if (!cursor_.AtEnd()) return Fail(cursor_.Offset(), "something follows the value");
+    return value;
+  }
+
+  // "key = value;" pairs up to the end of the text, behind their first key.
+  MaybeValue ReadBarePairs(SharedBytes firstKey) {
+    std::vector<DictionaryEntry> entries;
+    nesting_ = 1;
+    if (!ReadPairs(std::move(firstKey), entries)) return std::nullopt;
+    return ExpectEnd(Dictionary(std::move(entries)));
+  }
+
+  MaybeValue ReadValue() {
+    if (cursor_.LookingAt('{')) return ReadNested(&TextPropertyListReader::ReadDictionary);
+    if (cursor_.LookingAt('(')) return ReadNested(&TextPropertyListReader::ReadArray);
+    if (cursor_.LookingAt('<')) {
+      std::string bytes;
+      if (!cursor_.ReadData(bytes)) return std::nullopt;
+      return Data{SharedBytes(std::move(bytes))};
+    }
+    SharedBytes string;
+    if (!ReadString(string, "a value")) return std::nullopt;
+    return String{std::move(string)};
+  }
+
+  MaybeValue ReadNested(MaybeValue (TextPropertyListReader::*read)()) {
+    if (nesting_ == MaximumNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
+    ++nesting_;
+    auto value = (this->*read)();
+    --nesting_;
+    return value;
+  }
+
+  MaybeValue ReadArray() {
+    const std::size_t start = cursor_.Offset();
+    cursor_.Take('(');
+    Array array;
+    for (;;) {
+      if (!cursor_.SkipBlanks()) return std::nullopt;
+      if (cursor_.Take(')')) return array;
+      if (cursor_.AtEnd()) return Fail(start, "an array does not end");
+      auto value = ReadValue();
+      if (!value || !cursor_.SkipBlanks()) return std::nullopt;
+      array.push_back(*std::move(value));
+      if (!cursor_.Take(',') && !cursor_.LookingAt(')') && !cursor_.AtEnd()) {
+        return Fail(cursor_.Offset(), "\",\" or \")\" was expected");
+      }
+    }
+  }
+
+  MaybeValue ReadDictionary() {
+    const std::size_t start = cursor_.Offset();
+    cursor_.Take('{');
+    std::vector<DictionaryEntry> entries;
+    if (!cursor_.SkipBlanks()) return std::nullopt;
+    if (!AtEndOfPairs()) {
+      SharedBytes key;
+      if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return std::nullopt;
+      if (!ReadPairs(std::move(key), entries)) return std::nullopt;
+    }
+    if (!cursor_.Take('}')) return Fail(start, "a dictionary does not end");
+    return Dictionary(std::move(entries));
+  }
+
+  bool AtEndOfPairs() const { return cursor_.AtEnd() || cursor_.LookingAt('}'); }
+
+  // "= value;" and every further pair, up to "}" or the end of the text. The last semicolon may be
+  // missing.
+  bool ReadPairs(SharedBytes key, std::vector<DictionaryEntry>& entries) {
+    for (;;) {
+      if (!cursor_.Take('=')) return cursor_.Fail(cursor_.Offset(), "\"=\" was expected");
+      if (!cursor_.SkipBlanks()) return false;
+      auto value = ReadValue();
+      if (!value || !cursor_.SkipBlanks()) return false;
+      entries.emplace_back(std::move(key), *std::move(value));
+      const bool closed = cursor_.Take(';');
+      if (closed && !cursor_.SkipBlanks()) return false;
+      if (AtEndOfPairs()) return true;
+      if (!closed) return cursor_.Fail(cursor_.Offset(), "\";\" was expected");
+      if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
+    }
+  }
+
+  bool ReadString(SharedBytes& shared, const char* what) {
+    if (!cursor_.LookingAtQuote()) {
+      const auto string = cursor_.ReadUnquoted();
+      if (string.empty()) return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
+      shared = SharedBytes(source_.buffer, string);
+      return true;
+    }
+    std::string_view string;
+    if (!cursor_.ReadQuoted(string, scratch_)) return false;
+    const bool viewsScratch = string.data() == scratch_.data();
+    shared = viewsScratch ? SharedBytes(std::string(string)) : SharedBytes(source_.buffer, string);
+    return true;
+  }
+
+  const SourceText& source_;
+  TextCursor cursor_;
+  std::size_t nesting_ = 0;
+  std::string scratch_;
+};
+
+}  // namespace
+
+ParseOutcome ParseTextPropertyList(const SourceText& source) {
+  const std::size_t invalid = FindInvalidUtf8(source.text);
+  if (invalid != NoPlace) return {{}, DescribeAt(source.text, invalid, "the text is not UTF-8")};
+  if (source.endsInInvalidUtf16) {
+    return {{}, DescribeAt(source.text, source.text.size(), "the text is not UTF-16")};
+  }
+  return TextPropertyListReader(source).Read();
+}
+
+}  // namespace fernwick

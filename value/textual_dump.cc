@@ -1,0 +1,124 @@
+#include "value/textual_dump.h"
+
+#include <string_view>
+#include <utility>
+
+#include "value/calendar_date.h"
+#include "value/number_text.h"
+#include "value/utf8.h"
+
+namespace fernwick {
+namespace {
+
+constexpr char HexDigits[] = "0123456789abcdef";
+
+bool IsControl(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
+class Dumper {
+ public:
+  void Dump(const PropertyValue& value) {
+    value.Visit([this](const auto& content) { DumpContent(content); });
+  }
+
+  std::string TakeText() { return std::move(text_); }
+
+ private:
+  void DumpContent(const Dictionary& dictionary) {
+    if (dictionary.Size() == 0) {
+      text_ += "{}";
+      return;
+    }
+    text_ += "{\n";
+    ++level_;
+    for (const auto& [key, value] : dictionary.Entries()) {
+      Indent();
+      Quote(key.View());
+      text_ += " = ";
+      Dump(value);
+      text_ += ";\n";
+    }
+    CloseWith('}');
+  }
+
+  void DumpContent(const Array& array) {
+    if (array.empty()) {
+      text_ += "()";
+      return;
+    }
+    text_ += "(\n";
+    ++level_;
+    for (const auto& element : array) {
+      Indent();
+      Dump(element);
+      text_ += &element == &array.back() ? "\n" : ",\n";
+    }
+    CloseWith(')');
+  }
+
+  void DumpContent(const String& string) { Quote(string.text.View()); }
+  void DumpContent(const Integer& integer) { text_ += FormatInteger(integer); }
+  void DumpContent(double real) { text_ += FormatReal(real); }
+  void DumpContent(bool boolean) { text_ += boolean ? "true" : "false"; }
+  void DumpContent(const Date& date) { text_ += FormatDate(date); }
+
+  void DumpContent(const Data& data) {
+    const auto bytes = data.bytes.View();
+    text_ += '<';
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      if (i > 0 && i % 4 == 0) text_ += ' ';
+      const auto byte = static_cast<unsigned char>(bytes[i]);
+      text_ += HexDigits[byte >> 4];
+      text_ += HexDigits[byte & 0xF];
+    }
+    text_ += '>';
+  }
+
+  void CloseWith(char bracket) {
+    --level_;
+    Indent();
+    text_ += bracket;
+  }
+
+  void Indent() { text_.append(4 * level_, ' '); }
+
+  void Quote(std::string_view text) {
+    text_ += '"';
+    while (!text.empty()) {
+      const auto [character, length] = DecodeUtf8(text);
+      AppendEscaped(length == 0 ? ReplacementCharacter : character);
+      text.remove_prefix(length == 0 ? 1 : length);
+    }
+    text_ += '"';
+  }
+
+  void AppendEscaped(char32_t character) {
+    switch (character) {
+      case '"': text_ += "\\\""; break;
+      case '\\': text_ += "\\\\"; break;
+      case '\n': text_ += "\\n"; break;
+      case '\t': text_ += "\\t"; break;
+      case '\r': text_ += "\\r"; break;
+      default: IsControl(character) ? AppendOctal(character) : AppendUtf8(text_, character);
+    }
+  }
+
+  void AppendOctal(char32_t code) {
+    text_ += '\\';
+    for (const unsigned shift : {6u, 3u, 0u}) text_ += static_cast<char>('0' + (code >> shift & 7));
+  }
+
+  std::string text_;
+  std::size_t level_ = 0;
+};
+
+}  // namespace
+
+std::string DumpText(const PropertyValue& value) {
+  Dumper dumper;
+  dumper.Dump(value);
+  return dumper.TakeText();
+}
+
+}  // namespace fernwick

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// The readable rendering of a value, four blanks a level, no newline at the end: strings and keys
+/// in double quotes, data as "<5a65642d 343200>", arrays in "( , )", dictionaries in "{ = ; }".
+std::string DumpText(const PropertyValue& value);
+
+}  // namespace fernwick

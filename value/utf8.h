@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace fernwick {
+
+/// What the readers give for a place that does not exist.
+inline constexpr std::size_t NoPlace = std::string_view::npos;
+
+inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
+
+/// One character at the start of a text. A length of 0 says that no well-formed UTF-8 stands there.
+struct DecodedCharacter {
+  char32_t character;
+  std::size_t length;  // bytes
+};
+
+/// Decodes the first character of `text`. REQUIRES: `text` is not empty.
+DecodedCharacter DecodeUtf8(std::string_view text);
+
+/// Appends a character. REQUIRES: a Unicode scalar value.
+void AppendUtf8(std::string& text, char32_t character);
+
+/// Whether an XML document can carry the character: tab, line feed, carriage return and everything
+/// from U+0020 on save surrogates, U+FFFE and U+FFFF.
+bool IsTextCharacter(char32_t character);
+
+/// The offset of the first byte that is not part of well-formed UTF-8, or NoPlace.
+std::size_t FindInvalidUtf8(std::string_view text);
+
+/// The offset of the first character that is not well-formed or that an XML document cannot carry,
+/// or NoPlace.
+std::size_t FindInvalidText(std::string_view text);
+
+bool IsHighSurrogate(char32_t unit);
+bool IsLowSurrogate(char32_t unit);
+
+/// The character of a surrogate pair.
+char32_t CombineSurrogates(char32_t high, char32_t low);
+
+enum class ByteOrder { BigEndian, LittleEndian };
+
+/// UTF-16 as UTF-8, as far as it is well-formed.
+struct TranscodedText {
+  std::string text;       // everything before the first fault
+  std::size_t invalidAt;  // offset of the fault in the UTF-16 bytes, or NoPlace
+};
+
+/// Transcodes without looking for a byte-order mark. A lone surrogate or an odd last byte is a fault.
+TranscodedText TranscodeUtf16(std::string_view bytes, ByteOrder order);
+
+}  // namespace fernwick

@@ -1,0 +1,105 @@
+#include "value/xml_declaration.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "value/ascii.h"
+
+namespace fernwick {
+namespace {
+
+constexpr std::string_view Opening = "<?xml";
+
+constexpr bool IsAsciiLetter(char c) {
+  return ToLowerAscii(c) >= 'a' && ToLowerAscii(c) <= 'z';
+}
+
+bool IsVersion(std::string_view text) {
+  return text.size() > 2 && text.starts_with("1.") &&
+         std::ranges::all_of(text.substr(2), IsDecimalDigit);
+}
+
+bool IsEncodingName(std::string_view text) {
+  return !text.empty() && IsAsciiLetter(text.front()) && std::ranges::all_of(text, [](char c) {
+    return IsAsciiLetter(c) || IsDecimalDigit(c) || c == '.' || c == '_' || c == '-';
+  });
+}
+
+bool IsStandaloneAnswer(std::string_view text) {
+  return text == "yes" || text == "no";
+}
+
+// A cursor over the declaration's own text.
+class DeclarationReader {
+ public:
+  explicit DeclarationReader(std::string_view text) : text_(text), at_(Opening.size()) {}
+
+  std::size_t Offset() const { return at_; }
+
+  bool SkipWhiteSpace() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && IsXmlWhiteSpace(text_[at_])) ++at_;
+    return at_ > start;
+  }
+
+  bool Take(std::string_view literal) {
+    if (!text_.substr(at_).starts_with(literal)) return false;
+    at_ += literal.size();
+    return true;
+  }
+
+  // White space, `name`, "=" and a quoted value that `accepts`. When the name does not come next,
+  // nothing is taken.
+  template <typename Accepts>
+  bool TakeField(std::string_view name, Accepts accepts, std::string_view& value) {
+    const std::size_t start = at_;
+    if (!SkipWhiteSpace() || !Take(name)) {
+      at_ = start;
+      return false;
+    }
+    SkipWhiteSpace();
+    if (!Take("=")) return false;
+    SkipWhiteSpace();
+    return TakeQuoted(value) && accepts(value);
+  }
+
+ private:
+  bool TakeQuoted(std::string_view& value) {
+    if (at_ == text_.size() || (text_[at_] != '"' && text_[at_] != '\'')) return false;
+    const std::size_t end = text_.find(text_[at_], at_ + 1);
+    if (end == std::string_view::npos) return false;
+    value = text_.substr(at_ + 1, end - at_ - 1);
+    at_ = end + 1;
+    return true;
+  }
+
+  std::string_view text_;
+  std::size_t at_;
+};
+
+}  // namespace
+
+bool HasXmlDeclaration(std::string_view document) {
+  return document.size() > Opening.size() && document.starts_with(Opening) &&
+         IsXmlWhiteSpace(document[Opening.size()]);
+}
+
+bool ReadXmlDeclaration(std::string_view document, XmlDeclaration& declaration, ParseFault& fault) {
+  declaration = {};
+  if (!HasXmlDeclaration(document)) return true;
+  DeclarationReader reader(document);
+  std::string_view ignored;
+  const bool hasVersion = reader.TakeField("version", IsVersion, ignored);
+  if (hasVersion) {
+    reader.TakeField("encoding", IsEncodingName, declaration.encoding);
+    reader.TakeField("standalone", IsStandaloneAnswer, ignored);
+    reader.SkipWhiteSpace();
+  }
+  if (!hasVersion || !reader.Take("?>")) {
+    return fault.Set(reader.Offset(), "the XML declaration is malformed");
+  }
+  declaration.length = reader.Offset();
+  return true;
+}
+
+}  // namespace fernwick

@@ -1,0 +1,48 @@
+#include "value/xml_names.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "value/utf8.h"
+
+namespace fernwick {
+namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range NameStarts[] = {
+    {':', ':'},         {'A', 'Z'},         {'_', '_'},         {'a', 'z'},
+    {0xC0, 0xD6},       {0xD8, 0xF6},       {0xF8, 0x2FF},      {0x370, 0x37D},
+    {0x37F, 0x1FFF},    {0x200C, 0x200D},   {0x2070, 0x218F},   {0x2C00, 0x2FEF},
+    {0x3001, 0xD7FF},   {0xF900, 0xFDCF},   {0xFDF0, 0xFFFD},   {0x10000, 0xEFFFF},
+};
+
+constexpr Range FurtherNameCharacters[] = {
+    {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
+};
+
+template <typename Ranges>
+bool IsIn(const Ranges& ranges, char32_t character) {
+  return std::ranges::any_of(ranges, [&](const Range& range) {
+    return character >= range.first && character <= range.last;
+  });
+}
+
+}  // namespace
+
+std::size_t XmlNameLength(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const auto [character, length] = DecodeUtf8(text.substr(at));
+    const bool belongs =
+        IsIn(NameStarts, character) || (at > 0 && IsIn(FurtherNameCharacters, character));
+    if (!belongs) break;
+    at += length;
+  }
+  return at;
+}
+
+}  // namespace fernwick

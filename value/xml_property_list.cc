@@ -1,0 +1,236 @@
+#include "value/xml_property_list.h"
+
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "value/base64.h"
+#include "value/calendar_date.h"
+#include "value/number_text.h"
+#include "value/text_position.h"
+#include "value/xml_cursor.h"
+#include "value/xml_encoding.h"
+
+namespace fernwick {
+namespace {
+
+class XmlPropertyListReader {
+ public:
+  explicit XmlPropertyListReader(const SourceText& source)
+      : source_(source), cursor_(source.text) {}
+
+  ParseOutcome Read() {
+    if (!ReadDocument()) {
+      return {{}, DescribeAt(source_.text, cursor_.Fault().Offset(), cursor_.Fault().Message())};
+    }
+    return {std::move(values_.back()), {}};
+  }
+
+ private:
+  // What an element's content is made into; the value goes to the end of values_.
+  using ContentReader = bool (XmlPropertyListReader::*)(const XmlStartTag&);
+
+  // Null for what is no property-list element.
+  static ContentReader ReaderOf(std::string_view element);
+
+  bool ReadDocument() {
+    if (!cursor_.SkipProlog()) return false;
+    XmlStartTag tag;
+    if (!ReadStartTag(tag)) return false;
+    const bool read = tag.name == "plist" ? ReadPlistElement(tag) : ReadElement(tag);
+    if (!read || !cursor_.SkipMiscellany()) return false;
+    if (!cursor_.AtEnd()) return cursor_.Fail(cursor_.Offset(), "something follows the root element");
+    return true;
+  }
+
+  bool ReadPlistElement(const XmlStartTag& plist) {
+    if (plist.isEmptyElement) return cursor_.Fail(plist.offset, "<plist> holds no value");
+    if (!cursor_.SkipMiscellany()) return false;
+    if (cursor_.LookingAt("</")) return cursor_.Fail(cursor_.Offset(), "<plist> holds no value");
+    if (!ReadValue() || !cursor_.SkipMiscellany()) return false;
+    if (!cursor_.LookingAt("</")) {
+      return cursor_.Fail(cursor_.Offset(), "<plist> holds more than one value");
+    }
+    return cursor_.ReadEndTag(plist.name);
+  }
+
+  bool ReadStartTag(XmlStartTag& tag) {
+    if (cursor_.AtEnd()) return cursor_.Fail(cursor_.Offset(), "the document ends too early");
+    if (!cursor_.LookingAt("<")) {
+      return cursor_.Fail(cursor_.Offset(), "text stands where an element was expected");
+    }
+    return cursor_.ReadStartTag(tag);
+  }
+
+  bool ReadValue() {
+    XmlStartTag tag;
+    return ReadStartTag(tag) && ReadElement(tag);
+  }
+
+  bool ReadElement(const XmlStartTag& tag) {
+    const auto read = ReaderOf(tag.name);
+    if (read != nullptr) return (this->*read)(tag);
+    if (tag.name == "key") return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
+    return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
+  }
+
+  bool Open(const XmlStartTag& tag) {
+    if (++nesting_ > MaximumNesting) return cursor_.Fail(tag.offset, NestedTooDeeply);
+    return true;
+  }
+
+  // Moves on to the next thing inside a container: a start tag, or the end of it.
+  bool AtNextElement(bool& more) {
+    if (!cursor_.SkipMiscellany()) return false;
+    more = !cursor_.LookingAt("</");
+    return true;
+  }
+
+  bool ReadArray(const XmlStartTag& tag) {
+    if (!Open(tag)) return false;
+    const std::size_t first = values_.size();
+    for (bool more = !tag.isEmptyElement; more;) {
+      if (!AtNextElement(more)) return false;
+      if (more && !ReadValue()) return false;
+    }
+    if (!tag.isEmptyElement && !cursor_.ReadEndTag(tag.name)) return false;
+    const auto begin = values_.begin() + static_cast<std::ptrdiff_t>(first);
+    Array array(std::make_move_iterator(begin), std::make_move_iterator(values_.end()));
+    values_.erase(begin, values_.end());
+    return Close(std::move(array));
+  }
+
+  bool ReadDictionary(const XmlStartTag& tag) {
+    if (!Open(tag)) return false;
+    const std::size_t first = entries_.size();
+    for (bool more = !tag.isEmptyElement; more;) {
+      if (!AtNextElement(more)) return false;
+      if (more && !ReadEntry()) return false;
+    }
+    if (!tag.isEmptyElement && !cursor_.ReadEndTag(tag.name)) return false;
+    const auto begin = entries_.begin() + static_cast<std::ptrdiff_t>(first);
+    std::vector<DictionaryEntry> entries(std::make_move_iterator(begin),
+                                         std::make_move_iterator(entries_.end()));
+    entries_.erase(begin, entries_.end());
+    return Close(Dictionary(std::move(entries)));
+  }
+
+  template <typename Container>
+  bool Close(Container&& container) {
+    --nesting_;
+    return Produce(std::forward<Container>(container));
+  }
+
+  bool ReadEntry() {
+    XmlStartTag tag;
+    SharedBytes key;
+    if (!ReadStartTag(tag)) return false;
+    if (tag.name != "key") {
+      return cursor_.Fail(tag.offset,
+                          "<" + Excerpt(tag.name) + "> stands where <key> was expected");
+    }
+    if (!ReadSharedText(tag, key) || !cursor_.SkipMiscellany()) return false;
+    if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
+    if (!ReadValue()) return false;
+    entries_.emplace_back(std::move(key), std::move(values_.back()));
+    values_.pop_back();
+    return true;
+  }
+
+  // The text of a leaf element, its end tag included. It views the document or scratch_.
+  bool ReadText(const XmlStartTag& tag, std::string_view& text) {
+    text = {};
+    if (tag.isEmptyElement) return true;
+    if (!cursor_.ReadCharacters(text, scratch_)) return false;
+    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
+      return cursor_.Fail(cursor_.Offset(),
+                          "<" + std::string(tag.name) + "> holds something other than text");
+    }
+    return cursor_.ReadEndTag(tag.name);
+  }
+
+  bool ReadSharedText(const XmlStartTag& tag, SharedBytes& shared) {
+    std::string_view text;
+    if (!ReadText(tag, text)) return false;
+    const bool viewsScratch = text.data() == scratch_.data();
+    shared = viewsScratch ? SharedBytes(std::string(text)) : SharedBytes(source_.buffer, text);
+    return true;
+  }
+
+  bool ReadString(const XmlStartTag& tag) {
+    SharedBytes text;
+    return ReadSharedText(tag, text) && Produce(String{std::move(text)});
+  }
+
+  // A leaf whose text `parse` turns into a value or refuses.
+  template <typename Parse>
+  bool ReadParsed(const XmlStartTag& tag, Parse parse) {
+    std::string_view text;
+    if (!ReadText(tag, text)) return false;
+    auto value = parse(text);
+    if (value) return Produce(*std::move(value));
+    return cursor_.Fail(tag.offset,
+                        "\"" + Excerpt(text) + "\" is not a valid " + std::string(tag.name));
+  }
+
+  bool ReadInteger(const XmlStartTag& tag) { return ReadParsed(tag, ParseInteger); }
+  bool ReadReal(const XmlStartTag& tag) { return ReadParsed(tag, ParseReal); }
+  bool ReadDate(const XmlStartTag& tag) { return ReadParsed(tag, ParseDate); }
+
+  bool ReadData(const XmlStartTag& tag) {
+    return ReadParsed(tag, [](std::string_view text) -> std::optional<PropertyValue> {
+      auto bytes = DecodeBase64(text);
+      if (!bytes) return std::nullopt;
+      return Data{SharedBytes(*std::move(bytes))};
+    });
+  }
+
+  bool ReadBoolean(const XmlStartTag& tag) {
+    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
+      if (!text.empty()) return std::nullopt;
+      return tag.name == "true";
+    });
+  }
+
+  template <typename Content>
+  bool Produce(Content&& content) {
+    values_.emplace_back(std::forward<Content>(content));
+    return true;
+  }
+
+  const SourceText& source_;
+  XmlCursor cursor_;
+  std::size_t nesting_ = 0;
+  std::string scratch_;
+  // What has been read of the arrays and dictionaries that are still open, innermost last, so that
+  // each is built at once in its final size.
+  std::vector<PropertyValue> values_;
+  std::vector<DictionaryEntry> entries_;
+};
+
+XmlPropertyListReader::ContentReader XmlPropertyListReader::ReaderOf(std::string_view element) {
+  using Reader = XmlPropertyListReader;
+  static constexpr std::pair<std::string_view, ContentReader> Readers[] = {
+      {"string", &Reader::ReadString},   {"integer", &Reader::ReadInteger},
+      {"dict", &Reader::ReadDictionary}, {"array", &Reader::ReadArray},
+      {"true", &Reader::ReadBoolean},    {"false", &Reader::ReadBoolean},
+      {"real", &Reader::ReadReal},       {"data", &Reader::ReadData},
+      {"date", &Reader::ReadDate},
+  };
+  for (const auto& [name, reader] : Readers) {
+    if (name == element) return reader;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+ParseOutcome ParseXmlPropertyList(const SourceText& source) {
+  SourceText decoded;
+  auto error = DecodeXmlDocument(source, decoded);
+  if (!error.empty()) return {{}, std::move(error)};
+  return XmlPropertyListReader(decoded).Read();
+}
+
+}  // namespace fernwick
