@@ -1,0 +1,21 @@
+#include "platform/diagnostics.h"
+
+#include <syslog.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace fernwick {
+
+void WriteDiagnostic(const char* message) {
+  std::fputs(message, stderr);
+  std::fflush(stderr);
+}
+
+void EndAbnormally(const char* fault) {
+  openlog("fernwick", 0, LOG_USER);
+  syslog(LOG_CRIT, "%s", fault);
+  std::abort();
+}
+
+}  // namespace fernwick

@@ -1,0 +1,80 @@
+#include "platform/file_system.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace fernwick {
+namespace {
+
+// Closes a file descriptor at the end of its scope.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  int Number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+FileReading SystemError() {
+  return {std::nullopt, std::strerror(errno)};
+}
+
+// Grows as it reads: what the file said of its size may have changed since, and some say 0.
+FileReading ReadToEnd(int file, std::size_t expectedSize) {
+  std::string bytes(expectedSize + 1, '\0');
+  std::size_t length = 0;
+  for (;;) {
+    if (length == bytes.size()) bytes.resize(std::max<std::size_t>(4096, 2 * bytes.size()));
+    const ssize_t count = read(file, bytes.data() + length, bytes.size() - length);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return SystemError();
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+    if (length > MaximumFileSize) return {std::nullopt, "the file is larger than 1 GiB"};
+  }
+  bytes.resize(length);
+  return {std::move(bytes), {}};
+}
+
+}  // namespace
+
+bool PathExists(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0;
+}
+
+FileReading ReadWholeFile(const std::string& path) {
+  // Without O_NONBLOCK, opening a FIFO would wait for its writer.
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  if (file.Number() < 0) return SystemError();
+  struct stat status;
+  if (fstat(file.Number(), &status) != 0) return SystemError();
+  if (S_ISDIR(status.st_mode)) return {std::nullopt, std::strerror(EISDIR)};
+  if (!S_ISREG(status.st_mode)) return {std::nullopt, "not a regular file"};
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > MaximumFileSize) return {std::nullopt, "the file is larger than 1 GiB"};
+  return ReadToEnd(file.Number(), size);
+}
+
+std::string AppendPathComponent(std::string_view path, std::string_view component) {
+  while (path.ends_with('/')) path.remove_suffix(1);
+  std::string joined(path);
+  if (component.empty()) return joined;
+  while (component.starts_with('/')) component.remove_prefix(1);
+  return joined.append("/").append(component);
+}
+
+}  // namespace fernwick
