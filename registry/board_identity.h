@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "registry/registry.h"
+
+namespace fernwick {
+
+/// Who the host is.
+struct BoardIdentity {
+  std::optional<std::string> boardIdString;  // such as "Zed-42"
+  std::uint64_t boardId = 0;
+  std::uint8_t boardRevision = 0;
+};
+
+/// Stores the numeric board id and the board revision, each 0 when the registry has none, and
+/// returns the numeric board id: the hexadecimal number behind the prefix "Zed-" of "board-id".
+std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8_t& boardRevision);
+
+/// The board identifier string: "board-id" up to its first zero byte. None when there is no such
+/// property or it is not UTF-8.
+std::optional<std::string> ReadBoardIdString(Registry& registry);
+
+/// The board revision that ReadBoardId stores, 0 to 255: the first byte of "board-rev".
+int ReadBoardRevision(Registry& registry);
+
+}  // namespace fernwick

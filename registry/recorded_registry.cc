@@ -1,0 +1,147 @@
+#include "registry/recorded_registry.h"
+
+#include <utility>
+
+namespace fernwick {
+namespace {
+
+constexpr std::string_view ServicePlane = "IOService";
+
+std::optional<PropertyValue> Copied(const PropertyValue* value) {
+  if (value == nullptr) return std::nullopt;
+  return *value;
+}
+
+}  // namespace
+
+RecordedRegistry::RecordedRegistry(Recording recording) : recording_(std::move(recording)) {}
+
+const RecordedEntry* RecordedRegistry::EntryOf(RegistryEntry handle) const {
+  if (handle == 0 || handle > recording_.entries.size()) return nullptr;
+  return &recording_.entries[handle - 1];
+}
+
+const RecordedPlane* RecordedRegistry::PlaneOf(std::string_view name) const {
+  const auto plane = recording_.planes.find(name);
+  return plane == recording_.planes.end() ? nullptr : &plane->second;
+}
+
+RecordedRegistry::Iterator* RecordedRegistry::IteratorOf(RegistryEntry handle) {
+  const std::size_t entryCount = recording_.entries.size();
+  if (handle <= entryCount || handle - entryCount > iterators_.size()) return nullptr;
+  return &iterators_[handle - entryCount - 1];
+}
+
+RegistryEntry RecordedRegistry::LookupEntryByPath(std::string_view path) {
+  const std::size_t colon = path.find(':');
+  if (colon == std::string_view::npos) return 0;
+  const auto* plane = PlaneOf(path.substr(0, colon));
+  path.remove_prefix(colon + 1);
+  if (plane == nullptr || !path.starts_with('/')) return 0;
+  RegistryEntry entry = plane->root;
+  if (path == "/") return entry;
+  while (entry != 0 && !path.empty()) {
+    path.remove_prefix(1);  // the "/" before the step
+    const auto step = path.substr(0, path.find('/'));
+    entry = ChildNamed(*plane, entry, step);
+    path.remove_prefix(step.size());
+  }
+  return entry;
+}
+
+// The first child of that name. An empty step names nothing, since no entry below a root has an empty
+// name.
+RegistryEntry RecordedRegistry::ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
+                                           std::string_view name) const {
+  if (name.empty()) return 0;
+  for (const RegistryEntry child : plane.placements.at(parent).children) {
+    if (EntryOf(child)->name == name) return child;
+  }
+  return 0;
+}
+
+std::optional<PropertyValue> RecordedRegistry::GetProperty(RegistryEntry entry,
+                                                           std::string_view key) {
+  const auto* recorded = EntryOf(entry);
+  if (recorded == nullptr) return std::nullopt;
+  return Copied(recorded->properties.Find(key));
+}
+
+std::optional<PropertyValue> RecordedRegistry::SearchProperty(RegistryEntry entry,
+                                                              std::string_view plane,
+                                                              std::string_view key,
+                                                              std::uint32_t options) {
+  auto own = GetProperty(entry, key);
+  const auto* recordedPlane = PlaneOf(plane);
+  if (own || (options & SearchRecursively) == 0 || recordedPlane == nullptr) return own;
+  return Copied(FindBelow(*recordedPlane, entry, key));
+}
+
+const PropertyValue* RecordedRegistry::FindBelow(const RecordedPlane& plane, RegistryEntry entry,
+                                                 std::string_view key) const {
+  const auto placement = plane.placements.find(entry);
+  if (placement == plane.placements.end()) return nullptr;
+  for (const RegistryEntry child : placement->second.children) {
+    const auto* value = EntryOf(child)->properties.Find(key);
+    if (value == nullptr) value = FindBelow(plane, child, key);
+    if (value != nullptr) return value;
+  }
+  return nullptr;
+}
+
+RegistryStatus RecordedRegistry::GetParentEntry(RegistryEntry entry, std::string_view plane,
+                                                RegistryEntry& parent) {
+  parent = 0;
+  const auto* recordedPlane = PlaneOf(plane);
+  if (recordedPlane == nullptr) return RegistryNotFound;
+  const auto placement = recordedPlane->placements.find(entry);
+  if (placement == recordedPlane->placements.end()) return RegistryNotFound;
+  parent = placement->second.parent;
+  return parent == 0 ? RegistryNotFound : RegistrySuccess;
+}
+
+RegistryStatus RecordedRegistry::MatchServicesByClass(std::string_view className,
+                                                      RegistryEntry& iterator) {
+  Iterator found;
+  const auto* plane = PlaneOf(ServicePlane);
+  if (plane != nullptr) AppendConforming(*plane, plane->root, className, found.entries);
+  iterators_.push_back(std::move(found));
+  iterator = static_cast<RegistryEntry>(recording_.entries.size() + iterators_.size());
+  return RegistrySuccess;
+}
+
+void RecordedRegistry::AppendConforming(const RecordedPlane& plane, RegistryEntry entry,
+                                        std::string_view className,
+                                        std::vector<RegistryEntry>& found) {
+  if (ConformsToClass(entry, className)) found.push_back(entry);
+  for (const RegistryEntry child : plane.placements.at(entry).children) {
+    AppendConforming(plane, child, className, found);
+  }
+}
+
+void RecordedRegistry::ResetIterator(RegistryEntry iterator) {
+  if (auto* found = IteratorOf(iterator)) found->next = 0;
+}
+
+RegistryEntry RecordedRegistry::NextEntry(RegistryEntry iterator) {
+  auto* found = IteratorOf(iterator);
+  if (found == nullptr || found->next == found->entries.size()) return 0;
+  return found->entries[found->next++];
+}
+
+bool RecordedRegistry::ConformsToClass(RegistryEntry entry, std::string_view className) {
+  const auto* recorded = EntryOf(entry);
+  if (recorded == nullptr || recorded->class_.empty()) return false;
+  std::string_view name = recorded->class_;
+  while (name != className) {
+    const auto superclass = recording_.superclasses.find(name);
+    if (superclass == recording_.superclasses.end()) return false;
+    name = superclass->second;
+  }
+  return true;
+}
+
+// Handles stay valid; there is nothing to give back.
+void RecordedRegistry::ReleaseEntry(RegistryEntry) {}
+
+}  // namespace fernwick

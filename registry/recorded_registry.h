@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "registry/registry.h"
+
+namespace fernwick {
+
+/// One entry of a recorded computer.
+struct RecordedEntry {
+  std::string name;   // empty for a plane's root that has none
+  std::string class_;  // empty: it conforms to no class
+  Dictionary properties;
+};
+
+/// One plane: how its entries hang together. Entries are numbered by their handles, 1 and up.
+struct RecordedPlane {
+  struct Placement {
+    RegistryEntry parent = 0;  // 0 at the root
+    std::vector<RegistryEntry> children;
+  };
+  RegistryEntry root = 0;
+  std::map<RegistryEntry, Placement> placements;  // of every entry that stands in the plane
+};
+
+/// What was recorded of a computer, well-formed.
+struct Recording {
+  std::vector<RecordedEntry> entries;  // the one with handle n at n − 1
+  std::map<std::string, RecordedPlane, std::less<>> planes;
+  std::map<std::string, std::string, std::less<>> superclasses;  // class to the one it derives from
+};
+
+/// The registry of a recorded computer.
+class RecordedRegistry : public Registry {
+ public:
+  explicit RecordedRegistry(Recording recording);
+
+  RegistryEntry LookupEntryByPath(std::string_view path) override;
+  std::optional<PropertyValue> GetProperty(RegistryEntry entry, std::string_view key) override;
+  std::optional<PropertyValue> SearchProperty(RegistryEntry entry, std::string_view plane,
+                                              std::string_view key, std::uint32_t options) override;
+  RegistryStatus GetParentEntry(RegistryEntry entry, std::string_view plane,
+                                RegistryEntry& parent) override;
+  RegistryStatus MatchServicesByClass(std::string_view className, RegistryEntry& iterator) override;
+  void ResetIterator(RegistryEntry iterator) override;
+  RegistryEntry NextEntry(RegistryEntry iterator) override;
+  bool ConformsToClass(RegistryEntry entry, std::string_view className) override;
+  void ReleaseEntry(RegistryEntry handle) override;
+
+ private:
+  struct Iterator {
+    std::vector<RegistryEntry> entries;
+    std::size_t next = 0;
+  };
+
+  const RecordedEntry* EntryOf(RegistryEntry handle) const;
+  const RecordedPlane* PlaneOf(std::string_view name) const;
+  Iterator* IteratorOf(RegistryEntry handle);
+  const PropertyValue* FindBelow(const RecordedPlane& plane, RegistryEntry entry,
+                                 std::string_view key) const;
+  RegistryEntry ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
+                           std::string_view name) const;
+  void AppendConforming(const RecordedPlane& plane, RegistryEntry entry, std::string_view className,
+                        std::vector<RegistryEntry>& found);
+
+  Recording recording_;
+  std::vector<Iterator> iterators_;  // handles above those of the entries
+};
+
+}  // namespace fernwick

@@ -1,0 +1,95 @@
+#include "registry/thunderbolt_inventory.h"
+
+#include <cmath>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "platform/diagnostics.h"
+#include "registry/inventory.h"
+#include "registry/typed_readers.h"
+
+namespace fernwick {
+namespace {
+
+// Reads both properties always, in this order. Only the low 32 bits of a route are tested.
+bool IsAtRootOfTopology(Registry& registry, RegistryEntry controller) {
+  std::uint32_t depth = 0;
+  const RegistryStatus depthStatus = ReadU32Property(registry, controller, "Depth", depth);
+  std::uint32_t route = 0;
+  const RegistryStatus routeStatus = ReadU32Property(registry, controller, "Route String", route);
+  return routeStatus == RegistrySuccess && route == 0 && depthStatus == RegistrySuccess &&
+         depth == 0;
+}
+
+void FillRid(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+  if (record.Find("RID") != nullptr) return;
+  std::uint64_t uid = 0;
+  if (ReadU64Property(registry, controller, "UID", uid) != RegistrySuccess) return;
+  record.Set("RID", static_cast<std::int32_t>(uid & 0xF));
+}
+
+void FillDeviceModel(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+  auto name = registry.GetProperty(controller, "Device Model Name");
+  if (name && name->AsString()) record.Set("Device Model Name", *std::move(name));
+  FillIntegers(registry, controller, record,
+               {{"Device Model ID", "Device Model ID"},
+                {"Device Model Revision", "Device Model Revision"}});
+}
+
+void FillFirmwareMode(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+  bool mode = false;
+  if (ReadBoolProperty(registry, controller, "Firmware Mode", mode) != RegistrySuccess) return;
+  record.Set("Firmware Mode", mode);
+}
+
+// Written without a test of presence or kind.
+void FillUid(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+  auto uid = registry.GetProperty(controller, "UID");
+  if (!uid) EndAbnormally("a Thunderbolt controller has no UID");
+  record.Set("Ridge UID", *std::move(uid));
+}
+
+// The major version is packed BCD, the minor one hundredths from 0 to 63. The truncation of a whole
+// number and the added 1e-9 belong to the stored value: 41.05 is held as 41.050000000999994, and an
+// "Existing Max Version" of 41.05 rejects it.
+double FirmwareVersion(std::uint32_t rom, std::uint32_t eeprom) {
+  const double major = DecodeBcd(rom);
+  const double minor = eeprom & 0x3F;
+  return std::trunc(major * 100.0 + minor) / 100.0 + 0.000000001;
+}
+
+void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+  std::uint32_t rom = 0;
+  if (ReadU32Property(registry, controller, "ROM Version", rom) != RegistrySuccess) return;
+  std::uint32_t eeprom = 0;
+  ReadU32Property(registry, controller, "EEPROM Revision", eeprom);  // 0 when it does not read
+  record.Set("Version", FirmwareVersion(rom, eeprom));
+  record.Set("Engineering Version", static_cast<std::uint8_t>(eeprom & 0xC0));
+}
+
+}  // namespace
+
+HardwareInventory CollectThunderboltControllers(Registry& registry) {
+  std::vector<HardwareRecord> controllers;
+  ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
+    if (!IsAtRootOfTopology(registry, controller)) return;
+    FillThunderboltFields(registry, controller, &controllers.emplace_back());
+  });
+  return NonEmpty(std::move(controllers));
+}
+
+void FillThunderboltFields(Registry& registry, RegistryEntry controller, HardwareRecord* record) {
+  if (record == nullptr) return;
+  FillRid(registry, controller, *record);
+  FillIntegers(registry, controller, *record,
+               {{"Vendor ID", "Ridge Silicon Vendor ID"},
+                {"Device ID", "Ridge Silicon Device ID"},
+                {"Revision ID", "Ridge Silicon Revision"}});
+  FillDeviceModel(registry, controller, *record);
+  FillFirmwareMode(registry, controller, *record);
+  FillUid(registry, controller, *record);
+  FillVersion(registry, controller, *record);
+}
+
+}  // namespace fernwick
