@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// The directory of a board's images and configuration: the `PersonalitiesDirectory` with the board
+/// identifier string as a path component. Absent when either is.
+std::optional<std::string> BoardDirectory(const std::optional<std::string>& boardIdString,
+                                          const std::optional<std::string>& personalitiesDirectory);
+
+/// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns its
+/// top-level value, of whatever kind, or nothing after one line in the PlatformLog: there is no such
+/// directory, no such file, or it cannot be read or parsed.
+std::optional<PropertyValue> LoadPersonalityConfiguration(
+    const std::optional<std::string>& boardIdString,
+    const std::optional<std::string>& personalitiesDirectory);
+
+}  // namespace fernwick

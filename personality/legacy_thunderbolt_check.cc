@@ -1,0 +1,24 @@
+#include "personality/legacy_thunderbolt_check.h"
+
+#include "personality/requirement_rules.h"
+
+namespace fernwick {
+namespace {
+
+constexpr RequirementSet Requirements[] = {
+    {.key = "RID"},
+    {.key = "Ridge Silicon Vendor ID", .presence = KeyPresence::RequiredKey},
+    {.key = "Ridge Silicon Device ID", .presence = KeyPresence::RequiredKey},
+    {.key = "Ridge Silicon Revision", .presence = KeyPresence::RequiredKey},
+    {.key = "Ridge UID"},
+};
+
+}  // namespace
+
+bool CheckLegacyThunderboltRequirements(const Personality& personality,
+                                        const HardwareRecord& hardware, int /*ignored*/) {
+  return FirmwareVersionWindow(personality, hardware, EngineeringGate::Off) &&
+         MatchesAll(personality, hardware, Requirements);
+}
+
+}  // namespace fernwick

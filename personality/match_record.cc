@@ -1,0 +1,36 @@
+#include "personality/match_record.h"
+
+namespace fernwick {
+namespace {
+
+// Set from the controller only where the personality named them, in this order.
+constexpr std::string_view ConstrainedKeys[] = {
+    "Port Silicon Vendor ID",  "Port Silicon Device ID", "Port Silicon Revision",
+    "Port OTP Revision",       "Port UUID",              "Ridge Silicon Vendor ID",
+    "Ridge Silicon Device ID", "Ridge Silicon Revision", "Ridge UID",
+};
+
+}  // namespace
+
+MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecord& controller,
+                             std::string_view type) {
+  MatchRecord match = personality;
+  const auto setFromController = [&](std::string_view key) {
+    match.SetOrRemove(key, controller.Find(key));
+  };
+  setFromController("RID");
+  const auto* version = match.Find("Version");
+  if (version == nullptr || !version->IsNumber()) setFromController("Version");
+  // The condition is "RID" and not "Port Address", deliberately: a controller with a RID gives its
+  // address even to a personality without one; without a RID the file's address stays.
+  if (match.Find("RID") != nullptr) setFromController("Port Address");
+  for (const auto key : ConstrainedKeys) {
+    if (match.Find(key) != nullptr) setFromController(key);
+  }
+  match.Set("Personality Type", type);
+  const bool controllerHasMode = controller.Find("Firmware Mode") != nullptr;
+  if (type == PersonalityType::Thunderbolt && controllerHasMode) setFromController("Firmware Mode");
+  return match;
+}
+
+}  // namespace fernwick

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
+
+namespace fernwick {
+
+/// The comparisons of the requirement checks. The personality's value comes first, the hardware's
+/// second. An operand of another kind makes each of them false; none ever fails.
+
+bool NumbersEqual(const PropertyValue& a, const PropertyValue& b);
+bool NumberGreater(const PropertyValue& a, const PropertyValue& b);
+bool NumberLess(const PropertyValue& a, const PropertyValue& b);
+
+/// The same characters, case-sensitive.
+bool StringsEqual(const PropertyValue& a, const PropertyValue& b);
+
+/// Whether a personality must name a key to match at all.
+enum class KeyPresence { OptionalKey, RequiredKey };
+
+/// What a personality may hold under a key as a single value.
+enum class SingleValueKind { NumberKind, StringKind };
+
+/// How one key of a personality constrains the value of the same key of the hardware.
+struct RequirementSet {
+  std::string_view key;
+  KeyPresence presence = KeyPresence::OptionalKey;
+  SingleValueKind kind = SingleValueKind::NumberKind;
+  bool (*equal)(const PropertyValue&, const PropertyValue&) = NumbersEqual;
+  const char* missingKeyMessage = nullptr;  // for standard error, when a needed key is missing
+};
+
+/// Whether the hardware's value equals the personality's single value or an element of its array. A
+/// personality without an optional key sets no constraint; otherwise both need the key. Presence is
+/// tested before the kind.
+bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
+                         const RequirementSet& requirement);
+
+/// Whether all of them match. Evaluated in order up to the first that does not.
+bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
+                std::span<const RequirementSet> requirements);
+
+/// Whether the newer-than-installed test of the version window also rejects hardware that runs
+/// engineering firmware.
+enum class EngineeringGate { Off, On };
+
+/// Whether the personality's firmware may be installed over the hardware's: it is newer (unless
+/// `BypassVersionCheck` is set), and the installed version lies within "Existing Min Version" and
+/// "Existing Max Version", both inclusive.
+bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
+                           EngineeringGate gate);
+
+}  // namespace fernwick

@@ -1,0 +1,26 @@
+#include "personality/thunderbolt_check.h"
+
+#include "personality/legacy_thunderbolt_check.h"
+#include "personality/requirement_rules.h"
+#include "personality/usbc_check.h"
+
+namespace fernwick {
+namespace {
+
+constexpr RequirementSet DeviceModel[] = {
+    {.key = "Device Model Name", .kind = SingleValueKind::StringKind, .equal = StringsEqual},
+    {.key = "Device Model ID"},
+    {.key = "Device Model Revision"},
+    {.key = "Firmware Mode"},
+};
+
+}  // namespace
+
+bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
+                                  unsigned boardRevision) {
+  return CheckUsbcRequirements(personality, hardware, boardRevision) &&
+         CheckLegacyThunderboltRequirements(personality, hardware, 0) &&
+         MatchesAll(personality, hardware, DeviceModel);
+}
+
+}  // namespace fernwick

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
+
+namespace fernwick {
+
+/// Whether a "Thunderbolt" personality applies to a port and the Thunderbolt controller behind it:
+/// everything that a "USBC" and then everything that a "LegacyThunderbolt" one must satisfy, then the
+/// device model. What the two have in common is tested, and told, twice. May write diagnostics to
+/// standard error.
+bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
+                                  unsigned boardRevision);
+
+}  // namespace fernwick
