@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "personality/match_record.h"
+#include "plan/plan_values.h"
+
+namespace fernwick {
+
+/// Builds the argument vector of the boot-target tool from the matches of one run. Each group of
+/// matches of one type gets a whole head of its own, and the payload variables count from 0 in each;
+/// all groups share the one options argument at the end.
+class InvocationBuilder {
+ public:
+  /// `personalitiesDirectory` ends in "/".
+  InvocationBuilder(std::string personalitiesDirectory, std::optional<std::string> boardIdString);
+
+  /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
+  /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a line
+  /// in the PlatformLog, when the match names no firmware image.
+  bool AddMatch(const MatchRecord& match, PlanValues& plan, std::FILE* verboseOut);
+
+  /// Closes the vector. To be called once, after the last match.
+  void FinishInvocation();
+
+  /// Prints the finished vector on one line: an argument that holds a blank in double quotes and
+  /// directly before the next, any other with a blank behind it.
+  void PrintInvocation(std::FILE* out) const;
+
+  /// The finished vector, program path first.
+  const std::vector<std::string>& Arguments() const { return arguments; }
+
+ private:
+  void StartGroup(std::string_view type);
+  void AddThunderboltOptions(const MatchRecord& match);
+  void AddPortOptions();
+  std::string PayloadVariable() const;
+
+  std::string personalitiesDirectory;
+  std::optional<std::string> boardDirectory;
+  std::vector<std::string> arguments;
+  std::vector<std::string> optionTokens;  // the words of the one options argument
+  std::vector<std::string> trailer;       // the words that close the vector
+  std::optional<std::string> currentType;
+  std::string firmwarePath;               // the flashing utility of the current group
+  std::uint32_t payloadIndex = ~std::uint32_t{0};
+};
+
+}  // namespace fernwick

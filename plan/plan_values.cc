@@ -1,0 +1,25 @@
+#include "plan/plan_values.h"
+
+#include <algorithm>
+
+#include "plan/value_conversions.h"
+
+namespace fernwick {
+
+void FoldPriority(const MatchRecord& match, PlanValues& plan) {
+  plan.lowestPriority = std::min(plan.lowestPriority, Integer32Of(match.Find("Priority")));
+}
+
+void MergeNvram(const MatchRecord& match, PlanValues& plan) {
+  const auto* toSet = match.Find("SetNVRAM");
+  if (toSet != nullptr && toSet->AsDictionary() != nullptr) {
+    plan.nvramToSet.Merge(*toSet->AsDictionary());
+  }
+  const auto* toClear = match.Find("ClearNVRAM");
+  if (toClear != nullptr && toClear->AsArray() != nullptr) {
+    const auto& names = *toClear->AsArray();
+    plan.nvramToClear.insert(plan.nvramToClear.end(), names.begin(), names.end());
+  }
+}
+
+}  // namespace fernwick

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// How the report and the plan take the values of a match record. Null stands for an absent value.
+
+/// 64 bits in two's-complement form; a narrower integer is its low bits. A number is truncated toward
+/// zero and saturated; of a text, the decimal number at its start; anything else and an absent value
+/// give 0.
+std::uint64_t IntegerOf(const PropertyValue* value);
+
+/// The low 32 bits of IntegerOf.
+std::uint32_t Integer32Of(const PropertyValue* value);
+
+/// A number rounded once to single precision; of a text, the decimal number at its start; anything
+/// else and an absent value give 0.
+float RealOf(const PropertyValue* value);
+
+/// The text of a string; none for anything else and for an absent value.
+std::optional<std::string_view> TextOf(const PropertyValue* value);
+
+/// What stands for an absent text in verbose output.
+inline constexpr char AbsentText[] = "(null)";
+
+}  // namespace fernwick
