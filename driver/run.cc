@@ -1,0 +1,97 @@
+#include "driver/run.h"
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "driver/bypass_switch.h"
+#include "driver/hardware_listing.h"
+#include "driver/options.h"
+#include "personality/bypass_flags.h"
+#include "personality/matcher.h"
+#include "plan/invocation_builder.h"
+#include "plan/launcher_plist.h"
+#include "plan/match_report.h"
+#include "plan/plan_values.h"
+#include "registry/board_identity.h"
+
+namespace fernwick {
+namespace {
+
+// Both switches set: the second is not even read.
+void ReadSwitches(Registry& registry) {
+  BypassUsbcUpdates = ReadBypassSwitch(registry, "fernwick_bypass_usbc_updates");
+  if (BypassUsbcUpdates == 0 && BypassVersionCheck == 0) {
+    BypassVersionCheck = ReadBypassSwitch(registry, "fernwick_bypassversioncheck");
+  }
+}
+
+BoardIdentity ReadBoardIdentity(Registry& registry) {
+  BoardIdentity identity;
+  ReadBoardId(registry, identity.boardId, identity.boardRevision);
+  identity.boardIdString = ReadBoardIdString(registry);
+  return identity;
+}
+
+// Turns the matches into the plan and prints it.
+int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& identity,
+              const Options& options, std::FILE* out) {
+  PlanValues plan;
+  InvocationBuilder builder(*options.personalitiesDirectory, identity.boardIdString);
+  if (options.verbose) PrintMatchReportHeader(out);
+  for (const auto& match : matches) {
+    FoldPriority(match, plan);
+    if (options.verbose) PrintMatchReport(out, match);
+    if (!builder.AddMatch(match, plan, options.verbose ? out : nullptr)) {
+      return ExitStatus::NoMatches;
+    }
+  }
+  builder.FinishInvocation();
+  if (options.verbose) builder.PrintInvocation(out);
+  return WritePlan(out, options.verbose, builder.Arguments(), plan);
+}
+
+int RunWithOptions(const Options& options, Registry& registry, std::FILE* out) {
+  if (!options.accepted) return ExitStatus::BadCommandLine;
+  const auto identity = ReadBoardIdentity(registry);
+  if (options.verbose) {
+    PrintHeader(out, identity, options.personalitiesDirectory);
+    PrintHardware(out, registry);
+  }
+  const auto matches = MatchPersonalities(registry, identity.boardIdString, identity.boardRevision,
+                                          options.personalitiesDirectory);
+  if (!matches) return ExitStatus::NoMatches;
+  return PrintPlan(*matches, identity, options, out);
+}
+
+int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, std::FILE* out) {
+  BypassUsbcUpdates = 0;
+  BypassVersionCheck = 0;
+  ReadSwitches(registry);
+  if (BypassUsbcUpdates != 0) {
+    // The options have not been read: not even the verbose one has an effect here.
+    std::fputs("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n",
+               out);
+    return ExitStatus::PlanPrinted;
+  }
+  const auto options = ParseOptions(argumentCount, arguments);
+  if (options.bypassVersionCheck) BypassVersionCheck = 1;
+  const int status = RunWithOptions(options, registry, out);
+  if (options.verbose) std::fprintf(out, "\n\nExit status: %u\n", static_cast<unsigned>(status));
+  return status;
+}
+
+}  // namespace
+
+int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* out) {
+  const int status = RunToStatus(argumentCount, arguments, registry, out);
+  const bool isFlushed = std::fflush(out) == 0;
+  const char* reason = isFlushed ? "a write failed" : std::strerror(errno);
+  if (isFlushed && std::ferror(out) == 0) return status;
+  std::fprintf(stderr, "fernwick: standard output could not be written: %s\n", reason);
+  return status == ExitStatus::PlanPrinted ? ExitStatus::OutputLost : status;
+}
+
+}  // namespace fernwick
