@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace fernwick::testing {
+
+/// Everything that reaches standard error, diagnostics and system log alike, from its construction to
+/// TakeText. One at a time.
+class StandardErrorCapture {
+ public:
+  StandardErrorCapture();
+  ~StandardErrorCapture();
+  StandardErrorCapture(const StandardErrorCapture&) = delete;
+  StandardErrorCapture& operator=(const StandardErrorCapture&) = delete;
+
+  /// Ends the capture.
+  std::string TakeText();
+
+ private:
+  void Restore();
+
+  std::FILE* file_;
+  int savedDescriptor_;
+};
+
+/// A stream that keeps what is written to it and where it was flushed.
+class StreamCapture {
+ public:
+  StreamCapture();
+  ~StreamCapture();
+  StreamCapture(const StreamCapture&) = delete;
+  StreamCapture& operator=(const StreamCapture&) = delete;
+
+  std::FILE* Stream() const { return stream_; }
+
+  /// All that was written, flushed or not.
+  std::string Text();
+
+  /// What each flush sent out, in order. Does not flush by itself. REQUIRES: no piece was larger than
+  /// 64 KiB, which a stream sends out unasked.
+  const std::vector<std::string>& Flushes() const { return flushes_; }
+
+ private:
+  std::vector<std::string> flushes_;
+  std::string buffer_;
+  std::FILE* stream_;
+};
+
+/// A stream on which every write fails with ENOSPC, as on a full disk.
+std::FILE* OpenFullDisk();
+
+}  // namespace fernwick::testing

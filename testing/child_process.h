@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace fernwick::testing {
+
+/// How a program ended and what it wrote.
+struct ChildOutcome {
+  std::string status;  // the exit status in decimal, or the name of a signal such as "SIGABRT"
+  std::string standardOutput;
+  std::string standardError;
+};
+
+/// Where a program's standard output goes.
+enum class OutputTarget { Captured, Closed, FullDisk, BrokenPipe };
+
+/// Runs a program to its end with an empty standard input, in `directory`. It leaves no core file.
+ChildOutcome RunChild(const std::vector<std::string>& command, const std::string& directory,
+                      OutputTarget target = OutputTarget::Captured);
+
+}  // namespace fernwick::testing

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "registry/recorded_registry.h"
+
+namespace fernwick::testing {
+
+/// A computer put together entry by entry, for tests that say what hardware they are about. It begins
+/// with the roots of both planes and "IODeviceTree:/options", all without properties.
+class Computer {
+ public:
+  Computer();
+
+  /// The root of the device tree, which holds the board's identity, and the entry below it that holds
+  /// the boot-time settings.
+  RegistryEntry Board() const { return board_; }
+  RegistryEntry Options() const { return options_; }
+
+  /// The root of the service plane.
+  RegistryEntry Services() const { return services_; }
+
+  /// Sets a property of an entry. Returns the computer, for the next call.
+  Computer& Set(RegistryEntry entry, std::string_view key, PropertyValue value);
+
+  /// "board-id" with its zero byte, and "board-rev".
+  Computer& SetBoard(std::string_view boardId, unsigned char boardRevision);
+
+  /// Adds an entry to the service plane, as the last child of `parent`.
+  RegistryEntry AddService(RegistryEntry parent, std::string_view name, std::string_view className,
+                           Dictionary properties);
+
+  /// The same, of the two classes of controllers, below the root. A Thunderbolt controller must be
+  /// given its "UID".
+  RegistryEntry AddPort(std::string_view name, Dictionary properties);
+  RegistryEntry AddThunderbolt(std::string_view name, Dictionary properties);
+
+  /// Says that a class derives from another.
+  Computer& Derive(std::string_view className, std::string_view superclass);
+
+  const Recording& Recorded() const { return recording_; }
+
+ private:
+  RegistryEntry Add(std::string_view plane, RegistryEntry parent, std::string_view name,
+                    std::string_view className, Dictionary properties);
+
+  Recording recording_;
+  RegistryEntry board_;
+  RegistryEntry options_;
+  RegistryEntry services_;
+};
+
+/// A byte string.
+Data Bytes(std::string_view bytes);
+
+}  // namespace fernwick::testing
