@@ -22,3 +22,15 @@ function(fernwick_tests program library)
   target_link_libraries(${program} PRIVATE ${library} fernwick_testing GTest::gtest_main)
   gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST)
 endfunction()
+
+# fernwick_program_tests(PROGRAM SOURCE): tests that run the programs as they are built.
+function(fernwick_program_tests program source)
+  fernwick_tests(${program} fernwick_testing ${source})
+  add_dependencies(${program} fernwick fernwick-lab)
+  target_compile_definitions(${program} PRIVATE
+    FERNWICK_SOURCE_DIRECTORY="${CMAKE_SOURCE_DIR}"
+    FERNWICK_BUILD_DIRECTORY="${CMAKE_BINARY_DIR}"
+    FERNWICK_GOLDEN_DIRECTORY="${CMAKE_SOURCE_DIR}/golden"
+    FERNWICK_PROGRAM="$<TARGET_FILE:fernwick>"
+    FERNWICK_LAB_PROGRAM="$<TARGET_FILE:fernwick-lab>")
+endfunction()

@@ -16,28 +16,29 @@ const char* TextOrAbsent(const std::optional<std::string>& text) {
 
 }  // namespace
 
-void PrintHeader(std::FILE* out, const BoardIdentity& identity,
+void PrintHeader(Output& out, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory) {
-  std::fprintf(out, "\nBoard ID:                %" PRIX64 "\n", identity.boardId);
-  std::fprintf(out, "Board ID String:         %s\n", TextOrAbsent(identity.boardIdString));
-  std::fprintf(out, "Board Revision:          %u\n", identity.boardRevision);
-  std::fprintf(out, "\nPersonalities Directory: %s\n", TextOrAbsent(personalitiesDirectory));
-  std::fputs("\n\n", out);
-  std::fflush(out);
+  out.Print("\nBoard ID:                %" PRIX64 "\n", identity.boardId);
+  out.Print("Board ID String:         %s\n", TextOrAbsent(identity.boardIdString));
+  out.Print("Board Revision:          %u\n", identity.boardRevision);
+  out.Print("\nPersonalities Directory: %s\n", TextOrAbsent(personalitiesDirectory));
+  out.Write("\n\n");
+  out.Flush();
 }
 
-void PrintHardware(std::FILE* out, Registry& registry) {
+void PrintHardware(Output& out, Registry& registry) {
   auto hardware = CollectPortControllers(registry);
   if (!hardware) hardware = CollectThunderboltControllers(registry);
   if (!hardware) {
-    std::fputs("No supported hardware on this platform?\n", out);
+    out.Write("No supported hardware on this platform?\n");
   } else {
     const Array list(hardware->begin(), hardware->end());
-    std::fprintf(out, "Current hardware:\n\n%s", DumpText(list).c_str());
+    out.Write("Current hardware:\n\n");
+    out.Write(DumpText(list));
   }
-  std::fflush(out);
-  std::fputs("\n\n", out);
-  std::fflush(out);
+  out.Flush();
+  out.Write("\n\n");
+  out.Flush();
 }
 
 }  // namespace fernwick

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdio>
 #include <optional>
 #include <string>
 
+#include "platform/output.h"
 #include "registry/board_identity.h"
 #include "registry/registry.h"
 
@@ -12,10 +12,10 @@ namespace fernwick {
 /// Verbose output alone.
 
 /// Who the host is and where its personalities are looked for.
-void PrintHeader(std::FILE* out, const BoardIdentity& identity,
+void PrintHeader(Output& out, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory);
 
 /// The current hardware: the port controllers or, where there are none, the Thunderbolt controllers.
-void PrintHardware(std::FILE* out, Registry& registry);
+void PrintHardware(Output& out, Registry& registry);
 
 }  // namespace fernwick

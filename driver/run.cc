@@ -1,6 +1,5 @@
 #include "driver/run.h"
 
-#include <cerrno>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -15,6 +14,7 @@
 #include "plan/launcher_plist.h"
 #include "plan/match_report.h"
 #include "plan/plan_values.h"
+#include "platform/output.h"
 #include "registry/board_identity.h"
 
 namespace fernwick {
@@ -37,14 +37,14 @@ BoardIdentity ReadBoardIdentity(Registry& registry) {
 
 // Turns the matches into the plan and prints it.
 int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& identity,
-              const Options& options, std::FILE* out) {
+              const Options& options, Output& out) {
   PlanValues plan;
   InvocationBuilder builder(*options.personalitiesDirectory, identity.boardIdString);
   if (options.verbose) PrintMatchReportHeader(out);
   for (const auto& match : matches) {
     FoldPriority(match, plan);
     if (options.verbose) PrintMatchReport(out, match);
-    if (!builder.AddMatch(match, plan, options.verbose ? out : nullptr)) {
+    if (!builder.AddMatch(match, plan, options.verbose ? &out : nullptr)) {
       return ExitStatus::NoMatches;
     }
   }
@@ -53,7 +53,7 @@ int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& iden
   return WritePlan(out, options.verbose, builder.Arguments(), plan);
 }
 
-int RunWithOptions(const Options& options, Registry& registry, std::FILE* out) {
+int RunWithOptions(const Options& options, Registry& registry, Output& out) {
   if (!options.accepted) return ExitStatus::BadCommandLine;
   const auto identity = ReadBoardIdentity(registry);
   if (options.verbose) {
@@ -66,31 +66,31 @@ int RunWithOptions(const Options& options, Registry& registry, std::FILE* out) {
   return PrintPlan(*matches, identity, options, out);
 }
 
-int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, std::FILE* out) {
+int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out) {
   BypassUsbcUpdates = 0;
   BypassVersionCheck = 0;
   ReadSwitches(registry);
   if (BypassUsbcUpdates != 0) {
     // The options have not been read: not even the verbose one has an effect here.
-    std::fputs("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n",
-               out);
+    out.Write("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n");
     return ExitStatus::PlanPrinted;
   }
   const auto options = ParseOptions(argumentCount, arguments);
   if (options.bypassVersionCheck) BypassVersionCheck = 1;
   const int status = RunWithOptions(options, registry, out);
-  if (options.verbose) std::fprintf(out, "\n\nExit status: %u\n", static_cast<unsigned>(status));
+  if (options.verbose) out.Print("\n\nExit status: %u\n", static_cast<unsigned>(status));
   return status;
 }
 
 }  // namespace
 
-int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* out) {
+int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream) {
+  Output out(stream);
   const int status = RunToStatus(argumentCount, arguments, registry, out);
-  const bool isFlushed = std::fflush(out) == 0;
-  const char* reason = isFlushed ? "a write failed" : std::strerror(errno);
-  if (isFlushed && std::ferror(out) == 0) return status;
-  std::fprintf(stderr, "fernwick: standard output could not be written: %s\n", reason);
+  out.Flush();
+  if (out.Error() == 0) return status;
+  std::fprintf(stderr, "fernwick: standard output could not be written: %s\n",
+               std::strerror(out.Error()));
   return status == ExitStatus::PlanPrinted ? ExitStatus::OutputLost : status;
 }
 

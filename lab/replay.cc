@@ -27,7 +27,7 @@ std::vector<char*> ToolArguments(std::string& toolName, int argumentCount,
 }  // namespace
 
 int Replay(int argumentCount, char* const arguments[]) {
-  if (argumentCount == 0) {
+  if (argumentCount == 0 || arguments[0][0] == '-') {
     std::fputs(ReplayHelp, stderr);
     return LabStatus::BadUsage;
   }

@@ -55,7 +55,7 @@ InvocationBuilder::InvocationBuilder(std::string directory,
       boardDirectory(BoardDirectory(boardIdString, personalitiesDirectory)) {}
 
 bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan,
-                                 std::FILE* verboseOut) {
+                                 Output* verboseOut) {
   const std::string type(TextOf(match.Find("Personality Type")).value_or(AbsentText));
   if (type != currentType) StartGroup(type);
   MergeNvram(match, plan);
@@ -70,8 +70,8 @@ bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan,
     family == UtilityFamily::Ridge ? AddThunderboltOptions(match) : AddPortOptions();
     Append(arguments, {"-payload", AppendPathComponent(*boardDirectory, image)});
   } else if (verboseOut != nullptr) {
-    std::fprintf(verboseOut, "\t*** No supported platform type? (was using %s)***\n", type.c_str());
-    std::fflush(verboseOut);
+    verboseOut->Print("\t*** No supported platform type? (was using %s)***\n", type.c_str());
+    verboseOut->Flush();
   }
   ++payloadIndex;
   return true;
@@ -110,16 +110,16 @@ void InvocationBuilder::FinishInvocation() {
   arguments.push_back(JoinWithBlanks(optionTokens));
 }
 
-void InvocationBuilder::PrintInvocation(std::FILE* out) const {
-  std::fputs("Hallow Invocation:\n", out);
-  std::fflush(out);
-  std::fputs("\t", out);
+void InvocationBuilder::PrintInvocation(Output& out) const {
+  out.Write("Hallow Invocation:\n");
+  out.Flush();
+  out.Write("\t");
   for (const auto& argument : arguments) {
     const bool holdsBlank = argument.find(' ') != std::string::npos;
-    std::fprintf(out, holdsBlank ? "\"%s\"" : "%s ", argument.c_str());
+    out.Write(holdsBlank ? "\"" + argument + "\"" : argument + " ");
   }
-  std::fputs("\n", out);
-  std::fflush(out);
+  out.Write("\n");
+  out.Flush();
 }
 
 }  // namespace fernwick

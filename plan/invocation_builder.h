@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +8,7 @@
 
 #include "personality/match_record.h"
 #include "plan/plan_values.h"
+#include "platform/output.h"
 
 namespace fernwick {
 
@@ -23,14 +23,14 @@ class InvocationBuilder {
   /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
   /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a line
   /// in the PlatformLog, when the match names no firmware image.
-  bool AddMatch(const MatchRecord& match, PlanValues& plan, std::FILE* verboseOut);
+  bool AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut);
 
   /// Closes the vector. To be called once, after the last match.
   void FinishInvocation();
 
   /// Prints the finished vector on one line: an argument that holds a blank in double quotes and
   /// directly before the next, any other with a blank behind it.
-  void PrintInvocation(std::FILE* out) const;
+  void PrintInvocation(Output& out) const;
 
   /// The finished vector, program path first.
   const std::vector<std::string>& Arguments() const { return arguments; }

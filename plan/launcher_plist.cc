@@ -17,15 +17,14 @@ Dictionary LauncherPropertyList(const std::vector<std::string>& arguments, const
 
 }  // namespace
 
-int WritePlan(std::FILE* out, bool verbose, const std::vector<std::string>& arguments,
+int WritePlan(Output& out, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan) {
   // The builder always adds the options argument; this guard stays for the day it does not.
   if (arguments.empty()) return 1;
-  if (verbose) std::fputs("\n\nResulting Kestrel Plist:\n\n", out);
-  const auto text = WriteXmlPropertyList(LauncherPropertyList(arguments, plan));
-  std::fwrite(text.data(), 1, text.size(), out);
-  std::fputs("\n", out);
-  std::fflush(out);
+  if (verbose) out.Write("\n\nResulting Kestrel Plist:\n\n");
+  out.Write(WriteXmlPropertyList(LauncherPropertyList(arguments, plan)));
+  out.Write("\n");
+  out.Flush();
   return 0;
 }
 

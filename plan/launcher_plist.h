@@ -1,17 +1,17 @@
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "plan/plan_values.h"
+#include "platform/output.h"
 
 namespace fernwick {
 
 /// Writes the property list of the firmware-update launcher as XML and flushes it; in verbose mode
 /// under a title. Returns the status of the run: 0 when it was written, 1 when the argument vector is
 /// empty and there is nothing to write.
-int WritePlan(std::FILE* out, bool verbose, const std::vector<std::string>& arguments,
+int WritePlan(Output& out, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan);
 
 }  // namespace fernwick

@@ -12,7 +12,7 @@ namespace {
 // One labelled line. The label is padded so that every value starts in the same column.
 class ReportLines {
  public:
-  ReportLines(std::FILE* out, const MatchRecord& match) : out_(out), match_(match) {}
+  ReportLines(Output& out, const MatchRecord& match) : out_(out), match_(match) {}
 
   void Text(const char* label, std::string_view key) {
     const std::string text(TextOf(match_.Find(key)).value_or(AbsentText));
@@ -43,22 +43,22 @@ class ReportLines {
  private:
   template <typename... Values>
   void Print(const char* format, Values... values) {
-    std::fprintf(out_, format, values...);
-    std::fflush(out_);
+    out_.Print(format, values...);
+    out_.Flush();
   }
 
-  std::FILE* out_;
+  Output& out_;
   const MatchRecord& match_;
 };
 
 }  // namespace
 
-void PrintMatchReportHeader(std::FILE* out) {
-  std::fputs("Identified the following matches:\n", out);
-  std::fflush(out);
+void PrintMatchReportHeader(Output& out) {
+  out.Write("Identified the following matches:\n");
+  out.Flush();
 }
 
-void PrintMatchReport(std::FILE* out, const MatchRecord& match) {
+void PrintMatchReport(Output& out, const MatchRecord& match) {
   ReportLines lines(out, match);
   lines.Text("PERSONALITY_TYPE:", "Personality Type");
   lines.Integer32("CONFIG_PORT_ADDRESS:", "Port Address");
@@ -81,8 +81,8 @@ void PrintMatchReport(std::FILE* out, const MatchRecord& match) {
   lines.Integer32("CONFIG_PRIORITY:", "Priority");
   lines.Dump("CONFIG_NVRAM_TO_SET:", "SetNVRAM");
   lines.Dump("CONFIG_NVRAM_TO_CLEAR:", "ClearNVRAM");
-  std::fputs("\n\n", out);
-  std::fflush(out);
+  out.Write("\n\n");
+  out.Flush();
 }
 
 }  // namespace fernwick

@@ -1,0 +1,111 @@
+// Whole runs of the tool over recorded computers. Each case is a file in golden/cases; what the run
+// must print and how it must end stand beside it. With FERNWICK_REWRITE_GOLDEN=1 in the environment
+// the expectations are written instead of compared.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "testing/child_process.h"
+
+namespace fernwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path GoldenDirectory = FERNWICK_GOLDEN_DIRECTORY;
+
+std::string ReadText(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The command line that a case describes. A line is "key: value" or begins with "#".
+//   recording: the recorded computer, relative to golden/
+//   options:   options of the tool, separated by blanks
+//   argument:  one argument of the tool, blanks and all
+//   payload:   the payload directory, relative to golden/; becomes a last option -p
+std::vector<std::string> CommandOf(const fs::path& caseFile) {
+  std::vector<std::string> command{FERNWICK_LAB_PROGRAM, "replay", ""};
+  std::string payload;
+  std::ifstream lines(caseFile);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    const auto colon = line.find(": ");
+    const auto key = line.substr(0, colon);
+    const auto value = colon == std::string::npos ? "" : line.substr(colon + 2);
+    if (key == "recording") {
+      command[2] = value;
+    } else if (key == "payload") {
+      payload = value;
+    } else if (key == "argument") {
+      command.push_back(value);
+    } else if (key == "options") {
+      std::istringstream words(value);
+      command.insert(command.end(), std::istream_iterator<std::string>(words), {});
+    } else {
+      ADD_FAILURE() << caseFile << ": what is \"" << line << "\"?";
+    }
+  }
+  if (!payload.empty()) command.insert(command.end(), {"-p", payload});
+  return command;
+}
+
+class Golden : public ::testing::TestWithParam<std::string> {
+ protected:
+  static fs::path Beside(std::string_view ending) {
+    return GoldenDirectory / "cases" / (GetParam() + std::string(ending));
+  }
+
+  static void CompareOrRewrite(std::string_view ending, const std::string& found) {
+    if (std::getenv("FERNWICK_REWRITE_GOLDEN") != nullptr) {
+      std::ofstream(Beside(ending), std::ios::binary) << found;
+      return;
+    }
+    ASSERT_TRUE(fs::exists(Beside(ending))) << Beside(ending);
+    EXPECT_EQ(ReadText(Beside(ending)), found) << Beside(ending);
+  }
+};
+
+TEST_P(Golden, RunsAsExpected) {
+  const auto outcome = testing::RunChild(CommandOf(Beside(".case")), GoldenDirectory.string());
+  CompareOrRewrite(".stdout", outcome.standardOutput);
+  CompareOrRewrite(".stderr", outcome.standardError);
+  CompareOrRewrite(".status", outcome.status + "\n");
+}
+
+std::vector<std::string> CaseNames() {
+  std::vector<std::string> names;
+  for (const auto& file : fs::directory_iterator(GoldenDirectory / "cases")) {
+    if (file.path().extension() == ".case") names.push_back(file.path().stem().string());
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  std::ranges::replace(name, '-', '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(CaseNames()), TestName);
+
+// An expectation whose case is gone would be compared with nothing.
+TEST(GoldenCases, HaveNoLeftOverExpectations) {
+  for (const auto& file : fs::directory_iterator(GoldenDirectory / "cases")) {
+    auto caseFile = file.path();
+    EXPECT_TRUE(fs::exists(caseFile.replace_extension(".case"))) << file.path();
+  }
+}
+
+}  // namespace
+}  // namespace fernwick

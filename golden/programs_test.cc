@@ -1,0 +1,160 @@
+// The programs as processes: what only the end of a process can show.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "testing/child_process.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ChildOutcome;
+using testing::OutputTarget;
+using testing::RunChild;
+
+const std::string Recording = "../examples/ports-below-thunderbolt.registry.plist";
+const std::string Payload = "../examples/payload";
+
+constexpr char Usage[] =
+    "usage: fernwick-lab VERB [ARGUMENT...]\n"
+    "\n"
+    "verbs:\n"
+    "  replay     run the tool over a recorded computer\n"
+    "\n"
+    "\"fernwick-lab VERB --help\" explains one.\n";
+
+ChildOutcome RunLab(std::vector<std::string> arguments,
+                    OutputTarget target = OutputTarget::Captured) {
+  arguments.insert(arguments.begin(), FERNWICK_LAB_PROGRAM);
+  return RunChild(arguments, FERNWICK_GOLDEN_DIRECTORY, target);
+}
+
+ChildOutcome RunTool(std::vector<std::string> arguments,
+                     OutputTarget target = OutputTarget::Captured) {
+  arguments.insert(arguments.begin(), FERNWICK_PROGRAM);
+  return RunChild(arguments, FERNWICK_GOLDEN_DIRECTORY, target);
+}
+
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
+  EXPECT_EQ(found.status, expected.status);
+  EXPECT_EQ(found.standardOutput, expected.standardOutput);
+  EXPECT_EQ(found.standardError, expected.standardError);
+}
+
+TEST(Output, ClosedIsNoSuccess) {
+  ExpectOutcome(
+      RunLab({"replay", Recording, "-p", Payload}, OutputTarget::Closed),
+      {"74", "", "fernwick: standard output could not be written: Bad file descriptor\n"});
+}
+
+TEST(Output, FullDiskIsNoSuccess) {
+  ExpectOutcome(
+      RunLab({"replay", Recording, "-p", Payload}, OutputTarget::FullDisk),
+      {"74", "", "fernwick: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Output, BrokenPipeIsNoSuccess) {
+  ExpectOutcome(RunLab({"replay", Recording, "-p", Payload}, OutputTarget::BrokenPipe),
+                {"74", "", "fernwick: standard output could not be written: Broken pipe\n"});
+}
+
+TEST(Output, FullDiskIsNoSuccessInVerboseMode) {
+  ExpectOutcome(
+      RunLab({"replay", Recording, "-v", "-p", Payload}, OutputTarget::FullDisk),
+      {"74", "", "fernwick: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Output, FullDiskKeepsTheStatusOfARejectedCommandLine) {
+  ExpectOutcome(RunTool({"-v", "--no-such-option"}, OutputTarget::FullDisk),
+                {"2", "",
+                 std::string(FERNWICK_PROGRAM) +
+                     ": unrecognized option '--no-such-option'\n"
+                     "fernwick: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Output, ClosedDoesNotMatterWhenNothingIsPrinted) {
+  ExpectOutcome(RunTool({}, OutputTarget::Closed),
+                {"13", "",
+                 "fernwick: Error reading plist: No files to support boardID: (null)\n"
+                 "fernwick: Unexpected format for config plist file.  Aborting\n"});
+}
+
+TEST(Tool, RunsOverARegistryWithoutEntries) {
+  ExpectOutcome(RunTool({"-v", "-p", Payload}),
+                {"13",
+                 "\n"
+                 "Board ID:                0\n"
+                 "Board ID String:         (null)\n"
+                 "Board Revision:          0\n"
+                 "\n"
+                 "Personalities Directory: ../examples/payload/Fernwick/\n"
+                 "\n\n"
+                 "No supported hardware on this platform?\n"
+                 "\n\n"
+                 "\n\nExit status: 13\n",
+                 "fernwick: Error reading plist: No files to support boardID: (null)\n"
+                 "fernwick: Unexpected format for config plist file.  Aborting\n"});
+}
+
+TEST(Lab, WithoutAVerbTellsItsUsage) {
+  ExpectOutcome(RunLab({}), {"64", "", Usage});
+}
+
+TEST(Lab, HelpIsAResult) {
+  ExpectOutcome(RunLab({"--help"}), {"0", Usage, ""});
+}
+
+TEST(Lab, RefusesAnUnknownVerb) {
+  ExpectOutcome(RunLab({"reply"}),
+                {"64", "", "fernwick-lab: there is no verb \"reply\"; see fernwick-lab --help\n"});
+}
+
+TEST(Replay, WithoutARecordingTellsItsUsage) {
+  const auto help = RunLab({"replay", "--help"});
+  EXPECT_EQ(help.status, "0");
+  EXPECT_EQ(help.standardError, "");
+  ExpectOutcome(RunLab({"replay"}), {"64", "", help.standardOutput});
+}
+
+TEST(Replay, NeedsTheRecordingBeforeTheToolsArguments) {
+  const auto help = RunLab({"replay", "--help"});
+  ExpectOutcome(RunLab({"replay", "-v", Recording}), {"64", "", help.standardOutput});
+}
+
+TEST(Replay, OfAMissingRecordingPrintsNothing) {
+  ExpectOutcome(
+      RunLab({"replay", "no-such.registry.plist", "-v"}),
+      {"66", "", "fernwick-lab: no-such.registry.plist: No such file or directory\n"});
+}
+
+TEST(Replay, OfADirectoryPrintsNothing) {
+  ExpectOutcome(RunLab({"replay", "cases", "-v"}),
+                {"66", "", "fernwick-lab: cases: Is a directory\n"});
+}
+
+TEST(Replay, OfAMalformedRecordingPrintsNothing) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("broken.plist", "<plist>\n<dict>\n</plist>\n");
+  const auto outcome =
+      RunChild({FERNWICK_LAB_PROGRAM, "replay", "broken.plist", "-v"}, directory.Path());
+  ExpectOutcome(outcome, {"65", "",
+                          "fernwick-lab: broken.plist: line 3, column 1: </plist> stands where "
+                          "</dict> was expected\n"});
+}
+
+TEST(Replay, ShowsNoControlCharacterOfAFileRaw) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("odd.plist",
+                  "<dict><key>Recording Version</key><integer>1</integer>"
+                  "<key>a&#9;b&#x9B;</key><true/></dict>");
+  const auto outcome =
+      RunChild({FERNWICK_LAB_PROGRAM, "replay", "odd.plist"}, directory.Path());
+  ExpectOutcome(outcome,
+                {"65", "", "fernwick-lab: odd.plist: the key \"a b\\233\" is not known\n"});
+}
+
+}  // namespace
+}  // namespace fernwick
