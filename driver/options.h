@@ -12,7 +12,7 @@ struct Options {
   bool bypassVersionCheck = false;
   // The payload argument, "/", "Fernwick" and "/"; absent when none was given or the last one given
   // is not UTF-8.
-  std::optional<std::string> personalitiesDirectory;
+  std::optional<std::string> personalitiesDirectory = std::nullopt;
 };
 
 /// Parses the options with the standard long-option parser, in their order, up to the first that it

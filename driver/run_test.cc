@@ -1,0 +1,317 @@
+#include "driver/run.h"
+
+#include <gtest/gtest.h>
+
+#include "testing/capture.h"
+#include "testing/command_line.h"
+#include "testing/computer.h"
+#include "testing/logging_registry.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+using testing::CommandLine;
+using testing::Computer;
+
+struct Outcome {
+  int status;
+  std::vector<std::string> flushes;
+  std::string standardError;
+  std::vector<std::string> calls;
+};
+
+Outcome RunOver(const Computer& computer, const CommandLine& line) {
+  testing::StreamCapture capture;
+  testing::StandardErrorCapture errors;
+  testing::LoggingRegistry registry(computer.Recorded());
+  const int status = Run(line.Count(), line.Vector(), registry, capture.Stream());
+  return {status, capture.Flushes(), errors.TakeText(), registry.Calls()};
+}
+
+std::string Joined(const std::vector<std::string>& pieces) {
+  std::string text;
+  for (const auto& piece : pieces) text += piece;
+  return text;
+}
+
+// A board with one port that runs version 171.
+Computer OnePort() {
+  Computer computer;
+  computer.SetBoard("Zed-42", 3);
+  computer.AddPort("hpm0", {{"Version", 0x171}});
+  return computer;
+}
+
+constexpr char OnePersonality[] =
+    "<dict><key>LegacyUSBC</key><dict>"
+    "<key>Version</key><integer>180</integer>"
+    "<key>Firmware</key><string>port.bin</string>"
+    "<key>Priority</key><integer>5</integer>"
+    "</dict></dict>";
+
+constexpr char OlderPersonality[] =
+    "<dict><key>LegacyUSBC</key><dict>"
+    "<key>Version</key><integer>170</integer>"
+    "<key>Firmware</key><string>port.bin</string>"
+    "</dict></dict>";
+
+// A payload directory with a configuration for that board.
+class Payload {
+ public:
+  explicit Payload(std::string_view configuration) {
+    directory_.Write("Fernwick/Zed-42/Config.plist", configuration);
+  }
+  const std::string& Path() const { return directory_.Path(); }
+
+ private:
+  testing::TemporaryDirectory directory_;
+};
+
+constexpr char NoBoardFiles[] =
+    "fernwick: Error reading plist: No files to support boardID: Zed-42\n"
+    "fernwick: Unexpected format for config plist file.  Aborting\n";
+
+constexpr char BypassLine[] =
+    "USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n";
+
+TEST(Run, WithoutArgumentsEndsWith13AndPrintsNothing) {
+  const auto outcome = RunOver(OnePort(), {});
+  EXPECT_EQ(outcome.status, 13);
+  EXPECT_EQ(Joined(outcome.flushes), "");
+  EXPECT_EQ(outcome.standardError, NoBoardFiles);
+}
+
+TEST(Run, OnlyVerboseShowsHeaderHardwareAndStatus) {
+  const auto outcome = RunOver(OnePort(), {"-v"});
+  EXPECT_EQ(outcome.status, 13);
+  EXPECT_EQ(outcome.flushes, (std::vector<std::string>{"\n"
+                                                       "Board ID:                42\n"
+                                                       "Board ID String:         Zed-42\n"
+                                                       "Board Revision:          3\n"
+                                                       "\n"
+                                                       "Personalities Directory: (null)\n"
+                                                       "\n\n",
+                                                       "Current hardware:\n\n"
+                                                       "(\n"
+                                                       "    {\n"
+                                                       "        \"Version\" = 171;\n"
+                                                       "    }\n"
+                                                       ")",
+                                                       "\n\n", "\n\nExit status: 13\n"}));
+  EXPECT_EQ(outcome.standardError, NoBoardFiles);
+}
+
+TEST(Run, ShortBIsRejected) {
+  const auto outcome = RunOver(OnePort(), {"-b"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(Joined(outcome.flushes), "");
+  EXPECT_EQ(outcome.standardError, "fernwick: invalid option -- 'b'\n");
+}
+
+TEST(Run, PayloadWithoutItsArgumentIsRejected) {
+  const auto outcome = RunOver(OnePort(), {"-p"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.standardError, "fernwick: option requires an argument -- 'p'\n");
+}
+
+TEST(Run, VerboseBeforeABadOptionShowsTheStatus) {
+  const auto outcome = RunOver(OnePort(), {"-v", "--no"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(Joined(outcome.flushes), "\n\nExit status: 2\n");
+}
+
+TEST(Run, VerboseBehindABadOptionShowsNothing) {
+  const auto outcome = RunOver(OnePort(), {"--no", "-v"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(Joined(outcome.flushes), "");
+}
+
+TEST(Run, RejectedCommandLineReadsTheSwitchesAlone) {
+  EXPECT_EQ(RunOver(OnePort(), {"--no"}).calls,
+            (std::vector<std::string>{
+                "LookupEntryByPath IODeviceTree:/options", "GetProperty options boot-args",
+                "GetProperty options fernwick_bypass_usbc_updates", "ReleaseEntry options",
+                "LookupEntryByPath IODeviceTree:/options", "GetProperty options boot-args",
+                "GetProperty options fernwick_bypassversioncheck", "ReleaseEntry options"}));
+}
+
+std::string PlanFor(const std::string& payload) {
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "<plist version=\"1.0\">\n"
+         "<dict>\n"
+         "\t<key>Version</key>\n"
+         "\t<integer>1</integer>\n"
+         "\t<key>Priority</key>\n"
+         "\t<integer>5</integer>\n"
+         "\t<key>HallowArguments</key>\n"
+         "\t<array>\n"
+         "\t\t<string>/usr/sbin/hallow</string>\n"
+         "\t\t<string>-verbose</string>\n"
+         "\t\t<string>-mount</string>\n"
+         "\t\t<string>/</string>\n"
+         "\t\t<string>-firmware</string>\n"
+         "\t\t<string>" +
+         payload +
+         "/Fernwick/PortFlash.efi</string>\n"
+         "\t\t<string>-payload</string>\n"
+         "\t\t<string>" +
+         payload +
+         "/Fernwick/Zed-42/port.bin</string>\n"
+         "\t\t<string>-folder</string>\n"
+         "\t\t<string>TBTH</string>\n"
+         "\t\t<string>-options</string>\n"
+         "\t\t<string>-g -os -o u -f efi-quince-payload0-data -noreset</string>\n"
+         "\t</array>\n"
+         "</dict>\n"
+         "</plist>\n";
+}
+
+TEST(Run, WithoutVerbosePrintsThePropertyListAlone) {
+  const Payload payload(OnePersonality);
+  const auto outcome = RunOver(OnePort(), {"-p", payload.Path()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.flushes, std::vector<std::string>{PlanFor(payload.Path())});
+  EXPECT_EQ(outcome.standardError, "");
+}
+
+TEST(Run, IgnoredOptionsChangeNothing) {
+  const Payload payload(OnePersonality);
+  const auto outcome = RunOver(OnePort(), {"-X", "-p", payload.Path(), "-s"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(Joined(outcome.flushes), PlanFor(payload.Path()));
+}
+
+TEST(Run, LastPayloadWins) {
+  const Payload payload(OnePersonality);
+  const auto outcome = RunOver(OnePort(), {"-p", "/nowhere", "-p", payload.Path()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(Joined(outcome.flushes), PlanFor(payload.Path()));
+}
+
+TEST(Run, VerboseFlushesPieceByPiece) {
+  const Payload payload(OnePersonality);
+  const auto flushes = RunOver(OnePort(), {"-v", "-p", payload.Path()}).flushes;
+  // Header; hardware and its gap; the title of the report, its 21 lines and its gap; the two pieces of
+  // the invocation; the property list; the status.
+  ASSERT_EQ(flushes.size(), 1u + 2u + 1u + 22u + 2u + 1u + 1u);
+  EXPECT_EQ(flushes[3], "Identified the following matches:\n");
+  EXPECT_EQ(flushes[4], "\tPERSONALITY_TYPE:               LegacyUSBC\n");
+  EXPECT_EQ(flushes[25], "\n\n");
+  EXPECT_EQ(flushes[26], "Hallow Invocation:\n");
+  EXPECT_EQ(flushes[28], "\n\nResulting Kestrel Plist:\n\n" + PlanFor(payload.Path()));
+  EXPECT_EQ(flushes[29], "\n\nExit status: 0\n");
+}
+
+TEST(Run, BypassSwitchEndsItBeforeTheOptionsAreRead) {
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "boot-args", "x=1 fernwick_bypass_usbc_updates=1");
+  const auto outcome = RunOver(computer, {"-v", "--no"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(Joined(outcome.flushes), BypassLine);
+  EXPECT_EQ(outcome.standardError, "");
+}
+
+TEST(Run, BypassByNvramNamesTheBootArgument) {
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "fernwick_bypass_usbc_updates", testing::Bytes("1"));
+  const auto outcome = RunOver(computer, {});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(Joined(outcome.flushes), BypassLine);
+}
+
+TEST(Run, BothSwitchesSetLeaveTheSecondUnread) {
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "boot-args",
+               "fernwick_bypassversioncheck=1 fernwick_bypass_usbc_updates=1");
+  const auto outcome = RunOver(computer, {});
+  EXPECT_EQ(Joined(outcome.flushes), BypassLine);
+  EXPECT_EQ(outcome.calls,
+            (std::vector<std::string>{"LookupEntryByPath IODeviceTree:/options",
+                                      "GetProperty options boot-args", "ReleaseEntry options"}));
+}
+
+TEST(Run, VersionSwitchLiftsTheVersionCheck) {
+  const Payload payload(OlderPersonality);
+  auto computer = OnePort();
+  EXPECT_EQ(RunOver(computer, {"-p", payload.Path()}).status, 13);
+  computer.Set(computer.Options(), "fernwick_bypassversioncheck", testing::Bytes("1"));
+  EXPECT_EQ(RunOver(computer, {"-p", payload.Path()}).status, 0);
+}
+
+TEST(Run, VersionSwitchThatIsANumberLiftsNothing) {
+  const Payload payload(OlderPersonality);
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "fernwick_bypassversioncheck", 1);
+  EXPECT_EQ(RunOver(computer, {"-p", payload.Path()}).status, 13);
+}
+
+TEST(Run, LongBypassOptionLiftsTheVersionCheckOfItsOwnRunAlone) {
+  const Payload payload(OlderPersonality);
+  EXPECT_EQ(RunOver(OnePort(), {"--bypassVersion", "-p", payload.Path()}).status, 0);
+  EXPECT_EQ(RunOver(OnePort(), {"-p", payload.Path()}).status, 13);
+}
+
+TEST(Run, SecondRunInOneProcessIsLikeTheFirst) {
+  const Payload payload(OnePersonality);
+  const CommandLine line{"-v", "-p", payload.Path()};
+  const auto first = RunOver(OnePort(), line);
+  const auto second = RunOver(OnePort(), line);
+  EXPECT_EQ(first.status, second.status);
+  EXPECT_EQ(first.flushes, second.flushes);
+  EXPECT_EQ(first.calls, second.calls);
+}
+
+TEST(Run, AsksTheRegistryInTheOrderOfTheRun) {
+  const Payload payload(OnePersonality);
+  const auto calls = RunOver(OnePort(), {"-v", "-p", payload.Path()}).calls;
+  std::vector<std::string> beginnings;
+  for (const auto& call : calls) {
+    if (call.starts_with("Lookup") || call.starts_with("Match")) beginnings.push_back(call);
+  }
+  EXPECT_EQ(beginnings,
+            (std::vector<std::string>{
+                "LookupEntryByPath IODeviceTree:/options", "LookupEntryByPath IODeviceTree:/options",
+                "LookupEntryByPath IODeviceTree:/", "LookupEntryByPath IODeviceTree:/",
+                "MatchServicesByClass QuinceHPMDevice",     // the listing's own inventory
+                "MatchServicesByClass QuinceHPMDevice"}));  // and the matcher's
+}
+
+TEST(Run, MatchWithoutAnImageIsReportedAndEndsIt) {
+  const Payload payload(
+      "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>180</integer></dict></dict>");
+  const auto outcome = RunOver(OnePort(), {"-v", "-p", payload.Path()});
+  EXPECT_EQ(outcome.status, 13);
+  ASSERT_EQ(outcome.flushes.size(), 1u + 2u + 1u + 22u + 1u);
+  EXPECT_EQ(outcome.flushes[4], "\tPERSONALITY_TYPE:               LegacyUSBC\n");
+  EXPECT_EQ(outcome.flushes.back(), "\n\nExit status: 13\n");
+  EXPECT_EQ(outcome.standardError,
+            "fernwick: Error in personality: no firmware image to flash for type LegacyUSBC\n");
+}
+
+TEST(Run, LostPlanIsNoSuccess) {
+  const Payload payload(OnePersonality);
+  testing::StandardErrorCapture errors;
+  testing::LoggingRegistry registry(OnePort().Recorded());
+  const CommandLine line{"-p", payload.Path()};
+  std::FILE* fullDisk = testing::OpenFullDisk();
+  EXPECT_EQ(fernwick::Run(line.Count(), line.Vector(), registry, fullDisk), 74);
+  std::fclose(fullDisk);
+  EXPECT_EQ(errors.TakeText(),
+            "fernwick: standard output could not be written: No space left on device\n");
+}
+
+TEST(Run, LostOutputKeepsAnotherStatus) {
+  testing::StandardErrorCapture errors;
+  testing::LoggingRegistry registry(OnePort().Recorded());
+  const CommandLine line{"-v"};
+  std::FILE* fullDisk = testing::OpenFullDisk();
+  EXPECT_EQ(fernwick::Run(line.Count(), line.Vector(), registry, fullDisk), 13);
+  std::fclose(fullDisk);
+  EXPECT_EQ(errors.TakeText(),
+            std::string(NoBoardFiles) +
+                "fernwick: standard output could not be written: No space left on device\n");
+}
+
+}  // namespace
+}  // namespace fernwick

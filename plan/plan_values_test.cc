@@ -1,0 +1,90 @@
+#include "plan/plan_values.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
+namespace fernwick {
+namespace {
+
+std::uint32_t LowestOf(std::initializer_list<MatchRecord> matches) {
+  PlanValues plan;
+  for (const auto& match : matches) FoldPriority(match, plan);
+  return plan.lowestPriority;
+}
+
+TEST(FoldPriority, KeepsTheSmallestOfSeveral) {
+  EXPECT_EQ(LowestOf({{{"Priority", 50}}, {{"Priority", 20}}}), 20u);
+  EXPECT_EQ(LowestOf({{{"Priority", 20}}, {{"Priority", 50}}}), 20u);
+}
+
+TEST(FoldPriority, GreatestUnsignedNeverLowersIt) {
+  EXPECT_EQ(LowestOf({{{"Priority", 4294967295}}}), 2147483647u);
+}
+
+TEST(FoldPriority, JustBelowTheInitialValueLowersIt) {
+  EXPECT_EQ(LowestOf({{{"Priority", 0x7FFFFFFE}}}), 0x7FFFFFFEu);
+  EXPECT_EQ(LowestOf({{{"Priority", 0x7FFFFFFF}}}), 0x7FFFFFFFu);
+  EXPECT_EQ(LowestOf({{{"Priority", 0x80000000}}}), 0x7FFFFFFFu);
+}
+
+TEST(FoldPriority, AbsentCountsAsZero) {
+  EXPECT_EQ(LowestOf({{{"Priority", 50}}, {}}), 0u);
+}
+
+TEST(FoldPriority, WithoutMatchesIsTheInitialValue) {
+  EXPECT_EQ(LowestOf({}), 2147483647u);
+}
+
+TEST(FoldPriority, TakesLowBitsTextAndOtherKindsAsNumbers) {
+  EXPECT_EQ(LowestOf({{{"Priority", 0x100000007}}}), 7u);
+  EXPECT_EQ(LowestOf({{{"Priority", -1}}}), 2147483647u);
+  EXPECT_EQ(LowestOf({{{"Priority", "12"}}}), 12u);
+  EXPECT_EQ(LowestOf({{{"Priority", 3.9}}}), 3u);
+  EXPECT_EQ(LowestOf({{{"Priority", Array{5}}}}), 0u);
+}
+
+PlanValues MergedFrom(std::initializer_list<MatchRecord> matches) {
+  PlanValues plan;
+  for (const auto& match : matches) MergeNvram(match, plan);
+  return plan;
+}
+
+TEST(MergeNvram, LaterMatchWinsInTheEarlierPlace) {
+  const auto plan = MergedFrom({{{"SetNVRAM", Dictionary{{"a", "1"}, {"b", "1"}}}},
+                                {{"SetNVRAM", Dictionary{{"c", 2}, {"a", 2}}}}});
+  EXPECT_EQ(plan.nvramToSet, (Dictionary{{"a", 2}, {"b", "1"}, {"c", 2}}));
+}
+
+TEST(MergeNvram, KeepsDuplicatesToClear) {
+  const auto plan = MergedFrom({{{"ClearNVRAM", Array{"x", "y"}}}, {{"ClearNVRAM", Array{"x"}}}});
+  EXPECT_EQ(plan.nvramToClear, (Array{"x", "y", "x"}));
+}
+
+TEST(MergeNvram, CarriesElementsThatAreNoStrings) {
+  const auto plan = MergedFrom({{{"ClearNVRAM", Array{1, Dictionary{{"a", true}}}}}});
+  EXPECT_EQ(plan.nvramToClear, (Array{1, Dictionary{{"a", true}}}));
+}
+
+TEST(MergeNvram, AbsentAddsNothing) {
+  const auto plan = MergedFrom({{{"Firmware", "a.bin"}}});
+  EXPECT_EQ(plan.nvramToSet, Dictionary());
+  EXPECT_EQ(plan.nvramToClear, Array());
+}
+
+TEST(MergeNvram, IgnoresOtherShapes) {
+  const auto plan = MergedFrom({{{"SetNVRAM", Array{"a"}}, {"ClearNVRAM", Dictionary{{"a", 1}}}},
+                                {{"SetNVRAM", "a"}, {"ClearNVRAM", "a"}}});
+  EXPECT_EQ(plan.nvramToSet, Dictionary());
+  EXPECT_EQ(plan.nvramToClear, Array());
+}
+
+TEST(MergeNvram, SetAndClearOfOneVariableBothStand) {
+  const auto plan =
+      MergedFrom({{{"SetNVRAM", Dictionary{{"a", 1}}}, {"ClearNVRAM", Array{"a"}}}});
+  EXPECT_EQ(plan.nvramToSet, (Dictionary{{"a", 1}}));
+  EXPECT_EQ(plan.nvramToClear, (Array{"a"}));
+}
+
+}  // namespace
+}  // namespace fernwick
