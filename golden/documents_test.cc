@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "testing/child_process.h"
+#include "testing/files.h"
 
 namespace fernwick {
 namespace {
@@ -63,6 +64,33 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
     const auto status = outcome.status == "0" ? "" : "[status " + outcome.status + "]\n";
     EXPECT_EQ(outcome.standardOutput + status, output) << place;
   }
+}
+
+// What a newcomer sees first.
+TEST(Dev, DemoShowsAPlanAndTheOtherComputers) {
+  const auto outcome =
+      testing::RunChild({"/usr/bin/env", "FERNWICK_BUILD=" FERNWICK_BUILD_DIRECTORY, "./dev", "demo"},
+                        SourceDirectory.string());
+  EXPECT_EQ(outcome.status, "0");
+  EXPECT_EQ(outcome.standardOutput, testing::ReadFile(SourceDirectory / "golden/demo.stdout"));
+}
+
+TEST(Dev, WithoutACommandListsThem) {
+  const auto outcome = testing::RunChild({"./dev"}, SourceDirectory.string());
+  EXPECT_EQ(outcome.status, "0");
+  EXPECT_EQ(outcome.standardOutput,
+            "usage: ./dev COMMAND\n"
+            "\n"
+            "  demo    build, then plan an update for a recorded computer of examples/\n"
+            "  test    build, then run every test; further arguments go to ctest\n"
+            "  build   build alone\n"
+            "\n"
+            "Each command first installs whatever Debian package is missing (with sudo when not "
+            "root).\n");
+}
+
+TEST(Dev, RefusesAnUnknownCommand) {
+  EXPECT_EQ(testing::RunChild({"./dev", "tset"}, SourceDirectory.string()).status, "64");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "testing/child_process.h"
+#include "testing/files.h"
 
 namespace fernwick {
 namespace {
@@ -22,11 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path GoldenDirectory = FERNWICK_GOLDEN_DIRECTORY;
-
-std::string ReadText(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The command line that a case describes. A line is "key: value" or begins with "#".
 //   recording: the recorded computer, relative to golden/
@@ -71,7 +67,7 @@ class Golden : public ::testing::TestWithParam<std::string> {
       return;
     }
     ASSERT_TRUE(fs::exists(Beside(ending))) << Beside(ending);
-    EXPECT_EQ(ReadText(Beside(ending)), found) << Beside(ending);
+    EXPECT_EQ(testing::ReadFile(Beside(ending)), found) << Beside(ending);
   }
 };
 
