@@ -26,7 +26,14 @@ using Array = std::vector<PropertyValue>;
 /// Values by string key, in the order in which the keys came. Keys are exact and case-sensitive.
 class Dictionary {
  public:
-  Dictionary() = default;
+  // Defined behind DictionaryEntry, until which an entry is an incomplete type.
+  Dictionary();
+  Dictionary(const Dictionary&);
+  Dictionary(Dictionary&&) noexcept;
+  Dictionary& operator=(const Dictionary&);
+  Dictionary& operator=(Dictionary&&) noexcept;
+  ~Dictionary();
+
   Dictionary(std::initializer_list<DictionaryEntry> entries);
 
   /// Takes the entries over; a key that occurs twice keeps its first place and its last value.
@@ -45,7 +52,7 @@ class Dictionary {
   void Merge(const Dictionary& other);
 
   std::span<const DictionaryEntry> Entries() const;
-  std::size_t Size() const { return entries_.size(); }
+  std::size_t Size() const;
 
   friend bool operator==(const Dictionary& a, const Dictionary& b);
 
@@ -136,8 +143,19 @@ struct DictionaryEntry {
   friend bool operator==(const DictionaryEntry&, const DictionaryEntry&) = default;
 };
 
+inline Dictionary::Dictionary() = default;
+inline Dictionary::Dictionary(const Dictionary&) = default;
+inline Dictionary::Dictionary(Dictionary&&) noexcept = default;
+inline Dictionary& Dictionary::operator=(const Dictionary&) = default;
+inline Dictionary& Dictionary::operator=(Dictionary&&) noexcept = default;
+inline Dictionary::~Dictionary() = default;
+
 inline std::span<const DictionaryEntry> Dictionary::Entries() const {
   return entries_;
+}
+
+inline std::size_t Dictionary::Size() const {
+  return entries_.size();
 }
 
 }  // namespace fernwick
