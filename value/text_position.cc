@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "value/ascii.h"
+
 namespace fernwick {
 namespace {
 
@@ -9,6 +11,12 @@ constexpr std::size_t LongestExcerpt = 40;  // bytes
 
 bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+std::string OnOneLine(std::string_view text) {
+  std::string line(text);
+  std::ranges::replace_if(line, IsAsciiWhiteSpace, ' ');
+  return line;
 }
 
 }  // namespace
@@ -35,10 +43,10 @@ std::string DescribeAt(std::string_view text, std::size_t offset, std::string_vi
 }
 
 std::string Excerpt(std::string_view text) {
-  if (text.size() <= LongestExcerpt) return std::string(text);
+  if (text.size() <= LongestExcerpt) return OnOneLine(text);
   std::size_t length = LongestExcerpt;
   while (length > 0 && IsContinuation(text[length])) --length;
-  return std::string(text.substr(0, length)) + "...";
+  return OnOneLine(text.substr(0, length)) + "...";
 }
 
 }  // namespace fernwick

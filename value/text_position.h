@@ -19,7 +19,7 @@ TextPosition PositionAt(std::string_view text, std::size_t offset);
 /// "line 3, column 7: MESSAGE".
 std::string DescribeAt(std::string_view text, std::size_t offset, std::string_view message);
 
-/// The start of a text from a file, short enough to stand in a message.
+/// The start of a text from a file, short enough to stand in a message and on one line.
 std::string Excerpt(std::string_view text);
 
 }  // namespace fernwick

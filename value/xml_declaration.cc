@@ -35,6 +35,7 @@ class DeclarationReader {
   explicit DeclarationReader(std::string_view text) : text_(text), at_(Opening.size()) {}
 
   std::size_t Offset() const { return at_; }
+  bool MetMalformedField() const { return metMalformedField_; }
 
   bool SkipWhiteSpace() {
     const std::size_t start = at_;
@@ -49,21 +50,35 @@ class DeclarationReader {
   }
 
   // White space, `name`, "=" and a quoted value that `accepts`. When the name does not come next,
-  // nothing is taken.
+  // nothing is taken; when it does and the rest is wrong, the reader stays at the fault.
   template <typename Accepts>
   bool TakeField(std::string_view name, Accepts accepts, std::string_view& value) {
+    if (metMalformedField_) return false;
     const std::size_t start = at_;
     if (!SkipWhiteSpace() || !Take(name)) {
       at_ = start;
       return false;
     }
-    SkipWhiteSpace();
-    if (!Take("=")) return false;
-    SkipWhiteSpace();
-    return TakeQuoted(value) && accepts(value);
+    metMalformedField_ = !TakeValue(accepts, value);
+    return !metMalformedField_;
   }
 
  private:
+  template <typename Accepts>
+  bool TakeValue(Accepts accepts, std::string_view& value) {
+    SkipWhiteSpace();
+    if (!Take("=")) return false;
+    SkipWhiteSpace();
+    const std::size_t start = at_;
+    std::string_view quoted;
+    if (!TakeQuoted(quoted) || !accepts(quoted)) {
+      at_ = start;
+      return false;
+    }
+    value = quoted;
+    return true;
+  }
+
   bool TakeQuoted(std::string_view& value) {
     if (at_ == text_.size() || (text_[at_] != '"' && text_[at_] != '\'')) return false;
     const std::size_t end = text_.find(text_[at_], at_ + 1);
@@ -75,13 +90,16 @@ class DeclarationReader {
 
   std::string_view text_;
   std::size_t at_;
+  bool metMalformedField_ = false;
 };
 
 }  // namespace
 
 bool HasXmlDeclaration(std::string_view document) {
-  return document.size() > Opening.size() && document.starts_with(Opening) &&
-         IsXmlWhiteSpace(document[Opening.size()]);
+  if (!document.starts_with(Opening)) return false;
+  const auto rest = document.substr(Opening.size());
+  // Anything else continues the name of a processing instruction, "xml-stylesheet" for one.
+  return rest.empty() || IsXmlWhiteSpace(rest.front()) || rest.front() == '?';
 }
 
 bool ReadXmlDeclaration(std::string_view document, XmlDeclaration& declaration, ParseFault& fault) {
@@ -93,9 +111,9 @@ bool ReadXmlDeclaration(std::string_view document, XmlDeclaration& declaration, 
   if (hasVersion) {
     reader.TakeField("encoding", IsEncodingName, declaration.encoding);
     reader.TakeField("standalone", IsStandaloneAnswer, ignored);
-    reader.SkipWhiteSpace();
   }
-  if (!hasVersion || !reader.Take("?>")) {
+  if (!reader.MetMalformedField()) reader.SkipWhiteSpace();
+  if (!hasVersion || reader.MetMalformedField() || !reader.Take("?>")) {
     return fault.Set(reader.Offset(), "the XML declaration is malformed");
   }
   declaration.length = reader.Offset();

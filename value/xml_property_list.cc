@@ -49,7 +49,7 @@ class XmlPropertyListReader {
     if (!cursor_.SkipMiscellany()) return false;
     if (cursor_.LookingAt("</")) return cursor_.Fail(cursor_.Offset(), "<plist> holds no value");
     if (!ReadValue() || !cursor_.SkipMiscellany()) return false;
-    if (!cursor_.LookingAt("</")) {
+    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
       return cursor_.Fail(cursor_.Offset(), "<plist> holds more than one value");
     }
     return cursor_.ReadEndTag(plist.name);
