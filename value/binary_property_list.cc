@@ -18,8 +18,12 @@ namespace {
 
 constexpr std::uint64_t MaximumValues = std::uint64_t{1} << 24;
 
-// Up to this many bytes an ASCII string is checked each time it is reached.
+// Up to this many bytes a string is looked at again each time it is reached.
 constexpr std::uint64_t ShortText = 64;
+
+// How many bytes of longer keys one file may reach in all. Telling the keys of a dictionary apart
+// takes time for all they have in common, so a few long ones that are shared must not be free.
+constexpr std::uint64_t MaximumLongKeyBytes = std::uint64_t{1} << 30;
 
 // The kinds of object that a marker byte can begin, in its high four bits.
 enum class ObjectKind : std::uint8_t {
@@ -58,13 +62,22 @@ class BinaryPropertyListReader {
   explicit BinaryPropertyListReader(const SourceBuffer& file) : buffer_(file), file_(*file) {}
 
   ParseOutcome Read() {
-    if (!layout_.Read(file_, fault_) || !CountValues(0, 1) || !ReadValue(layout_.TopObject(), 0)) {
+    if (!ReadFile()) {
       return {{}, "byte " + std::to_string(fault_.Offset()) + ": " + fault_.Message()};
     }
     return {std::move(values_.back()), {}};
   }
 
  private:
+  bool ReadFile() {
+    if (!layout_.Read(file_, fault_) || !CountValues(0, 1)) return false;
+    isOpen_.resize(static_cast<std::size_t>(layout_.ObjectCount()));
+    return ReadValue(layout_.TopObject(), TopObjectPlace());
+  }
+
+  // Where the trailer names the top object.
+  std::size_t TopObjectPlace() const { return file_.size() - 16; }
+
   bool Fail(std::size_t offset, std::string message) {
     return fault_.Set(offset, std::move(message));
   }
@@ -73,6 +86,23 @@ class BinaryPropertyListReader {
   bool CountValues(std::size_t offset, std::uint64_t count) {
     if (count > MaximumValues - valueCount_) return Fail(offset, "more than 2^24 values");
     valueCount_ += count;
+    return true;
+  }
+
+  bool CountLongKey(const Object& object, std::uint64_t size) {
+    if (size <= ShortText) return true;
+    if (size > MaximumLongKeyBytes - longKeyBytes_) {
+      return Fail(object.offset, "more than 2^30 bytes of long keys");
+    }
+    longKeyBytes_ += size;
+    return true;
+  }
+
+  // Books the bytes of a string that is looked at for the first time. Strings that do not overlap fit
+  // into the file together; those that do could make it stand for any amount of text.
+  bool CountText(const Object& object, std::string_view bytes) {
+    if (bytes.size() > file_.size() - textBytes_) return Fail(object.offset, "strings overlap");
+    textBytes_ += bytes.size();
     return true;
   }
 
@@ -214,7 +244,7 @@ class BinaryPropertyListReader {
     }
     if (FindInvalidText(bytes) != NoPlace) return FailUncarriable(object);
     text = SharedBytes(buffer_, bytes);
-    if (size > ShortText) knownTexts_.emplace(object.number, text);
+    if (size > ShortText) knownTexts_.emplace(object.offset, text);
     return true;
   }
 
@@ -224,17 +254,17 @@ class BinaryPropertyListReader {
     std::string_view bytes;
     if (!ReadCount(object, units)) return false;
     if (units > file_.size()) return Fail(object.offset, "an object is cut short");
-    if (!Bytes(object, units * 2, bytes)) return false;
+    if (!Bytes(object, units * 2, bytes) || !CountText(object, bytes)) return false;
     auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
     if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
     if (FindInvalidText(transcoded.text) != NoPlace) return FailUncarriable(object);
     text = SharedBytes(std::move(transcoded.text));
-    knownTexts_.emplace(object.number, text);
+    knownTexts_.emplace(object.offset, text);
     return true;
   }
 
   bool TakeKnownText(const Object& object, SharedBytes& text) {
-    const auto known = knownTexts_.find(object.number);
+    const auto known = knownTexts_.find(object.offset);
     if (known == knownTexts_.end()) return false;
     text = known->second;
     return true;
@@ -247,16 +277,22 @@ class BinaryPropertyListReader {
   // Enters a container that holds `count` references `perElement` times over and finds them.
   bool Open(Object& object, std::uint64_t perElement, std::uint64_t& count,
             std::string_view& references) {
-    if (std::ranges::find(open_, object.number) != open_.end()) {
-      return Fail(object.offset, "an object contains itself");
-    }
-    if (open_.size() == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
+    if (isOpen_[object.number]) return Fail(object.offset, "an object contains itself");
+    if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
     if (!ReadCount(object, count)) return false;
     if (count > file_.size()) return Fail(object.offset, "an object is cut short");
     const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
     if (!Bytes(object, size, references) || !CountValues(object.offset, count)) return false;
-    open_.push_back(object.number);
+    isOpen_[object.number] = true;
+    ++nesting_;
     return true;
+  }
+
+  template <typename Container>
+  bool Close(const Object& object, Container&& container) {
+    isOpen_[object.number] = false;
+    --nesting_;
+    return Produce(std::forward<Container>(container));
   }
 
   std::uint64_t ReferenceAt(std::string_view references, std::uint64_t index) const {
@@ -274,8 +310,7 @@ class BinaryPropertyListReader {
       if (!ReadValue(ReferenceAt(references, i), object.offset)) return false;
       array.push_back(TakeLast());
     }
-    open_.pop_back();
-    return Produce(std::move(array));
+    return Close(object, std::move(array));
   }
 
   bool ReadDictionary(Object object) {
@@ -290,8 +325,7 @@ class BinaryPropertyListReader {
       if (!ReadValue(ReferenceAt(references, count + i), object.offset)) return false;
       entries.emplace_back(std::move(key), TakeLast());
     }
-    open_.pop_back();
-    return Produce(Dictionary(std::move(entries)));
+    return Close(object, Dictionary(std::move(entries)));
   }
 
   bool ReadKey(std::uint64_t number, std::size_t referrer, SharedBytes& key) {
@@ -300,7 +334,7 @@ class BinaryPropertyListReader {
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
     }
-    return ReadText(object, key);
+    return ReadText(object, key) && CountLongKey(object, key.View().size());
   }
 
   PropertyValue TakeLast() {
@@ -314,11 +348,14 @@ class BinaryPropertyListReader {
   BinaryLayout layout_;
   ParseFault fault_;
   std::uint64_t valueCount_ = 0;
-  std::vector<std::uint64_t> open_;  // the containers around the place that is read
+  std::uint64_t longKeyBytes_ = 0;
+  std::uint64_t textBytes_ = 0;
+  std::size_t nesting_ = 0;
+  std::vector<bool> isOpen_;  // by object: whether it is a container around the place that is read
   std::vector<PropertyValue> values_;
-  // Strings that have been checked or decoded, by object: a large one that is shared many times must
-  // not cost its size each time.
-  std::unordered_map<std::uint64_t, SharedBytes> knownTexts_;
+  // Strings that have been checked or decoded, by their place: a large one that is shared many times
+  // must not cost its size each time.
+  std::unordered_map<std::size_t, SharedBytes> knownTexts_;
 };
 
 }  // namespace

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "value/calendar_date.h"
+#include "value/property_list_writer.h"
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// How a failed comparison shows a value: in the one form that tells every kind from every other.
+inline void PrintTo(const PropertyValue& value, std::ostream* out) {
+  *out << WriteXmlPropertyList(value);
+}
+
+}  // namespace fernwick
+
+namespace fernwick::testing {
+
+/// Data that holds a copy of `bytes`.
+inline PropertyValue DataOf(std::string_view bytes) {
+  return Data{SharedBytes(std::string(bytes))};
+}
+
+/// The date that `text` spells as "YYYY-MM-DDThh:mm:ssZ". REQUIRES: it spells one.
+inline PropertyValue DateOf(std::string_view text) {
+  return *ParseDate(text);
+}
+
+/// `innermost` inside `depth` arrays of one element each.
+inline PropertyValue NestedArrays(std::size_t depth, PropertyValue innermost) {
+  for (std::size_t i = 0; i < depth; ++i) {
+    Array array;
+    array.push_back(std::move(innermost));
+    innermost = std::move(array);
+  }
+  return innermost;
+}
+
+}  // namespace fernwick::testing
