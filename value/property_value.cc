@@ -88,6 +88,7 @@ void Dictionary::SetOrRemove(std::string_view key, const PropertyValue* value) {
 }
 
 void Dictionary::Merge(const Dictionary& other) {
+  if (&other == this) return;  // its entries must not move while they are copied
   entries_.insert(entries_.end(), other.entries_.begin(), other.entries_.end());
   *this = Dictionary(std::move(entries_));
 }
