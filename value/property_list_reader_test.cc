@@ -1,0 +1,169 @@
+#include "value/property_list_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "testing/binary_property_list_builder.h"
+#include "testing/corruption.h"
+#include "testing/property_values.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ArrayObject;
+using testing::BinaryFile;
+using testing::NestedArrays;
+using testing::Repeated;
+
+const std::string Utf8Mark = "\xEF\xBB\xBF";
+
+// ASCII as UTF-16 with a byte-order mark.
+std::string AsUtf16(const std::string& ascii, bool bigEndian) {
+  std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+  for (const char c : ascii) {
+    bytes += bigEndian ? std::string(1, '\0') + c : c + std::string(1, '\0');
+  }
+  return bytes;
+}
+
+struct ReadRow {
+  std::string bytes;
+  PropertyValue value;
+  Serialisation serialisation;
+};
+
+TEST(PropertyListReader, CodesOfTheSerialisations) {
+  EXPECT_EQ(static_cast<unsigned long>(Serialisation::None), 0u);
+  EXPECT_EQ(static_cast<unsigned long>(Serialisation::Text), 1u);
+  EXPECT_EQ(static_cast<unsigned long>(Serialisation::Xml), 100u);
+  EXPECT_EQ(static_cast<unsigned long>(Serialisation::Binary), 200u);
+}
+
+TEST(PropertyListReader, DetectsTheSerialisationFromTheContentAlone) {
+  const ReadRow rows[] = {
+      {BinaryFile({"\x09"}), true, Serialisation::Binary},
+      {"<?xml version='1.0'?><true/>", true, Serialisation::Xml},
+      {"<!DOCTYPE plist><true/>", true, Serialisation::Xml},
+      {"<!-- a --><true/>", true, Serialisation::Xml},
+      {"<plist><true/></plist>", true, Serialisation::Xml},
+      {"<plist version='1.0'><true/></plist>", true, Serialisation::Xml},
+      {" \t\r\n<true/>", true, Serialisation::Xml},
+      {Utf8Mark + "<true/>", true, Serialisation::Xml},
+      {Utf8Mark + "\n <true/>", true, Serialisation::Xml},
+      {AsUtf16("<true/>", true), true, Serialisation::Xml},
+      {AsUtf16(" \n<true/>", false), true, Serialisation::Xml},
+      {"<array/>", Array{}, Serialisation::Xml},
+      {"<array>\n</array>", Array{}, Serialisation::Xml},
+      {"<data>Zg==</data>", testing::DataOf("f"), Serialisation::Xml},
+      {"<date>2026-11-20T00:00:00Z</date>", testing::DateOf("2026-11-20T00:00:00Z"),
+       Serialisation::Xml},
+      {"<dict\n/>", Dictionary{}, Serialisation::Xml},
+      {"<false />", false, Serialisation::Xml},
+      {"<integer>1</integer>", 1, Serialisation::Xml},
+      {"<real>1</real>", 1.0, Serialisation::Xml},
+      {"<string\t>a</string>", "a", Serialisation::Xml},
+      {"{a=b;}", Dictionary{{"a", "b"}}, Serialisation::Text},
+      {"a=b;", Dictionary{{"a", "b"}}, Serialisation::Text},
+      {"(a)", Array{"a"}, Serialisation::Text},
+      {"\"<true/>\"", "<true/>", Serialisation::Text},
+      {"<>", testing::DataOf(""), Serialisation::Text},
+      {"<da7a>", testing::DataOf("\xDA\x7A"), Serialisation::Text},
+      {"// <true/>\n(a)", Array{"a"}, Serialisation::Text},
+      {"\v(a)", Array{"a"}, Serialisation::Text},
+      {Utf8Mark + "(a)", Array{"a"}, Serialisation::Text},
+      {AsUtf16("(a)", true), Array{"a"}, Serialisation::Text},
+      {AsUtf16("(a)", false), Array{"a"}, Serialisation::Text},
+      {"bplist=a;", Dictionary{{"bplist", "a"}}, Serialisation::Text},
+  };
+  for (const auto& [bytes, value, serialisation] : rows) {
+    SCOPED_TRACE(::testing::PrintToString(bytes));
+    const auto reading = ReadPropertyList(bytes);
+    EXPECT_EQ(reading.error, "");
+    EXPECT_EQ(reading.value, value);
+    EXPECT_EQ(reading.serialisation, serialisation);
+  }
+}
+
+struct RefusedRow {
+  std::string bytes;
+  std::string error;
+  Serialisation serialisation;
+};
+
+TEST(PropertyListReader, FailureCarriesTheSerialisationThatWasDetected) {
+  const std::string oneString = "one unquoted string is not a property list";
+  const std::string noValue = "nothing but white space and comments";
+  const std::string notHex = "data holds something other than hexadecimal digits";
+  const RefusedRow rows[] = {
+      {"", "the file is empty", Serialisation::None},
+      {"bplist0", "byte 7: the version is not \"00\"", Serialisation::Binary},
+      {"bplist00", "byte 8: the file is cut short", Serialisation::Binary},
+      {"bplist01{a=b;}", "byte 7: the version is not \"00\"", Serialisation::Binary},
+      {BinaryFile({ArrayObject({0})}), "byte 8: an object contains itself", Serialisation::Binary},
+      {"<?xml", "line 1, column 6: the XML declaration is malformed", Serialisation::Xml},
+      {"<?xml-a?>", "line 1, column 10: the document ends too early", Serialisation::Xml},
+      {" <?xml version='1.0'?><true/>",
+       "line 1, column 2: an XML declaration may stand only at the very start", Serialisation::Xml},
+      {"<!DOCTYPE", "line 1, column 1: the document type declaration is malformed",
+       Serialisation::Xml},
+      {"<!--", "line 1, column 1: a comment does not end", Serialisation::Xml},
+      {"<plist", "line 1, column 1: a start tag does not end", Serialisation::Xml},
+      {"<plists/>", "line 1, column 1: <plists> is no property-list element", Serialisation::Xml},
+      {"<dict", "line 1, column 1: a start tag does not end", Serialisation::Xml},
+      {"<key>a</key>", "line 1, column 1: <key> stands where a value was expected",
+       Serialisation::Xml},
+      {"<string>\xFF</string>", "line 1, column 9: the text is not UTF-8", Serialisation::Xml},
+      {AsUtf16("<true/>", true) + "x", "line 1, column 8: the text is not UTF-16",
+       Serialisation::Xml},
+      {"<dictionary/>", "line 1, column 3: " + notHex, Serialisation::Text},
+      {"<Dict/>", "line 1, column 3: " + notHex, Serialisation::Text},
+      {"<!doctype plist>", "line 1, column 2: " + notHex, Serialisation::Text},
+      {"<?XML?>", "line 1, column 2: " + notHex, Serialisation::Text},
+      {"</plist>", "line 1, column 2: " + notHex, Serialisation::Text},
+      {"<", "line 1, column 1: data does not end", Serialisation::Text},
+      {" bplist00", "line 1, column 2: " + oneString, Serialisation::Text},
+      {Utf8Mark + "bplist00", "line 1, column 1: " + oneString, Serialisation::Text},
+      {"bplist", "line 1, column 1: " + oneString, Serialisation::Text},
+      {"BPLIST00", "line 1, column 1: " + oneString, Serialisation::Text},
+      {"\n", "line 2, column 1: " + noValue, Serialisation::Text},
+      {Utf8Mark, "line 1, column 1: " + noValue, Serialisation::Text},
+      {"\xFE\xFF", "line 1, column 1: " + noValue, Serialisation::Text},
+      {std::string("\0", 1), "line 1, column 1: a value was expected", Serialisation::Text},
+      {"\xFF", "line 1, column 1: the text is not UTF-8", Serialisation::Text},
+      {"{a=b", "line 1, column 1: a dictionary does not end", Serialisation::Text},
+      {"{\n  a = b\n  c = d\n}", "line 3, column 3: \";\" was expected", Serialisation::Text},
+  };
+  for (const auto& [bytes, error, serialisation] : rows) {
+    SCOPED_TRACE(::testing::PrintToString(bytes));
+    const auto reading = ReadPropertyList(bytes);
+    EXPECT_EQ(reading.error, error);
+    EXPECT_FALSE(reading.value.has_value());
+    EXPECT_EQ(reading.serialisation, serialisation);
+  }
+}
+
+TEST(PropertyListReader, AnyTwoBytesAreRefusedOrReadWithoutHarm) {
+  for (unsigned first = 0; first < 256; ++first) {
+    for (unsigned second = 0; second < 256; ++second) {
+      const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
+      const auto reading = ReadPropertyList(bytes);
+      ASSERT_EQ(reading.value.has_value(), reading.error.empty()) << first << ' ' << second;
+    }
+  }
+}
+
+TEST(PropertyListReader, ValueOutlivesTheBytes) {
+  const auto reading = ReadPropertyList("<array><string>a string of the file</string></array>");
+  EXPECT_EQ(reading.value, PropertyValue(Array{"a string of the file"}));
+}
+
+TEST(PropertyListReader, EverySerialisationReadsTheSameDepth) {
+  EXPECT_EQ(ReadPropertyList(Repeated("(", 512) + Repeated(")", 512)).value,
+            NestedArrays(511, Array{}));
+  EXPECT_EQ(ReadPropertyList(Repeated("<array>", 512) + Repeated("</array>", 512)).value,
+            NestedArrays(511, Array{}));
+}
+
+}  // namespace
+}  // namespace fernwick

@@ -1,0 +1,106 @@
+#include "value/textual_dump.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+#include "testing/property_values.h"
+
+namespace fernwick {
+namespace {
+
+using testing::DataOf;
+using testing::DateOf;
+
+struct DumpRow {
+  PropertyValue value;
+  std::string text;
+};
+
+void ExpectDumps(std::initializer_list<DumpRow> rows) {
+  for (const auto& [value, text] : rows) EXPECT_EQ(DumpText(value), text);
+}
+
+TEST(TextualDump, NumbersBooleansAndDatesStandBare) {
+  ExpectDumps({
+      {0, "0"},
+      {-5, "-5"},
+      {std::numeric_limits<std::uint64_t>::max(), "18446744073709551615"},
+      {3.0, "3"},
+      {1e5, "1e+05"},
+      {-0.0, "-0"},
+      {0.1, "0.1"},
+      {std::numeric_limits<double>::infinity(), "inf"},
+      {std::numeric_limits<double>::quiet_NaN(), "nan"},
+      {true, "true"},
+      {false, "false"},
+      {DateOf("2026-11-20T00:00:00Z"), "2026-11-20T00:00:00Z"},
+  });
+}
+
+TEST(TextualDump, StringsStandInDoubleQuotes) {
+  ExpectDumps({
+      {"", "\"\""},
+      {"a b", "\"a b\""},
+      {"\"a\\b\"", "\"\\\"a\\\\b\\\"\""},
+      {"a\nb\tc\rd", "\"a\\nb\\tc\\rd\""},
+      {"it's <&> /* */", "\"it's <&> /* */\""},
+      {"\xC3\xA4\xF0\x9F\x98\x80", "\"\xC3\xA4\xF0\x9F\x98\x80\""},
+      {"\xC2\xA0\xEF\xBF\xBF", "\"\xC2\xA0\xEF\xBF\xBF\""},
+  });
+}
+
+TEST(TextualDump, OtherControlCharactersAreOctal) {
+  ExpectDumps({
+      {std::string("\0", 1), "\"\\000\""},
+      {std::string("\0"
+                   "7",
+                   2),
+       "\"\\0007\""},
+      {"\x01\x07\x08\x0B\x0C\x1B\x1F", "\"\\001\\007\\010\\013\\014\\033\\037\""},
+      {"\x7F", "\"\\177\""},
+      {"\xC2\x80\xC2\x85\xC2\x9F", "\"\\200\\205\\237\""},
+  });
+}
+
+TEST(TextualDump, WhatIsNoUtf8IsReplaced) {
+  ExpectDumps({{"a\xFFz", "\"a\xEF\xBF\xBDz\""}, {"\xC3", "\"\xEF\xBF\xBD\""}});
+}
+
+TEST(TextualDump, DataHasABlankAfterEveryFourBytes) {
+  ExpectDumps({
+      {DataOf(""), "<>"},
+      {DataOf("\xAB"), "<ab>"},
+      {DataOf("Zed-"), "<5a65642d>"},
+      {DataOf("Zed-42"), "<5a65642d 3432>"},
+      {DataOf({"Zed-42\0", 7}), "<5a65642d 343200>"},
+      {DataOf({"\0\1\2\3\4\5\6\7", 8}), "<00010203 04050607>"},
+      {DataOf({"\0\1\2\3\4\5\6\7\x8", 9}), "<00010203 04050607 08>"},
+  });
+}
+
+TEST(TextualDump, ContainersAreIndentedByFourBlanksALevel) {
+  ExpectDumps({
+      {Array{}, "()"},
+      {Dictionary{}, "{}"},
+      {Array{1}, "(\n    1\n)"},
+      {Array{1, "a", true}, "(\n    1,\n    \"a\",\n    true\n)"},
+      {Dictionary{{"b", 1}, {"a", 2}}, "{\n    \"b\" = 1;\n    \"a\" = 2;\n}"},
+      {Dictionary{{"a \"b\"\n", "c"}}, "{\n    \"a \\\"b\\\"\\n\" = \"c\";\n}"},
+      {Array{Array{}, Dictionary{}}, "(\n    (),\n    {}\n)"},
+      {Dictionary{{"a", Array{Dictionary{{"b", DataOf("c")}}, 1}}, {"d", Dictionary{}}},
+       "{\n"
+       "    \"a\" = (\n"
+       "        {\n"
+       "            \"b\" = <63>;\n"
+       "        },\n"
+       "        1\n"
+       "    );\n"
+       "    \"d\" = {};\n"
+       "}"},
+  });
+}
+
+}  // namespace
+}  // namespace fernwick
