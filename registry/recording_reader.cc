@@ -40,6 +40,12 @@ class RecordingReader {
   };
   using Shape = std::vector<ShapeNode>;
 
+  // An entry that links can refer to.
+  struct IdentifiedEntry {
+    RegistryEntry entry;
+    std::string plane;  // the one that defines it
+  };
+
   bool Fail(std::string_view path, std::string message) {
     error_ = path.empty() ? std::move(message) : std::string(path) + ": " + message;
     return false;
@@ -48,9 +54,8 @@ class RecordingReader {
   bool ReadTopLevel(const PropertyValue& value) {
     const auto* top = value.AsDictionary();
     if (top == nullptr) return Fail("", "a recording is a dictionary");
-    return CheckVersion(*top) &&
-           CheckKeys("", *top, {"Recording Version", "Classes", "Planes"}) && ReadClasses(*top) &&
-           ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
+    return CheckVersion(*top) && CheckKeys("", *top, {"Recording Version", "Classes", "Planes"}) &&
+           ReadClasses(*top) && ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
   }
 
   // First of all, so that a recording of another version is told by its version.
@@ -91,7 +96,8 @@ class RecordingReader {
 
   // Walks every chain once: what has been seen to end need not be walked again.
   bool CheckClassChains() {
-    std::unordered_map<std::string_view, std::string_view> walkOf;  // class to the start of its walk
+    std::unordered_map<std::string_view, std::string_view>
+        walkOf;  // class to the start of its walk
     for (const auto& [start, ignored] : recording_.superclasses) {
       std::string_view name = start;
       for (;;) {
@@ -149,8 +155,8 @@ class RecordingReader {
     const bool isRoot = place == 0;
     RecordedEntry entry;
     if (!CheckKeys(path, node, {"Name", "Class", "Properties", "ID", "Children"}) ||
-        !ReadName(path, node, isRoot, entry.name) ||
-        !ReadText(path, node, "Class", entry.class_) || !ReadProperties(path, node, entry)) {
+        !ReadName(path, node, isRoot, entry.name) || !ReadText(path, node, "Class", entry.class_) ||
+        !ReadProperties(path, node, entry)) {
       return false;
     }
     recording_.entries.push_back(std::move(entry));
@@ -194,7 +200,7 @@ class RecordingReader {
     std::string id;
     if (!ReadText(path, node, "ID", id)) return false;
     if (id.empty()) return Fail(path, "\"ID\" is empty");
-    if (!entriesById_.emplace(id, handle).second) {
+    if (!entriesById_.emplace(id, IdentifiedEntry{handle, plane_}).second) {
       return Fail(path, "the ID " + Quoted(id) + " is taken by an earlier node");
     }
     return true;
@@ -218,9 +224,15 @@ class RecordingReader {
       if (target == entriesById_.end()) {
         return Fail(link.nodePath, "no entry has the ID " + Quoted(link.target));
       }
-      shapes_[link.plane][link.place].entry = target->second;
+      const auto& [entry, definingPlane] = target->second;
+      if (definingPlane == link.plane) return FailStandingTwice(link.nodePath);
+      shapes_[link.plane][link.place].entry = entry;
     }
     return true;
+  }
+
+  bool FailStandingTwice(std::string_view path) {
+    return Fail(path, "the entry already stands in this plane");
   }
 
   bool PlaceEntries() {
@@ -235,7 +247,7 @@ class RecordingReader {
       const auto& [path, entry, parent] = shape[i];
       const RegistryEntry parentEntry = i == 0 ? 0 : shape[parent].entry;
       if (!plane.placements.emplace(entry, RecordedPlane::Placement{parentEntry, {}}).second) {
-        return Fail(path, "the entry already stands in this plane");
+        return FailStandingTwice(path);
       }
       if (parentEntry != 0) plane.placements[parentEntry].children.push_back(entry);
     }
@@ -248,7 +260,7 @@ class RecordingReader {
   std::string plane_;  // the one being read
   std::map<std::string, Shape, std::less<>> shapes_;
   std::vector<PendingLink> links_;
-  std::unordered_map<std::string, RegistryEntry> entriesById_;
+  std::unordered_map<std::string, IdentifiedEntry> entriesById_;
 };
 
 }  // namespace
