@@ -13,9 +13,11 @@ namespace fernwick {
 
 /// One entry of a recorded computer.
 struct RecordedEntry {
-  std::string name;   // empty for a plane's root that has none
+  std::string name;    // empty for a plane's root that has none
   std::string class_;  // empty: it conforms to no class
   Dictionary properties;
+
+  friend bool operator==(const RecordedEntry&, const RecordedEntry&) = default;
 };
 
 /// One plane: how its entries hang together. Entries are numbered by their handles, 1 and up.
@@ -23,9 +25,13 @@ struct RecordedPlane {
   struct Placement {
     RegistryEntry parent = 0;  // 0 at the root
     std::vector<RegistryEntry> children;
+
+    friend bool operator==(const Placement&, const Placement&) = default;
   };
   RegistryEntry root = 0;
   std::map<RegistryEntry, Placement> placements;  // of every entry that stands in the plane
+
+  friend bool operator==(const RecordedPlane&, const RecordedPlane&) = default;
 };
 
 /// What was recorded of a computer, well-formed.
@@ -33,6 +39,8 @@ struct Recording {
   std::vector<RecordedEntry> entries;  // the one with handle n at n − 1
   std::map<std::string, RecordedPlane, std::less<>> planes;
   std::map<std::string, std::string, std::less<>> superclasses;  // class to the one it derives from
+
+  friend bool operator==(const Recording&, const Recording&) = default;
 };
 
 /// The registry of a recorded computer.

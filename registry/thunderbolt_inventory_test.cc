@@ -1,0 +1,592 @@
+#include "registry/thunderbolt_inventory.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "testing/abnormal_end.h"
+#include "testing/call_lists.h"
+#include "testing/computer.h"
+#include "testing/dictionary_printing.h"
+#include "testing/logging_registry.h"
+#include "testing/odd_values.h"
+#include "value/textual_dump.h"
+
+namespace fernwick {
+namespace {
+
+using testing::Bytes;
+using testing::CallList;
+using testing::Computer;
+using testing::ExpectAbnormalEnd;
+using testing::Joined;
+using testing::LoggingRegistry;
+using testing::Named;
+using testing::NamedValue;
+using testing::NonNumbers;
+using testing::PropertyReads;
+using testing::RowName;
+using testing::ThunderboltFieldReads;
+
+constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
+constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
+
+/// A controller at the root of the topology, with `more` set on it.
+Dictionary OwnController(const Dictionary& more) {
+  Dictionary properties{{"Depth", 0}, {"Route String", 0}, {"UID", 0x5A3}};
+  properties.Merge(more);
+  return properties;
+}
+
+HardwareInventory CollectedFrom(const Computer& computer) {
+  RecordedRegistry registry(computer.Recorded());
+  return CollectThunderboltControllers(registry);
+}
+
+/// The inventory of a computer with one controller.
+HardwareInventory InventoryOf(const Dictionary& properties) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", properties);
+  return CollectedFrom(computer);
+}
+
+HardwareInventory Listed(std::vector<HardwareRecord> records) {
+  return records;
+}
+
+/// What filling `record` from a controller of those properties makes of it.
+HardwareRecord Filled(const Dictionary& properties, HardwareRecord record = {}) {
+  Computer computer;
+  const RegistryEntry controller = computer.AddThunderbolt("Ridge0", properties);
+  RecordedRegistry registry(computer.Recorded());
+  FillThunderboltFields(registry, controller, &record);
+  return record;
+}
+
+const Dictionary FullProperties{
+    {"EEPROM Revision", 0x45},      {"ROM Version", 0x41},        {"UID", 0x5A3},
+    {"Firmware Mode", 2},           {"Device Model Revision", 6}, {"Device Model ID", 5},
+    {"Device Model Name", "Model"}, {"Revision ID", 3},           {"Device ID", 2},
+    {"Vendor ID", 0x80000001u},     {"Unrelated", "value"},
+};
+
+const HardwareRecord FullRecord{
+    {"RID", 3},
+    {"Ridge Silicon Vendor ID", -2147483647},
+    {"Ridge Silicon Device ID", 2},
+    {"Ridge Silicon Revision", 3},
+    {"Device Model Name", "Model"},
+    {"Device Model ID", 5},
+    {"Device Model Revision", 6},
+    {"Firmware Mode", true},
+    {"Ridge UID", 0x5A3},
+    {"Version", 41.050000000999994},
+    {"Engineering Version", 64},
+};
+
+TEST(ThunderboltInventory, ListsTheOwnControllerAndNotThatOfADevice) {
+  Computer computer;
+  const RegistryEntry own = computer.AddThunderbolt("Ridge0", OwnController({{"Vendor ID", 1}}));
+  computer.AddService(own, "Ridge1", "IOThunderboltSwitch", OwnController({{"Depth", 1}}));
+  EXPECT_EQ(CollectedFrom(computer),
+            Listed({{{"RID", 3}, {"Ridge Silicon Vendor ID", 1}, {"Ridge UID", 0x5A3}}}));
+}
+
+TEST(ThunderboltInventory, KeepsTheOrderOfTheRegistry) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge1", OwnController({{"UID", 1}}));
+  const RegistryEntry bus = computer.AddService(computer.Services(), "Bus", "Bus", {});
+  computer.AddThunderbolt("Ridge0", OwnController({{"UID", 3}}));
+  computer.AddService(bus, "Ridge2", "IOThunderboltSwitch", OwnController({{"UID", 2}}));
+  EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 1}, {"Ridge UID", 1}},
+                                             {{"RID", 2}, {"Ridge UID", 2}},
+                                             {{"RID", 3}, {"Ridge UID", 3}}}));
+}
+
+TEST(ThunderboltInventory, ListsControllersOfDerivedClasses) {
+  Computer computer;
+  computer.Derive("RidgeSwitch", "IOThunderboltSwitch").Derive("RidgeSwitchType3", "RidgeSwitch");
+  computer.AddService(computer.Services(), "Ridge0", "RidgeSwitchType3", OwnController({}));
+  EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 3}, {"Ridge UID", 0x5A3}}}));
+}
+
+TEST(ThunderboltInventory, ListsEqualControllersTwice) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({}));
+  computer.AddThunderbolt("Ridge0", OwnController({}));
+  const HardwareRecord record{{"RID", 3}, {"Ridge UID", 0x5A3}};
+  EXPECT_EQ(CollectedFrom(computer), Listed({record, record}));
+}
+
+TEST(ThunderboltInventory, WritesEveryKeyInItsOrder) {
+  EXPECT_EQ(InventoryOf(OwnController(FullProperties)), Listed({FullRecord}));
+}
+
+TEST(ThunderboltInventory, IsNoneWithoutControllers) {
+  EXPECT_EQ(CollectedFrom(Computer()), HardwareInventory());
+}
+
+TEST(ThunderboltInventory, IsNoneWithoutServicePlane) {
+  RecordedRegistry registry{Recording()};
+  EXPECT_EQ(CollectThunderboltControllers(registry), HardwareInventory());
+}
+
+TEST(ThunderboltInventory, IsNoneWhenNoControllerQualifies) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({{"Depth", 1}}));
+  computer.AddThunderbolt("Ridge1", OwnController({{"Route String", 1}}));
+  EXPECT_EQ(CollectedFrom(computer), HardwareInventory());
+}
+
+TEST(ThunderboltInventory, OmitsAControllerWithoutRouteString) {
+  EXPECT_EQ(InventoryOf({{"Depth", 0}, {"UID", 1}}), HardwareInventory());
+}
+
+TEST(ThunderboltInventory, OmitsAControllerWithoutDepth) {
+  EXPECT_EQ(InventoryOf({{"Route String", 0}, {"UID", 1}}), HardwareInventory());
+}
+
+struct PlaceRow {
+  PropertyValue value;
+  bool qualifies;
+};
+
+class PlaceInTopology : public ::testing::TestWithParam<Named<PlaceRow>> {};
+
+TEST_P(PlaceInTopology, ByDepth) {
+  const auto& [value, qualifies] = GetParam().row;
+  EXPECT_EQ(InventoryOf(OwnController({{"Depth", value}})).has_value(), qualifies);
+}
+
+TEST_P(PlaceInTopology, ByRouteString) {
+  const auto& [value, qualifies] = GetParam().row;
+  EXPECT_EQ(InventoryOf(OwnController({{"Route String", value}})).has_value(), qualifies);
+}
+
+std::vector<Named<PlaceRow>> PlaceRows() {
+  std::vector<Named<PlaceRow>> rows{
+      {"Zero", {0, true}},
+      {"One", {1, false}},
+      {"MinusOne", {-1, false}},
+      {"NothingInTheLow32Bits", {0x200000000, true}},
+      {"OneInTheLow32Bits", {0x200000001, false}},
+      {"AllOfTheHigh32Bits", {0xFFFFFFFF00000000, true}},
+      {"Bit31", {0x80000000u, false}},
+      {"GreatestInteger", {AllOnes, false}},
+      {"BooleanFalse", {false, true}},
+      {"BooleanTrue", {true, false}},
+      {"RealZero", {0.0, true}},
+      {"RealBelowOne", {0.9, true}},
+      {"NegativeReal", {-7.0, true}},
+      {"HugeReal", {1e300, false}},
+      {"Nan", {Nan, true}},
+  };
+  for (const auto& odd : NonNumbers()) rows.push_back({odd.name, {odd.row, false}});
+  return rows;
+}
+
+INSTANTIATE_TEST_SUITE_P(ThunderboltInventory, PlaceInTopology, ::testing::ValuesIn(PlaceRows()),
+                         RowName);
+
+CallList PlaceReads(std::string_view controller) {
+  return PropertyReads(controller, {"Depth", "Route String"});
+}
+
+CallList CollectionCalls(const Computer& computer) {
+  LoggingRegistry registry(computer.Recorded());
+  CollectThunderboltControllers(registry);
+  return registry.Calls();
+}
+
+TEST(ThunderboltInventory, ReadsAFullControllerInOrder) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController(FullProperties));
+  EXPECT_EQ(CollectionCalls(computer), (CallList{
+                                           "MatchServicesByClass IOThunderboltSwitch",
+                                           "ResetIterator iterator 1",
+                                           "NextEntry iterator 1",
+                                           "GetProperty Ridge0 Depth",
+                                           "GetProperty Ridge0 Route String",
+                                           "GetProperty Ridge0 UID",
+                                           "GetProperty Ridge0 Vendor ID",
+                                           "GetProperty Ridge0 Device ID",
+                                           "GetProperty Ridge0 Revision ID",
+                                           "GetProperty Ridge0 Device Model Name",
+                                           "GetProperty Ridge0 Device Model ID",
+                                           "GetProperty Ridge0 Device Model Revision",
+                                           "GetProperty Ridge0 Firmware Mode",
+                                           "GetProperty Ridge0 UID",
+                                           "GetProperty Ridge0 ROM Version",
+                                           "GetProperty Ridge0 EEPROM Revision",
+                                           "NextEntry iterator 1",
+                                           "ReleaseEntry iterator 1",
+                                       }));
+}
+
+TEST(ThunderboltInventory, ReadsDepthAndRouteStringOfEveryController) {
+  Computer computer;
+  computer.AddThunderbolt("Bare", {});
+  computer.AddThunderbolt("Deep", OwnController({{"Depth", 1}}));
+  computer.AddThunderbolt("Routed", OwnController({{"Route String", 1}}));
+  computer.AddThunderbolt("Ridge0", OwnController({{"ROM Version", 1}}));
+  computer.AddThunderbolt("Text", OwnController({{"Depth", "0"}}));
+  EXPECT_EQ(CollectionCalls(computer),
+            Joined({{"MatchServicesByClass IOThunderboltSwitch", "ResetIterator iterator 1"},
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Bare"),
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Deep"),
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Routed"),
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Ridge0"),
+                    ThunderboltFieldReads("Ridge0"),
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Text"),
+                    {"NextEntry iterator 1", "ReleaseEntry iterator 1"}}));
+}
+
+TEST(ThunderboltInventory, IsTakenAfreshEachTime) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({{"ROM Version", 1}}));
+  LoggingRegistry registry(computer.Recorded());
+  const auto first = CollectThunderboltControllers(registry);
+  EXPECT_EQ(CollectThunderboltControllers(registry), first);
+  const auto pass = [](const std::string& iterator) {
+    return Joined({{"MatchServicesByClass IOThunderboltSwitch", "ResetIterator " + iterator},
+                   {"NextEntry " + iterator},
+                   PlaceReads("Ridge0"),
+                   ThunderboltFieldReads("Ridge0"),
+                   {"NextEntry " + iterator, "ReleaseEntry " + iterator}});
+  };
+  EXPECT_EQ(registry.Calls(), Joined({pass("iterator 1"), pass("iterator 2")}));
+}
+
+/// The calls and the inventory when the class cannot be matched.
+std::pair<CallList, HardwareInventory> AfterFailedMatching(RegistryStatus status,
+                                                           bool withIterator) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({}));
+  LoggingRegistry registry(computer.Recorded());
+  registry.FailMatching(status, withIterator);
+  auto inventory = CollectThunderboltControllers(registry);
+  return {registry.Calls(), std::move(inventory)};
+}
+
+TEST(ThunderboltInventory, IsNoneAndReleasesTheIteratorWhenMatchingFails) {
+  const CallList calls{"MatchServicesByClass IOThunderboltSwitch", "ReleaseEntry iterator 1"};
+  EXPECT_EQ(AfterFailedMatching(5, true), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(-5, true), std::pair(calls, HardwareInventory()));
+}
+
+TEST(ThunderboltInventory, IsNoneWhenMatchingFailsWithoutIterator) {
+  const CallList calls{"MatchServicesByClass IOThunderboltSwitch"};
+  EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, HardwareInventory()));
+}
+
+TEST(ThunderboltInventory, IsNoneWhenMatchingGivesNoIterator) {
+  const CallList calls{"MatchServicesByClass IOThunderboltSwitch"};
+  EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false), std::pair(calls, HardwareInventory()));
+}
+
+TEST(ThunderboltFields, OfUidAlone) {
+  EXPECT_EQ(Filled({{"UID", 0x5A3}}), (Dictionary{{"RID", 3}, {"Ridge UID", 0x5A3}}));
+}
+
+TEST(ThunderboltFields, OfAFullController) {
+  EXPECT_EQ(Filled(FullProperties), FullRecord);
+}
+
+TEST(ThunderboltFields, DoNotAskWhereTheControllerSits) {
+  EXPECT_EQ(Filled({{"UID", 0x5A3}, {"Depth", 2}, {"Route String", 0x301}}),
+            (Dictionary{{"RID", 3}, {"Ridge UID", 0x5A3}}));
+}
+
+TEST(ThunderboltFields, AreNotSearchedInOtherEntries) {
+  Computer computer;
+  computer.Set(computer.Services(), "Vendor ID", 1);
+  const RegistryEntry controller = computer.AddThunderbolt("Ridge0", {{"UID", 1}});
+  computer.AddService(controller, "Below", "", FullProperties);
+  RecordedRegistry registry(computer.Recorded());
+  HardwareRecord record;
+  FillThunderboltFields(registry, controller, &record);
+  EXPECT_EQ(record, (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+}
+
+TEST(ThunderboltFields, WithoutARecordReadNothing) {
+  Computer computer;
+  const RegistryEntry controller = computer.AddThunderbolt("Ridge0", FullProperties);
+  LoggingRegistry registry(computer.Recorded());
+  FillThunderboltFields(registry, controller, nullptr);
+  EXPECT_EQ(registry.Calls(), CallList());
+}
+
+TEST(ThunderboltFields, WithoutARecordAMissingUidDoesNotMatter) {
+  Computer computer;
+  const RegistryEntry controller = computer.AddThunderbolt("Ridge0", {});
+  LoggingRegistry registry(computer.Recorded());
+  FillThunderboltFields(registry, controller, nullptr);
+  EXPECT_EQ(registry.Calls(), CallList());
+}
+
+/// The calls of filling `record`.
+CallList FillingCalls(const Dictionary& properties, HardwareRecord record) {
+  Computer computer;
+  const RegistryEntry controller = computer.AddThunderbolt("Ridge0", properties);
+  LoggingRegistry registry(computer.Recorded());
+  FillThunderboltFields(registry, controller, &record);
+  return registry.Calls();
+}
+
+TEST(ThunderboltFields, FetchUidOnceWhenTheRecordHasARid) {
+  EXPECT_EQ(FillingCalls(FullProperties, {{"RID", 2}}),
+            PropertyReads("Ridge0", {"Vendor ID", "Device ID", "Revision ID", "Device Model Name",
+                                     "Device Model ID", "Device Model Revision", "Firmware Mode",
+                                     "UID", "ROM Version", "EEPROM Revision"}));
+}
+
+TEST(ThunderboltFields, FetchNoEepromRevisionWhenRomVersionDoesNotRead) {
+  const auto calls =
+      PropertyReads("Ridge0", {"UID", "Vendor ID", "Device ID", "Revision ID", "Device Model Name",
+                               "Device Model ID", "Device Model Revision", "Firmware Mode", "UID",
+                               "ROM Version"});
+  EXPECT_EQ(FillingCalls({{"UID", 1}, {"EEPROM Revision", 5}}, {}), calls);
+  EXPECT_EQ(FillingCalls({{"UID", 1}, {"EEPROM Revision", 5}, {"ROM Version", "41"}}, {}), calls);
+}
+
+TEST(ThunderboltFields, NeverReplaceARid) {
+  EXPECT_EQ(Filled({{"UID", 0x5A3}}, {{"RID", 2}}), (Dictionary{{"RID", 2}, {"Ridge UID", 0x5A3}}));
+}
+
+TEST(ThunderboltFields, NeverReplaceARidOfAnyKind) {
+  EXPECT_EQ(Filled({{"UID", 0x5A3}}, {{"RID", "two"}}),
+            (Dictionary{{"RID", "two"}, {"Ridge UID", 0x5A3}}));
+}
+
+TEST(ThunderboltFields, ReplaceAllElseAtItsPlace) {
+  const HardwareRecord before{
+      {"Engineering Version", "old"},
+      {"Version", 171},
+      {"Ridge UID", "old"},
+      {"Firmware Mode", "old"},
+      {"Device Model Revision", "old"},
+      {"Device Model ID", "old"},
+      {"Device Model Name", 7},
+      {"Ridge Silicon Revision", "old"},
+      {"Ridge Silicon Device ID", "old"},
+      {"Ridge Silicon Vendor ID", "old"},
+      {"RID", 9},
+      {"Port Address", 0},
+  };
+  const HardwareRecord after{
+      {"Engineering Version", 64},
+      {"Version", 41.050000000999994},
+      {"Ridge UID", 0x5A3},
+      {"Firmware Mode", true},
+      {"Device Model Revision", 6},
+      {"Device Model ID", 5},
+      {"Device Model Name", "Model"},
+      {"Ridge Silicon Revision", 3},
+      {"Ridge Silicon Device ID", 2},
+      {"Ridge Silicon Vendor ID", -2147483647},
+      {"RID", 9},
+      {"Port Address", 0},
+  };
+  EXPECT_EQ(Filled(FullProperties, before), after);
+}
+
+TEST(ThunderboltFields, LeaveWhatTheRecordHoldsWhereNothingReads) {
+  const HardwareRecord before{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}};
+  EXPECT_EQ(
+      Filled({{"UID", 1}, {"Device Model Name", 5}, {"EEPROM Revision", 5}}, before),
+      (Dictionary{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}, {"Ridge UID", 1}}));
+}
+
+struct UidRow {
+  PropertyValue uid;
+  int rid;
+};
+
+class NumericUid : public ::testing::TestWithParam<Named<UidRow>> {};
+
+TEST_P(NumericUid, GivesRidAndIsKeptWhole) {
+  EXPECT_EQ(Filled({{"UID", GetParam().row.uid}}),
+            (Dictionary{{"RID", GetParam().row.rid}, {"Ridge UID", GetParam().row.uid}}));
+}
+
+const Named<UidRow> UidRows[] = {
+    {"Zero", {0, 0}},
+    {"NibbleF", {0x5AF, 15}},
+    {"NothingInTheLowNibble", {0x5A0, 0}},
+    {"Beyond32Bits", {0x1234567800000007, 7}},
+    {"GreatestInteger", {AllOnes, 15}},
+    {"MinusOne", {-1, 15}},
+    {"LeastInteger", {std::numeric_limits<std::int64_t>::min(), 0}},
+    {"BooleanTrue", {true, 1}},
+    {"BooleanFalse", {false, 0}},
+    {"Real", {19.9, 3}},
+    {"NegativeReal", {-3.0, 0}},
+    {"HugeReal", {1e300, 15}},
+};
+
+INSTANTIATE_TEST_SUITE_P(ThunderboltFields, NumericUid, ::testing::ValuesIn(UidRows), RowName);
+
+TEST(ThunderboltFields, OfANanUid) {
+  EXPECT_EQ(DumpText(Filled({{"UID", Nan}})),
+            "{\n"
+            "    \"RID\" = 0;\n"
+            "    \"Ridge UID\" = nan;\n"
+            "}");
+}
+
+class OddThunderboltProperty : public ::testing::TestWithParam<NamedValue> {};
+
+TEST_P(OddThunderboltProperty, AsUidGivesNoRidAndIsKeptWhole) {
+  EXPECT_EQ(Filled({{"UID", GetParam().row}}), (Dictionary{{"Ridge UID", GetParam().row}}));
+}
+
+TEST_P(OddThunderboltProperty, LeavesOnlyItsOwnKeyOut) {
+  const std::pair<const char*, const char*> targets[] = {
+      {"Vendor ID", "Ridge Silicon Vendor ID"},           {"Device ID", "Ridge Silicon Device ID"},
+      {"Revision ID", "Ridge Silicon Revision"},          {"Device Model ID", "Device Model ID"},
+      {"Device Model Revision", "Device Model Revision"}, {"Firmware Mode", "Firmware Mode"},
+  };
+  for (const auto& [property, key] : targets) {
+    SCOPED_TRACE(property);
+    Dictionary properties = FullProperties;
+    properties.Set(property, GetParam().row);
+    HardwareRecord record = FullRecord;
+    record.SetOrRemove(key, nullptr);
+    EXPECT_EQ(Filled(properties), record);
+  }
+}
+
+TEST_P(OddThunderboltProperty, AsRomVersionLeavesBothVersionsOut) {
+  EXPECT_EQ(Filled({{"UID", 1}, {"ROM Version", GetParam().row}, {"EEPROM Revision", 0x45}}),
+            (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+}
+
+TEST_P(OddThunderboltProperty, AsEepromRevisionCountsAsZero) {
+  EXPECT_EQ(
+      Filled({{"UID", 1}, {"ROM Version", 0x23}, {"EEPROM Revision", GetParam().row}}),
+      (Dictionary{
+          {"RID", 1}, {"Ridge UID", 1}, {"Version", 23.000000001}, {"Engineering Version", 0}}));
+}
+
+INSTANTIATE_TEST_SUITE_P(ThunderboltFields, OddThunderboltProperty,
+                         ::testing::ValuesIn(NonNumbers()), RowName);
+
+TEST(ThunderboltFields, KeepAnEmptyDeviceModelName) {
+  EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", ""}}),
+            (Dictionary{{"RID", 1}, {"Device Model Name", ""}, {"Ridge UID", 1}}));
+}
+
+TEST(ThunderboltFields, KeepADeviceModelNameAsItStands) {
+  EXPECT_EQ(
+      Filled({{"UID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}}),
+      (Dictionary{{"RID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}, {"Ridge UID", 1}}));
+}
+
+TEST(ThunderboltFields, LeaveOutADeviceModelNameThatIsNoString) {
+  const PropertyValue values[] = {
+      Bytes("Model"), 5, 5.5, true, Array{"Model"}, Date{5}, Dictionary{{"Name", "Model"}}};
+  for (const auto& value : values) {
+    EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", value}}),
+              (Dictionary{{"RID", 1}, {"Ridge UID", 1}}))
+        << DumpText(value);
+  }
+}
+
+TEST(ThunderboltFields, HoldFirmwareModeAsABoolean) {
+  const std::pair<PropertyValue, bool> rows[] = {
+      {2, true},           {0, false},   {true, true}, {false, false}, {-1, true},      {0.5, true},
+      {0x100000000, true}, {0.0, false}, {Nan, true},  {-0.0, false},  {AllOnes, true},
+  };
+  for (const auto& [value, mode] : rows) {
+    EXPECT_EQ(Filled({{"UID", 1}, {"Firmware Mode", value}}),
+              (Dictionary{{"RID", 1}, {"Firmware Mode", mode}, {"Ridge UID", 1}}))
+        << DumpText(value);
+  }
+}
+
+struct VersionRow {
+  PropertyValue rom;
+  std::optional<PropertyValue> eeprom;
+  double version;
+  int engineering;
+};
+
+class FirmwareVersionOf : public ::testing::TestWithParam<Named<VersionRow>> {};
+
+TEST_P(FirmwareVersionOf, RomVersionAndEepromRevision) {
+  const auto& row = GetParam().row;
+  Dictionary properties{{"UID", 1}, {"ROM Version", row.rom}};
+  if (row.eeprom) properties.Set("EEPROM Revision", *row.eeprom);
+  EXPECT_EQ(Filled(properties), (Dictionary{{"RID", 1},
+                                            {"Ridge UID", 1},
+                                            {"Version", row.version},
+                                            {"Engineering Version", row.engineering}}));
+}
+
+const Named<VersionRow> VersionRows[] = {
+    {"MajorAndMinor", {0x41, 0x05, 41.050000000999994, 0}},
+    {"MarkerLowBit", {0x41, 0x45, 41.050000000999994, 64}},
+    {"MarkerHighBit", {0x41, 0x85, 41.050000000999994, 128}},
+    {"MarkerBothBits", {0x41, 0xC5, 41.050000000999994, 192}},
+    {"MarkerWithoutMinor", {0x41, 0x40, 41.000000001, 64}},
+    {"NoEepromRevision", {0x23, std::nullopt, 23.000000001, 0}},
+    {"NoMajor", {0x0, 0x3F, 0.630000001, 0}},
+    {"ThreeDigitsAndGreatestMinor", {0x123, 0x3F, 123.630000001, 0}},
+    {"NotDecimal", {0x1A, 0x07, 20.070000001, 0}},
+    {"NothingAtAll", {0x0, 0x0, 1e-9, 0}},
+    {"TwoDigits", {0x99, 0x3F, 99.630000001, 0}},
+    {"EightDigits", {0x99999999u, 0x3F, 99999999.63, 0}},
+    {"GreatestOfAll", {0xFFFFFFFFu, 0xFFFFFFFFu, 166666665.63, 192}},
+    {"RomBeyond32Bits", {0x300000041, 0x05, 41.050000000999994, 0}},
+    {"EepromBeyondItsLowByte", {0x41, 0x7FFFFF05, 41.050000000999994, 0}},
+    {"NegativeRom", {-1, 0x3F, 166666665.63, 0}},
+    {"NegativeEeprom", {0x41, -1, 41.630000001, 192}},
+    {"RealRom", {65.9, 0x05, 41.050000000999994, 0}},
+    {"RealEeprom", {0x41, 5.9, 41.050000000999994, 0}},
+    {"NegativeRealRom", {-65.0, 0x05, 0.050000001, 0}},
+    {"NanRom", {Nan, 0x05, 0.050000001, 0}},
+    {"BooleanRomAndEeprom", {true, true, 1.010000001, 0}},
+};
+
+INSTANTIATE_TEST_SUITE_P(ThunderboltFields, FirmwareVersionOf, ::testing::ValuesIn(VersionRows),
+                         RowName);
+
+TEST(ThunderboltFields, WithoutRomVersionHaveNoVersionWhateverTheEepromRevision) {
+  EXPECT_EQ(Filled({{"UID", 1}, {"EEPROM Revision", 0x05}}),
+            (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+}
+
+TEST(ThunderboltFields, WithoutUidEndAbnormally) {
+  ExpectAbnormalEnd([] { Filled({}); });
+}
+
+TEST(ThunderboltFields, WithoutUidButAllElseEndAbnormally) {
+  Dictionary properties = FullProperties;
+  properties.SetOrRemove("UID", nullptr);
+  ExpectAbnormalEnd([&] { Filled(properties, {{"RID", 2}}); });
+}
+
+TEST(ThunderboltInventory, AnOwnControllerWithoutUidEndsAbnormally) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({}));
+  computer.AddThunderbolt("Ridge1", {{"Depth", 0}, {"Route String", 0}});
+  ExpectAbnormalEnd([&] { CollectedFrom(computer); });
+}
+
+TEST(ThunderboltInventory, AnotherControllerNeedsNoUid) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({}));
+  computer.AddThunderbolt("Ridge1", {{"Depth", 1}, {"Route String", 1}});
+  EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 3}, {"Ridge UID", 0x5A3}}}));
+}
+
+}  // namespace
+}  // namespace fernwick

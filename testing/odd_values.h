@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "testing/named_rows.h"
+#include "value/property_value.h"
+
+namespace fernwick::testing {
+
+using NamedValue = Named<PropertyValue>;
+
+/// A value of every kind that is no number, also such as look like one.
+std::vector<NamedValue> NonNumbers();
+
+}  // namespace fernwick::testing
