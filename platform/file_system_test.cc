@@ -1,0 +1,268 @@
+#include "platform/file_system.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::TemporaryDirectory;
+
+struct JoiningRow {
+  std::string path;
+  std::string component;
+  std::string joined;
+};
+
+TEST(AppendPathComponent, PutsExactlyOneSlashBetween) {
+  const JoiningRow rows[] = {
+      {"/P", "Fernwick", "/P/Fernwick"},
+      {"/P/", "Fernwick", "/P/Fernwick"},
+      {"/P///", "Fernwick", "/P/Fernwick"},
+      {"/P", "/Fernwick", "/P/Fernwick"},
+      {"/P", "///Fernwick", "/P/Fernwick"},
+      {"/P//", "//Fernwick", "/P/Fernwick"},
+      {"P", "a", "P/a"},
+      {"/", "a", "/a"},
+      {"//", "a", "/a"},
+      {"/", "/a", "/a"},
+      {"", "a", "/a"},
+      {"", "/a", "/a"},
+      // An empty component, and one that is nothing but slashes.
+      {"/P", "", "/P"},
+      {"/P/", "", "/P"},
+      {"/P///", "", "/P"},
+      {"/", "", ""},
+      {"", "", ""},
+      {"/P", "/", "/P/"},
+      {"/P/", "//", "/P/"},
+      {"", "/", "/"},
+      // What stands elsewhere stays.
+      {"//P//Q", "a", "//P//Q/a"},
+      {"/P", "a//b", "/P/a//b"},
+      {"/P", "a/", "/P/a/"},
+      {"/P/", "a//", "/P/a//"},
+      {"/P", "..", "/P/.."},
+      {"/P", ".", "/P/."},
+      {"/P/.", "a", "/P/./a"},
+      {"/P ", " a", "/P / a"},
+      {"/P/\u00E9", "\u65E5", "/P/\u00E9/\u65E5"},
+  };
+  for (const auto& [path, component, joined] : rows) {
+    EXPECT_EQ(AppendPathComponent(path, component), joined) << path << " and " << component;
+  }
+}
+
+TEST(PathExists, ForWhateverStandsThere) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("directory/file", "");
+  const std::string fifo = directory.Path() + "/fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_TRUE(PathExists(file));
+  EXPECT_TRUE(PathExists(fifo));
+  EXPECT_TRUE(PathExists(directory.Path() + "/directory"));
+  EXPECT_TRUE(PathExists(directory.Path() + "/directory/"));
+  EXPECT_TRUE(PathExists(directory.Path() + "//directory/../directory/./file"));
+}
+
+TEST(PathExists, NotForWhatIsMissing) {
+  const TemporaryDirectory directory;
+  EXPECT_FALSE(PathExists(directory.Path() + "/missing"));
+  EXPECT_FALSE(PathExists(directory.Path() + "/missing/file"));
+  EXPECT_FALSE(PathExists(""));
+}
+
+TEST(PathExists, FollowsLinks) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("directory/file", "");
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink(file, link);
+  fs::create_symlink(link, link + "2");
+  fs::create_directory_symlink(directory.Path() + "/directory", directory.Path() + "/other");
+  EXPECT_TRUE(PathExists(link));
+  EXPECT_TRUE(PathExists(link + "2"));
+  EXPECT_TRUE(PathExists(directory.Path() + "/other/file"));
+}
+
+TEST(PathExists, NotForADanglingLink) {
+  const TemporaryDirectory directory;
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink("missing", link);
+  EXPECT_FALSE(PathExists(link));
+}
+
+TEST(PathExists, NotForALinkToItself) {
+  const TemporaryDirectory directory;
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink("link", link);
+  EXPECT_FALSE(PathExists(link));
+}
+
+TEST(PathExists, NotThroughAFile) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("file", "");
+  EXPECT_FALSE(PathExists(file + "/"));
+  EXPECT_FALSE(PathExists(file + "/other"));
+}
+
+TEST(PathExists, NotForAnOverLongPath) {
+  const TemporaryDirectory directory;
+  EXPECT_FALSE(PathExists(directory.Path() + "/" + std::string(256, 'a')));
+  std::string path = directory.Path();
+  for (int i = 0; i < 3000; ++i) path += "/.";
+  EXPECT_FALSE(PathExists(path));
+}
+
+/// Holds reading the path to the error.
+void ExpectUnreadable(const std::string& path, const std::string& error) {
+  const auto reading = ReadWholeFile(path);
+  EXPECT_EQ(reading.bytes, std::nullopt);
+  EXPECT_EQ(reading.error, error);
+}
+
+/// Holds reading the path to these bytes.
+void ExpectBytes(const std::string& path, const std::string& bytes) {
+  const auto reading = ReadWholeFile(path);
+  EXPECT_EQ(reading.bytes, bytes);
+  EXPECT_EQ(reading.error, "");
+}
+
+TEST(ReadWholeFile, GivesTheBytesAsTheyAre) {
+  const TemporaryDirectory directory;
+  const std::string bytes("a\0b\r\n\xFF\x1A\0", 8);
+  ExpectBytes(directory.Write("file", bytes), bytes);
+}
+
+TEST(ReadWholeFile, OfAnEmptyFileGivesNoBytes) {
+  const TemporaryDirectory directory;
+  ExpectBytes(directory.Write("file", ""), "");
+}
+
+TEST(ReadWholeFile, OfSizesAroundThoseOfABuffer) {
+  const TemporaryDirectory directory;
+  for (const std::size_t size : {1u, 4095u, 4096u, 4097u, 65536u, 1000003u}) {
+    std::string bytes(size, 'x');
+    bytes.back() = 'y';
+    ExpectBytes(directory.Write("file", bytes), bytes);
+  }
+}
+
+TEST(ReadWholeFile, FollowsLinks) {
+  const TemporaryDirectory directory;
+  directory.Write("file", "text");
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink("file", link);
+  ExpectBytes(link, "text");
+}
+
+TEST(ReadWholeFile, OfAFileThatClaimsToBeEmptyGivesAllOfIt) {
+  const std::string path = "/proc/sys/kernel/ostype";
+  struct stat status;
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  ASSERT_EQ(status.st_size, 0);
+  ExpectBytes(path, "Linux\n");
+}
+
+TEST(ReadWholeFile, OfAMissingFileTellsSo) {
+  const TemporaryDirectory directory;
+  ExpectUnreadable(directory.Path() + "/missing", std::strerror(ENOENT));
+  ExpectUnreadable("", std::strerror(ENOENT));
+}
+
+TEST(ReadWholeFile, OfADanglingLinkTellsThatItIsMissing) {
+  const TemporaryDirectory directory;
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink("missing", link);
+  ExpectUnreadable(link, std::strerror(ENOENT));
+}
+
+TEST(ReadWholeFile, OfALinkToItselfTellsSo) {
+  const TemporaryDirectory directory;
+  const std::string link = directory.Path() + "/link";
+  fs::create_symlink("link", link);
+  ExpectUnreadable(link, std::strerror(ELOOP));
+}
+
+TEST(ReadWholeFile, ThroughAFileTellsSo) {
+  const TemporaryDirectory directory;
+  ExpectUnreadable(directory.Write("file", "") + "/other", std::strerror(ENOTDIR));
+}
+
+TEST(ReadWholeFile, OfAnOverLongPathTellsSo) {
+  const TemporaryDirectory directory;
+  ExpectUnreadable(directory.Path() + "/" + std::string(256, 'a'), std::strerror(ENAMETOOLONG));
+}
+
+TEST(ReadWholeFile, OfADirectoryTellsSo) {
+  const TemporaryDirectory directory;
+  ExpectUnreadable(directory.Path(), std::strerror(EISDIR));
+}
+
+TEST(ReadWholeFile, OfAFifoWithoutWriterDoesNotWait) {
+  const TemporaryDirectory directory;
+  const std::string fifo = directory.Path() + "/fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  ExpectUnreadable(fifo, "not a regular file");
+}
+
+TEST(ReadWholeFile, OfADeviceTellsThatItIsNoFile) {
+  ExpectUnreadable("/dev/null", "not a regular file");
+  ExpectUnreadable("/dev/zero", "not a regular file");
+}
+
+TEST(ReadWholeFile, OfASocketTellsThatItCannotBeOpened) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Path() + "/socket";
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  ASSERT_LT(path.size(), sizeof(address.sun_path));
+  path.copy(address.sun_path, path.size());
+  const int socketNumber = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(bind(socketNumber, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+  ExpectUnreadable(path, std::strerror(ENXIO));
+  close(socketNumber);
+}
+
+TEST(ReadWholeFile, RefusesAFileBeyondTheMaximum) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("sparse", "");
+  fs::resize_file(path, MaximumFileSize + 1);
+  ExpectUnreadable(path, "the file is larger than 1 GiB");
+}
+
+TEST(ReadWholeFile, RefusesAFileWhoseLow32BitsOfSizeAreSmall) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("sparse", "");
+  fs::resize_file(path, 4 * MaximumFileSize + 1);
+  ExpectUnreadable(path, "the file is larger than 1 GiB");
+}
+
+TEST(ReadWholeFile, LeavesNoDescriptorOpen) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("file", "text");
+  const auto lowestFree = [] {
+    const int number = dup(STDERR_FILENO);
+    close(number);
+    return number;
+  };
+  const int before = lowestFree();
+  ExpectBytes(file, "text");
+  ExpectUnreadable(directory.Path(), std::strerror(EISDIR));
+  ExpectUnreadable("/dev/null", "not a regular file");
+  EXPECT_EQ(lowestFree(), before);
+}
+
+}  // namespace
+}  // namespace fernwick
