@@ -1,0 +1,421 @@
+#include "personality/configuration.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "testing/binary_property_list_builder.h"
+#include "testing/capture.h"
+#include "testing/corruption.h"
+#include "testing/property_values.h"
+#include "testing/temporary_directory.h"
+#include "testing/unprivileged.h"
+#include "value/property_list_reader.h"
+
+namespace fernwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::Repeated;
+using testing::TemporaryDirectory;
+
+using OptionalText = std::optional<std::string>;
+
+// What loading gave, and all that it logged.
+struct Loading {
+  std::optional<PropertyValue> value;
+  std::string log;
+
+  friend bool operator==(const Loading&, const Loading&) = default;
+};
+
+void PrintTo(const Loading& loading, std::ostream* out) {
+  *out << ::testing::PrintToString(loading.value) << ", log "
+       << ::testing::PrintToString(loading.log);
+}
+
+Loading Load(const OptionalText& boardIdString, const OptionalText& personalitiesDirectory) {
+  testing::StandardErrorCapture standardError;
+  auto value = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory);
+  return {std::move(value), standardError.TakeText()};
+}
+
+Loading NoFiles(std::string_view boardId) {
+  return {std::nullopt, "fernwick: Error reading plist: No files to support boardID: " +
+                            std::string(boardId) + "\n"};
+}
+
+Loading NoConfig() {
+  return {std::nullopt, "fernwick: Error reading plist: No config file for this project\n"};
+}
+
+Loading NotRead(std::string_view error, int format) {
+  return {std::nullopt, "fernwick: Error reading plist: " + std::string(error) +
+                            ", format: " + std::to_string(format) + "\n"};
+}
+
+// A payload with room for the one board "Zed-42".
+class Payload {
+ public:
+  Payload() { fs::create_directories(BoardDirectoryPath()); }
+
+  std::string PersonalitiesDirectory() const { return directory_.Path() + "/Fernwick/"; }
+  std::string BoardDirectoryPath() const { return PersonalitiesDirectory() + "Zed-42"; }
+  std::string ConfigPath() const { return BoardDirectoryPath() + "/Config.plist"; }
+
+  void Write(std::string_view relativePath, std::string_view contents) const {
+    directory_.Write("Fernwick/" + std::string(relativePath), contents);
+  }
+
+  void LetAnyoneIn() const {
+    for (const auto& path : {directory_.Path(), PersonalitiesDirectory(), BoardDirectoryPath()}) {
+      fs::permissions(path, fs::perms(0755));
+    }
+  }
+
+  Loading LoadConfig() const { return Load("Zed-42", PersonalitiesDirectory()); }
+
+ private:
+  TemporaryDirectory directory_;
+};
+
+// What loading gives of a configuration of these bytes.
+Loading LoadBytes(std::string_view contents) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", contents);
+  return payload.LoadConfig();
+}
+
+constexpr char SmallConfig[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0">
+<dict>
+	<key>USBC</key>
+	<array>
+		<dict>
+			<key>Version</key>
+			<integer>5</integer>
+			<key>Port UUID</key>
+			<array>
+				<string>b0A1</string>
+			</array>
+		</dict>
+	</array>
+	<key>LegacyUSBC</key>
+	<dict>
+		<key>Version</key>
+		<real>41.05</real>
+	</dict>
+</dict>
+</plist>
+)";
+
+const Dictionary SmallValue = {
+    {"USBC", Array{Dictionary{{"Version", 5}, {"Port UUID", Array{"b0A1"}}}}},
+    {"LegacyUSBC", Dictionary{{"Version", 41.05}}},
+};
+
+TEST(BoardDirectory, IsThePersonalitiesDirectoryWithTheIdentifierAppended) {
+  EXPECT_EQ(BoardDirectory("Zed-42", "/P/Fernwick/"), "/P/Fernwick/Zed-42");
+  EXPECT_EQ(BoardDirectory("Zed-42", "/P/Fernwick"), "/P/Fernwick/Zed-42");
+  EXPECT_EQ(BoardDirectory("Zed-42", "/P/Fernwick//"), "/P/Fernwick/Zed-42");
+  EXPECT_EQ(BoardDirectory("Zed-42", "/P//Fernwick/"), "/P//Fernwick/Zed-42");
+  EXPECT_EQ(BoardDirectory("Zed-42", "Fernwick/"), "Fernwick/Zed-42");
+}
+
+TEST(BoardDirectory, TakesAnyIdentifierAsItIs) {
+  EXPECT_EQ(BoardDirectory("", "/P/Fernwick/"), "/P/Fernwick");
+  EXPECT_EQ(BoardDirectory("/", "/P/Fernwick/"), "/P/Fernwick/");
+  EXPECT_EQ(BoardDirectory("/Zed-42", "/P/Fernwick/"), "/P/Fernwick/Zed-42");
+  EXPECT_EQ(BoardDirectory("Zed/42", "/P/Fernwick/"), "/P/Fernwick/Zed/42");
+  EXPECT_EQ(BoardDirectory("../x", "/P/Fernwick/"), "/P/Fernwick/../x");
+  EXPECT_EQ(BoardDirectory(" %@ ", "/P/Fernwick/"), "/P/Fernwick/ %@ ");
+}
+
+TEST(BoardDirectory, IsAbsentWhenEitherPartIs) {
+  EXPECT_EQ(BoardDirectory(std::nullopt, "/P/Fernwick/"), std::nullopt);
+  EXPECT_EQ(BoardDirectory("Zed-42", std::nullopt), std::nullopt);
+  EXPECT_EQ(BoardDirectory(std::nullopt, std::nullopt), std::nullopt);
+}
+
+TEST(Configuration, IsReadFromTheBoardsDirectory) {
+  EXPECT_EQ(LoadBytes(SmallConfig), (Loading{SmallValue, ""}));
+}
+
+TEST(Configuration, InBinaryFormLoadsAsInXml) {
+  using testing::AsciiObject, testing::ArrayObject, testing::DictionaryObject, testing::RealObject;
+  const std::string integerFive = {0x10, 5};
+  const std::string file = testing::BinaryFile({
+      DictionaryObject({1, 2}, {3, 4}),
+      AsciiObject("USBC"),
+      AsciiObject("LegacyUSBC"),
+      ArrayObject({5}),
+      DictionaryObject({6}, {7}),
+      DictionaryObject({6, 8}, {9, 10}),
+      AsciiObject("Version"),
+      RealObject(41.05),
+      AsciiObject("Port UUID"),
+      integerFive,
+      ArrayObject({11}),
+      AsciiObject("b0A1"),
+  });
+  EXPECT_EQ(LoadBytes(file), LoadBytes(SmallConfig));
+}
+
+TEST(Configuration, InTheOldTextFormIsLoaded) {
+  EXPECT_EQ(LoadBytes("{ USBC = ( { \"Port UUID\" = ( b0A1 ); } ); }"),
+            (Loading{Dictionary{{"USBC", Array{Dictionary{{"Port UUID", Array{"b0A1"}}}}}}, ""}));
+}
+
+TEST(Configuration, OfAnyTopLevelKindIsLoadedWithoutComplaint) {
+  EXPECT_EQ(LoadBytes("<plist><array><integer>5</integer></array></plist>"),
+            (Loading{Array{5}, ""}));
+  EXPECT_EQ(LoadBytes("<plist><string>USBC</string></plist>"), (Loading{"USBC", ""}));
+  EXPECT_EQ(LoadBytes("<plist><false/></plist>"), (Loading{false, ""}));
+  EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary{}, ""}));
+}
+
+TEST(Configuration, AKeyThatOccursTwiceKeepsItsFirstPlaceAndItsLastValue) {
+  EXPECT_EQ(LoadBytes("<dict><key>A</key><integer>1</integer><key>B</key><integer>2</integer>"
+                      "<key>A</key><integer>3</integer></dict>"),
+            (Loading{Dictionary{{"A", 3}, {"B", 2}}, ""}));
+}
+
+TEST(Configuration, WithoutAPersonalitiesDirectoryTellsOfNoFiles) {
+  EXPECT_EQ(Load("Zed-42", std::nullopt), NoFiles("Zed-42"));
+}
+
+TEST(Configuration, WithoutABoardIdentifierTellsOfNoFilesForNull) {
+  const Payload payload;
+  EXPECT_EQ(Load(std::nullopt, payload.PersonalitiesDirectory()), NoFiles("(null)"));
+  EXPECT_EQ(Load(std::nullopt, std::nullopt), NoFiles("(null)"));
+}
+
+TEST(Configuration, OfAnotherBoardTellsOfNoFiles) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoFiles("Zed-43"));
+  EXPECT_EQ(Load("Zed-4", payload.PersonalitiesDirectory()), NoFiles("Zed-4"));
+}
+
+TEST(Configuration, OfAPayloadThatIsNotThereTellsOfNoFiles) {
+  const TemporaryDirectory directory;
+  EXPECT_EQ(Load("Zed-42", directory.Path() + "/Fernwick/"), NoFiles("Zed-42"));
+}
+
+TEST(Configuration, ABoardIdentifierIsToldAsItIs) {
+  for (const std::string boardId : {"%@ %lu %s %n", "two\nlines",
+                                    "Z\xC3\xA9"
+                                    "d",
+                                    "\"Zed\"", " "}) {
+    EXPECT_EQ(Load(boardId, std::nullopt), NoFiles(boardId));
+  }
+}
+
+TEST(Configuration, AnOverLongBoardIdentifierTellsOfNoFiles) {
+  const Payload payload;
+  const std::string boardId(5000, 'Z');
+  EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId));
+}
+
+TEST(Configuration, AnEmptyBoardIdentifierNamesThePersonalitiesDirectory) {
+  const Payload payload;
+  EXPECT_EQ(Load("", payload.PersonalitiesDirectory()), NoConfig());
+  payload.Write("Config.plist", SmallConfig);
+  EXPECT_EQ(Load("", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
+  EXPECT_EQ(Load("/", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
+}
+
+TEST(Configuration, AnEmptyBoardIdentifierWithoutAPayloadIsToldAsNothing) {
+  EXPECT_EQ(Load("", std::nullopt), NoFiles(""));
+}
+
+TEST(Configuration, ABoardIdentifierMayLeadThroughTheFileSystem) {
+  const Payload payload;
+  payload.Write("Zed/42/Config.plist", SmallConfig);
+  EXPECT_EQ(Load("Zed/42", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
+  EXPECT_EQ(Load("/Zed//42/", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
+  EXPECT_EQ(Load("../Fernwick/Zed/42", payload.PersonalitiesDirectory()),
+            (Loading{SmallValue, ""}));
+  EXPECT_EQ(Load("..", payload.PersonalitiesDirectory()), NoConfig());
+}
+
+TEST(Configuration, ThePersonalitiesDirectoryMayEndInAnyNumberOfSlashes) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  const auto directory = payload.PersonalitiesDirectory();
+  EXPECT_EQ(Load("Zed-42", directory.substr(0, directory.size() - 1)), (Loading{SmallValue, ""}));
+  EXPECT_EQ(Load("Zed-42", directory + "//"), (Loading{SmallValue, ""}));
+}
+
+TEST(Configuration, MissingFromTheBoardsDirectoryIsTold) {
+  EXPECT_EQ(Payload().LoadConfig(), NoConfig());
+}
+
+TEST(Configuration, OfAnotherNameIsMissing) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.xml", SmallConfig);
+  payload.Write("Zed-42/Config.plist.old", SmallConfig);
+  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+}
+
+TEST(Configuration, ABoardDirectoryThatIsAPlainFileExistsAndHoldsNone) {
+  const Payload payload;
+  payload.Write("Zed-43", SmallConfig);
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig());
+}
+
+TEST(Configuration, ABoardDirectoryBelowAPlainFileDoesNotExist) {
+  const Payload payload;
+  payload.Write("Zed-43", SmallConfig);
+  EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x"));
+}
+
+TEST(Configuration, ADanglingLinkInPlaceOfTheBoardDirectoryDoesNotExist) {
+  const Payload payload;
+  fs::create_symlink("nowhere", payload.PersonalitiesDirectory() + "Zed-43");
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoFiles("Zed-43"));
+}
+
+TEST(Configuration, ADanglingLinkInPlaceOfTheFileDoesNotExist) {
+  const Payload payload;
+  fs::create_symlink("nowhere", payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+}
+
+TEST(Configuration, ALinkToItselfDoesNotExist) {
+  const Payload payload;
+  fs::create_symlink("Config.plist", payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+}
+
+TEST(Configuration, IsReadThroughLinks) {
+  const Payload payload;
+  payload.Write("shared/Real.plist", SmallConfig);
+  fs::create_symlink("../shared/Real.plist", payload.ConfigPath());
+  fs::create_symlink("Zed-42", payload.PersonalitiesDirectory() + "Zed-43");
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
+}
+
+TEST(Configuration, ADirectoryInItsPlaceIsNotRead) {
+  const Payload payload;
+  fs::create_directory(payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NotRead("Is a directory", 0));
+}
+
+TEST(Configuration, AFifoInItsPlaceIsNotWaitedFor) {
+  const Payload payload;
+  ASSERT_EQ(mkfifo(payload.ConfigPath().c_str(), 0600), 0);
+  EXPECT_EQ(payload.LoadConfig(), NotRead("not a regular file", 0));
+}
+
+TEST(Configuration, ADeviceInItsPlaceIsNotRead) {
+  const Payload payload;
+  fs::create_symlink("/dev/zero", payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NotRead("not a regular file", 0));
+}
+
+TEST(Configuration, AFileThatMayNotBeReadIsTold) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  payload.LetAnyoneIn();
+  fs::permissions(payload.ConfigPath(), fs::perms::none);
+  const testing::Unprivileged unprivileged;
+  EXPECT_EQ(payload.LoadConfig(), NotRead("Permission denied", 0));
+}
+
+TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHoldsNone) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  payload.LetAnyoneIn();
+  fs::permissions(payload.BoardDirectoryPath(), fs::perms::none);
+  {
+    const testing::Unprivileged unprivileged;
+    EXPECT_EQ(payload.LoadConfig(), NoConfig());
+  }
+  fs::permissions(payload.BoardDirectoryPath(), fs::perms::owner_all);
+}
+
+TEST(Configuration, AFileThatFailsWhileItIsReadIsTold) {
+  const Payload payload;
+  fs::create_symlink("/proc/self/mem", payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NotRead("Input/output error", 0));
+}
+
+TEST(Configuration, AnEmptyFileHasNoSerialisation) {
+  EXPECT_EQ(LoadBytes(""), NotRead("the file is empty", 0));
+}
+
+TEST(Configuration, AFileOfMoreThanOneGibibyteIsRefused) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  fs::resize_file(payload.ConfigPath(), (std::uintmax_t{1} << 30) + 1);
+  EXPECT_EQ(payload.LoadConfig(), NotRead("the file is larger than 1 GiB", 0));
+}
+
+TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
+  constexpr std::size_t count = 100000;
+  const Array personalities(count, Dictionary{{"Version", 5}});
+  EXPECT_EQ(LoadBytes("<dict><key>USBC</key><array>" +
+                      Repeated("<dict><key>Version</key><integer>5</integer></dict>", count) +
+                      "</array></dict>"),
+            (Loading{Dictionary{{"USBC", personalities}}, ""}));
+}
+
+TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
+  EXPECT_EQ(LoadBytes("This is no list.\n"),
+            NotRead("line 1, column 1: one unquoted string is not a property list", 1));
+}
+
+TEST(Configuration, OfBrokenXmlIsToldWithTheCodeOfXml) {
+  EXPECT_EQ(LoadBytes("<plist>\n<dict>\n"),
+            NotRead("line 3, column 1: the document ends too early", 100));
+}
+
+TEST(Configuration, OfBrokenBinaryIsToldWithTheCodeOfBinary) {
+  EXPECT_EQ(LoadBytes("bplist00"), NotRead("byte 8: the file is cut short", 200));
+}
+
+TEST(Configuration, NestedTooDeeplyIsTold) {
+  EXPECT_EQ(
+      LoadBytes(Repeated("<array>", 600) + Repeated("</array>", 600)),
+      NotRead("line 1, column 3585: more than 512 arrays and dictionaries are nested in each other",
+              100));
+}
+
+TEST(Configuration, NestedAsDeeplyAsMayBeIsLoaded) {
+  EXPECT_EQ(LoadBytes(Repeated("<array>", 512) + Repeated("</array>", 512)),
+            (Loading{testing::NestedArrays(511, Array{}), ""}));
+}
+
+// What is left of a file of which only the beginning arrived is told with the reader's own words.
+TEST(Configuration, CutShortAnywhereIsTold) {
+  const std::string_view whole = SmallConfig;
+  const std::size_t end = whole.find("</plist>") + 8;
+  for (std::size_t size = 1; size < end; ++size) {
+    const auto bytes = testing::Truncated(whole, size);
+    const auto reading = ReadPropertyList(bytes);
+    EXPECT_EQ(LoadBytes(bytes), NotRead(reading.error, static_cast<int>(reading.serialisation)))
+        << size;
+  }
+  EXPECT_EQ(LoadBytes(whole.substr(0, end)), (Loading{SmallValue, ""}));
+}
+
+TEST(Configuration, IsReadAnewEachTime) {
+  const Payload payload;
+  payload.Write("Zed-42/Config.plist", SmallConfig);
+  EXPECT_EQ(payload.LoadConfig(), (Loading{SmallValue, ""}));
+  payload.Write("Zed-42/Config.plist", "<array/>");
+  EXPECT_EQ(payload.LoadConfig(), (Loading{Array{}, ""}));
+  fs::remove(payload.ConfigPath());
+  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+}
+
+}  // namespace
+}  // namespace fernwick

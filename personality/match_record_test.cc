@@ -1,0 +1,291 @@
+#include "personality/match_record.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "testing/dictionaries.h"
+#include "testing/odd_values.h"
+
+namespace fernwick {
+namespace {
+
+using testing::NonNumbers;
+using testing::With;
+using testing::Without;
+
+constexpr std::string_view AllTypes[] = {
+    PersonalityType::LegacyThunderbolt,
+    PersonalityType::Thunderbolt,
+    PersonalityType::LegacyUsbc,
+    PersonalityType::Usbc,
+};
+
+// A controller with a value under every key that a record may take from it.
+const HardwareRecord Controller = {
+    {"RID", 2},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Port OTP Revision", 1},
+    {"Port Address", 0},
+    {"Version", 41.050000000999994},
+    {"Port UUID", "b0A1"},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"Device Model Name", "Grat"},
+    {"Device Model ID", 30},
+    {"Device Model Revision", 1},
+    {"Firmware Mode", true},
+    {"Ridge UID", 0x5A3},
+    {"Engineering Version", 0},
+};
+
+TEST(MatchRecord, OfAnEmptyPersonalityHoldsRidVersionAddressAndType) {
+  EXPECT_EQ(BuildMatchRecord({}, Controller, "USBC"), (MatchRecord{
+                                                          {"RID", 2},
+                                                          {"Version", 41.050000000999994},
+                                                          {"Port Address", 0},
+                                                          {"Personality Type", "USBC"},
+                                                      }));
+}
+
+TEST(MatchRecord, OfAnEmptyThunderboltPersonalityHoldsTheFirmwareModeToo) {
+  EXPECT_EQ(BuildMatchRecord({}, Controller, "Thunderbolt"),
+            (MatchRecord{
+                {"RID", 2},
+                {"Version", 41.050000000999994},
+                {"Port Address", 0},
+                {"Personality Type", "Thunderbolt"},
+                {"Firmware Mode", true},
+            }));
+}
+
+TEST(MatchRecord, OfNothingAtAllHoldsTheTypeAlone) {
+  for (const auto type : AllTypes) {
+    EXPECT_EQ(BuildMatchRecord({}, {}, type), (MatchRecord{{"Personality Type", type}}));
+  }
+}
+
+// Every key that a personality can name, in an order of its own.
+const Personality FullPersonality = {
+    {"Firmware", "Grat.bin"},
+    {"Ridge UID", Array{0x5A2, 0x5A3}},
+    {"Ridge Silicon Revision", Array{4}},
+    {"Ridge Silicon Device ID", 467.0},
+    {"Ridge Silicon Vendor ID", Array{0x5A86, "x"}},
+    {"Port UUID", Array{"b0A1", "c2"}},
+    {"Port OTP Revision", true},
+    {"Port Silicon Revision", Array{7, 8}},
+    {"Port Silicon Device ID", Array{17, 18}},
+    {"Port Silicon Vendor ID", Array{0x4D1}},
+    {"Firmware Mode", Array{0, 1}},
+    {"Device Model Revision", Array{1, 2}},
+    {"Device Model ID", Array{30}},
+    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"MaxBoardRevision", 9},
+    {"MinBoardRevision", 0},
+    {"Personality Type", "from the file"},
+    {"Port Address", Array{0, 1}},
+    {"RID", Array{1, 2}},
+    {"Existing Max Version", 41.06},
+    {"Existing Min Version", 41},
+    {"Version", 42.5},
+    {"Priority", 7},
+    {"SetNVRAM", Dictionary{{"a", 1}}},
+    {"ClearNVRAM", Array{"b", 2}},
+    {"Note", Dictionary{{"kept", Array{}}}},
+};
+
+// The same, overlaid; "Firmware Mode" is the file's.
+const MatchRecord FullRecord = {
+    {"Firmware", "Grat.bin"},
+    {"Ridge UID", 0x5A3},
+    {"Ridge Silicon Revision", 4},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Port UUID", "b0A1"},
+    {"Port OTP Revision", 1},
+    {"Port Silicon Revision", 7},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Firmware Mode", Array{0, 1}},
+    {"Device Model Revision", Array{1, 2}},
+    {"Device Model ID", Array{30}},
+    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"MaxBoardRevision", 9},
+    {"MinBoardRevision", 0},
+    {"Personality Type", "USBC"},
+    {"Port Address", 0},
+    {"RID", 2},
+    {"Existing Max Version", 41.06},
+    {"Existing Min Version", 41},
+    {"Version", 42.5},
+    {"Priority", 7},
+    {"SetNVRAM", Dictionary{{"a", 1}}},
+    {"ClearNVRAM", Array{"b", 2}},
+    {"Note", Dictionary{{"kept", Array{}}}},
+};
+
+TEST(MatchRecord, AReplacedKeyKeepsItsPlaceAndAllOthersTheirValue) {
+  for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
+    EXPECT_EQ(BuildMatchRecord(FullPersonality, Controller, type),
+              With(FullRecord, {{"Personality Type", type}}));
+  }
+}
+
+TEST(MatchRecord, OnlyThunderboltTakesTheFirmwareModeOfTheController) {
+  EXPECT_EQ(BuildMatchRecord(FullPersonality, Controller, "Thunderbolt"),
+            With(FullRecord, {{"Personality Type", "Thunderbolt"}, {"Firmware Mode", true}}));
+}
+
+TEST(MatchRecord, AControllerWithoutAnythingLeavesOnlyWhatTheFileMaySay) {
+  const MatchRecord left = {
+      {"Firmware", "Grat.bin"},
+      {"Firmware Mode", Array{0, 1}},
+      {"Device Model Revision", Array{1, 2}},
+      {"Device Model ID", Array{30}},
+      {"Device Model Name", Array{"Grat", "Fjell"}},
+      {"MaxBoardRevision", 9},
+      {"MinBoardRevision", 0},
+      {"Personality Type", "Thunderbolt"},
+      {"Port Address", Array{0, 1}},
+      {"Existing Max Version", 41.06},
+      {"Existing Min Version", 41},
+      {"Version", 42.5},
+      {"Priority", 7},
+      {"SetNVRAM", Dictionary{{"a", 1}}},
+      {"ClearNVRAM", Array{"b", 2}},
+      {"Note", Dictionary{{"kept", Array{}}}},
+  };
+  EXPECT_EQ(BuildMatchRecord(FullPersonality, {}, "Thunderbolt"), left);
+}
+
+TEST(MatchRecord, AVersionThatIsANumberIsKept) {
+  for (const PropertyValue& version : Array{42, 42.0, -1, true, 0xFFFFFFFFFFFFFFFF}) {
+    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {{"Version", 41}}, "USBC"),
+              (MatchRecord{{"Version", version}, {"Personality Type", "USBC"}}));
+    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {}, "USBC"),
+              (MatchRecord{{"Version", version}, {"Personality Type", "USBC"}}));
+  }
+}
+
+TEST(MatchRecord, AVersionThatIsNanIsKept) {
+  const auto record = BuildMatchRecord({{"Version", std::numeric_limits<double>::quiet_NaN()}},
+                                       {{"Version", 41}}, "USBC");
+  const auto* version = record.Find("Version")->AsReal();
+  ASSERT_NE(version, nullptr);
+  EXPECT_NE(*version, *version);
+}
+
+TEST(MatchRecord, AVersionThatIsNoNumberGivesWayToTheControllers) {
+  for (const auto& [name, version] : NonNumbers()) {
+    EXPECT_EQ(BuildMatchRecord({{"Version", version}, {"Note", 1}}, {{"Version", 41}}, "USBC"),
+              (MatchRecord{{"Version", 41}, {"Note", 1}, {"Personality Type", "USBC"}}))
+        << name;
+  }
+}
+
+TEST(MatchRecord, AVersionThatIsNoNumberGoesWhenTheControllerHasNone) {
+  for (const auto& [name, version] : NonNumbers()) {
+    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {}, "USBC"),
+              (MatchRecord{{"Personality Type", "USBC"}}))
+        << name;
+  }
+}
+
+TEST(MatchRecord, AnAbsentVersionIsTheControllers) {
+  EXPECT_EQ(BuildMatchRecord({{"Note", 1}}, {{"Version", 41}}, "USBC"),
+            (MatchRecord{{"Note", 1}, {"Version", 41}, {"Personality Type", "USBC"}}));
+}
+
+TEST(MatchRecord, WithARidTheAddressIsTheControllers) {
+  const HardwareRecord controller = {{"RID", 2}, {"Port Address", 3}};
+  EXPECT_EQ(BuildMatchRecord({}, controller, "USBC"),
+            (MatchRecord{{"RID", 2}, {"Port Address", 3}, {"Personality Type", "USBC"}}));
+  EXPECT_EQ(BuildMatchRecord({{"Port Address", 9}}, controller, "USBC"),
+            (MatchRecord{{"Port Address", 3}, {"RID", 2}, {"Personality Type", "USBC"}}));
+}
+
+TEST(MatchRecord, WithARidAndNoAddressOfTheControllerTheFilesAddressGoes) {
+  EXPECT_EQ(BuildMatchRecord({{"Port Address", 9}}, {{"RID", 2}}, "USBC"),
+            (MatchRecord{{"RID", 2}, {"Personality Type", "USBC"}}));
+}
+
+TEST(MatchRecord, WithoutARidTheAddressIsTheFiles) {
+  const HardwareRecord controller = {{"Port Address", 3}};
+  EXPECT_EQ(BuildMatchRecord({{"Port Address", Array{9}}}, controller, "USBC"),
+            (MatchRecord{{"Port Address", Array{9}}, {"Personality Type", "USBC"}}));
+  EXPECT_EQ(BuildMatchRecord({}, controller, "USBC"), (MatchRecord{{"Personality Type", "USBC"}}));
+}
+
+TEST(MatchRecord, ARidOfTheFileIsNeverSeenAndAllowsNoAddress) {
+  EXPECT_EQ(BuildMatchRecord({{"RID", Array{1, 2}}}, {{"Port Address", 3}}, "USBC"),
+            (MatchRecord{{"Personality Type", "USBC"}}));
+}
+
+constexpr std::string_view ConstrainedKeys[] = {
+    "Port Silicon Vendor ID",
+    "Port Silicon Device ID",
+    "Port Silicon Revision",
+    "Port OTP Revision",
+    "Port UUID",
+    "Ridge Silicon Vendor ID",
+    "Ridge Silicon Device ID",
+    "Ridge Silicon Revision",
+    "Ridge UID",
+};
+
+TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
+  for (const auto key : ConstrainedKeys) {
+    EXPECT_EQ(BuildMatchRecord({{key, "x"}, {"Note", 1}}, Without(Controller, "RID"), "USBC"),
+              (MatchRecord{{key, *Controller.Find(key)},
+                           {"Note", 1},
+                           {"Version", 41.050000000999994},
+                           {"Personality Type", "USBC"}}));
+  }
+}
+
+TEST(MatchRecord, AKeyThatTheControllerLacksIsRemoved) {
+  for (const auto key : ConstrainedKeys) {
+    EXPECT_EQ(BuildMatchRecord({{key, Array{1, 2}}, {"Note", 1}}, {}, "USBC"),
+              (MatchRecord{{"Note", 1}, {"Personality Type", "USBC"}}))
+        << key;
+  }
+}
+
+TEST(MatchRecord, TheTypeReplacesTheFilesWhateverItsKind) {
+  for (const PropertyValue& type : Array{"USBC", 5, Array{}, Dictionary{}}) {
+    EXPECT_EQ(BuildMatchRecord({{"Personality Type", type}, {"Note", 1}}, {}, "LegacyUSBC"),
+              (MatchRecord{{"Personality Type", "LegacyUSBC"}, {"Note", 1}}));
+  }
+}
+
+TEST(MatchRecord, AFirmwareModeOfFalseIsAddedForThunderboltOnly) {
+  const HardwareRecord controller = {{"Firmware Mode", false}};
+  EXPECT_EQ(BuildMatchRecord({}, controller, "Thunderbolt"),
+            (MatchRecord{{"Personality Type", "Thunderbolt"}, {"Firmware Mode", false}}));
+  for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
+    EXPECT_EQ(BuildMatchRecord({}, controller, type), (MatchRecord{{"Personality Type", type}}));
+  }
+}
+
+TEST(MatchRecord, AFirmwareModeOfTheFileStaysWhenTheControllerHasNone) {
+  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", Array{0, 1}}}, {}, "Thunderbolt"),
+            (MatchRecord{{"Firmware Mode", Array{0, 1}}, {"Personality Type", "Thunderbolt"}}));
+}
+
+TEST(MatchRecord, AFirmwareModeOfTheFileStaysUnderTheOtherTypes) {
+  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", 1}}, {{"Firmware Mode", false}}, "USBC"),
+            (MatchRecord{{"Firmware Mode", 1}, {"Personality Type", "USBC"}}));
+}
+
+TEST(MatchRecord, LeavesThePersonalityAsItWas) {
+  const Personality personality = FullPersonality;
+  BuildMatchRecord(personality, Controller, "Thunderbolt");
+  EXPECT_EQ(personality, FullPersonality);
+}
+
+}  // namespace
+}  // namespace fernwick

@@ -1,0 +1,761 @@
+#include "personality/matcher.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "testing/capture.h"
+#include "testing/computer.h"
+#include "testing/dictionaries.h"
+#include "testing/logging_registry.h"
+#include "testing/odd_values.h"
+#include "testing/temporary_directory.h"
+#include "testing/version_check_bypass.h"
+#include "value/property_list_writer.h"
+
+namespace fernwick {
+namespace {
+
+using testing::Computer;
+using testing::LoggingRegistry;
+using testing::NonNumbers;
+using testing::TemporaryDirectory;
+using testing::VersionCheckBypass;
+using testing::With;
+using testing::Without;
+
+using Calls = std::vector<std::string>;
+using Records = std::vector<MatchRecord>;
+
+constexpr char PortInventory[] = "MatchServicesByClass QuinceHPMDevice";
+constexpr char ThunderboltInventory[] = "MatchServicesByClass IOThunderboltSwitch";
+
+// What the matcher gave, and all that it and the checks wrote to standard error.
+struct Matching {
+  std::optional<Records> matches;
+  std::string standardError;
+
+  friend bool operator==(const Matching&, const Matching&) = default;
+};
+
+void PrintTo(const Matching& matching, std::ostream* out) {
+  *out << ::testing::PrintToString(matching.matches) << ", standard error "
+       << ::testing::PrintToString(matching.standardError);
+}
+
+Matching Matched(Records records, std::string standardError = {}) {
+  return {std::move(records), std::move(standardError)};
+}
+
+Matching Nothing(std::string standardError = {}) {
+  return {std::nullopt, std::move(standardError)};
+}
+
+constexpr unsigned BoardRevision = 3;
+
+// Matches over a payload whose configuration for the host's board has this content.
+Matching MatchText(Registry& registry, std::string_view configuration,
+                   unsigned boardRevision = BoardRevision) {
+  const TemporaryDirectory payload;
+  payload.Write("Fernwick/Zed-42/Config.plist", configuration);
+  testing::StandardErrorCapture standardError;
+  auto matches =
+      MatchPersonalities(registry, "Zed-42", boardRevision, payload.Path() + "/Fernwick/");
+  return {std::move(matches), standardError.TakeText()};
+}
+
+Matching Match(Registry& registry, const PropertyValue& configuration,
+               unsigned boardRevision = BoardRevision) {
+  return MatchText(registry, WriteXmlPropertyList(configuration), boardRevision);
+}
+
+Matching Match(const Computer& computer, const PropertyValue& configuration,
+               unsigned boardRevision = BoardRevision) {
+  LoggingRegistry registry(computer.Recorded());
+  return Match(registry, configuration, boardRevision);
+}
+
+Calls InventoriesOf(const Computer& computer, const PropertyValue& configuration) {
+  LoggingRegistry registry(computer.Recorded());
+  Match(registry, configuration);
+  return registry.CallsOf("MatchServicesByClass");
+}
+
+// Properties of a port controller whose record begins as PortRecord says.
+Dictionary PortProperties(int address, std::string_view uuid) {
+  return {{"RID", 2},      {"Vendor ID", 0x4D1}, {"Device ID", 18},  {"Revision ID", 7},
+          {"Revision", 1}, {"Address", address}, {"Version", 0x171}, {"UUID", uuid}};
+}
+
+// Properties of a Thunderbolt controller of the computer itself, with version 41.05.
+const Dictionary ThunderboltProperties = {
+    {"Depth", 0},
+    {"Route String", 0},
+    {"Vendor ID", 0x5A86},
+    {"Device ID", 0x1D3},
+    {"Revision ID", 4},
+    {"UID", 0x5A3},
+    {"ROM Version", 0x41},
+    {"EEPROM Revision", 5},
+    {"Firmware Mode", false},
+    {"Device Model ID", 30},
+};
+
+Computer OnePort() {
+  Computer computer;
+  computer.AddPort("Port0", PortProperties(0, "b0A1"));
+  return computer;
+}
+
+Computer ThreePorts() {
+  Computer computer;
+  computer.AddPort("Port0", PortProperties(0, "a0"));
+  computer.AddPort("Port1", PortProperties(1, "a1"));
+  computer.AddPort("Port2", PortProperties(2, "a2"));
+  return computer;
+}
+
+Computer OneThunderbolt() {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", ThunderboltProperties);
+  return computer;
+}
+
+// A port below a Thunderbolt controller.
+Computer PortBelowThunderbolt() {
+  Computer computer;
+  const auto ridge = computer.AddThunderbolt("Ridge0", ThunderboltProperties);
+  computer.AddService(ridge, "Port0", "QuinceHPMDevice", PortProperties(0, "b0A1"));
+  return computer;
+}
+
+// Personalities that fit those computers.
+const Personality PortUpdate = {
+    {"Version", 172},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", Array{17, 18}},
+    {"Port Silicon Revision", 7},
+    {"Firmware", "Port.bin"},
+};
+
+const Personality RidgeUpdate = {
+    {"Version", 42},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", Array{0x1D2, 0x1D3}},
+    {"Ridge Silicon Revision", 4},
+    {"Firmware", "Ridge.bin"},
+};
+
+const Personality CombinedUpdate = With(PortUpdate, RidgeUpdate);
+
+// The records of those updates, without an address.
+MatchRecord PortRecord(int address, std::string_view type) {
+  return {{"Version", 172},
+          {"Port Silicon Vendor ID", 0x4D1},
+          {"Port Silicon Device ID", 18},
+          {"Port Silicon Revision", 7},
+          {"Firmware", "Port.bin"},
+          {"RID", 2},
+          {"Port Address", address},
+          {"Personality Type", type}};
+}
+
+const MatchRecord RidgeRecord = {
+    {"Version", 42},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"Firmware", "Ridge.bin"},
+    {"RID", 3},
+    {"Personality Type", "LegacyThunderbolt"},
+};
+
+const MatchRecord CombinedRecord = {
+    {"Version", 42},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Firmware", "Ridge.bin"},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"RID", 2},
+    {"Port Address", 0},
+    {"Personality Type", "Thunderbolt"},
+    {"Firmware Mode", false},
+};
+
+TEST(Matcher, AUsbcPersonalityMatchesAPort) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{PortUpdate}}}),
+            Matched({PortRecord(0, "USBC")}));
+}
+
+TEST(Matcher, ALegacyUsbcPersonalityMatchesAPort) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"LegacyUSBC", PortUpdate}}),
+            Matched({PortRecord(0, "LegacyUSBC")}));
+}
+
+TEST(Matcher, ALegacyThunderboltPersonalityMatchesAThunderboltController) {
+  EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{RidgeUpdate}}}),
+            Matched({RidgeRecord}));
+}
+
+TEST(Matcher, AThunderboltPersonalityMatchesAPortBelowAThunderboltController) {
+  EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{"Thunderbolt", Array{CombinedUpdate}}}),
+            Matched({CombinedRecord}));
+}
+
+TEST(Matcher, AThunderboltPersonalityDoesNotMatchAPortElsewhere) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"Thunderbolt", Array{CombinedUpdate}}}), Nothing());
+}
+
+TEST(Matcher, AThunderboltPersonalityIsNotTriedOnAThunderboltController) {
+  EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"Thunderbolt", Array{CombinedUpdate}}}), Nothing());
+}
+
+TEST(Matcher, ReadsAConfigurationAsItStandsInAFile) {
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchText(registry, R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0">
+<dict>
+	<key>USBC</key>
+	<array>
+		<dict>
+			<key>Version</key>
+			<real>171.5</real>
+			<key>Port UUID</key>
+			<array>
+				<string>b0A1</string>
+			</array>
+			<key>Port Silicon Vendor ID</key>
+			<integer>0x4D1</integer>
+			<key>Port Silicon Device ID</key>
+			<integer>18</integer>
+			<key>Port Silicon Revision</key>
+			<integer>7</integer>
+			<key>Port OTP Revision</key>
+			<true/>
+			<key>Issued</key>
+			<date>2026-11-20T00:00:00Z</date>
+		</dict>
+	</array>
+</dict>
+</plist>
+)"),
+            Matched({{
+                {"Version", 171.5},
+                {"Port UUID", "b0A1"},
+                {"Port Silicon Vendor ID", 0x4D1},
+                {"Port Silicon Device ID", 18},
+                {"Port Silicon Revision", 7},
+                {"Port OTP Revision", 1},
+                {"Issued", testing::DateOf("2026-11-20T00:00:00Z")},
+                {"RID", 2},
+                {"Port Address", 0},
+                {"Personality Type", "USBC"},
+            }}));
+}
+
+TEST(Matcher, KeysThatNameNoTypeYieldNothingSilently) {
+  const Dictionary configuration = {{"Note", "x"}, {"Version", 5}, {"Other", Array{PortUpdate}}};
+  EXPECT_EQ(Match(OnePort(), configuration), Nothing());
+  EXPECT_EQ(InventoriesOf(OnePort(), configuration),
+            (Calls{PortInventory, PortInventory, PortInventory}));
+}
+
+TEST(Matcher, OfTwoPersonalitiesThatFitAPortOnlyTheFirstIsUsed) {
+  const auto second = With(PortUpdate, {{"Firmware", "Second.bin"}});
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{PortUpdate, second}}}),
+            Matched({PortRecord(0, "USBC")}));
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{second, PortUpdate}}}),
+            Matched({With(PortRecord(0, "USBC"), {{"Firmware", "Second.bin"}})}));
+}
+
+TEST(Matcher, OfTwoPersonalitiesThatFitAThunderboltControllerOnlyTheFirstIsUsed) {
+  const auto second = With(RidgeUpdate, {{"Firmware", "Second.bin"}});
+  EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{RidgeUpdate, second}}}),
+            Matched({RidgeRecord}));
+}
+
+TEST(Matcher, OfTwoPersonalitiesThatFitAPortBelowThunderboltOnlyTheFirstIsUsed) {
+  const auto second = With(CombinedUpdate, {{"Firmware", "Second.bin"}});
+  EXPECT_EQ(
+      Match(PortBelowThunderbolt(), Dictionary{{"Thunderbolt", Array{CombinedUpdate, second}}}),
+      Matched({CombinedRecord}));
+}
+
+TEST(Matcher, OnePersonalityMatchesEachPortThatItFits) {
+  const auto update =
+      With(PortUpdate, {{"Port Address", Array{0, 2}}, {"Port UUID", Array{"a0", "a2"}}});
+  const auto record = [](int address, const char* uuid) {
+    return MatchRecord{{"Version", 172},
+                       {"Port Silicon Vendor ID", 0x4D1},
+                       {"Port Silicon Device ID", 18},
+                       {"Port Silicon Revision", 7},
+                       {"Firmware", "Port.bin"},
+                       {"Port Address", address},
+                       {"Port UUID", uuid},
+                       {"RID", 2},
+                       {"Personality Type", "USBC"}};
+  };
+  EXPECT_EQ(Match(ThreePorts(), Dictionary{{"USBC", Array{update}}}),
+            Matched({record(0, "a0"), record(2, "a2")}));
+}
+
+TEST(Matcher, EachPortTakesTheFirstPersonalityThatFitsIt) {
+  const auto forPort1 = With(PortUpdate, {{"Firmware", "One.bin"}, {"Port Address", 1}});
+  EXPECT_EQ(Match(ThreePorts(), Dictionary{{"USBC", Array{forPort1, PortUpdate}}}),
+            Matched({PortRecord(0, "USBC"),
+                     {{"Version", 172},
+                      {"Port Silicon Vendor ID", 0x4D1},
+                      {"Port Silicon Device ID", 18},
+                      {"Port Silicon Revision", 7},
+                      {"Firmware", "One.bin"},
+                      {"Port Address", 1},
+                      {"RID", 2},
+                      {"Personality Type", "USBC"}},
+                     PortRecord(2, "USBC")}));
+}
+
+TEST(Matcher, ALegacyUsbcPersonalityMatchesEveryPortThatItFits) {
+  EXPECT_EQ(Match(ThreePorts(), Dictionary{{"LegacyUSBC", PortUpdate}}),
+            Matched({PortRecord(0, "LegacyUSBC"), PortRecord(1, "LegacyUSBC"),
+                     PortRecord(2, "LegacyUSBC")}));
+}
+
+TEST(Matcher, APortWithoutARidLeavesTheAddressToTheFile) {
+  Computer computer;
+  computer.AddPort("Port0", {{"Address", 2}, {"Version", 0x171}});
+  EXPECT_EQ(Match(computer, Dictionary{{"LegacyUSBC", Dictionary{{"Version", 172}}}}),
+            Matched({{{"Version", 172}, {"Personality Type", "LegacyUSBC"}}}));
+  EXPECT_EQ(
+      Match(computer, Dictionary{{"LegacyUSBC",
+                                  Dictionary{{"Version", 172}, {"Port Address", Array{1, 2}}}}}),
+      Matched(
+          {{{"Version", 172}, {"Port Address", Array{1, 2}}, {"Personality Type", "LegacyUSBC"}}}));
+}
+
+TEST(Matcher, AThunderboltControllerHasARidButNoAddressSoTheFilesAddressGoes) {
+  EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt",
+                                                Array{With(RidgeUpdate, {{"Port Address", 5}})}}}),
+            Matched({RidgeRecord}));
+}
+
+TEST(Matcher, BypassedAPersonalityWithoutVersionReportsTheInstalledOne) {
+  const VersionCheckBypass bypass;
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"LegacyUSBC", Dictionary{}}}),
+            Matched({{{"RID", 2},
+                      {"Version", 171},
+                      {"Port Address", 0},
+                      {"Personality Type", "LegacyUSBC"}}}));
+}
+
+TEST(Matcher, BypassedAVersionThatIsNoNumberGivesWayToTheInstalledOne) {
+  const VersionCheckBypass bypass;
+  for (const auto& [name, version] : NonNumbers()) {
+    EXPECT_EQ(Match(OnePort(), Dictionary{{"LegacyUSBC", Dictionary{{"Version", version}}}}),
+              Matched({{{"Version", 171},
+                        {"RID", 2},
+                        {"Port Address", 0},
+                        {"Personality Type", "LegacyUSBC"}}}))
+        << name;
+  }
+}
+
+TEST(Matcher, BypassedAPortWithoutAVersionIsToldForEachPair) {
+  const VersionCheckBypass bypass;
+  Computer computer;
+  computer.AddPort("Port0", {{"Address", 0}});
+  computer.AddPort("Port1", {{"Address", 1}});
+  EXPECT_EQ(Match(computer, Dictionary{{"LegacyUSBC", Dictionary{{"Port Address", 1}}}}),
+            Matched({{{"Port Address", 1}, {"Personality Type", "LegacyUSBC"}}},
+                    "** No current firmware version?\n"
+                    "** No current firmware version?\n"));
+}
+
+TEST(Matcher, BypassedAPortBelowThunderboltWithoutAVersionIsToldTwice) {
+  const VersionCheckBypass bypass;
+  Computer computer;
+  const auto ridge =
+      computer.AddThunderbolt("Ridge0", Without(ThunderboltProperties, "ROM Version"));
+  computer.AddService(ridge, "Port0", "QuinceHPMDevice",
+                      Without(PortProperties(0, "b0A1"), "Version"));
+  EXPECT_EQ(Match(computer, Dictionary{{"Thunderbolt", Array{CombinedUpdate}}}),
+            Matched({CombinedRecord},
+                    "** No current firmware version?\n"
+                    "** No current firmware version?\n"));
+}
+
+TEST(Matcher, APersonalitysUuidIsRemovedWhenThePortHasNone) {
+  Computer computer;
+  computer.AddPort("Port0", Without(PortProperties(0, ""), "UUID"));
+  EXPECT_EQ(
+      Match(computer, Dictionary{{"LegacyUSBC", With(PortUpdate, {{"Port UUID", Array{"b0A1"}}})}}),
+      Matched({PortRecord(0, "LegacyUSBC")}));
+}
+
+TEST(Matcher, AFirmwareModeOfFalseIsAddedUnderThunderboltAndNotUnderUsbc) {
+  EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{"Thunderbolt", Array{CombinedUpdate}},
+                                                     {"USBC", Array{CombinedUpdate}}}),
+            Matched({CombinedRecord, With(Without(CombinedRecord, "Firmware Mode"),
+                                          {{"Personality Type", "USBC"}})}));
+}
+
+TEST(Matcher, DeviceModelKeysStayAsTheFileHasThem) {
+  const Dictionary model = {{"Device Model ID", Array{30, 31}}, {"Firmware Mode", Array{0, 1}}};
+  const auto update = With(model, CombinedUpdate);
+  EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{"Thunderbolt", Array{update}}}),
+            Matched({With(With(model, {{"Firmware Mode", false}}), CombinedRecord)}));
+}
+
+TEST(Matcher, ATopLevelThatIsNoDictionaryIsToldAndNothingIsAskedOfTheRegistry) {
+  for (const PropertyValue& top :
+       Array{Array{PortUpdate}, Array{}, "USBC", 5, 5.5, true, testing::Bytes("x"), Date{5}}) {
+    LoggingRegistry registry(OnePort().Recorded());
+    EXPECT_EQ(Match(registry, top),
+              Nothing("fernwick: Unexpected format for config plist file.  Aborting\n"));
+    EXPECT_EQ(registry.Calls(), Calls{});
+  }
+}
+
+TEST(Matcher, AConfigurationThatDoesNotParseIsToldTwice) {
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchText(registry, "bplist00"),
+            Nothing("fernwick: Error reading plist: byte 8: the file is cut short, format: 200\n"
+                    "fernwick: Unexpected format for config plist file.  Aborting\n"));
+  EXPECT_EQ(registry.Calls(), Calls{});
+}
+
+Matching MatchWithoutConfiguration(Registry& registry, const std::optional<std::string>& boardId,
+                                   const std::optional<std::string>& directory) {
+  testing::StandardErrorCapture standardError;
+  auto matches = MatchPersonalities(registry, boardId, BoardRevision, directory);
+  return {std::move(matches), standardError.TakeText()};
+}
+
+TEST(Matcher, WithoutAPayloadTwoLinesAreLoggedAndNothingIsAskedOfTheRegistry) {
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchWithoutConfiguration(registry, "Zed-42", std::nullopt),
+            Nothing("fernwick: Error reading plist: No files to support boardID: Zed-42\n"
+                    "fernwick: Unexpected format for config plist file.  Aborting\n"));
+  EXPECT_EQ(registry.Calls(), Calls{});
+}
+
+TEST(Matcher, WithoutABoardIdentifierTwoLinesAreLogged) {
+  const TemporaryDirectory payload;
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchWithoutConfiguration(registry, std::nullopt, payload.Path() + "/"),
+            Nothing("fernwick: Error reading plist: No files to support boardID: (null)\n"
+                    "fernwick: Unexpected format for config plist file.  Aborting\n"));
+}
+
+TEST(Matcher, WithoutAConfigurationFileTwoLinesAreLogged) {
+  const TemporaryDirectory payload;
+  payload.Write("Zed-42/Grat.bin", "");
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchWithoutConfiguration(registry, "Zed-42", payload.Path() + "/"),
+            Nothing("fernwick: Error reading plist: No config file for this project\n"
+                    "fernwick: Unexpected format for config plist file.  Aborting\n"));
+}
+
+TEST(Matcher, AnEmptyConfigurationYieldsNothingAndAsksNothing) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{}), Nothing());
+  EXPECT_EQ(InventoriesOf(OnePort(), Dictionary{}), Calls{});
+}
+
+// The four types and keys between them, none of which matches anything.
+const Dictionary EmptyTypes = {
+    {"Other", Array{}},
+    {"USBC", Array{}},
+    {"LegacyThunderbolt", Array{}},
+    {"Thunderbolt", Array{}},
+    {"LegacyUSBC", Dictionary{}},
+    {"Another", 5},
+};
+
+TEST(Matcher, TakesAnInventoryOfItsOwnForEachKeyInFileOrder) {
+  EXPECT_EQ(InventoriesOf(PortBelowThunderbolt(), EmptyTypes),
+            (Calls{PortInventory, PortInventory, ThunderboltInventory, PortInventory, PortInventory,
+                   PortInventory}));
+}
+
+TEST(Matcher, OverAnEmptyComputerAsksForNothingButTheInventories) {
+  LoggingRegistry registry(Computer().Recorded());
+  EXPECT_EQ(Match(registry, Dictionary{{"USBC", Array{PortUpdate}},
+                                       {"LegacyThunderbolt", Array{RidgeUpdate}}}),
+            Nothing());
+  EXPECT_EQ(registry.Calls(),
+            (Calls{PortInventory, "ResetIterator iterator 1", "NextEntry iterator 1",
+                   "ReleaseEntry iterator 1", ThunderboltInventory, "ResetIterator iterator 2",
+                   "NextEntry iterator 2", "ReleaseEntry iterator 2"}));
+}
+
+TEST(Matcher, AValueOfTheWrongShapeStillTakesItsInventory) {
+  EXPECT_EQ(InventoriesOf(PortBelowThunderbolt(), Dictionary{{"LegacyThunderbolt", RidgeUpdate},
+                                                             {"Thunderbolt", "x"},
+                                                             {"LegacyUSBC", Array{PortUpdate}},
+                                                             {"USBC", 5}}),
+            (Calls{ThunderboltInventory, PortInventory, PortInventory, PortInventory}));
+}
+
+TEST(Matcher, AnInventoryIsTakenOnceHoweverManyPersonalitiesThereAre) {
+  EXPECT_EQ(
+      InventoriesOf(ThreePorts(), Dictionary{{"USBC", Array{PortUpdate, PortUpdate, PortUpdate}}}),
+      Calls{PortInventory});
+}
+
+TEST(Matcher, AKeyThatOccursTwiceCountsOnceWithItsLastValue) {
+  LoggingRegistry registry(OnePort().Recorded());
+  EXPECT_EQ(MatchText(registry,
+                      "<dict><key>LegacyUSBC</key><dict/><key>LegacyUSBC</key>"
+                      "<dict><key>Version</key><integer>172</integer></dict></dict>"),
+            Matched({{{"Version", 172},
+                      {"RID", 2},
+                      {"Port Address", 0},
+                      {"Personality Type", "LegacyUSBC"}}}));
+  EXPECT_EQ(registry.CallsOf("MatchServicesByClass"), Calls{PortInventory});
+}
+
+TEST(Matcher, TypeNamesAreExact) {
+  const Dictionary configuration = {
+      {"usbc", Array{PortUpdate}},
+      {"USBC ", Array{PortUpdate}},
+      {"", Array{PortUpdate}},
+      {"LegacyUsbc", PortUpdate},
+      {"legacyThunderbolt", Array{RidgeUpdate}},
+      {"LegacyThunderbolt2", Array{RidgeUpdate}},
+      {"thunderbolt", Array{CombinedUpdate}},
+      {"ThunderboltLegacy", Array{CombinedUpdate}},
+  };
+  EXPECT_EQ(Match(PortBelowThunderbolt(), configuration), Nothing());
+  EXPECT_EQ(InventoriesOf(PortBelowThunderbolt(), configuration), Calls(8, PortInventory));
+}
+
+TEST(Matcher, RecordsComeInTheOrderOfTheFilesKeys) {
+  const auto computer = PortBelowThunderbolt();
+  const MatchRecord usbc =
+      With(Without(CombinedRecord, "Firmware Mode"), {{"Personality Type", "USBC"}});
+  const MatchRecord legacyUsbc = With(usbc, {{"Personality Type", "LegacyUSBC"}});
+  EXPECT_EQ(Match(computer, Dictionary{{"USBC", Array{CombinedUpdate}},
+                                       {"LegacyThunderbolt", Array{RidgeUpdate}},
+                                       {"LegacyUSBC", CombinedUpdate},
+                                       {"Thunderbolt", Array{CombinedUpdate}}}),
+            Matched({usbc, RidgeRecord, legacyUsbc, CombinedRecord}));
+  EXPECT_EQ(Match(computer, Dictionary{{"Thunderbolt", Array{CombinedUpdate}},
+                                       {"LegacyUSBC", CombinedUpdate},
+                                       {"LegacyThunderbolt", Array{RidgeUpdate}},
+                                       {"USBC", Array{CombinedUpdate}}}),
+            Matched({CombinedRecord, legacyUsbc, RidgeRecord, usbc}));
+}
+
+TEST(Matcher, WithinATypeRecordsComeInInventoryOrder) {
+  const auto forPort = [](int address) { return With({{"Port Address", address}}, PortUpdate); };
+  const auto record = [](int address) {
+    return With({{"Port Address", address}}, PortRecord(address, "USBC"));
+  };
+  EXPECT_EQ(Match(ThreePorts(), Dictionary{{"USBC", Array{forPort(2), forPort(1), forPort(0)}}}),
+            Matched({record(0), record(1), record(2)}));
+}
+
+TEST(Matcher, EachInventoryReadsTheUuidsAnew) {
+  const auto update = With(PortUpdate, {{"Port UUID", Array{"a0"}}});
+  Computer computer;
+  computer.AddPort("Port0", PortProperties(0, "a0"));
+  computer.AddPort("Port1", Without(PortProperties(1, ""), "UUID"));
+  const auto matching = Match(computer, Dictionary{{"Other", 5}, {"USBC", Array{update}}});
+  EXPECT_EQ(matching, Matched({{{"Version", 172},
+                                {"Port Silicon Vendor ID", 0x4D1},
+                                {"Port Silicon Device ID", 18},
+                                {"Port Silicon Revision", 7},
+                                {"Firmware", "Port.bin"},
+                                {"Port UUID", "a0"},
+                                {"RID", 2},
+                                {"Port Address", 0},
+                                {"Personality Type", "USBC"}}},
+                              "** Missing port UUID(s)\n"));
+}
+
+// A personality that is told when it is checked.
+const Personality TooOld = With(PortUpdate, {{"Existing Max Version", 170}});
+const Personality TooNew = With(PortUpdate, {{"Existing Min Version", 172}});
+constexpr char MaximumNotMet[] = "** Max firmware version not met.  Aborting\n";
+constexpr char MinimumNotMet[] = "** Min firmware version not met.  Aborting\n";
+
+TEST(Matcher, EachPortIsHeldAgainstThePersonalitiesInArrayOrder) {
+  Computer computer;
+  computer.AddPort("Port0", PortProperties(0, "a0"));
+  computer.AddPort("Port1", PortProperties(1, "a1"));
+  const std::string once = std::string(MaximumNotMet) + MinimumNotMet;
+  EXPECT_EQ(Match(computer, Dictionary{{"USBC", Array{TooOld, TooNew}}}), Nothing(once + once));
+}
+
+TEST(Matcher, PersonalitiesBehindTheOneThatFitsAreNotTried) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{TooOld, PortUpdate, TooNew}}}),
+            Matched({PortRecord(0, "USBC")}, MaximumNotMet));
+}
+
+TEST(Matcher, ThePersonalityIsTriedOnEveryPortThoughItFailedOnOne) {
+  Computer computer;
+  computer.AddPort("Port0", With(PortProperties(0, "a0"), {{"Version", 0x169}}));
+  computer.AddPort("Port1", PortProperties(1, "a1"));
+  EXPECT_EQ(
+      Match(computer,
+            Dictionary{{"LegacyUSBC", With({{"Existing Min Version", 170}}, PortUpdate)}}),
+      Matched({With({{"Existing Min Version", 170}}, PortRecord(1, "LegacyUSBC"))}, MinimumNotMet));
+}
+
+TEST(Matcher, APersonalityThatIsNoDictionaryIsPassedOver) {
+  for (const auto& [name, value] : NonNumbers()) {
+    if (value.AsDictionary() != nullptr) continue;
+    EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{value, 5, PortUpdate}}}),
+              Matched({PortRecord(0, "USBC")}))
+        << name;
+  }
+}
+
+TEST(Matcher, AnArrayInsideTheArrayIsPassedOver) {
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", testing::NestedArrays(2, PortUpdate)}}),
+            Nothing());
+}
+
+TEST(Matcher, AValueOfTheWrongShapeNeverMatchesAndIsNotChecked) {
+  const auto ridge = With(RidgeUpdate, {{"Existing Max Version", 1}});
+  const auto both = With(CombinedUpdate, {{"Existing Max Version", 1}});
+  EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{"LegacyThunderbolt", ridge},
+                                                     {"Thunderbolt", both},
+                                                     {"LegacyUSBC", Array{both}},
+                                                     {"USBC", both}}),
+            Nothing());
+}
+
+TEST(Matcher, AValueOfAnyOtherKindNeverMatches) {
+  for (const char* type : {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"}) {
+    for (const auto& [name, value] : NonNumbers()) {
+      EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{type, value}}), Nothing())
+          << type << ": " << name;
+    }
+    EXPECT_EQ(Match(PortBelowThunderbolt(), Dictionary{{type, 5}}), Nothing()) << type;
+  }
+}
+
+TEST(Matcher, BypassedAnEmptyArrayAndAnEmptyUsbcPersonalityDoNotFit) {
+  const VersionCheckBypass bypass;
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"LegacyUSBC", Array{}}}), Nothing());
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{}}}), Nothing());
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"USBC", Array{Dictionary{}}}}), Nothing());
+}
+
+TEST(Matcher, OnlyTheLowEightBitsOfTheBoardRevisionCount) {
+  const Dictionary bounds = {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}};
+  const Dictionary usbc = {{"USBC", Array{With(bounds, PortUpdate)}}};
+  const Matching matched = Matched({With(bounds, PortRecord(0, "USBC"))});
+  EXPECT_EQ(Match(OnePort(), usbc, 3), matched);
+  EXPECT_EQ(Match(OnePort(), usbc, 259), matched);
+  EXPECT_EQ(Match(OnePort(), usbc, 0xFFFFFF03), matched);
+  EXPECT_EQ(Match(OnePort(), usbc, 2), Nothing());
+  EXPECT_EQ(Match(OnePort(), usbc, 256), Nothing());
+}
+
+TEST(Matcher, TheBoardRevisionIsHeldUnderThunderboltToo) {
+  const Dictionary bounds = {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}};
+  const Dictionary thunderbolt = {{"Thunderbolt", Array{With(bounds, CombinedUpdate)}}};
+  EXPECT_EQ(Match(PortBelowThunderbolt(), thunderbolt, 259),
+            Matched({With(bounds, CombinedRecord)}));
+  EXPECT_EQ(Match(PortBelowThunderbolt(), thunderbolt, 4), Nothing());
+}
+
+TEST(Matcher, TheLegacyTypesDoNotMindTheBoardRevision) {
+  const Dictionary bounds = {{"MinBoardRevision", 9}};
+  EXPECT_EQ(Match(PortBelowThunderbolt(),
+                  Dictionary{{"LegacyThunderbolt", Array{With(bounds, RidgeUpdate)}}}, 3),
+            Matched({With(bounds, RidgeRecord)}));
+  EXPECT_EQ(Match(OnePort(), Dictionary{{"LegacyUSBC", With(bounds, PortUpdate)}}, 3),
+            Matched({With(bounds, PortRecord(0, "LegacyUSBC"))}));
+}
+
+TEST(Matcher, EngineeringFirmwareFitsLegacyThunderboltAlone) {
+  Computer computer;
+  const auto ridge =
+      computer.AddThunderbolt("Ridge0", With(ThunderboltProperties, {{"EEPROM Revision", 0x45}}));
+  computer.AddService(ridge, "Port0", "QuinceHPMDevice", PortProperties(0, "b0A1"));
+  EXPECT_EQ(Match(computer, Dictionary{{"Thunderbolt", Array{CombinedUpdate}},
+                                       {"LegacyUSBC", CombinedUpdate},
+                                       {"USBC", Array{CombinedUpdate}},
+                                       {"LegacyThunderbolt", Array{RidgeUpdate}}}),
+            Matched({RidgeRecord}));
+}
+
+TEST(Matcher, AMaximumOf41_05Rejects41_05Installed) {
+  const auto update = With(RidgeUpdate, {{"Existing Max Version", 41.05}});
+  EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{update}}}),
+            Nothing(MaximumNotMet));
+}
+
+TEST(Matcher, AMaximumOfTheStoredDoubleAccepts41_05Installed) {
+  const Dictionary bound = {{"Existing Max Version", 41.050000000999994}};
+  EXPECT_EQ(
+      Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{With(bound, RidgeUpdate)}}}),
+      Matched({With(bound, RidgeRecord)}));
+}
+
+TEST(Matcher, ARidgeUidIsTheRegistrysOwnValueInTheRecord) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", With(ThunderboltProperties, {{"UID", 0xFFFFFFFFFFFFFFFF}}));
+  const Dictionary uid = {{"Ridge UID", Array{1, 0xFFFFFFFFFFFFFFFF}}};
+  EXPECT_EQ(Match(computer, Dictionary{{"LegacyThunderbolt", Array{With(uid, RidgeUpdate)}}}),
+            Matched({With(With({{"Ridge UID", 0xFFFFFFFFFFFFFFFF}}, RidgeRecord), {{"RID", 15}})}));
+}
+
+TEST(Matcher, AnAddressedPortBelowThunderboltIsNoCandidate) {
+  Computer computer;
+  const auto ridge = computer.AddThunderbolt("Ridge0", ThunderboltProperties);
+  computer.AddService(ridge, "Port0", "QuinceHPMDevice", PortProperties(0x3F, "b0A1"));
+  EXPECT_EQ(Match(computer, Dictionary{{"LegacyUSBC", CombinedUpdate}}), Nothing());
+}
+
+TEST(Matcher, WithoutControllersNothingMatches) {
+  const VersionCheckBypass bypass;
+  EXPECT_EQ(Match(Computer(), Dictionary{{"LegacyThunderbolt", Array{RidgeUpdate}},
+                                         {"Thunderbolt", Array{CombinedUpdate}},
+                                         {"LegacyUSBC", Dictionary{}},
+                                         {"USBC", Array{PortUpdate}}}),
+            Nothing());
+}
+
+TEST(Matcher, AClassThatCannotBeMatchedYieldsNothing) {
+  for (const bool withIterator : {false, true}) {
+    LoggingRegistry registry(OnePort().Recorded());
+    registry.FailMatching(RegistryNotFound, withIterator);
+    EXPECT_EQ(Match(registry, Dictionary{{"USBC", Array{PortUpdate}}}), Nothing());
+    EXPECT_EQ(registry.CallsOf("MatchServicesByClass"), Calls{PortInventory});
+  }
+}
+
+TEST(Matcher, EveryCallStartsAfresh) {
+  LoggingRegistry registry(OnePort().Recorded());
+  const Dictionary configuration = {{"USBC", Array{PortUpdate}}};
+  EXPECT_EQ(Match(registry, configuration), Matched({PortRecord(0, "USBC")}));
+  EXPECT_EQ(Match(registry, configuration), Matched({PortRecord(0, "USBC")}));
+  EXPECT_EQ(Match(registry, Dictionary{{"USBC", Array{}}}), Nothing());
+  EXPECT_EQ(registry.CallsOf("MatchServicesByClass"), Calls(3, PortInventory));
+}
+
+TEST(Matcher, ManyPortsAndPersonalitiesAllFindTheirMatch) {
+  Computer computer;
+  Array personalities;
+  Records expected;
+  for (int address = 0; address < 100; ++address) {
+    computer.AddPort("Port" + std::to_string(address), PortProperties(address, "a"));
+    personalities.insert(personalities.begin(), With({{"Port Address", address}}, PortUpdate));
+    expected.push_back(With({{"Port Address", address}}, PortRecord(address, "USBC")));
+  }
+  EXPECT_EQ(Match(computer, Dictionary{{"USBC", personalities}}), Matched(expected));
+}
+
+}  // namespace
+}  // namespace fernwick

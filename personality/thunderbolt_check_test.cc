@@ -1,0 +1,264 @@
+#include "personality/thunderbolt_check.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "personality/legacy_thunderbolt_check.h"
+#include "testing/dictionaries.h"
+#include "testing/odd_values.h"
+#include "testing/verdict.h"
+#include "testing/version_check_bypass.h"
+
+namespace fernwick {
+namespace {
+
+using testing::Applies;
+using testing::DataOf;
+using testing::DoesNotApply;
+using testing::NonNumbers;
+using testing::Verdict;
+using testing::VerdictOf;
+using testing::VersionCheckBypass;
+using testing::With;
+using testing::Without;
+
+constexpr char NoVersion[] = "** No current firmware version?\n";
+constexpr char NoVersionTwice[] =
+    "** No current firmware version?\n"
+    "** No current firmware version?\n";
+
+// A port below a Thunderbolt controller.
+const HardwareRecord Port = {
+    {"RID", 2},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Port Address", 0},
+    {"Version", 41.050000000999994},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"Device Model Name", "Grat"},
+    {"Device Model ID", 30},
+    {"Device Model Revision", 1},
+    {"Firmware Mode", true},
+    {"Ridge UID", 0x5A3},
+    {"Engineering Version", 0},
+};
+
+const Personality Update = {
+    {"Version", 42},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+};
+
+constexpr const char* DeviceModelNumbers[] = {
+    "Device Model ID",
+    "Device Model Revision",
+    "Firmware Mode",
+};
+
+Verdict Check(const Personality& personality, const HardwareRecord& hardware,
+              unsigned boardRevision = 3) {
+  return VerdictOf(CheckThunderboltRequirements, personality, hardware, boardRevision);
+}
+
+TEST(ThunderboltCheck, WithoutADeviceModelTheTwoOtherChecksDecide) {
+  EXPECT_EQ(Check(Update, Port), Applies());
+  EXPECT_EQ(Check(With(Update, {{"RID", 3}}), Port), DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Ridge UID", 3}}), Port), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, AcceptsAnUpdateWhoseEveryKeyFits) {
+  const auto update = With(Update, {{"RID", 2},
+                                    {"Port Address", 0},
+                                    {"MinBoardRevision", 3},
+                                    {"MaxBoardRevision", 3},
+                                    {"Existing Min Version", 41.05},
+                                    {"Existing Max Version", 41.06},
+                                    {"Ridge UID", 0x5A3},
+                                    {"Device Model Name", "Grat"},
+                                    {"Device Model ID", 30},
+                                    {"Device Model Revision", 1},
+                                    {"Firmware Mode", 1}});
+  EXPECT_EQ(Check(update, Port), Applies());
+}
+
+TEST(ThunderboltCheck, NothingAtAllDoesNotApply) {
+  EXPECT_EQ(Check({}, {}), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, EachOfTheSixSiliconKeysIsNeededInThePersonality) {
+  EXPECT_EQ(Check(Without(Update, "Port Silicon Vendor ID"), Port), DoesNotApply());
+  EXPECT_EQ(Check(Without(Update, "Port Silicon Device ID"), Port), DoesNotApply());
+  EXPECT_EQ(Check(Without(Update, "Port Silicon Revision"), Port),
+            DoesNotApply("** Missing port silicon revision key(s)\n"));
+  EXPECT_EQ(Check(Without(Update, "Ridge Silicon Vendor ID"), Port), DoesNotApply());
+  EXPECT_EQ(Check(Without(Update, "Ridge Silicon Device ID"), Port), DoesNotApply());
+  EXPECT_EQ(Check(Without(Update, "Ridge Silicon Revision"), Port), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, APortBelowNoThunderboltControllerIsRejectedSilently) {
+  const HardwareRecord port = {
+      {"RID", 2},
+      {"Port Silicon Vendor ID", 0x4D1},
+      {"Port Silicon Device ID", 18},
+      {"Port Silicon Revision", 7},
+      {"Version", 41},
+  };
+  EXPECT_EQ(Check(Update, port), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, EngineeringFirmwareIsRejectedThoughTheLegacyThunderboltCheckAcceptsIt) {
+  const auto port = With(Port, {{"Engineering Version", 64}});
+  EXPECT_EQ(Check(Update, port), DoesNotApply());
+  EXPECT_EQ(VerdictOf(CheckLegacyThunderboltRequirements, Update, port, 0), Applies());
+}
+
+TEST(ThunderboltCheck, BypassedEngineeringFirmwareIsAccepted) {
+  const VersionCheckBypass bypass;
+  EXPECT_EQ(Check(Update, With(Port, {{"Engineering Version", 64}})), Applies());
+}
+
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceAndMayMatch) {
+  const VersionCheckBypass bypass;
+  EXPECT_EQ(Check(Update, Without(Port, "Version")), Applies(NoVersionTwice));
+}
+
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldOnceWhenTheUsbcCheckFails) {
+  const VersionCheckBypass bypass;
+  const auto port = Without(Port, "Version");
+  EXPECT_EQ(Check(With(Update, {{"RID", 3}}), port), DoesNotApply(NoVersion));
+  EXPECT_EQ(Check(Without(Update, "Port Silicon Revision"), port),
+            DoesNotApply(std::string(NoVersion) + "** Missing port silicon revision key(s)\n"));
+}
+
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceWhenALaterStepFails) {
+  const VersionCheckBypass bypass;
+  const auto port = Without(Port, "Version");
+  EXPECT_EQ(Check(With(Update, {{"Ridge UID", 3}}), port), DoesNotApply(NoVersionTwice));
+  EXPECT_EQ(Check(With(Update, {{"Device Model ID", 3}}), port), DoesNotApply(NoVersionTwice));
+}
+
+TEST(ThunderboltCheck, AFailedWindowIsToldOnce) {
+  EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 41.06}}), Port),
+            DoesNotApply("** Min firmware version not met.  Aborting\n"));
+  EXPECT_EQ(Check(With(Update, {{"Existing Max Version", 41.05}}), Port),
+            DoesNotApply("** Max firmware version not met.  Aborting\n"));
+  EXPECT_EQ(Check(With(Update, {{"Existing Min Version", "41"}}), Port),
+            DoesNotApply("** minversion bad object type in personality\n"));
+  EXPECT_EQ(Check(With(Update, {{"Existing Max Version", "41"}}), Port),
+            DoesNotApply("** maxversion bad object type in personality\n"));
+}
+
+TEST(ThunderboltCheck, MissingPortKeysAreToldAsForUsbc) {
+  EXPECT_EQ(Check(With(Update, {{"Port OTP Revision", 1}}), Port),
+            DoesNotApply("** Missing port OTP revision key(s) **\n"));
+  EXPECT_EQ(Check(With(Update, {{"Port UUID", Array{"b0A1"}}}), Port),
+            DoesNotApply("** Missing port UUID(s)\n"));
+}
+
+TEST(ThunderboltCheck, TheBoardRevisionIsHandedOn) {
+  const auto update = With(Update, {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}});
+  EXPECT_EQ(Check(update, Port, 3), Applies());
+  EXPECT_EQ(Check(update, Port, 259), Applies());
+  EXPECT_EQ(Check(update, Port, 4), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, ASingleModelNameMatchesItsEqual) {
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", "Grat"}}), Port), Applies());
+}
+
+TEST(ThunderboltCheck, AListThatHoldsTheModelNameMatches) {
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", Array{"Fjell", "Grat"}}}), Port), Applies());
+}
+
+TEST(ThunderboltCheck, AModelNameInOtherLetterCaseDoesNotMatch) {
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", "grat"}}), Port), DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", Array{"GRAT"}}}), Port), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, AModelNameThatIsANumberIsRejectedSilently) {
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", 5}}), Port), DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", 5}}), With(Port, {{"Device Model Name", 5}})),
+            DoesNotApply());
+}
+
+TEST(ThunderboltCheck, AModelNameOfAnyOtherKindIsRejectedSilently) {
+  for (const PropertyValue& name :
+       Array{true, 5.0, DataOf("Grat"), Dictionary{{"Grat", "Grat"}}, Array{}, Array{5},
+             testing::NestedArrays(2, "Grat"), testing::DateOf("2026-11-20T00:00:00Z")}) {
+    EXPECT_EQ(Check(With(Update, {{"Device Model Name", name}}), Port), DoesNotApply())
+        << ::testing::PrintToString(name);
+  }
+}
+
+TEST(ThunderboltCheck, AnEmptyModelNameMatchesAnEmptyOne) {
+  const auto update = With(Update, {{"Device Model Name", ""}});
+  EXPECT_EQ(Check(update, With(Port, {{"Device Model Name", ""}})), Applies());
+  EXPECT_EQ(Check(update, Port), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, ADeviceModelKeyThatThePortLacksIsRejectedSilently) {
+  EXPECT_EQ(
+      Check(With(Update, {{"Device Model Name", "Grat"}}), Without(Port, "Device Model Name")),
+      DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Device Model ID", 30}}), Without(Port, "Device Model ID")),
+            DoesNotApply());
+  EXPECT_EQ(
+      Check(With(Update, {{"Device Model Revision", 1}}), Without(Port, "Device Model Revision")),
+      DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Firmware Mode", 1}}), Without(Port, "Firmware Mode")),
+            DoesNotApply());
+}
+
+TEST(ThunderboltCheck, ADeviceModelNumberMatchesItsEqualAloneOrInAList) {
+  for (const auto* key : DeviceModelNumbers) {
+    const PropertyValue value = *Port.Find(key);
+    EXPECT_EQ(Check(With(Update, {{key, value}}), Port), Applies()) << key;
+    EXPECT_EQ(Check(With(Update, {{key, Array{"x", value, -7}}}), Port), Applies()) << key;
+  }
+}
+
+TEST(ThunderboltCheck, AnyOtherDeviceModelNumberIsRejectedSilently) {
+  for (const auto* key : DeviceModelNumbers) {
+    EXPECT_EQ(Check(With(Update, {{key, -7}}), Port), DoesNotApply()) << key;
+    EXPECT_EQ(Check(With(Update, {{key, Array{}}}), Port), DoesNotApply()) << key;
+    for (const auto& [name, value] : NonNumbers()) {
+      EXPECT_EQ(Check(With(Update, {{key, Array{value}}}), With(Port, {{key, 5}})), DoesNotApply())
+          << key << ": " << name;
+    }
+  }
+}
+
+TEST(ThunderboltCheck, FirmwareModeIsComparedAsZeroOrOne) {
+  const auto inMode = [](bool mode) { return With(Port, {{"Firmware Mode", mode}}); };
+  for (const PropertyValue& on : Array{true, 1, 1.0}) {
+    EXPECT_EQ(Check(With(Update, {{"Firmware Mode", on}}), inMode(true)), Applies());
+    EXPECT_EQ(Check(With(Update, {{"Firmware Mode", on}}), inMode(false)), DoesNotApply());
+  }
+  for (const PropertyValue& off : Array{false, 0, 0.0}) {
+    EXPECT_EQ(Check(With(Update, {{"Firmware Mode", off}}), inMode(false)), Applies());
+    EXPECT_EQ(Check(With(Update, {{"Firmware Mode", off}}), inMode(true)), DoesNotApply());
+  }
+  EXPECT_EQ(Check(With(Update, {{"Firmware Mode", 2}}), inMode(true)), DoesNotApply());
+}
+
+TEST(ThunderboltCheck, FirmwareModesZeroAndOneAcceptEither) {
+  const auto update = With(Update, {{"Firmware Mode", Array{0, 1}}});
+  EXPECT_EQ(Check(update, With(Port, {{"Firmware Mode", true}})), Applies());
+  EXPECT_EQ(Check(update, With(Port, {{"Firmware Mode", false}})), Applies());
+}
+
+TEST(ThunderboltCheck, AFirmwareModeOfOneIsRejectedByAPortWithoutOne) {
+  EXPECT_EQ(Check(With(Update, {{"Firmware Mode", 1}}), Without(Port, "Firmware Mode")),
+            DoesNotApply());
+}
+
+}  // namespace
+}  // namespace fernwick

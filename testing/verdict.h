@@ -1,0 +1,42 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "testing/capture.h"
+
+namespace fernwick::testing {
+
+/// What a requirement check answered, and all that it wrote to standard error meanwhile.
+struct Verdict {
+  bool applies;
+  std::string diagnostics;
+
+  friend bool operator==(const Verdict&, const Verdict&) = default;
+};
+
+inline void PrintTo(const Verdict& verdict, std::ostream* out) {
+  *out << (verdict.applies ? "applies, writes " : "does not apply, writes ")
+       << ::testing::PrintToString(verdict.diagnostics);
+}
+
+inline Verdict Applies(std::string diagnostics = {}) {
+  return {true, std::move(diagnostics)};
+}
+
+inline Verdict DoesNotApply(std::string diagnostics = {}) {
+  return {false, std::move(diagnostics)};
+}
+
+/// Calls `check` with the arguments.
+template <typename Check, typename... Arguments>
+Verdict VerdictOf(Check check, const Arguments&... arguments) {
+  StandardErrorCapture standardError;
+  const bool applies = check(arguments...);
+  return {applies, standardError.TakeText()};
+}
+
+}  // namespace fernwick::testing
