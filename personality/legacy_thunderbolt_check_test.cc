@@ -94,16 +94,16 @@ TEST(LegacyThunderboltCheck, AMissingVersionIsRejectedSilently) {
   EXPECT_EQ(Check(Update, Without(Controller, "Version")), DoesNotApply());
 }
 
-TEST(LegacyThunderboltCheck, AVersionOf41_05IsNotNewerThan41_05Installed) {
+TEST(LegacyThunderboltCheck, AVersionWithoutTheStoredFractionIsNotNewer) {
   EXPECT_EQ(Check(With(Update, {{"Version", 41.05}}), Controller), DoesNotApply());
 }
 
-TEST(LegacyThunderboltCheck, AMaximumOf41_05Rejects41_05Installed) {
+TEST(LegacyThunderboltCheck, AMaximumWithoutTheStoredFractionRejectsTheSameVersion) {
   EXPECT_EQ(Check(With(Update, {{"Existing Max Version", 41.05}}), Controller),
             DoesNotApply("** Max firmware version not met.  Aborting\n"));
 }
 
-TEST(LegacyThunderboltCheck, AMinimumOf41_05Accepts41_05Installed) {
+TEST(LegacyThunderboltCheck, AMinimumWithoutTheStoredFractionAcceptsTheSameVersion) {
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 41.05}}), Controller), Applies());
 }
 

@@ -690,13 +690,13 @@ TEST(Matcher, EngineeringFirmwareFitsLegacyThunderboltAlone) {
             Matched({RidgeRecord}));
 }
 
-TEST(Matcher, AMaximumOf41_05Rejects41_05Installed) {
+TEST(Matcher, AMaximumWithoutTheStoredFractionRejectsTheSameVersion) {
   const auto update = With(RidgeUpdate, {{"Existing Max Version", 41.05}});
   EXPECT_EQ(Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{update}}}),
             Nothing(MaximumNotMet));
 }
 
-TEST(Matcher, AMaximumOfTheStoredDoubleAccepts41_05Installed) {
+TEST(Matcher, AMaximumWithTheStoredFractionAcceptsIt) {
   const Dictionary bound = {{"Existing Max Version", 41.050000000999994}};
   EXPECT_EQ(
       Match(OneThunderbolt(), Dictionary{{"LegacyThunderbolt", Array{With(bound, RidgeUpdate)}}}),
