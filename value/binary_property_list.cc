@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -98,8 +98,8 @@ class BinaryPropertyListReader {
     return true;
   }
 
-  // Books the bytes of a string that is looked at for the first time. Strings that do not overlap fit
-  // into the file together; those that do could make it stand for any amount of text.
+  // Books the bytes of a string that is looked at for the first time. Strings that do not overlap
+  // fit into the file together; those that do could make it stand for any amount of text.
   bool CountText(const Object& object, std::string_view bytes) {
     if (bytes.size() > file_.size() - textBytes_) return Fail(object.offset, "strings overlap");
     textBytes_ += bytes.size();
@@ -354,8 +354,8 @@ class BinaryPropertyListReader {
   std::vector<bool> isOpen_;  // by object: whether it is a container around the place that is read
   std::vector<PropertyValue> values_;
   // Strings that have been checked or decoded, by their place: a large one that is shared many times
-  // must not cost its size each time.
-  std::unordered_map<std::size_t, SharedBytes> knownTexts_;
+  // must not cost its size each time. Ordered, as a file picks the places and could make hashes clash.
+  std::map<std::size_t, SharedBytes> knownTexts_;
 };
 
 }  // namespace
