@@ -12,6 +12,7 @@
 #include <string>
 
 #include "testing/temporary_directory.h"
+#include "testing/unprivileged.h"
 
 namespace fernwick {
 namespace {
@@ -19,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::TemporaryDirectory;
+using testing::Unprivileged;
 
 struct JoiningRow {
   std::string path;
@@ -208,6 +210,14 @@ TEST(ReadWholeFile, OfAnOverLongPathTellsSo) {
 TEST(ReadWholeFile, OfADirectoryTellsSo) {
   const TemporaryDirectory directory;
   ExpectUnreadable(directory.Path(), std::strerror(EISDIR));
+}
+
+TEST(ReadWholeFile, OfAFileWithoutPermissionTellsSo) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("file", "text");
+  fs::permissions(file, fs::perms::none);
+  const Unprivileged unprivileged;
+  ExpectUnreadable(file, std::strerror(EACCES));
 }
 
 TEST(ReadWholeFile, OfAFifoWithoutWriterDoesNotWait) {

@@ -49,8 +49,8 @@ RegistryEntry RecordedRegistry::LookupEntryByPath(std::string_view path) {
   return entry;
 }
 
-// The first child of that name. An empty step names nothing, since no entry below a root has an empty
-// name.
+// The first child of that name. An empty step names nothing, not even a root without name that a
+// link puts below another plane's root.
 RegistryEntry RecordedRegistry::ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
                                            std::string_view name) const {
   if (name.empty()) return 0;

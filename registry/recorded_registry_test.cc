@@ -69,6 +69,16 @@ TEST(RecordedRegistryPath, TheNameOfARootIsNoStep) {
   EXPECT_EQ(registry.LookupEntryByPath("IOService:Root"), 0u);
 }
 
+TEST(RecordedRegistryPath, AnEmptyStepDoesNotNameARootWithoutNameBelowAnotherRoot) {
+  RecordedRegistry registry(
+      Recording{{{}, {}, {"a", "", {}}},
+                {{"IODeviceTree", {2, {{2, {}}}}},
+                 {"IOService", {1, {{1, {0, {2}}}, {2, {1, {3}}}, {3, {2, {}}}}}}},
+                {}});
+  EXPECT_EQ(registry.LookupEntryByPath("IOService://"), 0u);
+  EXPECT_EQ(registry.LookupEntryByPath("IOService://a"), 0u);
+}
+
 TEST(RecordedRegistryPath, NamesNothingWithoutPlanes) {
   RecordedRegistry registry{Recording()};
   EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/"), 0u);
