@@ -20,7 +20,7 @@ endfunction()
 function(fernwick_tests program library)
   add_executable(${program} ${ARGN})
   target_link_libraries(${program} PRIVATE ${library} fernwick_testing GTest::gtest_main)
-  gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
 endfunction()
 
 # fernwick_program_tests(PROGRAM SOURCE): tests that run the programs as they are built.

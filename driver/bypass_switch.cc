@@ -29,7 +29,8 @@ bool SetsSwitch(std::string_view token, std::string_view name) {
   TakePiece(rest, '=', key);
   if (key != name) return false;
   std::string_view value;
-  if (!TakePiece(rest, '=', value)) EndAbnormally("a boot argument is a switch name without a value");
+  if (!TakePiece(rest, '=', value))
+    EndAbnormally("a boot argument is a switch name without a value");
   return IsSetting(value);
 }
 

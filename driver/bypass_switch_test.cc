@@ -77,8 +77,9 @@ TEST(ReadBypassSwitch, OtherLetterCaseDoesNotSetIt) {
 }
 
 TEST(ReadBypassSwitch, KeyMustBeTheWholeName) {
-  EXPECT_FALSE(IsSetByBootArguments("fernwick_bypass_usbc_updates2=1 xfernwick_bypass_usbc_updates=1"
-                                    " fernwick_bypass_usbc_update=1"));
+  EXPECT_FALSE(
+      IsSetByBootArguments("fernwick_bypass_usbc_updates2=1 xfernwick_bypass_usbc_updates=1"
+                           " fernwick_bypass_usbc_update=1"));
 }
 
 TEST(ReadBypassSwitch, BareTokensOfOtherNamesAreHarmless) {
@@ -156,10 +157,9 @@ TEST(ReadBypassSwitch, WithoutOptionsEntryIsUnset) {
   LoggingRegistry registry{Recording()};
   EXPECT_FALSE(ReadBypassSwitch(registry, Switch));
   EXPECT_EQ(registry.Calls(),
-            (std::vector<std::string>{"LookupEntryByPath IODeviceTree:/options",
-                                      "GetProperty none boot-args",
-                                      "GetProperty none fernwick_bypass_usbc_updates",
-                                      "ReleaseEntry none"}));
+            (std::vector<std::string>{
+                "LookupEntryByPath IODeviceTree:/options", "GetProperty none boot-args",
+                "GetProperty none fernwick_bypass_usbc_updates", "ReleaseEntry none"}));
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ namespace fernwick {
 void PrintHeader(Output& out, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory);
 
-/// The current hardware: the port controllers or, where there are none, the Thunderbolt controllers.
+/// The current hardware: the port controllers or, where there are none, the Thunderbolt
+/// controllers.
 void PrintHardware(Output& out, Registry& registry);
 
 }  // namespace fernwick

@@ -13,6 +13,7 @@ namespace {
 constexpr char ShortOptions[] = "vp:Xs";
 
 // The version bypass has no short form: "b" is not among the short options.
+// clang-format off
 constexpr option LongOptions[] = {
     {"verbose", no_argument, nullptr, 'v'},
     {"payload", required_argument, nullptr, 'p'},
@@ -21,6 +22,7 @@ constexpr option LongOptions[] = {
     {"bypassVersion", no_argument, nullptr, 'b'},
     {nullptr, 0, nullptr, 0},
 };
+// clang-format on
 
 constexpr int EndOfOptions = -1;
 

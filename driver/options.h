@@ -16,8 +16,8 @@ struct Options {
 };
 
 /// Parses the options with the standard long-option parser, in their order, up to the first that it
-/// rejects; what came before that one holds. Operands are ignored. May be called any number of times
-/// in a process. REQUIRES: arguments[argumentCount] is null.
+/// rejects; what came before that one holds. Operands are ignored. May be called any number of
+/// times in a process. REQUIRES: arguments[argumentCount] is null.
 Options ParseOptions(int argumentCount, char* const arguments[]);
 
 }  // namespace fernwick

@@ -16,8 +16,8 @@ inline constexpr int OutputLost = 74;  // in place of 0: the plan did not arrive
 }  // namespace ExitStatus
 
 /// One whole run of the tool over `registry`: what a process does between its start and its exit.
-/// Returns the exit status. The plan goes to `stream`; option parser, system log and requirement checks
-/// write to standard error by themselves. Nothing is kept from an earlier run. REQUIRES:
+/// Returns the exit status. The plan goes to `stream`; option parser, system log and requirement
+/// checks write to standard error by themselves. Nothing is kept from an earlier run. REQUIRES:
 /// arguments[argumentCount] is null.
 int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream);
 

@@ -192,8 +192,8 @@ TEST(Run, LastPayloadWins) {
 TEST(Run, VerboseFlushesPieceByPiece) {
   const Payload payload(OnePersonality);
   const auto flushes = RunOver(OnePort(), {"-v", "-p", payload.Path()}).flushes;
-  // Header; hardware and its gap; the title of the report, its 21 lines and its gap; the two pieces of
-  // the invocation; the property list; the status.
+  // Header; hardware and its gap; the title of the report, its 21 lines and its gap; the two pieces
+  // of the invocation; the property list; the status.
   ASSERT_EQ(flushes.size(), 1u + 2u + 1u + 22u + 2u + 1u + 1u);
   EXPECT_EQ(flushes[3], "Identified the following matches:\n");
   EXPECT_EQ(flushes[4], "\tPERSONALITY_TYPE:               LegacyUSBC\n");
@@ -269,12 +269,12 @@ TEST(Run, AsksTheRegistryInTheOrderOfTheRun) {
   for (const auto& call : calls) {
     if (call.starts_with("Lookup") || call.starts_with("Match")) beginnings.push_back(call);
   }
-  EXPECT_EQ(beginnings,
-            (std::vector<std::string>{
-                "LookupEntryByPath IODeviceTree:/options", "LookupEntryByPath IODeviceTree:/options",
-                "LookupEntryByPath IODeviceTree:/", "LookupEntryByPath IODeviceTree:/",
-                "MatchServicesByClass QuinceHPMDevice",     // the listing's own inventory
-                "MatchServicesByClass QuinceHPMDevice"}));  // and the matcher's
+  EXPECT_EQ(beginnings, (std::vector<std::string>{
+                            "LookupEntryByPath IODeviceTree:/options",
+                            "LookupEntryByPath IODeviceTree:/options",
+                            "LookupEntryByPath IODeviceTree:/", "LookupEntryByPath IODeviceTree:/",
+                            "MatchServicesByClass QuinceHPMDevice",  // the listing's own inventory
+                            "MatchServicesByClass QuinceHPMDevice"}));  // and the matcher's
 }
 
 TEST(Run, MatchWithoutAnImageIsReportedAndEndsIt) {

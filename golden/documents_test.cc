@@ -1,8 +1,8 @@
 // The commands in the documents are run, and must print what the documents show. A document shows a
-// command in a block fenced as "console": lines that begin with "$ " are run by the shell at the top
-// of the source tree, with the built programs on the PATH; what follows each is what it prints, its
-// standard error included, up to the next command. A last line "[status N]" is the exit status when it
-// is not 0.
+// command in a block fenced as "console": lines that begin with "$ " are run by the shell at the
+// top of the source tree, with the built programs on the PATH; what follows each is what it prints,
+// its standard error included, up to the next command. A last line "[status N]" is the exit status
+// when it is not 0.
 
 #include <gtest/gtest.h>
 
@@ -68,9 +68,9 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
 
 // What a newcomer sees first.
 TEST(Dev, DemoShowsAPlanAndTheOtherComputers) {
-  const auto outcome =
-      testing::RunChild({"/usr/bin/env", "FERNWICK_BUILD=" FERNWICK_BUILD_DIRECTORY, "./dev", "demo"},
-                        SourceDirectory.string());
+  const auto outcome = testing::RunChild(
+      {"/usr/bin/env", "FERNWICK_BUILD=" FERNWICK_BUILD_DIRECTORY, "./dev", "demo"},
+      SourceDirectory.string());
   EXPECT_EQ(outcome.status, "0");
   EXPECT_EQ(outcome.standardOutput, testing::ReadFile(SourceDirectory / "golden/demo.stdout"));
 }

@@ -125,9 +125,8 @@ TEST(Replay, NeedsTheRecordingBeforeTheToolsArguments) {
 }
 
 TEST(Replay, OfAMissingRecordingPrintsNothing) {
-  ExpectOutcome(
-      RunLab({"replay", "no-such.registry.plist", "-v"}),
-      {"66", "", "fernwick-lab: no-such.registry.plist: No such file or directory\n"});
+  ExpectOutcome(RunLab({"replay", "no-such.registry.plist", "-v"}),
+                {"66", "", "fernwick-lab: no-such.registry.plist: No such file or directory\n"});
 }
 
 TEST(Replay, OfADirectoryPrintsNothing) {
@@ -150,8 +149,7 @@ TEST(Replay, ShowsNoControlCharacterOfAFileRaw) {
   directory.Write("odd.plist",
                   "<dict><key>Recording Version</key><integer>1</integer>"
                   "<key>a&#9;b&#x9B;</key><true/></dict>");
-  const auto outcome =
-      RunChild({FERNWICK_LAB_PROGRAM, "replay", "odd.plist"}, directory.Path());
+  const auto outcome = RunChild({FERNWICK_LAB_PROGRAM, "replay", "odd.plist"}, directory.Path());
   ExpectOutcome(outcome,
                 {"65", "", "fernwick-lab: odd.plist: the key \"a b\\233\" is not known\n"});
 }

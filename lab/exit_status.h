@@ -2,7 +2,8 @@
 
 namespace fernwick::lab {
 
-/// The exit statuses of the lab itself, when a verb cannot start. None of them is one of the tool's.
+/// The exit statuses of the lab itself, when a verb cannot start. None of them is one of the
+/// tool's.
 namespace LabStatus {
 inline constexpr int Done = 0;
 inline constexpr int BadUsage = 64;

@@ -10,11 +10,12 @@ inline constexpr char ReplayHelp[] =
     "\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n"
     "\n"
-    "When the recording is not well formed, nothing runs and the status is 65; 66 when it cannot be\n"
+    "When the recording is not well formed, nothing runs and the status is 65; 66 when it cannot "
+    "be\n"
     "read.\n";
 
-/// The verb `replay`. `arguments` are those behind the verb, with a null behind the last. Returns the
-/// process's exit status.
+/// The verb `replay`. `arguments` are those behind the verb, with a null behind the last. Returns
+/// the process's exit status.
 int Replay(int argumentCount, char* const arguments[]);
 
 }  // namespace fernwick::lab

@@ -13,8 +13,8 @@ std::optional<std::string> BoardDirectory(const std::optional<std::string>& boar
                                           const std::optional<std::string>& personalitiesDirectory);
 
 /// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns its
-/// top-level value, of whatever kind, or nothing after one line in the PlatformLog: there is no such
-/// directory, no such file, or it cannot be read or parsed.
+/// top-level value, of whatever kind, or nothing after one line in the PlatformLog: there is no
+/// such directory, no such file, or it cannot be read or parsed.
 std::optional<PropertyValue> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory);

@@ -5,9 +5,10 @@
 
 namespace fernwick {
 
-/// Whether a "LegacyThunderbolt" personality applies to a Thunderbolt controller: its version window,
-/// "RID", the Ridge silicon and "Ridge UID". Engineering firmware is no obstacle here. The third
-/// argument is ignored; callers pass 0. May write a diagnostic to standard error when it rejects.
+/// Whether a "LegacyThunderbolt" personality applies to a Thunderbolt controller: its version
+/// window, "RID", the Ridge silicon and "Ridge UID". Engineering firmware is no obstacle here. The
+/// third argument is ignored; callers pass 0. May write a diagnostic to standard error when it
+/// rejects.
 bool CheckLegacyThunderboltRequirements(const Personality& personality,
                                         const HardwareRecord& hardware, int ignored);
 

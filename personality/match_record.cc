@@ -5,9 +5,15 @@ namespace {
 
 // Set from the controller only where the personality named them, in this order.
 constexpr std::string_view ConstrainedKeys[] = {
-    "Port Silicon Vendor ID",  "Port Silicon Device ID", "Port Silicon Revision",
-    "Port OTP Revision",       "Port UUID",              "Ridge Silicon Vendor ID",
-    "Ridge Silicon Device ID", "Ridge Silicon Revision", "Ridge UID",
+    "Port Silicon Vendor ID",
+    "Port Silicon Device ID",
+    "Port Silicon Revision",
+    "Port OTP Revision",
+    "Port UUID",
+    "Ridge Silicon Vendor ID",
+    "Ridge Silicon Device ID",
+    "Ridge Silicon Revision",
+    "Ridge UID",
 };
 
 }  // namespace

@@ -11,8 +11,8 @@ namespace fernwick {
 /// labelled with its "Personality Type".
 using MatchRecord = Dictionary;
 
-/// Builds the record of a personality found under `type` and a controller that passed its check. Keys
-/// that describe the controller take its values; all others stay as the file has them.
+/// Builds the record of a personality found under `type` and a controller that passed its check.
+/// Keys that describe the controller take its values; all others stay as the file has them.
 MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecord& controller,
                              std::string_view type);
 

@@ -12,8 +12,8 @@ namespace fernwick {
 
 /// Pairs the personalities of the board's configuration with the controllers of the computer. Of
 /// `boardRevision` only the low 8 bits count. The records come in the order of the file's top-level
-/// keys and, within a type, in inventory order. None instead of an empty list: when nothing matched,
-/// or after lines in the PlatformLog when there is no usable configuration.
+/// keys and, within a type, in inventory order. None instead of an empty list: when nothing
+/// matched, or after lines in the PlatformLog when there is no usable configuration.
 std::optional<std::vector<MatchRecord>> MatchPersonalities(
     Registry& registry, const std::optional<std::string>& boardIdString,
     std::uint32_t boardRevision, const std::optional<std::string>& personalitiesDirectory);

@@ -6,9 +6,9 @@
 namespace fernwick {
 
 /// Whether a "Thunderbolt" personality applies to a port and the Thunderbolt controller behind it:
-/// everything that a "USBC" and then everything that a "LegacyThunderbolt" one must satisfy, then the
-/// device model. What the two have in common is tested, and told, twice. May write diagnostics to
-/// standard error.
+/// everything that a "USBC" and then everything that a "LegacyThunderbolt" one must satisfy, then
+/// the device model. What the two have in common is tested, and told, twice. May write diagnostics
+/// to standard error.
 bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
                                   unsigned boardRevision);
 

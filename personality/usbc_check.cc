@@ -26,10 +26,9 @@ constexpr RequirementSet PortSilicon[] = {
     {.key = "Port Silicon Revision",
      .presence = KeyPresence::RequiredKey,
      .missingKeyMessage = "** Missing port silicon revision key(s)\n"},
-    {.key = "Port OTP Revision",
-     .missingKeyMessage = "** Missing port OTP revision key(s) **\n"},
-    // The kind and the comparison disagree, and must: a single string fails the kind, a single number
-    // never equals a string, so only an array of strings can match.
+    {.key = "Port OTP Revision", .missingKeyMessage = "** Missing port OTP revision key(s) **\n"},
+    // The kind and the comparison disagree, and must: a single string fails the kind, a single
+    // number never equals a string, so only an array of strings can match.
     {.key = "Port UUID",
      .kind = SingleValueKind::NumberKind,
      .equal = StringsEqual,

@@ -54,8 +54,7 @@ InvocationBuilder::InvocationBuilder(std::string directory,
     : personalitiesDirectory(std::move(directory)),
       boardDirectory(BoardDirectory(boardIdString, personalitiesDirectory)) {}
 
-bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan,
-                                 Output* verboseOut) {
+bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut) {
   const std::string type(TextOf(match.Find("Personality Type")).value_or(AbsentText));
   if (type != currentType) StartGroup(type);
   MergeNvram(match, plan);
@@ -77,8 +76,8 @@ bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan,
   return true;
 }
 
-// The whole head is repeated for each group and must not be merged into one: it is what the boot-target
-// tool expects.
+// The whole head is repeated for each group and must not be merged into one: it is what the
+// boot-target tool expects.
 void InvocationBuilder::StartGroup(std::string_view type) {
   currentType = type;
   Append(arguments, {"/usr/sbin/hallow", "-verbose", "-mount", "/"});

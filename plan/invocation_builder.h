@@ -13,16 +13,16 @@
 namespace fernwick {
 
 /// Builds the argument vector of the boot-target tool from the matches of one run. Each group of
-/// matches of one type gets a whole head of its own, and the payload variables count from 0 in each;
-/// all groups share the one options argument at the end.
+/// matches of one type gets a whole head of its own, and the payload variables count from 0 in
+/// each; all groups share the one options argument at the end.
 class InvocationBuilder {
  public:
   /// `personalitiesDirectory` ends in "/".
   InvocationBuilder(std::string personalitiesDirectory, std::optional<std::string> boardIdString);
 
   /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
-  /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a line
-  /// in the PlatformLog, when the match names no firmware image.
+  /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a
+  /// line in the PlatformLog, when the match names no firmware image.
   bool AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut);
 
   /// Closes the vector. To be called once, after the last match.
@@ -47,7 +47,7 @@ class InvocationBuilder {
   std::vector<std::string> optionTokens;  // the words of the one options argument
   std::vector<std::string> trailer;       // the words that close the vector
   std::optional<std::string> currentType;
-  std::string firmwarePath;               // the flashing utility of the current group
+  std::string firmwarePath;  // the flashing utility of the current group
   std::uint32_t payloadIndex = ~std::uint32_t{0};
 };
 

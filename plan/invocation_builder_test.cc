@@ -76,11 +76,10 @@ TEST(InvocationBuilder, TwoThunderboltMatchesOfOneGroup) {
 TEST(InvocationBuilder, OneUsbcMatchHasTwelveArguments) {
   const auto built = Build({Usbc("port.bin")});
   EXPECT_EQ(built.arguments.size(), 12u);
-  EXPECT_EQ(built.arguments,
-            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/port.bin"},
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+  EXPECT_EQ(built.arguments, Concatenated({Head("/P/Fernwick/PortFlash.efi"),
+                                           {"-payload", "/P/Fernwick/Zed-42/port.bin"},
+                                           Trailer,
+                                           {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, LegacyTypesTakeTheTokensOfTheirFamilies) {
@@ -207,10 +206,9 @@ TEST(InvocationBuilder, EmptyBoardIdentifierIsUsedAsItIs) {
 }
 
 TEST(InvocationBuilder, RefusesAMatchWithoutAnImage) {
-  for (const MatchRecord& match :
-       {MatchRecord{{"Personality Type", "USBC"}},
-        MatchRecord{{"Personality Type", "USBC"}, {"Firmware", ""}},
-        MatchRecord{{"Personality Type", "USBC"}, {"Firmware", 7}}}) {
+  for (const MatchRecord& match : {MatchRecord{{"Personality Type", "USBC"}},
+                                   MatchRecord{{"Personality Type", "USBC"}, {"Firmware", ""}},
+                                   MatchRecord{{"Personality Type", "USBC"}, {"Firmware", 7}}}) {
     const auto built = Build({match});
     EXPECT_FALSE(built.accepted);
     EXPECT_EQ(built.standardError,

@@ -18,8 +18,8 @@ std::string ReportOf(const MatchRecord& match) {
   return capture.Text();
 }
 
-// The report of a match that has nothing but what `line` shows: every other line is that of an absent
-// value. `line` takes the place of the line with the same label.
+// The report of a match that has nothing but what `line` shows: every other line is that of an
+// absent value. `line` takes the place of the line with the same label.
 std::string EmptyReportBut(const std::string& line) {
   std::string report =
       "\tPERSONALITY_TYPE:               (null)\n"

@@ -13,12 +13,13 @@ struct PlanValues {
   Array nvramToClear;  // duplicates are kept
 };
 
-/// Keeps the smallest "Priority" of all matches, compared unsigned. A match without one counts as 0,
-/// so it drives the plan's priority to 0; 0x7FFFFFFF and above never lower it.
+/// Keeps the smallest "Priority" of all matches, compared unsigned. A match without one counts as
+/// 0, so it drives the plan's priority to 0; 0x7FFFFFFF and above never lower it.
 void FoldPriority(const MatchRecord& match, PlanValues& plan);
 
 /// Adds the match's "SetNVRAM" and "ClearNVRAM". The value of a variable that an earlier match sets
-/// gives way to the later one's. Values of another shape than a dictionary and an array are ignored.
+/// gives way to the later one's. Values of another shape than a dictionary and an array are
+/// ignored.
 void MergeNvram(const MatchRecord& match, PlanValues& plan);
 
 }  // namespace fernwick

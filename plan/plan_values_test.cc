@@ -80,8 +80,7 @@ TEST(MergeNvram, IgnoresOtherShapes) {
 }
 
 TEST(MergeNvram, SetAndClearOfOneVariableBothStand) {
-  const auto plan =
-      MergedFrom({{{"SetNVRAM", Dictionary{{"a", 1}}}, {"ClearNVRAM", Array{"a"}}}});
+  const auto plan = MergedFrom({{{"SetNVRAM", Dictionary{{"a", 1}}}, {"ClearNVRAM", Array{"a"}}}});
   EXPECT_EQ(plan.nvramToSet, (Dictionary{{"a", 1}}));
   EXPECT_EQ(plan.nvramToClear, (Array{"a"}));
 }

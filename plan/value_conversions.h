@@ -11,9 +11,9 @@ namespace fernwick {
 
 /// How the report and the plan take the values of a match record. Null stands for an absent value.
 
-/// 64 bits in two's-complement form; a narrower integer is its low bits. A number is truncated toward
-/// zero and saturated; of a text, the decimal number at its start; anything else and an absent value
-/// give 0.
+/// 64 bits in two's-complement form; a narrower integer is its low bits. A number is truncated
+/// toward zero and saturated; of a text, the decimal number at its start; anything else and an
+/// absent value give 0.
 std::uint64_t IntegerOf(const PropertyValue* value);
 
 /// The low 32 bits of IntegerOf.

@@ -6,9 +6,9 @@ namespace fernwick {
 /// `message` begins with "** " and carries its own newline.
 void WriteDiagnostic(const char* message);
 
-/// Ends the process abnormally (SIGABRT) because of a fault that has no gentler path. `fault` goes to
-/// the system log alone; nothing more reaches standard output, not even what waits in its buffer, nor
-/// standard error.
+/// Ends the process abnormally (SIGABRT) because of a fault that has no gentler path. `fault` goes
+/// to the system log alone; nothing more reaches standard output, not even what waits in its
+/// buffer, nor standard error.
 [[noreturn]] void EndAbnormally(const char* fault);
 
 }  // namespace fernwick

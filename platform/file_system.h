@@ -6,8 +6,8 @@
 
 namespace fernwick {
 
-/// Whether anything stands at the path, links followed. A dangling link, a path through a file and an
-/// over-long path do not exist.
+/// Whether anything stands at the path, links followed. A dangling link, a path through a file and
+/// an over-long path do not exist.
 bool PathExists(const std::string& path);
 
 /// What became of reading a file whole.

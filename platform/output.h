@@ -5,8 +5,8 @@
 
 namespace fernwick {
 
-/// The stream that a run prints to. It remembers the first write that failed, so that a plan that did
-/// not arrive is never taken for a success.
+/// The stream that a run prints to. It remembers the first write that failed, so that a plan that
+/// did not arrive is never taken for a success.
 class Output {
  public:
   /// Does not own `stream`.

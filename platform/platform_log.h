@@ -17,12 +17,11 @@ using LogArgument =
 
 /// Writes one line to the system log. It also reaches standard error, as "fernwick: MESSAGE". In
 /// `format`, "%@" stands for the textual form of a value: the text of a string, "(null)" for an
-/// absent value, the textual dump of anything else; "%lu" for a number in decimal. REQUIRES: as many
-/// arguments as directives, in their order.
+/// absent value, the textual dump of anything else; "%lu" for a number in decimal. REQUIRES: as
+/// many arguments as directives, in their order.
 void PlatformLog(std::string_view format, std::initializer_list<LogArgument> arguments = {});
 
 /// The message that PlatformLog writes.
-std::string FormatLogMessage(std::string_view format,
-                             std::initializer_list<LogArgument> arguments);
+std::string FormatLogMessage(std::string_view format, std::initializer_list<LogArgument> arguments);
 
 }  // namespace fernwick

@@ -4,8 +4,8 @@
 
 namespace fernwick {
 
-/// The registry of the computer that the tool runs on. This platform has no I/O registry, so it is a
-/// registry without entries: nothing is found, no property is set, no service matches.
+/// The registry of the computer that the tool runs on. This platform has no I/O registry, so it is
+/// a registry without entries: nothing is found, no property is set, no service matches.
 class HostRegistry : public Registry {
  public:
   RegistryEntry LookupEntryByPath(std::string_view path) override;

@@ -10,9 +10,9 @@ namespace fernwick {
 /// The class of USB-C port controllers.
 inline constexpr std::string_view PortControllerClass = "QuinceHPMDevice";
 
-/// The computer's own USB-C port controllers: those whose "Route String" is absent or 0. One that sits
-/// below a Thunderbolt controller carries that one's fields too, and is listed only when its "Address"
-/// is absent or 0. Taken afresh each time.
+/// The computer's own USB-C port controllers: those whose "Route String" is absent or 0. One that
+/// sits below a Thunderbolt controller carries that one's fields too, and is listed only when its
+/// "Address" is absent or 0. Taken afresh each time.
 HardwareInventory CollectPortControllers(Registry& registry);
 
 }  // namespace fernwick

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <map>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "value/property_list_reader.h"
 #include "value/text_position.h"
@@ -16,6 +17,16 @@ std::string Quoted(std::string_view text) {
   return "\"" + Excerpt(text) + "\"";
 }
 
+// What is wrong with a dictionary that may hold no key but those known; empty when nothing is.
+std::string DescribeUnknownKey(const Dictionary& dictionary,
+                               std::initializer_list<std::string_view> known) {
+  for (const auto& entry : dictionary.Entries()) {
+    if (std::ranges::find(known, entry.key.View()) != known.end()) continue;
+    return "the key " + Quoted(entry.key.View()) + " is not known";
+  }
+  return {};
+}
+
 class RecordingReader {
  public:
   RecordingReading Read(const PropertyValue& value) {
@@ -24,57 +35,59 @@ class RecordingReader {
   }
 
  private:
-  // An entry that is put into a plane by a link, to be looked up when all entries are known.
-  struct PendingLink {
-    std::string nodePath;
-    std::string target;  // the ID of the entry
-    std::string plane;
-    std::size_t place;  // in that plane's shape
+  static constexpr std::size_t NoNode = ~std::size_t{0};
+
+  // Where a node stands. Nodes are numbered in the order of the file.
+  struct Node {
+    std::size_t plane;    // index in planeNames_
+    std::size_t parent;   // NoNode at a plane's root
+    std::size_t ordinal;  // among its parent's children
+    RegistryEntry entry;  // 0: a link that is not resolved yet
   };
 
-  // A node of a plane before its links are resolved.
-  struct ShapeNode {
-    std::string path;
-    RegistryEntry entry;  // 0: a link that is not resolved yet
-    std::size_t parent;   // index in the same shape; its own for the root
+  struct Link {
+    std::size_t node;
+    std::string target;  // the ID of the entry
   };
-  using Shape = std::vector<ShapeNode>;
 
   // An entry that links can refer to.
   struct IdentifiedEntry {
     RegistryEntry entry;
-    std::string plane;  // the one that defines it
+    std::size_t plane;  // the one that defines it
   };
 
-  bool Fail(std::string_view path, std::string message) {
-    error_ = path.empty() ? std::move(message) : std::string(path) + ": " + message;
+  bool Fail(std::string message) {
+    error_ = std::move(message);
     return false;
+  }
+
+  bool FailAt(std::size_t node, std::string_view message) {
+    return Fail(PathOf(node) + ": " + std::string(message));
+  }
+
+  // Put together only for a message: a recording may have millions of nodes.
+  std::string PathOf(std::size_t number) const {
+    const auto& node = nodes_[number];
+    if (node.parent == NoNode) return "Planes/" + planeNames_[node.plane];
+    return PathOf(node.parent) + "/Children[" + std::to_string(node.ordinal) + "]";
   }
 
   bool ReadTopLevel(const PropertyValue& value) {
     const auto* top = value.AsDictionary();
-    if (top == nullptr) return Fail("", "a recording is a dictionary");
-    return CheckVersion(*top) && CheckKeys("", *top, {"Recording Version", "Classes", "Planes"}) &&
-           ReadClasses(*top) && ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
+    if (top == nullptr) return Fail("a recording is a dictionary");
+    if (!CheckVersion(*top)) return false;
+    auto unknown = DescribeUnknownKey(*top, {"Recording Version", "Classes", "Planes"});
+    if (!unknown.empty()) return Fail(std::move(unknown));
+    return ReadClasses(*top) && ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
   }
 
   // First of all, so that a recording of another version is told by its version.
   bool CheckVersion(const Dictionary& top) {
     const auto* version = top.Find("Recording Version");
-    if (version == nullptr) return Fail("", "\"Recording Version\" is missing");
+    if (version == nullptr) return Fail("\"Recording Version\" is missing");
     const auto* number = version->AsInteger();
     if (number == nullptr || *number != Integer(1)) {
-      return Fail("", "\"Recording Version\" is not the integer 1");
-    }
-    return true;
-  }
-
-  bool CheckKeys(std::string_view path, const Dictionary& dictionary,
-                 std::initializer_list<std::string_view> known) {
-    for (const auto& entry : dictionary.Entries()) {
-      const auto key = entry.key.View();
-      if (std::ranges::find(known, key) != known.end()) continue;
-      return Fail(path, "the key " + Quoted(key) + " is not known");
+      return Fail("\"Recording Version\" is not the integer 1");
     }
     return true;
   }
@@ -83,27 +96,26 @@ class RecordingReader {
     const auto* value = top.Find("Classes");
     if (value == nullptr) return true;
     const auto* classes = value->AsDictionary();
-    if (classes == nullptr) return Fail("Classes", "not a dictionary");
+    if (classes == nullptr) return Fail("Classes: not a dictionary");
     for (const auto& [key, superclass] : classes->Entries()) {
       const auto name = superclass.AsString();
       if (!name) {
-        return Fail("Classes", "the superclass of " + Quoted(key.View()) + " is not a string");
+        return Fail("Classes: the superclass of " + Quoted(key.View()) + " is not a string");
       }
       recording_.superclasses.emplace(key.View(), *name);
     }
     return CheckClassChains();
   }
 
-  // Walks every chain once: what has been seen to end need not be walked again.
+  // Walks every chain once: what an earlier walk has seen to end need not be walked again.
   bool CheckClassChains() {
-    std::unordered_map<std::string_view, std::string_view>
-        walkOf;  // class to the start of its walk
+    std::map<std::string_view, std::string_view> walks;  // class to the start of its walk
     for (const auto& [start, ignored] : recording_.superclasses) {
       std::string_view name = start;
       for (;;) {
-        const auto [walk, isNew] = walkOf.emplace(name, start);
+        const auto [walk, isNew] = walks.emplace(name, start);
         if (!isNew && walk->second == start) {
-          return Fail("Classes", "the class " + Quoted(name) + " derives from itself");
+          return Fail("Classes: the class " + Quoted(name) + " derives from itself");
         }
         const auto superclass = recording_.superclasses.find(name);
         if (!isNew || superclass == recording_.superclasses.end()) break;
@@ -115,152 +127,145 @@ class RecordingReader {
 
   bool ReadPlanes(const Dictionary& top) {
     const auto* value = top.Find("Planes");
-    if (value == nullptr) return Fail("", "\"Planes\" is missing");
+    if (value == nullptr) return Fail("\"Planes\" is missing");
     const auto* planes = value->AsDictionary();
-    if (planes == nullptr) return Fail("Planes", "not a dictionary");
+    if (planes == nullptr) return Fail("Planes: not a dictionary");
     for (const auto& [name, root] : planes->Entries()) {
-      plane_ = name.View();
-      shapes_.emplace(plane_, Shape());
-      if (!ReadNode("Planes/" + plane_, root, 0)) return false;
+      planeNames_.emplace_back(name.View());
+      if (!ReadNode(root, NoNode, 0)) return false;
     }
     return true;
   }
 
-  bool ReadNode(const std::string& path, const PropertyValue& value, std::size_t parent) {
+  bool ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
+    const std::size_t number = nodes_.size();
+    nodes_.push_back({planeNames_.size() - 1, parent, ordinal, 0});
     const auto* node = value.AsDictionary();
-    if (node == nullptr) return Fail(path, "not a dictionary");
-    auto& shape = shapes_[plane_];
-    const std::size_t place = shape.size();
-    shape.push_back({path, 0, parent});
+    if (node == nullptr) return FailAt(number, "not a dictionary");
     const bool isLink = node->Find("Link") != nullptr;
-    const bool read = isLink ? ReadLink(path, *node, place) : ReadEntry(path, *node, place);
-    return read && ReadChildren(path, *node, place);
+    const bool read = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
+    return read && ReadChildren(number, *node);
   }
 
-  bool ReadLink(const std::string& path, const Dictionary& node, std::size_t place) {
+  bool ReadLink(std::size_t number, const Dictionary& node) {
     for (const std::string_view key : {"Name", "Class", "Properties", "ID"}) {
-      if (node.Find(key) != nullptr) {
-        return Fail(path, "a link must not have " + Quoted(key));
-      }
+      if (node.Find(key) != nullptr) return FailAt(number, "a link must not have " + Quoted(key));
     }
     std::string target;
-    if (!CheckKeys(path, node, {"Link", "Children"}) || !ReadText(path, node, "Link", target)) {
+    if (!CheckKeys(number, node, {"Link", "Children"}) || !ReadText(number, node, "Link", target)) {
       return false;
     }
-    links_.push_back({path, std::move(target), plane_, place});
+    links_.push_back({number, std::move(target)});
     return true;
   }
 
-  bool ReadEntry(const std::string& path, const Dictionary& node, std::size_t place) {
-    const bool isRoot = place == 0;
+  bool ReadEntry(std::size_t number, const Dictionary& node) {
     RecordedEntry entry;
-    if (!CheckKeys(path, node, {"Name", "Class", "Properties", "ID", "Children"}) ||
-        !ReadName(path, node, isRoot, entry.name) || !ReadText(path, node, "Class", entry.class_) ||
-        !ReadProperties(path, node, entry)) {
+    if (!CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"}) ||
+        !ReadName(number, node, entry.name) || !ReadText(number, node, "Class", entry.class_) ||
+        !ReadProperties(number, node, entry.properties)) {
       return false;
     }
     recording_.entries.push_back(std::move(entry));
-    const auto handle = static_cast<RegistryEntry>(recording_.entries.size());
-    shapes_[plane_][place].entry = handle;
-    return ReadId(path, node, handle);
+    nodes_[number].entry = static_cast<RegistryEntry>(recording_.entries.size());
+    return ReadId(number, node);
+  }
+
+  bool CheckKeys(std::size_t number, const Dictionary& node,
+                 std::initializer_list<std::string_view> known) {
+    const auto unknown = DescribeUnknownKey(node, known);
+    return unknown.empty() || FailAt(number, unknown);
   }
 
   // The string under `key`, left as it was when the key is absent.
-  bool ReadText(const std::string& path, const Dictionary& node, std::string_view key,
+  bool ReadText(std::size_t number, const Dictionary& node, std::string_view key,
                 std::string& text) {
     const auto* value = node.Find(key);
     if (value == nullptr) return true;
     const auto string = value->AsString();
-    if (!string) return Fail(path, Quoted(key) + " is not a string");
+    if (!string) return FailAt(number, Quoted(key) + " is not a string");
     text = *string;
     return true;
   }
 
-  bool ReadName(const std::string& path, const Dictionary& node, bool isRoot, std::string& name) {
+  bool ReadName(std::size_t number, const Dictionary& node, std::string& name) {
     if (node.Find("Name") == nullptr) {
-      return isRoot || Fail(path, "\"Name\" is missing");
+      return nodes_[number].parent == NoNode || FailAt(number, "\"Name\" is missing");
     }
-    if (!ReadText(path, node, "Name", name)) return false;
-    if (name.empty()) return Fail(path, "\"Name\" is empty");
-    if (name.find('/') != std::string::npos) return Fail(path, "\"Name\" holds a \"/\"");
-    return true;
+    if (!ReadText(number, node, "Name", name)) return false;
+    if (name.empty()) return FailAt(number, "\"Name\" is empty");
+    return name.find('/') == std::string::npos || FailAt(number, "\"Name\" holds a \"/\"");
   }
 
-  bool ReadProperties(const std::string& path, const Dictionary& node, RecordedEntry& entry) {
+  bool ReadProperties(std::size_t number, const Dictionary& node, Dictionary& properties) {
     const auto* value = node.Find("Properties");
     if (value == nullptr) return true;
-    const auto* properties = value->AsDictionary();
-    if (properties == nullptr) return Fail(path, "\"Properties\" is not a dictionary");
-    entry.properties = *properties;
+    if (value->AsDictionary() == nullptr) {
+      return FailAt(number, "\"Properties\" is not a dictionary");
+    }
+    properties = *value->AsDictionary();
     return true;
   }
 
-  bool ReadId(const std::string& path, const Dictionary& node, RegistryEntry handle) {
+  bool ReadId(std::size_t number, const Dictionary& node) {
     if (node.Find("ID") == nullptr) return true;
     std::string id;
-    if (!ReadText(path, node, "ID", id)) return false;
-    if (id.empty()) return Fail(path, "\"ID\" is empty");
-    if (!entriesById_.emplace(id, IdentifiedEntry{handle, plane_}).second) {
-      return Fail(path, "the ID " + Quoted(id) + " is taken by an earlier node");
-    }
-    return true;
+    if (!ReadText(number, node, "ID", id)) return false;
+    if (id.empty()) return FailAt(number, "\"ID\" is empty");
+    const IdentifiedEntry identified{nodes_[number].entry, nodes_[number].plane};
+    if (entriesById_.emplace(id, identified).second) return true;
+    return FailAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
   }
 
-  bool ReadChildren(const std::string& path, const Dictionary& node, std::size_t place) {
+  bool ReadChildren(std::size_t number, const Dictionary& node) {
     const auto* value = node.Find("Children");
     if (value == nullptr) return true;
     const auto* children = value->AsArray();
-    if (children == nullptr) return Fail(path, "\"Children\" is not an array");
+    if (children == nullptr) return FailAt(number, "\"Children\" is not an array");
     for (std::size_t i = 0; i < children->size(); ++i) {
-      const auto childPath = path + "/Children[" + std::to_string(i) + "]";
-      if (!ReadNode(childPath, (*children)[i], place)) return false;
+      if (!ReadNode((*children)[i], number, i)) return false;
     }
     return true;
   }
 
   bool ResolveLinks() {
-    for (const auto& link : links_) {
-      const auto target = entriesById_.find(link.target);
-      if (target == entriesById_.end()) {
-        return Fail(link.nodePath, "no entry has the ID " + Quoted(link.target));
-      }
-      const auto& [entry, definingPlane] = target->second;
-      if (definingPlane == link.plane) return FailStandingTwice(link.nodePath);
-      shapes_[link.plane][link.place].entry = entry;
+    for (const auto& [number, id] : links_) {
+      const auto target = entriesById_.find(id);
+      if (target == entriesById_.end()) return FailAt(number, "no entry has the ID " + Quoted(id));
+      if (target->second.plane == nodes_[number].plane) return FailStandingTwice(number);
+      nodes_[number].entry = target->second.entry;
     }
     return true;
   }
 
-  bool FailStandingTwice(std::string_view path) {
-    return Fail(path, "the entry already stands in this plane");
+  bool FailStandingTwice(std::size_t number) {
+    return FailAt(number, "the entry already stands in this plane");
   }
 
   bool PlaceEntries() {
-    for (const auto& [name, shape] : shapes_) {
-      if (!PlaceEntries(shape, recording_.planes[name])) return false;
-    }
-    return true;
-  }
-
-  bool PlaceEntries(const Shape& shape, RecordedPlane& plane) {
-    for (std::size_t i = 0; i < shape.size(); ++i) {
-      const auto& [path, entry, parent] = shape[i];
-      const RegistryEntry parentEntry = i == 0 ? 0 : shape[parent].entry;
-      if (!plane.placements.emplace(entry, RecordedPlane::Placement{parentEntry, {}}).second) {
-        return FailStandingTwice(path);
+    for (std::size_t number = 0; number < nodes_.size(); ++number) {
+      const auto& node = nodes_[number];
+      auto& plane = recording_.planes[planeNames_[node.plane]];
+      const bool isRoot = node.parent == NoNode;
+      const RegistryEntry parent = isRoot ? 0 : nodes_[node.parent].entry;
+      if (!plane.placements.try_emplace(node.entry, RecordedPlane::Placement{parent, {}}).second) {
+        return FailStandingTwice(number);
       }
-      if (parentEntry != 0) plane.placements[parentEntry].children.push_back(entry);
+      if (isRoot) {
+        plane.root = node.entry;
+      } else {
+        plane.placements[parent].children.push_back(node.entry);
+      }
     }
-    plane.root = shape.front().entry;
     return true;
   }
 
   Recording recording_;
   std::string error_;
-  std::string plane_;  // the one being read
-  std::map<std::string, Shape, std::less<>> shapes_;
-  std::vector<PendingLink> links_;
-  std::unordered_map<std::string, IdentifiedEntry> entriesById_;
+  std::vector<std::string> planeNames_;  // the last one is being read
+  std::vector<Node> nodes_;
+  std::vector<Link> links_;
+  std::map<std::string, IdentifiedEntry, std::less<>> entriesById_;
 };
 
 }  // namespace

@@ -13,8 +13,8 @@ struct RecordingReading {
   std::string error;  // where it breaks which rule; empty when there is a recording
 };
 
-/// Reads a recorded registry, version 1, from the bytes of an XML or binary property list. The first
-/// fault refuses it whole. A fault of a node is told with the path to the node, such as
+/// Reads a recorded registry, version 1, from the bytes of an XML or binary property list. The
+/// first fault refuses it whole. A fault of a node is told with the path to the node, such as
 /// "Planes/IOService/Children[2]/Children[0]".
 RecordingReading ReadRecording(std::string bytes);
 

@@ -24,10 +24,10 @@ inline constexpr auto RegistryNotFound = static_cast<RegistryStatus>(0xE00002F0)
 /// Bit of the options of `SearchProperty`: search the entries below, too.
 inline constexpr std::uint32_t SearchRecursively = 1;
 
-/// The computer's I/O registry: entries with a class and properties, linked in named planes. The one
-/// way in which anything here learns about the hardware; the live registry and a recorded one keep
-/// the same contract. Synchronous, without side effects on the registry, used from one thread. No
-/// operation reports a failure by a message, and none minds a handle of 0.
+/// The computer's I/O registry: entries with a class and properties, linked in named planes. The
+/// one way in which anything here learns about the hardware; the live registry and a recorded one
+/// keep the same contract. Synchronous, without side effects on the registry, used from one thread.
+/// No operation reports a failure by a message, and none minds a handle of 0.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -39,8 +39,9 @@ class Registry {
   /// The entry's own property; none when it has no such property or the entry is 0.
   virtual std::optional<PropertyValue> GetProperty(RegistryEntry entry, std::string_view key) = 0;
 
-  /// The entry's own property if it has one. Otherwise, with SearchRecursively in `options`, that of
-  /// the first entry below it in `plane` that has the key, depth-first in the plane's child order.
+  /// The entry's own property if it has one. Otherwise, with SearchRecursively in `options`, that
+  /// of the first entry below it in `plane` that has the key, depth-first in the plane's child
+  /// order.
   virtual std::optional<PropertyValue> SearchProperty(RegistryEntry entry, std::string_view plane,
                                                       std::string_view key,
                                                       std::uint32_t options) = 0;
@@ -49,8 +50,9 @@ class Registry {
   virtual RegistryStatus GetParentEntry(RegistryEntry entry, std::string_view plane,
                                         RegistryEntry& parent) = 0;
 
-  /// An iterator over every entry of the service plane whose class is, or derives from, `className`,
-  /// in the registry's own order. Callers proceed only when the status is 0 and the iterator is not.
+  /// An iterator over every entry of the service plane whose class is, or derives from,
+  /// `className`, in the registry's own order. Callers proceed only when the status is 0 and the
+  /// iterator is not.
   virtual RegistryStatus MatchServicesByClass(std::string_view className,
                                               RegistryEntry& iterator) = 0;
 

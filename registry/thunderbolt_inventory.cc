@@ -32,9 +32,9 @@ void FillRid(Registry& registry, RegistryEntry controller, HardwareRecord& recor
 void FillDeviceModel(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
   auto name = registry.GetProperty(controller, "Device Model Name");
   if (name && name->AsString()) record.Set("Device Model Name", *std::move(name));
-  FillIntegers(registry, controller, record,
-               {{"Device Model ID", "Device Model ID"},
-                {"Device Model Revision", "Device Model Revision"}});
+  FillIntegers(
+      registry, controller, record,
+      {{"Device Model ID", "Device Model ID"}, {"Device Model Revision", "Device Model Revision"}});
 }
 
 void FillFirmwareMode(Registry& registry, RegistryEntry controller, HardwareRecord& record) {

@@ -6,8 +6,8 @@
 
 namespace fernwick::testing {
 
-/// Everything that reaches standard error, diagnostics and system log alike, from its construction to
-/// TakeText. One at a time.
+/// Everything that reaches standard error, diagnostics and system log alike, from its construction
+/// to TakeText. One at a time.
 class StandardErrorCapture {
  public:
   StandardErrorCapture();
@@ -38,8 +38,8 @@ class StreamCapture {
   /// All that was written, flushed or not.
   std::string Text();
 
-  /// What each flush sent out, in order. Does not flush by itself. REQUIRES: no piece was larger than
-  /// 64 KiB, which a stream sends out unasked.
+  /// What each flush sent out, in order. Does not flush by itself. REQUIRES: no piece was larger
+  /// than 64 KiB, which a stream sends out unasked.
   const std::vector<std::string>& Flushes() const { return flushes_; }
 
  private:

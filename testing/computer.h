@@ -7,14 +7,14 @@
 
 namespace fernwick::testing {
 
-/// A computer put together entry by entry, for tests that say what hardware they are about. It begins
-/// with the roots of both planes and "IODeviceTree:/options", all without properties.
+/// A computer put together entry by entry, for tests that say what hardware they are about. It
+/// begins with the roots of both planes and "IODeviceTree:/options", all without properties.
 class Computer {
  public:
   Computer();
 
-  /// The root of the device tree, which holds the board's identity, and the entry below it that holds
-  /// the boot-time settings.
+  /// The root of the device tree, which holds the board's identity, and the entry below it that
+  /// holds the boot-time settings.
   RegistryEntry Board() const { return board_; }
   RegistryEntry Options() const { return options_; }
 

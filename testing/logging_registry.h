@@ -8,9 +8,9 @@
 
 namespace fernwick::testing {
 
-/// A recorded computer that notes every call, so that a test can prove what was asked, how often and
-/// in which order. A call reads "GetProperty Port0 UUID": the operation and its arguments, entries by
-/// name (a root as "root"), iterators as "iterator 1" and so on, the handle 0 as "none".
+/// A recorded computer that notes every call, so that a test can prove what was asked, how often
+/// and in which order. A call reads "GetProperty Port0 UUID": the operation and its arguments,
+/// entries by name (a root as "root"), iterators as "iterator 1" and so on, the handle 0 as "none".
 class LoggingRegistry : public Registry {
  public:
   explicit LoggingRegistry(const Recording& recording)

@@ -16,8 +16,8 @@ class TemporaryDirectory {
   /// Absolute, without a "/" at its end.
   const std::string& Path() const { return path_; }
 
-  /// Writes a file at a path relative to the directory, its parent directories included. Returns its
-  /// absolute path.
+  /// Writes a file at a path relative to the directory, its parent directories included. Returns
+  /// its absolute path.
   std::string Write(std::string_view relativePath, std::string_view contents) const;
 
  private:

@@ -21,7 +21,8 @@ std::uint64_t BigEndianNumber(std::string_view bytes) {
 
 bool BinaryLayout::Read(std::string_view file, ParseFault& fault) {
   if (!file.starts_with(Header)) return fault.Set(7, "the version is not \"00\"");
-  if (file.size() < HeaderSize + TrailerSize) return fault.Set(file.size(), "the file is cut short");
+  if (file.size() < HeaderSize + TrailerSize)
+    return fault.Set(file.size(), "the file is cut short");
   file_ = file;
   const std::size_t trailer = file.size() - TrailerSize;
   const auto field = [&](std::size_t at, std::size_t width) {

@@ -12,10 +12,10 @@ namespace fernwick {
 ///
 ///   "bplist00", the objects, the offset table, a trailer of 32 bytes
 ///
-/// The offset table holds, per object number, the object's place in the file. The trailer holds, from
-/// its byte 6 on: the width of a table offset, the width of an object number inside an array or
-/// dictionary (a byte each), the count of objects, the number of the top object and the place of the
-/// offset table (eight bytes each).
+/// The offset table holds, per object number, the object's place in the file. The trailer holds,
+/// from its byte 6 on: the width of a table offset, the width of an object number inside an array
+/// or dictionary (a byte each), the count of objects, the number of the top object and the place of
+/// the offset table (eight bytes each).
 inline constexpr std::string_view BinarySignature = "bplist0";
 
 /// The table of contents of a file whose header and trailer have been checked against its size.

@@ -355,8 +355,9 @@ class BinaryPropertyListReader {
   std::size_t nesting_ = 0;
   std::vector<bool> isOpen_;  // by object: whether it is a container around the place that is read
   std::vector<PropertyValue> values_;
-  // Strings that have been checked or decoded, by their place: a large one that is shared often must
-  // not cost its size each time. Ordered, as a file picks the places and could make hashes clash.
+  // Strings that have been checked or decoded, by their place: a large one that is shared often
+  // must not cost its size each time. Ordered, as a file picks the places and could make hashes
+  // clash.
   std::map<std::size_t, SharedBytes> knownTexts_;
 };
 

@@ -6,8 +6,8 @@
 namespace fernwick {
 
 /// Reads a binary property list. Counts, offsets and sizes are checked before anything is allocated
-/// for them; an object may be shared, but what it stands for counts each time it is reached, against
-/// 2^24 values in all. ASCII strings and data view the file and share its buffer.
+/// for them; an object may be shared, but what it stands for counts each time it is reached,
+/// against 2^24 values in all. ASCII strings and data view the file and share its buffer.
 ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file);
 
 }  // namespace fernwick

@@ -12,8 +12,7 @@ namespace fernwick {
 class Integer {
  public:
   template <std::integral T>
-    requires(!std::same_as<T, bool>)
-  constexpr Integer(T value)  // NOLINT: an integer is an Integer
+  requires(!std::same_as<T, bool>) constexpr Integer(T value)  // NOLINT: an integer is an Integer
       : bits_(static_cast<std::uint64_t>(value)), negative_(value < T{}) {}
 
   /// The integer −`magnitude`; nothing when it lies below −2^63.
@@ -52,8 +51,8 @@ std::partial_ordering CompareNumbers(const Number& a, const Number& b);
 /// saturated to 0 ... 2^64−1, NaN as 0.
 std::uint64_t ToUnsigned64(const Number& number);
 
-/// 64 bits in two's-complement form: an integer as it is; a real truncated toward zero and saturated
-/// to −2^63 ... 2^63−1, NaN as 0. Narrower widths are its low bits.
+/// 64 bits in two's-complement form: an integer as it is; a real truncated toward zero and
+/// saturated to −2^63 ... 2^63−1, NaN as 0. Narrower widths are its low bits.
 std::uint64_t ToSigned64Bits(const Number& number);
 
 /// Whether the number is other than 0; NaN is.

@@ -30,8 +30,7 @@ std::optional<Integer> ParseInteger(std::string_view text) {
   if (hexadecimal) text.remove_prefix(2);
   std::uint64_t magnitude = 0;
   const char* end = text.data() + text.size();
-  const auto [rest, fault] =
-      std::from_chars(text.data(), end, magnitude, hexadecimal ? 16 : 10);
+  const auto [rest, fault] = std::from_chars(text.data(), end, magnitude, hexadecimal ? 16 : 10);
   if (fault != std::errc() || rest != end) return std::nullopt;
   if (minus) return Integer::Negated(magnitude);
   return Integer(magnitude);

@@ -78,8 +78,7 @@ class XmlWriter {
       case '<': escaped += "&lt;"; break;
       case '>': escaped += "&gt;"; break;
       case '\r': escaped += "&#13;"; break;  // a bare one would be read as a line feed
-      default:
-        AppendUtf8(escaped, IsTextCharacter(character) ? character : ReplacementCharacter);
+      default: AppendUtf8(escaped, IsTextCharacter(character) ? character : ReplacementCharacter);
     }
   }
 

@@ -28,8 +28,8 @@ std::vector<std::size_t> PlacesByKey(std::span<const DictionaryEntry> entries) {
   return places;
 }
 
-// Folds the entries of one key into the first of them. Sorted, not compared pairwise: a file decides
-// how many keys there are.
+// Folds the entries of one key into the first of them. Sorted, not compared pairwise: a file
+// decides how many keys there are.
 void FoldRepeatedKeys(std::vector<DictionaryEntry>& entries) {
   const auto places = PlacesByKey(entries);
   std::vector<bool> folded(entries.size());

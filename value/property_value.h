@@ -90,10 +90,9 @@ class PropertyValue {
   PropertyValue(Date value) : value_(value) {}                   // NOLINT
   PropertyValue(Integer value) : value_(value) {}                // NOLINT
   template <std::integral T>
-    requires(!std::same_as<T, bool>)
-  PropertyValue(T value) : value_(Integer(value)) {}  // NOLINT
-  PropertyValue(std::same_as<bool> auto value) : value_(value) {}    // NOLINT
-  PropertyValue(std::same_as<double> auto value) : value_(value) {}  // NOLINT
+  requires(!std::same_as<T, bool>) PropertyValue(T value) : value_(Integer(value)) {}  // NOLINT
+  PropertyValue(std::same_as<bool> auto value) : value_(value) {}                      // NOLINT
+  PropertyValue(std::same_as<double> auto value) : value_(value) {}                    // NOLINT
 
   /// A string that holds a copy of `text`.
   PropertyValue(std::string_view text) : PropertyValue(std::string(text)) {}  // NOLINT
@@ -117,8 +116,8 @@ class PropertyValue {
   std::optional<Number> AsNumber() const;
   bool IsNumber() const { return AsNumber().has_value(); }
 
-  /// Calls `visitor` with the one of Dictionary, Array, String, Integer, double, bool, Data and Date
-  /// that the value is.
+  /// Calls `visitor` with the one of Dictionary, Array, String, Integer, double, bool, Data and
+  /// Date that the value is.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
     return std::visit(std::forward<Visitor>(visitor), value_);

@@ -28,7 +28,9 @@ class SharedBytes {
   /// Valid as long as any copy of this value lives.
   std::string_view View() const { return {first_.get(), size_}; }
 
-  friend bool operator==(const SharedBytes& a, const SharedBytes& b) { return a.View() == b.View(); }
+  friend bool operator==(const SharedBytes& a, const SharedBytes& b) {
+    return a.View() == b.View();
+  }
 
  private:
   explicit SharedBytes(const SourceBuffer& buffer) : SharedBytes(buffer, *buffer) {}

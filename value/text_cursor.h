@@ -8,8 +8,8 @@
 
 namespace fernwick {
 
-/// Takes the tokens of the old text form, one after the other. Each operation that returns a boolean
-/// answers false when it met a fault, which Fault() then names.
+/// Takes the tokens of the old text form, one after the other. Each operation that returns a
+/// boolean answers false when it met a fault, which Fault() then names.
 class TextCursor {
  public:
   /// Views the text. REQUIRES: well-formed UTF-8.

@@ -12,8 +12,9 @@ struct TextPosition {
   std::size_t column;
 };
 
-/// The position of the byte at `offset`. A line ends with a line feed, a carriage return, or both in
-/// that pair. REQUIRES: `text` is well-formed UTF-8 up to `offset`, which lies in it or at its end.
+/// The position of the byte at `offset`. A line ends with a line feed, a carriage return, or both
+/// in that pair. REQUIRES: `text` is well-formed UTF-8 up to `offset`, which lies in it or at its
+/// end.
 TextPosition PositionAt(std::string_view text, std::size_t offset);
 
 /// "line 3, column 7: MESSAGE".

@@ -43,7 +43,10 @@ class TextPropertyListReader {
     SharedBytes string;
     if (!ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
     if (cursor_.LookingAt('=')) return ReadBarePairs(std::move(string));
-    if (!isQuoted) return Fail(start, "one unquoted string is not a property list");
+    if (!isQuoted) {
+      return cursor_.AtEnd() ? Fail(start, "one unquoted string is not a property list")
+                             : Fail(cursor_.Offset(), "\"=\" was expected");
+    }
     return ExpectEnd(String{std::move(string)});
   }
 
@@ -135,7 +138,8 @@ class TextPropertyListReader {
   bool ReadString(SharedBytes& shared, const char* what) {
     if (!cursor_.LookingAtQuote()) {
       const auto string = cursor_.ReadUnquoted();
-      if (string.empty()) return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
+      if (string.empty())
+        return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
       shared = SharedBytes(source_.buffer, string);
       return true;
     }

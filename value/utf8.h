@@ -48,7 +48,8 @@ struct TranscodedText {
   std::size_t invalidAt;  // offset of the fault in the UTF-16 bytes, or NoPlace
 };
 
-/// Transcodes without looking for a byte-order mark. A lone surrogate or an odd last byte is a fault.
+/// Transcodes without looking for a byte-order mark. A lone surrogate or an odd last byte is a
+/// fault.
 TranscodedText TranscodeUtf16(std::string_view bytes, ByteOrder order);
 
 }  // namespace fernwick

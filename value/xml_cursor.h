@@ -10,14 +10,14 @@ namespace fernwick {
 
 /// A start tag whose attributes have been read and checked.
 struct XmlStartTag {
-  std::size_t offset = 0;     // of its "<"
-  std::string_view name;      // views the document
+  std::size_t offset = 0;       // of its "<"
+  std::string_view name;        // views the document
   bool isEmptyElement = false;  // "<name/>"
 };
 
 /// Walks through the markup of one XML document and holds it to being well-formed. It knows nothing
-/// of property lists and builds nothing. Each operation that returns a boolean answers false when it
-/// met a fault, which Fault() then names; nothing more is read after that.
+/// of property lists and builds nothing. Each operation that returns a boolean answers false when
+/// it met a fault, which Fault() then names; nothing more is read after that.
 class XmlCursor {
  public:
   /// Views the document. REQUIRES: UTF-8 of characters that XML can carry.

@@ -40,7 +40,8 @@ class XmlPropertyListReader {
     if (!ReadStartTag(tag)) return false;
     const bool read = tag.name == "plist" ? ReadPlistElement(tag) : ReadElement(tag);
     if (!read || !cursor_.SkipMiscellany()) return false;
-    if (!cursor_.AtEnd()) return cursor_.Fail(cursor_.Offset(), "something follows the root element");
+    if (!cursor_.AtEnd())
+      return cursor_.Fail(cursor_.Offset(), "something follows the root element");
     return true;
   }
 
@@ -71,7 +72,8 @@ class XmlPropertyListReader {
   bool ReadElement(const XmlStartTag& tag) {
     const auto read = ReaderOf(tag.name);
     if (read != nullptr) return (this->*read)(tag);
-    if (tag.name == "key") return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
+    if (tag.name == "key")
+      return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
     return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
   }
 
