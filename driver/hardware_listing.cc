@@ -2,7 +2,6 @@
 
 #include <cinttypes>
 
-#include "plan/value_conversions.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
 #include "value/textual_dump.h"

@@ -4,9 +4,20 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <new>
+#include <string_view>
 
 namespace fernwick {
 namespace {
+
+int statusWhenOutOfMemory;
+
+// Leaves what waits in the buffer of standard output where it is: half a plan is worse than none.
+[[noreturn]] void EndOutOfMemory() {
+  constexpr std::string_view Message = "fernwick: out of memory\n";
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, Message.data(), Message.size());
+  _exit(statusWhenOutOfMemory);
+}
 
 // Opened the wrong way round, so that using the stream fails as it would if it were closed.
 void ReserveIfClosed(int descriptor, int mode) {
@@ -17,7 +28,9 @@ void ReserveIfClosed(int descriptor, int mode) {
 
 }  // namespace
 
-void PrepareProcess() {
+void PrepareProcess(int outOfMemoryStatus) {
+  statusWhenOutOfMemory = outOfMemoryStatus;
+  std::set_new_handler(EndOutOfMemory);
   std::signal(SIGPIPE, SIG_IGN);
   ReserveIfClosed(STDIN_FILENO, O_WRONLY);
   ReserveIfClosed(STDOUT_FILENO, O_RDONLY);

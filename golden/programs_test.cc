@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,17 @@ TEST(Output, ClosedDoesNotMatterWhenNothingIsPrinted) {
                  "fernwick: Unexpected format for config plist file.  Aborting\n"});
 }
 
+// The limit is above what the program needs and below what the file does.
+TEST(Memory, ThatRunsOutEndsWithoutAPlan) {
+  const testing::TemporaryDirectory directory;
+  const auto configuration = directory.Write("Fernwick/Zed-1A05/Config.plist", "");
+  std::filesystem::resize_file(configuration, std::size_t{1} << 28);
+  const auto outcome = RunChild({"/bin/sh", "-c", "ulimit -v 200000; exec \"$0\" \"$@\"",
+                                 FERNWICK_LAB_PROGRAM, "replay", Recording, "-p", directory.Path()},
+                                FERNWICK_GOLDEN_DIRECTORY);
+  ExpectOutcome(outcome, {"66", "", "fernwick: out of memory\n"});
+}
+
 TEST(Tool, RunsOverARegistryWithoutEntries) {
   ExpectOutcome(RunTool({"-v", "-p", Payload}),
                 {"13",
@@ -105,6 +117,13 @@ TEST(Lab, WithoutAVerbTellsItsUsage) {
 
 TEST(Lab, HelpIsAResult) {
   ExpectOutcome(RunLab({"--help"}), {"0", Usage, ""});
+}
+
+TEST(Lab, HelpThatCannotBeWrittenIsNoSuccess) {
+  const std::string lost =
+      "fernwick-lab: standard output could not be written: No space left on device\n";
+  ExpectOutcome(RunLab({"--help"}, OutputTarget::FullDisk), {"74", "", lost});
+  ExpectOutcome(RunLab({"replay", "--help"}, OutputTarget::FullDisk), {"74", "", lost});
 }
 
 TEST(Lab, RefusesAnUnknownVerb) {

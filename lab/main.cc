@@ -22,32 +22,30 @@ constexpr Verb Verbs[] = {
     {"replay", "run the tool over a recorded computer", ReplayHelp, Replay},
 };
 
-void PrintUsage(std::FILE* stream) {
-  std::fputs("usage: fernwick-lab VERB [ARGUMENT...]\n\nverbs:\n", stream);
+std::string Usage() {
+  std::string text = "usage: fernwick-lab VERB [ARGUMENT...]\n\nverbs:\n";
   for (const auto& verb : Verbs) {
-    std::fprintf(stream, "  %-10s %s\n", verb.name.data(), verb.summary);
+    auto name = std::string(verb.name);
+    name.resize(11, ' ');
+    text.append("  ").append(name).append(verb.summary).append("\n");
   }
-  std::fputs("\n\"fernwick-lab VERB --help\" explains one.\n", stream);
+  return text + "\n\"fernwick-lab VERB --help\" explains one.\n";
 }
 
 int RunVerb(const Verb& verb, int argumentCount, char* const arguments[]) {
   if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
-    std::fputs(verb.help, stdout);
-    return LabStatus::Done;
+    return PrintResult(verb.help);
   }
   return verb.run(argumentCount, arguments);
 }
 
 int Main(int argumentCount, char* const arguments[]) {
   if (argumentCount < 2) {
-    PrintUsage(stderr);
+    std::fputs(Usage().c_str(), stderr);
     return LabStatus::BadUsage;
   }
   const std::string_view name = arguments[1];
-  if (name == "--help") {
-    PrintUsage(stdout);
-    return LabStatus::Done;
-  }
+  if (name == "--help") return PrintResult(Usage());
   for (const auto& verb : Verbs) {
     if (verb.name == name) return RunVerb(verb, argumentCount - 2, arguments + 2);
   }
@@ -59,6 +57,6 @@ int Main(int argumentCount, char* const arguments[]) {
 }  // namespace fernwick::lab
 
 int main(int argc, char* argv[]) {
-  fernwick::PrepareProcess();
+  fernwick::PrepareProcess(fernwick::lab::LabStatus::UnreadableInput);
   return fernwick::lab::Main(argc, argv);
 }

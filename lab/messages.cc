@@ -1,22 +1,16 @@
 #include "lab/messages.h"
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 
+#include "lab/exit_status.h"
+#include "platform/output.h"
+#include "value/printable.h"
 #include "value/utf8.h"
 
 namespace fernwick::lab {
 namespace {
-
-bool IsControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character <= 0x9F);
-}
-
-void AppendOctal(std::string& text, unsigned byte) {
-  char escape[8];
-  std::snprintf(escape, sizeof escape, "\\%03o", byte);
-  text += escape;
-}
 
 // Bytes that are not UTF-8 (a path may hold any) are escaped one by one.
 std::string Printable(std::string_view message) {
@@ -24,9 +18,9 @@ std::string Printable(std::string_view message) {
   while (!message.empty()) {
     const auto [character, length] = DecodeUtf8(message);
     if (length == 0) {
-      AppendOctal(text, static_cast<unsigned char>(message.front()));
-    } else if (IsControl(character)) {
-      AppendOctal(text, character);
+      AppendOctalEscape(text, static_cast<unsigned char>(message.front()));
+    } else if (IsControlCharacter(character)) {
+      AppendOctalEscape(text, character);
     } else {
       text += message.substr(0, length);
     }
@@ -39,6 +33,15 @@ std::string Printable(std::string_view message) {
 
 void PrintError(std::string_view message) {
   std::fprintf(stderr, "fernwick-lab: %s\n", Printable(message).c_str());
+}
+
+int PrintResult(std::string_view text) {
+  Output out(stdout);
+  out.Write(text);
+  out.Flush();
+  if (out.Error() == 0) return LabStatus::Done;
+  PrintError(std::string("standard output could not be written: ") + std::strerror(out.Error()));
+  return LabStatus::OutputLost;
 }
 
 }  // namespace fernwick::lab

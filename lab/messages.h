@@ -8,4 +8,8 @@ namespace fernwick::lab {
 /// message reaches no terminal raw: control characters are shown as octal escapes.
 void PrintError(std::string_view message);
 
+/// Prints a whole result on standard output. Returns the exit status: LabStatus::Done, or
+/// LabStatus::OutputLost after a line on standard error when it could not be written.
+int PrintResult(std::string_view text);
+
 }  // namespace fernwick::lab

@@ -297,8 +297,8 @@ TEST(Configuration, ALinkToItselfDoesNotExist) {
 
 TEST(Configuration, IsReadThroughLinks) {
   const Payload payload;
-  payload.Write("shared/Real.plist", SmallConfig);
-  fs::create_symlink("../shared/Real.plist", payload.ConfigPath());
+  payload.Write("common/Real.plist", SmallConfig);
+  fs::create_symlink("../common/Real.plist", payload.ConfigPath());
   fs::create_symlink("Zed-42", payload.PersonalitiesDirectory() + "Zed-43");
   EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
 }
@@ -369,8 +369,7 @@ TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
 }
 
 TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
-  EXPECT_EQ(LoadBytes("This is no list.\n"),
-            NotRead("line 1, column 1: one unquoted string is not a property list", 1));
+  EXPECT_EQ(LoadBytes("This is no list.\n"), NotRead("line 1, column 6: \"=\" was expected", 1));
 }
 
 TEST(Configuration, OfBrokenXmlIsToldWithTheCodeOfXml) {

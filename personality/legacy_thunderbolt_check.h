@@ -6,9 +6,8 @@
 namespace fernwick {
 
 /// Whether a "LegacyThunderbolt" personality applies to a Thunderbolt controller: its version
-/// window, "RID", the Ridge silicon and "Ridge UID". Engineering firmware is no obstacle here. The
-/// third argument is ignored; callers pass 0. May write a diagnostic to standard error when it
-/// rejects.
+/// window, whose diagnostics it writes to standard error, then "RID", the Ridge silicon and "Ridge
+/// UID". Engineering firmware is no obstacle here. The third argument is ignored; callers pass 0.
 bool CheckLegacyThunderboltRequirements(const Personality& personality,
                                         const HardwareRecord& hardware, int ignored);
 

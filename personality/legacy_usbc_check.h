@@ -5,8 +5,8 @@
 
 namespace fernwick {
 
-/// Whether a "LegacyUSBC" personality applies to a port: its version window and "Port Address". May
-/// write a diagnostic to standard error when it rejects.
+/// Whether a "LegacyUSBC" personality applies to a port: its version window, whose diagnostics it
+/// writes to standard error, and "Port Address".
 bool CheckLegacyUsbcRequirements(const Personality& personality, const HardwareRecord& hardware);
 
 }  // namespace fernwick

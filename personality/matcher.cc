@@ -54,17 +54,17 @@ void MatchPortControllers(Registry& registry, std::string_view key, const Proper
                           std::uint32_t boardRevision, Matches& matches) {
   // Taken for every key, also for one that names no type, and shared between none.
   const auto ports = CollectPortControllers(registry);
-  const auto with = [&](auto check) {
+  const auto withBoardRevision = [&](auto check) {
     return [=](const Personality& personality, const HardwareRecord& port) {
       return check(personality, port, boardRevision);
     };
   };
   if (key == PersonalityType::Thunderbolt) {
-    MatchFirstOfEach(value, ports, key, with(CheckThunderboltRequirements), matches);
+    MatchFirstOfEach(value, ports, key, withBoardRevision(CheckThunderboltRequirements), matches);
   } else if (key == PersonalityType::LegacyUsbc) {
     MatchSingle(value, ports, matches);
   } else if (key == PersonalityType::Usbc) {
-    MatchFirstOfEach(value, ports, key, with(CheckUsbcRequirements), matches);
+    MatchFirstOfEach(value, ports, key, withBoardRevision(CheckUsbcRequirements), matches);
   }
 }
 

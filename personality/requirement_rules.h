@@ -34,7 +34,8 @@ struct RequirementSet {
 };
 
 /// Whether the hardware's value equals the personality's single value or an element of its array. A
-/// personality without an optional key sets no constraint; otherwise both need the key. Presence is
+/// personality without an optional key sets no constraint; otherwise both need the key, and its
+/// missing-key message, if there is one, goes to standard error when one lacks it. Presence is
 /// tested before the kind.
 bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
                          const RequirementSet& requirement);
@@ -47,9 +48,11 @@ bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
 /// engineering firmware.
 enum class EngineeringGate { Off, On };
 
-/// Whether the personality's firmware may be installed over the hardware's: it is newer (unless
-/// `BypassVersionCheck` is set), and the installed version lies within "Existing Min Version" and
-/// "Existing Max Version", both inclusive.
+/// Whether the personality's firmware may be installed over the hardware's: it is newer, and the
+/// installed version lies within "Existing Min Version" and "Existing Max Version", both inclusive.
+/// With `BypassVersionCheck` set it need not be newer and engineering firmware is no obstacle; then
+/// an installed version that is not known lies within every bound. Writes to standard error that
+/// the version is not known, or which bound is not met or not a number.
 bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
                            EngineeringGate gate);
 

@@ -18,7 +18,7 @@ namespace fernwick {
 namespace {
 
 using testing::Applies;
-using testing::DataOf;
+using testing::Bytes;
 using testing::DoesNotApply;
 using testing::Holding;
 using testing::NestedArrays;
@@ -111,7 +111,7 @@ TEST(StringsEqual, ComparesTheExactCharacters) {
 
 TEST(StringsEqual, AnOperandThatIsNoStringMakesItFalse) {
   for (const PropertyValue& other :
-       Array{2, 2.0, true, DataOf("2"), Array{"2"}, Dictionary{{"2", "2"}}, Date{2}}) {
+       Array{2, 2.0, true, Bytes("2"), Array{"2"}, Dictionary{{"2", "2"}}, Date{2}}) {
     EXPECT_FALSE(StringsEqual(other, "2")) << ::testing::PrintToString(other);
     EXPECT_FALSE(StringsEqual("2", other)) << ::testing::PrintToString(other);
     EXPECT_FALSE(StringsEqual(other, other)) << ::testing::PrintToString(other);
@@ -234,7 +234,7 @@ TEST(RequirementSetMatch, ElementsOfAnotherKindNeverMatch) {
     EXPECT_EQ(Matching(Optional, Array{value}, 5), DoesNotApply()) << name;
     EXPECT_EQ(Matching(Optional, Array{value}, value), DoesNotApply()) << name;
   }
-  EXPECT_EQ(Matching(Text, Array{2, 2.0, true, DataOf("2"), Array{"2"}}, "2"), DoesNotApply());
+  EXPECT_EQ(Matching(Text, Array{2, 2.0, true, Bytes("2"), Array{"2"}}, "2"), DoesNotApply());
 }
 
 TEST(RequirementSetMatch, ElementsOfAnotherKindDoNotSpoilTheOthers) {

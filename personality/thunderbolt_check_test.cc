@@ -14,7 +14,7 @@ namespace fernwick {
 namespace {
 
 using testing::Applies;
-using testing::DataOf;
+using testing::Bytes;
 using testing::DoesNotApply;
 using testing::NonNumbers;
 using testing::Verdict;
@@ -191,7 +191,7 @@ TEST(ThunderboltCheck, AModelNameThatIsANumberIsRejectedSilently) {
 
 TEST(ThunderboltCheck, AModelNameOfAnyOtherKindIsRejectedSilently) {
   for (const PropertyValue& name :
-       Array{true, 5.0, DataOf("Grat"), Dictionary{{"Grat", "Grat"}}, Array{}, Array{5},
+       Array{true, 5.0, Bytes("Grat"), Dictionary{{"Grat", "Grat"}}, Array{}, Array{5},
              testing::NestedArrays(2, "Grat"), testing::DateOf("2026-11-20T00:00:00Z")}) {
     EXPECT_EQ(Check(With(Update, {{"Device Model Name", name}}), Port), DoesNotApply())
         << ::testing::PrintToString(name);

@@ -7,8 +7,8 @@ namespace fernwick {
 
 /// Whether a "USBC" personality applies to a port: everything that a "LegacyUSBC" one must satisfy,
 /// then "RID", the bounds of the board revision and the port silicon. Of `boardRevision` only the
-/// low 8 bits count. Stops at the first requirement that fails; may write one diagnostic to
-/// standard error when it rejects.
+/// low 8 bits count. Stops at the first requirement that fails. Writes the diagnostics of the
+/// version window and, where a needed port silicon key is missing, of that key to standard error.
 bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
                            unsigned boardRevision);
 

@@ -14,7 +14,7 @@ namespace fernwick {
 namespace {
 
 using testing::Applies;
-using testing::DataOf;
+using testing::Bytes;
 using testing::DoesNotApply;
 using testing::NonNumbers;
 using testing::Verdict;
@@ -267,8 +267,8 @@ TEST(UsbcCheck, WithoutAUuidInThePersonalityAnyPortIsAccepted) {
 
 TEST(UsbcCheck, AUuidThatIsNoListOfStringsIsRejectedSilently) {
   for (const PropertyValue& uuid :
-       Array{5, 5.0, true, DataOf("b0A1"), Dictionary{{"b0A1", "b0A1"}}, Array{}, Array{5},
-             Array{DataOf("b0A1")}, testing::NestedArrays(2, "b0A1")}) {
+       Array{5, 5.0, true, Bytes("b0A1"), Dictionary{{"b0A1", "b0A1"}}, Array{}, Array{5},
+             Array{Bytes("b0A1")}, testing::NestedArrays(2, "b0A1")}) {
     EXPECT_EQ(Check(With(Update, {{"Port UUID", uuid}}), Port), DoesNotApply())
         << ::testing::PrintToString(uuid);
   }

@@ -7,6 +7,7 @@
 #include "plan/value_conversions.h"
 #include "platform/file_system.h"
 #include "platform/platform_log.h"
+#include "value/textual_dump.h"
 
 namespace fernwick {
 namespace {
@@ -76,8 +77,7 @@ bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, Out
   return true;
 }
 
-// The whole head is repeated for each group and must not be merged into one: it is what the
-// boot-target tool expects.
+// The whole head is repeated for each group, deliberately: it must not be merged into one.
 void InvocationBuilder::StartGroup(std::string_view type) {
   currentType = type;
   Append(arguments, {"/usr/sbin/hallow", "-verbose", "-mount", "/"});

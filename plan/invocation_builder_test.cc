@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 
+#include "plan/match_report.h"
 #include "testing/capture.h"
 
 namespace fernwick {
@@ -82,12 +83,23 @@ TEST(InvocationBuilder, OneUsbcMatchHasTwelveArguments) {
                                            {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
-TEST(InvocationBuilder, LegacyTypesTakeTheTokensOfTheirFamilies) {
-  EXPECT_EQ(Build({{{"Personality Type", "LegacyThunderbolt"}, {"RID", 4}, {"Firmware", "r"}}})
-                .arguments.back(),
-            "-g -o -sr 4 0 -ee efi-quince-payload0-data -noreset");
-  EXPECT_EQ(Build({{{"Personality Type", "LegacyUSBC"}, {"Firmware", "p"}}}).arguments.back(),
-            "-g -os -o u -f efi-quince-payload0-data -noreset");
+TEST(InvocationBuilder, OneThunderboltMatchOfEitherTypeHasTwelveArguments) {
+  for (const char* type : {"Thunderbolt", "LegacyThunderbolt"}) {
+    EXPECT_EQ(Build({{{"Personality Type", type}, {"RID", 4}, {"Firmware", "r"}}}).arguments,
+              Concatenated({Head("/P/Fernwick/RidgeFlash.efi"),
+                            {"-payload", "/P/Fernwick/Zed-42/r"},
+                            Trailer,
+                            {"-g -o -sr 4 0 -ee efi-quince-payload0-data -noreset"}}))
+        << type;
+  }
+}
+
+TEST(InvocationBuilder, OneLegacyUsbcMatchHasTwelveArguments) {
+  EXPECT_EQ(Build({{{"Personality Type", "LegacyUSBC"}, {"Firmware", "p"}}}).arguments,
+            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
+                          {"-payload", "/P/Fernwick/Zed-42/p"},
+                          Trailer,
+                          {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, UnknownTypeAloneNamesTheBareDirectory) {
@@ -100,6 +112,18 @@ TEST(InvocationBuilder, UnknownTypeIsSilentWithoutVerboseMode) {
   PlanValues plan;
   InvocationBuilder builder("/P/Fernwick/", "Zed-42");
   EXPECT_TRUE(builder.AddMatch(Unknown(), plan, nullptr));
+}
+
+TEST(InvocationBuilder, UnknownTypeIsToldBehindItsReportAndFlushed) {
+  testing::StreamCapture capture;
+  Output out(capture.Stream());
+  PlanValues plan;
+  InvocationBuilder builder("/P/Fernwick/", "Zed-42");
+  PrintMatchReport(out, Unknown());
+  builder.AddMatch(Unknown(), plan, &out);
+  ASSERT_EQ(capture.Flushes().size(), 23u);
+  EXPECT_EQ(capture.Flushes()[21], "\n\n");
+  EXPECT_EQ(capture.Flushes()[22], "\t*** No supported platform type? (was using Serial)***\n");
 }
 
 TEST(InvocationBuilder, AbsentFirmwareModeCountsAsZero) {

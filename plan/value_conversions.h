@@ -26,7 +26,4 @@ float RealOf(const PropertyValue* value);
 /// The text of a string; none for anything else and for an absent value.
 std::optional<std::string_view> TextOf(const PropertyValue* value);
 
-/// What stands for an absent text in verbose output.
-inline constexpr char AbsentText[] = "(null)";
-
 }  // namespace fernwick

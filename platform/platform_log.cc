@@ -9,16 +9,14 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view Absent = "(null)";
-
 std::string TextOf(const PropertyValue* value) {
-  if (value == nullptr) return std::string(Absent);
+  if (value == nullptr) return AbsentText;
   if (const auto text = value->AsString()) return std::string(*text);
   return DumpText(*value);
 }
 
 std::string TextOf(std::optional<std::string_view> text) {
-  return std::string(text.value_or(Absent));
+  return std::string(text.value_or(AbsentText));
 }
 
 std::string TextOf(unsigned long number) {

@@ -5,7 +5,7 @@
 #include "registry/board_identity.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
-#include "testing/dictionary_printing.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "testing/call_lists.h"
 #include "testing/computer.h"
-#include "testing/dictionary_printing.h"
 #include "testing/logging_registry.h"
 #include "testing/odd_values.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {

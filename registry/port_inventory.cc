@@ -68,7 +68,7 @@ std::optional<HardwareRecord> DescribePort(Registry& registry, RegistryEntry por
                 {"Device ID", "Port Silicon Device ID"},
                 {"Revision ID", "Port Silicon Revision"},
                 {"Revision", "Port OTP Revision"}});
-  const bool hasAddress = FillAddress(registry, port, record);
+  const bool hasNonZeroAddress = FillAddress(registry, port, record);
   FillVersion(registry, port, record);
   // The address is read and written a second time: the sequence of reads is part of what a registry
   // sees, and the flag stays that of the first.
@@ -77,7 +77,7 @@ std::optional<HardwareRecord> DescribePort(Registry& registry, RegistryEntry por
   const RegistryEntry ancestor = ThunderboltAncestor(registry, port);
   if (ancestor == 0) return record;
   FillThunderboltFields(registry, ancestor, &record);
-  if (hasAddress) return std::nullopt;
+  if (hasNonZeroAddress) return std::nullopt;
   return record;
 }
 

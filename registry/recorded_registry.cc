@@ -102,12 +102,18 @@ RegistryStatus RecordedRegistry::GetParentEntry(RegistryEntry entry, std::string
 
 RegistryStatus RecordedRegistry::MatchServicesByClass(std::string_view className,
                                                       RegistryEntry& iterator) {
-  Iterator found;
-  const auto* plane = PlaneOf(ServicePlane);
-  if (plane != nullptr) AppendConforming(*plane, plane->root, className, found.entries);
-  iterators_.push_back(std::move(found));
+  iterators_.push_back({&ServicesOfClass(className), 0});
   iterator = static_cast<RegistryEntry>(recording_.entries.size() + iterators_.size());
   return RegistrySuccess;
+}
+
+const std::vector<RegistryEntry>& RecordedRegistry::ServicesOfClass(std::string_view className) {
+  const auto known = servicesByClass_.find(className);
+  if (known != servicesByClass_.end()) return known->second;
+  auto& services = servicesByClass_[std::string(className)];
+  const auto* plane = PlaneOf(ServicePlane);
+  if (plane != nullptr) AppendConforming(*plane, plane->root, className, services);
+  return services;
 }
 
 void RecordedRegistry::AppendConforming(const RecordedPlane& plane, RegistryEntry entry,
@@ -125,8 +131,8 @@ void RecordedRegistry::ResetIterator(RegistryEntry iterator) {
 
 RegistryEntry RecordedRegistry::NextEntry(RegistryEntry iterator) {
   auto* found = IteratorOf(iterator);
-  if (found == nullptr || found->next == found->entries.size()) return 0;
-  return found->entries[found->next++];
+  if (found == nullptr || found->next == found->entries->size()) return 0;
+  return (*found->entries)[found->next++];
 }
 
 bool RecordedRegistry::ConformsToClass(RegistryEntry entry, std::string_view className) {

@@ -62,8 +62,8 @@ class RecordedRegistry : public Registry {
 
  private:
   struct Iterator {
-    std::vector<RegistryEntry> entries;
-    std::size_t next = 0;
+    const std::vector<RegistryEntry>* entries;
+    std::size_t next;
   };
 
   const RecordedEntry* EntryOf(RegistryEntry handle) const;
@@ -73,11 +73,14 @@ class RecordedRegistry : public Registry {
                                  std::string_view key) const;
   RegistryEntry ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
                            std::string_view name) const;
+  const std::vector<RegistryEntry>& ServicesOfClass(std::string_view className);
   void AppendConforming(const RecordedPlane& plane, RegistryEntry entry, std::string_view className,
                         std::vector<RegistryEntry>& found);
 
   Recording recording_;
   std::vector<Iterator> iterators_;  // handles above those of the entries
+  // What the iterators go over, by class: a recording does not change.
+  std::map<std::string, std::vector<RegistryEntry>, std::less<>> servicesByClass_;
 };
 
 }  // namespace fernwick

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "testing/computer.h"
-#include "testing/dictionary_printing.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {

@@ -10,9 +10,9 @@
 #include "testing/abnormal_end.h"
 #include "testing/call_lists.h"
 #include "testing/computer.h"
-#include "testing/dictionary_printing.h"
 #include "testing/logging_registry.h"
 #include "testing/odd_values.h"
+#include "testing/property_values.h"
 #include "value/textual_dump.h"
 
 namespace fernwick {

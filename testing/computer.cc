@@ -54,8 +54,4 @@ Computer& Computer::Derive(std::string_view className, std::string_view supercla
   return *this;
 }
 
-Data Bytes(std::string_view bytes) {
-  return {SharedBytes(std::string(bytes))};
-}
-
 }  // namespace fernwick::testing

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "registry/recorded_registry.h"
+#include "testing/property_values.h"
 
 namespace fernwick::testing {
 
@@ -50,8 +51,5 @@ class Computer {
   RegistryEntry options_;
   RegistryEntry services_;
 };
-
-/// A byte string.
-Data Bytes(std::string_view bytes);
 
 }  // namespace fernwick::testing

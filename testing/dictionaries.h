@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "testing/dictionary_printing.h"
+#include "testing/property_values.h"
 #include "value/property_value.h"
 
 namespace fernwick::testing {

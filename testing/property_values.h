@@ -15,13 +15,17 @@ inline void PrintTo(const PropertyValue& value, std::ostream* out) {
   *out << WriteXmlPropertyList(value);
 }
 
+inline void PrintTo(const Dictionary& dictionary, std::ostream* out) {
+  PrintTo(PropertyValue(dictionary), out);
+}
+
 }  // namespace fernwick
 
 namespace fernwick::testing {
 
 /// Data that holds a copy of `bytes`.
-inline PropertyValue DataOf(std::string_view bytes) {
-  return Data{SharedBytes(std::string(bytes))};
+inline Data Bytes(std::string_view bytes) {
+  return {SharedBytes(std::string(bytes))};
 }
 
 /// The date that `text` spells as "YYYY-MM-DDThh:mm:ssZ". REQUIRES: it spells one.

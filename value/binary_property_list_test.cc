@@ -21,9 +21,9 @@ using testing::AsciiObject;
 using testing::BigEndian;
 using testing::BinaryFile;
 using testing::BinaryShape;
+using testing::Bytes;
 using testing::CountedMarker;
 using testing::DataObject;
-using testing::DataOf;
 using testing::DateObject;
 using testing::DateOf;
 using testing::DictionaryObject;
@@ -149,21 +149,21 @@ TEST(BinaryPropertyList, RejectsOtherDates) {
 
 TEST(BinaryPropertyList, AcceptsData) {
   ExpectAccepted(ParseObject, {
-                                  {DataObject(""), DataOf("")},
-                                  {DataObject({"\0\xFF", 2}), DataOf({"\0\xFF", 2})},
-                                  {DataObject(Repeated("x", 14)), DataOf(Repeated("x", 14))},
-                                  {DataObject(Repeated("x", 15)), DataOf(Repeated("x", 15))},
-                                  {DataObject(Repeated("x", 70000)), DataOf(Repeated("x", 70000))},
+                                  {DataObject(""), Bytes("")},
+                                  {DataObject({"\0\xFF", 2}), Bytes({"\0\xFF", 2})},
+                                  {DataObject(Repeated("x", 14)), Bytes(Repeated("x", 14))},
+                                  {DataObject(Repeated("x", 15)), Bytes(Repeated("x", 15))},
+                                  {DataObject(Repeated("x", 70000)), Bytes(Repeated("x", 70000))},
                               });
 }
 
 TEST(BinaryPropertyList, CountMayBeAnIntegerOfAnyWidthUpToEight) {
   ExpectAccepted(ParseObject, {
-                                  {"\x4F\x10\x01x", DataOf("x")},
-                                  {{"\x4F\x11\x00\x01x", 5}, DataOf("x")},
-                                  {{"\x4F\x12\x00\x00\x00\x01x", 7}, DataOf("x")},
-                                  {{"\x4F\x13\x00\x00\x00\x00\x00\x00\x00\x01x", 11}, DataOf("x")},
-                                  {{"\x4F\x10\x00", 3}, DataOf("")},
+                                  {"\x4F\x10\x01x", Bytes("x")},
+                                  {{"\x4F\x11\x00\x01x", 5}, Bytes("x")},
+                                  {{"\x4F\x12\x00\x00\x00\x01x", 7}, Bytes("x")},
+                                  {{"\x4F\x13\x00\x00\x00\x00\x00\x00\x00\x01x", 11}, Bytes("x")},
+                                  {{"\x4F\x10\x00", 3}, Bytes("")},
                               });
 }
 

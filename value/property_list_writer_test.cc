@@ -11,7 +11,7 @@
 namespace fernwick {
 namespace {
 
-using testing::DataOf;
+using testing::Bytes;
 using testing::DateOf;
 using testing::NestedArrays;
 
@@ -41,9 +41,9 @@ const WrittenRow WrittenRows[] = {
     {-std::numeric_limits<double>::infinity(), "<real>-inf</real>"},
     {true, "<true/>"},
     {false, "<false/>"},
-    {DataOf(""), "<data></data>"},
-    {DataOf("foob"), "<data>Zm9vYg==</data>"},
-    {DataOf(std::string(90, '\0')), "<data>" + std::string(120, 'A') + "</data>"},
+    {Bytes(""), "<data></data>"},
+    {Bytes("foob"), "<data>Zm9vYg==</data>"},
+    {Bytes(std::string(90, '\0')), "<data>" + std::string(120, 'A') + "</data>"},
     {DateOf("2026-11-20T00:00:00Z"), "<date>2026-11-20T00:00:00Z</date>"},
     {DateOf("0001-01-01T00:00:00Z"), "<date>0001-01-01T00:00:00Z</date>"},
     {Array{}, "<array/>"},

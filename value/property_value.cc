@@ -89,12 +89,36 @@ void Dictionary::SetOrRemove(std::string_view key, const PropertyValue* value) {
 
 void Dictionary::Merge(const Dictionary& other) {
   if (&other == this) return;  // its entries must not move while they are copied
+  if (other.Size() <= FewEntries) {
+    for (const auto& [key, value] : other.entries_) Set(key.View(), value);
+    return;
+  }
   entries_.insert(entries_.end(), other.entries_.begin(), other.entries_.end());
   *this = Dictionary(std::move(entries_));
 }
 
-bool operator==(const Dictionary& a, const Dictionary& b) {
-  return a.entries_ == b.entries_;
+PropertyValue::PropertyValue(Dictionary value)
+    : value_(std::make_shared<const Dictionary>(std::move(value))) {}
+
+PropertyValue::PropertyValue(Array value)
+    : value_(std::make_shared<const Array>(std::move(value))) {}
+
+const Dictionary* PropertyValue::AsDictionary() const {
+  const auto* held = std::get_if<std::shared_ptr<const Dictionary>>(&value_);
+  return held == nullptr ? nullptr : held->get();
+}
+
+const Array* PropertyValue::AsArray() const {
+  const auto* held = std::get_if<std::shared_ptr<const Array>>(&value_);
+  return held == nullptr ? nullptr : held->get();
+}
+
+bool operator==(const PropertyValue& a, const PropertyValue& b) {
+  if (const auto* dictionary = a.AsDictionary()) {
+    return b.AsDictionary() != nullptr && *dictionary == *b.AsDictionary();
+  }
+  if (const auto* array = a.AsArray()) return b.AsArray() != nullptr && *array == *b.AsArray();
+  return a.value_ == b.value_;
 }
 
 std::optional<std::string_view> PropertyValue::AsString() const {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,48 +18,11 @@
 
 namespace fernwick {
 
+class Dictionary;
 class PropertyValue;
-struct DictionaryEntry;
 
 /// The values of an array, in their order.
 using Array = std::vector<PropertyValue>;
-
-/// Values by string key, in the order in which the keys came. Keys are exact and case-sensitive.
-class Dictionary {
- public:
-  // Defined behind DictionaryEntry, until which an entry is an incomplete type.
-  Dictionary();
-  Dictionary(const Dictionary&);
-  Dictionary(Dictionary&&) noexcept;
-  Dictionary& operator=(const Dictionary&);
-  Dictionary& operator=(Dictionary&&) noexcept;
-  ~Dictionary();
-
-  Dictionary(std::initializer_list<DictionaryEntry> entries);
-
-  /// Takes the entries over; a key that occurs twice keeps its first place and its last value.
-  explicit Dictionary(std::vector<DictionaryEntry> entries);
-
-  /// The value of `key`, or null when it is absent. Valid until the dictionary changes.
-  const PropertyValue* Find(std::string_view key) const;
-
-  /// Gives `key` the value. A key that is there keeps its place, a new one comes last.
-  void Set(std::string_view key, PropertyValue value);
-
-  /// As Set; an absent value (null) removes the key. `value` may point into another dictionary.
-  void SetOrRemove(std::string_view key, const PropertyValue* value);
-
-  /// Sets every entry of `other`, in its order.
-  void Merge(const Dictionary& other);
-
-  std::span<const DictionaryEntry> Entries() const;
-  std::size_t Size() const;
-
-  friend bool operator==(const Dictionary& a, const Dictionary& b);
-
- private:
-  std::vector<DictionaryEntry> entries_;
-};
 
 /// Text, in UTF-8.
 struct String {
@@ -80,15 +44,15 @@ struct Date {
 };
 
 /// One value of a property list. A value is never absent: where one may be missing, a null pointer
-/// or an empty optional says so.
+/// or an empty optional says so. Copies share what they hold, however large it is.
 class PropertyValue {
  public:
-  PropertyValue(Dictionary value) : value_(std::move(value)) {}  // NOLINT: each kind is a value
-  PropertyValue(Array value) : value_(std::move(value)) {}       // NOLINT
-  PropertyValue(String value) : value_(std::move(value)) {}      // NOLINT
-  PropertyValue(Data value) : value_(std::move(value)) {}        // NOLINT
-  PropertyValue(Date value) : value_(value) {}                   // NOLINT
-  PropertyValue(Integer value) : value_(value) {}                // NOLINT
+  PropertyValue(Dictionary value);                           // NOLINT: each kind is a value
+  PropertyValue(Array value);                                // NOLINT
+  PropertyValue(String value) : value_(std::move(value)) {}  // NOLINT
+  PropertyValue(Data value) : value_(std::move(value)) {}    // NOLINT
+  PropertyValue(Date value) : value_(value) {}               // NOLINT
+  PropertyValue(Integer value) : value_(value) {}            // NOLINT
   template <std::integral T>
   requires(!std::same_as<T, bool>) PropertyValue(T value) : value_(Integer(value)) {}  // NOLINT
   PropertyValue(std::same_as<bool> auto value) : value_(value) {}                      // NOLINT
@@ -100,15 +64,16 @@ class PropertyValue {
   PropertyValue(std::string text)                                             // NOLINT
       : value_(String{SharedBytes(std::move(text))}) {}
 
-  /// Each yields nothing when the value is of another kind.
-  const Dictionary* AsDictionary() const { return std::get_if<Dictionary>(&value_); }
-  const Array* AsArray() const { return std::get_if<Array>(&value_); }
+  /// Each yields nothing when the value is of another kind. What it yields lives as long as any
+  /// copy of the value.
+  const Dictionary* AsDictionary() const;
+  const Array* AsArray() const;
   const Integer* AsInteger() const { return std::get_if<Integer>(&value_); }
   const double* AsReal() const { return std::get_if<double>(&value_); }
   const bool* AsBoolean() const { return std::get_if<bool>(&value_); }
   const Date* AsDate() const { return std::get_if<Date>(&value_); }
 
-  /// The text of a string, the bytes of data; they live as long as any copy of the value.
+  /// The text of a string, the bytes of data.
   std::optional<std::string_view> AsString() const;
   std::optional<std::string_view> AsData() const;
 
@@ -120,14 +85,25 @@ class PropertyValue {
   /// Date that the value is.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
-    return std::visit(std::forward<Visitor>(visitor), value_);
+    return std::visit([&](const auto& held) { return visitor(Contents(held)); }, value_);
   }
 
   /// The same kind and content (numbers of different kinds are not the same value).
-  friend bool operator==(const PropertyValue& a, const PropertyValue& b) = default;
+  friend bool operator==(const PropertyValue& a, const PropertyValue& b);
 
  private:
-  std::variant<Dictionary, Array, String, Integer, double, bool, Data, Date> value_;
+  template <typename Container>
+  static const Container& Contents(const std::shared_ptr<const Container>& held) {
+    return *held;
+  }
+  template <typename Leaf>
+  static const Leaf& Contents(const Leaf& held) {
+    return held;
+  }
+
+  std::variant<std::shared_ptr<const Dictionary>, std::shared_ptr<const Array>, String, Integer,
+               double, bool, Data, Date>
+      value_;
 };
 
 struct DictionaryEntry {
@@ -142,19 +118,34 @@ struct DictionaryEntry {
   friend bool operator==(const DictionaryEntry&, const DictionaryEntry&) = default;
 };
 
-inline Dictionary::Dictionary() = default;
-inline Dictionary::Dictionary(const Dictionary&) = default;
-inline Dictionary::Dictionary(Dictionary&&) noexcept = default;
-inline Dictionary& Dictionary::operator=(const Dictionary&) = default;
-inline Dictionary& Dictionary::operator=(Dictionary&&) noexcept = default;
-inline Dictionary::~Dictionary() = default;
+/// Values by string key, in the order in which the keys came. Keys are exact and case-sensitive.
+class Dictionary {
+ public:
+  Dictionary() = default;
+  Dictionary(std::initializer_list<DictionaryEntry> entries);
 
-inline std::span<const DictionaryEntry> Dictionary::Entries() const {
-  return entries_;
-}
+  /// Takes the entries over; a key that occurs twice keeps its first place and its last value.
+  explicit Dictionary(std::vector<DictionaryEntry> entries);
 
-inline std::size_t Dictionary::Size() const {
-  return entries_.size();
-}
+  /// The value of `key`, or null when it is absent. Valid until the dictionary changes.
+  const PropertyValue* Find(std::string_view key) const;
+
+  /// Gives `key` the value. A key that is there keeps its place, a new one comes last.
+  void Set(std::string_view key, PropertyValue value);
+
+  /// As Set; an absent value (null) removes the key. `value` may point into another dictionary.
+  void SetOrRemove(std::string_view key, const PropertyValue* value);
+
+  /// Sets every entry of `other`, in its order.
+  void Merge(const Dictionary& other);
+
+  std::span<const DictionaryEntry> Entries() const { return entries_; }
+  std::size_t Size() const { return entries_.size(); }
+
+  friend bool operator==(const Dictionary& a, const Dictionary& b) = default;
+
+ private:
+  std::vector<DictionaryEntry> entries_;
+};
 
 }  // namespace fernwick

@@ -10,7 +10,7 @@
 namespace fernwick {
 namespace {
 
-using testing::DataOf;
+using testing::Bytes;
 using testing::DateOf;
 
 // "a=1 b=2", in the order of the dictionary.
@@ -183,7 +183,7 @@ TEST(PropertyValue, EachKindAnswersToItsOwnAccessorAlone) {
   EXPECT_EQ(KindsOf(Dictionary()), "d");
   EXPECT_EQ(KindsOf(Array()), "a");
   EXPECT_EQ(KindsOf("1"), "s");
-  EXPECT_EQ(KindsOf(DataOf("1")), "b");
+  EXPECT_EQ(KindsOf(Bytes("1")), "b");
   EXPECT_EQ(KindsOf(1), "inN");
   EXPECT_EQ(KindsOf(1.0), "rnN");
   EXPECT_EQ(KindsOf(true), "tnN");
@@ -195,7 +195,7 @@ TEST(PropertyValue, AccessorsYieldTheContent) {
   EXPECT_EQ(*PropertyValue(Array{1, 2}).AsArray(), (Array{1, 2}));
   EXPECT_EQ(PropertyValue("text").AsString(), "text");
   EXPECT_EQ(PropertyValue(std::string_view("a\0b", 3)).AsString(), std::string_view("a\0b", 3));
-  EXPECT_EQ(DataOf("bytes").AsData(), "bytes");
+  EXPECT_EQ(PropertyValue(Bytes("bytes")).AsData(), "bytes");
   EXPECT_EQ(*PropertyValue(-5).AsInteger(), Integer(-5));
   EXPECT_EQ(*PropertyValue(std::numeric_limits<std::uint64_t>::max()).AsInteger(),
             Integer(std::numeric_limits<std::uint64_t>::max()));
@@ -206,7 +206,7 @@ TEST(PropertyValue, AccessorsYieldTheContent) {
 
 TEST(PropertyValue, EmptyStringAndEmptyDataAreThere) {
   EXPECT_EQ(PropertyValue("").AsString(), "");
-  EXPECT_EQ(DataOf("").AsData(), "");
+  EXPECT_EQ(PropertyValue(Bytes("")).AsData(), "");
   EXPECT_EQ(PropertyValue(String{}).AsString(), "");
 }
 
@@ -227,7 +227,13 @@ TEST(PropertyValue, KindsOfNumberAreDifferentValues) {
 }
 
 TEST(PropertyValue, StringAndDataOfTheSameBytesAreDifferentValues) {
-  EXPECT_NE(PropertyValue("a"), DataOf("a"));
+  EXPECT_NE(PropertyValue("a"), Bytes("a"));
+}
+
+TEST(PropertyValue, CopiesShareWhatTheyHold) {
+  const PropertyValue original = Dictionary{{"a", Array{1, 2}}};
+  const PropertyValue copy = original;
+  EXPECT_EQ(copy.AsDictionary(), original.AsDictionary());
 }
 
 TEST(PropertyValue, CopyKeepsTheTextAlive) {

@@ -12,7 +12,7 @@
 namespace fernwick {
 namespace {
 
-using testing::DataOf;
+using testing::Bytes;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
 using testing::NestedArrays;
@@ -40,9 +40,9 @@ TEST(TextPropertyList, AcceptsStrings) {
 
 TEST(TextPropertyList, AcceptsData) {
   ExpectAccepted(Parse, {
-                            {"<>", DataOf("")},
-                            {"<66 6f6F>", DataOf("foo")},
-                            {"( <66>, < > )", Array{DataOf("f"), DataOf("")}},
+                            {"<>", Bytes("")},
+                            {"<66 6f6F>", Bytes("foo")},
+                            {"( <66>, < > )", Array{Bytes("f"), Bytes("")}},
                         });
 }
 
@@ -67,7 +67,7 @@ TEST(TextPropertyList, AcceptsDictionaries) {
                      {"{ a = b ; c = d }", Dictionary{{"a", "b"}, {"c", "d"}}},
                      {"{\"a b\"='c';}", Dictionary{{"a b", "c"}}},
                      {"{b=();a={c=<00>;};}",
-                      Dictionary{{"b", Array{}}, {"a", Dictionary{{"c", DataOf({"\0", 1})}}}}},
+                      Dictionary{{"b", Array{}}, {"a", Dictionary{{"c", Bytes({"\0", 1})}}}}},
                      {"{a=b;c=d;a=e;}", Dictionary{{"a", "e"}, {"c", "d"}}},
                      {"{a//=b/c;}", Dictionary{{"a//", "b/c"}}},
                      {"{a // b\n=/* c */d;//\n}", Dictionary{{"a", "d"}}},
@@ -105,9 +105,9 @@ TEST(TextPropertyList, RejectsOneBareString) {
                      {"a", error},
                      {"bplist", error},
                      {"a // b", error},
-                     {"a b", error},
-                     {"a;", error},
-                     {"a, b", error},
+                     {"a b", "line 1, column 3: \"=\" was expected"},
+                     {"a;", "line 1, column 2: \"=\" was expected"},
+                     {"a, b", "line 1, column 2: \"=\" was expected"},
                      {" \n a", "line 2, column 2: one unquoted string is not a property list"},
                  });
 }

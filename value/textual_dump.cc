@@ -5,16 +5,13 @@
 
 #include "value/calendar_date.h"
 #include "value/number_text.h"
+#include "value/printable.h"
 #include "value/utf8.h"
 
 namespace fernwick {
 namespace {
 
 constexpr char HexDigits[] = "0123456789abcdef";
-
-bool IsControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character <= 0x9F);
-}
 
 class Dumper {
  public:
@@ -100,13 +97,10 @@ class Dumper {
       case '\n': text_ += "\\n"; break;
       case '\t': text_ += "\\t"; break;
       case '\r': text_ += "\\r"; break;
-      default: IsControl(character) ? AppendOctal(character) : AppendUtf8(text_, character);
+      default:
+        IsControlCharacter(character) ? AppendOctalEscape(text_, character)
+                                      : AppendUtf8(text_, character);
     }
-  }
-
-  void AppendOctal(char32_t code) {
-    text_ += '\\';
-    for (const unsigned shift : {6u, 3u, 0u}) text_ += static_cast<char>('0' + (code >> shift & 7));
   }
 
   std::string text_;

@@ -10,7 +10,7 @@
 namespace fernwick {
 namespace {
 
-using testing::DataOf;
+using testing::Bytes;
 using testing::DateOf;
 
 struct DumpRow {
@@ -70,13 +70,13 @@ TEST(TextualDump, WhatIsNoUtf8IsReplaced) {
 
 TEST(TextualDump, DataHasABlankAfterEveryFourBytes) {
   ExpectDumps({
-      {DataOf(""), "<>"},
-      {DataOf("\xAB"), "<ab>"},
-      {DataOf("Zed-"), "<5a65642d>"},
-      {DataOf("Zed-42"), "<5a65642d 3432>"},
-      {DataOf({"Zed-42\0", 7}), "<5a65642d 343200>"},
-      {DataOf({"\0\1\2\3\4\5\6\7", 8}), "<00010203 04050607>"},
-      {DataOf({"\0\1\2\3\4\5\6\7\x8", 9}), "<00010203 04050607 08>"},
+      {Bytes(""), "<>"},
+      {Bytes("\xAB"), "<ab>"},
+      {Bytes("Zed-"), "<5a65642d>"},
+      {Bytes("Zed-42"), "<5a65642d 3432>"},
+      {Bytes({"Zed-42\0", 7}), "<5a65642d 343200>"},
+      {Bytes({"\0\1\2\3\4\5\6\7", 8}), "<00010203 04050607>"},
+      {Bytes({"\0\1\2\3\4\5\6\7\x8", 9}), "<00010203 04050607 08>"},
   });
 }
 
@@ -89,7 +89,7 @@ TEST(TextualDump, ContainersAreIndentedByFourBlanksALevel) {
       {Dictionary{{"b", 1}, {"a", 2}}, "{\n    \"b\" = 1;\n    \"a\" = 2;\n}"},
       {Dictionary{{"a \"b\"\n", "c"}}, "{\n    \"a \\\"b\\\"\\n\" = \"c\";\n}"},
       {Array{Array{}, Dictionary{}}, "(\n    (),\n    {}\n)"},
-      {Dictionary{{"a", Array{Dictionary{{"b", DataOf("c")}}, 1}}, {"d", Dictionary{}}},
+      {Dictionary{{"a", Array{Dictionary{{"b", Bytes("c")}}, 1}}, {"d", Dictionary{}}},
        "{\n"
        "    \"a\" = (\n"
        "        {\n"

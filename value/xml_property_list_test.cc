@@ -14,7 +14,7 @@
 namespace fernwick {
 namespace {
 
-using testing::DataOf;
+using testing::Bytes;
 using testing::DateOf;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
@@ -48,8 +48,8 @@ TEST(XmlPropertyList, AcceptsEveryKindOfValue) {
           {"<true/>", true},
           {"<false/>", false},
           {"<true></true>", true},
-          {"<data>Zm9v</data>", DataOf("foo")},
-          {"<data/>", DataOf("")},
+          {"<data>Zm9v</data>", Bytes("foo")},
+          {"<data/>", Bytes("")},
           {"<date>2026-11-20T00:00:00Z</date>", DateOf("2026-11-20T00:00:00Z")},
           {"<array/>", Array{}},
           {"<array></array>", Array{}},
@@ -92,7 +92,7 @@ TEST(XmlPropertyList, MarkupThatMeansNothingIsIgnored) {
            Dictionary{{"a", true}}},
           {"<integer>4<!-- the answer -->2</integer>", 42},
           {"<true><!-- yes --></true>", true},
-          {"<data>Zm<?x?>9v</data>", DataOf("foo")},
+          {"<data>Zm<?x?>9v</data>", Bytes("foo")},
       });
 }
 
@@ -185,9 +185,9 @@ TEST(XmlPropertyList, RejectsOtherReals) {
 
 TEST(XmlPropertyList, AcceptsDataWithWhiteSpaceAnywhere) {
   ExpectAccepted(ParseInPlist, {
-                                   {"<data>\n\tZm9v\n\tYmFy\n</data>", DataOf("foobar")},
-                                   {"<data> Z g = = </data>", DataOf("f")},
-                                   {"<data>\r\n</data>", DataOf("")},
+                                   {"<data>\n\tZm9v\n\tYmFy\n</data>", Bytes("foobar")},
+                                   {"<data> Z g = = </data>", Bytes("f")},
+                                   {"<data>\r\n</data>", Bytes("")},
                                });
 }
 
