@@ -8,6 +8,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -64,6 +66,48 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
     const auto status = outcome.status == "0" ? "" : "[status " + outcome.status + "]\n";
     EXPECT_EQ(outcome.standardOutput + status, output) << place;
   }
+}
+
+// The tests that a file defines as "Suite.Name".
+std::vector<std::string> TestNamesOf(const fs::path& file) {
+  const std::regex definition(R"(TEST(?:_P|_F)?\((\w+), (\w+)\))");
+  std::vector<std::string> names;
+  const auto source = testing::ReadFile(file);
+  for (std::sregex_iterator match(source.begin(), source.end(), definition), end; match != end;
+       ++match) {
+    names.push_back((*match)[1].str() + "." + (*match)[2].str());
+  }
+  return names;
+}
+
+// Those of every folder, and the golden cases by their names.
+std::set<std::string> AllTestNames() {
+  std::set<std::string> names;
+  for (const char* folder : {"value", "platform", "registry", "personality", "plan", "driver",
+                             "lab", "golden", "golden/cases"}) {
+    for (const auto& file : fs::directory_iterator(SourceDirectory / folder)) {
+      if (file.path().extension() == ".case") names.insert(file.path().stem().string());
+      if (!file.path().filename().string().ends_with("_test.cc")) continue;
+      for (auto& name : TestNamesOf(file.path())) names.insert(std::move(name));
+    }
+  }
+  return names;
+}
+
+TEST(Documents, NameOnlyTestsThatExist) {
+  const auto known = AllTestNames();
+  const auto document = testing::ReadFile(SourceDirectory / "docs/deliberate.md");
+  const std::regex row(R"(\| ([^|]*) \|\n)");  // the last cell of each row
+  const std::regex name(R"(`([\w.-]+)`)");
+  int count = 0;
+  for (std::sregex_iterator cell(document.begin(), document.end(), row), end; cell != end; ++cell) {
+    const auto tests = (*cell)[1].str();
+    for (std::sregex_iterator test(tests.begin(), tests.end(), name); test != end; ++test) {
+      EXPECT_TRUE(known.contains((*test)[1].str())) << (*test)[1].str();
+      ++count;
+    }
+  }
+  EXPECT_GT(count, 30);
 }
 
 // What a newcomer sees first.
