@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "plan/match_report.h"
+#include "testing/call_lists.h"
 #include "testing/capture.h"
 
 namespace fernwick {
@@ -53,12 +54,6 @@ MatchRecord Unknown() {
   return {{"Personality Type", "Serial"}};
 }
 
-Words Concatenated(std::initializer_list<Words> lists) {
-  Words all;
-  for (const auto& list : lists) all.insert(all.end(), list.begin(), list.end());
-  return all;
-}
-
 Words Head(const char* utility) {
   return {"/usr/sbin/hallow", "-verbose", "-mount", "/", "-firmware", utility};
 }
@@ -77,34 +72,35 @@ TEST(InvocationBuilder, TwoThunderboltMatchesOfOneGroup) {
 TEST(InvocationBuilder, OneUsbcMatchHasTwelveArguments) {
   const auto built = Build({Usbc("port.bin")});
   EXPECT_EQ(built.arguments.size(), 12u);
-  EXPECT_EQ(built.arguments, Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                                           {"-payload", "/P/Fernwick/Zed-42/port.bin"},
-                                           Trailer,
-                                           {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+  EXPECT_EQ(built.arguments,
+            testing::Joined({Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/port.bin"},
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, OneThunderboltMatchOfEitherTypeHasTwelveArguments) {
   for (const char* type : {"Thunderbolt", "LegacyThunderbolt"}) {
     EXPECT_EQ(Build({{{"Personality Type", type}, {"RID", 4}, {"Firmware", "r"}}}).arguments,
-              Concatenated({Head("/P/Fernwick/RidgeFlash.efi"),
-                            {"-payload", "/P/Fernwick/Zed-42/r"},
-                            Trailer,
-                            {"-g -o -sr 4 0 -ee efi-quince-payload0-data -noreset"}}))
+              testing::Joined({Head("/P/Fernwick/RidgeFlash.efi"),
+                               {"-payload", "/P/Fernwick/Zed-42/r"},
+                               Trailer,
+                               {"-g -o -sr 4 0 -ee efi-quince-payload0-data -noreset"}}))
         << type;
   }
 }
 
 TEST(InvocationBuilder, OneLegacyUsbcMatchHasTwelveArguments) {
   EXPECT_EQ(Build({{{"Personality Type", "LegacyUSBC"}, {"Firmware", "p"}}}).arguments,
-            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/p"},
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/p"},
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, UnknownTypeAloneNamesTheBareDirectory) {
   const auto built = Build({Unknown()});
-  EXPECT_EQ(built.arguments, Concatenated({Head("/P/Fernwick/"), Trailer, {"-noreset"}}));
+  EXPECT_EQ(built.arguments, testing::Joined({Head("/P/Fernwick/"), Trailer, {"-noreset"}}));
   EXPECT_EQ(built.verboseText, "\t*** No supported platform type? (was using Serial)***\n");
 }
 
@@ -162,42 +158,42 @@ TEST(InvocationBuilder, NegativeRidPrintsUnsigned) {
 
 TEST(InvocationBuilder, TwoGroupsHaveTwoHeadsAndOneOptionsArgument) {
   EXPECT_EQ(Build({Thunderbolt(1, 0, "r.bin"), Usbc("p.bin")}).arguments,
-            Concatenated({Head("/P/Fernwick/RidgeFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/r.bin"},
-                          Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/p.bin"},
-                          Trailer,
-                          Trailer,
-                          {"-g -o -sr 1 0 -ee efi-quince-payload0-data "
-                           "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P/Fernwick/RidgeFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/r.bin"},
+                             Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/p.bin"},
+                             Trailer,
+                             Trailer,
+                             {"-g -o -sr 1 0 -ee efi-quince-payload0-data "
+                              "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 // Types decide about groups, not utilities.
 TEST(InvocationBuilder, TypesOfOneUtilityAreGroupsOfTheirOwn) {
   const MatchRecord legacy{{"Personality Type", "LegacyUSBC"}, {"Firmware", "l.bin"}};
   EXPECT_EQ(Build({legacy, Usbc("p.bin")}).arguments,
-            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/l.bin"},
-                          Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/p.bin"},
-                          Trailer,
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data "
-                           "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/l.bin"},
+                             Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/p.bin"},
+                             Trailer,
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data "
+                              "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, UnknownTypeBetweenTwoKnownMatchesSplitsTheirGroup) {
   EXPECT_EQ(Build({Usbc("a"), Unknown(), Usbc("b")}).arguments,
-            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/a"},
-                          Head("/P/Fernwick/"),
-                          Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/Zed-42/b"},
-                          Trailer,
-                          Trailer,
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data "
-                           "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/a"},
+                             Head("/P/Fernwick/"),
+                             Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/Zed-42/b"},
+                             Trailer,
+                             Trailer,
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data "
+                              "-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, TypesAreCaseSensitive) {
@@ -215,18 +211,18 @@ TEST(InvocationBuilder, MergesNvramAlsoForAnUnknownType) {
 
 TEST(InvocationBuilder, DoubledSlashStaysInBothPaths) {
   EXPECT_EQ(Build({Usbc("/a.bin")}, "/P//Fernwick/").arguments,
-            Concatenated({Head("/P//Fernwick/PortFlash.efi"),
-                          {"-payload", "/P//Fernwick/Zed-42/a.bin"},
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P//Fernwick/PortFlash.efi"),
+                             {"-payload", "/P//Fernwick/Zed-42/a.bin"},
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, EmptyBoardIdentifierIsUsedAsItIs) {
   EXPECT_EQ(Build({Usbc("a.bin")}, "/P/Fernwick/", "").arguments,
-            Concatenated({Head("/P/Fernwick/PortFlash.efi"),
-                          {"-payload", "/P/Fernwick/a.bin"},
-                          Trailer,
-                          {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
+            testing::Joined({Head("/P/Fernwick/PortFlash.efi"),
+                             {"-payload", "/P/Fernwick/a.bin"},
+                             Trailer,
+                             {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
 TEST(InvocationBuilder, RefusesAMatchWithoutAnImage) {

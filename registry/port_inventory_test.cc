@@ -10,6 +10,7 @@
 #include "testing/abnormal_end.h"
 #include "testing/call_lists.h"
 #include "testing/computer.h"
+#include "testing/failed_matching.h"
 #include "testing/logging_registry.h"
 #include "testing/odd_values.h"
 #include "testing/property_values.h"
@@ -602,15 +603,11 @@ TEST(PortInventory, IsTakenAfreshEachTimeAndFetchesUuidAgain) {
   EXPECT_EQ(registry.Calls(), Joined({pass("iterator 1"), pass("iterator 2")}));
 }
 
-/// The calls and the inventory when the class cannot be matched.
 std::pair<CallList, HardwareInventory> AfterFailedMatching(RegistryStatus status,
                                                            bool withIterator) {
   Computer computer;
   computer.AddPort("Port0", {});
-  LoggingRegistry registry(computer.Recorded());
-  registry.FailMatching(status, withIterator);
-  auto inventory = CollectPortControllers(registry);
-  return {registry.Calls(), std::move(inventory)};
+  return testing::AfterFailedMatching(computer, CollectPortControllers, status, withIterator);
 }
 
 TEST(PortInventory, IsNoneAndReleasesTheIteratorWhenMatchingFails) {
