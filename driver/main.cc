@@ -5,7 +5,8 @@
 #include "registry/host_registry.h"
 
 int main(int argc, char* argv[]) {
-  fernwick::PrepareProcess(fernwick::ExitStatus::NoMatches);
+  fernwick::PrepareProcess();
+  fernwick::EndWhenOutOfMemory(fernwick::ExitStatus::NoMatches);
   fernwick::HostRegistry registry;
   return fernwick::Run(argc, argv, registry, stdout);
 }

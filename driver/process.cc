@@ -28,13 +28,16 @@ void ReserveIfClosed(int descriptor, int mode) {
 
 }  // namespace
 
-void PrepareProcess(int outOfMemoryStatus) {
-  statusWhenOutOfMemory = outOfMemoryStatus;
-  std::set_new_handler(EndOutOfMemory);
+void PrepareProcess() {
   std::signal(SIGPIPE, SIG_IGN);
   ReserveIfClosed(STDIN_FILENO, O_WRONLY);
   ReserveIfClosed(STDOUT_FILENO, O_RDONLY);
   ReserveIfClosed(STDERR_FILENO, O_RDONLY);
+}
+
+void EndWhenOutOfMemory(int status) {
+  statusWhenOutOfMemory = status;
+  std::set_new_handler(EndOutOfMemory);
 }
 
 }  // namespace fernwick

@@ -3,9 +3,12 @@
 namespace fernwick {
 
 /// What every program does before anything else: a broken pipe becomes a failed write instead of a
-/// silent death; no file that is opened later can take the place of a standard stream that was
-/// closed; and when memory runs out, the process says so on standard error and ends with
-/// `outOfMemoryStatus`, with nothing more on standard output.
-void PrepareProcess(int outOfMemoryStatus);
+/// silent death, and no file that is opened later can take the place of a standard stream that was
+/// closed.
+void PrepareProcess();
+
+/// From now on, when memory runs out, the process says so on standard error and ends with `status`,
+/// with nothing more on standard output.
+void EndWhenOutOfMemory(int status);
 
 }  // namespace fernwick

@@ -57,6 +57,7 @@ int Main(int argumentCount, char* const arguments[]) {
 }  // namespace fernwick::lab
 
 int main(int argc, char* argv[]) {
-  fernwick::PrepareProcess(fernwick::lab::LabStatus::UnreadableInput);
+  fernwick::PrepareProcess();
+  fernwick::EndWhenOutOfMemory(fernwick::lab::LabStatus::UnreadableInput);
   return fernwick::lab::Main(argc, argv);
 }

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "driver/process.h"
 #include "driver/run.h"
 #include "lab/exit_status.h"
 #include "lab/messages.h"
@@ -45,6 +46,7 @@ int Replay(int argumentCount, char* const arguments[]) {
   RecordedRegistry registry(*std::move(reading.recording));
   std::string toolName = "fernwick";
   const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
+  EndWhenOutOfMemory(ExitStatus::NoMatches);
   return Run(argumentCount, vector.data(), registry, stdout);
 }
 
