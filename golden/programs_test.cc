@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "testing/child_process.h"
+#include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {
@@ -85,6 +86,7 @@ TEST(Output, ClosedDoesNotMatterWhenNothingIsPrinted) {
 
 // The limit is above what the program needs and below what the file does.
 TEST(Memory, ThatRunsOutEndsWithoutAPlan) {
+  if (testing::UnderAddressSanitizer) GTEST_SKIP();
   const testing::TemporaryDirectory directory;
   const auto configuration = directory.Write("Fernwick/Zed-1A05/Config.plist", "");
   std::filesystem::resize_file(configuration, std::size_t{1} << 28);
