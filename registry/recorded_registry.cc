@@ -14,7 +14,11 @@ std::optional<PropertyValue> Copied(const PropertyValue* value) {
 
 }  // namespace
 
-RecordedRegistry::RecordedRegistry(Recording recording) : recording_(std::move(recording)) {}
+RecordedRegistry::RecordedRegistry(Recording recording) : recording_(std::move(recording)) {
+  for (const auto& [name, superclass] : recording_.superclasses) {
+    subclasses_.emplace(superclass, name);
+  }
+}
 
 const RecordedEntry* RecordedRegistry::EntryOf(RegistryEntry handle) const {
   if (handle == 0 || handle > recording_.entries.size()) return nullptr;
@@ -138,13 +142,26 @@ RegistryEntry RecordedRegistry::NextEntry(RegistryEntry iterator) {
 bool RecordedRegistry::ConformsToClass(RegistryEntry entry, std::string_view className) {
   const auto* recorded = EntryOf(entry);
   if (recorded == nullptr || recorded->class_.empty()) return false;
-  std::string_view name = recorded->class_;
-  while (name != className) {
-    const auto superclass = recording_.superclasses.find(name);
-    if (superclass == recording_.superclasses.end()) return false;
-    name = superclass->second;
+  return ClassesConformingTo(className).contains(recorded->class_);
+}
+
+// Walks the derivations down once for each class that is asked for, not up once for each entry: a
+// recording decides how long a chain is.
+const std::set<std::string_view>& RecordedRegistry::ClassesConformingTo(
+    std::string_view className) {
+  const auto known = conformingClasses_.find(className);
+  if (known != conformingClasses_.end()) return known->second;
+  const auto place = conformingClasses_.try_emplace(std::string(className)).first;
+  auto& classes = place->second;
+  std::vector<std::string_view> reached{place->first};
+  while (!reached.empty()) {
+    const auto name = reached.back();
+    reached.pop_back();
+    classes.insert(name);
+    const auto [first, last] = subclasses_.equal_range(name);
+    for (auto subclass = first; subclass != last; ++subclass) reached.push_back(subclass->second);
   }
-  return true;
+  return classes;
 }
 
 // Handles stay valid; there is nothing to give back.

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +49,8 @@ struct Recording {
 class RecordedRegistry : public Registry {
  public:
   explicit RecordedRegistry(Recording recording);
+  RecordedRegistry(const RecordedRegistry&) = delete;
+  RecordedRegistry& operator=(const RecordedRegistry&) = delete;
 
   RegistryEntry LookupEntryByPath(std::string_view path) override;
   std::optional<PropertyValue> GetProperty(RegistryEntry entry, std::string_view key) override;
@@ -73,13 +77,17 @@ class RecordedRegistry : public Registry {
                                  std::string_view key) const;
   RegistryEntry ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
                            std::string_view name) const;
+  const std::set<std::string_view>& ClassesConformingTo(std::string_view className);
   const std::vector<RegistryEntry>& ServicesOfClass(std::string_view className);
   void AppendConforming(const RecordedPlane& plane, RegistryEntry entry, std::string_view className,
                         std::vector<RegistryEntry>& found);
 
   Recording recording_;
   std::vector<Iterator> iterators_;  // handles above those of the entries
-  // What the iterators go over, by class: a recording does not change.
+  std::multimap<std::string_view, std::string_view> subclasses_;  // views recording_
+  // By class name, as far as it was asked for: the classes that are or derive from it, and what the
+  // iterators go over. A recording does not change.
+  std::map<std::string, std::set<std::string_view>, std::less<>> conformingClasses_;
   std::map<std::string, std::vector<RegistryEntry>, std::less<>> servicesByClass_;
 };
 

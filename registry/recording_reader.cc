@@ -1,6 +1,7 @@
 #include "registry/recording_reader.h"
 
 #include <algorithm>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string_view>
@@ -68,7 +69,7 @@ class RecordingReader {
   // Put together only for a message: a recording may have millions of nodes.
   std::string PathOf(std::size_t number) const {
     const auto& node = nodes_[number];
-    if (node.parent == NoNode) return "Planes/" + planeNames_[node.plane];
+    if (node.parent == NoNode) return "Planes/" + Excerpt(planeNames_[node.plane]);
     return PathOf(node.parent) + "/Children[" + std::to_string(node.ordinal) + "]";
   }
 

@@ -49,7 +49,7 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
   for (const char c : text) {
     if (IsXmlWhiteSpace(c)) continue;
     if (c == '=') {
-      ++padding;
+      if (++padding > 2) return std::nullopt;
       continue;
     }
     const std::uint8_t digit = DigitOf[static_cast<unsigned char>(c)];

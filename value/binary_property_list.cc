@@ -57,6 +57,14 @@ struct Object {
   std::uint8_t Size() const { return marker & 0xF; }
 };
 
+// An array or dictionary that has been reached a second time: it is shared from then on, so that a
+// few bytes of shared references cost what is in the file and not what they stand for.
+struct FinishedContainer {
+  PropertyValue value;
+  std::uint64_t valueCount;  // of everything inside it, each time it is reached
+  std::size_t height;        // how many containers are nested in it at most, itself included
+};
+
 class BinaryPropertyListReader {
  public:
   explicit BinaryPropertyListReader(const SourceBuffer& file) : buffer_(file), file_(*file) {}
@@ -72,6 +80,7 @@ class BinaryPropertyListReader {
   bool ReadFile() {
     if (!layout_.Read(file_, fault_) || !CountValues(0, 1)) return false;
     isOpen_.resize(static_cast<std::size_t>(layout_.ObjectCount()));
+    isKnown_.resize(isOpen_.size());
     return ReadValue(layout_.TopObject(), TopObjectPlace());
   }
 
@@ -155,8 +164,8 @@ class BinaryPropertyListReader {
       case ObjectKind::Data: return ReadData(object);
       case ObjectKind::AsciiString:
       case ObjectKind::Utf16String: return ReadString(object);
-      case ObjectKind::Array: return ReadArray(object);
-      case ObjectKind::Dictionary: return ReadDictionary(object);
+      case ObjectKind::Array:
+      case ObjectKind::Dictionary: return ReadContainer(object);
       case ObjectKind::Uid: return Fail(object.offset, "a UID is no property-list value");
       case ObjectKind::Set: return Fail(object.offset, "a set is no property-list value");
     }
@@ -276,25 +285,44 @@ class BinaryPropertyListReader {
     return Fail(object.offset, "a string holds a character that XML cannot carry");
   }
 
-  // Enters a container that holds `count` references `perElement` times over and finds them.
-  bool Open(Object& object, std::uint64_t perElement, std::uint64_t& count,
-            std::string_view& references) {
+  bool ReadContainer(const Object& object) {
+    const bool isReachedAgain = isKnown_[object.number];
+    if (isReachedAgain) {
+      const auto shared = finished_.find(object.number);
+      if (shared != finished_.end()) return ReuseContainer(object, shared->second);
+    }
     if (isOpen_[object.number]) return Fail(object.offset, "an object contains itself");
     if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
-    if (!ReadCount(object, count)) return false;
-    if (count > file_.size()) return Fail(object.offset, "an object is cut short");
-    const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
-    if (!Bytes(object, size, references) || !CountValues(object.offset, count)) return false;
+    const std::uint64_t countBefore = valueCount_;
+    const std::size_t deepestOutside = std::exchange(deepest_, ++nesting_);
     isOpen_[object.number] = true;
-    ++nesting_;
+    const bool isArray = object.Kind() == ObjectKind::Array;
+    if (!(isArray ? ReadArray(object) : ReadDictionary(object))) return false;
+    isOpen_[object.number] = false;
+    --nesting_;
+    isKnown_[object.number] = true;
+    if (isReachedAgain) {
+      finished_.emplace(object.number, FinishedContainer{values_.back(), valueCount_ - countBefore,
+                                                         deepest_ - nesting_});
+    }
+    deepest_ = std::max(deepest_, deepestOutside);
     return true;
   }
 
-  template <typename Container>
-  bool Close(const Object& object, Container&& container) {
-    isOpen_[object.number] = false;
-    --nesting_;
-    return Produce(std::forward<Container>(container));
+  bool ReuseContainer(const Object& object, const FinishedContainer& container) {
+    if (container.height > MaximumNesting - nesting_) return Fail(object.offset, NestedTooDeeply);
+    if (!CountValues(object.offset, container.valueCount)) return false;
+    deepest_ = std::max(deepest_, nesting_ + container.height);
+    return Produce(container.value);
+  }
+
+  // Finds the references of a container that holds `count` of them `perElement` times over.
+  bool ReadReferences(Object object, std::uint64_t perElement, std::uint64_t& count,
+                      std::string_view& references) {
+    if (!ReadCount(object, count)) return false;
+    if (count > file_.size()) return Fail(object.offset, "an object is cut short");
+    const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
+    return Bytes(object, size, references) && CountValues(object.offset, count);
   }
 
   std::uint64_t ReferenceAt(std::string_view references, std::uint64_t index) const {
@@ -302,23 +330,23 @@ class BinaryPropertyListReader {
     return BigEndianNumber(references.substr(static_cast<std::size_t>(index) * width, width));
   }
 
-  bool ReadArray(Object object) {
+  bool ReadArray(const Object& object) {
     std::uint64_t count = 0;
     std::string_view references;
-    if (!Open(object, 1, count, references)) return false;
+    if (!ReadReferences(object, 1, count, references)) return false;
     Array array;
     array.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t i = 0; i < count; ++i) {
       if (!ReadValue(ReferenceAt(references, i), object.offset)) return false;
       array.push_back(TakeLast());
     }
-    return Close(object, std::move(array));
+    return Produce(std::move(array));
   }
 
-  bool ReadDictionary(Object object) {
+  bool ReadDictionary(const Object& object) {
     std::uint64_t count = 0;
     std::string_view references;  // all the keys, then all the values
-    if (!Open(object, 2, count, references)) return false;
+    if (!ReadReferences(object, 2, count, references)) return false;
     std::vector<DictionaryEntry> entries;
     entries.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t i = 0; i < count; ++i) {
@@ -327,7 +355,7 @@ class BinaryPropertyListReader {
       if (!ReadValue(ReferenceAt(references, count + i), object.offset)) return false;
       entries.emplace_back(std::move(key), TakeLast());
     }
-    return Close(object, Dictionary(std::move(entries)));
+    return Produce(Dictionary(std::move(entries)));
   }
 
   bool ReadKey(std::uint64_t number, std::size_t referrer, SharedBytes& key) {
@@ -353,6 +381,9 @@ class BinaryPropertyListReader {
   std::uint64_t longKeyBytes_ = 0;
   std::uint64_t textBytes_ = 0;
   std::size_t nesting_ = 0;
+  std::size_t deepest_ = 0;    // the greatest nesting inside the container that is read, so far
+  std::vector<bool> isKnown_;  // by object: whether it is a container that has been read once
+  std::map<std::uint64_t, FinishedContainer> finished_;  // by object, those read twice
   std::vector<bool> isOpen_;  // by object: whether it is a container around the place that is read
   std::vector<PropertyValue> values_;
   // Strings that have been checked or decoded, by their place: a large one that is shared often

@@ -483,23 +483,51 @@ std::vector<std::string> Fanning(std::uint64_t dictionaries) {
 
 TEST(BinaryPropertyList, RejectsWhatWouldMultiplyAtEveryLevel) {
   const auto arrays = Parse(BinaryFile(Fanning(0)));
-  EXPECT_EQ(arrays.error, "byte 9955: more than 2^24 values");
+  EXPECT_EQ(arrays.error, "byte 9549: more than 2^24 values");
   EXPECT_FALSE(arrays.value.has_value());
   const auto dictionaries = Parse(BinaryFile(Fanning(40)));
-  EXPECT_EQ(dictionaries.error, "byte 17955: more than 2^24 values");
+  EXPECT_EQ(dictionaries.error, "byte 17549: more than 2^24 values");
   EXPECT_FALSE(dictionaries.value.has_value());
 }
 
+// A dictionary whose keys are all the same object, `count` of them, of 2^20 bytes.
+std::string SharingOneLongKey(std::size_t count) {
+  return BinaryFile(
+      {DictionaryObject(Same(count, 1), Same(count, 1)), AsciiObject(Repeated("k", 1 << 20))},
+      {.offsetWidth = 4});
+}
+
 TEST(BinaryPropertyList, RejectsLongKeysThatAreSharedTooOften) {
-  const auto key = AsciiObject(Repeated("k", 1 << 20));
-  // 32 by 32 dictionaries, each with the key of 2^20 bytes, and one more.
-  const std::vector<std::string> objects = {ArrayObject({1, 2}), ArrayObject(Same(32, 3)),
-                                            DictionaryObject({4}, {4}), ArrayObject(Same(32, 2)),
-                                            key};
-  EXPECT_EQ(Parse(BinaryFile(objects, {.offsetWidth = 4, .topObject = 1})).error, "");
-  const auto outcome = Parse(BinaryFile(objects, {.offsetWidth = 4}));
-  EXPECT_EQ(outcome.error, "byte 84: more than 2^30 bytes of long keys");
+  EXPECT_EQ(Parse(SharingOneLongKey(1024)).error, "");
+  const auto outcome = Parse(SharingOneLongKey(1025));
+  EXPECT_EQ(outcome.error, "byte 2062: more than 2^30 bytes of long keys");
   EXPECT_FALSE(outcome.value.has_value());
+}
+
+TEST(BinaryPropertyList, ContainerThatIsReachedOftenIsShared) {
+  const auto outcome =
+      Parse(BinaryFile({ArrayObject({1, 1, 1, 1}), ArrayObject({2, 2, 2}), ArrayObject({})}));
+  ASSERT_EQ(outcome.error, "");
+  EXPECT_EQ(*outcome.value, PropertyValue(Array(4, Array(3, Array()))));
+  const auto& array = *outcome.value->AsArray();
+  EXPECT_EQ(array[2].AsArray(), array[3].AsArray());
+}
+
+// An array that holds a pair of nested arrays twice and, once more, that pair inside `depth`
+// further arrays: 1 + depth + 2 are nested.
+std::string SharedPairBelow(std::uint64_t depth) {
+  std::vector<std::string> objects = {ArrayObject({1, 1, 3}, 2), ArrayObject({2}, 2),
+                                      ArrayObject({}, 2)};
+  for (std::uint64_t i = 1; i <= depth; ++i) {
+    objects.push_back(ArrayObject({i == depth ? 1 : i + 3}, 2));
+  }
+  return BinaryFile(objects, {.referenceWidth = 2});
+}
+
+TEST(BinaryPropertyList, SharedContainerCountsItsHeightWhereverItIsReached) {
+  EXPECT_EQ(Parse(SharedPairBelow(509)).error, "");
+  EXPECT_EQ(Parse(SharedPairBelow(510)).error,
+            "byte 15: more than 512 arrays and dictionaries are nested in each other");
 }
 
 TEST(BinaryPropertyList, LongStringsMayBeSharedAsValuesOften) {

@@ -64,8 +64,8 @@ class PropertyValue {
   PropertyValue(std::string text)                                             // NOLINT
       : value_(String{SharedBytes(std::move(text))}) {}
 
-  /// Each yields nothing when the value is of another kind. What it yields lives as long as any
-  /// copy of the value.
+  /// Each yields nothing when the value is of another kind. A dictionary and an array live as long
+  /// as any copy of the value, the others as long as the value itself.
   const Dictionary* AsDictionary() const;
   const Array* AsArray() const;
   const Integer* AsInteger() const { return std::get_if<Integer>(&value_); }
@@ -73,7 +73,7 @@ class PropertyValue {
   const bool* AsBoolean() const { return std::get_if<bool>(&value_); }
   const Date* AsDate() const { return std::get_if<Date>(&value_); }
 
-  /// The text of a string, the bytes of data.
+  /// The text of a string, the bytes of data. They live as long as any copy of the value.
   std::optional<std::string_view> AsString() const;
   std::optional<std::string_view> AsData() const;
 

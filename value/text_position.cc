@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "value/ascii.h"
+#include "value/printable.h"
+#include "value/utf8.h"
 
 namespace fernwick {
 namespace {
@@ -13,9 +15,22 @@ bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// Text without anything that a terminal would act on: white space as blanks, other control
+// characters as octal escapes.
 std::string OnOneLine(std::string_view text) {
-  std::string line(text);
-  std::ranges::replace_if(line, IsAsciiWhiteSpace, ' ');
+  std::string line;
+  while (!text.empty()) {
+    const auto [character, decodedLength] = DecodeUtf8(text);
+    const std::size_t length = std::max<std::size_t>(decodedLength, 1);
+    if (IsAsciiWhiteSpace(text.front())) {
+      line += ' ';
+    } else if (decodedLength != 0 && IsControlCharacter(character)) {
+      AppendOctalEscape(line, character);
+    } else {
+      line += text.substr(0, length);
+    }
+    text.remove_prefix(length);
+  }
   return line;
 }
 
