@@ -39,4 +39,10 @@ SourceText OwnedSource(std::string text) {
   return {.buffer = std::move(buffer), .text = view};
 }
 
+SharedBytes SharedOrCopied(const SourceText& source, const std::string& decoded,
+                           std::string_view text) {
+  if (text.data() == decoded.data()) return SharedBytes(std::string(text));
+  return SharedBytes(source.buffer, text);
+}
+
 }  // namespace fernwick

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "value/shared_bytes.h"
@@ -21,5 +22,10 @@ SourceText DecodeSource(SourceBuffer bytes);
 
 /// A source that holds `text` in a buffer of its own.
 SourceText OwnedSource(std::string text);
+
+/// `text` as a share in the source's buffer where it views that, or as a copy where it views
+/// `decoded`. REQUIRES: it views one of the two.
+SharedBytes SharedOrCopied(const SourceText& source, const std::string& decoded,
+                           std::string_view text);
 
 }  // namespace fernwick

@@ -145,8 +145,7 @@ class TextPropertyListReader {
     }
     std::string_view string;
     if (!cursor_.ReadQuoted(string, scratch_)) return false;
-    const bool viewsScratch = string.data() == scratch_.data();
-    shared = viewsScratch ? SharedBytes(std::string(string)) : SharedBytes(source_.buffer, string);
+    shared = SharedOrCopied(source_, scratch_, string);
     return true;
   }
 

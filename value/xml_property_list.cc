@@ -90,38 +90,36 @@ class XmlPropertyListReader {
   }
 
   bool ReadArray(const XmlStartTag& tag) {
-    if (!Open(tag)) return false;
     const std::size_t first = values_.size();
-    for (bool more = !tag.isEmptyElement; more;) {
-      if (!AtNextElement(more)) return false;
-      if (more && !ReadValue()) return false;
-    }
-    if (!tag.isEmptyElement && !cursor_.ReadEndTag(tag.name)) return false;
-    const auto begin = values_.begin() + static_cast<std::ptrdiff_t>(first);
-    Array array(std::make_move_iterator(begin), std::make_move_iterator(values_.end()));
-    values_.erase(begin, values_.end());
-    return Close(std::move(array));
+    if (!ReadContents(tag, &XmlPropertyListReader::ReadValue)) return false;
+    return Produce(TakeFrom(values_, first));
   }
 
   bool ReadDictionary(const XmlStartTag& tag) {
-    if (!Open(tag)) return false;
     const std::size_t first = entries_.size();
-    for (bool more = !tag.isEmptyElement; more;) {
-      if (!AtNextElement(more)) return false;
-      if (more && !ReadEntry()) return false;
-    }
-    if (!tag.isEmptyElement && !cursor_.ReadEndTag(tag.name)) return false;
-    const auto begin = entries_.begin() + static_cast<std::ptrdiff_t>(first);
-    std::vector<DictionaryEntry> entries(std::make_move_iterator(begin),
-                                         std::make_move_iterator(entries_.end()));
-    entries_.erase(begin, entries_.end());
-    return Close(Dictionary(std::move(entries)));
+    if (!ReadContents(tag, &XmlPropertyListReader::ReadEntry)) return false;
+    return Produce(Dictionary(TakeFrom(entries_, first)));
   }
 
-  template <typename Container>
-  bool Close(Container&& container) {
+  // Everything inside a container, each part by `readPart`, and its end tag.
+  bool ReadContents(const XmlStartTag& tag, bool (XmlPropertyListReader::*readPart)()) {
+    if (!Open(tag)) return false;
+    for (bool more = !tag.isEmptyElement; more;) {
+      if (!AtNextElement(more)) return false;
+      if (more && !(this->*readPart)()) return false;
+    }
     --nesting_;
-    return Produce(std::forward<Container>(container));
+    return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
+  }
+
+  // Takes off what has been collected from `first` on.
+  template <typename Part>
+  static std::vector<Part> TakeFrom(std::vector<Part>& collected, std::size_t first) {
+    const auto begin = collected.begin() + static_cast<std::ptrdiff_t>(first);
+    std::vector<Part> taken(std::make_move_iterator(begin),
+                            std::make_move_iterator(collected.end()));
+    collected.erase(begin, collected.end());
+    return taken;
   }
 
   bool ReadEntry() {
@@ -155,8 +153,7 @@ class XmlPropertyListReader {
   bool ReadSharedText(const XmlStartTag& tag, SharedBytes& shared) {
     std::string_view text;
     if (!ReadText(tag, text)) return false;
-    const bool viewsScratch = text.data() == scratch_.data();
-    shared = viewsScratch ? SharedBytes(std::string(text)) : SharedBytes(source_.buffer, text);
+    shared = SharedOrCopied(source_, scratch_, text);
     return true;
   }
 
