@@ -13,3 +13,21 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2")
 # to the last bit.
 add_compile_options(-ffp-contract=off)
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+
+option(FERNWICK_SANITIZE "Address, undefined-behaviour and leak sanitizers, and the fuzz targets" OFF)
+if(FERNWICK_SANITIZE)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    message(FATAL_ERROR "FERNWICK_SANITIZE needs clang++, whose fuzzing engine it uses")
+  endif()
+  set(CMAKE_CXX_FLAGS_RELEASE "-O1 -gline-tables-only")
+  add_compile_options(-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+option(FERNWICK_COVERAGE "Count which lines and branches are reached" OFF)
+if(FERNWICK_COVERAGE)
+  set(CMAKE_CXX_FLAGS_RELEASE "-O0")
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()

@@ -1,4 +1,4 @@
-# One static library a folder, and one test program beside it. The files are found, not listed.
+# One library a folder, and one test program beside it. The files are found, not listed.
 
 # fernwick_folder(NAME [DEPENDENCY...]): NAME/*.cc as the library fernwick_NAME, and NAME/*_test.cc as
 # the test program NAME_test.
@@ -6,7 +6,7 @@ function(fernwick_folder name)
   file(GLOB sources CONFIGURE_DEPENDS ${name}/*.cc)
   file(GLOB tests CONFIGURE_DEPENDS ${name}/*_test.cc)
   list(REMOVE_ITEM sources ${tests} ${CMAKE_CURRENT_SOURCE_DIR}/${name}/main.cc)
-  add_library(fernwick_${name} STATIC ${sources})
+  add_library(fernwick_${name} ${sources})
   target_include_directories(fernwick_${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_compile_options(fernwick_${name} PRIVATE -fno-exceptions)
   list(TRANSFORM ARGN PREPEND fernwick_)
