@@ -122,15 +122,7 @@ TEST(Dev, DemoShowsAPlanAndTheOtherComputers) {
 TEST(Dev, WithoutACommandListsThem) {
   const auto outcome = testing::RunChild({"./dev"}, SourceDirectory.string());
   EXPECT_EQ(outcome.status, "0");
-  EXPECT_EQ(outcome.standardOutput,
-            "usage: ./dev COMMAND\n"
-            "\n"
-            "  demo    build, then plan an update for a recorded computer of examples/\n"
-            "  test    build, then run every test; further arguments go to ctest\n"
-            "  build   build alone\n"
-            "\n"
-            "Each command first installs whatever Debian package is missing (with sudo when not "
-            "root).\n");
+  EXPECT_EQ(outcome.standardOutput, testing::ReadFile(SourceDirectory / "golden/dev-usage.stdout"));
 }
 
 TEST(Dev, RefusesAnUnknownCommand) {
