@@ -1,0 +1,114 @@
+#!/usr/bin/python3
+"""Holds the #include lines of the source to the order of the folders.
+
+CMakeLists.txt says once what each folder uses: fernwick_folder(NAME [DEPENDENCY...]). From that
+follows what a file may include:
+
+  - its own folder and the dependencies of its folder;
+  - as a test (NAME_test.cc) also testing/;
+  - outside those folders (golden/, fuzz/, ...) whatever it likes, but then no folder includes it;
+
+and no file includes itself, be it by way of others.
+
+usage: include_order.py [ROOT]    prints one line a fault; exit status 1 when there is one
+"""
+
+import pathlib
+import re
+import sys
+
+FOLDER = re.compile(r"^fernwick_folder\(([^)]*)\)", re.MULTILINE)
+INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*"([^"]*)"', re.MULTILINE)
+
+
+def read_folders(root):
+    """The folders in the order in which they are declared, each with its dependencies."""
+    text = (root / "CMakeLists.txt").read_text()
+    words = [match.group(1).split() for match in FOLDER.finditer(text)]
+    return {name: dependencies for name, *dependencies in words}
+
+
+def declaration_faults(folders):
+    """Dependencies that are not declared before the folder that names them."""
+    declared = set()
+    for folder, dependencies in folders.items():
+        for dependency in dependencies:
+            if dependency not in declared:
+                yield f"CMakeLists.txt: {folder}/ uses {dependency}/, which is not declared before it"
+        declared.add(folder)
+
+
+def read_includes(root):
+    """Every source file by its path from the root, with what it includes in quotes."""
+    paths = sorted(root.glob("*/*.h")) + sorted(root.glob("*/*.cc"))
+    return {
+        str(path.relative_to(root)): INCLUDE.findall(path.read_text())
+        for path in paths
+        if not path.parent.name.startswith("build")
+    }
+
+
+def folder_of(path):
+    return path.split("/")[0]
+
+
+def may_include(path, included, folders):
+    """Whether the order of the folders allows the one file to include the other."""
+    user, used = folder_of(path), folder_of(included)
+    if user == used or user not in folders:
+        return True
+    if used == "testing" and path.endswith("_test.cc"):
+        return True
+    return used in folders[user]
+
+
+def include_faults(includes, folders):
+    """Includes of files that are not there or that the order forbids."""
+    for path, used in includes.items():
+        for included in used:
+            if included not in includes:
+                yield f'{path}: there is no "{included}"'
+            elif not may_include(path, included, folders):
+                yield f'{path}: {folder_of(path)}/ must not include "{included}"'
+
+
+def find_cycle(includes):
+    """A chain of files, each included by the one before, that comes back to its first; or none."""
+    done = set()
+
+    def visit(path, chain):
+        if path in chain:
+            return chain[chain.index(path):] + [path]
+        if path in done:
+            return None
+        for included in includes.get(path, []):
+            cycle = visit(included, chain + [path])
+            if cycle:
+                return cycle
+        done.add(path)
+        return None
+
+    return next(filter(None, (visit(path, []) for path in includes)), None)
+
+
+def find_faults(root):
+    """Every fault of the source below `root`, a line each."""
+    folders, includes = read_folders(root), read_includes(root)
+    if not folders or not includes:
+        return [f"{root}: holds no folders with source"]
+    faults = list(declaration_faults(folders)) + list(include_faults(includes, folders))
+    cycle = find_cycle(includes)
+    if cycle:
+        faults.append("cycle: " + " includes ".join(cycle))
+    return faults
+
+
+def main():
+    root = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parents[1]
+    faults = find_faults(root)
+    print("\n".join(faults), end="\n" if faults else "")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,72 @@
+#!/usr/bin/python3
+"""Tests of include_order.py over source made up for each."""
+
+import pathlib
+import tempfile
+import unittest
+
+import include_order
+
+BUILD = "fernwick_folder(value)\nfernwick_folder(plan value)\nfernwick_folder(testing value)\n"
+
+
+def faults_of(files, build=BUILD):
+    """The faults of a source that consists of `files`: path to text."""
+    with tempfile.TemporaryDirectory() as directory:
+        root = pathlib.Path(directory)
+        for path, text in {"CMakeLists.txt": build, **files}.items():
+            (root / path).parent.mkdir(exist_ok=True)
+            (root / path).write_text(text)
+        return include_order.find_faults(root)
+
+
+class IncludeOrder(unittest.TestCase):
+    def test_downward_includes_are_in_order(self):
+        files = {
+            "value/a.h": "#include <string>\n",
+            "value/a.cc": '#include "value/a.h"\n',
+            "plan/b.cc": '#include "value/a.h"\n',
+            "testing/t.h": '#include "value/a.h"\n',
+            "value/a_test.cc": '#include "testing/t.h"\n',
+            "golden/g.cc": '#include "plan/c.h"\n',
+            "plan/c.h": "",
+        }
+        self.assertEqual(faults_of(files), [])
+
+    def test_an_include_of_an_upper_folder_is_a_fault(self):
+        files = {"value/a.cc": '# include "plan/b.h"\n', "plan/b.h": ""}
+        self.assertEqual(faults_of(files), ['value/a.cc: value/ must not include "plan/b.h"'])
+
+    def test_only_tests_include_what_tests_share(self):
+        files = {"plan/b.cc": '#include "testing/t.h"\n', "testing/t.h": ""}
+        self.assertEqual(faults_of(files), ['plan/b.cc: plan/ must not include "testing/t.h"'])
+
+    def test_what_tests_share_keeps_to_its_own_dependencies(self):
+        files = {"testing/t.cc": '#include "plan/b.h"\n', "plan/b.h": ""}
+        self.assertEqual(faults_of(files), ['testing/t.cc: testing/ must not include "plan/b.h"'])
+
+    def test_no_folder_includes_what_stands_outside(self):
+        files = {"plan/b_test.cc": '#include "golden/g.h"\n', "golden/g.h": ""}
+        self.assertEqual(faults_of(files), ['plan/b_test.cc: plan/ must not include "golden/g.h"'])
+
+    def test_an_include_that_does_not_name_its_folder_is_a_fault(self):
+        files = {"value/a.cc": '#include "a.h"\n', "value/a.h": ""}
+        self.assertEqual(faults_of(files), ['value/a.cc: there is no "a.h"'])
+
+    def test_a_cycle_within_a_folder_is_a_fault(self):
+        files = {"value/a.h": '#include "value/b.h"\n', "value/b.h": '#include "value/a.h"\n'}
+        self.assertEqual(
+            faults_of(files), ["cycle: value/a.h includes value/b.h includes value/a.h"])
+
+    def test_a_dependency_that_is_declared_later_is_a_fault(self):
+        build = "fernwick_folder(value plan)\nfernwick_folder(plan)\n"
+        self.assertEqual(
+            faults_of({"value/a.h": ""}, build),
+            ["CMakeLists.txt: value/ uses plan/, which is not declared before it"])
+
+    def test_a_root_without_source_is_a_fault(self):
+        self.assertEqual(len(faults_of({})), 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
