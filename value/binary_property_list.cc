@@ -21,9 +21,10 @@ constexpr std::uint64_t MaximumValues = std::uint64_t{1} << 24;
 // Up to this many bytes a string is looked at again each time it is reached.
 constexpr std::uint64_t ShortText = 64;
 
-// How many bytes of longer keys one file may reach in all. Telling the keys of a dictionary apart
-// takes time for all they have in common, so a few long ones that are shared must not be free.
-constexpr std::uint64_t MaximumLongKeyBytes = std::uint64_t{1} << 30;
+// How many bytes of longer keys, strings and data one file may reach in all: as many as the largest
+// file could hold that shares nothing. Telling keys apart, and writing what was read, takes time
+// and room for all of them, so a few long ones that are shared must not be free.
+constexpr std::uint64_t MaximumLongBytes = std::uint64_t{1} << 30;
 
 // The kinds of object that a marker byte can begin, in its high four bits.
 enum class ObjectKind : std::uint8_t {
@@ -57,12 +58,18 @@ struct Object {
   std::uint8_t Size() const { return marker & 0xF; }
 };
 
+// What has been reached so far, each time it was.
+struct Tally {
+  std::uint64_t values = 0;
+  std::uint64_t longBytes = 0;  // of keys, strings and data longer than ShortText
+};
+
 // An array or dictionary that has been reached a second time: it is shared from then on, so that a
 // few bytes of shared references cost what is in the file and not what they stand for.
 struct FinishedContainer {
   PropertyValue value;
-  std::uint64_t valueCount;  // of everything inside it, each time it is reached
-  std::size_t height;        // how many containers are nested in it at most, itself included
+  Tally tally;         // of everything inside it
+  std::size_t height;  // how many containers are nested in it at most, itself included
 };
 
 class BinaryPropertyListReader {
@@ -93,18 +100,22 @@ class BinaryPropertyListReader {
 
   // Books values before room is made for them.
   bool CountValues(std::size_t offset, std::uint64_t count) {
-    if (count > MaximumValues - valueCount_) return Fail(offset, "more than 2^24 values");
-    valueCount_ += count;
+    if (count > MaximumValues - tally_.values) return Fail(offset, "more than 2^24 values");
+    tally_.values += count;
     return true;
   }
 
-  bool CountLongKey(const Object& object, std::uint64_t size) {
-    if (size <= ShortText) return true;
-    if (size > MaximumLongKeyBytes - longKeyBytes_) {
-      return Fail(object.offset, "more than 2^30 bytes of long keys");
+  bool CountLongBytes(std::size_t offset, std::uint64_t count) {
+    if (count > MaximumLongBytes - tally_.longBytes) {
+      return Fail(offset, "more than 2^30 bytes of long keys, strings and data");
     }
-    longKeyBytes_ += size;
+    tally_.longBytes += count;
     return true;
+  }
+
+  // Books the bytes of one key, string or data.
+  bool CountBytes(const Object& object, std::uint64_t size) {
+    return size <= ShortText || CountLongBytes(object.offset, size);
   }
 
   // Books the bytes of a string that is looked at for the first time. Strings that do not overlap
@@ -232,6 +243,7 @@ class BinaryPropertyListReader {
     std::uint64_t size = 0;
     std::string_view bytes;
     if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
+    if (!CountBytes(object, size)) return false;
     return Produce(Data{SharedBytes(buffer_, bytes)});
   }
 
@@ -241,8 +253,9 @@ class BinaryPropertyListReader {
   }
 
   bool ReadText(const Object& object, SharedBytes& text) {
-    if (object.Kind() == ObjectKind::AsciiString) return ReadAsciiText(object, text);
-    return ReadUtf16Text(object, text);
+    const bool isAscii = object.Kind() == ObjectKind::AsciiString;
+    if (!(isAscii ? ReadAsciiText(object, text) : ReadUtf16Text(object, text))) return false;
+    return CountBytes(object, text.View().size());
   }
 
   bool ReadAsciiText(Object object, SharedBytes& text) {
@@ -293,7 +306,7 @@ class BinaryPropertyListReader {
     }
     if (isOpen_[object.number]) return Fail(object.offset, "an object contains itself");
     if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
-    const std::uint64_t countBefore = valueCount_;
+    const Tally before = tally_;
     const std::size_t deepestOutside = std::exchange(deepest_, ++nesting_);
     isOpen_[object.number] = true;
     const bool isArray = object.Kind() == ObjectKind::Array;
@@ -302,8 +315,9 @@ class BinaryPropertyListReader {
     --nesting_;
     isKnown_[object.number] = true;
     if (isReachedAgain) {
-      finished_.emplace(object.number, FinishedContainer{values_.back(), valueCount_ - countBefore,
-                                                         deepest_ - nesting_});
+      const Tally inside = {tally_.values - before.values, tally_.longBytes - before.longBytes};
+      finished_.emplace(object.number,
+                        FinishedContainer{values_.back(), inside, deepest_ - nesting_});
     }
     deepest_ = std::max(deepest_, deepestOutside);
     return true;
@@ -311,7 +325,8 @@ class BinaryPropertyListReader {
 
   bool ReuseContainer(const Object& object, const FinishedContainer& container) {
     if (container.height > MaximumNesting - nesting_) return Fail(object.offset, NestedTooDeeply);
-    if (!CountValues(object.offset, container.valueCount)) return false;
+    if (!CountValues(object.offset, container.tally.values)) return false;
+    if (!CountLongBytes(object.offset, container.tally.longBytes)) return false;
     deepest_ = std::max(deepest_, nesting_ + container.height);
     return Produce(container.value);
   }
@@ -364,7 +379,7 @@ class BinaryPropertyListReader {
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
     }
-    return ReadText(object, key) && CountLongKey(object, key.View().size());
+    return ReadText(object, key);
   }
 
   PropertyValue TakeLast() {
@@ -377,8 +392,7 @@ class BinaryPropertyListReader {
   std::string_view file_;
   BinaryLayout layout_;
   ParseFault fault_;
-  std::uint64_t valueCount_ = 0;
-  std::uint64_t longKeyBytes_ = 0;
+  Tally tally_;
   std::uint64_t textBytes_ = 0;
   std::size_t nesting_ = 0;
   std::size_t deepest_ = 0;    // the greatest nesting inside the container that is read, so far

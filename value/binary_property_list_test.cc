@@ -490,18 +490,64 @@ TEST(BinaryPropertyList, RejectsWhatWouldMultiplyAtEveryLevel) {
   EXPECT_FALSE(dictionaries.value.has_value());
 }
 
-// A dictionary whose keys are all the same object, `count` of them, of 2^20 bytes.
+constexpr char TooManyLongBytes[] = "more than 2^30 bytes of long keys, strings and data";
+
+// 2^20 bytes of one string or data: it may be reached 2^10 times in all.
+const std::string& LongBytes() {
+  static const std::string bytes = Repeated("k", 1 << 20);
+  return bytes;
+}
+
+// A dictionary whose keys are all the same long string, `count` of them, with booleans for values.
 std::string SharingOneLongKey(std::size_t count) {
   return BinaryFile(
-      {DictionaryObject(Same(count, 1), Same(count, 1)), AsciiObject(Repeated("k", 1 << 20))},
+      {DictionaryObject(Same(count, 1), Same(count, 2)), AsciiObject(LongBytes()), True},
       {.offsetWidth = 4});
 }
 
 TEST(BinaryPropertyList, RejectsLongKeysThatAreSharedTooOften) {
   EXPECT_EQ(Parse(SharingOneLongKey(1024)).error, "");
   const auto outcome = Parse(SharingOneLongKey(1025));
-  EXPECT_EQ(outcome.error, "byte 2062: more than 2^30 bytes of long keys");
+  EXPECT_EQ(outcome.error, std::string("byte 2062: ") + TooManyLongBytes);
   EXPECT_FALSE(outcome.value.has_value());
+}
+
+// An array of `count` references to the object.
+std::string SharingOneObject(std::size_t count, const std::string& object) {
+  return BinaryFile({ArrayObject(Same(count, 1)), object}, {.offsetWidth = 4});
+}
+
+TEST(BinaryPropertyList, RejectsLongStringsAndDataThatAreSharedTooOften) {
+  const auto utf16 = Utf16Object(std::u16string(1 << 19, u'\u00E4'));  // as long once it is UTF-8
+  for (const auto& object : {AsciiObject(LongBytes()), DataObject(LongBytes()), utf16}) {
+    EXPECT_EQ(Parse(SharingOneObject(1024, object)).error, "");
+    const auto outcome = Parse(SharingOneObject(1025, object));
+    EXPECT_EQ(outcome.error, std::string("byte 1037: ") + TooManyLongBytes);
+    EXPECT_FALSE(outcome.value.has_value());
+  }
+}
+
+TEST(BinaryPropertyList, LongBytesOfSharedContainersCountEachTimeTheyAreReached) {
+  const auto sharing = [](std::size_t count) {
+    return Parse(BinaryFile(
+        {ArrayObject(Same(count, 1)), ArrayObject(Same(128, 2)), DataObject(LongBytes())},
+        {.offsetWidth = 4}));
+  };
+  EXPECT_EQ(sharing(8).error, "");
+  EXPECT_EQ(sharing(9).error, std::string("byte 18: ") + TooManyLongBytes);
+}
+
+TEST(BinaryPropertyList, ShortStringsMayBeSharedWithoutThatBound) {
+  // 2047 times 8192 entries, whose keys and values are one string: of 64 bytes they stand for twice
+  // as much as the bound of longer ones.
+  const auto strings = [](std::size_t length) {
+    return Parse(BinaryFile(
+        {ArrayObject(Same(2047, 1), 2), DictionaryObject(Same(8192, 2), Same(8192, 2), 2),
+         AsciiObject(Repeated("s", length))},
+        {.offsetWidth = 4, .referenceWidth = 2}));
+  };
+  EXPECT_EQ(strings(64).error, "");
+  EXPECT_EQ(strings(65).error, std::string("byte 4106: ") + TooManyLongBytes);
 }
 
 TEST(BinaryPropertyList, ContainerThatIsReachedOftenIsShared) {
@@ -533,7 +579,7 @@ TEST(BinaryPropertyList, SharedContainerCountsItsHeightWhereverItIsReached) {
 TEST(BinaryPropertyList, LongStringsMayBeSharedAsValuesOften) {
   const auto ascii = Repeated("x", 1 << 20);
   const auto outcome =
-      Parse(BinaryFile({ArrayObject(Same(3000, 1)), AsciiObject(ascii)}, {.offsetWidth = 4}));
+      Parse(BinaryFile({ArrayObject(Same(1000, 1)), AsciiObject(ascii)}, {.offsetWidth = 4}));
   EXPECT_EQ(outcome.error, "");
   const auto& array = *outcome.value->AsArray();
   EXPECT_EQ(array.front().AsString(), ascii);
