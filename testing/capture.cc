@@ -33,6 +33,18 @@ void StandardErrorCapture::Restore() {
   savedDescriptor_ = -1;
 }
 
+// Reads beside the offset at which standard error goes on writing.
+std::string StandardErrorCapture::TakeNewText() {
+  std::string text;
+  char piece[4096];
+  ssize_t size = 0;
+  while ((size = pread(fileno(file_), piece, sizeof piece, taken_)) > 0) {
+    text.append(piece, static_cast<std::size_t>(size));
+    taken_ += size;
+  }
+  return text;
+}
+
 std::string StandardErrorCapture::TakeText() {
   Restore();
   std::string text;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -15,7 +17,11 @@ class StandardErrorCapture {
   StandardErrorCapture(const StandardErrorCapture&) = delete;
   StandardErrorCapture& operator=(const StandardErrorCapture&) = delete;
 
-  /// Ends the capture.
+  /// What has come since the last call. The capture goes on, so that one serves any number of
+  /// calls of the subject. REQUIRES: what was written was flushed.
+  std::string TakeNewText();
+
+  /// Ends the capture. All that came, what TakeNewText gave included.
   std::string TakeText();
 
  private:
@@ -23,6 +29,7 @@ class StandardErrorCapture {
 
   std::FILE* file_;
   int savedDescriptor_;
+  off_t taken_ = 0;
 };
 
 /// A stream that keeps what is written to it and where it was flushed.
