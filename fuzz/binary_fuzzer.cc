@@ -1,0 +1,19 @@
+// The reader of binary property lists.
+
+#include <memory>
+#include <string>
+
+#include "fuzz/input.h"
+#include "fuzz/reading_properties.h"
+#include "value/binary_layout.h"
+#include "value/binary_property_list.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace fernwick;
+  const auto bytes = fuzz::InputText(data, size);
+  if (!bytes.starts_with(BinarySignature)) return 0;
+  const auto outcome = ParseBinaryPropertyList(std::make_shared<const std::string>(bytes));
+  fuzz::HoldReading(outcome.value, outcome.error);
+  fuzz::HoldPlaceInFile(outcome.error, size);
+  return 0;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace fernwick::fuzz {
+
+/// An input as the fuzzing engine gives it.
+inline std::string_view InputText(const std::uint8_t* data, std::size_t size) {
+  return {reinterpret_cast<const char*>(data), size};
+}
+
+}  // namespace fernwick::fuzz

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "value/property_value.h"
+
+namespace fernwick::fuzz {
+
+/// A few values of every kind, with what is at the edge of each, and nested ones that hold them
+/// all.
+std::vector<PropertyValue> SampleValues();
+
+/// The value as near as the old text form comes to it: numbers, booleans and dates as text.
+std::string WriteTextForm(const PropertyValue& value);
+
+}  // namespace fernwick::fuzz

@@ -1,0 +1,19 @@
+// The reader of the old text form, whatever a file begins with.
+
+#include <memory>
+#include <string>
+
+#include "fuzz/input.h"
+#include "fuzz/reading_properties.h"
+#include "value/source_text.h"
+#include "value/text_property_list.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace fernwick;
+  const auto source =
+      DecodeSource(std::make_shared<const std::string>(fuzz::InputText(data, size)));
+  const auto outcome = ParseTextPropertyList(source);
+  fuzz::HoldReading(outcome.value, outcome.error);
+  fuzz::HoldPlaceInText(outcome.error, source.text);
+  return 0;
+}

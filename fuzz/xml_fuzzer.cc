@@ -1,0 +1,19 @@
+// The XML reader, whatever a file begins with.
+
+#include <memory>
+#include <string>
+
+#include "fuzz/input.h"
+#include "fuzz/reading_properties.h"
+#include "value/source_text.h"
+#include "value/xml_property_list.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace fernwick;
+  const auto source =
+      DecodeSource(std::make_shared<const std::string>(fuzz::InputText(data, size)));
+  const auto outcome = ParseXmlPropertyList(source);
+  fuzz::HoldReading(outcome.value, outcome.error);
+  fuzz::HoldPlaceInText(outcome.error, source.text);
+  return 0;
+}
