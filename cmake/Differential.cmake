@@ -1,0 +1,12 @@
+# The property-list reader against two others that nobody here has written.
+find_program(FERNWICK_PLISTUTIL plistutil REQUIRED)
+
+add_executable(describe_property_list differential/describe_property_list.cc)
+target_link_libraries(describe_property_list PRIVATE fernwick_value)
+
+add_test(NAME Differential.ReadersAgreeButForTheRules
+         COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/differential/compare.py
+                 --describer $<TARGET_FILE:describe_property_list>
+                 --plistutil ${FERNWICK_PLISTUTIL} --seed 1 --count 3000)
+add_test(NAME Differential.TheComparisonCanFail
+         COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/differential/compare_test.py)

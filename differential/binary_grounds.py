@@ -1,0 +1,232 @@
+"""Whether a binary document gives ground for what our reader holds against it.
+
+Each function looks for the fault by itself, at the byte that our reader names.
+"""
+
+import re
+import struct
+
+MAXIMUM_VALUES = 2**24
+MAXIMUM_LONG_BYTES = 2**30
+SHORT_TEXT = 64
+UNCARRIABLE = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
+
+
+class File:
+    """The layout of a binary document, as its trailer tells it."""
+
+    def __init__(self, document):
+        self.document = document
+        (self.offset_width, self.reference_width, self.count, self.top,
+         self.table) = struct.unpack(">BBQQQ", document[-26:])
+        self.end = len(document) - 32
+
+    def place(self, number):
+        at = self.table + number * self.offset_width
+        return int.from_bytes(self.document[at:at + self.offset_width], "big")
+
+    def places(self):
+        return map(self.place, range(self.count))
+
+    def number(self, at, width):
+        return int.from_bytes(self.document[at:at + width], "big")
+
+    def counted(self, at):
+        """How many parts the object at `at` has, and where they begin."""
+        count = self.document[at] & 0xF
+        if count < 15:
+            return count, at + 1
+        width = 1 << (self.document[at + 1] & 0xF)
+        return self.number(at + 2, width), at + 2 + width
+
+    def contents(self, at):
+        """The bytes of a string or data."""
+        count, start = self.counted(at)
+        width = 2 if kind(self.document, at) == 6 else 1
+        return self.document[start:start + count * width]
+
+    def references(self, at):
+        """The numbers of the objects that an array or a dictionary refers to."""
+        count, start = self.counted(at)
+        count *= 2 if kind(self.document, at) == 0xD else 1
+        width = self.reference_width
+        return [self.number(start + i * width, width) for i in range(count)]
+
+    def size_of(self, at):
+        """How many bytes the object takes, its marker included."""
+        width = {1: 1, 2: 1, 3: 1, 4: 1, 5: 1, 6: 2, 0xA: self.reference_width,
+                 0xD: 2 * self.reference_width}[kind(self.document, at)]
+        if kind(self.document, at) in (1, 2, 3):
+            return 1 + (1 << (self.document[at] & 0xF))
+        count, start = self.counted(at)
+        return start - at + count * width
+
+    def tally(self, at, known):
+        """The values and the long bytes that the object at `at` stands for."""
+        if at not in known:
+            what = kind(self.document, at)
+            parts = map(self.place, self.references(at)) if what in (0xA, 0xD) else ()
+            tallies = [self.tally(part, known) for part in parts]
+            size = len(self.contents(at)) if what in (4, 5, 6) else 0
+            halved = 2 if what == 0xD else 1  # a key and its value are one value
+            known[at] = (1 + sum(values for values, _ in tallies) // halved,
+                         sum(size for _, size in tallies) + (size if size > SHORT_TEXT else 0))
+        return known[at]
+
+
+def kind(document, at):
+    return document[at] >> 4
+
+
+def is_uid(document, at):
+    return kind(document, at) == 8
+
+
+def is_set(document, at):
+    return kind(document, at) == 0xC
+
+
+def is_null(document, at):
+    return document[at] == 0
+
+
+def is_unknown(document, at):
+    known = {0: (0, 8, 9), 1: range(5), 2: (2, 3), 3: (3,)}
+    return document[at] & 0xF not in known.get(kind(document, at), ()) and kind(
+        document, at) not in (4, 5, 6, 8, 0xA, 0xC, 0xD)
+
+
+def is_no_string(document, at):
+    return kind(document, at) not in (5, 6)
+
+
+def is_integer_out_of_range(document, at):
+    number = int.from_bytes(document[at + 1:at + 17], "big", signed=True)
+    return document[at] == 0x14 and not -(2**63) <= number < 2**64
+
+
+def is_not_ascii(document, at):
+    return kind(document, at) == 5 and not File(document).contents(at).isascii()
+
+
+def is_not_utf16(document, at):
+    try:
+        File(document).contents(at).decode("utf-16-be")
+    except UnicodeDecodeError:
+        return kind(document, at) == 6
+    return False
+
+
+def is_uncarriable(document, at):
+    codec = {5: "ascii", 6: "utf-16-be"}[kind(document, at)]
+    return UNCARRIABLE.search(File(document).contents(at).decode(codec)) is not None
+
+
+def contains_itself(document, at):
+    """Whether a walk over references from the object at `at` comes back to it."""
+    file = File(document)
+    todo, seen = [at], set()
+    while todo:
+        for number in file.references(todo.pop()):
+            place = file.place(number)
+            if place == at:
+                return True
+            if place not in seen and kind(document, place) in (0xA, 0xD):
+                todo.append(place)
+            seen.add(place)
+    return False
+
+
+def reaches_beyond_the_objects(document, at):
+    file = File(document)
+    if kind(document, at) in (4, 5, 6, 0xA, 0xD) and document[at] & 0xF == 15:
+        if at + 2 > file.table or at + 2 + (1 << (document[at + 1] & 0xF)) > file.table:
+            return True
+    return at + file.size_of(at) > file.table
+
+
+def has_object_outside(document, _at):
+    file = File(document)
+    return any(not 8 <= place < file.table for place in file.places())
+
+
+def has_odd_count(document, at):
+    """The byte behind a marker is to begin the count: an integer of one to eight bytes."""
+    follows_marker = document[at - 1] & 0xF == 15 and kind(document, at - 1) in (4, 5, 6, 0xA, 0xD)
+    return follows_marker and (kind(document, at) != 1 or document[at] & 0xF > 3)
+
+
+def is_too_short(document, _at):
+    return len(document) < 40
+
+
+def has_odd_offset_width(document, _at):
+    return not 1 <= File(document).offset_width <= 8
+
+
+def has_odd_reference_width(document, _at):
+    return not 1 <= File(document).reference_width <= 8
+
+
+def has_table_outside(document, _at):
+    file = File(document)
+    return not 8 <= file.table <= file.end
+
+
+def has_table_too_long(document, _at):
+    file = File(document)
+    return file.table + file.count * file.offset_width > file.end
+
+
+def is_too_deep(document, _at):
+    """Whether a chain of more than 512 containers begins at the top object."""
+    file = File(document)
+    level, depth = {file.place(file.top)}, 0
+    while level:
+        level = {place for place in level if kind(document, place) in (0xA, 0xD)}
+        depth += bool(level)
+        if depth > 512:
+            return True
+        level = {file.place(number) for place in level for number in file.references(place)}
+    return False
+
+
+def holds_too_many_values(document, _at):
+    file = File(document)
+    return file.tally(file.place(file.top), {})[0] > MAXIMUM_VALUES
+
+
+def holds_too_many_long_bytes(document, _at):
+    file = File(document)
+    return file.tally(file.place(file.top), {})[1] > MAXIMUM_LONG_BYTES
+
+
+def has_overlapping_strings(document, _at):
+    file = File(document)
+    wide = {place for place in file.places() if kind(document, place) == 6}
+    return sum(len(file.contents(place)) for place in wide) > len(document)
+
+
+def dates(document):
+    """Every double that may be a date's: what stands behind a date's marker."""
+    for match in re.finditer(rb"\x33(?=(.{8}))", document, re.DOTALL):
+        yield struct.unpack(">d", match[1])[0]
+
+
+def holds_wide_integer(document, low):
+    """Whether an integer of sixteen bytes ends in `low`, 64 bits."""
+    return re.search(rb"\x14.{8}" + re.escape(low.to_bytes(8, "big")), document, re.DOTALL)
+
+
+def holds_empty_utf16(document):
+    file = File(document)
+    return any(kind(document, place) == 6 and file.counted(place)[0] == 0
+               for place in file.places())
+
+
+def holds_wide_utf16(document):
+    """Whether a string in UTF-16 holds characters that take three bytes of UTF-8."""
+    file = File(document)
+    return any(kind(document, place) == 6 and re.search(
+        "[\u0800-\uffff]", file.contents(place).decode("utf-16-be", "replace"))
+               for place in file.places())

@@ -1,0 +1,434 @@
+"""Every way in which the readers may differ, and why ours is as it is.
+
+A rule names the readers that it is about, gives the reason in one sentence, and holds a document
+that shows the difference, or several of which one does. It explains a difference in one of three
+ways:
+
+  message   ours refuses a document of this form with this message, there is ground for it, and
+            theirs accepts
+  retell    the document without what makes the other reader differ and what it says then, or None
+  tokens    whether a leaf of ours and the leaf in its place may differ
+"""
+
+import datetime
+import math
+import re
+import struct
+from typing import Callable, NamedTuple
+
+import binary_grounds as binary
+import xml_grounds as xml
+from descriptions import LONGEST_DESCRIPTION, Outcome, describe_leaf, tokens_of
+from examples import (array_in_itself, binary_file, long_bytes, nested_xml, overlapping_strings,
+                      overlapping_trailer, shared_arrays, wide_text)
+from readers import read_plistlib
+
+PLISTLIB = "plistlib"
+PLISTUTIL = "plistutil"
+START_2001 = 978_307_200
+
+
+class Reading(NamedTuple):
+    """What one reader made of a document; `serialisation` as our reader detected it."""
+
+    serialisation: str
+    outcome: Outcome
+
+
+class Rule(NamedTuple):
+    name: str
+    readers: tuple
+    reason: str
+    example: bytes | tuple
+    form: str | None = None  # the serialisation that our reader detected
+    message: str | None = None
+    has_ground: Callable | None = None
+    retell: Callable | None = None
+    tokens: Callable | None = None
+
+    def examples(self):
+        return self.example if isinstance(self.example, tuple) else (self.example,)
+
+
+def agree(ours, theirs):
+    """Both accept with the same value, or both refuse."""
+    return ours.value == theirs.value
+
+
+def explain(document, reader, ours, theirs, rules):
+    """The rules that a difference meets; None when there is one that no rule explains."""
+    about = [rule for rule in rules if reader in rule.readers]
+    met = []
+    for rule in about:
+        if rule.retell and not agree(ours.outcome, theirs):
+            retold = rule.retell(document, ours, theirs)
+            if retold is not None and retold[1][:2] != theirs[:2]:
+                document, theirs = retold
+                met.append(rule)
+    if agree(ours.outcome, theirs):
+        return met
+    if ours.outcome.accepted and theirs.accepted:
+        further = _explain_tokens(document, ours.outcome.value, theirs.value, about)
+    elif theirs.accepted:
+        grounded = (rule for rule in about if rule.message and _is_grounded(document, ours, rule))
+        further = list(grounded)[:1]
+    else:
+        further = None
+    return met + further if further else None
+
+
+def _explain_tokens(document, ours, theirs, rules):
+    our_tokens, their_tokens = tokens_of(ours), tokens_of(theirs)
+    if len(ours) == len(theirs) == LONGEST_DESCRIPTION:  # the last token is cut
+        count = min(len(our_tokens), len(their_tokens)) - 1
+        our_tokens, their_tokens = our_tokens[:count], their_tokens[:count]
+    if len(our_tokens) != len(their_tokens):
+        return None
+    met = {}
+    for our, their in zip(our_tokens, their_tokens):
+        if our == their:
+            continue
+        rule = next((rule for rule in rules if rule.tokens and rule.tokens(document, our, their)),
+                    None)
+        if rule is None:
+            return None
+        met[rule.name] = rule
+    return list(met.values())
+
+
+def _is_grounded(document, ours, rule):
+    place = re.fullmatch(r"(?:byte (\d+)|line (\d+), column (\d+)): (.*)", ours.outcome.error)
+    if ours.serialisation != rule.form or not place or not re.fullmatch(rule.message, place[4]):
+        return False
+    if rule.form == "binary":
+        return rule.has_ground(document, int(place[1]))
+    if rule.form == "text":
+        return rule.has_ground(document)
+    text = xml.text_of(document)
+    return rule.has_ground(text, xml.index_of(text, int(place[2]), int(place[3])))
+
+
+# Binary documents.
+
+
+def in_binary(name, readers, message, has_ground, reason, example):
+    return Rule(name, readers, reason, example, form="binary", message=message,
+                has_ground=has_ground)
+
+
+BOTH = (PLISTLIB, PLISTUTIL)
+
+BINARY_REFUSALS = [
+    in_binary("uid", BOTH, "a UID is no property-list value", binary.is_uid,
+              "No configuration or recording holds a UID, and XML has no element for one.",
+              binary_file([b"\x80\x05"])),
+    in_binary("set", (PLISTUTIL,), "a set is no property-list value", binary.is_set,
+              "XML has no element for a set; plistutil takes one for an array.",
+              binary_file([b"\xc1\x01", b"\x09"])),
+    in_binary("null", (PLISTLIB,), "null is no property-list value", binary.is_null,
+              "A value is never absent; plistlib gives None.",
+              binary_file([b"\x00"])),
+    in_binary("unknown-object", (PLISTLIB,), "an unknown kind of object", binary.is_unknown,
+              "plistlib takes the filler byte for data and reads integers of up to 2^15 bytes.",
+              binary_file([b"\x15" + bytes(32)])),
+    in_binary("key-kind", (PLISTLIB,), "a key is not a string", binary.is_no_string,
+              "The keys of a dictionary are strings; plistlib takes whatever it can hash.",
+              binary_file([b"\xd1\x01\x02", b"\x10\x01", b"\x09"])),
+    in_binary("wide-integer", BOTH, "an integer lies outside -2\\^63 to 2\\^64-1",
+              binary.is_integer_out_of_range,
+              "An integer out of range has no value here; plistlib's integers have no bounds, and "
+              "plistutil takes the low 64 bits.",
+              binary_file([b"\x14" + bytes(7) + b"\x01" + bytes(8)])),
+    in_binary("text-characters", BOTH, "a string holds a character that XML cannot carry",
+              binary.is_uncarriable,
+              "Whatever is read can be written as XML.",
+              binary_file([b"\x51\x00"])),
+    in_binary("ascii-text", (PLISTUTIL,), "a string is not ASCII", binary.is_not_ascii,
+              "Bytes above 127 mean nothing in an ASCII string; plistutil passes them on as UTF-8.",
+              binary_file([b"\x52\xc3\xa9"])),
+    in_binary("utf16-text", (PLISTUTIL,), "a string is not UTF-16", binary.is_not_utf16,
+              "A lone surrogate is no character; plistutil drops it.",
+              binary_file([b"\x62\xd8\x00\x00A"])),
+    in_binary("cycle", (PLISTLIB,), "an object contains itself", binary.contains_itself,
+              "A value that contains itself never ends; plistlib's lists and dictionaries can.",
+              array_in_itself()),
+    in_binary("nesting", BOTH, "more than 512 .* are nested in each other", binary.is_too_deep,
+              "The depth is bounded, so that no file exhausts the stack of whoever walks it.",
+              shared_arrays(513, 1)),
+    in_binary("value-count", (PLISTLIB,), "more than 2\\^24 values", binary.holds_too_many_values,
+              "What is shared counts each time: a small file cannot stand for a huge value.",
+              shared_arrays(25, 2)),
+    in_binary("long-bytes", (PLISTLIB,), "more than 2\\^30 bytes of long keys, strings and data",
+              binary.holds_too_many_long_bytes,
+              "What is shared counts each time: a small file cannot stand for a huge value.",
+              long_bytes()),
+    in_binary("overlap", BOTH, "strings overlap", binary.has_overlapping_strings,
+              "Strings over the same bytes, each transcoded, could stand for any amount of text.",
+              overlapping_strings()),
+    in_binary("object-end", (PLISTLIB,), "an object is cut short",
+              binary.reaches_beyond_the_objects,
+              "An object ends before the offset table begins; plistlib reads on into the table.",
+              binary_file([b"\x51"])),
+    in_binary("object-place", BOTH, "an object lies outside the file", binary.has_object_outside,
+              "Objects stand between the header and the offset table; the others take the bytes of "
+              "the header, and plistlib those of table and trailer, for objects.",
+              binary_file([b"\xa1\x01", b"\x09"], places=[8, 0])),
+    in_binary("count-kind", (PLISTLIB,), "a count is not an integer", binary.has_odd_count,
+              "A count is an integer of one to eight bytes; plistlib looks at two bits of its "
+              "marker.",
+              binary_file([b"\x5f\x20\x01a"])),
+    in_binary("file-size", (PLISTLIB,), "the file is cut short", binary.is_too_short,
+              "Header and trailer do not overlap.",
+              overlapping_trailer()),
+    in_binary("offset-width", (PLISTLIB,), "the width of an offset is not 1 to 8",
+              binary.has_odd_offset_width,
+              "No place in a file takes more than eight bytes.",
+              binary_file([b"\x09"], offset_width=9)),
+    in_binary("reference-width", BOTH, "the width of a reference is not 1 to 8",
+              binary.has_odd_reference_width,
+              "The trailer is held to its bounds also where nothing in the file needs it.",
+              binary_file([b"\x09"], reference_width=9)),
+    in_binary("table-place", (PLISTLIB,), "the offset table lies outside the file",
+              binary.has_table_outside,
+              "The offset table stands between the header and the trailer.",
+              binary_file([b"\x09"], table=11)),
+    in_binary("table-end", (PLISTLIB,), "the offset table does not fit its objects into the file",
+              binary.has_table_too_long,
+              "The offset table ends before the trailer; plistlib reads on into it.",
+              binary_file([b"\x09"], count=2)),
+]
+
+# XML documents.
+
+
+def in_xml(name, message, has_ground, reason, example, form="xml"):
+    return Rule(name, (PLISTLIB,), reason, example, form=form, message=message,
+                has_ground=has_ground)
+
+
+XML_REFUSALS = [
+    in_xml("leaf-text", r"\\x22.*\\x22 is not a valid (integer|real|date|data|true|false)",
+           xml.is_invalid_leaf,
+           "plistlib leaves numbers to Python (white space, underscores, foreign digits, no "
+           "bounds), skips what is no base64, reads shortened dates with anything behind them, "
+           "and drops text in a boolean.",
+           b"<plist><integer>1_0</integer></plist>"),
+    in_xml("foreign-element", "<.*> is no property-list element",
+           xml.is_foreign_element,
+           "plistlib skips the tags of elements that it does not know.",
+           b"<plist><array><null/></array></plist>"),
+    in_xml("foreign-key", "<.*> stands where <key> was expected",
+           xml.is_foreign_element,
+           "plistlib skips the tags of elements that it does not know.",
+           b"<plist><dict><null/></dict></plist>"),
+    in_xml("stray-text", "text stands where an element was expected", xml.is_text,
+           "plistlib skips text between elements.",
+           b"<plist><array>a</array></plist>"),
+    in_xml("stray-text-behind", "</plist> is missing", xml.is_text,
+           "plistlib skips text between elements.",
+           b"<plist><true/>a</plist>"),
+    in_xml("stray-cdata", "the name of an element is missing", xml.is_behind_cdata_opening,
+           "A CDATA section is text, and text stands in leaves alone; plistlib skips it.",
+           b"<plist><array><![CDATA[]]></array></plist>"),
+    in_xml("leaf-element", "<.*> holds something other than text", xml.is_inside_leaf,
+           "plistlib lets elements stand inside a leaf and drops the text before them.",
+           b"<plist><string>a<b>c</b></string></plist>"),
+    in_xml("two-values", "<plist> holds more than one value", xml.is_behind_value,
+           "plistlib takes the last of several values.",
+           b"<plist><true/><false/></plist>"),
+    in_xml("no-value", "<plist> holds no value", xml.is_empty_plist,
+           "A value is never absent; plistlib gives None.",
+           b"<plist></plist>"),
+    in_xml("empty-key-alone", "a key has no value", xml.is_empty_key,
+           "plistlib overlooks a key without a value where the key is empty.",
+           b"<plist><dict><key></key></dict></plist>"),
+    in_xml("empty-key-before-key", "<key> stands where a value was expected",
+           xml.is_key,
+           "plistlib overlooks a key without a value where the key is empty.",
+           b"<plist><dict><key/><key>a</key><true/></dict></plist>"),
+    in_xml("entity", "the entity &.*; is not defined", xml.is_undefined_entity,
+           "A document type may be declared elsewhere, but nothing is fetched: plistlib drops "
+           "what it cannot know.",
+           b'<!DOCTYPE plist SYSTEM "a"><plist><string>&e;</string></plist>'),
+    in_xml("internal-subset", "a document type declaration with an internal subset is not accepted",
+           xml.is_internal_subset,
+           "Nothing is expanded, so nothing may be declared; plistlib refuses entities alone.",
+           b"<!DOCTYPE plist [ ]><plist><true/></plist>"),
+    in_xml("version", "the XML declaration is malformed", xml.has_odd_version,
+           "The version is 1 and a minor number; expat does not look at it.",
+           b"<?xml version='2.0'?><plist><true/></plist>"),
+    in_xml("encoding", "the encoding .* is not supported", xml.names_other_encoding,
+           "Four encodings are promised, each by one name; Python knows many, by many names.",
+           b"<?xml version='1.0' encoding='latin1'?><plist><true/></plist>"),
+    in_xml("utf16-pairs", "the text is not UTF-16", xml.is_no_character,
+           "A lone surrogate is no character; expat makes one of it and the unit behind it.",
+           b"\xff\xfe" + "<plist><string>\ud800a</string></plist>".encode("utf-16-le",
+                                                                          "surrogatepass")),
+    in_xml("nesting-in-xml", "more than 512 .* are nested in each other",
+           xml.is_too_deep,
+           "The depth is bounded, so that no file exhausts the stack of whoever walks it.",
+           nested_xml(513)),
+    in_xml("detection", ".*", xml.is_not_detected,
+           "A document that begins like neither form is the old text form; it is given to "
+           "plistlib as XML here, whatever it begins with.",
+           b"<?p?><plist><true/></plist>", form="text"),
+    in_xml("utf16-without-mark", ".*", xml.is_utf16_without_mark,
+           "UTF-16 needs a byte-order mark; expat guesses.",
+           "<plist><true/></plist>".encode("utf-16-le"), form="text"),
+]
+
+# What the others say instead of what they would say.
+
+
+def retell_without_encoding(document, ours, _theirs):
+    if ours.serialisation != "xml" or not xml.mark_of(document):
+        return None
+    changed = xml.without_encoding(document)
+    return changed and (changed, read_plistlib(changed))
+
+
+def retell_signed_hexadecimal(document, ours, theirs):
+    if not re.match(r"ValueError: invalid literal for int\(\) with base 10: '[+-]0x[0-9a-fA-F]+'$",
+                    theirs.error or ""):
+        return None
+    signed = re.compile(r"(>[^<>]*)([+-])0x([0-9a-fA-F]+)(?=[^<>]*</integer)")
+    if not ours.outcome.accepted:
+        return None
+    return _reread(document, signed.sub(lambda match: f"{match[1]}{match[2]}{int(match[3], 16)}",
+                                        xml.text_of(document)))
+
+
+def retell_name_characters(document, ours, theirs):
+    if not ours.outcome.accepted or "(invalid token)" not in (theirs.error or ""):
+        return None
+    tag = re.compile(r"<\?.*?\?>|<(?!!--|!\[CDATA)[^<>]*>", re.DOTALL)
+    return _reread(document, tag.sub(_with_plain_names, xml.text_of(document)))
+
+
+def _with_plain_names(tag):
+    return re.sub("(\"[^\"]*\"|'[^']*')|[\u0100-\U0010ffff]", lambda part: part[1] or "a", tag[0])
+
+
+def _reread(document, text):
+    """The document with another text, and what plistlib makes of it."""
+    mark = xml.mark_of(document)
+    declared = xml.DECLARATION.match(text)
+    latin = not mark and declared and (declared["encoding"] or "").lower() == "iso-8859-1"
+    changed = mark + text.encode("latin-1" if latin else xml.MARKS.get(mark, "utf-8"))
+    return changed, read_plistlib(changed)
+
+
+def retell_early_years(document, ours, theirs):
+    """With the zeros that are missing from a year before 1000."""
+    early = rb"<date>(\d{1,3})-"
+    if not theirs.written or not ours.outcome.accepted or not re.search(early, theirs.written):
+        return None
+    return document, _rewritten(
+        re.sub(early, lambda match: b"<date>%04d-" % int(match[1]), theirs.written))
+
+
+def retell_carriage_returns(document, ours, theirs):
+    if not theirs.written or not ours.outcome.accepted or b"\r" not in theirs.written:
+        return None
+    return document, _rewritten(theirs.written.replace(b"\r", b"&#13;"))
+
+
+def _rewritten(written):
+    return read_plistlib(written)._replace(written=written)
+
+
+def retell_death(document, ours, theirs):
+    died = re.fullmatch(r"plistutil: status -\d+", theirs.error or "")
+    if not died or not ours.outcome.accepted or not binary.holds_wide_utf16(document):
+        return None
+    return document, read_plistlib(document)
+
+
+def retell_empty_utf16(document, ours, theirs):
+    if theirs.error != "plistutil: no value" or not ours.outcome.accepted:
+        return None
+    return (document, ours.outcome) if binary.holds_empty_utf16(document) else None
+
+
+# Leaves that differ.
+
+
+def real_of(token):
+    bits = re.fullmatch(r"real\(([0-9a-f]{16})\)", token)
+    return struct.unpack(">d", bytes.fromhex(bits[1]))[0] if bits else None
+
+
+def is_fraction_of_second(document, ours, theirs):
+    """plistlib rounds to microseconds."""
+    return any(ours == f"date({START_2001 + math.floor(seconds)})" and
+               theirs == describe_leaf(datetime.datetime(2001, 1, 1)
+                                       + datetime.timedelta(seconds=seconds))
+               for seconds in binary.dates(document) if -7e10 < seconds < 3e11)
+
+
+def is_cut_toward_zero(document, ours, theirs):
+    return any(seconds < 0 and ours == f"date({START_2001 + math.floor(seconds)})" and
+               theirs == f"date({START_2001 + math.trunc(seconds)})"
+               for seconds in binary.dates(document) if -7e10 < seconds < 3e11)
+
+
+def is_another_nan(_document, ours, theirs):
+    reals = real_of(ours), real_of(theirs)
+    return None not in reals and all(map(math.isnan, reals))
+
+
+def is_unsigned_zero(_document, ours, theirs):
+    return ours == describe_leaf(-0.0) and theirs == describe_leaf(0.0)
+
+
+def has_lost_its_sign(document, ours, theirs):
+    if not re.fullmatch(r"-\d+", ours):
+        return False
+    low = int(ours) % 2**64
+    return theirs == str(low) and bool(binary.holds_wide_integer(document, low))
+
+
+OTHER_RULES = [
+    Rule("byte-order-mark", (PLISTLIB,),
+         "A byte-order mark outweighs the declared encoding; expat refuses, or believes the "
+         "declaration.",
+         b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
+         b"</plist>", retell=retell_without_encoding),
+    Rule("signed-hexadecimal", (PLISTLIB,),
+         "A sign may stand before hexadecimal digits too; plistlib looks for 0x at the start.",
+         b"<plist><integer>-0x10</integer></plist>", retell=retell_signed_hexadecimal),
+    Rule("name-characters", (PLISTLIB,),
+         "Names are those of today's XML; expat keeps to the characters of 1998.",
+         "<plist><true \u0220='1'/></plist>".encode(), retell=retell_name_characters),
+    Rule("early-years", (PLISTUTIL,),
+         "plistutil writes a year before 1000 with fewer than four digits.",
+         binary_file([b"\x33" + struct.pack(">d", -4e10)]), retell=retell_early_years),
+    Rule("plistutil-dies", (PLISTUTIL,),
+         "plistutil reserves two bytes of UTF-8 for a unit of UTF-16, and a character can take "
+         "three; whether it dies of that is up to its heap, and plistlib has to agree with us.",
+         tuple(wide_text(units, times) for units in range(800, 1051, 50)
+               for times in range(300, 551, 50)), retell=retell_death),
+    Rule("carriage-return", (PLISTUTIL,),
+         "A carriage return is kept; plistutil writes it bare, and XML reads it as a line feed.",
+         binary_file([b"\x52a\r"]), retell=retell_carriage_returns),
+    Rule("empty-utf16", (PLISTUTIL,),
+         "An empty string is one in UTF-16 too; plistutil refuses it.",
+         binary_file([b"\x60"]), retell=retell_empty_utf16),
+    Rule("date-fraction", (PLISTLIB,),
+         "A date is cut to whole seconds; plistlib keeps microseconds.",
+         binary_file([b"\x33" + struct.pack(">d", 1.5)]), tokens=is_fraction_of_second),
+    Rule("date-toward-zero", (PLISTUTIL,),
+         "A date is cut toward the past; plistutil cuts toward 2001.",
+         binary_file([b"\x33" + struct.pack(">d", -1.5)]), tokens=is_cut_toward_zero),
+    Rule("nan", (PLISTUTIL,),
+         "A real is kept bit for bit; plistutil writes every NaN as nan.",
+         binary_file([b"\x23\xff\xf8" + bytes(6)]), tokens=is_another_nan),
+    Rule("minus-zero", (PLISTUTIL,),
+         "A real is kept bit for bit; plistutil writes -0 as 0.",
+         binary_file([b"\x23\x80" + bytes(7)]), tokens=is_unsigned_zero),
+    Rule("wide-negative", (PLISTUTIL,),
+         "An integer of sixteen bytes is signed; plistutil takes the low 64 bits without a sign.",
+         binary_file([b"\x14" + b"\xff" * 16]), tokens=has_lost_its_sign),
+]
+
+RULES = BINARY_REFUSALS + XML_REFUSALS + OTHER_RULES
