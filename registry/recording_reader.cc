@@ -175,7 +175,8 @@ class RecordingReader {
   bool CheckKeys(std::size_t number, const Dictionary& node,
                  std::initializer_list<std::string_view> known) {
     const auto unknown = DescribeUnknownKey(node, known);
-    return unknown.empty() || FailAt(number, unknown);
+    if (!unknown.empty()) return FailAt(number, unknown);
+    return true;
   }
 
   // The string under `key`, left as it was when the key is absent.
@@ -191,11 +192,13 @@ class RecordingReader {
 
   bool ReadName(std::size_t number, const Dictionary& node, std::string& name) {
     if (node.Find("Name") == nullptr) {
-      return nodes_[number].parent == NoNode || FailAt(number, "\"Name\" is missing");
+      if (nodes_[number].parent != NoNode) return FailAt(number, "\"Name\" is missing");
+      return true;
     }
     if (!ReadText(number, node, "Name", name)) return false;
     if (name.empty()) return FailAt(number, "\"Name\" is empty");
-    return name.find('/') == std::string::npos || FailAt(number, "\"Name\" holds a \"/\"");
+    if (name.find('/') != std::string::npos) return FailAt(number, "\"Name\" holds a \"/\"");
+    return true;
   }
 
   bool ReadProperties(std::size_t number, const Dictionary& node, Dictionary& properties) {

@@ -23,13 +23,11 @@ constexpr auto DigitOf = [] {
   return table;
 }();
 
-// The bytes of a last group of `digits` digits, which were left over when the padding began.
-bool AppendLastGroup(std::string& bytes, std::uint32_t group, unsigned digits) {
-  if (digits < 2) return false;
+// The bytes of a last group of two or three digits, which were left over when the padding began.
+void AppendLastGroup(std::string& bytes, std::uint32_t group, unsigned digits) {
   group <<= 6 * (4 - digits);
   bytes.push_back(static_cast<char>(group >> 16));
   if (digits == 3) bytes.push_back(static_cast<char>(group >> 8));
-  return true;
 }
 
 void AppendGroup(std::string& bytes, std::uint32_t group) {
@@ -61,7 +59,8 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
     digits = 0;
   }
   if (digits == 0 && padding == 0) return bytes;
-  if (digits + padding != 4 || !AppendLastGroup(bytes, group, digits)) return std::nullopt;
+  if (digits + padding != 4) return std::nullopt;
+  AppendLastGroup(bytes, group, digits);
   return bytes;
 }
 

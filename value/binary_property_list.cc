@@ -249,7 +249,8 @@ class BinaryPropertyListReader {
 
   bool ReadString(const Object& object) {
     SharedBytes text;
-    return ReadText(object, text) && Produce(String{std::move(text)});
+    if (!ReadText(object, text)) return false;
+    return Produce(String{std::move(text)});
   }
 
   bool ReadText(const Object& object, SharedBytes& text) {

@@ -10,9 +10,8 @@ bool IsContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// How many bytes a character takes that begins with `lead`; 0 when none does.
+// How many bytes a character beyond ASCII takes that begins with `lead`; 0 when none does.
 std::size_t SequenceLength(unsigned char lead) {
-  if (lead < 0x80) return 1;
   if (lead < 0xC2) return 0;  // a continuation, or the start of an overlong form
   if (lead < 0xE0) return 2;
   if (lead < 0xF0) return 3;

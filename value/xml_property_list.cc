@@ -159,7 +159,8 @@ class XmlPropertyListReader {
 
   bool ReadString(const XmlStartTag& tag) {
     SharedBytes text;
-    return ReadSharedText(tag, text) && Produce(String{std::move(text)});
+    if (!ReadSharedText(tag, text)) return false;
+    return Produce(String{std::move(text)});
   }
 
   // A leaf whose text `parse` turns into a value or refuses.
