@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <optional>
+#include <string>
 
 #include "plan/match_report.h"
 #include "testing/call_lists.h"
@@ -23,7 +25,8 @@ struct Built {
 };
 
 Built Build(std::initializer_list<MatchRecord> matches,
-            const std::string& directory = "/P/Fernwick/", const std::string& boardId = "Zed-42") {
+            const std::string& directory = "/P/Fernwick/",
+            const std::optional<std::string>& boardId = "Zed-42") {
   Built built;
   testing::StreamCapture capture;
   testing::StandardErrorCapture errors;
@@ -234,6 +237,13 @@ TEST(InvocationBuilder, RefusesAMatchWithoutAnImage) {
     EXPECT_EQ(built.standardError,
               "fernwick: Error in personality: no firmware image to flash for type USBC\n");
   }
+}
+
+TEST(InvocationBuilder, RefusesAnImageWithoutABoardToLookItUpFor) {
+  const auto built = Build({Usbc("a.bin")}, "/P/Fernwick/", std::nullopt);
+  EXPECT_FALSE(built.accepted);
+  EXPECT_EQ(built.standardError,
+            "fernwick: Error in personality: no firmware image to flash for type USBC\n");
 }
 
 TEST(InvocationBuilder, WithoutMatchesHoldsTheOptionsArgumentAlone) {

@@ -18,6 +18,33 @@ using testing::Computer;
 /// A handle that no registry here has handed out.
 constexpr RegistryEntry UnknownHandle = 999;
 
+// A root and what stands below it.
+const Recording TwoEntries = {{{"Root", "", {}}, {"Port0", "QuinceHPMDevice", {{"RID", 2}}}},
+                              {{"IOService", {1, {{1, {0, {2}}}, {2, {1, {}}}}}}},
+                              {{"QuinceHPMDevice", "Device"}}};
+
+// TwoEntries as `change` leaves it.
+template <typename Change>
+Recording Changed(Change change) {
+  Recording recording = TwoEntries;
+  change(recording);
+  return recording;
+}
+
+TEST(Recording, EqualityHeedsEveryPart) {
+  EXPECT_EQ(Changed([](Recording&) {}), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.entries[1].name = "Port1"; }), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.entries[1].class_ = ""; }), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.entries[1].properties.Set("RID", 3); }), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].root = 2; }), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].placements[2].parent = 2; }),
+            TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].placements[1].children = {}; }),
+            TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.superclasses.clear(); }), TwoEntries);
+  EXPECT_NE(Changed([](Recording& r) { r.entries.pop_back(); }), TwoEntries);
+}
+
 TEST(RecordedRegistryPath, NamesAnEntryOrNothing) {
   Computer computer;
   const RegistryEntry a = computer.AddService(computer.Services(), "a", "", {});

@@ -466,6 +466,13 @@ TEST(BinaryPropertyList, RejectsMoreSharing) {
   EXPECT_EQ(Parse(SharingFile(4095, 4096, 1)).error, "byte 4108: more than 2^24 values");
 }
 
+TEST(BinaryPropertyList, RejectsMoreValuesInOneArray) {
+  const std::size_t count = std::size_t{1} << 24;  // and the array itself
+  const auto array = CountedMarker(0xA, count) + Repeated("\1", count);
+  EXPECT_EQ(Parse(BinaryFile({array, True}, {.offsetWidth = 4})).error,
+            "byte 8: more than 2^24 values");
+}
+
 // 50 objects each of which holds the next 200 times, the first `dictionaries` of them as a
 // dictionary, the others as an array; the last of them holds 200 booleans.
 std::vector<std::string> Fanning(std::uint64_t dictionaries) {

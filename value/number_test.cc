@@ -30,6 +30,11 @@ TEST(Number, NegativeIntegerIsLessThanLargeUnsigned) {
             std::partial_ordering::less);
 }
 
+TEST(Number, IntegersOfTheSameBitsDifferBySign) {
+  EXPECT_NE(Integer(-1), Integer(std::numeric_limits<std::uint64_t>::max()));
+  EXPECT_NE(Integer(std::numeric_limits<std::int64_t>::min()), Integer(std::uint64_t{1} << 63));
+}
+
 TEST(Number, BoundsOfIntegersAgainstReals) {
   const Integer greatest(std::numeric_limits<std::uint64_t>::max());
   const Integer least(std::numeric_limits<std::int64_t>::min());

@@ -140,6 +140,15 @@ TEST(Dictionary, MergeSetsEveryEntryOfTheOther) {
   EXPECT_EQ(Spelt(dictionary), "a=4 b=2 c=3 d=5");
 }
 
+TEST(Dictionary, MergeOfManyIsAsIfSetOneByOne) {
+  const auto all = DistinctEntries(40);
+  Dictionary dictionary{{"key20", 7}, {"a", 1}, {"key10", 8}};
+  Dictionary expected = dictionary;
+  for (const auto& [key, value] : all) expected.Set(key.View(), value);
+  dictionary.Merge(Dictionary(all));
+  EXPECT_EQ(Spelt(dictionary), Spelt(expected));
+}
+
 TEST(Dictionary, MergeWithAnEmptyOneChangesNothing) {
   Dictionary dictionary{{"a", 1}};
   dictionary.Merge({});
@@ -228,6 +237,33 @@ TEST(PropertyValue, KindsOfNumberAreDifferentValues) {
 
 TEST(PropertyValue, StringAndDataOfTheSameBytesAreDifferentValues) {
   EXPECT_NE(PropertyValue("a"), Bytes("a"));
+}
+
+TEST(PropertyValue, EqualityIsThatOfKindAndContent) {
+  const Array distinct = {Dictionary{{"a", 1}},
+                          Dictionary{{"a", 2}},
+                          Dictionary{},
+                          Array{1},
+                          Array{2},
+                          Array{},
+                          "a",
+                          "b",
+                          Bytes("a"),
+                          Bytes("b"),
+                          Date{1},
+                          Date{2},
+                          1,
+                          2,
+                          1.0,
+                          2.0,
+                          true,
+                          false};
+  for (std::size_t i = 0; i < distinct.size(); ++i) {
+    for (std::size_t j = 0; j < distinct.size(); ++j) {
+      EXPECT_EQ(distinct[i] == distinct[j], i == j)
+          << ::testing::PrintToString(distinct[i]) << ::testing::PrintToString(distinct[j]);
+    }
+  }
 }
 
 TEST(PropertyValue, CopiesShareWhatTheyHold) {

@@ -145,6 +145,7 @@ TEST(TextCursor, RejectsOtherQuotedStrings) {
       {"'a\"", 0, noEnd},
       {"\"a\\\"", 0, noEnd},
       {"\"a\\", 2, "an escape does not end"},
+      {"\"a\\12", 0, noEnd},
       {R"("\0")", 0, uncarriable},
       {R"("\000")", 0, uncarriable},
       {R"("\a")", 0, uncarriable},

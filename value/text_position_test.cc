@@ -66,6 +66,12 @@ TEST(Excerpt, CutNeverSplitsACharacter) {
   EXPECT_EQ(Excerpt(Repeated("x", 38) + "\xC3\xA4y"), Repeated("x", 38) + "\xC3\xA4...");
 }
 
+TEST(Excerpt, BytesThatAreNoTextStayAsTheyAre) {
+  EXPECT_EQ(Excerpt("a\xFF\xC3"), "a\xFF\xC3");
+  EXPECT_EQ(Excerpt(Repeated("\x80", 40)), Repeated("\x80", 40));
+  EXPECT_EQ(Excerpt(Repeated("\x80", 41)), "...");
+}
+
 TEST(Excerpt, WhiteSpaceBecomesBlanksSoThatAMessageStaysOneLine) {
   EXPECT_EQ(Excerpt("a\nb\r\n\tc"), "a b   c");
   EXPECT_EQ(Excerpt(Repeated("\n", 41)), Repeated(" ", 40) + "...");

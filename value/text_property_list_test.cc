@@ -16,6 +16,7 @@ using testing::Bytes;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
 using testing::NestedArrays;
+using testing::RejectedRow;
 using testing::Repeated;
 using testing::Truncated;
 
@@ -136,6 +137,27 @@ TEST(TextPropertyList, RejectsWhatBeginsNoValue) {
                             {"\xC3\xA4", "line 1, column 1: a value was expected"},
                             {"*/", "line 1, column 1: a value was expected"},
                             {{"\0", 1}, "line 1, column 1: a value was expected"},
+                        });
+}
+
+TEST(TextPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
+  const auto endless = [](const std::string& before) {
+    return RejectedRow{before + "/* ", "line 1, column " + std::to_string(before.size() + 1) +
+                                           ": a comment does not end"};
+  };
+  ExpectRejected(Parse, {
+                            endless(""),
+                            endless("a "),
+                            endless("\"a\""),
+                            endless("("),
+                            endless("(<00>"),
+                            endless("(a,"),
+                            endless("{"),
+                            endless("{\"a\""),
+                            endless("{a="),
+                            endless("{a=\"b\""),
+                            endless("{a=b;"),
+                            endless("{a=b; \"c\""),
                         });
 }
 

@@ -116,12 +116,15 @@ TEST(XmlCursor, RejectsAMalformedProlog) {
            "the public identifier holds a character that it must not"},
           {"<!DOCTYPE plist PUBLIC 'a<b' 'c'>", 23,
            "the public identifier holds a character that it must not"},
+          {"<!DOCTYPE plist PUBLIC 'a{b' 'c'>", 23,
+           "the public identifier holds a character that it must not"},
           {"<!DOCTYPE plist []>", 16,
            "a document type declaration with an internal subset is not accepted"},
           {"<!DOCTYPE plist[]>", 15,
            "a document type declaration with an internal subset is not accepted"},
           {"<!DOCTYPE plist SYSTEM 'a' [<!ENTITY b 'c'>]>", 27,
            "a document type declaration with an internal subset is not accepted"},
+          {"<!DOCTYPE plist><!-- ", 16, "a comment does not end"},
       },
       SkipProlog);
 }

@@ -90,6 +90,7 @@ TEST(XmlDeclaration, RejectsAnythingElseAtTheFault) {
       {"<?xml version='1.0' encoding=' UTF-8'?>", 29},
       {"<?xml version='1.0' encoding='UTF 8'?>", 29},
       {"<?xml version='1.0' encoding='UTF-8\xFF'?>", 29},
+      {"<?xml version='1.0' encoding='UTF-8{'?>", 29},
       {"<?xml version='1.0' encoding=UTF-8?>", 29},
       {"<?xml version='1.0' encoding='UTF-8?>", 29},
       {"<?xml version='1.0' encoding='UTF-8' encoding='UTF-8'?>", 37},

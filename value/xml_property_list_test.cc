@@ -19,6 +19,7 @@ using testing::DateOf;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
 using testing::NestedArrays;
+using testing::RejectedRow;
 using testing::Repeated;
 using testing::Truncated;
 
@@ -285,6 +286,24 @@ TEST(XmlPropertyList, RejectsWhatFollowsTheRoot) {
            "line 1, column 8: an XML declaration may stand only at the very start"},
           {"<true/><!-- ", "line 1, column 8: a comment does not end"},
       });
+}
+
+TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
+  const auto endless = [](const std::string& before) {
+    return RejectedRow{before + "<!-- ", "line 1, column " + std::to_string(before.size() + 1) +
+                                             ": a comment does not end"};
+  };
+  ExpectRejected(Parse, {
+                            endless(""),
+                            endless("<plist>"),
+                            endless("<plist><true/>"),
+                            endless("<plist><true/></plist>"),
+                            endless("<array>"),
+                            endless("<array><true/>"),
+                            endless("<dict>"),
+                            endless("<dict><key>a</key>"),
+                            endless("<dict><key>a</key><true/>"),
+                        });
 }
 
 TEST(XmlPropertyList, RejectsTextAroundElements) {
