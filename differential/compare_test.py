@@ -93,6 +93,13 @@ class TheRules(unittest.TestCase):
                          ["nan"])
         self.assertIsNone(explain(document, "plistutil", ours, wrong, RULES))
 
+    def test_one_difference_can_hide_another(self):
+        document = (b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><array>"
+                    b"<integer>+0x1F</integer><string>\xc3\xa9</string></array></plist>")
+        ours = Reading("xml", Outcome('[31, "\\xc3\\xa9"]'))
+        met = explain(document, PLISTLIB, ours, readers.read_plistlib(document), RULES)
+        self.assertEqual([rule.name for rule in met], ["signed-hexadecimal", "byte-order-mark"])
+
     def test_a_leaf_that_is_missing_is_explained_by_no_rule(self):
         ours = Reading("binary", Outcome('["a\\x0d", true]'))
         self.assertIsNone(explain(b"bplist00", "plistutil", ours, Outcome('["a\\x0a"]'), RULES))

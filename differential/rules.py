@@ -59,8 +59,8 @@ def explain(document, reader, ours, theirs, rules):
     """The rules that a difference meets; None when there is one that no rule explains."""
     about = [rule for rule in rules if reader in rule.readers]
     met = []
-    for rule in about:
-        if rule.retell and not agree(ours.outcome, theirs):
+    for rule in about + about:  # one difference can hide another
+        if rule.retell and rule not in met and not agree(ours.outcome, theirs):
             retold = rule.retell(document, ours, theirs)
             if retold is not None and retold[1][:2] != theirs[:2]:
                 document, theirs = retold
