@@ -217,11 +217,53 @@ void MakeReaderSeeds(SeedMaker& maker, const Texts& files) {
   maker.AddWords("reader", XmlWords(samples) + BinaryWords() + TextWords());
 }
 
+// Every key, and every string that is short enough to be a word.
+void AddWordsOf(const PropertyValue& value, Words& words) {
+  constexpr std::size_t LongestWord = 32;
+  const auto text = value.AsString();
+  if (text && !text->empty() && text->size() <= LongestWord) words.insert(std::string(*text));
+  if (const auto* array = value.AsArray()) {
+    for (const auto& element : *array) AddWordsOf(element, words);
+  }
+  if (const auto* dictionary = value.AsDictionary()) {
+    for (const auto& entry : dictionary->Entries()) {
+      words.insert(std::string(entry.key.View()));
+      AddWordsOf(entry.value, words);
+    }
+  }
+}
+
+Words WordsOf(const std::vector<PropertyValue>& values) {
+  Words words;
+  for (const auto& value : values) AddWordsOf(value, words);
+  words.erase("");
+  return words;
+}
+
+void MakeRecordingSeeds(SeedMaker& maker, const Texts& recordings) {
+  const auto values = ValuesOf(recordings);
+  maker.Add("recording", Written(values, WriteXmlPropertyList));
+  maker.Add("recording", Written(values, testing::WriteBinaryPropertyList));
+  maker.AddWords("recording", WordsOf(values));
+}
+
+void MakeSwitchSeeds(SeedMaker& maker) {
+  using namespace std::string_literals;
+  const std::string usbc = "fernwick_bypass_usbc_updates";
+  const std::string version = "fernwick_bypassversioncheck";
+  maker.Add("bypass_switch", {"-v " + usbc + "=1", version + "=0  a=b " + usbc + "=", usbc,
+                              version + "=1 " + version + "=0\0t0"s, "\0t1"s, "\0d0\0"s,
+                              "a\0d\xC3\xA9"s, usbc + "=0=1\0d\xFF"s, "\0n"s, "\0b"s, "\0a1"s});
+  maker.AddWords("bypass_switch", {usbc, version, usbc + "=", version + "=", "=0", " "});
+}
+
 void MakeSeeds(const fs::path& source, const fs::path& output) {
   SeedMaker maker(output);
   const auto recordings = FilesOfProject(source, ".registry.plist");
   const auto configurations = FilesOfProject(source, "/Config.plist");
   MakeReaderSeeds(maker, recordings + configurations);
+  MakeRecordingSeeds(maker, recordings);
+  MakeSwitchSeeds(maker);
 }
 
 }  // namespace

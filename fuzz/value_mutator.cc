@@ -1,0 +1,156 @@
+#include "fuzz/value_mutator.h"
+
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+#include "fuzz/same_value.h"
+#include "fuzz/sample_values.h"
+#include "testing/property_values.h"
+#include "value/property_list_reader.h"
+#include "value/property_list_writer.h"
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
+
+namespace fernwick::fuzz {
+namespace {
+
+constexpr std::size_t LongestText = 256;
+
+// Calls `visit` with the value and everything in it.
+template <typename Visit>
+void ForEachPart(const PropertyValue& value, Visit visit) {
+  visit(value);
+  if (const auto* array = value.AsArray()) {
+    for (const auto& element : *array) ForEachPart(element, visit);
+  }
+  if (const auto* dictionary = value.AsDictionary()) {
+    for (const auto& entry : dictionary->Entries()) ForEachPart(entry.value, visit);
+  }
+}
+
+// The engine's own mutation of `bytes`.
+std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {
+  std::string buffer(bytes.substr(0, capacity));
+  const std::size_t size = buffer.size();
+  buffer.resize(capacity);
+  buffer.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(buffer.data()), size, capacity));
+  return buffer;
+}
+
+}  // namespace
+
+ValueMutator::ValueMutator(unsigned seed)
+    : random_(seed), values_(SampleValues()), keys_{"", "Key"} {}
+
+void ValueMutator::Show(const PropertyValue& value) {
+  ForEachPart(value, [this](const PropertyValue& part) {
+    values_.push_back(part);
+    const auto* dictionary = part.AsDictionary();
+    if (dictionary == nullptr) return;
+    for (const auto& entry : dictionary->Entries()) keys_.emplace_back(entry.key.View());
+  });
+}
+
+PropertyValue ValueMutator::Mutate(PropertyValue value) {
+  for (std::size_t rounds = 1 + Pick(3); rounds > 0; --rounds) value = MutateOne(value);
+  return value;
+}
+
+PropertyValue ValueMutator::MutateOne(const PropertyValue& value) {
+  std::vector<const PropertyValue*> parts;
+  ForEachPart(value, [&](const PropertyValue& part) { parts.push_back(&part); });
+  return Replaced(value, parts[Pick(parts.size())]);
+}
+
+// A copy in which the part at `target` is another.
+PropertyValue ValueMutator::Replaced(const PropertyValue& value, const PropertyValue* target) {
+  if (&value == target) return Pick(4) == 0 ? AnyValue() : Changed(value);
+  if (const auto* array = value.AsArray()) {
+    Array copy;
+    for (const auto& element : *array) copy.push_back(Replaced(element, target));
+    return copy;
+  }
+  if (const auto* dictionary = value.AsDictionary()) {
+    std::vector<DictionaryEntry> copy;
+    for (const auto& [key, held] : dictionary->Entries()) {
+      copy.emplace_back(key, Replaced(held, target));
+    }
+    return Dictionary(std::move(copy));
+  }
+  return value;
+}
+
+PropertyValue ValueMutator::Changed(const PropertyValue& value) {
+  if (const auto* dictionary = value.AsDictionary()) return ChangedDictionary(*dictionary);
+  if (const auto* array = value.AsArray()) return ChangedArray(*array);
+  if (const auto text = value.AsString()) return ChangedText(*text);
+  if (const auto bytes = value.AsData()) return testing::Bytes(ChangedText(*bytes));
+  if (const auto* integer = value.AsInteger()) {
+    const auto bits = static_cast<std::int64_t>(integer->Bits());
+    const std::int64_t numbers[] = {bits ^ (std::int64_t{1} << Pick(63)), bits >> 1, -1, 0, 1};
+    return numbers[Pick(std::size(numbers))];
+  }
+  if (const auto* real = value.AsReal()) return *real + (Pick(2) == 0 ? 0.01 : -1.0);
+  if (const auto* boolean = value.AsBoolean()) return !*boolean;
+  return AnyValue();
+}
+
+PropertyValue ValueMutator::ChangedDictionary(const Dictionary& dictionary) {
+  const auto entries = dictionary.Entries();
+  if (entries.empty() || Pick(2) == 0) {
+    Dictionary larger = dictionary;
+    larger.Set(AnyKey(), AnyValue());
+    return larger;
+  }
+  std::vector<DictionaryEntry> copy(entries.begin(), entries.end());
+  const auto chosen = Pick(copy.size());
+  switch (Pick(3)) {
+    case 0: copy[chosen].key = SharedBytes(AnyKey()); break;
+    case 1: std::swap(copy[chosen], copy[Pick(copy.size())]); break;
+    default: copy.erase(copy.begin() + static_cast<std::ptrdiff_t>(chosen));
+  }
+  return Dictionary(std::move(copy));
+}
+
+PropertyValue ValueMutator::ChangedArray(Array array) {
+  if (array.empty() || Pick(3) == 0) {
+    array.push_back(AnyValue());
+    return array;
+  }
+  const auto chosen = Pick(array.size());
+  switch (Pick(3)) {
+    case 0: array.push_back(PropertyValue(array[chosen])); break;
+    case 1: std::swap(array[chosen], array[Pick(array.size())]); break;
+    default: array.erase(array.begin() + static_cast<std::ptrdiff_t>(chosen));
+  }
+  return array;
+}
+
+std::string ValueMutator::ChangedText(std::string_view text) {
+  if (Pick(3) == 0) return AnyKey();
+  return MutatedBytes(text, LongestText);
+}
+
+std::string MutatePropertyList(std::string_view bytes, std::size_t capacity,
+                               ValueMutator& mutator) {
+  if (mutator.Pick(8) == 0) return MutatedBytes(bytes, capacity);
+  const auto reading = ReadPropertyList(std::string(bytes));
+  if (!reading.value || !IsSmall(*reading.value)) return MutatedBytes(bytes, capacity);
+  auto written = WriteXmlPropertyList(mutator.Mutate(*reading.value));
+  return written.size() <= capacity ? written : MutatedBytes(bytes, capacity);
+}
+
+std::size_t MutatePropertyList(std::uint8_t* data, std::size_t size, std::size_t capacity,
+                               unsigned seed) {
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  ValueMutator mutator(seed);
+  const auto reading = ReadPropertyList(std::string(bytes));
+  if (reading.value && IsSmall(*reading.value)) mutator.Show(*reading.value);
+  const auto mutated = MutatePropertyList(bytes, capacity, mutator);
+  std::memcpy(data, mutated.data(), mutated.size());
+  return mutated.size();
+}
+
+}  // namespace fernwick::fuzz
