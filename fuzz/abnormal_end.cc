@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <string>
 
@@ -31,6 +32,17 @@ bool IsTried() {
   _exit(0);
 }
 
+// The timer of the fuzzing engine may interrupt the waiting.
+int StatusOf(pid_t child) {
+  int status = 0;
+  pid_t ended = -1;
+  do {
+    ended = waitpid(child, &status, 0);
+  } while (ended < 0 && errno == EINTR);
+  Hold(ended == child, "a process can be started");
+  return status;
+}
+
 }  // namespace
 
 void HoldAbnormalEnd(const std::function<void()>& work, std::string_view fault) {
@@ -38,8 +50,7 @@ void HoldAbnormalEnd(const std::function<void()>& work, std::string_view fault) 
   ForgetFault();
   const pid_t child = fork();
   if (child == 0) WorkWithoutHandler(work);
-  int status = 0;
-  Hold(waitpid(child, &status, 0) == child, "a process can be started");
+  const int status = StatusOf(child);
   Hold(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT, "what is a fault ends abnormally");
   Hold(LastFault() == fault, "an abnormal end tells its fault");
 }

@@ -1,6 +1,7 @@
 // A recorded computer: what is refused, and that the registry of one that is not gives what was
 // recorded.
 
+#include <cstring>
 #include <string>
 
 #include "fuzz/hold.h"
@@ -47,5 +48,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t capacity, unsigned seed) {
-  return fernwick::fuzz::MutatePropertyList(data, size, capacity, seed);
+  using namespace fernwick::fuzz;
+  ValueMutator mutator(seed);
+  const auto bytes = InputText(data, size);
+  mutator.ShowPropertyList(bytes);
+  const auto mutated = MutatePropertyList(bytes, capacity, mutator);
+  std::memcpy(data, mutated.data(), mutated.size());
+  return mutated.size();
 }

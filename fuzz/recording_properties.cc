@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fuzz/hold.h"
+#include "fuzz/plain_recording.h"
 #include "fuzz/same_value.h"
 
 namespace fernwick::fuzz {
@@ -16,45 +17,12 @@ namespace {
 
 constexpr std::size_t Few = 8;
 
-using Entries = std::vector<RegistryEntry>;
 using Found = std::optional<PropertyValue>;
 
 template <typename Range>
 auto FirstFew(const Range& range) {
   const auto count = static_cast<std::ptrdiff_t>(std::min(Few, range.size()));
   return std::vector(range.begin(), std::next(range.begin(), count));
-}
-
-const RecordedEntry& EntryOf(const Recording& recording, RegistryEntry entry) {
-  return recording.entries.at(entry - 1);
-}
-
-// The entry and all below it, parents before children.
-void AppendSubtree(const RecordedPlane& plane, RegistryEntry entry, Entries& entries) {
-  entries.push_back(entry);
-  for (const auto child : plane.placements.at(entry).children) AppendSubtree(plane, child, entries);
-}
-
-Entries SubtreeOf(const RecordedPlane& plane, RegistryEntry entry) {
-  Entries entries;
-  AppendSubtree(plane, entry, entries);
-  return entries;
-}
-
-std::optional<std::string> SuperclassOf(const Recording& recording, std::string_view name) {
-  const auto found = recording.superclasses.find(name);
-  if (found == recording.superclasses.end()) return std::nullopt;
-  return found->second;
-}
-
-// Follows the chain up from the entry's own class.
-bool Conforms(const Recording& recording, RegistryEntry entry, std::string_view className) {
-  std::optional<std::string> name = EntryOf(recording, entry).class_;
-  if (name->empty()) return false;
-  for (; name; name = SuperclassOf(recording, *name)) {
-    if (*name == className) return true;
-  }
-  return false;
 }
 
 bool Same(const Found& a, const Found& b) {
@@ -171,14 +139,6 @@ class PlaneProperties {
   const RecordedPlane& plane_;
   RecordedRegistry& registry_;
 };
-
-Entries ServicesOfClass(const Recording& recording, std::string_view className) {
-  const auto plane = recording.planes.find("IOService");
-  if (plane == recording.planes.end()) return {};
-  auto entries = SubtreeOf(plane->second, plane->second.root);
-  std::erase_if(entries, [&](auto entry) { return !Conforms(recording, entry, className); });
-  return entries;
-}
 
 Entries EntriesOf(RecordedRegistry& registry, RegistryEntry iterator) {
   Entries entries;

@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/packed_run.h"
 #include "fuzz/sample_values.h"
 #include "testing/binary_property_list_writer.h"
 #include "testing/files.h"
@@ -247,6 +249,23 @@ void MakeRecordingSeeds(SeedMaker& maker, const Texts& recordings) {
   maker.AddWords("recording", WordsOf(values));
 }
 
+// Every computer with every configuration: which board it is of, the target does not mind.
+void MakeRunSeeds(SeedMaker& maker, const Texts& recordings, const Texts& configurations) {
+  constexpr std::string_view CommandLines[] = {"-p @", "-p @ --bypassVersion", "-v -X -s -p@/",
+                                               "--payload=@", ""};
+  const auto computers = ValuesOf(recordings);
+  Texts seeds;
+  for (const auto& computer : computers) {
+    const auto recording = WriteXmlPropertyList(computer);
+    for (const auto& configuration : configurations) {
+      const auto options = CommandLines[seeds.size() % std::size(CommandLines)];
+      seeds.push_back(Pack({options, recording, configuration}));
+    }
+  }
+  maker.Add("run", seeds);
+  maker.AddWords("run", WordsOf(computers) + WordsOf(ValuesOf(configurations)));
+}
+
 void MakeSwitchSeeds(SeedMaker& maker) {
   using namespace std::string_literals;
   const std::string usbc = "fernwick_bypass_usbc_updates";
@@ -264,6 +283,7 @@ void MakeSeeds(const fs::path& source, const fs::path& output) {
   MakeReaderSeeds(maker, recordings + configurations);
   MakeRecordingSeeds(maker, recordings);
   MakeSwitchSeeds(maker);
+  MakeRunSeeds(maker, recordings, configurations);
 }
 
 }  // namespace

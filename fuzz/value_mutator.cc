@@ -1,7 +1,6 @@
 #include "fuzz/value_mutator.h"
 
 #include <cstddef>
-#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -30,22 +29,15 @@ void ForEachPart(const PropertyValue& value, Visit visit) {
   }
 }
 
-// The engine's own mutation of `bytes`.
-std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {
-  std::string buffer(bytes.substr(0, capacity));
-  const std::size_t size = buffer.size();
-  buffer.resize(capacity);
-  buffer.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(buffer.data()), size, capacity));
-  return buffer;
-}
-
 }  // namespace
 
 ValueMutator::ValueMutator(unsigned seed)
     : random_(seed), values_(SampleValues()), keys_{"", "Key"} {}
 
-void ValueMutator::Show(const PropertyValue& value) {
-  ForEachPart(value, [this](const PropertyValue& part) {
+void ValueMutator::ShowPropertyList(std::string_view bytes) {
+  const auto reading = ReadPropertyList(std::string(bytes));
+  if (!reading.value || !IsSmall(*reading.value)) return;
+  ForEachPart(*reading.value, [this](const PropertyValue& part) {
     values_.push_back(part);
     const auto* dictionary = part.AsDictionary();
     if (dictionary == nullptr) return;
@@ -133,6 +125,14 @@ std::string ValueMutator::ChangedText(std::string_view text) {
   return MutatedBytes(text, LongestText);
 }
 
+std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {
+  std::string buffer(bytes.substr(0, capacity));
+  const std::size_t size = buffer.size();
+  buffer.resize(capacity);
+  buffer.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(buffer.data()), size, capacity));
+  return buffer;
+}
+
 std::string MutatePropertyList(std::string_view bytes, std::size_t capacity,
                                ValueMutator& mutator) {
   if (mutator.Pick(8) == 0) return MutatedBytes(bytes, capacity);
@@ -140,17 +140,6 @@ std::string MutatePropertyList(std::string_view bytes, std::size_t capacity,
   if (!reading.value || !IsSmall(*reading.value)) return MutatedBytes(bytes, capacity);
   auto written = WriteXmlPropertyList(mutator.Mutate(*reading.value));
   return written.size() <= capacity ? written : MutatedBytes(bytes, capacity);
-}
-
-std::size_t MutatePropertyList(std::uint8_t* data, std::size_t size, std::size_t capacity,
-                               unsigned seed) {
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  ValueMutator mutator(seed);
-  const auto reading = ReadPropertyList(std::string(bytes));
-  if (reading.value && IsSmall(*reading.value)) mutator.Show(*reading.value);
-  const auto mutated = MutatePropertyList(bytes, capacity, mutator);
-  std::memcpy(data, mutated.data(), mutated.size());
-  return mutated.size();
 }
 
 }  // namespace fernwick::fuzz

@@ -17,8 +17,9 @@ class ValueMutator {
  public:
   explicit ValueMutator(unsigned seed);
 
-  /// Shows a value, whose parts and keys may then turn up anywhere. REQUIRES: the value is small.
-  void Show(const PropertyValue& value);
+  /// Shows a property list, whose parts and keys may then turn up anywhere. One that cannot be
+  /// read, or is too large, shows nothing.
+  void ShowPropertyList(std::string_view bytes);
 
   /// The value changed in a few places.
   PropertyValue Mutate(PropertyValue value);
@@ -41,12 +42,11 @@ class ValueMutator {
   std::vector<std::string> keys_;
 };
 
-/// Mutates the property list in the first `size` of `capacity` bytes in place, written as XML, as a
-/// value; as bytes when it is none, and now and then anyway. Returns its new size.
-std::size_t MutatePropertyList(std::uint8_t* data, std::size_t size, std::size_t capacity,
-                               unsigned seed);
+/// What the fuzzing engine by itself would make of `bytes`.
+std::string MutatedBytes(std::string_view bytes, std::size_t capacity);
 
-/// As above, of a text. `mutator` has been shown what may turn up in it.
+/// The property list in `bytes` mutated as a value, written as XML; as bytes when it is none, when
+/// it would become larger than `capacity`, and now and then anyway.
 std::string MutatePropertyList(std::string_view bytes, std::size_t capacity, ValueMutator& mutator);
 
 }  // namespace fernwick::fuzz

@@ -9,8 +9,11 @@ namespace fernwick::testing {
 /// A command line in the form that a program receives, its own name "fernwick" first.
 class CommandLine {
  public:
-  CommandLine(std::initializer_list<std::string> arguments) : words_{"fernwick"} {
-    words_.insert(words_.end(), arguments);
+  CommandLine(std::initializer_list<std::string> arguments)
+      : CommandLine(std::vector<std::string>(arguments)) {}
+
+  explicit CommandLine(const std::vector<std::string>& arguments) : words_{"fernwick"} {
+    words_.insert(words_.end(), arguments.begin(), arguments.end());
     for (auto& word : words_) pointers_.push_back(word.data());
     pointers_.push_back(nullptr);
   }

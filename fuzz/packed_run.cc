@@ -1,0 +1,46 @@
+#include "fuzz/packed_run.h"
+
+#include <utility>
+
+namespace fernwick::fuzz {
+namespace {
+
+// Takes everything up to the first `separator`, and that one, off the start of `text`.
+std::string_view TakeUpTo(std::string_view& text, char separator) {
+  const auto end = text.find(separator);
+  if (end == std::string_view::npos) return std::exchange(text, {});
+  const auto taken = text.substr(0, end);
+  text.remove_prefix(end + 1);
+  return taken;
+}
+
+}  // namespace
+
+PackedRun Unpack(std::string_view input) {
+  PackedRun run;
+  run.options = TakeUpTo(input, '\n');
+  run.recording = TakeUpTo(input, '\0');
+  run.configuration = input;
+  return run;
+}
+
+std::string Pack(const PackedRun& run) {
+  std::string packed(run.options);
+  packed.append("\n").append(run.recording).append(1, '\0').append(run.configuration);
+  return packed;
+}
+
+std::vector<std::string> WordsOf(std::string_view options, std::string_view payload) {
+  std::vector<std::string> words;
+  while (!options.empty()) {
+    // An argument of a program cannot hold a zero byte.
+    auto word = TakeUpTo(options, ' ');
+    std::string argument(TakeUpTo(word, '\0'));
+    const auto place = argument.find('@');
+    if (place != std::string::npos) argument.replace(place, 1, payload);
+    words.push_back(std::move(argument));
+  }
+  return words;
+}
+
+}  // namespace fernwick::fuzz
