@@ -6,6 +6,9 @@ import subprocess
 
 from mutation_build import run_tests
 
+# Comparisons over whole domains. They take long, so they come last and for their own folder alone.
+SLOW_SUITES = "*Reference.*"
+
 INCLUDE_LINE = re.compile(r"^#include .*$", re.MULTILINE)
 
 
@@ -50,8 +53,13 @@ class Trial:
         changed.write_text(body)
         self._compile(path, changed, prelude)
         self._link(f"libfernwick_{folder}.so")
-        yield from own_tests_first(f"{folder}_test", self._build.own_suites(path))
-        yield from self._tests_above(folder)
+        own_suites = self._build.own_suites(path)
+        if own_suites:
+            yield f"{folder}_test", joined(own_suites)
+        yield f"{folder}_test", f"-{SLOW_SUITES}:{joined(own_suites)}"
+        for name in self._build.folders_above(folder):
+            yield f"{name}_test", f"-{SLOW_SUITES}"
+        yield from self._last_tests(folder)
 
     def _header_steps(self, path, _, mutant):
         """Compiles what includes a changed header, a folder after the other, and yields what to run.
@@ -75,15 +83,13 @@ class Trial:
                 yield f"{name}_test", joined(own_suites)
             self._compile_users([test for test in tests if test != own_test])
             self._link(f"{name}_test")
-            yield f"{name}_test", "*"
-        for program in self._build.program_tests():
-            yield program, "*"
+            yield f"{name}_test", f"-{SLOW_SUITES}"
+        yield from self._last_tests(folder)
 
-    def _tests_above(self, folder):
-        for name in self._build.folders_above(folder):
-            yield f"{name}_test", "*"
+    def _last_tests(self, folder):
         for program in self._build.program_tests():
             yield program, "*"
+        yield f"{folder}_test", SLOW_SUITES
 
     def _compile_users(self, users):
         prelude = self._build.system_headers()
@@ -121,13 +127,6 @@ def split_prelude(source):
     includes = list(INCLUDE_LINE.finditer(source))
     end = includes[-1].end() if includes else 0
     return source[:end] + "\n", "\n" * source[:end].count("\n") + source[end:]
-
-
-def own_tests_first(program, suites):
-    """The runs of a test program: the suites of the changed file's own test, then all others."""
-    if not suites:
-        return [(program, "*")]
-    return [(program, joined(suites)), (program, "-" + joined(suites))]
 
 
 def joined(suites):
