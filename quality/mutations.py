@@ -46,6 +46,10 @@ INTEGER = re.compile(r"(0[xX][0-9A-Fa-f']+|[0-9][0-9']*)([uUlLzZ]*)$")
 OPENING = {"(": ")", "[": "]", "{": "}"}
 CLOSING = set(OPENING.values())
 
+# What stands in brackets behind these is left alone: the compiler tests the one, and room that is
+# made ahead of need shows nowhere.
+UNSEEN = {"static_assert", "reserve"}
+
 # Where the condition of a conditional expression begins, read backwards.
 BEFORE_CONDITION = {"=", "return", ",", ";", "?", ":", "{", "}", "<<", "+=", "case"}
 
@@ -135,7 +139,7 @@ def stands_alone(source, match):
 
 
 def all_edits(source):
-    tokens = drop_assertions(tokenise(source))
+    tokens = drop_unseen(tokenise(source))
     for i, token in enumerate(tokens):
         for text in replacements(token, tokens[i - 1].text if i > 0 else ""):
             yield [Edit(token.start, token.end, text)]
@@ -145,12 +149,11 @@ def all_edits(source):
             yield from conditional_edits(tokens, i)
 
 
-def drop_assertions(tokens):
-    """What is left without static_assert declarations, which the compiler itself tests."""
+def drop_unseen(tokens):
     kept = []
     i = 0
     while i < len(tokens):
-        if tokens[i].text == "static_assert":
+        if tokens[i].text in UNSEEN:
             i = closing_index(tokens, i + 1)
         else:
             kept.append(tokens[i])

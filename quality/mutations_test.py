@@ -96,6 +96,7 @@ class Changes(unittest.TestCase):
         self.expect('// a == 1\n/* "b" */')
         self.expect("#pragma once\n#if X == 1 && \\\n    Y == 2\n#endif")
         self.expect('static_assert(sizeof(a) == 4, "size");')
+        self.expect("a.reserve((n + 2) / 3 * 4);")
         self.expect('extern "C" void F();')
 
 

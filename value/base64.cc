@@ -41,9 +41,9 @@ void AppendGroup(std::string& bytes, std::uint32_t group) {
 std::optional<std::string> DecodeBase64(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size() / 4 * 3);
-  std::uint32_t group = 0;
-  unsigned digits = 0;   // of the group begun
-  unsigned padding = 0;  // signs seen; nothing but more of them may follow
+  std::uint32_t group = 0;  // in the low 24 bits; what is above them is never looked at
+  unsigned digits = 0;      // of the group begun
+  unsigned padding = 0;     // signs seen; nothing but more of them may follow
   for (const char c : text) {
     if (IsXmlWhiteSpace(c)) continue;
     if (c == '=') {
@@ -55,7 +55,6 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
     group = group << 6 | digit;
     if (++digits < 4) continue;
     AppendGroup(bytes, group);
-    group = 0;
     digits = 0;
   }
   if (digits == 0 && padding == 0) return bytes;
@@ -68,13 +67,13 @@ std::string EncodeBase64(std::string_view bytes) {
   std::string text;
   text.reserve((bytes.size() + 2) / 3 * 4);
   for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    const std::size_t count = bytes.size() - at < 3 ? bytes.size() - at : 3;
+    const std::size_t left = bytes.size() - at;
     std::uint32_t group = 0;
     for (std::size_t i = 0; i < 3; ++i) {
-      group = group << 8 | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0u);
+      group = group << 8 | (i < left ? static_cast<unsigned char>(bytes[at + i]) : 0u);
     }
     for (std::size_t i = 0; i < 4; ++i) {
-      text.push_back(i <= count ? Alphabet[group >> (18 - 6 * i) & 0x3F] : '=');
+      text.push_back(i <= left ? Alphabet[group >> (18 - 6 * i) & 0x3F] : '=');
     }
   }
   return text;

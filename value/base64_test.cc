@@ -47,6 +47,12 @@ TEST(Base64, LongDataStaysOnOneLine) {
   EXPECT_EQ(EncodeBase64(std::string(300, '\0')), std::string(400, 'A'));
 }
 
+TEST(Base64, EncodesNothingBehindTheBytes) {
+  const std::string_view longer = "\xFF\xFF\xFF\xFF\xFF\xFF";
+  EXPECT_EQ(EncodeBase64(longer.substr(0, 4)), "/////w==");
+  EXPECT_EQ(EncodeBase64(longer.substr(0, 5)), "//////8=");
+}
+
 TEST(Base64, WhiteSpaceMayStandAnywhere) {
   for (const std::string text : {" Zm8=", "Zm8= ", "Z m 8 =", "Zm\n8=", "Zm8\r\n\t=", "Zm8=\n\t"}) {
     EXPECT_EQ(DecodeBase64(text), "fo") << ::testing::PrintToString(text);
@@ -83,7 +89,7 @@ TEST(Base64, RejectsAnythingElse) {
       "Zm9v.",     //
       "Zm9v!",
       "Zm\vv",  // white space that XML does not know
-      "Zm\fv",    {"Zm9v\0", 5}, "Zm9\xC3\xA4",
+      "Zm\fv",    {"Zm9v\0", 5}, "Zm9\xC3\xA4", "Zm9\xFF",
   };
   for (const auto& text : rows) {
     EXPECT_EQ(DecodeBase64(text), std::nullopt) << ::testing::PrintToString(text);

@@ -108,6 +108,7 @@ TEST(BinaryLayout, RejectsATrailerThatDoesNotFitTheFile) {
       {WithNumber(file, 38, 0), 38, table},
       {WithNumber(file, 38, 7), 38, table},
       {WithNumber(file, 38, 15), 38, table},
+      {WithNumber(file, 38, (std::uint64_t{1} << 56) + 10), 38, table},
       {WithNumber(file, 38, Greatest), 38, table},
       {WithNumber(file, 38, 11), 22, count},
       {WithNumber(file, 38, 14), 22, count},

@@ -85,7 +85,7 @@ class BinaryPropertyListReader {
 
  private:
   bool ReadFile() {
-    if (!layout_.Read(file_, fault_) || !CountValues(0, 1)) return false;
+    if (!layout_.Read(file_, fault_)) return false;
     isOpen_.resize(static_cast<std::size_t>(layout_.ObjectCount()));
     isKnown_.resize(isOpen_.size());
     return ReadValue(layout_.TopObject(), TopObjectPlace());
@@ -393,7 +393,7 @@ class BinaryPropertyListReader {
   std::string_view file_;
   BinaryLayout layout_;
   ParseFault fault_;
-  Tally tally_;
+  Tally tally_ = {.values = 1, .longBytes = 0};  // the top object is referred to by no other
   std::uint64_t textBytes_ = 0;
   std::size_t nesting_ = 0;
   std::size_t deepest_ = 0;    // the greatest nesting inside the container that is read, so far

@@ -280,11 +280,19 @@ TEST(BinaryPropertyList, RejectsCountsThatAreNoIntegersOfUpToEightBytes) {
   const std::string error = "byte 9: a count is not an integer";
   ExpectRejected(ParseObject, {
                                   {"\x4F\x22xxxxxx", error},
+                                  {"\x4F\x22", error},
                                   {{"\x5F\x09\x00", 3}, error},
                                   {"\x6F\x51x", error},
                                   {"\xAF\x14" + std::string(16, '\0'), error},
                                   {"\xDF\x1F" + std::string(64, '\0'), error},
                               });
+}
+
+TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoInteger) {
+  for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
+    EXPECT_EQ(Parse(BinaryFile({True, container}, {.topObject = 1})).error,
+              "byte 10: a count is not an integer");
+  }
 }
 
 TEST(BinaryPropertyList, AcceptsArrays) {
@@ -376,6 +384,7 @@ TEST(BinaryPropertyList, RejectsDanglingReferences) {
           {BinaryFile({ArrayObject({0xFFFFFFFFFFFFFFFF}, 8)}, {.referenceWidth = 8}),
            "byte 8: " + noObject},
           {BinaryFile({DictionaryObject({1}, {1})}), "byte 8: " + noObject},
+          {BinaryFile({DictionaryObject({2}, {1}), True}), "byte 8: " + noObject},
           {BinaryFile({DictionaryObject({1}, {2}), AsciiObject("a")}), "byte 8: " + noObject},
           {BinaryFile({ArrayObject({1})}, {.furtherOffsets = {0}}), "byte 8: " + outside},
           {BinaryFile({ArrayObject({1})}, {.furtherOffsets = {7}}), "byte 8: " + outside},
@@ -563,6 +572,8 @@ TEST(BinaryPropertyList, ContainerThatIsReachedOftenIsShared) {
   ASSERT_EQ(outcome.error, "");
   EXPECT_EQ(*outcome.value, PropertyValue(Array(4, Array(3, Array()))));
   const auto& array = *outcome.value->AsArray();
+  EXPECT_NE(array[0].AsArray(), array[1].AsArray());  // what is reached once is not kept
+  EXPECT_EQ(array[1].AsArray(), array[2].AsArray());
   EXPECT_EQ(array[2].AsArray(), array[3].AsArray());
 }
 
@@ -575,6 +586,23 @@ std::string SharedPairBelow(std::uint64_t depth) {
     objects.push_back(ArrayObject({i == depth ? 1 : i + 3}, 2));
   }
   return BinaryFile(objects, {.referenceWidth = 2});
+}
+
+// An array that holds a pair of nested arrays twice, an array around that pair twice and, once
+// more, the latter inside `depth` further arrays: 1 + depth + 3 are nested.
+std::string SharedTripleBelow(std::uint64_t depth) {
+  std::vector<std::string> objects = {ArrayObject({1, 1, 3, 3, 4}, 2), ArrayObject({2}, 2),
+                                      ArrayObject({}, 2), ArrayObject({1}, 2)};
+  for (std::uint64_t i = 1; i <= depth; ++i) {
+    objects.push_back(ArrayObject({i == depth ? 3 : i + 4}, 2));
+  }
+  return BinaryFile(objects, {.referenceWidth = 2});
+}
+
+TEST(BinaryPropertyList, HeightOfASharedContainerReachesIntoSharedOnes) {
+  EXPECT_EQ(Parse(SharedTripleBelow(508)).error, "");
+  EXPECT_EQ(Parse(SharedTripleBelow(509)).error,
+            "byte 23: more than 512 arrays and dictionaries are nested in each other");
 }
 
 TEST(BinaryPropertyList, SharedContainerCountsItsHeightWhereverItIsReached) {
@@ -618,6 +646,28 @@ TEST(BinaryPropertyList, RejectsStringsThatOverlapToStandForMoreTextThanTheFile)
             PropertyValue(Repeated("\xE6\xBC\x91\xCF\xA8", 500)));
   shape.topObject = 0;
   EXPECT_EQ(Parse(BinaryFile(objects, shape)).error, "byte 219: strings overlap");
+}
+
+// An array of fewer than 15 strings of 2000 bytes each, every four bytes beginning another, in a
+// file of `size` bytes.
+std::string OverlappingStrings(std::uint64_t count, std::size_t size) {
+  const auto strings = Repeated("\x6F\x11\x03\xE8", 1000);
+  const std::uint64_t start = 8 + 1 + 2 * count;  // behind the header and the array
+  BinaryShape shape{.referenceWidth = 2};
+  References elements;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    elements.push_back(3 + i);
+    shape.furtherOffsets.push_back(start + 4 * i);
+  }
+  const auto array = ArrayObject(elements, 2);
+  const auto filler = size - BinaryFile({array, strings, ""}, shape).size();
+  return BinaryFile({array, strings, std::string(filler, '\0')}, shape);
+}
+
+TEST(BinaryPropertyList, StringsThatOverlapMayStandForAsMuchTextAsTheFileIsLong) {
+  EXPECT_EQ(Parse(OverlappingStrings(3, 6000)).error, "");
+  EXPECT_EQ(Parse(OverlappingStrings(3, 5999)).error, "byte 23: strings overlap");
+  EXPECT_EQ(Parse(OverlappingStrings(4, 6000)).error, "byte 29: strings overlap");
 }
 
 const std::string& SampleFile() {
