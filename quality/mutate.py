@@ -20,7 +20,7 @@ import sys
 from mutation_build import Build, BuildError
 from mutation_results import (FOLDERS, LEAST_SCORE, Mutant, Results, count_verdicts,
                               read_equivalents, score, stale_entries, table, verdict)
-from mutation_trial import Trial
+from mutation_trial import SwitchedFiles, Trial
 from mutations import mutations_of
 
 WRONG_USAGE = 64
@@ -64,7 +64,10 @@ def source_files(root):
 
 def mutants_of(root, path):
     source = (root / path).read_text()
-    return [Mutant(path, source, mutation) for mutation in mutations_of(source)]
+    return [
+        Mutant(path, source, mutation, number)
+        for number, mutation in enumerate(mutations_of(source))
+    ]
 
 
 def choose(mutants, arguments):
@@ -80,13 +83,14 @@ def choose(mutants, arguments):
 def try_all(build, mutants, results, jobs):
     """Tries each mutant and adds its outcome to the results."""
     trials = queue.SimpleQueue()
+    files = SwitchedFiles(build)
     for number in range(jobs):
-        trials.put(Trial(build, build.directory / f"trial-{number}"))
+        trials.put(Trial(build, files, build.directory / f"trial-{number}"))
 
     def try_one(mutant):
         trial = trials.get()
         try:
-            outcome, tests = trial.run(mutant.path, mutant.source, mutant.text)
+            outcome, tests = trial.run(mutant)
         finally:
             trials.put(trial)
         results.add(mutant, outcome, tests)

@@ -116,14 +116,15 @@ class Build:
             found.update(SYSTEM_INCLUDE.findall((self.root / path).read_text()))
         return "".join(line + "\n" for line in sorted(found) if "gtest" not in line)
 
-    def precompiled(self, text, compilation):
+    def precompiled(self, text, compilation, level):
         """The path of a precompiled header that holds `text` for files compiled like this one."""
-        name = hashlib.sha256(repr((text, compilation.flags)).encode()).hexdigest()[:16]
+        flags = compilation.flags + [level]
+        name = hashlib.sha256(repr((text, flags)).encode()).hexdigest()[:16]
         header = self._preludes / f"{name}.h"
         with self._lock:
             if not header.exists():
                 header.write_text(text)
-                command = compilation.compiler + compilation.flags + ["-x", "c++-header"]
+                command = compilation.compiler + flags + ["-x", "c++-header"]
                 if "clang" in compilation.compiler[0]:
                     command += ["-Xclang", "-fpch-instantiate-templates"]
                 self._run(command + [header, "-o", f"{header}.gch"])
@@ -138,9 +139,58 @@ class Build:
 
     def _measure(self, program, suites):
         begin = time.monotonic()
-        if run_tests(self.directory / program, suites, self.directory, limit=600) != "passed":
+        if run_tests(Workshop(self, self.directory), program, suites, 600) != "passed":
             raise BuildError(f"the unchanged source does not pass {program} {suites}")
-        return math.ceil(2 + 3 * (time.monotonic() - begin))
+        return math.ceil(2 + 5 * (time.monotonic() - begin))
+
+
+class Workshop:
+    """A directory in which files are compiled anew, and libraries and programs with them linked."""
+
+    def __init__(self, build, directory):
+        self._build = build
+        self.directory = directory
+        self._new_objects = {}
+
+    def clear(self):
+        shutil.rmtree(self.directory, ignore_errors=True)
+        self.directory.mkdir(parents=True)
+        self._new_objects = {}
+
+    def write(self, path, text):
+        """Writes a file. A header at its path from the root is then the one that is included."""
+        file = self.directory / path
+        file.parent.mkdir(exist_ok=True)
+        file.write_text(text)
+        return file
+
+    def compile(self, path, source, prelude, level="-O0"):
+        """Compiles the file `source` as the one at `path` is, behind the text `prelude`.
+
+        Returns what the compiler says when it fails, otherwise nothing.
+        """
+        how = self._build.compilation(path)
+        header = self._build.precompiled(prelude, how, level)
+        new_object = self.directory / f"{len(self._new_objects)}.o"
+        errors = errors_of(how.compiler + [f"-I{self.directory}"] + how.flags +
+                           [level, "-include", header, "-c", source, "-o", new_object],
+                           self._build.directory)
+        if not errors:
+            self._new_objects[how.object] = new_object
+        return errors
+
+    def link(self, target):
+        """Links a library or program anew when an object of it is new. Returns whether that went."""
+        command = self._build.link_command(target)
+        if not self._new_objects.keys() & set(command):
+            return True
+        words = [str(self._new_objects.get(word, word)) for word in command]
+        words[words.index("-o") + 1] = str(self.directory / target)
+        return not errors_of(words, self._build.directory)
+
+    def program(self, name):
+        relinked = self.directory / name
+        return relinked if relinked.exists() else self._build.directory / name
 
 
 class Compilation:
@@ -155,12 +205,19 @@ class Compilation:
         del words[output:output + 2]
         del words[words.index("-c"):]
         self.compiler = words[:1]
-        self.flags = [word for word in words[1:] if not is_dropped(word)] + ["-O0", "-w"]
+        self.flags = [word for word in words[1:] if not is_dropped(word)] + ["-w"]
 
 
 def is_dropped(flag):
     """Whether a mutant does without a flag: it is compiled quickly, and nobody reads warnings."""
     return flag.startswith(("-W", "-O")) or flag.endswith("_EXPORTS")
+
+
+def errors_of(command, directory):
+    """Runs a compiler or linker: what it says when it fails, otherwise nothing."""
+    done = subprocess.run(command, cwd=directory, stdin=subprocess.DEVNULL, text=True,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+    return (done.stderr or "failed") if done.returncode != 0 else ""
 
 
 def configure_command(root, directory):
@@ -176,16 +233,18 @@ def configure_command(root, directory):
     return command
 
 
-def run_tests(program, suites, scratch, limit):
-    """Runs a test program with the libraries of `scratch`: "passed", "failed" or "timed out".
+def run_tests(workshop, program, suites, limit, variables=None, temporary=None):
+    """Runs a test program with what was linked anew: "passed", "failed" or "timed out".
 
-    `suites` is a filter as the program takes it; `limit` bounds the processor time, in seconds.
+    `suites` is a filter as the program takes it; `limit` bounds the processor time, in seconds;
+    `variables` are added to the environment; `temporary` is emptied afterwards.
     """
-    temporary = scratch / "tmp"
-    temporary.mkdir(exist_ok=True)
-    environment = {**os.environ, "LD_LIBRARY_PATH": str(scratch), "TMPDIR": str(temporary)}
+    temporary = temporary or workshop.directory / "tmp"
+    temporary.mkdir(parents=True, exist_ok=True)
+    environment = {**os.environ, **(variables or {}), "TMPDIR": str(temporary),
+                   "LD_LIBRARY_PATH": str(workshop.directory)}
     command = ["prlimit", f"--cpu={limit}", f"--as={MEMORY_LIMIT}", "--core=0", "--",
-               program, "--gtest_fail_fast", f"--gtest_filter={suites}"]
+               workshop.program(program), "--gtest_fail_fast", f"--gtest_filter={suites}"]
     child = subprocess.Popen(command, cwd=temporary, env=environment, start_new_session=True,
                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                              stderr=subprocess.DEVNULL)

@@ -16,6 +16,7 @@ class Mutant:
     path: str
     source: str
     mutation: object
+    number: int  # among those of the file
 
     @property
     def key(self):

@@ -19,7 +19,8 @@ reason: It is all the same.
 
 
 def mutants(source):
-    return [Mutant("value/a.cc", source, mutation) for mutation in mutations_of(source)]
+    return [Mutant("value/a.cc", source, mutation, number)
+            for number, mutation in enumerate(mutations_of(source))]
 
 
 class Equivalents(unittest.TestCase):

@@ -196,10 +196,10 @@ def replacements(token, previous):
 
 
 def number_replacements(text):
-    """The numbers beside this one; of a real number the one above."""
+    """The numbers beside this one; of a real number one that is far from it."""
     integer = INTEGER.match(text)
     if not integer:
-        return [f"({text} + 1)"]
+        return [f"({text} * 2 + 1)"]
     digits, suffix = integer.groups()
     if digits[:2] in ("0x", "0X"):
         value, shape = int(digits.replace("'", ""), 16), "0x{:X}"

@@ -49,8 +49,8 @@ class Changes(unittest.TestCase):
         self.expect("n = 0x1F;", "n = 0x20;", "n = 0x1E;")
         self.expect("n = 1'000;", "n = 1001;", "n = 999;")
 
-    def test_a_real_number_becomes_the_one_above(self):
-        self.expect("x = 1.5e-3;", "x = (1.5e-3 + 1);")
+    def test_a_real_number_becomes_another(self):
+        self.expect("x = 1.5e-3;", "x = (1.5e-3 * 2 + 1);")
 
     def test_a_character_becomes_another(self):
         self.expect("c = 'a';", "c = 'b';")

@@ -64,6 +64,7 @@ TEST(Number, ToSigned64BitsTruncatesAndSaturates) {
   EXPECT_EQ(ToSigned64Bits(Integer(-1)), 0xFFFFFFFFFFFFFFFF);
   EXPECT_EQ(ToSigned64Bits(-5.9), 0xFFFFFFFFFFFFFFFB);
   EXPECT_EQ(ToSigned64Bits(1e30), 0x7FFFFFFFFFFFFFFF);
+  EXPECT_EQ(ToSigned64Bits(9223372036854775808.0), 0x7FFFFFFFFFFFFFFF);
   EXPECT_EQ(ToSigned64Bits(-1e30), 0x8000000000000000);
   EXPECT_EQ(ToSigned64Bits(std::numeric_limits<double>::quiet_NaN()), 0u);
 }

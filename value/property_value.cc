@@ -33,7 +33,6 @@ std::vector<std::size_t> PlacesByKey(std::span<const DictionaryEntry> entries) {
 void FoldRepeatedKeys(std::vector<DictionaryEntry>& entries) {
   const auto places = PlacesByKey(entries);
   std::vector<bool> folded(entries.size());
-  bool any = false;
   for (std::size_t first = 0; first < places.size();) {
     std::size_t next = first + 1;
     while (next < places.size() && entries[places[next]].key == entries[places[first]].key) {
@@ -41,11 +40,9 @@ void FoldRepeatedKeys(std::vector<DictionaryEntry>& entries) {
     }
     if (next > first + 1) {
       entries[places[first]].value = std::move(entries[places[next - 1]].value);
-      any = true;
     }
     first = next;
   }
-  if (!any) return;
   std::size_t kept = 0;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (folded[i]) continue;
