@@ -46,9 +46,12 @@ class Build:
         self._limits = {}
 
     def bring_up_to_date(self):
+        self._folders = include_order.read_folders(self.root)
+        self._includes = include_order.read_includes(self.root)
         if not (self.directory / "build.ninja").exists():
             self._run(configure_command(self.root, self.directory))
-        self._run(["ninja", "-C", self.directory, f"-j{self._jobs}"])
+        targets = [f"{name}_test" for name in self._tested_folders()] + self.program_tests()
+        self._run(["ninja", "-C", self.directory, f"-j{self._jobs}"] + targets)
         shutil.rmtree(self._preludes, ignore_errors=True)
         self._preludes.mkdir()
         entries = json.loads((self.directory / "compile_commands.json").read_text())
@@ -57,8 +60,6 @@ class Build:
             for entry in entries
         }
         self._links = {}
-        self._folders = include_order.read_folders(self.root)
-        self._includes = include_order.read_includes(self.root)
 
     def _run(self, command):
         done = subprocess.run(command, cwd=self.root, capture_output=True, text=True)
@@ -80,13 +81,14 @@ class Build:
 
     def folders_above(self, folder):
         """The folders with tests that use this one, from the ground up."""
-        return [
-            name for name, used in self._folders.items()
-            if folder in used and (self.directory / f"{name}_test").exists()
-        ]
+        return [name for name in self._tested_folders() if folder in self._folders[name]]
+
+    def _tested_folders(self):
+        return [name for name in self._folders
+                if name != "testing" and any((self.root / name).glob("*_test.cc"))]
 
     def program_tests(self):
-        return [name for name in PROGRAM_TESTS if (self.directory / name).exists()]
+        return [name for name in PROGRAM_TESTS if (self.root / f"golden/{name}.cc").exists()]
 
     def users(self, header, folder):
         """The files of the folder that are compiled with the header."""
