@@ -17,6 +17,7 @@ namespace {
 
 using testing::Bytes;
 using testing::Named;
+using testing::Repeated;
 using testing::RowName;
 using testing::Truncated;
 
@@ -177,6 +178,8 @@ const Named<AcceptedRow> AcceptedRows[] = {
     {"RootWithClass",
      {WithRoot(Dictionary{{"Class", "Fan"}}),
       {{{"", "Fan", {}}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+    {"RootWithEmptyClass",
+     {WithRoot(Dictionary{{"Class", ""}}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"RootWithUnusedId",
      {WithRoot(Dictionary{{"ID", "root"}}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"EmptyChildren",
@@ -395,6 +398,8 @@ RejectedRow RejectedRoot(PropertyValue root, std::string_view fault) {
 const Named<RejectedRow> NodeRows[] = {
     {"RootString", RejectedRoot("root", "not a dictionary")},
     {"RootArray", RejectedRoot(Array{}, "not a dictionary")},
+    {"RootOfAPlaneOfAnyName",
+     {WithPlanes({{"a\tb\u009B/c", "root"}}), "Planes/a b\\233/c: not a dictionary"}},
     {"ChildString", RejectedChild("child", "not a dictionary")},
     {"ChildArray", RejectedChild(Array{}, "not a dictionary")},
     {"RootUnknownKey", RejectedRoot(Dictionary{{"Names", "a"}}, "the key \"Names\" is not known")},
@@ -550,6 +555,40 @@ TEST(RecordingReader, ReadsVersionOneHoweverItIsSpelled) {
   EXPECT_EQ(ErrorOfFile("<dict><key>Recording Version</key><integer>0x1</integer>"
                         "<key>Planes</key><dict/></dict>"),
             "");
+}
+
+TEST(RecordingReader, APlaneThatOccursTwiceKeepsItsFirstPlaceAndItsLastRoot) {
+  const auto reading = ReadRecording(
+      "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+      "<key>IOService</key><string>never looked at</string>"
+      "<key>IODeviceTree</key><dict><key>Name</key><string>first</string></dict>"
+      "<key>IOService</key><dict><key>Name</key><string>last</string></dict>"
+      "</dict></dict>");
+  EXPECT_EQ(reading.error, "");
+  EXPECT_EQ(reading.recording,
+            (Recording{{{"last", "", {}}, {"first", "", {}}},
+                       {{"IOService", OnlyRoot(1)}, {"IODeviceTree", OnlyRoot(2)}},
+                       {}}));
+}
+
+/// A recording whose root stands above a chain of `depth` children, the last of which has these
+/// properties.
+std::string ChainOfChildren(std::size_t depth, const std::string& properties) {
+  return "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+         "<key>IOService</key><dict>" +
+         Repeated("<key>Children</key><array><dict><key>Name</key><string>a</string>", depth) +
+         "<key>Properties</key><dict>" + properties + "</dict>" +
+         Repeated("</dict></array>", depth) + "</dict></dict></dict>";
+}
+
+TEST(RecordingReader, AcceptsTheDeepestNestingThatAFileMayHave) {
+  // Three dictionaries around the root's children, two containers for each child, the properties.
+  const auto reading = ReadRecording(ChainOfChildren(254, ""));
+  EXPECT_EQ(reading.error, "");
+  ASSERT_TRUE(reading.recording.has_value());
+  EXPECT_EQ(reading.recording->entries.size(), 255u);
+  EXPECT_EQ(ErrorOfFile(ChainOfChildren(254, "<key>a</key><array/>")),
+            "line 1, column 16653: more than 512 arrays and dictionaries are nested in each other");
 }
 
 TEST(RecordingReader, PassesOnTheFaultOfAMalformedFile) {

@@ -475,6 +475,22 @@ TEST(BinaryPropertyList, RejectsMoreSharing) {
   EXPECT_EQ(Parse(SharingFile(4095, 4096, 1)).error, "byte 4108: more than 2^24 values");
 }
 
+TEST(BinaryPropertyList, ValuesOfSharedDictionariesCountEachTimeAndTheirKeysNever) {
+  // 1 + 4095 + further + 4095 * 4096 values.
+  const auto sharing = [](std::size_t further) {
+    auto references = Same(4095, 1);
+    references.insert(references.begin(), further, 2);
+    return Parse(
+        BinaryFile({DictionaryObject(Same(references.size(), 3), references),
+                    DictionaryObject(Same(4096, 3), Same(4096, 2)), True, AsciiObject("a")},
+                   {.offsetWidth = 4}));
+  };
+  const auto outcome = sharing(0);
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_EQ(outcome.value, (Dictionary{{"a", Dictionary{{"a", true}}}}));
+  EXPECT_EQ(sharing(1).error, "byte 8204: more than 2^24 values");
+}
+
 TEST(BinaryPropertyList, RejectsMoreValuesInOneArray) {
   const std::size_t count = std::size_t{1} << 24;  // and the array itself
   const auto array = CountedMarker(0xA, count) + Repeated("\1", count);

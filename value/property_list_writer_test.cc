@@ -89,9 +89,10 @@ TEST(PropertyListWriter, DeepestValueReadsBackEqual) {
   EXPECT_EQ(ReadPropertyList(WriteXmlPropertyList(value)).value, value);
 }
 
-TEST(PropertyListWriter, WritesNan) {
-  EXPECT_EQ(WriteXmlPropertyList(std::numeric_limits<double>::quiet_NaN()),
-            Framed("<real>nan</real>"));
+TEST(PropertyListWriter, WritesNanWithItsSign) {
+  constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(WriteXmlPropertyList(Nan), Framed("<real>nan</real>"));
+  EXPECT_EQ(WriteXmlPropertyList(-Nan), Framed("<real>-nan</real>"));
 }
 
 struct ReplacedRow {

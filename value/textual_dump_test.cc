@@ -33,9 +33,12 @@ TEST(TextualDump, NumbersBooleansAndDatesStandBare) {
       {0.1, "0.1"},
       {std::numeric_limits<double>::infinity(), "inf"},
       {std::numeric_limits<double>::quiet_NaN(), "nan"},
+      {-std::numeric_limits<double>::quiet_NaN(), "-nan"},
       {true, "true"},
       {false, "false"},
       {DateOf("2026-11-20T00:00:00Z"), "2026-11-20T00:00:00Z"},
+      {Date{-1}, "1969-12-31T23:59:59Z"},
+      {Date{-62'135'596'800}, "0001-01-01T00:00:00Z"},
   });
 }
 

@@ -435,6 +435,16 @@ TEST(XmlPropertyList, RejectsUnknownElements) {
       });
 }
 
+// Units as UTF-16 with a byte-order mark, the high byte first.
+std::string AsUtf16(const std::u16string& units) {
+  std::string bytes = "\xFE\xFF";
+  for (const char16_t unit : units) {
+    bytes += static_cast<char>(unit >> 8);
+    bytes += static_cast<char>(unit & 0xFF);
+  }
+  return bytes;
+}
+
 TEST(XmlPropertyList, ReadsEveryEncodingThatItNames) {
   const std::string umlaut = "\xC3\xA4";
   ExpectAccepted(
@@ -445,6 +455,7 @@ TEST(XmlPropertyList, ReadsEveryEncodingThatItNames) {
                  {"<?xml version='1.0' encoding='US-ASCII'?><string>a</string>", "a"},
                  {{"\xFF\xFE<\0t\0r\0u\0e\0/\0>\0", 16}, true},
                  {{"\xFE\xFF\0<\0t\0r\0u\0e\0/\0>", 16}, true},
+                 {AsUtf16(u"<string>\U0001F600</string>"), "\xF0\x9F\x98\x80"},
              });
 }
 
@@ -461,6 +472,9 @@ TEST(XmlPropertyList, RejectsOtherEncodings) {
           {"<?xml version='1.0' encoding='UTF-16'?><true/>",
            "line 1, column 31: the encoding UTF-16 needs a byte-order mark"},
           {{"\xFF\xFE<\0t\0r\0u\0e\0/\0>\0\0", 17}, "line 1, column 8: the text is not UTF-16"},
+          {AsUtf16({u'<', u'k', 0xD83D, u'>'}), "line 1, column 3: the text is not UTF-16"},
+          {AsUtf16({u'<', u'k', 0xDE00, u'>'}), "line 1, column 3: the text is not UTF-16"},
+          {AsUtf16({u'<', u'k', 0xDE00, 0xD83D, u'>'}), "line 1, column 3: the text is not UTF-16"},
       });
 }
 
