@@ -79,10 +79,6 @@ class World {
   std::string configuration_;
 };
 
-void Halve(const std::string& path) {
-  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
-}
-
 // What a world gives that nothing happens to.
 ChildOutcome UsualOutcome() {
   const auto usual = World().Replay();
@@ -102,6 +98,10 @@ void EnlargePlan(const World& world) {
 }
 
 #ifdef FERNWICK_FAULT_SHIM
+
+void Halve(const std::string& path) {
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+}
 
 struct Race {
   std::string moment;  // when the file's turn comes, and
