@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <fstream>
 
 #include "fuzz/hold.h"
 
@@ -16,12 +17,12 @@ constexpr char Board[] = "every board";
 
 }  // namespace
 
-Payload::Payload() {
-  directory_.Write(std::string("Fernwick/") + Board + "/Config.plist", "");
+Payload::Payload()
+    : configurationPath_(directory_.Write(std::string("Fernwick/") + Board + "/Config.plist", "")) {
 }
 
 void Payload::Configure(std::string_view configuration) {
-  directory_.Write(std::string("Fernwick/") + Board + "/Config.plist", configuration);
+  std::ofstream(configurationPath_, std::ios::binary) << configuration;
 }
 
 void Payload::AddBoard(std::string_view boardId) {

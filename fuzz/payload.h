@@ -27,6 +27,7 @@ class Payload {
 
  private:
   testing::TemporaryDirectory directory_;
+  std::string configurationPath_;
   std::set<std::string, std::less<>> boards_;
 };
 

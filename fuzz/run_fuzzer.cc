@@ -11,6 +11,7 @@
 #include "fuzz/foreseen_fault.h"
 #include "fuzz/hold.h"
 #include "fuzz/input.h"
+#include "fuzz/matching_properties.h"
 #include "fuzz/packed_run.h"
 #include "fuzz/payload.h"
 #include "fuzz/run_properties.h"
@@ -54,6 +55,9 @@ void TestRun(const Recording& recording, const Arguments& arguments) {
                      configuration ? configuration->AsDictionary() : nullptr};
   const auto outlook = ForeseeRun(recording, request);
   const auto outcome = TryRun(recording, arguments, outlook);
+  if (outcome && !outlook.isBypassed && request.configuration != nullptr) {
+    HoldMatching(recording, *options.personalitiesDirectory, *request.configuration);
+  }
   request.verbose = true;
   Arguments verboseArguments = arguments;
   verboseArguments.insert(verboseArguments.begin(), "-v");

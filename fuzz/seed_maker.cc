@@ -262,6 +262,11 @@ void MakeRunSeeds(SeedMaker& maker, const Texts& recordings, const Texts& config
       seeds.push_back(Pack({options, recording, configuration}));
     }
   }
+  // A configuration may be binary; a recording ends at its first zero byte.
+  for (const auto& configuration : ValuesOf(configurations)) {
+    seeds.push_back(Pack({CommandLines[0], WriteXmlPropertyList(computers.front()),
+                          testing::WriteBinaryPropertyList(configuration)}));
+  }
   maker.Add("run", seeds);
   maker.AddWords("run", WordsOf(computers) + WordsOf(ValuesOf(configurations)));
 }

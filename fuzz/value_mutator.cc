@@ -6,6 +6,7 @@
 
 #include "fuzz/same_value.h"
 #include "fuzz/sample_values.h"
+#include "testing/binary_property_list_writer.h"
 #include "testing/property_values.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
@@ -27,6 +28,13 @@ void ForEachPart(const PropertyValue& value, Visit visit) {
   if (const auto* dictionary = value.AsDictionary()) {
     for (const auto& entry : dictionary->Entries()) ForEachPart(entry.value, visit);
   }
+}
+
+// By way of XML a mutated text becomes one that a property list can hold. Too deep a value becomes
+// nothing.
+std::string AsBinary(std::string xml) {
+  const auto reading = ReadPropertyList(std::move(xml));
+  return reading.value ? testing::WriteBinaryPropertyList(*reading.value) : std::string();
 }
 
 }  // namespace
@@ -139,6 +147,7 @@ std::string MutatePropertyList(std::string_view bytes, std::size_t capacity,
   const auto reading = ReadPropertyList(std::string(bytes));
   if (!reading.value || !IsSmall(*reading.value)) return MutatedBytes(bytes, capacity);
   auto written = WriteXmlPropertyList(mutator.Mutate(*reading.value));
+  if (reading.serialisation == Serialisation::Binary) written = AsBinary(std::move(written));
   return written.size() <= capacity ? written : MutatedBytes(bytes, capacity);
 }
 

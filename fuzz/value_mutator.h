@@ -45,8 +45,9 @@ class ValueMutator {
 /// What the fuzzing engine by itself would make of `bytes`.
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity);
 
-/// The property list in `bytes` mutated as a value, written as XML; as bytes when it is none, when
-/// it would become larger than `capacity`, and now and then anyway.
+/// The property list in `bytes` mutated as a value, written as binary when it was that and as XML
+/// otherwise; as bytes when it is none, when it would become larger than `capacity`, and now and
+/// then anyway.
 std::string MutatePropertyList(std::string_view bytes, std::size_t capacity, ValueMutator& mutator);
 
 }  // namespace fernwick::fuzz
