@@ -34,6 +34,13 @@ Options OptionsOf(const Arguments& arguments) {
   return ParseOptions(commandLine.Count(), commandLine.Vector());
 }
 
+// A command line that is rejected loads none.
+std::optional<PropertyValue> ConfigurationFor(const Recording& recording, const Options& options) {
+  if (!options.accepted) return std::nullopt;
+  RecordedRegistry registry(recording);
+  return LoadPersonalityConfiguration(ReadBoardIdString(registry), options.personalitiesDirectory);
+}
+
 // Runs the tool twice, unless it is foreseen to end abnormally.
 std::optional<RunOutcome> TryRun(const Recording& recording, const Arguments& arguments,
                                  const Outlook& outlook) {
@@ -48,9 +55,7 @@ std::optional<RunOutcome> TryRun(const Recording& recording, const Arguments& ar
 
 void TestRun(const Recording& recording, const Arguments& arguments) {
   const auto options = OptionsOf(arguments);
-  RecordedRegistry registry(recording);
-  const auto configuration =
-      LoadPersonalityConfiguration(ReadBoardIdString(registry), options.personalitiesDirectory);
+  const auto configuration = ConfigurationFor(recording, options);
   RunRequest request{options.accepted, options.verbose,
                      configuration ? configuration->AsDictionary() : nullptr};
   const auto outlook = ForeseeRun(recording, request);

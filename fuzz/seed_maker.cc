@@ -67,7 +67,7 @@ Texts XmlOddities() {
       "<?xml version=\"1.0\" encoding=\"US-ASCII\"?><!DOCTYPE plist PUBLIC \"-//A//B\" "
       "\"file.dtd\"><plist version='1.0'><true/></plist>",
       "\xEF\xBB\xBF <!-- comment --><?target data?><array><false/><true></true></array>\n",
-      "<string>&lt;&gt;&amp;&quot;&apos;&#65;&#x1F600;<![CDATA[<a>]]></string>",
+      "<string>&lt;&gt;&amp;&quot;&apos;&#65;&#13;&#x1F600;<![CDATA[<a>]]></string>",
       "<plist><dict><key>a</key><integer>-0x7F</integer><key>a</key><real>-Infinity</real>"
       "<key>b</key><data> Zm\n9v </data><key>c</key><date>2024-02-29T00:00:00Z</date></dict>"
       "</plist>",
@@ -158,6 +158,7 @@ Words XmlWords(const std::vector<PropertyValue>& samples) {
               "<!DOCTYPE plist",
               "&#x",
               "&#1",
+              "&#13;",
               "&amp;",
               "&lt;",
               "&gt;",
@@ -201,10 +202,18 @@ Words BinaryWords() {
   return words;
 }
 
+// As XML, but without anything around the value.
+std::string WriteBareXml(const PropertyValue& value) {
+  auto document = WriteXmlPropertyList(value);
+  document.resize(document.rfind("</plist>"));
+  return document.substr(document.find('\n', document.find("<plist")) + 1);
+}
+
 void MakeReaderSeeds(SeedMaker& maker, const Texts& files) {
   const auto samples = SampleValues();
   const auto values = ValuesOf(files);
-  const auto xml = Written(samples, WriteXmlPropertyList) + XmlOddities() + files;
+  const auto xml = Written(samples, WriteXmlPropertyList) + Written(samples, WriteBareXml) +
+                   XmlOddities() + files;
   const auto binary = Written(samples, testing::WriteBinaryPropertyList) +
                       Written(values, testing::WriteBinaryPropertyList);
   const auto text =

@@ -1,0 +1,145 @@
+// The script fuzz/run, over a build directory whose programs are made up.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick::fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ChildOutcome;
+using testing::TemporaryDirectory;
+
+constexpr char Usage[] =
+    "usage: fuzz/run BUILD-DIRECTORY SECONDS [TARGET...]\n"
+    "\n"
+    "Runs each target named, or every one, for so many seconds. It goes on from the corpus that "
+    "earlier\n"
+    "runs left in BUILD-DIRECTORY/fuzz/corpus/TARGET. With 0 SECONDS it runs once over each of "
+    "the\n"
+    "target's seeds and of the inputs in fuzz/regressions/TARGET, and that is all.\n";
+
+/// Tells its limits and what its input directories are, then what a run without findings tells.
+constexpr char FindsNothing[] = R"sh(#!/bin/sh
+for argument; do
+  case $argument in
+    -runs=* | -max_total_time=*) echo "$argument" ;;
+    -*) ;;
+    *) basename "$(dirname "$argument")" ;;
+  esac
+done > "$0.told"
+echo '#5	DONE   cov: 12 ft: 34 corp: 3/9b lim: 4 exec/s: 0 rss: 31Mb'
+echo 'Done 5 runs in 2 second(s)'
+echo 'stat::number_of_executed_units: 5'
+)sh";
+
+constexpr char FindsSomething[] = R"sh(#!/bin/sh
+echo '#2	NEW    cov: 7 ft: 8 corp: 1/1b lim: 4 exec/s: 0 rss: 31Mb'
+echo 'fuzz: does not hold: a thing'
+echo "artifact_prefix='/x/'; Test unit written to /x/crash-1"
+echo 'stat::number_of_executed_units: 2'
+exit 77
+)sh";
+
+class FuzzRun : public ::testing::Test {
+ protected:
+  FuzzRun() {
+    AddProgram("seed_maker", "#!/bin/sh\n");
+    AddProgram("calm_fuzzer", FindsNothing);
+    AddProgram("wild_fuzzer", FindsSomething);
+  }
+
+  ChildOutcome Run(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), FERNWICK_SOURCE_DIRECTORY "/fuzz/run");
+    return testing::RunChild(arguments, build_.Path());
+  }
+
+  std::string Path(const std::string& relative) const { return build_.Path() + "/" + relative; }
+
+ private:
+  void AddProgram(const std::string& name, const std::string& script) const {
+    fs::permissions(build_.Write(name, script), fs::perms::owner_all);
+  }
+
+  TemporaryDirectory build_;
+};
+
+TEST_F(FuzzRun, RejectsWrongUsage) {
+  const struct {
+    std::vector<std::string> arguments;
+    std::string error;
+  } rows[] = {
+      {{}, "a build directory and a number of seconds are needed"},
+      {{"."}, "a build directory and a number of seconds are needed"},
+      {{"absent", "1"}, "no fuzz targets are built in \"absent\""},
+      {{".", ""}, "\"\" is not a number of seconds"},
+      {{".", "1s"}, "\"1s\" is not a number of seconds"},
+      {{".", "-1"}, "\"-1\" is not a number of seconds"},
+      {{".", "1", "calm", "cal"}, "there is no target \"cal\"; there are: calm wild"},
+      {{".", "1", ""}, "there is no target \"\"; there are: calm wild"},
+  };
+  for (const auto& [arguments, error] : rows) {
+    SCOPED_TRACE(error);
+    const auto outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, "64");
+    EXPECT_EQ(outcome.standardOutput, "");
+    EXPECT_EQ(outcome.standardError, "fuzz/run: " + error + "\n" + Usage);
+  }
+}
+
+TEST_F(FuzzRun, GoesOnFromTheCorpusForSoManySeconds) {
+  const auto outcome = Run({".", "3", "calm"});
+  EXPECT_EQ(outcome.status, "0");
+  EXPECT_EQ(outcome.standardOutput,
+            "fuzz/run: calm\n"
+            "\n"
+            "target             executions  seconds   corpus  coverage\n"
+            "calm                        5        2        0        12\n");
+  EXPECT_EQ(outcome.standardError, "");
+  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.told")), "-max_total_time=3\ncorpus\nseeds\n");
+}
+
+TEST_F(FuzzRun, RunsOnceOverTheSeedsIn0Seconds) {
+  EXPECT_EQ(Run({".", "0", "calm"}).status, "0");
+  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.told")), "-runs=0\nseeds\n");
+}
+
+TEST_F(FuzzRun, RunsEveryTargetAlsoBehindOneThatFindsSomething) {
+  const auto outcome = Run({".", "1", "wild", "calm"});
+  EXPECT_EQ(outcome.status, "1");
+  EXPECT_EQ(outcome.standardOutput,
+            "fuzz/run: wild\n"
+            "fuzz/run: calm\n"
+            "\n"
+            "target             executions  seconds   corpus  coverage\n"
+            "wild                        2        -        0         7\n"
+            "calm                        5        2        0        12\n");
+  EXPECT_EQ(outcome.standardError,
+            "fuzz: does not hold: a thing\n"
+            "artifact_prefix='/x/'; Test unit written to /x/crash-1\n"
+            "stat::number_of_executed_units: 2\n"
+            "\n"
+            "fuzz/run: wild found something; the whole log is " +
+                Path("fuzz/wild.log") +
+                "\n"
+                "\n"
+                "  replay it:  " +
+                Path("wild_fuzzer") +
+                " /x/crash-1\n"
+                "  when it is mended, keep it, under a name that tells what it showed:\n"
+                "              cp /x/crash-1 " FERNWICK_SOURCE_DIRECTORY
+                "/fuzz/regressions/wild/NAME\n"
+                "\n");
+  EXPECT_EQ(Run({".", "1"}).status, "1");
+}
+
+}  // namespace
+}  // namespace fernwick::fuzz
