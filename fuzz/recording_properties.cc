@@ -75,7 +75,9 @@ class PlaneProperties {
     if (canBeNamed) HoldRootPaths();
     for (const auto entry : FirstFew(SubtreeOf(plane_, plane_.root))) {
       HoldParent(entry);
-      if (canBeNamed && entry != plane_.root) HoldPath(entry);
+      // An entry without a name of its own has no path but a root's.
+      const bool hasPath = entry != plane_.root && !EntryOf(recording_, entry).name.empty();
+      if (canBeNamed && hasPath) HoldPath(entry);
       HoldProperties(entry);
     }
   }

@@ -118,6 +118,20 @@ std::vector<PropertyValue> SampleValues() {
   return values;
 }
 
+PropertyValue SampleRecording() {
+  const Dictionary properties{{"UID", 1}, {"Depth", 0}, {"Route String", 0}};
+  const Dictionary first{{"Name", "Ridge"}, {"Class", "Left"}, {"ID", "1"}};
+  const Dictionary second{{"Name", "Ridge"}, {"Class", "Side"}, {"Properties", properties}};
+  const Dictionary services{{"ID", "root"}, {"Children", Array{first, second}}};
+  const Dictionary link{{"Link", "root"}, {"Children", Array{Dictionary{{"Link", "1"}}}}};
+  const Dictionary tree{{"Name", "tree"}, {"Children", Array{link}}};
+  return Dictionary{
+      {"Recording Version", 1},
+      {"Classes", Dictionary{{"Left", "Side"}, {"Side", "IOThunderboltSwitch"}}},
+      {"Planes", Dictionary{{"IOService", services}, {"IODeviceTree", tree}}},
+  };
+}
+
 std::string WriteTextForm(const PropertyValue& value) {
   TextWriter writer;
   writer.Write(value);

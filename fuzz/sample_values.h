@@ -11,6 +11,10 @@ namespace fernwick::fuzz {
 /// all.
 std::vector<PropertyValue> SampleValues();
 
+/// A recorded computer with what the recorded examples do not have: classes that derive from each
+/// other, children that share a name, and a root without a name that also stands in another plane.
+PropertyValue SampleRecording();
+
 /// The value as near as the old text form comes to it: numbers, booleans and dates as text.
 std::string WriteTextForm(const PropertyValue& value);
 
