@@ -17,7 +17,7 @@ namespace {
 // All of the seeds and of the inputs kept from earlier; then one of every so many.
 bool IsTried() {
   constexpr unsigned long All = 1000;
-  constexpr unsigned long Some = 256;
+  constexpr unsigned long Some = 32;
   static unsigned long count = 0;
   ++count;
   return count <= All || count % Some == 0;

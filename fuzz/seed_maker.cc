@@ -155,9 +155,10 @@ void MakeSwitchSeeds(SeedMaker& maker) {
   using namespace std::string_literals;
   const std::string usbc = "fernwick_bypass_usbc_updates";
   const std::string version = "fernwick_bypassversioncheck";
-  maker.Add("bypass_switch", {"-v " + usbc + "=1", version + "=0  a=b " + usbc + "=", usbc,
-                              version + "=1 " + version + "=0\0t0"s, "\0t1"s, "\0d0\0"s,
-                              "a\0d\xC3\xA9"s, usbc + "=0=1\0d\xFF"s, "\0n"s, "\0b"s, "\0a1"s});
+  maker.Add("bypass_switch",
+            {"-v " + usbc + "=1", version + "=0  a=b " + usbc + "=", usbc, usbc + "=1 " + usbc,
+             version + "=0  " + version, version + "=1 " + version + "=0\0t0"s, "\0t1"s, "\0d0\0"s,
+             "a\0d\xC3\xA9"s, usbc + "=0=1\0d\xFF"s, "\0n"s, "\0b"s, "\0a1"s});
   maker.AddWords("bypass_switch", {usbc, version, usbc + "=", version + "=", "=0", " "});
 }
 
