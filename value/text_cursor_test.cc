@@ -167,6 +167,7 @@ TEST(TextCursor, RejectsOtherQuotedStrings) {
       {R"("\U 123")", 1, noDigits},
       {R"("\U12g4")", 1, noDigits},
       {R"("\U)", 1, noDigits},
+      {R"("\U123)", 1, noDigits},
       {R"("ab\Ud83d")", 3, half},
       {R"("\Ude00")", 1, half},
       {R"("\Ude00\Ud83d")", 1, half},
