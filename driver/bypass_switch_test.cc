@@ -6,15 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "testing/abnormal_end.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
+#include "testing/system_log.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Bytes;
 using testing::Computer;
+using testing::ExpectAbnormalEnd;
 using testing::LoggingRegistry;
+using testing::SystemLogOnStandardError;
 
 constexpr char Switch[] = "fernwick_bypass_usbc_updates";
 
@@ -105,6 +109,12 @@ TEST(ReadBypassSwitch, BootArgumentsOfAnotherKindHoldNoTokens) {
 TEST(ReadBypassSwitch, BareSwitchNameEndsTheProcess) {
   EXPECT_EXIT(IsSetByBootArguments("fernwick_bypass_usbc_updates"),
               ::testing::KilledBySignal(SIGABRT), "^$");
+}
+
+TEST(ReadBypassSwitch, BareSwitchNameTellsTheSystemLogWhy) {
+  const SystemLogOnStandardError shown;
+  ExpectAbnormalEnd([] { IsSetByBootArguments("fernwick_bypass_usbc_updates"); },
+                    "log: a boot argument is a switch name without a value\n");
 }
 
 TEST(ReadBypassSwitch, BareSwitchNameBehindASettingOneEndsTheProcess) {

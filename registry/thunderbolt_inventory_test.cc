@@ -14,6 +14,7 @@
 #include "testing/logging_registry.h"
 #include "testing/odd_values.h"
 #include "testing/property_values.h"
+#include "testing/system_log.h"
 #include "value/textual_dump.h"
 
 namespace fernwick {
@@ -30,6 +31,7 @@ using testing::NamedValue;
 using testing::NonNumbers;
 using testing::PropertyReads;
 using testing::RowName;
+using testing::SystemLogOnStandardError;
 using testing::ThunderboltFieldReads;
 
 constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
@@ -564,6 +566,11 @@ TEST(ThunderboltFields, WithoutRomVersionHaveNoVersionWhateverTheEepromRevision)
 
 TEST(ThunderboltFields, WithoutUidEndAbnormally) {
   ExpectAbnormalEnd([] { Filled({}); });
+}
+
+TEST(ThunderboltFields, WithoutUidTellTheSystemLogWhy) {
+  const SystemLogOnStandardError shown;
+  ExpectAbnormalEnd([] { Filled({}); }, "log: a Thunderbolt controller has no UID\n");
 }
 
 TEST(ThunderboltFields, WithoutUidButAllElseEndAbnormally) {
