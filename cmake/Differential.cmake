@@ -7,6 +7,6 @@ target_link_libraries(describe_property_list PRIVATE fernwick_value)
 add_test(NAME Differential.ReadersAgreeButForTheRules
          COMMAND Python3::Interpreter ${CMAKE_SOURCE_DIR}/differential/compare.py
                  --describer $<TARGET_FILE:describe_property_list>
-                 --plistutil ${FERNWICK_PLISTUTIL} --seed 1 --count 3000)
+                 --plistutil ${FERNWICK_PLISTUTIL} --seed 1 --count 2000)
 add_test(NAME Differential.TheComparisonCanFail
          COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/differential/compare_test.py)

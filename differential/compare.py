@@ -5,7 +5,7 @@ The others are Python's plistlib (XML and binary) and plistutil (binary; the XML
 read by plistlib). Random values are written in many forms, some are damaged, and each document goes
 through the readers. They agree when they accept it with the same value or all refuse it. Where they
 do not, a rule of rules.py has to explain why; a difference that none explains is a failure, and so
-is a rule whose own example does not show it any more. The old text form has no other reader here.
+is a rule whose own examples do not show it any more. The old text form has no other reader here.
 
 usage: compare.py [--seed S] [--count N] [--describer PROGRAM] [--plistutil PROGRAM]
        compare.py --rules     prints the rules
@@ -21,6 +21,7 @@ import sys
 sys.dont_write_bytecode = True  # nothing is left in the source
 
 import readers
+from damage import wrong_documents
 from descriptions import Outcome
 from documents import DocumentMaker
 from rules import PLISTLIB, PLISTUTIL, RULES, Reading, agree, explain
@@ -90,12 +91,13 @@ class Comparison:
         self.report.met.update((rule.name, reader) for rule in met)
 
     def hold_rules_to_their_examples(self):
-        """Fails for each rule that its own example does not meet, or not alone."""
+        """Fails for each rule that its own examples do not meet, or not alone."""
         for rule in self._rules:
             for reader in rule.readers:
-                if not any(self._meets_alone(rule, reader, example) for example in rule.examples()):
+                met = [self._meets_alone(rule, reader, example) for example in rule.examples]
+                if not rule.enough(met):
                     self.report.fail(f"the rule {rule.name} is stale for {reader}",
-                                     rule.examples()[0])
+                                     rule.examples[met.index(False)])
 
     def _meets_alone(self, rule, reader, example):
         serialisation, ours = self._read_ours([example])[0]
@@ -146,6 +148,7 @@ def main():
     comparison = Comparison(
         lambda documents: readers.read_ours(arguments.describer, documents), read_other, RULES)
     comparison.hold_rules_to_their_examples()
+    comparison.compare([(document, None) for document in wrong_documents()])
     maker = DocumentMaker(
         arguments.seed, lambda xml: readers.convert_with_plistutil(arguments.plistutil, xml))
     for start in range(0, arguments.count, BATCH):

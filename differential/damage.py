@@ -3,6 +3,8 @@
 import re
 import struct
 
+from examples import binary_file
+
 TAG = re.compile(r"<[^<>]*>")
 LEAF = re.compile(r">([^<>]+)</(integer|real|date|data|string|key)")
 
@@ -43,6 +45,22 @@ MARKERS = [
     0x24, 0x30, 0x33, 0x34, 0x40, 0x4F, 0x50, 0x5F, 0x60, 0x6F, 0x70, 0x7F, 0x80, 0x81, 0x83, 0x87,
     0x8F, 0x90, 0xA0, 0xA1, 0xAF, 0xB0, 0xB1, 0xC0, 0xC1, 0xD0, 0xD1, 0xDF, 0xE0, 0xF0, 0xFF,
 ]
+
+
+def wrong_documents():
+    """Everything above once, alone in a document, and every kind of object."""
+    leaves = [f"<{name}>{text}</{name}>" for name, texts in WRONG_LEAVES.items() for text in texts]
+    strings = [f"<string>{text}</string>" for text in WRONG_TEXTS]
+    for inner in leaves + strings + WRONG_TEXTS + WRONG_TAGS:
+        yield f"<plist><array>{inner}</array></plist>".encode()
+        yield f"<plist><dict><key>k</key>{inner}</dict></plist>".encode()
+    for declaration in DECLARATIONS:
+        for text, codec in (("a", "utf-8"), ("é", "utf-8"), ("é", "latin-1")):
+            yield f"{declaration}<plist><string>{text}</string></plist>".encode(codec)
+    for marker in range(256):
+        for size in (0, 1, 2, 4, 8, 16):
+            yield binary_file([bytes([marker]) + bytes(size), b"\x51a"])
+            yield binary_file([b"\xa1\x01", bytes([marker]) + b"\xff" * size, b"\x51a"])
 
 
 class Damager:

@@ -1,8 +1,7 @@
 """Every way in which the readers may differ, and why ours is as it is.
 
-A rule names the readers that it is about, gives the reason in one sentence, and holds a document
-that shows the difference, or several of which one does. It explains a difference in one of three
-ways:
+A rule names the readers that it is about, gives the reason in one sentence, and holds documents
+that show the difference. It explains a difference in one of three ways:
 
   message   ours refuses a document of this form with this message, there is ground for it, and
             theirs accepts
@@ -39,15 +38,13 @@ class Rule(NamedTuple):
     name: str
     readers: tuple
     reason: str
-    example: bytes | tuple
+    examples: tuple
     form: str | None = None  # the serialisation that our reader detected
     message: str | None = None
     has_ground: Callable | None = None
     retell: Callable | None = None
     tokens: Callable | None = None
-
-    def examples(self):
-        return self.example if isinstance(self.example, tuple) else (self.example,)
+    enough: Callable = all  # how many of the examples have to show it
 
 
 def agree(ours, theirs):
@@ -111,8 +108,8 @@ def _is_grounded(document, ours, rule):
 # Binary documents.
 
 
-def in_binary(name, readers, message, has_ground, reason, example):
-    return Rule(name, readers, reason, example, form="binary", message=message,
+def in_binary(name, readers, message, has_ground, reason, *examples):
+    return Rule(name, readers, reason, examples, form="binary", message=message,
                 has_ground=has_ground)
 
 
@@ -201,18 +198,32 @@ BINARY_REFUSALS = [
 # XML documents.
 
 
-def in_xml(name, message, has_ground, reason, example, form="xml"):
-    return Rule(name, (PLISTLIB,), reason, example, form=form, message=message,
+def in_xml(name, message, has_ground, reason, *examples, form="xml"):
+    return Rule(name, (PLISTLIB,), reason, examples, form=form, message=message,
                 has_ground=has_ground)
 
 
+def leaf(kind, reason, *texts):
+    """A rule about the text of an element, with texts that it is about."""
+    examples = (f"<plist><{kind}>{text}</{kind}></plist>".encode() for text in texts)
+    return in_xml(f"{kind}-text", rf"\\x22.*\\x22 is not a valid {kind}", xml.is_invalid_leaf,
+                  reason, *examples)
+
+
 XML_REFUSALS = [
-    in_xml("leaf-text", r"\\x22.*\\x22 is not a valid (integer|real|date|data|true|false)",
-           xml.is_invalid_leaf,
-           "plistlib leaves numbers to Python (white space, underscores, foreign digits, no "
-           "bounds), skips what is no base64, reads shortened dates with anything behind them, "
-           "and drops text in a boolean.",
-           b"<plist><integer>1_0</integer></plist>"),
+    leaf("integer", "plistlib leaves integers to Python: white space, underscores, foreign digits, "
+         "a capital X, and no bounds.",
+         " 1", "1\n", "1_0", "0X1F", "0x1_F", "\u0663", "18446744073709551616",
+         "-9223372036854775809", "0x10000000000000000"),
+    leaf("real", "plistlib leaves reals to Python: white space, underscores, foreign digits, and "
+         "infinity or 0 beyond the range.",
+         " 1.5", "1.5\n", "1_0.5", "\u0663.5", "1e400", "-1e400", "1e-400"),
+    leaf("date", "plistlib reads shortened dates, and drops what follows one.",
+         "2020-01-01Z", "2020-01-01T00:00Z", "2020-01-01T00:00:00Z ", "2020-01-01T00:00:00Z1"),
+    leaf("data", "plistlib skips what is no base64, and what follows the padding.",
+         "Zm9v!", "Zm9v=", "Zg==Zg==", "Zg===", "Zm9-v"),
+    leaf("true", "plistlib drops text in a boolean.", "x", " "),
+    leaf("false", "plistlib drops text in a boolean.", "x", " "),
     in_xml("foreign-element", "<.*> is no property-list element",
            xml.is_foreign_element,
            "plistlib skips the tags of elements that it does not know.",
@@ -392,43 +403,43 @@ OTHER_RULES = [
     Rule("byte-order-mark", (PLISTLIB,),
          "A byte-order mark outweighs the declared encoding; expat refuses, or believes the "
          "declaration.",
-         b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
-         b"</plist>", retell=retell_without_encoding),
+         (b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
+          b"</plist>",), retell=retell_without_encoding),
     Rule("signed-hexadecimal", (PLISTLIB,),
          "A sign may stand before hexadecimal digits too; plistlib looks for 0x at the start.",
-         b"<plist><integer>-0x10</integer></plist>", retell=retell_signed_hexadecimal),
+         (b"<plist><integer>-0x10</integer></plist>",), retell=retell_signed_hexadecimal),
     Rule("name-characters", (PLISTLIB,),
          "Names are those of today's XML; expat keeps to the characters of 1998.",
-         "<plist><true \u0220='1'/></plist>".encode(), retell=retell_name_characters),
+         ("<plist><true \u0220='1'/></plist>".encode(),), retell=retell_name_characters),
     Rule("early-years", (PLISTUTIL,),
          "plistutil writes a year before 1000 with fewer than four digits.",
-         binary_file([b"\x33" + struct.pack(">d", -4e10)]), retell=retell_early_years),
+         (binary_file([b"\x33" + struct.pack(">d", -4e10)]),), retell=retell_early_years),
     Rule("plistutil-dies", (PLISTUTIL,),
          "plistutil reserves two bytes of UTF-8 for a unit of UTF-16, and a character can take "
          "three; whether it dies of that is up to its heap, and plistlib has to agree with us.",
          tuple(wide_text(units, times) for units in range(800, 1051, 50)
-               for times in range(300, 551, 50)), retell=retell_death),
+               for times in range(300, 551, 50)), retell=retell_death, enough=any),
     Rule("carriage-return", (PLISTUTIL,),
          "A carriage return is kept; plistutil writes it bare, and XML reads it as a line feed.",
-         binary_file([b"\x52a\r"]), retell=retell_carriage_returns),
+         (binary_file([b"\x52a\r"]),), retell=retell_carriage_returns),
     Rule("empty-utf16", (PLISTUTIL,),
          "An empty string is one in UTF-16 too; plistutil refuses it.",
-         binary_file([b"\x60"]), retell=retell_empty_utf16),
+         (binary_file([b"\x60"]),), retell=retell_empty_utf16),
     Rule("date-fraction", (PLISTLIB,),
          "A date is cut to whole seconds; plistlib keeps microseconds.",
-         binary_file([b"\x33" + struct.pack(">d", 1.5)]), tokens=is_fraction_of_second),
+         (binary_file([b"\x33" + struct.pack(">d", 1.5)]),), tokens=is_fraction_of_second),
     Rule("date-toward-zero", (PLISTUTIL,),
          "A date is cut toward the past; plistutil cuts toward 2001.",
-         binary_file([b"\x33" + struct.pack(">d", -1.5)]), tokens=is_cut_toward_zero),
+         (binary_file([b"\x33" + struct.pack(">d", -1.5)]),), tokens=is_cut_toward_zero),
     Rule("nan", (PLISTUTIL,),
          "A real is kept bit for bit; plistutil writes every NaN as nan.",
-         binary_file([b"\x23\xff\xf8" + bytes(6)]), tokens=is_another_nan),
+         (binary_file([b"\x23\xff\xf8" + bytes(6)]),), tokens=is_another_nan),
     Rule("minus-zero", (PLISTUTIL,),
          "A real is kept bit for bit; plistutil writes -0 as 0.",
-         binary_file([b"\x23\x80" + bytes(7)]), tokens=is_unsigned_zero),
+         (binary_file([b"\x23\x80" + bytes(7)]),), tokens=is_unsigned_zero),
     Rule("wide-negative", (PLISTUTIL,),
          "An integer of sixteen bytes is signed; plistutil takes the low 64 bits without a sign.",
-         binary_file([b"\x14" + b"\xff" * 16]), tokens=has_lost_its_sign),
+         (binary_file([b"\x14" + b"\xff" * 16]),), tokens=has_lost_its_sign),
 ]
 
 RULES = BINARY_REFUSALS + XML_REFUSALS + OTHER_RULES

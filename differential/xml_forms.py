@@ -134,9 +134,9 @@ class XmlWriter:
         return text[:at] + piece + text[at + 1:]
 
     def _text(self, text):
+        line_end = self._random.choice(["\n", "\n", "\r\n", "\r"])
         if self._one_in(10) and "]]>" not in text and "\r" not in text and self._fits(text):
-            return f"<![CDATA[{text}]]>"
-        line_end = self._random.choice(["\n", "\n", "\r\n", "\r", "&#10;"])
+            return f"<![CDATA[{text}]]>".replace("\n", line_end)
         return "".join(self._character(character, line_end) for character in text)
 
     def _fits(self, text):
