@@ -61,9 +61,10 @@ def read_plistutil(plistutil, document):
 
 
 def convert_with_plistutil(plistutil, xml):
-    """An XML document as the binary one that plistutil makes of it; empty when it makes none."""
-    return subprocess.run([plistutil, "-i", "-", "-o", "-"], input=xml, capture_output=True,
-                          check=False).stdout
+    """An XML document as the binary one that plistutil makes of it; as it is when it makes none."""
+    finished = subprocess.run([plistutil, "-i", "-", "-o", "-"], input=xml, capture_output=True,
+                              check=False)
+    return finished.stdout if finished.stdout.startswith(b"bplist00") else xml
 
 
 def default_describer():

@@ -298,6 +298,11 @@ def retell_without_encoding(document, ours, _theirs):
     return changed and (changed, read_plistlib(changed))
 
 
+def retell_text_form(document, ours, _theirs):
+    is_text = ours.serialisation == "text" and ours.outcome.accepted
+    return (document, ours.outcome) if is_text and xml.is_not_detected(document) else None
+
+
 def retell_signed_hexadecimal(document, ours, theirs):
     if not re.match(r"ValueError: invalid literal for int\(\) with base 10: '[+-]0x[0-9a-fA-F]+'$",
                     theirs.error or ""):
@@ -405,6 +410,10 @@ OTHER_RULES = [
          "declaration.",
          (b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
           b"</plist>",), retell=retell_without_encoding),
+    Rule("text-form", (PLISTLIB,),
+         "What is left of a damaged document can be one in the old text form, which nobody else "
+         "reads.",
+         (b"ERROR: = a",), retell=retell_text_form),
     Rule("signed-hexadecimal", (PLISTLIB,),
          "A sign may stand before hexadecimal digits too; plistlib looks for 0x at the start.",
          (b"<plist><integer>-0x10</integer></plist>",), retell=retell_signed_hexadecimal),

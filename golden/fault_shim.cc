@@ -50,6 +50,10 @@ void AppendBlanks(const char* path) {
   close(file);
 }
 
+void Swell(const char* path) {
+  if (truncate(path, (off_t{1} << 30) + 1) != 0) std::abort();
+}
+
 void Halve(const char* path) {
   struct stat status;
   if (stat(path, &status) != 0 || truncate(path, status.st_size / 2) != 0) std::abort();
@@ -59,6 +63,7 @@ void Halve(const char* path) {
 bool Act(std::string_view action, const char* path) {
   if (action == "empty" && truncate(path, 0) != 0) std::abort();
   if (action == "halve") Halve(path);
+  if (action == "swell") Swell(path);
   if (action == "grow") AppendBlanks(path);
   if (action == "remove" || action == "fifo" || action == "directory") {
     if (unlink(path) != 0) std::abort();

@@ -109,9 +109,10 @@ struct Race {
   ChildOutcome outcome;
 };
 
-ChildOutcome ReplayWithRace(const Race& race, const std::string& file) {
-  return World().Replay({"LD_PRELOAD=" FERNWICK_FAULT_SHIM,
-                         "FERNWICK_FAULT=" + race.moment + ":" + race.action + ":" + file});
+ChildOutcome ReplayWithRace(const std::string& moment, const std::string& action,
+                            const std::string& file) {
+  return World().Replay(
+      {"LD_PRELOAD=" FERNWICK_FAULT_SHIM, "FERNWICK_FAULT=" + moment + ":" + action + ":" + file});
 }
 
 // It was there when it was looked for.
@@ -147,8 +148,13 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
   };
   for (const auto& race : races) {
     SCOPED_TRACE(race.moment + ", " + race.action);
-    ExpectOutcome(ReplayWithRace(race, "Config.plist"), race.outcome);
+    ExpectOutcome(ReplayWithRace(race.moment, race.action, "Config.plist"), race.outcome);
   }
+}
+
+TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadGivesNoPlan) {
+  ExpectOutcome(ReplayWithRace("read", "swell", "Config.plist"),
+                NoPlan("the file is larger than 1 GiB, format: 0"));
 }
 
 TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
@@ -177,7 +183,7 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
   };
   for (const auto& race : races) {
     SCOPED_TRACE(race.moment + ", " + race.action);
-    ExpectOutcome(ReplayWithRace(race, ".registry.plist"), race.outcome);
+    ExpectOutcome(ReplayWithRace(race.moment, race.action, ".registry.plist"), race.outcome);
   }
 }
 
