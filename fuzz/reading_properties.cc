@@ -5,6 +5,7 @@
 
 #include "fuzz/hold.h"
 #include "fuzz/same_value.h"
+#include "fuzz/text_form.h"
 #include "testing/binary_property_list_writer.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
@@ -56,6 +57,7 @@ void HoldReading(const std::optional<PropertyValue>& value, const std::string& e
   if (!value || !IsSmall(*value)) return;
   HoldReadsBack(WriteXmlPropertyList(*value), *value, Serialisation::Xml);
   HoldReadsBack(testing::WriteBinaryPropertyList(*value), *value, Serialisation::Binary);
+  if (FitsTextForm(*value)) HoldReadsBack(WriteTextForm(*value), *value, Serialisation::Text);
 }
 
 void HoldPlaceInText(std::string_view error, std::string_view text) {

@@ -10,7 +10,8 @@
 namespace fernwick::fuzz {
 
 /// What holds for every reading of a property list: there is either a value or an error, and a
-/// value can be written as XML and as binary and reads back the same from both.
+/// value can be written as XML, as binary and, where that can hold it, in the old text form, and
+/// reads back the same from each.
 void HoldReading(const std::optional<PropertyValue>& value, const std::string& error);
 
 /// Holds an error (an empty one is none) to begin with a line and column of `text`.

@@ -6,8 +6,6 @@
 #include <string_view>
 
 #include "testing/property_values.h"
-#include "value/calendar_date.h"
-#include "value/number_text.h"
 
 namespace fernwick::fuzz {
 namespace {
@@ -46,63 +44,6 @@ std::vector<PropertyValue> SampleLeaves() {
   };
 }
 
-// Strings, data and what holds them are all that the old text form knows.
-class TextWriter {
- public:
-  void Write(const PropertyValue& value) {
-    value.Visit([this](const auto& content) { WriteContent(content); });
-  }
-
-  const std::string& Text() const { return text_; }
-
- private:
-  void WriteContent(const Dictionary& dictionary) {
-    text_ += "{ ";
-    for (const auto& [key, value] : dictionary.Entries()) {
-      WriteQuoted(key.View());
-      text_ += " = ";
-      Write(value);
-      text_ += ";\n";
-    }
-    text_ += "}";
-  }
-
-  void WriteContent(const Array& array) {
-    text_ += "( ";
-    for (const auto& element : array) {
-      Write(element);
-      text_ += ",\n";
-    }
-    text_ += ")";
-  }
-
-  void WriteContent(const Data& data) {
-    text_ += '<';
-    for (const char byte : data.bytes.View()) {
-      constexpr char Digits[] = "0123456789abcdef";
-      text_.append({Digits[(byte >> 4) & 0xF], Digits[byte & 0xF]});
-    }
-    text_ += '>';
-  }
-
-  void WriteContent(const String& string) { WriteQuoted(string.text.View()); }
-  void WriteContent(const Date& date) { text_ += FormatDate(date); }
-  void WriteContent(const Integer& integer) { text_ += FormatInteger(integer); }
-  void WriteContent(double real) { WriteQuoted(FormatReal(real)); }
-  void WriteContent(bool boolean) { text_ += boolean ? "YES" : "NO"; }
-
-  void WriteQuoted(std::string_view text) {
-    text_ += '"';
-    for (const char c : text) {
-      if (c == '"' || c == '\\') text_ += '\\';
-      text_ += c;
-    }
-    text_ += '"';
-  }
-
-  std::string text_;
-};
-
 }  // namespace
 
 std::vector<PropertyValue> SampleValues() {
@@ -130,12 +71,6 @@ PropertyValue SampleRecording() {
       {"Classes", Dictionary{{"Left", "Side"}, {"Side", "IOThunderboltSwitch"}}},
       {"Planes", Dictionary{{"IOService", services}, {"IODeviceTree", tree}}},
   };
-}
-
-std::string WriteTextForm(const PropertyValue& value) {
-  TextWriter writer;
-  writer.Write(value);
-  return writer.Text();
 }
 
 }  // namespace fernwick::fuzz

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "value/property_value.h"
@@ -14,8 +13,5 @@ std::vector<PropertyValue> SampleValues();
 /// A recorded computer with what the recorded examples do not have: classes that derive from each
 /// other, children that share a name, and a root without a name that also stands in another plane.
 PropertyValue SampleRecording();
-
-/// The value as near as the old text form comes to it: numbers, booleans and dates as text.
-std::string WriteTextForm(const PropertyValue& value);
 
 }  // namespace fernwick::fuzz

@@ -15,6 +15,7 @@
 #include "fuzz/packed_run.h"
 #include "fuzz/sample_documents.h"
 #include "fuzz/sample_values.h"
+#include "fuzz/text_form.h"
 #include "fuzz/words.h"
 #include "testing/binary_property_list_writer.h"
 #include "testing/files.h"
