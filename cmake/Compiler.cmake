@@ -31,6 +31,7 @@ if(FERNWICK_COVERAGE)
   # Without exceptions everywhere: what the headers give to the tests must not count edges that the
   # libraries do not have.
   add_compile_options(--coverage -fno-exceptions)
+  add_compile_definitions(FERNWICK_COVERAGE)
   add_link_options(--coverage -Wl,--wrap=abort,--wrap=_exit,--wrap=_Exit)
   add_library(fernwick_keep_counters STATIC ${CMAKE_SOURCE_DIR}/quality/keep_counters.cc)
   link_libraries(fernwick_keep_counters)

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "testing/child_process.h"
+#include "testing/coverage_counting.h"
 #include "testing/files.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
@@ -190,6 +191,7 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
 // One allocation after the other fails, until the program makes no more. The lab's own status holds
 // while it reads the recording, the tool's from then on.
 TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
+  if (testing::CountingCoverage) GTEST_SKIP();
   const auto usual = UsualOutcome();
   const ChildOutcome beforeTheTool{"66", "", OutOfMemory};
   const ChildOutcome inTheTool{"13", "", OutOfMemory};
@@ -215,7 +217,7 @@ TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
 
 // From less than the program needs to start to more than it needs at all.
 TEST(Memory, OfAnyLimitGivesAPlanOrNone) {
-  if (testing::UnderAddressSanitizer) GTEST_SKIP();
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const World world;
   world.WriteConfiguration(testing::ReadFile(world.Configuration()) +
                            std::string(8'000'000, ' '));  // so that limits end it in between
@@ -298,6 +300,7 @@ TEST(Streams, WithoutStandardErrorARefusalKeepsItsStatus) {
 
 // The file may not grow beyond 64 blocks of 512 bytes.
 TEST(Plan, ThatTheDiskHasNoRoomForIsNoSuccess) {
+  if (testing::CountingCoverage) GTEST_SKIP();
   const World world;
   EnlargePlan(world);
   const auto whole = world.Replay();

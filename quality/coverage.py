@@ -71,7 +71,7 @@ def zero_counters(build):
 def run_tests(build):
     """Whether every test passed. Tells of those that did not."""
     command = ["ctest", "--test-dir", str(build), "--parallel", str(os.cpu_count()),
-               "--output-on-failure", "--quiet"]
+               "--output-on-failure"]
     return subprocess.run(command, check=False, stdout=sys.stderr).returncode == 0
 
 
