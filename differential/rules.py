@@ -315,7 +315,8 @@ def retell_signed_hexadecimal(document, ours, theirs):
 
 
 def retell_name_characters(document, ours, theirs):
-    if not ours.outcome.accepted or "(invalid token)" not in (theirs.error or ""):
+    faults = r"ExpatError: (not well-formed \(invalid token\)|syntax error):"
+    if not ours.outcome.accepted or not re.match(faults, theirs.error or ""):
         return None
     tag = re.compile(r"<\?.*?\?>|<(?!!--|!\[CDATA)[^<>]*>", re.DOTALL)
     return _reread(document, tag.sub(_with_plain_names, xml.text_of(document)))
@@ -419,7 +420,8 @@ OTHER_RULES = [
          (b"<plist><integer>-0x10</integer></plist>",), retell=retell_signed_hexadecimal),
     Rule("name-characters", (PLISTLIB,),
          "Names are those of today's XML; expat keeps to the characters of 1998.",
-         ("<plist><true \u0220='1'/></plist>".encode(),), retell=retell_name_characters),
+         ("<plist><true \u0220='1'/></plist>".encode(),
+          "<!DOCTYPE \u0663><plist><true/></plist>".encode()), retell=retell_name_characters),
     Rule("early-years", (PLISTUTIL,),
          "plistutil writes a year before 1000 with fewer than four digits.",
          (binary_file([b"\x33" + struct.pack(">d", -4e10)]),), retell=retell_early_years),
