@@ -32,8 +32,7 @@ class BuildError(Exception):
 class Build:
     """The unchanged programs and libraries, and how each was made.
 
-    Made precompiled headers are kept for the lifetime of the object, because their headers may be
-    edited after it.
+    Precompiled headers are made anew for each: what they hold may have been edited in between.
     """
 
     def __init__(self, root, directory, jobs):
@@ -115,7 +114,7 @@ class Build:
         found = set()
         for path in self._compilations:
             found.update(SYSTEM_INCLUDE.findall((self.root / path).read_text()))
-        return "".join(line + "\n" for line in sorted(found) if "gtest" not in line)
+        return "".join(line + "\n" for line in sorted(found))
 
     def precompiled(self, text, compilation, level):
         """The path of a precompiled header that holds `text` for files compiled like this one."""

@@ -32,6 +32,7 @@ TEST(TextPosition, CountsLinesAndCharactersFromOne) {
       {"a\n\rb", 3, 3, 1},  // the other way round they are two
       {"a\r\rb", 3, 3, 1},
       {"a\r", 2, 2, 1},
+      {"a\r\n", 2, 1, 3},
       {"\xC3\xA4", 2, 1, 2},  // a character, not its bytes
       {"\n\xF0\x9F\x98\x80x", 5, 2, 2},
       {"\xC3\xA4\nb", 4, 2, 2},
@@ -43,6 +44,12 @@ TEST(TextPosition, CountsLinesAndCharactersFromOne) {
     EXPECT_EQ(position.line, line);
     EXPECT_EQ(position.column, column);
   }
+}
+
+TEST(TextPosition, LooksAtNothingBehindTheText) {
+  const auto position = PositionAt(std::string_view("a\r\n").substr(0, 2), 2);
+  EXPECT_EQ(position.line, 2u);
+  EXPECT_EQ(position.column, 1u);
 }
 
 TEST(TextPosition, DescriptionNamesLineColumnAndMessage) {
