@@ -1,6 +1,10 @@
 #include "value/utf8.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
 
 #include "testing/corruption.h"
 
@@ -101,6 +105,21 @@ TEST(Utf8, FindsNothingInWellFormedText) {
     EXPECT_EQ(FindInvalidUtf8(text), NoPlace) << text;
     EXPECT_EQ(FindInvalidText(text), NoPlace) << text;
   }
+}
+
+// The text ends where the memory that may be read ends.
+TEST(Utf8, LooksAtNothingBehindTheText) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void* const pages =
+      mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  char* const end = static_cast<char*>(pages) + page;
+  ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+  for (std::size_t size = 0; size < 20; ++size) {
+    std::memset(end - size, 'x', size);
+    EXPECT_EQ(FindInvalidText({end - size, size}), NoPlace) << size;
+  }
+  munmap(pages, 2 * page);
 }
 
 TEST(Utf8, ControlCharactersAreUtf8) {
