@@ -72,7 +72,8 @@ bool Act(std::string_view action, const char* path) {
   }
   if (action == "forbid") errno = EACCES;
   if (action == "fail") errno = EIO;
-  return action != "forbid" && action != "fail";
+  if (action == "interrupt") errno = EINTR;
+  return action != "forbid" && action != "fail" && action != "interrupt";
 }
 
 // Whether the call may go on.

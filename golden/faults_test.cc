@@ -146,6 +146,8 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
       {"reread", "fail", NoPlan("Input/output error, format: 0")},
       {"reread", "empty", usual},
       {"reread", "grow", usual},
+      {"read", "interrupt", usual},
+      {"reread", "interrupt", usual},
   };
   for (const auto& race : races) {
     SCOPED_TRACE(race.moment + ", " + race.action);
