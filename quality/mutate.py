@@ -118,7 +118,8 @@ def report(chosen, mutants, results, equivalents):
               f"  as: {entry.mutant}")
     rows = count_verdicts(chosen, results, equivalents)
     print(table(rows), end="")
-    return not survivors and not stale and all(score(row) >= LEAST_SCORE for _, row in rows)
+    is_enough = len(chosen) < len(mutants) or score(dict(rows)["all"]) >= LEAST_SCORE
+    return not survivors and not stale and is_enough
 
 
 def try_untried(arguments, mutants, equivalents):

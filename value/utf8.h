@@ -11,7 +11,8 @@ inline constexpr std::size_t NoPlace = std::string_view::npos;
 
 inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
 
-/// One character at the start of a text. A length of 0 says that no well-formed UTF-8 stands there.
+/// One character at the start of a text. A length of 0, and the character 0 with it, says that no
+/// well-formed UTF-8 stands there.
 struct DecodedCharacter {
   char32_t character;
   std::size_t length;  // bytes
