@@ -44,6 +44,11 @@ TEST(ParseOptions, ShortAndLongForms) {
   ExpectParsed({"--bypassVersion"}, {.bypassVersionCheck = true});
 }
 
+TEST(ParseOptions, WhatIsLeftOfARejectedArgumentIsForgotten) {
+  EXPECT_FALSE(Parse({"-zv"}).options.accepted);
+  ExpectParsed({"-X"}, {});
+}
+
 TEST(ParseOptions, IgnoredOptionsHaveNoEffect) {
   ExpectParsed({"-X", "-s", "--preflight", "--subupdater", "-Xs"}, {});
 }

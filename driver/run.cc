@@ -67,7 +67,6 @@ int RunWithOptions(const Options& options, Registry& registry, Output& out) {
 }
 
 int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out) {
-  BypassUsbcUpdates = 0;
   BypassVersionCheck = 0;
   ReadSwitches(registry);
   if (BypassUsbcUpdates != 0) {
