@@ -75,6 +75,7 @@ TEST(XmlDeclaration, RejectsAnythingElseAtTheFault) {
       {"<?xml version='1.'?>", 14},
       {"<?xml version='2.0'?>", 14},
       {"<?xml version='1.0a'?>", 14},
+      {"<?xml version='1.a'?>", 14},
       {"<?xml version=' 1.0'?>", 14},
       {"<?xml Version='1.0'?>", 6},
       {"<?xml version='1.0'", 19},
