@@ -53,20 +53,24 @@ int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& iden
   return WritePlan(out, options.verbose, builder.Arguments(), plan);
 }
 
-int RunWithOptions(const Options& options, Registry& registry, Output& out) {
+int RunWithOptions(const Options& options, Registry& registry, Output& out, RunRecorder* recorder) {
   if (!options.accepted) return ExitStatus::BadCommandLine;
   const auto identity = ReadBoardIdentity(registry);
+  if (recorder != nullptr) recorder->identity = identity;
   if (options.verbose) {
     PrintHeader(out, identity, options.personalitiesDirectory);
     PrintHardware(out, registry);
   }
   const auto matches = MatchPersonalities(registry, identity.boardIdString, identity.boardRevision,
-                                          options.personalitiesDirectory);
+                                          options.personalitiesDirectory,
+                                          recorder == nullptr ? nullptr : &recorder->matching);
   if (!matches) return ExitStatus::NoMatches;
+  if (recorder != nullptr) recorder->matches = *matches;
   return PrintPlan(*matches, identity, options, out);
 }
 
-int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out) {
+int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out,
+                RunRecorder* recorder) {
   BypassVersionCheck = 0;
   ReadSwitches(registry);
   if (BypassUsbcUpdates != 0) {
@@ -76,16 +80,21 @@ int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, 
   }
   const auto options = ParseOptions(argumentCount, arguments);
   if (options.bypassVersionCheck) BypassVersionCheck = 1;
-  const int status = RunWithOptions(options, registry, out);
+  if (recorder != nullptr) {
+    recorder->options = options;
+    recorder->bypassesVersionCheck = BypassVersionCheck != 0;
+  }
+  const int status = RunWithOptions(options, registry, out, recorder);
   if (options.verbose) out.Print("\n\nExit status: %u\n", static_cast<unsigned>(status));
   return status;
 }
 
 }  // namespace
 
-int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream) {
+int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream,
+        RunRecorder* recorder) {
   Output out(stream);
-  const int status = RunToStatus(argumentCount, arguments, registry, out);
+  const int status = RunToStatus(argumentCount, arguments, registry, out, recorder);
   out.Flush();
   if (out.Error() == 0) return status;
   std::fprintf(stderr, "fernwick: standard output could not be written: %s\n",

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "driver/run_recorder.h"
 #include "registry/registry.h"
 
 namespace fernwick {
@@ -18,7 +19,9 @@ inline constexpr int OutputLost = 74;  // in place of 0: the plan did not arrive
 /// One whole run of the tool over `registry`: what a process does between its start and its exit.
 /// Returns the exit status. The plan goes to `stream`; option parser, system log and requirement
 /// checks write to standard error by themselves. Nothing is kept from an earlier run. REQUIRES:
-/// arguments[argumentCount] is null.
-int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream);
+/// arguments[argumentCount] is null. A recorder learns what the run finds and decides and changes
+/// nothing; the tool gives none (null).
+int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream,
+        RunRecorder* recorder = nullptr);
 
 }  // namespace fernwick

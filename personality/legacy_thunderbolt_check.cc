@@ -16,9 +16,12 @@ constexpr RequirementSet Requirements[] = {
 }  // namespace
 
 bool CheckLegacyThunderboltRequirements(const Personality& personality,
-                                        const HardwareRecord& hardware, int /*ignored*/) {
-  return FirmwareVersionWindow(personality, hardware, EngineeringGate::Off) &&
-         MatchesAll(personality, hardware, Requirements);
+                                        const HardwareRecord& hardware, int /*ignored*/,
+                                        RequirementRecorder* recorder) {
+  return AllMet(
+      recorder,
+      [&] { return FirmwareVersionWindow(personality, hardware, EngineeringGate::Off, recorder); },
+      [&] { return MatchesAll(personality, hardware, Requirements, recorder); });
 }
 
 }  // namespace fernwick

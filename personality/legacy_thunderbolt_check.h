@@ -1,6 +1,7 @@
 #pragma once
 
 #include "personality/personality.h"
+#include "personality/requirement_recorder.h"
 #include "registry/hardware_record.h"
 
 namespace fernwick {
@@ -9,6 +10,7 @@ namespace fernwick {
 /// window, whose diagnostics it writes to standard error, then "RID", the Ridge silicon and "Ridge
 /// UID". Engineering firmware is no obstacle here. The third argument is ignored; callers pass 0.
 bool CheckLegacyThunderboltRequirements(const Personality& personality,
-                                        const HardwareRecord& hardware, int ignored);
+                                        const HardwareRecord& hardware, int ignored,
+                                        RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

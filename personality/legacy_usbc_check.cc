@@ -4,9 +4,14 @@
 
 namespace fernwick {
 
-bool CheckLegacyUsbcRequirements(const Personality& personality, const HardwareRecord& hardware) {
-  return FirmwareVersionWindow(personality, hardware, EngineeringGate::On) &&
-         RequirementSetMatch(personality, hardware, {.key = "Port Address"});
+bool CheckLegacyUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
+                                 RequirementRecorder* recorder) {
+  return AllMet(
+      recorder,
+      [&] { return FirmwareVersionWindow(personality, hardware, EngineeringGate::On, recorder); },
+      [&] {
+        return RequirementSetMatch(personality, hardware, {.key = "Port Address"}, recorder);
+      });
 }
 
 }  // namespace fernwick

@@ -14,77 +14,126 @@
 namespace fernwick {
 namespace {
 
-using Matches = std::vector<MatchRecord>;
+// One key of the configuration, while its personalities are matched. Its recording is null where
+// nobody wants to know.
+class KeyMatcher {
+ public:
+  KeyMatcher(std::string_view type, const HardwareInventory& controllers, KeyDecisions* recording,
+             std::vector<MatchRecord>& matches)
+      : type_(type), controllers_(controllers), recording_(recording), matches_(matches) {
+    if (recording_ == nullptr || !controllers_) return;
+    for (const auto& controller : *controllers_) recording_->controllers.push_back({controller});
+  }
 
-// Gives each controller the first personality of the array that passes `check`.
-template <typename Check>
-void MatchFirstOfEach(const PropertyValue& personalities, const HardwareInventory& controllers,
-                      std::string_view type, Check check, Matches& matches) {
-  const auto* candidates = personalities.AsArray();
-  if (candidates == nullptr || !controllers) return;
-  for (const auto& controller : *controllers) {
-    for (const auto& candidate : *candidates) {
-      const auto* personality = candidate.AsDictionary();
-      if (personality == nullptr || !check(*personality, controller)) continue;
-      matches.push_back(BuildMatchRecord(*personality, controller, type));
-      break;
+  // Gives each controller the first personality of the array that passes `check`.
+  template <typename Check>
+  void MatchFirstOfEach(const PropertyValue& personalities, Check check) {
+    const auto* candidates = personalities.AsArray();
+    if (candidates == nullptr || !controllers_) return;
+    for (std::size_t i = 0; i < controllers_->size(); ++i) {
+      auto candidate = candidates->begin();
+      while (candidate != candidates->end() && !Matches(*candidate++, i, check)) continue;
+      for (; candidate != candidates->end(); ++candidate) Record(i, {PairOutcome::NotReached});
     }
   }
-}
 
-// The one type whose value is a single personality, which may apply to several ports.
-void MatchSingle(const PropertyValue& value, const HardwareInventory& ports, Matches& matches) {
-  const auto* personality = value.AsDictionary();
-  if (personality == nullptr || !ports) return;
-  for (const auto& port : *ports) {
-    if (!CheckLegacyUsbcRequirements(*personality, port)) continue;
-    matches.push_back(BuildMatchRecord(*personality, port, PersonalityType::LegacyUsbc));
+  // The one type whose value is a single personality, which may apply to several ports.
+  template <typename Check>
+  void MatchSingle(const PropertyValue& value, Check check) {
+    if (value.AsDictionary() == nullptr || !controllers_) return;
+    for (std::size_t i = 0; i < controllers_->size(); ++i) Matches(value, i, check);
   }
+
+ private:
+  template <typename Check>
+  bool Matches(const PropertyValue& candidate, std::size_t index, Check check) {
+    const auto* personality = candidate.AsDictionary();
+    if (personality == nullptr) {
+      Record(index, {PairOutcome::NotAPersonality});
+      return false;
+    }
+    RequirementRecorder why;
+    const auto& controller = (*controllers_)[index];
+    if (!check(*personality, controller, recording_ == nullptr ? nullptr : &why)) {
+      Record(index, {PairOutcome::Rejected, why.Failures()});
+      return false;
+    }
+    Record(index, {PairOutcome::Matched});
+    matches_.push_back(BuildMatchRecord(*personality, controller, type_));
+    return true;
+  }
+
+  void Record(std::size_t index, PairDecision decision) {
+    if (recording_ != nullptr) recording_->controllers[index].pairs.push_back(std::move(decision));
+  }
+
+  std::string_view type_;
+  const HardwareInventory& controllers_;
+  KeyDecisions* recording_;
+  std::vector<MatchRecord>& matches_;
+};
+
+// The three checks of ports by one form: personality, port record, recorder.
+auto WithBoardRevision(bool (*check)(const Personality&, const HardwareRecord&, unsigned,
+                                     RequirementRecorder*),
+                       std::uint32_t boardRevision) {
+  return [=](const Personality& personality, const HardwareRecord& port,
+             RequirementRecorder* recorder) {
+    return check(personality, port, boardRevision, recorder);
+  };
 }
 
-void MatchThunderboltControllers(Registry& registry, const PropertyValue& value, Matches& matches) {
-  const auto check = [](const Personality& personality, const HardwareRecord& controller) {
-    return CheckLegacyThunderboltRequirements(personality, controller, 0);
+void MatchThunderboltControllers(Registry& registry, const PropertyValue& value,
+                                 KeyDecisions* recording, std::vector<MatchRecord>& matches) {
+  const auto check = [](const Personality& personality, const HardwareRecord& controller,
+                        RequirementRecorder* recorder) {
+    return CheckLegacyThunderboltRequirements(personality, controller, 0, recorder);
   };
-  MatchFirstOfEach(value, CollectThunderboltControllers(registry),
-                   PersonalityType::LegacyThunderbolt, check, matches);
+  const auto controllers = CollectThunderboltControllers(registry);
+  KeyMatcher(PersonalityType::LegacyThunderbolt, controllers, recording, matches)
+      .MatchFirstOfEach(value, check);
 }
 
 void MatchPortControllers(Registry& registry, std::string_view key, const PropertyValue& value,
-                          std::uint32_t boardRevision, Matches& matches) {
+                          std::uint32_t boardRevision, KeyDecisions* recording,
+                          std::vector<MatchRecord>& matches) {
   // Taken for every key, also for one that names no type, and shared between none.
   const auto ports = CollectPortControllers(registry);
-  const auto withBoardRevision = [&](auto check) {
-    return [=](const Personality& personality, const HardwareRecord& port) {
-      return check(personality, port, boardRevision);
-    };
-  };
+  KeyMatcher matcher(key, ports, recording, matches);
   if (key == PersonalityType::Thunderbolt) {
-    MatchFirstOfEach(value, ports, key, withBoardRevision(CheckThunderboltRequirements), matches);
+    matcher.MatchFirstOfEach(value, WithBoardRevision(CheckThunderboltRequirements, boardRevision));
   } else if (key == PersonalityType::LegacyUsbc) {
-    MatchSingle(value, ports, matches);
+    matcher.MatchSingle(value, CheckLegacyUsbcRequirements);
   } else if (key == PersonalityType::Usbc) {
-    MatchFirstOfEach(value, ports, key, withBoardRevision(CheckUsbcRequirements), matches);
+    matcher.MatchFirstOfEach(value, WithBoardRevision(CheckUsbcRequirements, boardRevision));
   }
+}
+
+// A place for the decisions under the key; null where nobody wants to know.
+KeyDecisions* StartRecording(MatchRecorder* recorder, std::string_view key) {
+  return recorder == nullptr ? nullptr : &recorder->keys.emplace_back(std::string(key));
 }
 
 }  // namespace
 
 std::optional<std::vector<MatchRecord>> MatchPersonalities(
     Registry& registry, const std::optional<std::string>& boardIdString,
-    std::uint32_t boardRevision, const std::optional<std::string>& personalitiesDirectory) {
+    std::uint32_t boardRevision, const std::optional<std::string>& personalitiesDirectory,
+    MatchRecorder* recorder) {
   const auto configuration = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory);
+  if (recorder != nullptr) recorder->configuration = configuration;
   const auto* personalities = configuration ? configuration->AsDictionary() : nullptr;
   if (personalities == nullptr) {
     PlatformLog("Unexpected format for config plist file.  Aborting");
     return std::nullopt;
   }
-  Matches matches;
+  std::vector<MatchRecord> matches;
   for (const auto& [key, value] : personalities->Entries()) {
+    auto* recording = StartRecording(recorder, key.View());
     if (key.View() == PersonalityType::LegacyThunderbolt) {
-      MatchThunderboltControllers(registry, value, matches);
+      MatchThunderboltControllers(registry, value, recording, matches);
     } else {
-      MatchPortControllers(registry, key.View(), value, boardRevision & 0xFF, matches);
+      MatchPortControllers(registry, key.View(), value, boardRevision & 0xFF, recording, matches);
     }
   }
   if (matches.empty()) return std::nullopt;

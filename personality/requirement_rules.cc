@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <compare>
+#include <optional>
 
 #include "personality/bypass_flags.h"
 #include "platform/diagnostics.h"
@@ -18,8 +19,38 @@ std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
   return CompareNumbers(*left, *right);
 }
 
-bool FailMissing(const RequirementSet& requirement) {
-  if (requirement.missingKeyMessage != nullptr) WriteDiagnostic(requirement.missingKeyMessage);
+// A value that may be absent (null), for a recorder to keep.
+std::optional<PropertyValue> Kept(const PropertyValue* value) {
+  if (value == nullptr) return std::nullopt;
+  return *value;
+}
+
+// A diagnostic may be absent (null). Once a requirement has failed, none is written: without a
+// recorder nothing would be evaluated any more.
+void Tell(const char* diagnostic, const RequirementRecorder* recorder) {
+  if (diagnostic == nullptr || (recorder != nullptr && recorder->HasFailures())) return;
+  WriteDiagnostic(diagnostic);
+}
+
+// The two sides of a requirement: the personality's value and the hardware's, null where absent.
+struct Sides {
+  std::string_view key;
+  const PropertyValue* wanted;
+  std::string_view hardwareKey;
+  const PropertyValue* found;
+};
+
+Sides SidesOf(std::string_view key, const Personality& personality,
+              const HardwareRecord& hardware) {
+  return {key, personality.Find(key), key, hardware.Find(key)};
+}
+
+bool Fail(Shortfall shortfall, const Sides& sides, const char* diagnostic,
+          RequirementRecorder* recorder) {
+  Tell(diagnostic, recorder);
+  if (recorder != nullptr) {
+    recorder->Add({sides.key, shortfall, Kept(sides.wanted), sides.hardwareKey, Kept(sides.found)});
+  }
   return false;
 }
 
@@ -27,26 +58,33 @@ bool IsOfKind(const PropertyValue& value, SingleValueKind kind) {
   return kind == SingleValueKind::NumberKind ? value.IsNumber() : value.AsString().has_value();
 }
 
-bool RunsEngineeringFirmware(const HardwareRecord& hardware) {
-  const auto* version = hardware.Find("Engineering Version");
-  const auto number = version == nullptr ? std::nullopt : version->AsNumber();
-  return number && ToUnsigned64(*number) != 0;
+// Every rejection here is silent.
+bool IsNewerThanInstalled(const Sides& version, RequirementRecorder* recorder) {
+  if (version.wanted == nullptr) {
+    return Fail(Shortfall::PersonalityLacksKey, version, nullptr, recorder);
+  }
+  if (version.found == nullptr) {
+    return Fail(Shortfall::HardwareLacksKey, version, nullptr, recorder);
+  }
+  return NumberGreater(*version.wanted, *version.found) ||
+         Fail(Shortfall::NotNewer, version, nullptr, recorder);
 }
 
-// Every rejection here is silent.
-bool IsNewerThanInstalled(const Personality& personality, const HardwareRecord& hardware,
-                          EngineeringGate gate) {
-  const auto* offered = personality.Find("Version");
-  const auto* installed = hardware.Find("Version");
-  if (offered == nullptr || installed == nullptr) return false;
-  if (!NumberGreater(*offered, *installed)) return false;
-  return gate == EngineeringGate::Off || !RunsEngineeringFirmware(hardware);
+// Silent as well.
+bool RunsReleasedFirmware(const Sides& version, const HardwareRecord& hardware,
+                          RequirementRecorder* recorder) {
+  const auto* marker = hardware.Find("Engineering Version");
+  const auto number = marker == nullptr ? std::nullopt : marker->AsNumber();
+  if (!number || ToUnsigned64(*number) == 0) return true;
+  return Fail(Shortfall::EngineeringFirmware,
+              {version.key, version.wanted, "Engineering Version", marker}, nullptr, recorder);
 }
 
 // One end of the range of installed versions that may be updated.
 struct VersionBound {
   std::string_view key;
   bool (*excludes)(const PropertyValue& bound, const PropertyValue& installed);
+  Shortfall shortfall;
   const char* badTypeMessage;
   const char* notMetMessage;
 };
@@ -54,6 +92,7 @@ struct VersionBound {
 constexpr VersionBound MinimumVersion = {
     "Existing Min Version",
     NumberGreater,
+    Shortfall::AboveInstalled,
     "** minversion bad object type in personality\n",
     "** Min firmware version not met.  Aborting\n",
 };
@@ -61,24 +100,40 @@ constexpr VersionBound MinimumVersion = {
 constexpr VersionBound MaximumVersion = {
     "Existing Max Version",
     NumberLess,
+    Shortfall::BelowInstalled,
     "** maxversion bad object type in personality\n",
     "** Max firmware version not met.  Aborting\n",
 };
 
 // An installed version that is not a number lies within every bound.
 bool IsWithin(const VersionBound& bound, const Personality& personality,
-              const PropertyValue& installed) {
+              const PropertyValue& installed, RequirementRecorder* recorder) {
   const auto* limit = personality.Find(bound.key);
   if (limit == nullptr) return true;
-  if (!limit->IsNumber()) {
-    WriteDiagnostic(bound.badTypeMessage);
-    return false;
+  const Sides sides{bound.key, limit, "Version", &installed};
+  if (!limit->IsNumber()) return Fail(Shortfall::WrongKind, sides, bound.badTypeMessage, recorder);
+  return !bound.excludes(*limit, installed) ||
+         Fail(bound.shortfall, sides, bound.notMetMessage, recorder);
+}
+
+// An installed version that is not known, which only a bypassed version check lets through, lies
+// within every bound.
+bool IsInstalledVersionWithin(const Personality& personality, const PropertyValue* installed,
+                              RequirementRecorder* recorder) {
+  if (installed == nullptr) {
+    Tell("** No current firmware version?\n", recorder);
+    return true;
   }
-  if (bound.excludes(*limit, installed)) {
-    WriteDiagnostic(bound.notMetMessage);
-    return false;
-  }
-  return true;
+  return AllMet(
+      recorder, [&] { return IsWithin(MinimumVersion, personality, *installed, recorder); },
+      [&] { return IsWithin(MaximumVersion, personality, *installed, recorder); });
+}
+
+bool IsOrHolds(const PropertyValue& wanted, const RequirementSet& requirement,
+               const PropertyValue& found) {
+  const auto equals = [&](const PropertyValue& value) { return requirement.equal(value, found); };
+  const auto* list = wanted.AsArray();
+  return list != nullptr ? std::ranges::any_of(*list, equals) : equals(wanted);
 }
 
 }  // namespace
@@ -101,41 +156,42 @@ bool StringsEqual(const PropertyValue& a, const PropertyValue& b) {
 }
 
 bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
-                         const RequirementSet& requirement) {
-  const auto* wanted = personality.Find(requirement.key);
-  if (wanted == nullptr) {
-    if (requirement.presence == KeyPresence::OptionalKey) return true;
-    return FailMissing(requirement);
+                         const RequirementSet& requirement, RequirementRecorder* recorder) {
+  const auto sides = SidesOf(requirement.key, personality, hardware);
+  const char* missing = requirement.missingKeyMessage;
+  if (sides.wanted == nullptr) {
+    return requirement.presence == KeyPresence::OptionalKey ||
+           Fail(Shortfall::PersonalityLacksKey, sides, missing, recorder);
   }
-  const auto* found = hardware.Find(requirement.key);
-  if (found == nullptr) return FailMissing(requirement);
-  if (const auto* wantedAny = wanted->AsArray()) {
-    for (const auto& element : *wantedAny) {
-      if (requirement.equal(element, *found)) return true;
-    }
-    return false;
+  if (sides.found == nullptr) return Fail(Shortfall::HardwareLacksKey, sides, missing, recorder);
+  const bool isList = sides.wanted->AsArray() != nullptr;
+  if (!isList && !IsOfKind(*sides.wanted, requirement.kind)) {
+    return Fail(Shortfall::WrongKind, sides, nullptr, recorder);
   }
-  return IsOfKind(*wanted, requirement.kind) && requirement.equal(*wanted, *found);
+  return IsOrHolds(*sides.wanted, requirement, *sides.found) ||
+         Fail(Shortfall::Unequal, sides, nullptr, recorder);
 }
 
 bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
-                std::span<const RequirementSet> requirements) {
-  return std::ranges::all_of(requirements, [&](const RequirementSet& requirement) {
-    return RequirementSetMatch(personality, hardware, requirement);
-  });
+                std::span<const RequirementSet> requirements, RequirementRecorder* recorder) {
+  bool met = true;
+  for (const auto& requirement : requirements) {
+    met = RequirementSetMatch(personality, hardware, requirement, recorder) && met;
+    if (!met && recorder == nullptr) return false;
+  }
+  return met;
 }
 
 bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
-                           EngineeringGate gate) {
-  if (BypassVersionCheck == 0 && !IsNewerThanInstalled(personality, hardware, gate)) return false;
-  const auto* installed = hardware.Find("Version");
-  if (installed == nullptr) {
-    // Reached only with the version check bypassed. The window counts as satisfied.
-    WriteDiagnostic("** No current firmware version?\n");
-    return true;
-  }
-  return IsWithin(MinimumVersion, personality, *installed) &&
-         IsWithin(MaximumVersion, personality, *installed);
+                           EngineeringGate gate, RequirementRecorder* recorder) {
+  const auto version = SidesOf("Version", personality, hardware);
+  return AllMet(
+      recorder, [&] { return BypassVersionCheck != 0 || IsNewerThanInstalled(version, recorder); },
+      [&] {
+        return BypassVersionCheck != 0 || gate == EngineeringGate::Off ||
+               RunsReleasedFirmware(version, hardware, recorder);
+      },
+      [&] { return IsInstalledVersionWithin(personality, version.found, recorder); });
 }
 
 }  // namespace fernwick

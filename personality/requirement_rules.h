@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "personality/personality.h"
+#include "personality/requirement_recorder.h"
 #include "registry/hardware_record.h"
 
 namespace fernwick {
@@ -33,16 +34,30 @@ struct RequirementSet {
   const char* missingKeyMessage = nullptr;  // for standard error, when a needed key is missing
 };
 
+/// Whether all requirements are met. They are evaluated in order up to the first that is not; with
+/// a recorder all of them, which write no diagnostic from then on.
+template <typename... Requirement>
+bool AllMet(const RequirementRecorder* recorder, Requirement... requirements) {
+  bool met = true;
+  const auto evaluate = [&](auto& requirement) {
+    if (met || recorder != nullptr) met = requirement() && met;
+  };
+  (evaluate(requirements), ...);
+  return met;
+}
+
 /// Whether the hardware's value equals the personality's single value or an element of its array. A
 /// personality without an optional key sets no constraint; otherwise both need the key, and its
 /// missing-key message, if there is one, goes to standard error when one lacks it. Presence is
 /// tested before the kind.
 bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
-                         const RequirementSet& requirement);
+                         const RequirementSet& requirement,
+                         RequirementRecorder* recorder = nullptr);
 
-/// Whether all of them match. Evaluated in order up to the first that does not.
+/// Whether all of them match, as AllMet.
 bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
-                std::span<const RequirementSet> requirements);
+                std::span<const RequirementSet> requirements,
+                RequirementRecorder* recorder = nullptr);
 
 /// Whether the newer-than-installed test of the version window also rejects hardware that runs
 /// engineering firmware.
@@ -54,6 +69,6 @@ enum class EngineeringGate { Off, On };
 /// an installed version that is not known lies within every bound. Writes to standard error that
 /// the version is not known, or which bound is not met or not a number.
 bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
-                           EngineeringGate gate);
+                           EngineeringGate gate, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

@@ -17,10 +17,12 @@ constexpr RequirementSet DeviceModel[] = {
 }  // namespace
 
 bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
-                                  unsigned boardRevision) {
-  return CheckUsbcRequirements(personality, hardware, boardRevision) &&
-         CheckLegacyThunderboltRequirements(personality, hardware, 0) &&
-         MatchesAll(personality, hardware, DeviceModel);
+                                  unsigned boardRevision, RequirementRecorder* recorder) {
+  return AllMet(
+      recorder,
+      [&] { return CheckUsbcRequirements(personality, hardware, boardRevision, recorder); },
+      [&] { return CheckLegacyThunderboltRequirements(personality, hardware, 0, recorder); },
+      [&] { return MatchesAll(personality, hardware, DeviceModel, recorder); });
 }
 
 }  // namespace fernwick

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "personality/personality.h"
+#include "personality/requirement_recorder.h"
 #include "registry/hardware_record.h"
 
 namespace fernwick {
@@ -10,6 +11,6 @@ namespace fernwick {
 /// the device model. What the two have in common is tested, and told, twice. May write diagnostics
 /// to standard error.
 bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
-                                  unsigned boardRevision);
+                                  unsigned boardRevision, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

@@ -8,15 +8,41 @@
 namespace fernwick {
 namespace {
 
+// One end of the range of board revisions that the personality is for. The hardware has no say.
+struct RevisionBound {
+  std::string_view key;
+  bool (*excludes)(const PropertyValue& bound, const PropertyValue& revision);
+  Shortfall shortfall;
+};
+
+constexpr RevisionBound MinimumRevision = {"MinBoardRevision", NumberGreater,
+                                           Shortfall::AboveBoardRevision};
+constexpr RevisionBound MaximumRevision = {"MaxBoardRevision", NumberLess,
+                                           Shortfall::BelowBoardRevision};
+
 // A bound that is not a number rejects the pair.
-bool IsBoardRevisionWithin(const Personality& personality, unsigned boardRevision) {
-  const PropertyValue revision(static_cast<std::uint8_t>(boardRevision));
-  const auto* minimum = personality.Find("MinBoardRevision");
-  if (minimum != nullptr && (!minimum->IsNumber() || NumberGreater(*minimum, revision))) {
-    return false;
+bool IsWithin(const RevisionBound& bound, const Personality& personality,
+              const PropertyValue& revision, RequirementRecorder* recorder) {
+  const auto* limit = personality.Find(bound.key);
+  if (limit == nullptr) return true;
+  const bool isNumber = limit->IsNumber();
+  if (isNumber && !bound.excludes(*limit, revision)) return true;
+  if (recorder != nullptr) {
+    recorder->Add({.key = bound.key,
+                   .shortfall = isNumber ? bound.shortfall : Shortfall::WrongKind,
+                   .wanted = *limit,
+                   .hardwareKey = {},
+                   .found = revision});
   }
-  const auto* maximum = personality.Find("MaxBoardRevision");
-  return maximum == nullptr || (maximum->IsNumber() && !NumberLess(*maximum, revision));
+  return false;
+}
+
+bool IsBoardRevisionWithin(const Personality& personality, unsigned boardRevision,
+                           RequirementRecorder* recorder) {
+  const PropertyValue revision(static_cast<std::uint8_t>(boardRevision));
+  return AllMet(
+      recorder, [&] { return IsWithin(MinimumRevision, personality, revision, recorder); },
+      [&] { return IsWithin(MaximumRevision, personality, revision, recorder); });
 }
 
 // A needed revision is the only port silicon key whose absence is told.
@@ -38,11 +64,12 @@ constexpr RequirementSet PortSilicon[] = {
 }  // namespace
 
 bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
-                           unsigned boardRevision) {
-  return CheckLegacyUsbcRequirements(personality, hardware) &&
-         RequirementSetMatch(personality, hardware, {.key = "RID"}) &&
-         IsBoardRevisionWithin(personality, boardRevision) &&
-         MatchesAll(personality, hardware, PortSilicon);
+                           unsigned boardRevision, RequirementRecorder* recorder) {
+  return AllMet(
+      recorder, [&] { return CheckLegacyUsbcRequirements(personality, hardware, recorder); },
+      [&] { return RequirementSetMatch(personality, hardware, {.key = "RID"}, recorder); },
+      [&] { return IsBoardRevisionWithin(personality, boardRevision, recorder); },
+      [&] { return MatchesAll(personality, hardware, PortSilicon, recorder); });
 }
 
 }  // namespace fernwick

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "personality/personality.h"
+#include "personality/requirement_recorder.h"
 #include "registry/hardware_record.h"
 
 namespace fernwick {
@@ -10,6 +11,6 @@ namespace fernwick {
 /// low 8 bits count. Stops at the first requirement that fails. Writes the diagnostics of the
 /// version window and, where a needed port silicon key is missing, of that key to standard error.
 bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
-                           unsigned boardRevision);
+                           unsigned boardRevision, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

@@ -31,11 +31,11 @@ inline Verdict DoesNotApply(std::string diagnostics = {}) {
   return {false, std::move(diagnostics)};
 }
 
-/// Calls `check` with the arguments.
+/// Calls `check` with the arguments, without a recorder.
 template <typename Check, typename... Arguments>
 Verdict VerdictOf(Check check, const Arguments&... arguments) {
   StandardErrorCapture standardError;
-  const bool applies = check(arguments...);
+  const bool applies = check(arguments..., nullptr);
   return {applies, standardError.TakeText()};
 }
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "value/property_value.h"
+
+namespace fernwick {
+
+/// How a requirement of a personality was not met.
+enum class Shortfall {
+  PersonalityLacksKey,  // one without which it never matches
+  HardwareLacksKey,
+  WrongKind,            // the personality's value is of a kind that matches nothing
+  Unequal,              // to the hardware's value, be it as a single value or in a list
+  NotNewer,             // than the installed version
+  EngineeringFirmware,  // is installed
+  AboveInstalled,       // a minimum
+  BelowInstalled,       // a maximum
+  AboveBoardRevision,   // a minimum
+  BelowBoardRevision,   // a maximum
+};
+
+/// One requirement that kept a personality from a controller.
+struct FailedRequirement {
+  std::string_view key;  // of the personality; a literal
+  Shortfall shortfall;
+  std::optional<PropertyValue> wanted;  // what the personality has under the key
+  std::string_view hardwareKey;         // where the hardware was looked at; a literal
+  std::optional<PropertyValue> found;   // what it has there; for the board revision, the board's
+
+  friend bool operator==(const FailedRequirement&, const FailedRequirement&) = default;
+};
+
+/// Learns from the requirement checks why they reject. A check that is given one goes on behind the
+/// first requirement that fails, so that every one is told; what it answers and what it writes to
+/// standard error stay the same. The production run gives none (null).
+class RequirementRecorder {
+ public:
+  /// Keeps the failure, save when the same requirement has been kept before: some are held twice.
+  void Add(FailedRequirement failure);
+
+  bool HasFailures() const { return !failures_.empty(); }
+
+  /// In the order in which the checks hold them; the first is the one that decided.
+  const std::vector<FailedRequirement>& Failures() const { return failures_; }
+
+ private:
+  std::vector<FailedRequirement> failures_;
+};
+
+}  // namespace fernwick
