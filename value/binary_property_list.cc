@@ -74,7 +74,8 @@ struct FinishedContainer {
 
 class BinaryPropertyListReader {
  public:
-  explicit BinaryPropertyListReader(const SourceBuffer& file) : buffer_(file), file_(*file) {}
+  BinaryPropertyListReader(const SourceBuffer& file, PlaceRecorder* places)
+      : buffer_(file), file_(*file), places_(places) {}
 
   ParseOutcome Read() {
     if (!ReadFile()) {
@@ -167,6 +168,13 @@ class BinaryPropertyListReader {
   bool ReadValue(std::uint64_t number, std::size_t referrer) {
     Object object;
     if (!Locate(number, referrer, object)) return false;
+    if (places_ != nullptr) places_->BeginValue(object.offset);
+    if (!ReadContents(object)) return false;
+    if (places_ != nullptr) places_->EndValue();
+    return true;
+  }
+
+  bool ReadContents(const Object& object) {
     switch (object.Kind()) {
       case ObjectKind::Simple: return ReadSimple(object);
       case ObjectKind::Integer: return ReadInteger(object);
@@ -380,7 +388,9 @@ class BinaryPropertyListReader {
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
     }
-    return ReadText(object, key);
+    if (!ReadText(object, key)) return false;
+    if (places_ != nullptr) places_->Key(key, object.offset);
+    return true;
   }
 
   PropertyValue TakeLast() {
@@ -391,6 +401,7 @@ class BinaryPropertyListReader {
 
   const SourceBuffer& buffer_;
   std::string_view file_;
+  PlaceRecorder* places_;  // null: nobody wants to know; what a shared container holds is not told
   BinaryLayout layout_;
   ParseFault fault_;
   Tally tally_ = {.values = 1, .longBytes = 0};  // the top object is referred to by no other
@@ -409,8 +420,8 @@ class BinaryPropertyListReader {
 
 }  // namespace
 
-ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file) {
-  return BinaryPropertyListReader(file).Read();
+ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file, PlaceRecorder* places) {
+  return BinaryPropertyListReader(file, places).Read();
 }
 
 }  // namespace fernwick

@@ -41,15 +41,16 @@ PropertyListReading Reading(ParseOutcome outcome, Serialisation serialisation) {
 
 }  // namespace
 
-PropertyListReading ReadPropertyList(std::string bytes) {
+PropertyListReading ReadPropertyList(std::string bytes, PlaceRecorder* places) {
   if (bytes.empty()) return {{}, "the file is empty", Serialisation::None};
   auto buffer = std::make_shared<const std::string>(std::move(bytes));
   if (buffer->starts_with(BinarySignature)) {
-    return Reading(ParseBinaryPropertyList(buffer), Serialisation::Binary);
+    return Reading(ParseBinaryPropertyList(buffer, places), Serialisation::Binary);
   }
   const auto source = DecodeSource(std::move(buffer));
-  if (LooksLikeXml(source.text)) return Reading(ParseXmlPropertyList(source), Serialisation::Xml);
-  return Reading(ParseTextPropertyList(source), Serialisation::Text);
+  if (LooksLikeXml(source.text))
+    return Reading(ParseXmlPropertyList(source, places), Serialisation::Xml);
+  return Reading(ParseTextPropertyList(source, places), Serialisation::Text);
 }
 
 }  // namespace fernwick

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "value/property_value.h"
+#include "value/value_places.h"
 
 namespace fernwick {
 
@@ -23,7 +24,8 @@ struct PropertyListReading {
 };
 
 /// Detects the serialisation from the content alone and reads the one value that `bytes` hold. The
-/// value shares the buffer. No input of any size or depth makes it crash or hang.
-PropertyListReading ReadPropertyList(std::string bytes);
+/// value shares the buffer. No input of any size or depth makes it crash or hang. A recorder learns
+/// where each value stands.
+PropertyListReading ReadPropertyList(std::string bytes, PlaceRecorder* places = nullptr);
 
 }  // namespace fernwick

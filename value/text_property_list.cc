@@ -13,8 +13,8 @@ namespace {
 
 class TextPropertyListReader {
  public:
-  explicit TextPropertyListReader(const SourceText& source)
-      : source_(source), cursor_(source.text) {}
+  TextPropertyListReader(const SourceText& source, PlaceRecorder* places)
+      : source_(source), cursor_(source.text), places_(places) {}
 
   ParseOutcome Read() {
     auto value = ReadTopLevel();
@@ -42,7 +42,9 @@ class TextPropertyListReader {
     const bool isQuoted = cursor_.LookingAtQuote();
     SharedBytes string;
     if (!ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
-    if (cursor_.LookingAt('=')) return ReadBarePairs(std::move(string));
+    BeginValue(start);
+    if (cursor_.LookingAt('=')) return ReadBarePairs(start, std::move(string));
+    EndValue();
     if (!isQuoted) {
       return cursor_.AtEnd() ? Fail(start, "one unquoted string is not a property list")
                              : Fail(cursor_.Offset(), "\"=\" was expected");
@@ -57,14 +59,35 @@ class TextPropertyListReader {
   }
 
   // "key = value;" pairs up to the end of the text, behind their first key.
-  MaybeValue ReadBarePairs(SharedBytes firstKey) {
+  MaybeValue ReadBarePairs(std::size_t start, SharedBytes firstKey) {
     std::vector<DictionaryEntry> entries;
     nesting_ = 1;
+    PlaceKey(start, firstKey);
     if (!ReadPairs(std::move(firstKey), entries)) return std::nullopt;
+    EndValue();
     return ExpectEnd(Dictionary(std::move(entries)));
   }
 
+  void BeginValue(std::size_t offset) {
+    if (places_ != nullptr) places_->BeginValue(offset);
+  }
+
+  void EndValue() {
+    if (places_ != nullptr) places_->EndValue();
+  }
+
+  void PlaceKey(std::size_t offset, const SharedBytes& key) {
+    if (places_ != nullptr) places_->Key(key, offset);
+  }
+
   MaybeValue ReadValue() {
+    BeginValue(cursor_.Offset());
+    auto value = ReadContents();
+    if (value) EndValue();
+    return value;
+  }
+
+  MaybeValue ReadContents() {
     if (cursor_.LookingAt('{')) return ReadNested(&TextPropertyListReader::ReadDictionary);
     if (cursor_.LookingAt('(')) return ReadNested(&TextPropertyListReader::ReadArray);
     if (cursor_.LookingAt('<')) {
@@ -109,7 +132,7 @@ class TextPropertyListReader {
     if (!cursor_.SkipBlanks()) return std::nullopt;
     if (!AtEndOfPairs()) {
       SharedBytes key;
-      if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return std::nullopt;
+      if (!ReadKey(key)) return std::nullopt;
       if (!ReadPairs(std::move(key), entries)) return std::nullopt;
     }
     if (!cursor_.Take('}')) return Fail(start, "a dictionary does not end");
@@ -131,8 +154,15 @@ class TextPropertyListReader {
       if (closed && !cursor_.SkipBlanks()) return false;
       if (AtEndOfPairs()) return true;
       if (!closed) return cursor_.Fail(cursor_.Offset(), "\";\" was expected");
-      if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
+      if (!ReadKey(key)) return false;
     }
+  }
+
+  bool ReadKey(SharedBytes& key) {
+    const std::size_t start = cursor_.Offset();
+    if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
+    PlaceKey(start, key);
+    return true;
   }
 
   bool ReadString(SharedBytes& shared, const char* what) {
@@ -151,19 +181,21 @@ class TextPropertyListReader {
 
   const SourceText& source_;
   TextCursor cursor_;
+  PlaceRecorder* places_;  // null: nobody wants to know
   std::size_t nesting_ = 0;
   std::string scratch_;
 };
 
 }  // namespace
 
-ParseOutcome ParseTextPropertyList(const SourceText& source) {
+ParseOutcome ParseTextPropertyList(const SourceText& source, PlaceRecorder* places) {
   const std::size_t invalid = FindInvalidUtf8(source.text);
   if (invalid != NoPlace) return {{}, DescribeAt(source.text, invalid, "the text is not UTF-8")};
   if (source.endsInInvalidUtf16) {
     return {{}, DescribeAt(source.text, source.text.size(), "the text is not UTF-16")};
   }
-  return TextPropertyListReader(source).Read();
+  if (places != nullptr) places->SetText(source);
+  return TextPropertyListReader(source, places).Read();
 }
 
 }  // namespace fernwick

@@ -17,8 +17,8 @@ namespace {
 
 class XmlPropertyListReader {
  public:
-  explicit XmlPropertyListReader(const SourceText& source)
-      : source_(source), cursor_(source.text) {}
+  XmlPropertyListReader(const SourceText& source, PlaceRecorder* places)
+      : source_(source), cursor_(source.text), places_(places) {}
 
   ParseOutcome Read() {
     if (!ReadDocument()) {
@@ -71,7 +71,12 @@ class XmlPropertyListReader {
 
   bool ReadElement(const XmlStartTag& tag) {
     const auto read = ReaderOf(tag.name);
-    if (read != nullptr) return (this->*read)(tag);
+    if (read != nullptr) {
+      if (places_ != nullptr) places_->BeginValue(tag.offset);
+      if (!(this->*read)(tag)) return false;
+      if (places_ != nullptr) places_->EndValue();
+      return true;
+    }
     if (tag.name == "key")
       return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
     return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
@@ -131,6 +136,7 @@ class XmlPropertyListReader {
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
     if (!ReadSharedText(tag, key) || !cursor_.SkipMiscellany()) return false;
+    if (places_ != nullptr) places_->Key(key, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
     entries_.emplace_back(std::move(key), std::move(values_.back()));
@@ -201,6 +207,7 @@ class XmlPropertyListReader {
 
   const SourceText& source_;
   XmlCursor cursor_;
+  PlaceRecorder* places_;  // null: nobody wants to know
   std::size_t nesting_ = 0;
   std::string scratch_;
   // What has been read of the arrays and dictionaries that are still open, innermost last, so that
@@ -226,11 +233,12 @@ XmlPropertyListReader::ContentReader XmlPropertyListReader::ReaderOf(std::string
 
 }  // namespace
 
-ParseOutcome ParseXmlPropertyList(const SourceText& source) {
+ParseOutcome ParseXmlPropertyList(const SourceText& source, PlaceRecorder* places) {
   SourceText decoded;
   auto error = DecodeXmlDocument(source, decoded);
   if (!error.empty()) return {{}, std::move(error)};
-  return XmlPropertyListReader(decoded).Read();
+  if (places != nullptr) places->SetText(decoded);
+  return XmlPropertyListReader(decoded, places).Read();
 }
 
 }  // namespace fernwick
