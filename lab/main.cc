@@ -14,12 +14,11 @@ namespace {
 struct Verb {
   std::string_view name;
   const char* summary;
-  const char* help;
   int (*run)(int argumentCount, char* const arguments[]);
 };
 
 constexpr Verb Verbs[] = {
-    {"replay", "run the tool over a recorded computer", ReplayHelp, Replay},
+    {"replay", "run the tool over a recorded computer", Replay},
 };
 
 std::string Usage() {
@@ -32,13 +31,6 @@ std::string Usage() {
   return text + "\n\"fernwick-lab VERB --help\" explains one.\n";
 }
 
-int RunVerb(const Verb& verb, int argumentCount, char* const arguments[]) {
-  if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
-    return PrintResult(verb.help);
-  }
-  return verb.run(argumentCount, arguments);
-}
-
 int Main(int argumentCount, char* const arguments[]) {
   if (argumentCount < 2) {
     std::fputs(Usage().c_str(), stderr);
@@ -47,7 +39,7 @@ int Main(int argumentCount, char* const arguments[]) {
   const std::string_view name = arguments[1];
   if (name == "--help") return PrintResult(Usage());
   for (const auto& verb : Verbs) {
-    if (verb.name == name) return RunVerb(verb, argumentCount - 2, arguments + 2);
+    if (verb.name == name) return verb.run(argumentCount - 2, arguments + 2);
   }
   PrintError("there is no verb \"" + std::string(name) + "\"; see fernwick-lab --help");
   return LabStatus::BadUsage;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -9,9 +10,8 @@
 #include "driver/run.h"
 #include "lab/exit_status.h"
 #include "lab/messages.h"
-#include "platform/file_system.h"
+#include "lab/recording_file.h"
 #include "registry/recorded_registry.h"
-#include "registry/recording_reader.h"
 
 namespace fernwick::lab {
 namespace {
@@ -28,22 +28,19 @@ std::vector<char*> ToolArguments(std::string& toolName, int argumentCount,
 }  // namespace
 
 int Replay(int argumentCount, char* const arguments[]) {
+  if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
+    return PrintResult(ReplayHelp);
+  }
   if (argumentCount == 0 || arguments[0][0] == '-') {
     std::fputs(ReplayHelp, stderr);
     return LabStatus::BadUsage;
   }
-  const std::string path = arguments[0];
-  auto file = ReadWholeFile(path);
-  if (!file.bytes) {
-    PrintError(path + ": " + file.error);
-    return LabStatus::UnreadableInput;
+  auto file = LoadRecording(arguments[0]);
+  if (!file.recording) {
+    PrintError(file.error);
+    return file.status;
   }
-  auto reading = ReadRecording(*std::move(file.bytes));
-  if (!reading.recording) {
-    PrintError(path + ": " + reading.error);
-    return LabStatus::MalformedInput;
-  }
-  RecordedRegistry registry(*std::move(reading.recording));
+  RecordedRegistry registry(*std::move(file.recording));
   std::string toolName = "fernwick";
   const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
   EndWhenOutOfMemory(ExitStatus::NoMatches);

@@ -1,0 +1,54 @@
+#include "lab/output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace fernwick::lab {
+namespace {
+
+bool WriteAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+// The permissions that a new file gets from the process.
+mode_t NewFileMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return static_cast<mode_t>(0666) & ~mask;
+}
+
+// Fills the new file and gives it its name.
+bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes) {
+  const bool written =
+      WriteAll(file, bytes) && fchmod(file, NewFileMode()) == 0 && fsync(file) == 0;
+  const int error = errno;
+  const bool closed = close(file) == 0;
+  if (!written) errno = error;
+  return written && closed && std::rename(newPath.c_str(), path.c_str()) == 0;
+}
+
+}  // namespace
+
+std::string WriteOutputFile(const std::string& path, std::string_view bytes) {
+  std::string newPath = path + ".XXXXXX";
+  const int file = mkostemp(newPath.data(), O_CLOEXEC);
+  if (file < 0) return std::strerror(errno);
+  if (Finish(file, newPath, path, bytes)) return {};
+  const int error = errno;
+  unlink(newPath.c_str());
+  return std::strerror(error);
+}
+
+}  // namespace fernwick::lab

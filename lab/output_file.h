@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace fernwick::lab {
+
+/// Writes a file that appears whole or not at all: under a name of its own beside `path` first,
+/// which then takes the place of whatever stood there. Returns what went wrong; empty when nothing
+/// did.
+std::string WriteOutputFile(const std::string& path, std::string_view bytes);
+
+}  // namespace fernwick::lab
