@@ -1,0 +1,29 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "value/property_value.h"
+
+namespace fernwick::lab {
+
+/// Keeps the order in which the keys came.
+using Json = nlohmann::ordered_json;
+
+/// A property-list value in JSON, of which its kind can still be told: dictionaries, arrays,
+/// strings, booleans and integers as they are, a real as a number with a fraction or an exponent;
+/// what JSON lacks as an object of one key: {"data": "5a65"} (hexadecimal), {"date":
+/// "2026-11-20T00:00:00Z"}, {"real": "nan"} (also "inf" and "-inf").
+Json ToJson(const PropertyValue& value);
+
+/// An absent value (null) is null.
+Json ToJson(const PropertyValue* value);
+
+/// The text of a JSON document, indented by two, with a newline at the end. Bytes that are not
+/// UTF-8 (a path may hold any) become U+FFFD; control characters are escaped.
+std::string PrintJson(const Json& json);
+
+/// The same on one line: a row of ndjson.
+std::string PrintJsonRow(const Json& json);
+
+}  // namespace fernwick::lab
