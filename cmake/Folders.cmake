@@ -37,3 +37,9 @@ function(fernwick_program_tests program source)
     FERNWICK_PROGRAM="$<TARGET_FILE:fernwick>"
     FERNWICK_LAB_PROGRAM="$<TARGET_FILE:fernwick-lab>")
 endfunction()
+
+# fernwick_spy_on_lookups(PROGRAM): lets every lookup in a dictionary pass by testing/lookup_spy.
+function(fernwick_spy_on_lookups program)
+  target_link_options(${program} PRIVATE
+    LINKER:--wrap=_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE)
+endfunction()

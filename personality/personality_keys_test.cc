@@ -1,0 +1,191 @@
+#include "personality/personality_keys.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "personality/legacy_thunderbolt_check.h"
+#include "personality/legacy_usbc_check.h"
+#include "personality/personality.h"
+#include "personality/thunderbolt_check.h"
+#include "personality/usbc_check.h"
+#include "testing/dictionaries.h"
+#include "testing/lookup_spy.h"
+#include "testing/property_values.h"
+
+namespace fernwick {
+namespace {
+
+using Names = std::set<std::string>;
+
+constexpr unsigned BoardRevision = 3;
+
+// A port below a Thunderbolt controller, with everything that a record can hold.
+const HardwareRecord Port = {
+    {"RID", 2},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Port OTP Revision", 1},
+    {"Port Address", 0},
+    {"Version", 41.050000000999994},
+    {"Port UUID", "b0A1"},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"Device Model Name", "Grat"},
+    {"Device Model ID", 30},
+    {"Device Model Revision", 1},
+    {"Firmware Mode", true},
+    {"Ridge UID", 0x5A3},
+    {"Engineering Version", 0},
+};
+
+// A value under each key that is checked, as a single value where that can match.
+const Personality Update = {
+    {"Version", 42},
+    {"Existing Min Version", 41},
+    {"Existing Max Version", 42},
+    {"Port Address", 0},
+    {"RID", 2},
+    {"MinBoardRevision", 3},
+    {"MaxBoardRevision", 3},
+    {"Port Silicon Vendor ID", 0x4D1},
+    {"Port Silicon Device ID", 18},
+    {"Port Silicon Revision", 7},
+    {"Port OTP Revision", 1},
+    {"Port UUID", Array{"b0A1"}},
+    {"Ridge Silicon Vendor ID", 0x5A86},
+    {"Ridge Silicon Device ID", 0x1D3},
+    {"Ridge Silicon Revision", 4},
+    {"Ridge UID", 0x5A3},
+    {"Device Model Name", "Grat"},
+    {"Device Model ID", 30},
+    {"Device Model Revision", 1},
+    {"Firmware Mode", true},
+};
+
+struct TypeCheck {
+  TypeSet type;
+  bool (*applies)(const Personality&, RequirementRecorder*);
+};
+
+const std::vector<TypeCheck> Checks = {
+    {Types::LegacyThunderbolt,
+     [](const Personality& personality, RequirementRecorder* recorder) {
+       return CheckLegacyThunderboltRequirements(personality, Port, 0, recorder);
+     }},
+    {Types::Thunderbolt,
+     [](const Personality& personality, RequirementRecorder* recorder) {
+       return CheckThunderboltRequirements(personality, Port, BoardRevision, recorder);
+     }},
+    {Types::LegacyUsbc,
+     [](const Personality& personality, RequirementRecorder* recorder) {
+       return CheckLegacyUsbcRequirements(personality, Port, recorder);
+     }},
+    {Types::Usbc,
+     [](const Personality& personality, RequirementRecorder* recorder) {
+       return CheckUsbcRequirements(personality, Port, BoardRevision, recorder);
+     }},
+};
+
+template <typename Predicate>
+Names NamesWhere(Predicate holds) {
+  Names names;
+  for (const auto& key : PersonalityKeys()) {
+    if (holds(key)) names.emplace(key.name);
+  }
+  return names;
+}
+
+TEST(PersonalityKeys, AreExactlyThoseThatTheCheckOfEachTypeLooksUp) {
+  for (const auto& [type, applies] : Checks) {
+    const testing::LookupSpy spy(Update);
+    RequirementRecorder recorder;
+    EXPECT_TRUE(applies(Update, &recorder)) << type;
+    const auto checked = [&](const PersonalityKey& key) { return (key.checkedBy & type) != 0; };
+    EXPECT_EQ(spy.Keys(), NamesWhere(checked)) << type;
+  }
+}
+
+TEST(PersonalityKeys, AreRequiredWhereAPersonalityWithoutAnyLacksThem) {
+  for (const auto& [type, applies] : Checks) {
+    RequirementRecorder recorder;
+    EXPECT_FALSE(applies({}, &recorder)) << type;
+    Names lacking;
+    for (const auto& failure : recorder.Failures()) {
+      EXPECT_EQ(failure.shortfall, Shortfall::PersonalityLacksKey) << failure.key;
+      lacking.emplace(failure.key);
+    }
+    const auto required = [&](const PersonalityKey& key) {
+      return (key.checkedBy & key.requiredBy & type) != 0;
+    };
+    EXPECT_EQ(lacking, NamesWhere(required)) << type;
+  }
+}
+
+// Every form of a value that some key accepts or might be thought to.
+std::vector<PropertyValue> FormsOf(const PropertyValue& single) {
+  return {single,
+          Array{single},
+          "x",
+          Array{"x"},
+          Array{},
+          Dictionary{{"x", single}},
+          Date{5},
+          testing::Bytes("x"),
+          Array{Array{single}},
+          Array{"x", 5, single}};
+}
+
+// Whether the kind lets the form, which holds `single`, match.
+bool Accepts(KeyKind kind, const PropertyValue& form, const PropertyValue& single) {
+  const auto* list = form.AsArray();
+  const bool isHeld = list != nullptr && !list->empty() && list->back() == single;
+  switch (kind) {
+    case KeyKind::Number: return form == single;
+    case KeyKind::NumberOrList:
+    case KeyKind::StringOrList: return form == single || isHeld;
+    case KeyKind::ListOfStrings: return isHeld;
+    default: return false;
+  }
+}
+
+TEST(PersonalityKeys, HaveTheKindThatTheChecksAccept) {
+  for (const auto& key : PersonalityKeys()) {
+    if (key.checkedBy == Types::None) continue;
+    const auto* value = Update.Find(key.name);
+    ASSERT_NE(value, nullptr) << key.name;
+    const auto single = value->AsArray() == nullptr ? *value : value->AsArray()->front();
+    for (const auto& form : FormsOf(single)) {
+      const auto update = testing::With(Update, testing::Holding(key.name, form));
+      for (const auto& [type, applies] : Checks) {
+        const bool isChecked = (key.checkedBy & type) != 0;
+        EXPECT_EQ(applies(update, nullptr), !isChecked || Accepts(key.kind, form, single))
+            << key.name << " under " << type << ": " << ::testing::PrintToString(form);
+      }
+    }
+  }
+}
+
+TEST(PersonalityKeys, AreFoundByTheirExactName) {
+  for (const auto& key : PersonalityKeys()) EXPECT_EQ(FindPersonalityKey(key.name), &key);
+  EXPECT_EQ(FindPersonalityKey("version"), nullptr);
+  EXPECT_EQ(FindPersonalityKey("Version "), nullptr);
+  EXPECT_EQ(FindPersonalityKey(""), nullptr);
+  EXPECT_EQ(FindPersonalityKey("Personality Type"), nullptr);
+}
+
+TEST(TypeNamed, IsExact) {
+  EXPECT_EQ(TypeNamed("LegacyThunderbolt"), Types::LegacyThunderbolt);
+  EXPECT_EQ(TypeNamed("Thunderbolt"), Types::Thunderbolt);
+  EXPECT_EQ(TypeNamed("LegacyUSBC"), Types::LegacyUsbc);
+  EXPECT_EQ(TypeNamed("USBC"), Types::Usbc);
+  EXPECT_EQ(TypeNamed("usbc"), Types::None);
+  EXPECT_EQ(TypeNamed(""), Types::None);
+}
+
+}  // namespace
+}  // namespace fernwick
