@@ -25,6 +25,7 @@ constexpr char Usage[] =
     "\n"
     "verbs:\n"
     "  replay     run the tool over a recorded computer\n"
+    "  show       show what a recorded computer holds and what the tool sees of it\n"
     "\n"
     "\"fernwick-lab VERB --help\" explains one.\n";
 

@@ -6,6 +6,7 @@
 #include "lab/exit_status.h"
 #include "lab/messages.h"
 #include "lab/replay.h"
+#include "lab/show.h"
 
 namespace fernwick::lab {
 namespace {
@@ -19,6 +20,7 @@ struct Verb {
 
 constexpr Verb Verbs[] = {
     {"replay", "run the tool over a recorded computer", Replay},
+    {"show", "show what a recorded computer holds and what the tool sees of it", Show},
 };
 
 std::string Usage() {

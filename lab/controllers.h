@@ -1,0 +1,24 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string_view>
+
+#include "registry/hardware_record.h"
+#include "registry/recorded_registry.h"
+
+namespace fernwick::lab {
+
+/// The controllers of one kind in a recorded computer, and which of them its inventory lists.
+struct Controllers {
+  std::string_view kind;  // "Thunderbolt controller" or "USB-C port controller"
+  // By entry: the place in the inventory, from 1; 0 for a controller that it passes over.
+  std::map<RegistryEntry, std::size_t> places = {};
+  HardwareInventory inventory = {};
+  bool endsRun = false;  // taking the inventory ends the run abnormally: nothing is listed
+};
+
+Controllers FindThunderboltControllers(const Recording& recording);
+Controllers FindPortControllers(const Recording& recording);
+
+}  // namespace fernwick::lab

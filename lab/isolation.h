@@ -1,0 +1,11 @@
+#pragma once
+
+#include <functional>
+
+namespace fernwick::lab {
+
+/// Tries `work` in a process of its own, which prints nothing. Returns the signal that ended it, or
+/// 0 when it came to its end.
+int SignalThatEnds(const std::function<void()>& work);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "lab/controllers.h"
+#include "lab/json_values.h"
+#include "registry/board_identity.h"
+#include "registry/recorded_registry.h"
+
+namespace fernwick::lab {
+
+/// What there is to show of a recorded computer.
+struct ShownComputer {
+  Recording recording;
+  BoardIdentity board;
+  Controllers thunderbolt;
+  Controllers ports;
+};
+
+ShownComputer LookAt(Recording recording);
+
+/// As a text for people, `plane` alone or every plane, which then go by name.
+std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& plane);
+
+/// The same in JSON.
+Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& plane);
+
+}  // namespace fernwick::lab
