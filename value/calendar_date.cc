@@ -76,4 +76,8 @@ std::optional<Date> DateFromSecondsSince2001(double seconds) {
   return Date{Start2001 + static_cast<std::int64_t>(whole)};
 }
 
+double SecondsSince2001(Date date) {
+  return static_cast<double>(date.seconds - Start2001);
+}
+
 }  // namespace fernwick

@@ -19,4 +19,7 @@ std::string FormatDate(Date date);
 /// nothing when it lies outside the years 1 to 9999.
 std::optional<Date> DateFromSecondsSince2001(double seconds);
 
+/// The other way round, exact.
+double SecondsSince2001(Date date);
+
 }  // namespace fernwick

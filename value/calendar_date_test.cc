@@ -111,5 +111,12 @@ TEST(CalendarDate, SecondsSince2001BeyondEveryCalendarAreNoDate) {
   }
 }
 
+TEST(SecondsSince2001, AreThoseThatTheDateIsMadeFrom) {
+  EXPECT_EQ(SecondsSince2001(Date{978307200}), 0);
+  for (const double seconds : {-63113904000.0, -1.0, 1.0, 252423993599.0}) {
+    EXPECT_EQ(SecondsSince2001(*DateFromSecondsSince2001(seconds)), seconds);
+  }
+}
+
 }  // namespace
 }  // namespace fernwick
