@@ -26,6 +26,8 @@ constexpr char Usage[] =
     "verbs:\n"
     "  replay     run the tool over a recorded computer\n"
     "  show       show what a recorded computer holds and what the tool sees of it\n"
+    "  convert    write a recorded computer in another serialisation\n"
+    "  redact     write recorded computers without what identifies them\n"
     "\n"
     "\"fernwick-lab VERB --help\" explains one.\n";
 

@@ -3,8 +3,10 @@
 #include <string_view>
 
 #include "driver/process.h"
+#include "lab/convert.h"
 #include "lab/exit_status.h"
 #include "lab/messages.h"
+#include "lab/redact.h"
 #include "lab/replay.h"
 #include "lab/show.h"
 
@@ -21,6 +23,8 @@ struct Verb {
 constexpr Verb Verbs[] = {
     {"replay", "run the tool over a recorded computer", Replay},
     {"show", "show what a recorded computer holds and what the tool sees of it", Show},
+    {"convert", "write a recorded computer in another serialisation", Convert},
+    {"redact", "write recorded computers without what identifies them", Redact},
 };
 
 std::string Usage() {

@@ -275,8 +275,11 @@ class RecordingReader {
 }  // namespace
 
 RecordingReading ReadRecording(std::string bytes) {
-  auto reading = ReadPropertyList(std::move(bytes));
-  if (!reading.value) return {std::nullopt, std::move(reading.error)};
+  return InterpretRecording(ReadPropertyList(std::move(bytes)));
+}
+
+RecordingReading InterpretRecording(const PropertyListReading& reading) {
+  if (!reading.value) return {std::nullopt, reading.error};
   if (reading.serialisation == Serialisation::Text) {
     return {std::nullopt, "a recording is an XML or binary property list, not the old text form"};
   }

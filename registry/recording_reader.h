@@ -4,6 +4,7 @@
 #include <string>
 
 #include "registry/recorded_registry.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick {
 
@@ -17,6 +18,9 @@ struct RecordingReading {
 /// first fault refuses it whole. A fault of a node is told with the path to the node, such as
 /// "Planes/IOService/Children[2]/Children[0]".
 RecordingReading ReadRecording(std::string bytes);
+
+/// As above, from what became of reading the property list.
+RecordingReading InterpretRecording(const PropertyListReading& reading);
 
 /// As above, from the property list's value.
 RecordingReading InterpretRecording(const PropertyValue& value);

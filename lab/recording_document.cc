@@ -1,0 +1,37 @@
+#include "lab/recording_document.h"
+
+#include <utility>
+
+#include "lab/exit_status.h"
+#include "lab/messages.h"
+#include "lab/output_file.h"
+#include "platform/file_system.h"
+#include "registry/recording_reader.h"
+#include "value/binary_property_list_writer.h"
+#include "value/property_list_writer.h"
+
+namespace fernwick::lab {
+
+RecordingDocument LoadRecordingDocument(const std::string& path) {
+  const auto fail = [&](const std::string& error, int status) {
+    return RecordingDocument{{}, Serialisation::None, path + ": " + error, status};
+  };
+  auto file = ReadWholeFile(path);
+  if (!file.bytes) return fail(file.error, LabStatus::UnreadableInput);
+  auto reading = ReadPropertyList(*std::move(file.bytes));
+  const auto recording = InterpretRecording(reading);
+  if (!recording.recording) return fail(recording.error, LabStatus::MalformedInput);
+  return {std::move(reading.value), reading.serialisation, {}, LabStatus::Done};
+}
+
+int WriteRecordingDocument(const std::string& path, const PropertyValue& value,
+                           Serialisation form) {
+  const auto error =
+      WriteOutputFile(path, form == Serialisation::Binary ? WriteBinaryPropertyList(value)
+                                                          : WriteXmlPropertyList(value) + "\n");
+  if (error.empty()) return LabStatus::Done;
+  PrintError(path + ": " + error);
+  return LabStatus::OutputLost;
+}
+
+}  // namespace fernwick::lab
