@@ -14,11 +14,11 @@ constexpr TypeSet RidgeSilicon = Types::Thunderbolt | Types::LegacyThunderbolt;
 
 // clang-format off
 constexpr PersonalityKey Keys[] = {
-    {"Version", Number, Types::All, Types::All, Types::None,
+    {"Version", OneNumber, Types::All, Types::All, Types::None,
      "version of the firmware image, newer than the installed one"},
-    {"Existing Min Version", Number, Types::All, Types::None, Types::None,
+    {"Existing Min Version", OneNumber, Types::All, Types::None, Types::None,
      "lowest installed version that may be updated"},
-    {"Existing Max Version", Number, Types::All, Types::None, Types::None,
+    {"Existing Max Version", OneNumber, Types::All, Types::None, Types::None,
      "highest installed version that may be updated"},
     {"Port Address", NumberOrList, Types::Ports, Types::None, Types::None,
      "addresses of port controllers"},

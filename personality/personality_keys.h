@@ -24,7 +24,7 @@ TypeSet TypeNamed(std::string_view topLevelKey);
 /// What a personality has to hold under a key for it to have an effect. An integer, a real and a
 /// boolean are numbers.
 enum class KeyKind {
-  Number,
+  OneNumber,
   NumberOrList,     // a number or an array of numbers
   StringOrList,     // a string or an array of strings
   ListOfStrings,    // an array of strings; a single string matches nothing

@@ -145,7 +145,7 @@ bool Accepts(KeyKind kind, const PropertyValue& form, const PropertyValue& singl
   const auto* list = form.AsArray();
   const bool isHeld = list != nullptr && !list->empty() && list->back() == single;
   switch (kind) {
-    case KeyKind::Number: return form == single;
+    case KeyKind::OneNumber: return form == single;
     case KeyKind::NumberOrList:
     case KeyKind::StringOrList: return form == single || isHeld;
     case KeyKind::ListOfStrings: return isHeld;
