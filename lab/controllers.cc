@@ -11,25 +11,7 @@
 namespace fernwick::lab {
 namespace {
 
-// A recorded computer all of whose services but one are hidden from matching: whether the inventory
-// lists that one is then the inventory's own answer.
-class OneServiceRegistry : public RecordedRegistry {
- public:
-  explicit OneServiceRegistry(const Recording& recording) : RecordedRegistry(recording) {}
-
-  void ShowOnly(RegistryEntry service) { service_ = service; }
-
-  RegistryEntry NextEntry(RegistryEntry iterator) override {
-    RegistryEntry entry = RecordedRegistry::NextEntry(iterator);
-    while (entry != 0 && entry != service_) entry = RecordedRegistry::NextEntry(iterator);
-    return entry;
-  }
-
- private:
-  RegistryEntry service_ = 0;
-};
-
-using Collect = HardwareInventory (*)(Registry&);
+using Collect = HardwareInventory (*)(Registry&, InventoryRecorder*);
 
 Controllers FindControllers(const Recording& recording, std::string_view kind,
                             std::string_view className, Collect collect) {
@@ -37,17 +19,14 @@ Controllers FindControllers(const Recording& recording, std::string_view kind,
   RecordedRegistry registry(recording);
   ForEachService(registry, className,
                  [&](RegistryEntry entry) { controllers.places.emplace(entry, 0); });
-  if (SignalThatEnds([&] { collect(registry); }) != 0) {
+  if (SignalThatEnds([&] { collect(registry, nullptr); }) != 0) {
     controllers.endsRun = true;
     return controllers;
   }
-  controllers.inventory = collect(registry);
-  std::size_t listed = 0;
-  OneServiceRegistry alone(recording);
-  ForEachService(registry, className, [&](RegistryEntry entry) {
-    alone.ShowOnly(entry);
-    if (collect(alone)) controllers.places[entry] = ++listed;
-  });
+  InventoryRecorder recorder;
+  controllers.inventory = collect(registry, &recorder);
+  std::size_t place = 0;
+  for (const auto& source : recorder.listed) controllers.places[source.Controller()] = ++place;
   return controllers;
 }
 

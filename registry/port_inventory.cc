@@ -58,9 +58,10 @@ RegistryEntry ThunderboltAncestor(Registry& registry, RegistryEntry port) {
   return ancestor;
 }
 
-// The record of one port, or nothing for a port that is not to be listed.
+// The record of one port, or nothing for a port that is not to be listed. `source` learns where its
+// values were read.
 std::optional<HardwareRecord> DescribePort(Registry& registry, RegistryEntry port,
-                                           RegistryStatus& uuidStatus) {
+                                           RegistryStatus& uuidStatus, RecordSource& source) {
   HardwareRecord record;
   FillIntegers(registry, port, record,
                {{"RID", "RID"},
@@ -73,22 +74,30 @@ std::optional<HardwareRecord> DescribePort(Registry& registry, RegistryEntry por
   // The address is read and written a second time: the sequence of reads is part of what a registry
   // sees, and the flag stays that of the first.
   FillAddress(registry, port, record);
+  source = {.port = port,
+            .rid = record.Find("RID") == nullptr ? Origin::Nowhere : Origin::Port,
+            .version = record.Find("Version") == nullptr ? Origin::Nowhere : Origin::Port,
+            .uuidFetched = uuidStatus == RegistrySuccess};
   FillUuid(registry, port, record, uuidStatus);
   const RegistryEntry ancestor = ThunderboltAncestor(registry, port);
   if (ancestor == 0) return record;
-  FillThunderboltFields(registry, ancestor, &record);
+  FillThunderboltFields(registry, ancestor, &record, &source);
   if (hasNonZeroAddress) return std::nullopt;
   return record;
 }
 
 }  // namespace
 
-HardwareInventory CollectPortControllers(Registry& registry) {
+HardwareInventory CollectPortControllers(Registry& registry, InventoryRecorder* recorder) {
   std::vector<HardwareRecord> ports;
   RegistryStatus uuidStatus = RegistrySuccess;
   ForEachService(registry, PortControllerClass, [&](RegistryEntry port) {
-    if (!IsOwnPort(registry, port)) return;
-    if (auto record = DescribePort(registry, port, uuidStatus)) ports.push_back(*std::move(record));
+    if (!IsOwnPort(registry, port)) return Omit(port, Omission::RouteString, recorder);
+    RecordSource source;
+    auto record = DescribePort(registry, port, uuidStatus, source);
+    if (!record) return Omit(port, Omission::AddressBelowThunderbolt, recorder);
+    List(source, recorder);
+    ports.push_back(*std::move(record));
   });
   return NonEmpty(std::move(ports));
 }

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "registry/hardware_record.h"
+#include "registry/inventory_recorder.h"
 #include "registry/registry.h"
 
 namespace fernwick {
@@ -12,7 +13,8 @@ inline constexpr std::string_view PortControllerClass = "QuinceHPMDevice";
 
 /// The computer's own USB-C port controllers: those whose "Route String" is absent or 0. One that
 /// sits below a Thunderbolt controller carries that one's fields too, and is listed only when its
-/// "Address" is absent or 0. Taken afresh each time.
-HardwareInventory CollectPortControllers(Registry& registry);
+/// "Address" is absent or 0. Taken afresh each time. A recorder learns where each is and changes
+/// nothing.
+HardwareInventory CollectPortControllers(Registry& registry, InventoryRecorder* recorder = nullptr);
 
 }  // namespace fernwick

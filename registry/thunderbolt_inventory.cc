@@ -22,11 +22,13 @@ bool IsAtRootOfTopology(Registry& registry, RegistryEntry controller) {
          depth == 0;
 }
 
-void FillRid(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+void FillRid(Registry& registry, RegistryEntry controller, HardwareRecord& record,
+             RecordSource& source) {
   if (record.Find("RID") != nullptr) return;
   std::uint64_t uid = 0;
   if (ReadU64Property(registry, controller, "UID", uid) != RegistrySuccess) return;
   record.Set("RID", static_cast<std::int32_t>(uid & 0xF));
+  source.rid = Origin::Thunderbolt;
 }
 
 void FillDeviceModel(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
@@ -59,29 +61,39 @@ double FirmwareVersion(std::uint32_t rom, std::uint32_t eeprom) {
   return std::trunc(major * 100.0 + minor) / 100.0 + 0.000000001;
 }
 
-void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
+void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record,
+                 RecordSource& source) {
   std::uint32_t rom = 0;
   if (ReadU32Property(registry, controller, "ROM Version", rom) != RegistrySuccess) return;
   std::uint32_t eeprom = 0;
   ReadU32Property(registry, controller, "EEPROM Revision", eeprom);  // 0 when it does not read
   record.Set("Version", FirmwareVersion(rom, eeprom));
   record.Set("Engineering Version", static_cast<std::uint8_t>(eeprom & 0xC0));
+  source.version = Origin::Thunderbolt;
 }
 
 }  // namespace
 
-HardwareInventory CollectThunderboltControllers(Registry& registry) {
+HardwareInventory CollectThunderboltControllers(Registry& registry, InventoryRecorder* recorder) {
   std::vector<HardwareRecord> controllers;
   ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
-    if (!IsAtRootOfTopology(registry, controller)) return;
-    FillThunderboltFields(registry, controller, &controllers.emplace_back());
+    if (!IsAtRootOfTopology(registry, controller)) {
+      return Omit(controller, Omission::NotAtRootOfTopology, recorder);
+    }
+    RecordSource source;
+    FillThunderboltFields(registry, controller, &controllers.emplace_back(), &source);
+    List(source, recorder);
   });
   return NonEmpty(std::move(controllers));
 }
 
-void FillThunderboltFields(Registry& registry, RegistryEntry controller, HardwareRecord* record) {
+void FillThunderboltFields(Registry& registry, RegistryEntry controller, HardwareRecord* record,
+                           RecordSource* source) {
   if (record == nullptr) return;
-  FillRid(registry, controller, *record);
+  RecordSource unasked;
+  if (source == nullptr) source = &unasked;
+  source->thunderbolt = controller;
+  FillRid(registry, controller, *record, *source);
   FillIntegers(registry, controller, *record,
                {{"Vendor ID", "Ridge Silicon Vendor ID"},
                 {"Device ID", "Ridge Silicon Device ID"},
@@ -89,7 +101,7 @@ void FillThunderboltFields(Registry& registry, RegistryEntry controller, Hardwar
   FillDeviceModel(registry, controller, *record);
   FillFirmwareMode(registry, controller, *record);
   FillUid(registry, controller, *record);
-  FillVersion(registry, controller, *record);
+  FillVersion(registry, controller, *record, *source);
 }
 
 }  // namespace fernwick

@@ -17,7 +17,7 @@ std::pair<CallList, HardwareInventory> AfterFailedMatching(const Computer& compu
                                                            bool withIterator) {
   LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(status, withIterator);
-  auto inventory = collect(registry);
+  auto inventory = collect(registry, nullptr);
   return {registry.Calls(), std::move(inventory)};
 }
 
