@@ -24,6 +24,14 @@ std::optional<std::string> BoardDirectory(
   return AppendPathComponent(*personalitiesDirectory, *boardIdString);
 }
 
+std::optional<std::string> ConfigurationPath(
+    const std::optional<std::string>& boardIdString,
+    const std::optional<std::string>& personalitiesDirectory) {
+  const auto directory = BoardDirectory(boardIdString, personalitiesDirectory);
+  if (!directory) return std::nullopt;
+  return AppendPathComponent(*directory, "Config.plist");
+}
+
 std::optional<PropertyValue> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory) {
@@ -32,7 +40,7 @@ std::optional<PropertyValue> LoadPersonalityConfiguration(
     PlatformLog("Error reading plist: No files to support boardID: %@", {boardIdString});
     return std::nullopt;
   }
-  const auto path = AppendPathComponent(*directory, "Config.plist");
+  const auto path = *ConfigurationPath(boardIdString, personalitiesDirectory);
   if (!PathExists(path)) {
     PlatformLog("Error reading plist: No config file for this project");
     return std::nullopt;

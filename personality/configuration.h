@@ -12,6 +12,11 @@ namespace fernwick {
 std::optional<std::string> BoardDirectory(const std::optional<std::string>& boardIdString,
                                           const std::optional<std::string>& personalitiesDirectory);
 
+/// The board's configuration, "Config.plist" in that directory. Absent when the directory is.
+std::optional<std::string> ConfigurationPath(
+    const std::optional<std::string>& boardIdString,
+    const std::optional<std::string>& personalitiesDirectory);
+
 /// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns its
 /// top-level value, of whatever kind, or nothing after one line in the PlatformLog: there is no
 /// such directory, no such file, or it cannot be read or parsed.

@@ -121,6 +121,13 @@ const Dictionary SmallValue = {
     {"LegacyUSBC", Dictionary{{"Version", 41.05}}},
 };
 
+TEST(ConfigurationPath, IsTheFileInTheDirectoryOfTheBoard) {
+  EXPECT_EQ(ConfigurationPath("Zed-42", "/P//Fernwick/"), "/P//Fernwick/Zed-42/Config.plist");
+  EXPECT_EQ(ConfigurationPath("", "/P/Fernwick/"), "/P/Fernwick/Config.plist");
+  EXPECT_EQ(ConfigurationPath(std::nullopt, "/P/Fernwick/"), std::nullopt);
+  EXPECT_EQ(ConfigurationPath("Zed-42", std::nullopt), std::nullopt);
+}
+
 TEST(BoardDirectory, IsThePersonalitiesDirectoryWithTheIdentifierAppended) {
   EXPECT_EQ(BoardDirectory("Zed-42", "/P/Fernwick/"), "/P/Fernwick/Zed-42");
   EXPECT_EQ(BoardDirectory("Zed-42", "/P/Fernwick"), "/P/Fernwick/Zed-42");

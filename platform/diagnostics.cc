@@ -7,6 +7,8 @@
 
 namespace fernwick {
 
+void (*AbnormalEndObserver)(const char* fault) = nullptr;
+
 void WriteDiagnostic(const char* message) {
   std::fputs(message, stderr);
   std::fflush(stderr);
@@ -15,6 +17,7 @@ void WriteDiagnostic(const char* message) {
 void EndAbnormally(const char* fault) {
   openlog("fernwick", 0, LOG_USER);
   syslog(LOG_CRIT, "%s", fault);
+  if (AbnormalEndObserver != nullptr) AbnormalEndObserver(fault);
   std::abort();
 }
 

@@ -11,4 +11,7 @@ void WriteDiagnostic(const char* message);
 /// buffer, nor standard error.
 [[noreturn]] void EndAbnormally(const char* fault);
 
+/// Told of the fault before the process ends abnormally. Null, as the tool leaves it: nobody is.
+extern void (*AbnormalEndObserver)(const char* fault);
+
 }  // namespace fernwick

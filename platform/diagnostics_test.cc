@@ -60,6 +60,18 @@ TEST(EndAbnormally, StaysSilentBehindALineOfTheLog) {
       "fernwick: a line\n");
 }
 
+TEST(EndAbnormally, TellsAnObserverOfTheFault) {
+  EXPECT_EXIT(
+      {
+        AbnormalEndObserver = [](const char* fault) {
+          std::fputs(fault, stderr);
+          _exit(3);
+        };
+        EndAbnormally("a fault");
+      },
+      ::testing::ExitedWithCode(3), ::testing::Eq("a fault"));
+}
+
 TEST(EndAbnormally, TakesPercentSignsAsText) {
   ExpectAbnormalEnd([] { EndAbnormally("%s %n"); });
 }
