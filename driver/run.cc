@@ -37,7 +37,7 @@ BoardIdentity ReadBoardIdentity(Registry& registry) {
 
 // Turns the matches into the plan and prints it.
 int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& identity,
-              const Options& options, Output& out) {
+              const Options& options, Output& out, RunRecorder* recorder) {
   PlanValues plan;
   InvocationBuilder builder(*options.personalitiesDirectory, identity.boardIdString);
   if (options.verbose) PrintMatchReportHeader(out);
@@ -47,6 +47,7 @@ int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& iden
     if (!builder.AddMatch(match, plan, options.verbose ? &out : nullptr)) {
       return ExitStatus::NoMatches;
     }
+    if (recorder != nullptr) ++recorder->plannedMatches;
   }
   builder.FinishInvocation();
   if (options.verbose) builder.PrintInvocation(out);
@@ -66,13 +67,17 @@ int RunWithOptions(const Options& options, Registry& registry, Output& out, RunR
                                           recorder == nullptr ? nullptr : &recorder->matching);
   if (!matches) return ExitStatus::NoMatches;
   if (recorder != nullptr) recorder->matches = *matches;
-  return PrintPlan(*matches, identity, options, out);
+  return PrintPlan(*matches, identity, options, out, recorder);
 }
 
 int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out,
                 RunRecorder* recorder) {
   BypassVersionCheck = 0;
   ReadSwitches(registry);
+  if (recorder != nullptr) {
+    recorder->bypassesUpdates = BypassUsbcUpdates != 0;
+    recorder->switchBypassesVersion = BypassVersionCheck != 0;
+  }
   if (BypassUsbcUpdates != 0) {
     // The options have not been read: not even the verbose one has an effect here.
     out.Write("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n");

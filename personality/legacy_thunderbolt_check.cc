@@ -18,6 +18,7 @@ constexpr RequirementSet Requirements[] = {
 bool CheckLegacyThunderboltRequirements(const Personality& personality,
                                         const HardwareRecord& hardware, int /*ignored*/,
                                         RequirementRecorder* recorder) {
+  const CheckScope scope(PersonalityType::LegacyThunderbolt, recorder);
   return AllMet(
       recorder,
       [&] { return FirmwareVersionWindow(personality, hardware, EngineeringGate::Off, recorder); },

@@ -6,6 +6,7 @@ namespace fernwick {
 
 bool CheckLegacyUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
                                  RequirementRecorder* recorder) {
+  const CheckScope scope(PersonalityType::LegacyUsbc, recorder);
   return AllMet(
       recorder,
       [&] { return FirmwareVersionWindow(personality, hardware, EngineeringGate::On, recorder); },

@@ -7,6 +7,7 @@
 
 #include "personality/requirement_recorder.h"
 #include "registry/hardware_record.h"
+#include "registry/inventory_recorder.h"
 #include "value/property_value.h"
 
 namespace fernwick {
@@ -40,6 +41,7 @@ struct ControllerDecisions {
 struct KeyDecisions {
   std::string key;
   std::vector<ControllerDecisions> controllers = {};
+  InventoryRecorder inventory = {};
 
   friend bool operator==(const KeyDecisions&, const KeyDecisions&) = default;
 };

@@ -28,8 +28,8 @@ class KeyMatcher {
   // Gives each controller the first personality of the array that passes `check`.
   template <typename Check>
   void MatchFirstOfEach(const PropertyValue& personalities, Check check) {
-    const auto* candidates = personalities.AsArray();
-    if (candidates == nullptr || !controllers_) return;
+    const auto candidates = PersonalitiesOf(type_, personalities);
+    if (!candidates || !controllers_) return;
     for (std::size_t i = 0; i < controllers_->size(); ++i) {
       auto candidate = candidates->begin();
       while (candidate != candidates->end() && !Matches(*candidate++, i, check)) continue;
@@ -40,7 +40,7 @@ class KeyMatcher {
   // The one type whose value is a single personality, which may apply to several ports.
   template <typename Check>
   void MatchSingle(const PropertyValue& value, Check check) {
-    if (value.AsDictionary() == nullptr || !controllers_) return;
+    if (!PersonalitiesOf(type_, value) || !controllers_) return;
     for (std::size_t i = 0; i < controllers_->size(); ++i) Matches(value, i, check);
   }
 
@@ -83,13 +83,17 @@ auto WithBoardRevision(bool (*check)(const Personality&, const HardwareRecord&, 
   };
 }
 
+InventoryRecorder* InventoryOf(KeyDecisions* recording) {
+  return recording == nullptr ? nullptr : &recording->inventory;
+}
+
 void MatchThunderboltControllers(Registry& registry, const PropertyValue& value,
                                  KeyDecisions* recording, std::vector<MatchRecord>& matches) {
   const auto check = [](const Personality& personality, const HardwareRecord& controller,
                         RequirementRecorder* recorder) {
     return CheckLegacyThunderboltRequirements(personality, controller, 0, recorder);
   };
-  const auto controllers = CollectThunderboltControllers(registry);
+  const auto controllers = CollectThunderboltControllers(registry, InventoryOf(recording));
   KeyMatcher(PersonalityType::LegacyThunderbolt, controllers, recording, matches)
       .MatchFirstOfEach(value, check);
 }
@@ -98,7 +102,7 @@ void MatchPortControllers(Registry& registry, std::string_view key, const Proper
                           std::uint32_t boardRevision, KeyDecisions* recording,
                           std::vector<MatchRecord>& matches) {
   // Taken for every key, also for one that names no type, and shared between none.
-  const auto ports = CollectPortControllers(registry);
+  const auto ports = CollectPortControllers(registry, InventoryOf(recording));
   KeyMatcher matcher(key, ports, recording, matches);
   if (key == PersonalityType::Thunderbolt) {
     matcher.MatchFirstOfEach(value, WithBoardRevision(CheckThunderboltRequirements, boardRevision));

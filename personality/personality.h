@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <span>
 #include <string_view>
 
 #include "value/property_value.h"
@@ -17,5 +19,11 @@ inline constexpr std::string_view Thunderbolt = "Thunderbolt";
 inline constexpr std::string_view LegacyUsbc = "LegacyUSBC";
 inline constexpr std::string_view Usbc = "USBC";
 }  // namespace PersonalityType
+
+/// The candidates that stand under a type: the elements of its array, of whatever kind, or the one
+/// dictionary of "LegacyUSBC". Nothing when the value has another shape. They live as long as
+/// `value`.
+std::optional<std::span<const PropertyValue>> PersonalitiesOf(std::string_view type,
+                                                              const PropertyValue& value);
 
 }  // namespace fernwick

@@ -11,6 +11,7 @@
 #include "personality/personality.h"
 #include "personality/thunderbolt_check.h"
 #include "personality/usbc_check.h"
+#include "testing/capture.h"
 #include "testing/dictionaries.h"
 #include "testing/lookup_spy.h"
 #include "testing/property_values.h"
@@ -154,6 +155,7 @@ bool Accepts(KeyKind kind, const PropertyValue& form, const PropertyValue& singl
 }
 
 TEST(PersonalityKeys, HaveTheKindThatTheChecksAccept) {
+  const testing::StandardErrorCapture diagnostics;
   for (const auto& key : PersonalityKeys()) {
     if (key.checkedBy == Types::None) continue;
     const auto* value = Update.Find(key.name);

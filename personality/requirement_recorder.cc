@@ -9,7 +9,18 @@ void RequirementRecorder::Add(FailedRequirement failure) {
   const bool isKept = std::ranges::any_of(failures_, [&](const FailedRequirement& kept) {
     return kept.key == failure.key && kept.shortfall == failure.shortfall;
   });
-  if (!isKept) failures_.push_back(std::move(failure));
+  if (isKept) return;
+  failure.check = check_;
+  failures_.push_back(std::move(failure));
+}
+
+CheckScope::CheckScope(std::string_view check, RequirementRecorder* recorder)
+    : recorder_(recorder) {
+  if (recorder_ != nullptr) outer_ = std::exchange(recorder_->check_, check);
+}
+
+CheckScope::~CheckScope() {
+  if (recorder_ != nullptr) recorder_->check_ = outer_;
 }
 
 }  // namespace fernwick

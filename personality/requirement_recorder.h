@@ -29,6 +29,7 @@ struct FailedRequirement {
   std::optional<PropertyValue> wanted;  // what the personality has under the key
   std::string_view hardwareKey;         // where the hardware was looked at; a literal
   std::optional<PropertyValue> found;   // what it has there; for the board revision, the board's
+  std::string_view check = {};          // the type whose own requirement it is; a literal
 
   friend bool operator==(const FailedRequirement&, const FailedRequirement&) = default;
 };
@@ -38,7 +39,8 @@ struct FailedRequirement {
 /// standard error stay the same. The production run gives none (null).
 class RequirementRecorder {
  public:
-  /// Keeps the failure, save when the same requirement has been kept before: some are held twice.
+  /// Keeps the failure, as one of the innermost open scope's check, save when the same requirement
+  /// has been kept before: some are held twice.
   void Add(FailedRequirement failure);
 
   bool HasFailures() const { return !failures_.empty(); }
@@ -47,7 +49,24 @@ class RequirementRecorder {
   const std::vector<FailedRequirement>& Failures() const { return failures_; }
 
  private:
+  friend class CheckScope;
+
+  std::string_view check_;
   std::vector<FailedRequirement> failures_;
+};
+
+/// Tells a recorder, which may be null, whose requirements are held until the end of the scope.
+class CheckScope {
+ public:
+  /// `check` is a literal.
+  CheckScope(std::string_view check, RequirementRecorder* recorder);
+  ~CheckScope();
+  CheckScope(const CheckScope&) = delete;
+  CheckScope& operator=(const CheckScope&) = delete;
+
+ private:
+  RequirementRecorder* recorder_;
+  std::string_view outer_;
 };
 
 }  // namespace fernwick

@@ -18,6 +18,7 @@ constexpr RequirementSet DeviceModel[] = {
 
 bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
                                   unsigned boardRevision, RequirementRecorder* recorder) {
+  const CheckScope scope(PersonalityType::Thunderbolt, recorder);
   return AllMet(
       recorder,
       [&] { return CheckUsbcRequirements(personality, hardware, boardRevision, recorder); },

@@ -65,6 +65,7 @@ constexpr RequirementSet PortSilicon[] = {
 
 bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
                            unsigned boardRevision, RequirementRecorder* recorder) {
+  const CheckScope scope(PersonalityType::Usbc, recorder);
   return AllMet(
       recorder, [&] { return CheckLegacyUsbcRequirements(personality, hardware, recorder); },
       [&] { return RequirementSetMatch(personality, hardware, {.key = "RID"}, recorder); },
