@@ -50,6 +50,10 @@ std::string JoinWithBlanks(const std::vector<std::string>& words) {
 
 }  // namespace
 
+std::string_view FlashingUtility(std::string_view type) {
+  return UtilityFile(FamilyOf(type));
+}
+
 InvocationBuilder::InvocationBuilder(std::string directory,
                                      std::optional<std::string> boardIdString)
     : personalitiesDirectory(std::move(directory)),
@@ -82,7 +86,7 @@ void InvocationBuilder::StartGroup(std::string_view type) {
   currentType = type;
   Append(arguments, {"/usr/sbin/hallow", "-verbose", "-mount", "/"});
   firmwarePath = personalitiesDirectory;
-  firmwarePath += UtilityFile(FamilyOf(type));
+  firmwarePath += FlashingUtility(type);
   Append(arguments, {"-firmware", firmwarePath});
   Append(trailer, {"-folder", "TBTH", "-options"});
   payloadIndex = 0;

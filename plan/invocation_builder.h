@@ -12,6 +12,10 @@
 
 namespace fernwick {
 
+/// The file of the EFI flashing utility for the type, in the `PersonalitiesDirectory`. Empty for a
+/// type without one.
+std::string_view FlashingUtility(std::string_view type);
+
 /// Builds the argument vector of the boot-target tool from the matches of one run. Each group of
 /// matches of one type gets a whole head of its own, and the payload variables count from 0 in
 /// each; all groups share the one options argument at the end.

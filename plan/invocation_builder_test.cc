@@ -262,6 +262,14 @@ std::vector<std::string> PrintedFlushes(std::initializer_list<MatchRecord> match
   return capture.Flushes();
 }
 
+TEST(FlashingUtility, IsOneOfTwoByTheExactType) {
+  EXPECT_EQ(FlashingUtility("LegacyThunderbolt"), "RidgeFlash.efi");
+  EXPECT_EQ(FlashingUtility("Thunderbolt"), "RidgeFlash.efi");
+  EXPECT_EQ(FlashingUtility("LegacyUSBC"), "PortFlash.efi");
+  EXPECT_EQ(FlashingUtility("USBC"), "PortFlash.efi");
+  EXPECT_EQ(FlashingUtility("usbc"), "");
+}
+
 TEST(PrintInvocation, QuotesTheOptionsAndEndsAtTheirQuote) {
   EXPECT_EQ(PrintedFlushes({Usbc("a.bin")}, "/P/Fernwick/"),
             (Words{"Hallow Invocation:\n",

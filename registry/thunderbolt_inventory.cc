@@ -52,22 +52,13 @@ void FillUid(Registry& registry, RegistryEntry controller, HardwareRecord& recor
   record.Set("Ridge UID", *std::move(uid));
 }
 
-// The major version is packed BCD, the minor one hundredths from 0 to 63. The truncation of a whole
-// number and the added 1e-9 belong to the stored value: 41.05 is held as 41.050000000999994, and an
-// "Existing Max Version" of 41.05 rejects it.
-double FirmwareVersion(std::uint32_t rom, std::uint32_t eeprom) {
-  const double major = DecodeBcd(rom);
-  const double minor = eeprom & 0x3F;
-  return std::trunc(major * 100.0 + minor) / 100.0 + 0.000000001;
-}
-
 void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record,
                  RecordSource& source) {
   std::uint32_t rom = 0;
   if (ReadU32Property(registry, controller, "ROM Version", rom) != RegistrySuccess) return;
   std::uint32_t eeprom = 0;
   ReadU32Property(registry, controller, "EEPROM Revision", eeprom);  // 0 when it does not read
-  record.Set("Version", FirmwareVersion(rom, eeprom));
+  record.Set("Version", ThunderboltFirmwareVersion(rom, eeprom));
   record.Set("Engineering Version", static_cast<std::uint8_t>(eeprom & 0xC0));
   source.version = Origin::Thunderbolt;
 }
@@ -102,6 +93,13 @@ void FillThunderboltFields(Registry& registry, RegistryEntry controller, Hardwar
   FillFirmwareMode(registry, controller, *record);
   FillUid(registry, controller, *record);
   FillVersion(registry, controller, *record, *source);
+}
+
+// The truncation of a whole number is part of how the value is reckoned.
+double ThunderboltFirmwareVersion(std::uint32_t rom, std::uint32_t eeprom) {
+  const double major = DecodeBcd(rom);
+  const double minor = eeprom & 0x3F;
+  return std::trunc(major * 100.0 + minor) / 100.0 + 0.000000001;
 }
 
 }  // namespace fernwick

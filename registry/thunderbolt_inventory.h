@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "registry/hardware_record.h"
@@ -23,5 +24,11 @@ HardwareInventory CollectThunderboltControllers(Registry& registry,
 /// what comes from the controller.
 void FillThunderboltFields(Registry& registry, RegistryEntry controller, HardwareRecord* record,
                            RecordSource* source = nullptr);
+
+/// The installed version that a controller with these "ROM Version" and "EEPROM Revision" is held
+/// to have. The major version is packed BCD, the minor one hundredths from 0 to 63. The added 1e-9
+/// belongs to it: 41.05 is held as 41.050000000999994, and an "Existing Max Version" of 41.05
+/// rejects it.
+double ThunderboltFirmwareVersion(std::uint32_t rom, std::uint32_t eeprom);
 
 }  // namespace fernwick
