@@ -1,6 +1,7 @@
 #include "lab/configuration_file.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "lab/exit_status.h"
@@ -10,15 +11,31 @@
 namespace fernwick::lab {
 namespace {
 
-// Where the lines of the text begin. A line ends with a line feed, a carriage return, or both in
-// that pair.
-std::vector<std::size_t> LineStarts(std::string_view text) {
-  std::vector<std::size_t> starts = {0};
+// So many bytes are counted again for each place that is asked for, however long its line.
+constexpr std::size_t MarkDistance = 1024;
+
+bool IsInsideCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+// The column of a place that lies in the line of the mark.
+std::size_t ColumnAt(std::string_view text, const TextMark& mark, std::size_t offset) {
+  return mark.column + PositionAt(text.substr(mark.offset), offset - mark.offset).column - 1;
+}
+
+// A line ends with a line feed, a carriage return, or both in that pair.
+std::vector<TextMark> MarksOf(std::string_view text) {
+  std::vector<TextMark> marks = {{0, 1, 1}};
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto last = marks.back();
     const bool endsPair = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
-    if (text[i] == '\n' || (text[i] == '\r' && !endsPair)) starts.push_back(i + 1);
+    if (text[i] == '\n' || (text[i] == '\r' && !endsPair)) {
+      marks.push_back({i + 1, last.line + 1, 1});
+    } else if (i - last.offset >= MarkDistance && !IsInsideCharacter(text[i])) {
+      marks.push_back({i, last.line, ColumnAt(text, last, i)});
+    }
   }
-  return starts;
+  return marks;
 }
 
 }  // namespace
@@ -34,14 +51,13 @@ ConfigurationFile::ConfigurationFile(PropertyValue value, Serialisation serialis
       serialisation_(serialisation),
       places_(std::move(places)),
       root_(places_.TakeRoot()),
-      lineStarts_(LineStarts(places_.Text())) {}
+      marks_(MarksOf(places_.Text())) {}
 
 FilePlace ConfigurationFile::PlaceOf(std::size_t offset) const {
   if (serialisation_ == Serialisation::Binary) return {0, 0, offset};
-  const auto next = std::ranges::upper_bound(lineStarts_, offset);
-  const std::size_t start = *std::prev(next);
-  const auto line = static_cast<std::size_t>(next - lineStarts_.begin());
-  return {line, PositionAt(places_.Text().substr(start), offset - start).column, 0};
+  const auto next = std::ranges::upper_bound(marks_, offset, {}, &TextMark::offset);
+  const auto& mark = *std::prev(next);
+  return {mark.line, ColumnAt(places_.Text(), mark, offset), 0};
 }
 
 ConfigurationLoading LoadConfiguration(const std::string& path) {

@@ -22,6 +22,14 @@ struct FilePlace {
 /// "12:7", line and column; "byte 812" in a binary file.
 std::string Describe(const FilePlace& place);
 
+/// A place in a text from which others are counted: the start of a line, or one further on in a
+/// long line.
+struct TextMark {
+  std::size_t offset;
+  std::size_t line;
+  std::size_t column;
+};
+
 /// A configuration with the place of everything in it.
 class ConfigurationFile {
  public:
@@ -41,7 +49,7 @@ class ConfigurationFile {
   Serialisation serialisation_;
   PlaceRecorder places_;
   ValuePlace root_;
-  std::vector<std::size_t> lineStarts_;
+  std::vector<TextMark> marks_;
 };
 
 /// What became of loading one.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "testing/binary_property_list_builder.h"
+#include "testing/corruption.h"
 #include "testing/temporary_directory.h"
 #include "value/text_position.h"
 
@@ -33,6 +34,19 @@ TEST(ConfigurationFile, NamesEveryPlaceAsAFaultThereWouldBeNamed) {
   const auto file = *Load(Xml).file;
   const std::string_view text = Xml;
   for (std::size_t offset = 0; offset <= text.size(); ++offset) {
+    const auto expected = PositionAt(text, offset);
+    const auto found = file.PlaceOf(offset);
+    EXPECT_EQ(found.line, expected.line) << offset;
+    EXPECT_EQ(found.column, expected.column) << offset;
+  }
+}
+
+TEST(ConfigurationFile, NamesEveryPlaceInALongLineAsAFaultThereWouldBeNamed) {
+  // Wide characters stand where a count from the middle of the line may begin.
+  const auto text =
+      "<dict>\r\n<key>" + testing::Repeated("a\xE2\x82\xAC", 1500) + "</key>\r\n<true/></dict>";
+  const auto file = *Load(text).file;
+  for (std::size_t offset = 0; offset <= text.size(); offset += 7) {
     const auto expected = PositionAt(text, offset);
     const auto found = file.PlaceOf(offset);
     EXPECT_EQ(found.line, expected.line) << offset;
