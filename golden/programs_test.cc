@@ -24,6 +24,7 @@ constexpr char Usage[] =
     "usage: fernwick-lab VERB [ARGUMENT...]\n"
     "\n"
     "verbs:\n"
+    "  lint       look for mistakes in the configurations of a payload\n"
     "  replay     run the tool over a recorded computer\n"
     "  show       show what a recorded computer holds and what the tool sees of it\n"
     "  convert    write a recorded computer in another serialisation\n"

@@ -5,6 +5,7 @@
 #include "driver/process.h"
 #include "lab/convert.h"
 #include "lab/exit_status.h"
+#include "lab/lint.h"
 #include "lab/messages.h"
 #include "lab/redact.h"
 #include "lab/replay.h"
@@ -21,6 +22,7 @@ struct Verb {
 };
 
 constexpr Verb Verbs[] = {
+    {"lint", "look for mistakes in the configurations of a payload", Lint},
     {"replay", "run the tool over a recorded computer", Replay},
     {"show", "show what a recorded computer holds and what the tool sees of it", Show},
     {"convert", "write a recorded computer in another serialisation", Convert},

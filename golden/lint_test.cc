@@ -1,0 +1,219 @@
+// `fernwick-lab lint` as a process.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/child_process.h"
+#include "testing/temporary_directory.h"
+#include "testing/unprivileged.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ChildOutcome;
+using testing::OutputTarget;
+using testing::RunChild;
+
+ChildOutcome Lint(std::vector<std::string> arguments,
+                  const std::string& directory = FERNWICK_SOURCE_DIRECTORY,
+                  OutputTarget target = OutputTarget::Captured) {
+  arguments.insert(arguments.begin(), {FERNWICK_LAB_PROGRAM, "lint"});
+  return RunChild(arguments, directory, target);
+}
+
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
+  EXPECT_EQ(found.status, expected.status);
+  EXPECT_EQ(found.standardOutput, expected.standardOutput);
+  EXPECT_EQ(found.standardError, expected.standardError);
+}
+
+constexpr char ExamplesAsText[] =
+    "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: warning: without \"Priority\" a match "
+    "of "
+    "this personality drives the plan's priority to 0 [no-priority]\n"
+    "examples/payload/Fernwick/Zed-1A09/Config.plist:5:19: error: \"Version\" is \"210\"; only a "
+    "number can match [wrong-kind]\n"
+    "5 boards: 1 error, 1 warning, 0 notes\n";
+
+TEST(Lint, OfTheExamplesFindsTheTextThatIsNoVersion) {
+  ExpectOutcome(Lint({"examples/payload"}), {"1", ExamplesAsText, ""});
+}
+
+TEST(Lint, OfNamedBoardsLooksAtEachOnce) {
+  ExpectOutcome(Lint({"examples/payload", "Zed-1A07", "Zed-1A05", "Zed-1A07"}),
+                {"0", "2 boards: 0 errors, 0 warnings, 0 notes\n", ""});
+}
+
+TEST(Lint, FailsFromTheFailLevelOn) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; }");
+  const std::string found =
+      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so what it holds "
+      "matches nothing [unknown-type]\n"
+      "1 board: 0 errors, 1 warning, 0 notes\n";
+  ExpectOutcome(Lint({"p"}, directory.Path()), {"0", found, ""});
+  ExpectOutcome(Lint({"p", "--fail-level", "error"}, directory.Path()), {"0", found, ""});
+  ExpectOutcome(Lint({"p", "--fail-level", "warning"}, directory.Path()), {"1", found, ""});
+  ExpectOutcome(Lint({"p", "--fail-level", "note"}, directory.Path()), {"1", found, ""});
+}
+
+TEST(Lint, PrintsJson) {
+  ExpectOutcome(Lint({"--format", "json", "examples/payload", "Zed-1A09"}),
+                {"1",
+                 "{\n"
+                 "  \"boards\": 1,\n"
+                 "  \"errors\": 1,\n"
+                 "  \"warnings\": 1,\n"
+                 "  \"notes\": 0,\n"
+                 "  \"findings\": [\n"
+                 "    {\n"
+                 "      \"id\": \"no-priority\",\n"
+                 "      \"severity\": \"warning\",\n"
+                 "      \"path\": \"examples/payload/Fernwick/Zed-1A09/Config.plist\",\n"
+                 "      \"line\": 4,\n"
+                 "      \"column\": 18,\n"
+                 "      \"message\": \"without \\\"Priority\\\" a match of this personality drives "
+                 "the plan's priority to 0\"\n"
+                 "    },\n"
+                 "    {\n"
+                 "      \"id\": \"wrong-kind\",\n"
+                 "      \"severity\": \"error\",\n"
+                 "      \"path\": \"examples/payload/Fernwick/Zed-1A09/Config.plist\",\n"
+                 "      \"line\": 5,\n"
+                 "      \"column\": 19,\n"
+                 "      \"message\": \"\\\"Version\\\" is \\\"210\\\"; only a number can match\"\n"
+                 "    }\n"
+                 "  ]\n"
+                 "}\n",
+                 ""});
+}
+
+TEST(Lint, GoesOnBehindAMalformedConfiguration) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/A/Config.plist", "bplist00");
+  directory.Write("p/Fernwick/B/Config.plist", "<dict>\n</plist>");
+  directory.Write("p/Fernwick/C/Config.plist", "<array/>");
+  ExpectOutcome(
+      Lint({"p"}, directory.Path()),
+      {"65",
+       "p/Fernwick/A/Config.plist:byte 8: error: the file is cut short "
+       "[malformed-property-list]\n"
+       "p/Fernwick/B/Config.plist:2:1: error: </plist> stands where </dict> was expected "
+       "[malformed-property-list]\n"
+       "p/Fernwick/C/Config.plist:1:1: error: the configuration is an array, not a dictionary "
+       "[not-a-dictionary]\n"
+       "3 boards: 3 errors, 0 warnings, 0 notes\n",
+       ""});
+}
+
+TEST(Lint, TellsWhatCannotBeReadAboveAll) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/A/Config.plist/x", "");
+  directory.Write("p/Fernwick/B/Config.plist", "");
+  ExpectOutcome(
+      Lint({"p"}, directory.Path()),
+      {"66",
+       "p/Fernwick/A/Config.plist: error: it cannot be read: Is a directory [unreadable-file]\n"
+       "p/Fernwick/B/Config.plist: error: the file is empty [malformed-property-list]\n"
+       "2 boards: 2 errors, 0 warnings, 0 notes\n",
+       ""});
+}
+
+TEST(Lint, TellsADirectoryThatCannotBeListed) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/A/Config.plist", "{}");
+  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(directory.Path() + "/p/Fernwick/A", std::filesystem::perms(0311));
+  const testing::Unprivileged unprivileged;
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"66",
+                 "p/Fernwick/A: error: it cannot be read: Permission denied [unreadable-file]\n"
+                 "1 board: 1 error, 0 warnings, 0 notes\n",
+                 ""});
+}
+
+TEST(Lint, OfNoPayloadPrintsNothing) {
+  ExpectOutcome(Lint({"no-such"}),
+                {"66", "", "fernwick-lab: no-such: No such file or directory\n"});
+  ExpectOutcome(Lint({"README.md"}), {"66", "", "fernwick-lab: README.md: Not a directory\n"});
+  ExpectOutcome(Lint({""}), {"66", "", "fernwick-lab: : No such file or directory\n"});
+}
+
+TEST(Lint, OfABoardThatIsNotThereLooksAtNone) {
+  ExpectOutcome(
+      Lint({"examples/payload", "Zed-1A09", "Zed-42"}),
+      {"66", "", "fernwick-lab: examples/payload/Fernwick/Zed-42: No such file or directory\n"});
+  ExpectOutcome(
+      Lint({"examples/payload", "PortFlash.efi"}),
+      {"66", "", "fernwick-lab: examples/payload/Fernwick/PortFlash.efi: Not a directory\n"});
+}
+
+TEST(Lint, LintsOrExplainsOrLists) {
+  const std::string refusal =
+      "fernwick-lab: one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint "
+      "--help\n";
+  ExpectOutcome(Lint({}), {"64", "", refusal});
+  ExpectOutcome(Lint({"--list", "examples/payload"}), {"64", "", refusal});
+  ExpectOutcome(Lint({"--list", "--explain", "wrong-kind"}), {"64", "", refusal});
+  ExpectOutcome(Lint({"--explain", "wrong-kind", "examples/payload"}), {"64", "", refusal});
+}
+
+TEST(Lint, RefusesAFormatThatItDoesNotKnow) {
+  ExpectOutcome(Lint({"examples/payload", "--format", "xml"}),
+                {"64", "",
+                 "fernwick-lab: --format: xml not in {text,json,sarif}; see fernwick-lab lint "
+                 "--help\n"});
+}
+
+TEST(Lint, ExplainsARule) {
+  ExpectOutcome(Lint({"--explain", "single-port-uuid"}),
+                {"0",
+                 "single-port-uuid (error): \"Port UUID\" is a single string\n"
+                 "\n"
+                 "Other keys take a single value or a list of them. \"Port UUID\" takes a "
+                 "list\n"
+                 "alone: a single string matches no port, not even the one that has it.\n"
+                 "\n"
+                 "Put the string into an array.\n"
+                 "\n"
+                 "Instead of\n"
+                 "\n"
+                 "    <key>Port UUID</key>\n"
+                 "    <string>6E1B0A52</string>\n"
+                 "\n"
+                 "write\n"
+                 "\n"
+                 "    <key>Port UUID</key>\n"
+                 "    <array><string>6E1B0A52</string></array>\n",
+                 ""});
+}
+
+TEST(Lint, ExplainsNoOtherRule) {
+  ExpectOutcome(Lint({"--explain", "no-such-rule"}),
+                {"64", "",
+                 "fernwick-lab: there is no finding \"no-such-rule\"; see fernwick-lab lint "
+                 "--list\n"});
+}
+
+TEST(Lint, ThatCannotBeWrittenIsNoSuccess) {
+  ExpectOutcome(
+      Lint({"examples/payload"}, FERNWICK_SOURCE_DIRECTORY, OutputTarget::FullDisk),
+      {"74", "", "fernwick-lab: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Lint, ShowsNoControlCharacterRaw) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/A\x1B/Config.plist", "<dict><key>a&#9;b&#x9B;</key><true/></dict>");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"0",
+                 "p/Fernwick/A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so what it "
+                 "holds matches nothing [unknown-type]\n"
+                 "1 board: 0 errors, 1 warning, 0 notes\n",
+                 ""});
+}
+
+}  // namespace
+}  // namespace fernwick

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace fernwick::lab {
+
+/// The verb `lint`. `arguments` are those behind the verb. Returns the process's exit status: 0
+/// when nothing was found that is as grave as --fail-level, and 1 when something was.
+int Lint(int argumentCount, char* const arguments[]);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "lab/lint_finding.h"
+#include "lab/lint_subject.h"
+
+namespace fernwick::lab {
+
+/// What the plan makes of the personality's "Priority".
+void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// The shapes of the personality's NVRAM settings.
+void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+}  // namespace fernwick::lab
