@@ -110,7 +110,7 @@ std::string ExplainLintRule(const LintRule& rule) {
   AppendParagraph(text, rule.remedy);
   text += "\nInstead of\n\n";
   AppendIndented(text, rule.wrong);
-  if (rule.right.empty()) return text + "\nnothing.\n";
+  if (rule.right.empty()) return text + "\nwrite nothing.\n";
   text += "\nwrite\n\n";
   AppendIndented(text, rule.right);
   return text;
