@@ -428,6 +428,8 @@ const Named<Row> Shadows[] = {
           {{"Existing Min Version", 5}, {"Existing Max Version", 8}}),
       Shadowed}},
     {"LowerMinimum", {Two({{"Existing Min Version", 5}}, {{"Existing Min Version", 4}}), ""}},
+    {"HigherMaximum", {Two({{"Existing Max Version", 8}}, {{"Existing Max Version", 9}}), ""}},
+    {"LowerFirstBoardRevision", {Two({{"MinBoardRevision", 4}}, {{"MinBoardRevision", 3}}), ""}},
     {"NoMaximum", {Two({{"Existing Max Version", 300}}, {}), ""}},
     {"BoundThatIsNotANumber",
      {Two({{"Existing Min Version", 0}}, {{"Existing Min Version", NaN}}),

@@ -188,11 +188,20 @@ std::vector<Acceptance> AcceptancesOf(const LintSubject& subject) {
   return acceptances;
 }
 
-// Some personalities, and narrower forms of some of them behind. Which of those are of which.
+// Some personalities, as many narrower forms of them in the same order, and as many that differ
+// from them in one bound.
 struct Planted {
   Array personalities;
   std::size_t firstPlanted;
 };
+
+Dictionary WithOtherBound(Dice& dice, Dictionary personality) {
+  static const std::vector<std::string_view> bounds = {"Version", "Existing Min Version",
+                                                       "Existing Max Version", "MinBoardRevision",
+                                                       "MaxBoardRevision"};
+  personality.Set(dice.Pick(bounds), dice.Below(5));
+  return personality;
+}
 
 Planted RandomArray(Dice& dice, TypeSet type) {
   Planted planted = {{}, 6};
@@ -202,6 +211,10 @@ Planted RandomArray(Dice& dice, TypeSet type) {
   for (std::size_t i = 0; i < planted.firstPlanted; ++i) {
     const auto& wide = *planted.personalities[i].AsDictionary();
     planted.personalities.push_back(Narrowed(dice, wide, type));
+  }
+  for (std::size_t i = 0; i < planted.firstPlanted; ++i) {
+    const auto& other = *planted.personalities[i].AsDictionary();
+    planted.personalities.push_back(WithOtherBound(dice, other));
   }
   return planted;
 }
@@ -239,7 +252,7 @@ TEST_P(Reach, APlantedNarrowerPersonalityIsFoundShadowed) {
     const auto [personalities, firstPlanted] = RandomArray(dice, GetParam().row);
     const auto acceptances = AcceptancesOf(Subject(personalities));
     const auto shadowing = FindShadowed(acceptances);
-    for (std::size_t i = firstPlanted; i < personalities.size(); ++i) {
+    for (std::size_t i = firstPlanted; i < 2 * firstPlanted; ++i) {
       if (!acceptances[i].acceptsAny) continue;
       EXPECT_LE(shadowing.shadowedBy[i], i - firstPlanted) << round << " " << i;
       ++planted;
