@@ -6,8 +6,6 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view OptionsPath = "IODeviceTree:/options";
-
 // Takes the piece before the next `separator` off the front. False when none is left.
 bool TakePiece(std::optional<std::string_view>& text, char separator, std::string_view& piece) {
   if (!text) return false;
@@ -29,8 +27,7 @@ bool SetsSwitch(std::string_view token, std::string_view name) {
   TakePiece(rest, '=', key);
   if (key != name) return false;
   std::string_view value;
-  if (!TakePiece(rest, '=', value))
-    EndAbnormally("a boot argument is a switch name without a value");
+  if (!TakePiece(rest, '=', value)) EndAbnormally(BareSwitchFault);
   return IsSetting(value);
 }
 
@@ -55,7 +52,7 @@ bool IsSetInNvram(const std::optional<PropertyValue>& variable) {
 }  // namespace
 
 bool ReadBypassSwitch(Registry& registry, std::string_view name) {
-  const RegistryEntry options = registry.LookupEntryByPath(OptionsPath);
+  const RegistryEntry options = registry.LookupEntryByPath(BootOptionsPath);
   const auto bootArguments = registry.GetProperty(options, "boot-args");
   const bool isSet =
       IsSetInBootArguments(bootArguments ? bootArguments->AsString() : std::nullopt, name) ||

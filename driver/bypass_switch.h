@@ -6,6 +6,12 @@
 
 namespace fernwick {
 
+/// The entry whose properties are the boot arguments and the NVRAM variables.
+inline constexpr std::string_view BootOptionsPath = "IODeviceTree:/options";
+
+/// The fault of a boot argument that is the bare name of a switch.
+inline constexpr char BareSwitchFault[] = "a boot argument is a switch name without a value";
+
 /// Whether the switch is set, by a token "NAME=VALUE" of the boot arguments or else by the NVRAM
 /// variable of that name: by any value but the single character 0. A token that is the bare name
 /// ends the process abnormally.

@@ -16,8 +16,11 @@ std::vector<PropertySource> ThunderboltSources(const RecordKey& key, const Recor
   if (key.key == "RID") return {{entry, key.thunderboltProperty, "the low 4 bits"}};
   if (key.key == "Engineering Version") return {{entry, key.thunderboltProperty, "bits 6 and 7"}};
   if (key.key != "Version") return {{entry, key.thunderboltProperty, ""}};
-  return {{entry, key.thunderboltProperty, Bcd},
-          {entry, "EEPROM Revision", "the low 6 bits as hundredths, and 1e-9"}};
+  std::vector<PropertySource> sources = {{entry, key.thunderboltProperty, Bcd}};
+  if (source.version == Origin::Thunderbolt) {
+    sources.push_back({entry, "EEPROM Revision", "the low 6 bits are hundredths; 1e-9 is added"});
+  }
+  return sources;
 }
 
 // Which controller gave the value of a key that both can give.

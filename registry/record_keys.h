@@ -49,7 +49,7 @@ struct PropertySource {
 /// What the value under the key was read from or, where the record lacks the key, every property
 /// that could have given it: none when there is no controller that has it, and for a key that no
 /// record holds. "RID" of a port is its own or else from its Thunderbolt controller; "Version" is
-/// that one's where it tells any, and comes from two properties.
+/// that one's where it tells any, and then comes from two properties.
 std::vector<PropertySource> SourcesOf(std::string_view key, const RecordSource& source);
 
 }  // namespace fernwick

@@ -106,9 +106,10 @@ TEST(SourcesOf, RidOfAPortIsItsOwnBeforeTheThunderboltControllers) {
 
 TEST(SourcesOf, VersionOfAPortIsTheThunderboltControllersWhereThatTellsOne) {
   const auto ridges = PortBelow({{"ROM Version", 0x41}}, {{"Version", 0x171}});
-  EXPECT_EQ(SourcesOf("Version", PortOf(ridges.computer).second),
-            (Sources{{ridges.ridge, "ROM Version", "decoded as BCD"},
-                     {ridges.ridge, "EEPROM Revision", "the low 6 bits as hundredths, and 1e-9"}}));
+  EXPECT_EQ(
+      SourcesOf("Version", PortOf(ridges.computer).second),
+      (Sources{{ridges.ridge, "ROM Version", "decoded as BCD"},
+               {ridges.ridge, "EEPROM Revision", "the low 6 bits are hundredths; 1e-9 is added"}}));
   const auto own = PortBelow({{"EEPROM Revision", 5}}, {{"Version", 0x171}});
   EXPECT_EQ(SourcesOf("Version", PortOf(own.computer).second),
             (Sources{{own.port, "Version", "decoded as BCD"}}));
@@ -119,6 +120,9 @@ TEST(SourcesOf, AKeyThatIsMissingIsEverythingThatCouldHaveGivenIt) {
   const auto source = PortOf(below.computer).second;
   EXPECT_EQ(SourcesOf("RID", source),
             (Sources{{below.port, "RID", ""}, {below.ridge, "UID", "the low 4 bits"}}));
+  EXPECT_EQ(SourcesOf("Version", source),
+            (Sources{{below.port, "Version", "decoded as BCD"},
+                     {below.ridge, "ROM Version", "decoded as BCD"}}));
   EXPECT_EQ(SourcesOf("Port OTP Revision", source), (Sources{{below.port, "Revision", ""}}));
   EXPECT_EQ(SourcesOf("Device Model ID", source), (Sources{{below.ridge, "Device Model ID", ""}}));
 }

@@ -48,7 +48,7 @@ void FillFirmwareMode(Registry& registry, RegistryEntry controller, HardwareReco
 // Written without a test of presence or kind.
 void FillUid(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
   auto uid = registry.GetProperty(controller, "UID");
-  if (!uid) EndAbnormally("a Thunderbolt controller has no UID");
+  if (!uid) EndAbnormally(MissingUidFault);
   record.Set("Ridge UID", *std::move(uid));
 }
 

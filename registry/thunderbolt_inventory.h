@@ -12,6 +12,9 @@ namespace fernwick {
 /// The class of Thunderbolt controllers.
 inline constexpr std::string_view ThunderboltControllerClass = "IOThunderboltSwitch";
 
+/// The fault of a controller without "UID".
+inline constexpr char MissingUidFault[] = "a Thunderbolt controller has no UID";
+
 /// The computer's own Thunderbolt controllers: those at the root of the topology, with "Depth" and
 /// "Route String" 0. Controllers of devices plugged in by cable sit deeper. Taken afresh each time.
 /// A recorder learns where each is and changes nothing.
