@@ -8,14 +8,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "testing/child_process.h"
 #include "testing/files.h"
+#include "testing/golden_case.h"
 
 namespace fernwick {
 namespace {
@@ -24,34 +23,9 @@ namespace fs = std::filesystem;
 
 const fs::path GoldenDirectory = FERNWICK_GOLDEN_DIRECTORY;
 
-// The command line that a case describes. A line is "key: value" or begins with "#".
-//   recording: the recorded computer, relative to golden/
-//   options:   options of the tool, separated by blanks
-//   argument:  one argument of the tool, blanks and all
-//   payload:   the payload directory, relative to golden/; becomes a last option -p
-std::vector<std::string> CommandOf(const fs::path& caseFile) {
-  std::vector<std::string> command{FERNWICK_LAB_PROGRAM, "replay", ""};
-  std::string payload;
-  std::ifstream lines(caseFile);
-  for (std::string line; std::getline(lines, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    const auto colon = line.find(": ");
-    const auto key = line.substr(0, colon);
-    const auto value = colon == std::string::npos ? "" : line.substr(colon + 2);
-    if (key == "recording") {
-      command[2] = value;
-    } else if (key == "payload") {
-      payload = value;
-    } else if (key == "argument") {
-      command.push_back(value);
-    } else if (key == "options") {
-      std::istringstream words(value);
-      command.insert(command.end(), std::istream_iterator<std::string>(words), {});
-    } else {
-      ADD_FAILURE() << caseFile << ": what is \"" << line << "\"?";
-    }
-  }
-  if (!payload.empty()) command.insert(command.end(), {"-p", payload});
+std::vector<std::string> CommandOf(const testing::GoldenCase& described) {
+  std::vector<std::string> command{FERNWICK_LAB_PROGRAM, "replay", described.recording};
+  for (const auto& argument : described.ToolArguments()) command.push_back(argument);
   return command;
 }
 
@@ -72,7 +46,8 @@ class Golden : public ::testing::TestWithParam<std::string> {
 };
 
 TEST_P(Golden, RunsAsExpected) {
-  const auto outcome = testing::RunChild(CommandOf(Beside(".case")), GoldenDirectory.string());
+  const auto outcome = testing::RunChild(CommandOf(testing::ReadGoldenCase(Beside(".case"))),
+                                         GoldenDirectory.string());
   CompareOrRewrite(".stdout", outcome.standardOutput);
   CompareOrRewrite(".stderr", outcome.standardError);
   CompareOrRewrite(".status", outcome.status + "\n");
@@ -80,10 +55,9 @@ TEST_P(Golden, RunsAsExpected) {
 
 std::vector<std::string> CaseNames() {
   std::vector<std::string> names;
-  for (const auto& file : fs::directory_iterator(GoldenDirectory / "cases")) {
-    if (file.path().extension() == ".case") names.push_back(file.path().stem().string());
+  for (const auto& each : testing::ReadGoldenCases(GoldenDirectory / "cases")) {
+    names.push_back(each.name);
   }
-  std::ranges::sort(names);
   return names;
 }
 
