@@ -26,6 +26,7 @@ constexpr char Usage[] =
     "verbs:\n"
     "  lint       look for mistakes in the configurations of a payload\n"
     "  replay     run the tool over a recorded computer\n"
+    "  explain    tell why the personalities of a payload match or not\n"
     "  show       show what a recorded computer holds and what the tool sees of it\n"
     "  convert    write a recorded computer in another serialisation\n"
     "  redact     write recorded computers without what identifies them\n"

@@ -6,6 +6,7 @@
 #include "lab/convert.h"
 #include "lab/exit_status.h"
 #include "lab/lint.h"
+#include "lab/explain.h"
 #include "lab/messages.h"
 #include "lab/redact.h"
 #include "lab/replay.h"
@@ -24,6 +25,7 @@ struct Verb {
 constexpr Verb Verbs[] = {
     {"lint", "look for mistakes in the configurations of a payload", Lint},
     {"replay", "run the tool over a recorded computer", Replay},
+    {"explain", "tell why the personalities of a payload match or not", ExplainVerb},
     {"show", "show what a recorded computer holds and what the tool sees of it", Show},
     {"convert", "write a recorded computer in another serialisation", Convert},
     {"redact", "write recorded computers without what identifies them", Redact},

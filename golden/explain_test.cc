@@ -1,0 +1,199 @@
+// What the lab's `explain` prints, whole, for the cases in golden/explanations: as a text and in
+// JSON. With FERNWICK_REWRITE_GOLDEN=1 in the environment the expectations are written instead of
+// compared. And that it says of the golden cases what the tool itself does.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/golden_case.h"
+#include "testing/report_lines.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ChildOutcome;
+using testing::GoldenCase;
+using testing::ReportedMatch;
+
+const fs::path GoldenDirectory = FERNWICK_GOLDEN_DIRECTORY;
+
+ChildOutcome RunLab(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), FERNWICK_LAB_PROGRAM);
+  return testing::RunChild(arguments, GoldenDirectory.string());
+}
+
+ChildOutcome Explain(const GoldenCase& described, const std::vector<std::string>& more = {}) {
+  std::vector<std::string> arguments = {"explain", described.recording};
+  for (const auto& argument : described.ToolArguments()) arguments.push_back(argument);
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return RunLab(arguments);
+}
+
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
+  EXPECT_EQ(found.status, expected.status);
+  EXPECT_EQ(found.standardOutput, expected.standardOutput);
+  EXPECT_EQ(found.standardError, expected.standardError);
+}
+
+void CompareOrRewrite(const fs::path& file, const std::string& found) {
+  if (std::getenv("FERNWICK_REWRITE_GOLDEN") != nullptr) {
+    std::ofstream(file, std::ios::binary) << found;
+    return;
+  }
+  ASSERT_TRUE(fs::exists(file)) << file;
+  EXPECT_EQ(testing::ReadFile(file), found) << file;
+}
+
+std::vector<GoldenCase> Explanations() {
+  return testing::ReadGoldenCases(GoldenDirectory / "explanations");
+}
+
+TEST(Explain, PrintsWhatIsExpected) {
+  const auto cases = Explanations();
+  EXPECT_GE(cases.size(), 15u);
+  for (const auto& described : cases) {
+    const auto beside = GoldenDirectory / "explanations" / described.name;
+    const auto text = Explain(described);
+    CompareOrRewrite(beside.string() + ".text", text.standardOutput);
+    const auto json = Explain(described, {"--json"});
+    CompareOrRewrite(beside.string() + ".json", json.standardOutput);
+    for (const auto& outcome : {text, json}) {
+      EXPECT_EQ(outcome.status, "0") << described.name;
+      EXPECT_EQ(outcome.standardError, "") << described.name;
+    }
+  }
+}
+
+TEST(Explain, HasNoLeftOverExpectations) {
+  for (const auto& file : fs::directory_iterator(GoldenDirectory / "explanations")) {
+    auto caseFile = file.path();
+    EXPECT_TRUE(fs::exists(caseFile.replace_extension(".case"))) << file.path();
+  }
+}
+
+// What the explanation calls matched, as the tool's report would show it.
+std::vector<ReportedMatch> ExplainedMatches(const nlohmann::json& json) {
+  std::vector<ReportedMatch> matches;
+  for (const auto& key : json["keys"]) {
+    for (const auto& controller : key["controllers"]) {
+      for (const auto& pair : controller["pairs"]) {
+        if (pair["outcome"] != "matched") continue;
+        const auto& firmware =
+            key["personalities"][pair["personality"].get<std::size_t>() - 1]["firmware"];
+        const auto rid = controller["record"].value("RID", 0);
+        matches.push_back({key["key"], std::to_string(static_cast<unsigned>(rid)),
+                           firmware.is_string() ? firmware.get<std::string>() : "(null)"});
+      }
+    }
+  }
+  return matches;
+}
+
+// The report goes as far as the match that ends the run.
+void ExpectReported(const nlohmann::json& explanation, const std::string& verboseOutput) {
+  const auto& outcome = explanation["outcome"];
+  auto explained = ExplainedMatches(explanation);
+  EXPECT_EQ(outcome["matches"], explained.size());
+  if (outcome["end"] == "noFirmware") {
+    explained.resize(outcome["plannedMatches"].get<std::size_t>() + 1);
+  }
+  EXPECT_EQ(explained, testing::ReportedMatches(verboseOutput));
+}
+
+// The payload and the bypass of the case; everything else is output alone.
+std::vector<std::string> ExplainableArguments(const GoldenCase& described) {
+  std::vector<std::string> arguments = {described.recording, "-p", described.payload};
+  if (std::ranges::count(described.options, "--bypassVersion") > 0) {
+    arguments.push_back("--bypassVersion");
+  }
+  return arguments;
+}
+
+ChildOutcome RunVerb(std::string verb, std::vector<std::string> arguments, std::string option) {
+  arguments.insert(arguments.begin(), std::move(verb));
+  if (!option.empty()) arguments.push_back(std::move(option));
+  return RunLab(arguments);
+}
+
+TEST(Explain, AgreesWithTheRunOfEveryGoldenCase) {
+  int count = 0;
+  for (const auto& described : testing::ReadGoldenCases(GoldenDirectory / "cases")) {
+    if (described.payload.empty() || !fs::is_directory(GoldenDirectory / described.payload)) {
+      continue;
+    }
+    SCOPED_TRACE(described.name);
+    const auto arguments = ExplainableArguments(described);
+    const auto explained = RunVerb("explain", arguments, "--json");
+    ASSERT_EQ(explained.status, "0") << explained.standardError;
+    const auto json = nlohmann::json::parse(explained.standardOutput);
+    const auto& status = json["outcome"]["status"];
+    EXPECT_EQ(status.is_null() ? "SIGABRT" : status.dump(),
+              RunVerb("replay", arguments, "").status);
+    ExpectReported(json, RunVerb("replay", arguments, "-v").standardOutput);
+    ++count;
+  }
+  EXPECT_GE(count, 20);
+}
+
+TEST(Explain, OfWhatIsNotThereIsToldInOneLine) {
+  const std::string recording = "recordings/typical.registry.plist";
+  ExpectOutcome(RunLab({"explain", "none", "-p", "payloads/older"}),
+                {"66", "", "fernwick-lab: none: No such file or directory\n"});
+  ExpectOutcome(RunLab({"explain", recording, "-p", "none"}),
+                {"66", "", "fernwick-lab: none: No such file or directory\n"});
+  ExpectOutcome(RunLab({"explain", "recordings", "-p", "payloads/older"}),
+                {"66", "", "fernwick-lab: recordings: Is a directory\n"});
+  ExpectOutcome(RunLab({"explain", recording, "-p", recording}),
+                {"66", "", "fernwick-lab: " + recording + ": Not a directory\n"});
+}
+
+TEST(Explain, OfARecordingThatIsNoneIsToldInOneLine) {
+  const std::string path = "payloads/older/Fernwick/Zed-42/Config.plist";
+  ExpectOutcome(RunLab({"explain", path, "-p", "payloads/older"}),
+                {"65", "", "fernwick-lab: " + path + ": \"Recording Version\" is missing\n"});
+}
+
+TEST(Explain, WithoutAPayloadTellsItsUsage) {
+  ExpectOutcome(
+      RunLab({"explain", "recordings/typical.registry.plist"}),
+      {"64", "", "fernwick-lab: --payload is required; see fernwick-lab explain --help\n"});
+}
+
+TEST(Explain, ThatCannotBeWrittenIsNoSuccess) {
+  ExpectOutcome(
+      testing::RunChild({FERNWICK_LAB_PROGRAM, "explain", "recordings/typical.registry.plist", "-p",
+                         "payloads/older"},
+                        GoldenDirectory.string(), testing::OutputTarget::FullDisk),
+      {"74", "", "fernwick-lab: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Explain, ShowsNoControlCharacterOfAFileRaw) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("Fernwick/Zed-42/Config.plist", "<dict><key>a&#9;b&#x9B;</key><true/></dict>");
+  const auto outcome =
+      RunLab({"explain", "recordings/typical.registry.plist", "-p", directory.Path()});
+  EXPECT_EQ(outcome.standardOutput,
+            "Computer        Zed-42 (0x42), revision 3\n"
+            "Configuration   " +
+                directory.Path() +
+                "/Fernwick/Zed-42/Config.plist\n"
+                "Outcome         nothing matches, no plan, status 13\n"
+                "\n"
+                "a\\011b\\233 at 1:7: names no type; nothing reads it\n");
+}
+
+}  // namespace
+}  // namespace fernwick

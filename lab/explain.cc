@@ -1,0 +1,71 @@
+#include "lab/explain.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "lab/command_line.h"
+#include "lab/exit_status.h"
+#include "lab/explanation.h"
+#include "lab/explanation_json.h"
+#include "lab/explanation_text.h"
+#include "lab/messages.h"
+#include "lab/recording_file.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr char Description[] =
+    "Tells which personality of a payload matches which controller of a recorded computer and, of "
+    "every other pair, why not: all requirements that fail, near misses first.";
+
+constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
+
+// What is wrong with a directory; empty when nothing is.
+std::string FaultOfDirectory(const std::string& path) {
+  const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+  if (directory < 0) return std::strerror(errno);
+  close(directory);
+  return {};
+}
+
+bool ShowsEmphasis() {
+  const char* plain = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) == 1 && (plain == nullptr || *plain == '\0');
+}
+
+}  // namespace
+
+int ExplainVerb(int argumentCount, char* const arguments[]) {
+  std::string path;
+  std::string payload;
+  bool bypassVersion = false;
+  bool asJson = false;
+  CLI::App app(Description, "fernwick-lab explain");
+  app.footer(Example);
+  app.add_option("RECORDING", path, "the recorded computer")->required();
+  app.add_option("-p,--payload", payload, "the payload directory")
+      ->required()
+      ->type_name("PAYLOAD");
+  app.add_flag("--bypassVersion", bypassVersion, "as the tool's option");
+  app.add_flag("--json", asJson, "print JSON");
+  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
+  const auto file = LoadRecording(path);
+  if (!file.recording) {
+    PrintError(file.error);
+    return file.status;
+  }
+  if (const auto fault = FaultOfDirectory(payload); !fault.empty()) {
+    PrintError(payload + ": " + fault);
+    return LabStatus::UnreadableInput;
+  }
+  const auto explanation = Explain(*file.recording, payload, bypassVersion);
+  return PrintResult(asJson ? PrintJson(ExplanationJson(explanation))
+                            : ExplanationText(explanation, ShowsEmphasis()));
+}
+
+}  // namespace fernwick::lab

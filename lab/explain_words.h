@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/explanation.h"
+
+namespace fernwick::lab {
+
+/// The names of the types in the set, in the order in which their checks build on each other.
+std::vector<std::string_view> NamesOf(TypeSet types);
+
+/// What the JSON calls them: "nothingMatched", "notReached", "aboveInstalled".
+std::string_view NameOf(RunEnd end);
+std::string_view NameOf(PairOutcome outcome);
+std::string_view NameOf(Shortfall shortfall);
+std::string_view NameOf(Omission why);
+
+/// A value on one line, safe to show: numbers as they are, strings in quotes, what is inside an
+/// array of up to eight elements; of a larger or deeper value what it is.
+std::string InlineText(const PropertyValue& value);
+
+/// The same, integers from 10 also in hexadecimal: "65 (0x41)".
+std::string InlineTextWithHex(const PropertyValue& value);
+
+/// "a number or a list of numbers".
+std::string_view WordsFor(KeyKind kind);
+
+/// What the value is: "a string", "an array".
+std::string_view KindOf(const PropertyValue& value);
+
+/// "1 match", "2 matches".
+std::string Counted(std::size_t count, std::string_view singular, std::string_view plural);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,166 @@
+#include "lab/explained_keys.h"
+
+#include <span>
+#include <utility>
+
+#include "lab/entry_path.h"
+#include "personality/personality.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Explains one key after the other.
+class KeyExplainer {
+ public:
+  KeyExplainer(const ConfigurationFile* file, const Recording& recording)
+      : file_(file), recording_(recording) {}
+
+  ExplainedKey Explain(const KeyDecisions& decisions, const PropertyValue& value) {
+    const auto* place = file_ == nullptr ? nullptr : FindKey(file_->Root(), decisions.key);
+    const auto type = TypeNamed(decisions.key);
+    const auto candidates = PersonalitiesOf(decisions.key, value);
+    ExplainedKey key = {.key = decisions.key,
+                        .place = PlaceOfKey(place),
+                        .type = type,
+                        .hasShape = candidates.has_value(),
+                        .value = value};
+    if (type != Types::None && candidates) ExplainPersonalities(*candidates, place, key);
+    for (std::size_t i = 0; i < decisions.controllers.size(); ++i) {
+      key.controllers.push_back(
+          ExplainController(decisions.controllers[i], decisions.inventory.listed[i]));
+    }
+    for (const auto& omitted : decisions.inventory.omitted) {
+      key.omitted.push_back(ExplainOmission(omitted));
+    }
+    return key;
+  }
+
+ private:
+  std::optional<FilePlace> PlaceOfKey(const KeyPlace* place) const {
+    if (place == nullptr) return std::nullopt;
+    return file_->PlaceOf(place->offset);
+  }
+
+  std::optional<FilePlace> PlaceOfValue(const ValuePlace* place) const {
+    if (place == nullptr) return std::nullopt;
+    return file_->PlaceOf(place->offset);
+  }
+
+  // The value of "LegacyUSBC" is the one personality itself.
+  static const ValuePlace* PlaceOfCandidate(const KeyPlace* keyPlace, TypeSet type,
+                                            std::size_t index) {
+    if (keyPlace == nullptr) return nullptr;
+    return type == Types::LegacyUsbc ? &keyPlace->value : FindElement(keyPlace->value, index);
+  }
+
+  void ExplainPersonalities(std::span<const PropertyValue> candidates, const KeyPlace* keyPlace,
+                            ExplainedKey& key) {
+    places_.clear();
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+      places_.push_back(PlaceOfCandidate(keyPlace, key.type, i));
+      ExplainedPersonality personality{.place = PlaceOfValue(places_.back()), .firmware = {}};
+      if (const auto* dictionary = candidates[i].AsDictionary()) {
+        if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
+        personality.unread = UnreadKeys(*dictionary, key.type, places_.back());
+      }
+      key.personalities.push_back(std::move(personality));
+    }
+  }
+
+  std::vector<UnreadKey> UnreadKeys(const Dictionary& personality, TypeSet type,
+                                    const ValuePlace* place) const {
+    std::vector<UnreadKey> unread;
+    for (const auto& [key, value] : personality.Entries()) {
+      const auto* known = FindPersonalityKey(key.View());
+      const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
+      if ((readBy & type) != 0) continue;
+      unread.push_back({std::string(key.View()),
+                        PlaceOfKey(place == nullptr ? nullptr : FindKey(*place, key.View())),
+                        readBy});
+    }
+    return unread;
+  }
+
+  ExplainedController ExplainController(const ControllerDecisions& decisions,
+                                        const RecordSource& source) const {
+    const bool hasThunderbolt = source.port != 0 && source.thunderbolt != 0;
+    ExplainedController controller = {
+        .isPort = source.port != 0,
+        .path = EntryPath(recording_, source.Controller()),
+        .name = NameOf(source.Controller()),
+        .thunderboltName = hasThunderbolt ? NameOf(source.thunderbolt) : "",
+        .record = decisions.controller,
+        .pairs = {},
+    };
+    for (std::size_t i = 0; i < decisions.pairs.size(); ++i) {
+      ExplainedPair pair = {.personality = i, .outcome = decisions.pairs[i].outcome};
+      for (const auto& failure : decisions.pairs[i].failures) {
+        pair.failures.push_back(ExplainFailure(failure, places_[i], source));
+      }
+      controller.pairs.push_back(std::move(pair));
+    }
+    return controller;
+  }
+
+  ExplainedFailure ExplainFailure(const FailedRequirement& requirement,
+                                  const ValuePlace* personality, const RecordSource& source) const {
+    ExplainedFailure failure = {.requirement = requirement, .wantedPlace = {}, .sources = {}};
+    const auto* place = personality == nullptr ? nullptr : FindKey(*personality, requirement.key);
+    if (place != nullptr) failure.wantedPlace = PlaceOfValue(&place->value);
+    for (const auto& each : SourcesOf(requirement.hardwareKey, source)) {
+      failure.sources.push_back(LookUpSource(recording_, each));
+    }
+    failure.isUuidUnread = requirement.hardwareKey == "Port UUID" && !source.uuidFetched;
+    return failure;
+  }
+
+  ExplainedOmission ExplainOmission(const OmittedController& omitted) const {
+    ExplainedOmission explained = {.path = EntryPath(recording_, omitted.controller),
+                                   .name = NameOf(omitted.controller),
+                                   .why = omitted.why,
+                                   .sources = {}};
+    const auto look = [&](std::string_view property) {
+      explained.sources.push_back(LookUpSource(recording_, {omitted.controller, property, ""}));
+    };
+    switch (omitted.why) {
+      case Omission::NotAtRootOfTopology: look("Depth"), look("Route String"); break;
+      case Omission::RouteString: look("Route String"); break;
+      case Omission::AddressBelowThunderbolt: look("Address"); break;
+    }
+    return explained;
+  }
+
+  const std::string& NameOf(RegistryEntry entry) const {
+    return recording_.entries[entry - 1].name;
+  }
+
+  const ConfigurationFile* file_;
+  const Recording& recording_;
+  std::vector<const ValuePlace*> places_;  // of the personalities of the key; null where not told
+};
+
+}  // namespace
+
+ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source) {
+  const auto& entry = recording.entries[source.entry - 1];
+  ExplainedSource explained = {.path = EntryPath(recording, source.entry),
+                               .name = entry.name,
+                               .property = std::string(source.property),
+                               .value = {},
+                               .conversion = std::string(source.conversion)};
+  if (const auto* value = entry.properties.Find(source.property)) explained.value = *value;
+  return explained;
+}
+
+std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
+                                      const Recording& recording) {
+  std::vector<ExplainedKey> keys;
+  KeyExplainer explainer(file, recording);
+  const auto* configuration = matching.configuration->AsDictionary();
+  for (const auto& decisions : matching.keys) {
+    keys.push_back(explainer.Explain(decisions, *configuration->Find(decisions.key)));
+  }
+  return keys;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <vector>
+
+#include "lab/configuration_file.h"
+#include "lab/explanation.h"
+#include "personality/match_recorder.h"
+#include "registry/record_keys.h"
+#include "registry/recorded_registry.h"
+
+namespace fernwick::lab {
+
+/// What the matcher decided under each top-level key, with the places of everything. `file` is null
+/// when no place is known.
+std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
+                                      const Recording& recording);
+
+/// What a property of an entry of the service plane holds.
+ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,105 @@
+#include "lab/explanation.h"
+
+#include "driver/bypass_switch.h"
+#include "lab/abnormal_end.h"
+#include "lab/explained_keys.h"
+#include "personality/configuration.h"
+#include "registry/inventory.h"
+#include "registry/thunderbolt_inventory.h"
+
+namespace fernwick::lab {
+namespace {
+
+BoardIdentity ReadIdentity(Registry& registry) {
+  BoardIdentity identity;
+  ReadBoardId(registry, identity.boardId, identity.boardRevision);
+  identity.boardIdString = ReadBoardIdString(registry);
+  return identity;
+}
+
+RunEnd EndOf(const RunRecorder& recorder) {
+  if (recorder.bypassesUpdates) return RunEnd::Bypassed;
+  const auto& configuration = recorder.matching.configuration;
+  if (!configuration) return RunEnd::NoConfiguration;
+  if (configuration->AsDictionary() == nullptr) return RunEnd::NoDictionary;
+  if (recorder.matches.empty()) return RunEnd::NothingMatched;
+  const bool isWhole = recorder.plannedMatches == recorder.matches.size();
+  return isWhole ? RunEnd::Planned : RunEnd::NoFirmware;
+}
+
+// The boot arguments, which hold a bare switch name.
+std::vector<ExplainedSource> BootArguments(Registry& registry) {
+  const auto options = registry.LookupEntryByPath(BootOptionsPath);
+  return {{.path = std::string(BootOptionsPath),
+           .name = "options",
+           .property = "boot-args",
+           .value = registry.GetProperty(options, "boot-args"),
+           .conversion = {}}};
+}
+
+std::vector<ExplainedSource> ControllersWithoutUid(const Recording& recording, Registry& registry) {
+  std::vector<ExplainedSource> sources;
+  ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
+    if (registry.GetProperty(controller, "UID")) return;
+    sources.push_back(LookUpSource(recording, {controller, "UID", ""}));
+  });
+  return sources;
+}
+
+// What a fault that ends a run abnormally is about.
+std::vector<ExplainedSource> FaultSources(const std::string& fault, const Recording& recording,
+                                          Registry& registry) {
+  if (fault == BareSwitchFault) return BootArguments(registry);
+  if (fault == MissingUidFault) return ControllersWithoutUid(recording, registry);
+  return {};
+}
+
+void ExplainRun(const Recording& recording, const RunRecorder& recorder, Explanation& explanation) {
+  explanation.end = EndOf(recorder);
+  explanation.bypassesVersionCheck = recorder.bypassesVersionCheck;
+  explanation.switchBypassesVersion = recorder.switchBypassesVersion;
+  explanation.matchCount = recorder.matches.size();
+  explanation.plannedMatchCount = recorder.plannedMatches;
+  if (!recorder.options || !recorder.identity) return;
+  explanation.optionBypassesVersion = recorder.options->bypassVersionCheck;
+  explanation.configurationPath =
+      ConfigurationPath(recorder.identity->boardIdString, recorder.options->personalitiesDirectory);
+  if (!recorder.matching.configuration) return;
+  const auto loading = LoadConfiguration(*explanation.configurationPath);
+  explanation.keys =
+      ExplainKeys(recorder.matching, loading.file ? &*loading.file : nullptr, recording);
+}
+
+}  // namespace
+
+std::vector<PairPlace> MatchedPairs(const Explanation& explanation) {
+  std::vector<PairPlace> matched;
+  for (const auto& key : explanation.keys) {
+    for (const auto& controller : key.controllers) {
+      for (const auto& pair : controller.pairs) {
+        if (pair.outcome == PairOutcome::Matched) matched.push_back({&key, &controller, &pair});
+      }
+    }
+  }
+  return matched;
+}
+
+Explanation Explain(const Recording& recording, const std::string& payload, bool bypassVersion) {
+  std::vector<std::string> arguments = {"-p", payload};
+  if (bypassVersion) arguments.emplace_back("--bypassVersion");
+  RecordedRegistry registry(recording);
+  Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadIdentity(registry)};
+  // In a process of its own first, so that a run that ends abnormally can be told of.
+  const auto fault = FaultThatEnds([&] { RunCaptured(registry, arguments, nullptr); });
+  if (fault) {
+    explanation.fault = *fault;
+    explanation.faultSources = FaultSources(*fault, recording, registry);
+    return explanation;
+  }
+  RunRecorder recorder;
+  explanation.run = RunCaptured(registry, arguments, &recorder);
+  ExplainRun(recording, recorder, explanation);
+  return explanation;
+}
+
+}  // namespace fernwick::lab
