@@ -28,13 +28,6 @@ void ReadSwitches(Registry& registry) {
   }
 }
 
-BoardIdentity ReadBoardIdentity(Registry& registry) {
-  BoardIdentity identity;
-  ReadBoardId(registry, identity.boardId, identity.boardRevision);
-  identity.boardIdString = ReadBoardIdString(registry);
-  return identity;
-}
-
 // Turns the matches into the plan and prints it.
 int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& identity,
               const Options& options, Output& out, RunRecorder* recorder) {

@@ -30,6 +30,7 @@ constexpr char Usage[] =
     "  show       show what a recorded computer holds and what the tool sees of it\n"
     "  convert    write a recorded computer in another serialisation\n"
     "  redact     write recorded computers without what identifies them\n"
+    "  survey     run the tool over many recorded computers, a row for each\n"
     "\n"
     "\"fernwick-lab VERB --help\" explains one.\n";
 

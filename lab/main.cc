@@ -11,6 +11,7 @@
 #include "lab/redact.h"
 #include "lab/replay.h"
 #include "lab/show.h"
+#include "lab/survey.h"
 
 namespace fernwick::lab {
 namespace {
@@ -29,6 +30,7 @@ constexpr Verb Verbs[] = {
     {"show", "show what a recorded computer holds and what the tool sees of it", Show},
     {"convert", "write a recorded computer in another serialisation", Convert},
     {"redact", "write recorded computers without what identifies them", Redact},
+    {"survey", "run the tool over many recorded computers, a row for each", Survey},
 };
 
 std::string Usage() {

@@ -14,13 +14,17 @@ void PrintError(std::string_view message) {
   std::fprintf(stderr, "fernwick-lab: %s\n", PrintableText(message).c_str());
 }
 
-int PrintResult(std::string_view text) {
-  Output out(stdout);
-  out.Write(text);
+int FinishOutput(Output& out) {
   out.Flush();
   if (out.Error() == 0) return LabStatus::Done;
   PrintError(std::string("standard output could not be written: ") + std::strerror(out.Error()));
   return LabStatus::OutputLost;
+}
+
+int PrintResult(std::string_view text) {
+  Output out(stdout);
+  out.Write(text);
+  return FinishOutput(out);
 }
 
 }  // namespace fernwick::lab

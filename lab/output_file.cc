@@ -9,18 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "lab/whole_write.h"
+
 namespace fernwick::lab {
 namespace {
-
-bool WriteAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
 
 // The permissions that a new file gets from the process.
 mode_t NewFileMode() {
@@ -32,7 +24,7 @@ mode_t NewFileMode() {
 // Fills the new file and gives it its name.
 bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes) {
   const bool written =
-      WriteAll(file, bytes) && fchmod(file, NewFileMode()) == 0 && fsync(file) == 0;
+      WriteWhole(file, bytes) && fchmod(file, NewFileMode()) == 0 && fsync(file) == 0;
   const int error = errno;
   const bool closed = close(file) == 0;
   if (!written) errno = error;

@@ -6,14 +6,6 @@
 namespace fernwick::lab {
 namespace {
 
-BoardIdentity ReadBoard(const Recording& recording) {
-  RecordedRegistry registry(recording);
-  BoardIdentity board;
-  ReadBoardId(registry, board.boardId, board.boardRevision);
-  board.boardIdString = ReadBoardIdString(registry);
-  return board;
-}
-
 Json InventoryAsJson(const Controllers& controllers) {
   if (controllers.endsRun) return {{"endsRunAbnormally", true}};
   auto list = Json::array();
@@ -63,7 +55,8 @@ Json BoardAsJson(const BoardIdentity& board) {
 }  // namespace
 
 ShownComputer LookAt(Recording recording) {
-  auto board = ReadBoard(recording);
+  RecordedRegistry registry(recording);
+  auto board = ReadBoardIdentity(registry);
   auto thunderbolt = FindThunderboltControllers(recording);
   auto ports = FindPortControllers(recording);
   return {std::move(recording), std::move(board), std::move(thunderbolt), std::move(ports)};

@@ -65,4 +65,11 @@ int ReadBoardRevision(Registry& registry) {
   return revision;
 }
 
+BoardIdentity ReadBoardIdentity(Registry& registry) {
+  BoardIdentity identity;
+  ReadBoardId(registry, identity.boardId, identity.boardRevision);
+  identity.boardIdString = ReadBoardIdString(registry);
+  return identity;
+}
+
 }  // namespace fernwick

@@ -26,4 +26,7 @@ std::optional<std::string> ReadBoardIdString(Registry& registry);
 /// The board revision that ReadBoardId stores, 0 to 255: the first byte of "board-rev".
 int ReadBoardRevision(Registry& registry);
 
+/// All of it: the numbers first, then the string.
+BoardIdentity ReadBoardIdentity(Registry& registry);
+
 }  // namespace fernwick

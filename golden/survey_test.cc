@@ -1,0 +1,460 @@
+// The verb `survey` as a process.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/many_computers.h"
+#include "testing/sanitizers.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ChildOutcome;
+using testing::OutputTarget;
+
+// Runs in golden/.
+ChildOutcome Survey(std::vector<std::string> arguments,
+                    OutputTarget target = OutputTarget::Captured,
+                    const std::string& directory = FERNWICK_GOLDEN_DIRECTORY) {
+  arguments.insert(arguments.begin(), {FERNWICK_LAB_PROGRAM, "survey"});
+  return testing::RunChild(arguments, directory, target);
+}
+
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
+  EXPECT_EQ(found.status, expected.status);
+  EXPECT_EQ(found.standardOutput, expected.standardOutput);
+  EXPECT_EQ(found.standardError, expected.standardError);
+}
+
+// One computer of each outcome, and a payload that has something for the first.
+const std::vector<std::string> EachOutcome = {
+    "-p",
+    "../examples/payload",
+    "../examples/thunderbolt-only.registry.plist",
+    "recordings/typical.registry.plist",
+    "recordings/bypass-nvram.registry.plist",
+    "none.registry.plist",
+    "recordings/bare-switch.registry.plist",
+};
+
+ChildOutcome SurveyEachOutcome(const std::vector<std::string>& options,
+                               OutputTarget target = OutputTarget::Captured) {
+  auto arguments = EachOutcome;
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return Survey(arguments, target);
+}
+
+constexpr char Totals[] =
+    "5 computers: 1 with a plan, 1 without, 1 bypassed, 1 refused, 1 ended abnormally; 2 matches\n";
+
+const std::string Rows[] = {
+    R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin"},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin"}],"diagnostics":[]})"
+    "\n",
+    R"({"file":"recordings/typical.registry.plist","outcome":"no plan","status":13,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[{"text":"fernwick: Error reading plist: No files to support boardID: Zed-42","count":1},{"text":"fernwick: Unexpected format for config plist file.  Aborting","count":1}]})"
+    "\n",
+    R"({"file":"recordings/bypass-nvram.registry.plist","outcome":"bypassed","status":0,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[]})"
+    "\n",
+    R"({"file":"none.registry.plist","outcome":"refused","status":66,"reason":"No such file or directory","board":null,"revision":null,"matches":[],"diagnostics":[]})"
+    "\n",
+    R"({"file":"recordings/bare-switch.registry.plist","outcome":"abnormal end","status":null,"reason":"SIGABRT","board":"Zed-42","revision":3,"matches":[],"diagnostics":[]})"
+    "\n",
+};
+
+TEST(Survey, AsATableShowsEveryOutcomeAndTheTotals) {
+  ExpectOutcome(
+      SurveyEachOutcome({}),
+      {"0",
+       "FILE                                         BOARD     REV  STATUS      TYPE               "
+       "RID  PORT  INSTALLED     VERSION  IMAGE\n"
+       "../examples/thunderbolt-only.registry.plist  Zed-1A06  1    0           LegacyThunderbolt  "
+       "2    -     23.020000001  24       ridge-24.00.bin\n"
+       "                                                                        LegacyThunderbolt  "
+       "3    -     23.060000001  24       ridge-24.00.bin\n"
+       "recordings/typical.registry.plist            Zed-42    3    13\n"
+       "    1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
+       "    1 x fernwick: Unexpected format for config plist file.  Aborting\n"
+       "recordings/bypass-nvram.registry.plist       Zed-42    3    0 bypassed\n"
+       "none.registry.plist                          -         -    66 refused\n"
+       "    No such file or directory\n"
+       "recordings/bare-switch.registry.plist        Zed-42    3    SIGABRT\n" +
+           std::string(Totals),
+       ""});
+}
+
+TEST(Survey, AsNdjsonIsARowALine) {
+  std::string rows;
+  for (const auto& row : Rows) rows += row;
+  ExpectOutcome(SurveyEachOutcome({"--format", "ndjson"}), {"0", rows, Totals});
+}
+
+TEST(Survey, AsCsvIsALineForEveryMatchOrComputer) {
+  ExpectOutcome(
+      SurveyEachOutcome({"--format", "csv"}),
+      {"0",
+       "file,outcome,status,reason,board,revision,type,rid,port "
+       "address,installed,version,image,diagnostics\r\n"
+       "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,2,,23."
+       "020000001,24,ridge-24.00.bin,\r\n"
+       "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,3,,23."
+       "060000001,24,ridge-24.00.bin,\r\n"
+       "recordings/typical.registry.plist,no plan,13,,Zed-42,3,,,,,,,1 x fernwick: Error reading "
+       "plist: No files to support boardID: Zed-42; 1 x fernwick: Unexpected format for config "
+       "plist file.  Aborting\r\n"
+       "recordings/bypass-nvram.registry.plist,bypassed,0,,Zed-42,3,,,,,,,\r\n"
+       "none.registry.plist,refused,66,No such file or directory,,,,,,,,,\r\n"
+       "recordings/bare-switch.registry.plist,abnormal end,,SIGABRT,Zed-42,3,,,,,,,\r\n",
+       Totals});
+}
+
+TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
+  ExpectOutcome(
+      SurveyEachOutcome({"--format", "junit"}),
+      {"0",
+       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+       "<testsuites>\n"
+       "  <testsuite name=\"fernwick-lab survey\" tests=\"5\" failures=\"2\" errors=\"0\" "
+       "skipped=\"0\">\n"
+       "    <testcase classname=\"Zed-1A06\" "
+       "name=\"../examples/thunderbolt-only.registry.plist\">\n"
+       "      <system-out>\n"
+       "plan, status 0, board Zed-1A06, revision 1\n"
+       "LegacyThunderbolt: RID 2, port -, 23.020000001 to 24, ridge-24.00.bin\n"
+       "LegacyThunderbolt: RID 3, port -, 23.060000001 to 24, ridge-24.00.bin\n"
+       "      </system-out>\n"
+       "    </testcase>\n"
+       "    <testcase classname=\"Zed-42\" name=\"recordings/typical.registry.plist\">\n"
+       "      <system-out>\n"
+       "no plan, status 13, board Zed-42, revision 3\n"
+       "1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
+       "1 x fernwick: Unexpected format for config plist file.  Aborting\n"
+       "      </system-out>\n"
+       "    </testcase>\n"
+       "    <testcase classname=\"Zed-42\" name=\"recordings/bypass-nvram.registry.plist\">\n"
+       "      <system-out>\n"
+       "bypassed, status 0, board Zed-42, revision 3\n"
+       "      </system-out>\n"
+       "    </testcase>\n"
+       "    <testcase classname=\"-\" name=\"none.registry.plist\">\n"
+       "      <failure type=\"refused\" message=\"No such file or directory\"/>\n"
+       "      <system-out>\n"
+       "refused, status 66 (No such file or directory), board -, revision -\n"
+       "      </system-out>\n"
+       "    </testcase>\n"
+       "    <testcase classname=\"Zed-42\" name=\"recordings/bare-switch.registry.plist\">\n"
+       "      <failure type=\"abnormal end\" message=\"SIGABRT\"/>\n"
+       "      <system-out>\n"
+       "abnormal end, status - (SIGABRT), board Zed-42, revision 3\n"
+       "      </system-out>\n"
+       "    </testcase>\n"
+       "  </testsuite>\n"
+       "</testsuites>\n",
+       Totals});
+}
+
+// A saved survey in which one row is changed, one is missing and one is too much.
+class ExpectedSurvey : public ::testing::Test {
+ protected:
+  ChildOutcome SurveyAgainst(const std::string& saved, const std::string& format) {
+    return SurveyEachOutcome(
+        {"--expect", directory_.Write("saved.ndjson", saved), "--format", format});
+  }
+
+  static std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+  }
+
+  const std::string changedRow_ = Replaced(Rows[0], "\"version\":24", "\"version\":25");
+  const std::string missingRow_ = Replaced(Rows[3], "none", "gone");
+  const std::string saved_ = missingRow_ + Rows[4] + Rows[2] + changedRow_ + Rows[1];
+  const std::string changes_ = "not as expected: 1 changed, 1 additional, 1 missing\n";
+
+ private:
+  testing::TemporaryDirectory directory_;
+};
+
+TEST_F(ExpectedSurvey, ThatIsFoundInAnyOrderIsNoDifference) {
+  ExpectOutcome(
+      SurveyAgainst(Rows[4] + Rows[2] + Rows[0] + Rows[3] + Rows[1], "table"),
+      {"0", Totals + std::string("not as expected: 0 changed, 0 additional, 0 missing\n"), ""});
+}
+
+TEST_F(ExpectedSurvey, ShowsTheLinesThatDiffer) {
+  ExpectOutcome(SurveyAgainst(saved_, "table"),
+                {"1",
+                 "../examples/thunderbolt-only.registry.plist: changed\n"
+                 "  - LegacyThunderbolt: RID 2, port -, 23.020000001 to 25, ridge-24.00.bin\n"
+                 "  + LegacyThunderbolt: RID 2, port -, 23.020000001 to 24, ridge-24.00.bin\n"
+                 "none.registry.plist: additional\n"
+                 "  + refused, status 66 (No such file or directory), board -, revision -\n"
+                 "gone.registry.plist: missing\n"
+                 "  - refused, status 66 (No such file or directory), board -, revision -\n" +
+                     std::string(Totals) + changes_,
+                 ""});
+}
+
+TEST_F(ExpectedSurvey, AsNdjsonHasBothRows) {
+  const auto row = [](const std::string& text) { return text.substr(0, text.size() - 1); };
+  ExpectOutcome(
+      SurveyAgainst(saved_, "ndjson"),
+      {"1",
+       R"({"file":"../examples/thunderbolt-only.registry.plist","difference":"changed","expected":)" +
+           row(changedRow_) + ",\"found\":" + row(Rows[0]) + "}\n" +
+           R"({"file":"none.registry.plist","difference":"additional","expected":null,"found":)" +
+           row(Rows[3]) + "}\n" +
+           R"({"file":"gone.registry.plist","difference":"missing","expected":)" +
+           row(missingRow_) + ",\"found\":null}\n",
+       Totals + changes_});
+}
+
+TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
+  const std::string names =
+      "difference,side,file,outcome,status,reason,board,revision,type,rid,port "
+      "address,installed,version,image,diagnostics\r\n";
+  ExpectOutcome(SurveyAgainst(missingRow_ + Rows[0] + Rows[1] + Rows[2] + Rows[4], "csv"),
+                {"1",
+                 names + "additional,found,none.registry.plist,refused,66,No such file or "
+                         "directory,,,,,,,,,\r\n"
+                         "missing,expected,gone.registry.plist,refused,66,No such file or "
+                         "directory,,,,,,,,,\r\n",
+                 Totals + std::string("not as expected: 0 changed, 1 additional, 1 missing\n")});
+}
+
+TEST_F(ExpectedSurvey, AsJunitFailsWhatDiffersAlone) {
+  const auto outcome = SurveyAgainst(Rows[0] + Rows[1] + Rows[2] + Rows[3] + Rows[4], "junit");
+  EXPECT_EQ(outcome.status, "0");
+  const std::string head =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n"
+      "  <testsuite name=\"fernwick-lab survey\" tests=\"5\" failures=\"0\" errors=\"0\" "
+      "skipped=\"0\">\n";
+  EXPECT_EQ(outcome.standardOutput.substr(0, head.size()), head);
+}
+
+TEST_F(ExpectedSurvey, ThatIsNoneIsRefusedWithItsPlace) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Write("saved.ndjson", Rows[0] + "{\"file\":\"x\"}\n");
+  ExpectOutcome(SurveyEachOutcome({"--expect", path}),
+                {"65", "", "fernwick-lab: " + path + ": 2: this is no row of a survey\n"});
+  ExpectOutcome(SurveyEachOutcome({"--expect", "/no-such-file"}),
+                {"66", "", "fernwick-lab: /no-such-file: No such file or directory\n"});
+  ExpectOutcome(SurveyEachOutcome({"--expect", directory.Path()}),
+                {"66", "", "fernwick-lab: " + directory.Path() + ": Is a directory\n"});
+}
+
+TEST(Survey, OfNothingIsAnError) {
+  for (const char* format : {"table", "ndjson", "csv", "junit"}) {
+    ExpectOutcome(Survey({"-p", "../examples/payload", "cases", "--format", format}),
+                  {"66", "", "fernwick-lab: there is no recording in what is selected\n"});
+  }
+}
+
+TEST(Survey, NeedsAPayload) {
+  ExpectOutcome(Survey({"-p", "/nowhere", "recordings"}),
+                {"66", "", "fernwick-lab: /nowhere/Fernwick: there is no such directory\n"});
+  ExpectOutcome(
+      Survey({"recordings"}),
+      {"64", "", "fernwick-lab: --payload is required; see fernwick-lab survey --help\n"});
+}
+
+TEST(Survey, TakesTheVersionBypass) {
+  const std::vector<std::string> arguments = {
+      "-p", "../examples/payload", "../examples/up-to-date.registry.plist", "--format", "csv"};
+  auto bypassing = arguments;
+  bypassing.push_back("--bypassVersion");
+  EXPECT_EQ(Survey(arguments).standardError,
+            "1 computer: 0 with a plan, 1 without, 0 bypassed, 0 refused, 0 ended abnormally; 0 "
+            "matches\n");
+  EXPECT_EQ(Survey(bypassing).standardError,
+            "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 2 "
+            "matches\n");
+}
+
+TEST(Survey, WhoseOutputIsLostStops) {
+  const std::string lost = "fernwick-lab: standard output could not be written: ";
+  for (const char* format : {"table", "ndjson", "csv", "junit"}) {
+    ExpectOutcome(SurveyEachOutcome({"--format", format}, OutputTarget::FullDisk),
+                  {"74", "", lost + "No space left on device\n"});
+    ExpectOutcome(SurveyEachOutcome({"--format", format}, OutputTarget::BrokenPipe),
+                  {"74", "", lost + "Broken pipe\n"});
+    ExpectOutcome(SurveyEachOutcome({"--format", format}, OutputTarget::Closed),
+                  {"74", "", lost + "Bad file descriptor\n"});
+  }
+}
+
+TEST(Survey, ShowsNothingOfAFileRaw) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("a\x1B[31m,\"\xFF\n.registry.plist", "<dict/>");
+  directory.Write("payload/Fernwick/README", "");
+  const auto outcome = [&](const char* format) {
+    return Survey({"-p", "payload", ".", "--format", format}, OutputTarget::Captured,
+                  directory.Path())
+        .standardOutput;
+  };
+  EXPECT_EQ(outcome("ndjson"),
+            "{\"file\":\"./a\\u001b[31m,\\\"\uFFFD\\n.registry.plist\",\"outcome\":\"refused\","
+            "\"status\":65,\"reason\":\"\\\"Recording Version\\\" is missing\",\"board\":null,"
+            "\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
+  EXPECT_EQ(outcome("csv"),
+            "file,outcome,status,reason,board,revision,type,rid,port "
+            "address,installed,version,image,diagnostics\r\n"
+            "\"./a\\033[31m,\"\"\\377\\012.registry.plist\",refused,65,\"\"\"Recording "
+            "Version\"\" is missing\",,,,,,,,,\r\n");
+  EXPECT_EQ(
+      outcome("table"),
+      "FILE                                  BOARD  REV  STATUS      TYPE  RID  PORT  INSTALLED "
+      " VERSION  IMAGE\n"
+      "./a\\033[31m,\"\\377\\012.registry.plist  -      -    65 refused\n"
+      "    \"Recording Version\" is missing\n"
+      "1 computer: 0 with a plan, 0 without, 0 bypassed, 1 refused, 0 ended abnormally; 0 "
+      "matches\n");
+}
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+constexpr std::size_t Many = testing::UnderAddressSanitizer ? 300 : 1000;
+constexpr std::size_t Faulty = 37;
+
+ChildOutcome SurveyMany(const testing::TemporaryDirectory& directory,
+                        const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {"-p", "payload", "computers"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return Survey(arguments, OutputTarget::Captured, directory.Path());
+}
+
+TEST(ManyComputers, GiveTheSameBytesWhateverTheNumberOfJobs) {
+  const testing::TemporaryDirectory directory;
+  testing::WriteManyComputers(directory, Many, Faulty);
+  for (const char* format : {"table", "ndjson"}) {
+    const auto one = SurveyMany(directory, {"--format", format, "-j1"});
+    EXPECT_EQ(one.status, "0");
+    for (const char* jobs : {"-j2", "-j9"}) {
+      ExpectOutcome(SurveyMany(directory, {"--format", format, jobs}), one);
+    }
+  }
+}
+
+TEST(ManyComputers, AreNotTouchedByThoseThatEndAbnormally) {
+  const testing::TemporaryDirectory directory;
+  testing::WriteManyComputers(directory, Many);
+  const auto expected = LinesOf(SurveyMany(directory, {"--format", "ndjson"}).standardOutput);
+  const auto name = "/" + std::to_string(Faulty) + ".registry.plist";
+  for (std::size_t i = 0; i < Many / 100; ++i) {
+    directory.Write("computers/" + std::to_string(i) + name, testing::FaultyRecording());
+  }
+  const auto found = LinesOf(SurveyMany(directory, {"--format", "ndjson"}).standardOutput);
+  ASSERT_EQ(expected.size(), Many);
+  ASSERT_EQ(found.size(), Many);
+  std::size_t ended = 0;
+  for (std::size_t i = 0; i < Many; ++i) {
+    if (expected[i].find(name) == std::string::npos) {
+      EXPECT_EQ(found[i], expected[i]);
+    } else {
+      EXPECT_NE(found[i].find("\"abnormal end\",\"status\":null,\"reason\":\"SIGABRT\""),
+                std::string::npos);
+      ++ended;
+    }
+  }
+  EXPECT_EQ(ended, Many / 100);
+}
+
+TEST(ManyComputers, ComeFromStandardInputTheSame) {
+  const testing::TemporaryDirectory directory;
+  testing::WriteManyComputers(directory, 300, Faulty);
+  const auto named = SurveyMany(directory, {"--format", "ndjson"});
+  const auto piped = testing::RunChild(
+      {"/bin/sh", "-c",
+       "find computers -name '*.registry.plist' | LC_ALL=C sort | \"$0\" survey -p payload "
+       "--format ndjson -",
+       FERNWICK_LAB_PROGRAM},
+      directory.Path());
+  ExpectOutcome(piped, named);
+}
+
+// The limit is above what the program needs and below what the recording does.
+TEST(Survey, MakesARowOfARecordingThatExhaustsMemory) {
+  if (testing::UnderAddressSanitizer) GTEST_SKIP();
+  const testing::TemporaryDirectory directory;
+  const auto large = directory.Write("b.registry.plist", "");
+  std::filesystem::resize_file(large, std::size_t{1} << 28);
+  directory.Write("a.registry.plist", testing::FaultyRecording());
+  directory.Write("c.registry.plist", "<dict/>");
+  directory.Write("payload/Fernwick/README", "");
+  const auto outcome = testing::RunChild(
+      {"/bin/sh", "-c", "ulimit -v 200000; exec \"$0\" survey -p payload . --format csv",
+       FERNWICK_LAB_PROGRAM},
+      directory.Path());
+  ExpectOutcome(outcome, {"0",
+                          "file,outcome,status,reason,board,revision,type,rid,port "
+                          "address,installed,version,image,diagnostics\r\n"
+                          "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,\r\n"
+                          "./b.registry.plist,abnormal end,,out of memory,,,,,,,,,\r\n"
+                          "./c.registry.plist,refused,65,\"\"\"Recording Version\"\" is "
+                          "missing\",,,,,,,,,\r\n",
+                          "3 computers: 0 with a plan, 0 without, 0 bypassed, 1 refused, 2 ended "
+                          "abnormally; 0 matches\n"});
+}
+
+// A survey that waits for paths, and a pipe that is at its end once no process of it is left.
+struct WaitingSurvey {
+  pid_t process;
+  int paths;
+  int rows;
+  int left;
+};
+
+WaitingSurvey StartWaitingSurvey() {
+  int paths[2];
+  int rows[2];
+  int left[2];
+  if (pipe2(paths, O_CLOEXEC) != 0 || pipe2(rows, O_CLOEXEC) != 0 || pipe(left) != 0) std::abort();
+  const pid_t process = fork();
+  if (process == 0) {
+    dup2(paths[0], STDIN_FILENO);
+    dup2(rows[1], STDOUT_FILENO);
+    close(left[0]);
+    if (chdir(FERNWICK_GOLDEN_DIRECTORY) != 0) _exit(126);
+    execl(FERNWICK_LAB_PROGRAM, FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload",
+          "--format", "ndjson", "-", nullptr);
+    _exit(127);
+  }
+  close(paths[0]);
+  close(rows[1]);
+  close(left[1]);
+  return {process, paths[1], rows[0], left[0]};
+}
+
+TEST(Survey, ThatIsInterruptedLeavesNoProcess) {
+  const auto survey = StartWaitingSurvey();
+  const std::string path = "recordings/bypass-nvram.registry.plist\n";
+  ASSERT_EQ(write(survey.paths, path.data(), path.size()), static_cast<ssize_t>(path.size()));
+  std::string row(Rows[2].size(), '\0');
+  ASSERT_EQ(read(survey.rows, row.data(), row.size()), static_cast<ssize_t>(row.size()));
+  EXPECT_EQ(row, Rows[2]);  // so a worker lives
+  kill(survey.process, SIGINT);
+  int status = 0;
+  waitpid(survey.process, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGINT);
+  char byte;
+  EXPECT_EQ(read(survey.left, &byte, 1), 0);
+  for (const int file : {survey.paths, survey.rows, survey.left}) close(file);
+}
+
+}  // namespace
+}  // namespace fernwick

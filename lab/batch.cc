@@ -1,0 +1,69 @@
+#include "lab/batch.h"
+
+#include <algorithm>
+#include <optional>
+#include <thread>
+
+#include "lab/exit_status.h"
+#include "lab/messages.h"
+#include "lab/progress.h"
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::size_t MostJobs = 1024;
+
+}  // namespace
+
+const char SelectionHelp[] =
+    "A directory stands for every *.registry.plist below it, by name; links to directories are\n"
+    "not followed. - reads paths from standard input, one a line.\n";
+
+void AddBatchOptions(CLI::App& app, BatchOptions& options) {
+  options.jobs = std::max(1u, std::thread::hardware_concurrency());
+  app.add_option("RECORDING", options.paths, "recorded computers, directories of them, or -")
+      ->required()
+      ->type_name("");
+  app.add_option("-j,--jobs", options.jobs, "processes at once (default: one a processor)")
+      ->check(CLI::Range(std::size_t{1}, MostJobs))
+      ->type_name("N");
+}
+
+bool IsPayload(const std::string& payload) {
+  const auto directory = AppendPathComponent(payload, "Fernwick");
+  if (PathExists(AppendPathComponent(directory, "."))) return true;
+  PrintError(directory + ": there is no such directory");
+  return false;
+}
+
+int RunBatch(const BatchOptions& options, const Work& work, Output& out,
+             const std::function<std::string(const WorkResult&)>& take) {
+  Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
+  Selection selection(options.paths);
+  bool isEmpty = true;
+  std::string error;
+  const auto end = WorkThrough(selection, work, options.jobs, [&](const WorkResult& result) {
+    isEmpty = false;
+    progress.Clear();
+    error = take(result);
+    out.Flush();
+    progress.Step();
+    return error.empty() && out.Error() == 0;
+  });
+  progress.Clear();
+  if (out.Error() != 0) return FinishOutput(out);
+  if (!error.empty()) {
+    PrintError(error);
+    return LabStatus::OutputLost;
+  }
+  if (!end.complete) {
+    PrintError("no process could be started: " + end.error);
+    return LabStatus::NoProcess;
+  }
+  if (!isEmpty) return LabStatus::Done;
+  PrintError("there is no recording in what is selected");
+  return LabStatus::UnreadableInput;
+}
+
+}  // namespace fernwick::lab

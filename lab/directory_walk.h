@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fernwick::lab {
+
+/// A path that was selected. Where a directory could not be read, its path and why; else the error
+/// is empty.
+struct Selected {
+  std::string path;
+  std::string error = {};
+
+  friend bool operator==(const Selected&, const Selected&) = default;
+};
+
+/// Goes over every "*.registry.plist" below a directory, in the bytewise order of their paths. A
+/// link to a directory is not followed, so there is no loop. Holds the names of the directories
+/// between the top and the current path, not those of all.
+class DirectoryWalk {
+ public:
+  explicit DirectoryWalk(std::string directory) { Enter(std::move(directory)); }
+
+  /// None at the end.
+  std::optional<Selected> Next();
+
+ private:
+  struct Level {
+    std::string path;
+    std::vector<std::string> names;  // in their order; "/" behind that of a directory
+    std::size_t next = 0;
+    std::string error = {};
+  };
+
+  void Enter(std::string directory);
+
+  std::vector<Level> levels_;
+};
+
+}  // namespace fernwick::lab

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "testing/temporary_directory.h"
+
+namespace fernwick::testing {
+
+/// A recording whose run ends abnormally.
+std::string FaultyRecording();
+
+/// Writes `count` small recordings of boards "Zed-0" to "Zed-2" with a few ports each, a hundred to
+/// a directory, and a payload for two of the boards under "payload". Of every hundred the one at
+/// `faulty`, if there is one, is a FaultyRecording.
+void WriteManyComputers(const TemporaryDirectory& directory, std::size_t count,
+                        std::size_t faulty = 100);
+
+}  // namespace fernwick::testing

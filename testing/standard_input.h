@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string_view>
+
+namespace fernwick::testing {
+
+/// Puts a pipe in the place of standard input for as long as it lives. One at a time.
+class StandardInputPipe {
+ public:
+  StandardInputPipe();
+  ~StandardInputPipe();
+  StandardInputPipe(const StandardInputPipe&) = delete;
+  StandardInputPipe& operator=(const StandardInputPipe&) = delete;
+
+  /// REQUIRES: no more than the pipe holds, 64 KiB, is unread.
+  void Write(std::string_view bytes);
+
+  /// Nothing more will be written.
+  void End();
+
+ private:
+  int saved_;
+  int writeEnd_;
+};
+
+}  // namespace fernwick::testing
