@@ -31,6 +31,7 @@ constexpr char Usage[] =
     "  convert    write a recorded computer in another serialisation\n"
     "  redact     write recorded computers without what identifies them\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
+    "  diff       tell which recorded computers two payloads treat differently\n"
     "\n"
     "\"fernwick-lab VERB --help\" explains one.\n";
 

@@ -4,6 +4,7 @@
 
 #include "driver/process.h"
 #include "lab/convert.h"
+#include "lab/diff.h"
 #include "lab/exit_status.h"
 #include "lab/lint.h"
 #include "lab/explain.h"
@@ -31,6 +32,7 @@ constexpr Verb Verbs[] = {
     {"convert", "write a recorded computer in another serialisation", Convert},
     {"redact", "write recorded computers without what identifies them", Redact},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
+    {"diff", "tell which recorded computers two payloads treat differently", Diff},
 };
 
 std::string Usage() {
