@@ -1,6 +1,8 @@
 #include "lab/explained_keys.h"
 
 #include <span>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "lab/entry_path.h"
@@ -9,14 +11,33 @@
 namespace fernwick::lab {
 namespace {
 
+// Where the keys of a dictionary stand; of one that occurs twice the last, whose value holds.
+class KeyPlaces {
+ public:
+  // Null: nothing is known.
+  explicit KeyPlaces(const ValuePlace* dictionary) {
+    if (dictionary == nullptr) return;
+    for (const auto& entry : dictionary->entries) places_[entry.key.View()] = &entry;
+  }
+
+  // Null when it is not told.
+  const KeyPlace* Find(std::string_view key) const {
+    const auto place = places_.find(key);
+    return place == places_.end() ? nullptr : place->second;
+  }
+
+ private:
+  std::unordered_map<std::string_view, const KeyPlace*> places_;
+};
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
   KeyExplainer(const ConfigurationFile* file, const Recording& recording)
-      : file_(file), recording_(recording) {}
+      : file_(file), keyPlaces_(file == nullptr ? nullptr : &file->Root()), recording_(recording) {}
 
   ExplainedKey Explain(const KeyDecisions& decisions, const PropertyValue& value) {
-    const auto* place = file_ == nullptr ? nullptr : FindKey(file_->Root(), decisions.key);
+    const auto* place = keyPlaces_.Find(decisions.key);
     const auto type = TypeNamed(decisions.key);
     const auto candidates = PersonalitiesOf(decisions.key, value);
     ExplainedKey key = {.key = decisions.key,
@@ -69,14 +90,13 @@ class KeyExplainer {
 
   std::vector<UnreadKey> UnreadKeys(const Dictionary& personality, TypeSet type,
                                     const ValuePlace* place) const {
+    const KeyPlaces places(place);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
       const auto* known = FindPersonalityKey(key.View());
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
       if ((readBy & type) != 0) continue;
-      unread.push_back({std::string(key.View()),
-                        PlaceOfKey(place == nullptr ? nullptr : FindKey(*place, key.View())),
-                        readBy});
+      unread.push_back({std::string(key.View()), PlaceOfKey(places.Find(key.View())), readBy});
     }
     return unread;
   }
@@ -135,6 +155,7 @@ class KeyExplainer {
   }
 
   const ConfigurationFile* file_;
+  KeyPlaces keyPlaces_;  // of the top-level keys
   const Recording& recording_;
   std::vector<const ValuePlace*> places_;  // of the personalities of the key; null where not told
 };
@@ -157,8 +178,10 @@ std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const Confi
   std::vector<ExplainedKey> keys;
   KeyExplainer explainer(file, recording);
   const auto* configuration = matching.configuration->AsDictionary();
+  if (configuration == nullptr) return keys;
+  auto entry = configuration->Entries().begin();
   for (const auto& decisions : matching.keys) {
-    keys.push_back(explainer.Explain(decisions, *configuration->Find(decisions.key)));
+    keys.push_back(explainer.Explain(decisions, (entry++)->value));
   }
   return keys;
 }
