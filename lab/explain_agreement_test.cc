@@ -12,6 +12,8 @@
 #include "lab/captured_run.h"
 #include "lab/explain_words.h"
 #include "lab/explanation.h"
+#include "lab/explanation_json.h"
+#include "lab/explanation_text.h"
 #include "plan/value_conversions.h"
 #include "registry/thunderbolt_inventory.h"
 #include "testing/random_pairs.h"
@@ -78,13 +80,9 @@ std::vector<ReportedMatch> ExplainedMatches(const Explanation& explanation) {
   return matches;
 }
 
-// How many images the printed plan hands over.
-std::size_t PayloadsOf(const std::string& plan) {
-  constexpr std::string_view Argument = "<string>-payload</string>";
+std::size_t Occurrences(std::string_view piece, const std::string& text) {
   std::size_t count = 0;
-  for (auto at = plan.find(Argument); at != std::string::npos; at = plan.find(Argument, at + 1)) {
-    ++count;
-  }
+  for (auto at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++count;
   return count;
 }
 
@@ -107,12 +105,28 @@ class Bench {
 
   const Explanation& Explained() const { return explanation_; }
 
+  // Whatever the explanation is, it can be told, and both ways of telling it have a line for each
+  // failure.
+  void ExpectToldWhole() {
+    const auto text = ExplanationText(explanation_, false);
+    const auto json = PrintJson(ExplanationJson(explanation_));
+    std::size_t failures = 0;
+    for (const auto& key : explanation_.keys) {
+      for (const auto& controller : key.controllers) {
+        for (const auto& pair : controller.pairs) failures += pair.failures.size();
+      }
+    }
+    EXPECT_EQ(Occurrences(" check]\n", text), failures);
+    EXPECT_EQ(Occurrences("\"shortfall\": ", json), failures);
+  }
+
   void ExpectAgreement() {
     if (explanation_.end == RunEnd::Abnormal) return ExpectAbnormalEnd();
     const auto quiet = Run({}, nullptr);
     EXPECT_EQ(explanation_.run, quiet);
     const bool isPlanned = explanation_.end == RunEnd::Planned;
-    EXPECT_EQ(PayloadsOf(quiet.standardOutput), isPlanned ? explanation_.matchCount : 0u);
+    EXPECT_EQ(Occurrences("<string>-payload</string>", quiet.standardOutput),
+              isPlanned ? explanation_.matchCount : 0u);
     // The verbose listing takes an inventory that no key of the configuration may ask for.
     if (HasControllerWithoutUid(recording_)) return;
     const auto verbose = Run({"-v"}, nullptr);
@@ -186,6 +200,7 @@ TEST(ExplainAgreement, HoldsOverRandomPairs) {
     SCOPED_TRACE(i);
     bench.Hold(testing::MakeRandomPair(random));
     bench.ExpectAgreement();
+    bench.ExpectToldWhole();
     CountAll(bench.Explained(), counts);
   }
   ExpectEveryOutcome(counts);

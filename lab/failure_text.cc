@@ -13,7 +13,7 @@ std::string ValueText(std::string_view key, const PropertyValue& value) {
 
 std::string Wanted(const ExplainedFailure& failure) {
   const auto& requirement = failure.requirement;
-  return ValueText(requirement.key, *requirement.wanted) + AtPlace(failure.wantedPlace);
+  return ValueText(requirement.key, requirement.wanted.value()) + AtPlace(failure.wantedPlace);
 }
 
 std::string PropertyText(const ExplainedSource& source) {
@@ -28,7 +28,7 @@ std::string UselessSourceText(const ExplainedSource& source) {
 }
 
 std::string Found(const ExplainedFailure& failure) {
-  return ValueText(failure.requirement.key, *failure.requirement.found);
+  return ValueText(failure.requirement.key, failure.requirement.found.value());
 }
 
 std::string HardwareSide(const ExplainedFailure& failure) {
@@ -48,6 +48,12 @@ std::string Age(const ExplainedFailure& failure) {
   return Wanted(failure) + verdict + " newer than the installed " + Found(failure);
 }
 
+// The personality may lack its version, which is a failure of its own.
+std::string Engineering(const ExplainedFailure& failure) {
+  const auto wish = failure.requirement.wanted ? Wish(failure) + ", but " : "";
+  return wish + "engineering firmware is installed, marked " + Found(failure);
+}
+
 std::string WrongKind(const ExplainedFailure& failure) {
   const auto* key = FindPersonalityKey(failure.requirement.key);
   const bool isOfBoard = failure.requirement.hardwareKey.empty();
@@ -64,8 +70,7 @@ std::string FailureText(const ExplainedFailure& failure) {
     case Shortfall::WrongKind: return WrongKind(failure);
     case Shortfall::Unequal: return Wish(failure) + ", finds " + Found(failure);
     case Shortfall::NotNewer: return Age(failure);
-    case Shortfall::EngineeringFirmware:
-      return Wanted(failure) + ", but engineering firmware is installed, marked " + Found(failure);
+    case Shortfall::EngineeringFirmware: return Engineering(failure);
     case Shortfall::AboveInstalled:
       return Wanted(failure) + " is above the installed " + Found(failure);
     case Shortfall::BelowInstalled:

@@ -37,7 +37,9 @@ TEST(FailureText, TellsEveryShortfall) {
   EXPECT_EQ(TextOf("Version", Shortfall::NotNewer, "42", 41),
             "\"42\" at 9:4 is no number and not newer than the installed 41");
   EXPECT_EQ(TextOf("Version", Shortfall::EngineeringFirmware, 42, 64),
-            "42 at 9:4, but engineering firmware is installed, marked 64");
+            "wants 42 at 9:4, but engineering firmware is installed, marked 64");
+  EXPECT_EQ(TextOf("Version", Shortfall::EngineeringFirmware, {}, 64),
+            "engineering firmware is installed, marked 64");
   EXPECT_EQ(TextOf("Existing Min Version", Shortfall::AboveInstalled, 42, 41),
             "42 at 9:4 is above the installed 41");
   EXPECT_EQ(TextOf("Existing Max Version", Shortfall::BelowInstalled, 40, 41),
