@@ -83,7 +83,7 @@ TEST(BinaryWriter, ReadsBackEveryKindOfValue) {
 }
 
 TEST(BinaryWriter, ReadsBackCountsAroundEveryWidth) {
-  for (const std::size_t count : {1, 14, 15, 255, 256, 257, 65535, 65536, 65537}) {
+  for (const std::size_t count : {1u, 14u, 15u, 255u, 256u, 257u, 65535u, 65536u, 65537u}) {
     ExpectReadsBack(Repeated("s", count));
     ExpectReadsBack(Repeated("\xC3\xA4", count));
     ExpectReadsBack(testing::Bytes(Repeated("d", count)));
@@ -92,7 +92,7 @@ TEST(BinaryWriter, ReadsBackCountsAroundEveryWidth) {
 }
 
 TEST(BinaryWriter, ReadsBackDictionariesOfManyKeys) {
-  for (const std::size_t count : {14, 15, 127, 128, 40000}) {
+  for (const std::size_t count : {14u, 15u, 127u, 128u, 40000u}) {
     std::vector<DictionaryEntry> entries;
     for (std::size_t i = 0; i < count; ++i) entries.emplace_back(std::to_string(i), i);
     ExpectReadsBack(Dictionary(std::move(entries)));

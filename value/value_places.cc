@@ -5,7 +5,8 @@
 namespace fernwick {
 
 void PlaceRecorder::BeginValue(std::size_t offset) {
-  open_.push_back({.place = {.offset = offset}, .pendingKey = {}});
+  open_.push_back({.place = {}, .pendingKey = {}});
+  open_.back().place.offset = offset;
 }
 
 void PlaceRecorder::EndValue() {

@@ -16,8 +16,8 @@ struct KeyPlace;
 /// of an XML or text form, or into a binary file.
 struct ValuePlace {
   std::size_t offset = 0;
-  std::vector<KeyPlace> entries = {};     // of a dictionary; a key that occurs twice is there twice
-  std::vector<ValuePlace> elements = {};  // of an array
+  std::vector<KeyPlace> entries;     // of a dictionary; a key that occurs twice is there twice
+  std::vector<ValuePlace> elements;  // of an array
 };
 
 /// A key of a dictionary, where it begins, and its value.
