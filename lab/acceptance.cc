@@ -54,9 +54,8 @@ AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const PersonalityKe
   }
   if (IsSortedUnique(values)) return values;
   std::ranges::sort(values, IsBefore);
-  const auto repeated =
-      std::ranges::unique(values, [](auto* a, auto* b) { return !IsBefore(a, b); });
-  values.erase(repeated.begin(), repeated.end());
+  const auto isSame = [](auto* a, auto* b) { return !IsBefore(a, b); };
+  values.erase(std::unique(values.begin(), values.end(), isSame), values.end());
   return values;
 }
 

@@ -120,8 +120,7 @@ class PayloadLinter {
       boards = std::move(names);
     }
     std::ranges::sort(boards);
-    const auto repeated = std::ranges::unique(boards);
-    boards.erase(repeated.begin(), repeated.end());
+    boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
     for (const auto& board : boards) {
       const auto path = AppendPathComponent(personalitiesDirectory_, board);
       std::error_code error;
