@@ -10,11 +10,11 @@
 #include "lab/batch.h"
 #include "lab/command_line.h"
 #include "lab/exit_status.h"
+#include "lab/explain_words.h"
 #include "lab/isolation.h"
 #include "lab/messages.h"
 #include "lab/payload_diff.h"
 #include "lab/recording_file.h"
-#include "lab/survey_totals.h"
 #include "registry/board_identity.h"
 
 namespace fernwick::lab {
@@ -132,7 +132,7 @@ struct DiffTotals {
   }
 
   std::string Text() const {
-    return Counted(changed + unchanged + refused + abnormal, "computer") + ": " +
+    return Counted(changed + unchanged + refused + abnormal, "computer", "computers") + ": " +
            std::to_string(changed) + " changed (" + std::to_string(gained) + " gained a plan, " +
            std::to_string(lost) + " lost it), " + std::to_string(unchanged) + " unchanged, " +
            std::to_string(refused) + " refused, " + std::to_string(abnormal) +

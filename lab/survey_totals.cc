@@ -2,6 +2,8 @@
 
 #include <numeric>
 
+#include "lab/explain_words.h"
+
 namespace fernwick::lab {
 
 void SurveyTotals::Add(const SurveyRow& row) {
@@ -17,15 +19,10 @@ std::string Describe(const SurveyTotals& totals) {
   const auto count = [&](Outcome outcome) {
     return std::to_string(totals.outcomes[static_cast<std::size_t>(outcome)]);
   };
-  return Counted(totals.Computers(), "computer") + ": " + count(Outcome::Plan) + " with a plan, " +
-         count(Outcome::NoPlan) + " without, " + count(Outcome::Bypassed) + " bypassed, " +
-         count(Outcome::Refused) + " refused, " + count(Outcome::AbnormalEnd) +
-         " ended abnormally; " +
-         (totals.matches == 1 ? "1 match" : std::to_string(totals.matches) + " matches") + "\n";
-}
-
-std::string Counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+  return Counted(totals.Computers(), "computer", "computers") + ": " + count(Outcome::Plan) +
+         " with a plan, " + count(Outcome::NoPlan) + " without, " + count(Outcome::Bypassed) +
+         " bypassed, " + count(Outcome::Refused) + " refused, " + count(Outcome::AbnormalEnd) +
+         " ended abnormally; " + Counted(totals.matches, "match", "matches") + "\n";
 }
 
 }  // namespace fernwick::lab

@@ -20,8 +20,4 @@ struct SurveyTotals {
 /// One line, with its line feed.
 std::string Describe(const SurveyTotals& totals);
 
-/// A number in front of what it counts, of which the singular is given: "1 computer", "2
-/// computers".
-std::string Counted(std::size_t count, const std::string& noun);
-
 }  // namespace fernwick::lab
