@@ -71,11 +71,13 @@ std::string SurveyExpectation::ReadPlaces(int& status) {
 
 std::optional<SurveyRow> SurveyExpectation::TakeFor(const SurveyRow& found) {
   const auto file = SavedFileOf(found);
-  for (auto& place : std::ranges::equal_range(places_, HashOf(file), {}, &Place::hash)) {
-    if (place.isTaken) continue;
-    auto row = ReadRow(place);
+  const auto hash = HashOf(file);
+  auto place = std::ranges::lower_bound(places_, hash, {}, &Place::hash);
+  for (; place != places_.end() && place->hash == hash; ++place) {
+    if (place->isTaken) continue;
+    auto row = ReadRow(*place);
     if (!row || row->file != file) continue;
-    place.isTaken = true;
+    place->isTaken = true;
     return row;
   }
   return std::nullopt;

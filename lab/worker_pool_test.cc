@@ -70,7 +70,7 @@ TEST(WorkerPool, HandsAnswersOverInTheOrderOfTheSelection) {
     paths.push_back("/" + std::to_string(i));
     expected.push_back(paths.back() + "=" + paths.back() + paths.back());
   }
-  for (const std::size_t jobs : {1, 2, 7}) EXPECT_EQ(ResultsOf(paths, Obey, jobs), expected);
+  for (const std::size_t jobs : {1u, 2u, 7u}) EXPECT_EQ(ResultsOf(paths, Obey, jobs), expected);
 }
 
 TEST(WorkerPool, LosesNothingButThePathOfAWorkerThatEnds) {
@@ -85,7 +85,7 @@ TEST(WorkerPool, LosesNothingButThePathOfAWorkerThatEnds) {
                             "/7exhaust!out of memory(/7)",
                             "/8close!SIGKILL(/8)",
                             "/9=/9/9"};
-  for (const std::size_t jobs : {1, 2, 20}) EXPECT_EQ(ResultsOf(paths, Obey, jobs), expected);
+  for (const std::size_t jobs : {1u, 2u, 20u}) EXPECT_EQ(ResultsOf(paths, Obey, jobs), expected);
 }
 
 TEST(WorkerPool, SurvivesTheEndOfEveryWorker) {
