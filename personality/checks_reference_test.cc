@@ -110,6 +110,12 @@ struct CheckPair {
   ReferenceCheck reference;
 };
 
+// The real checks that take a board revision, without a recorder.
+template <auto Check>
+bool Unrecorded(const Personality& personality, const HardwareRecord& hardware, unsigned revision) {
+  return Check(personality, hardware, revision, nullptr);
+}
+
 const std::vector<Named<CheckPair>> Checks = {
     {"LegacyUsbc",
      {[](const Personality& personality, const HardwareRecord& hardware, unsigned) {
@@ -119,7 +125,7 @@ const std::vector<Named<CheckPair>> Checks = {
          std::string& diagnostics) {
         return reference::CheckLegacyUsbcRequirements(personality, hardware, bypass, diagnostics);
       }}},
-    {"Usbc", {CheckUsbcRequirements, reference::CheckUsbcRequirements}},
+    {"Usbc", {Unrecorded<CheckUsbcRequirements>, reference::CheckUsbcRequirements}},
     {"LegacyThunderbolt",
      {[](const Personality& personality, const HardwareRecord& hardware, unsigned) {
         return CheckLegacyThunderboltRequirements(personality, hardware, 0);
@@ -129,7 +135,8 @@ const std::vector<Named<CheckPair>> Checks = {
         return reference::CheckLegacyThunderboltRequirements(personality, hardware, bypass,
                                                              diagnostics);
       }}},
-    {"Thunderbolt", {CheckThunderboltRequirements, reference::CheckThunderboltRequirements}},
+    {"Thunderbolt",
+     {Unrecorded<CheckThunderboltRequirements>, reference::CheckThunderboltRequirements}},
 };
 
 // Compares the two until they differ for the first time; a test that saw only one verdict fails.
