@@ -26,16 +26,21 @@ function(fernwick_tests program library)
   gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
 endfunction()
 
-# fernwick_program_tests(PROGRAM SOURCE): tests that run the programs as they are built.
-function(fernwick_program_tests program source)
-  fernwick_tests(${program} fernwick_testing ${source})
-  add_dependencies(${program} fernwick fernwick-lab)
-  target_compile_definitions(${program} PRIVATE
-    FERNWICK_SOURCE_DIRECTORY="${CMAKE_SOURCE_DIR}"
-    FERNWICK_BUILD_DIRECTORY="${CMAKE_BINARY_DIR}"
-    FERNWICK_GOLDEN_DIRECTORY="${CMAKE_SOURCE_DIR}/golden"
-    FERNWICK_PROGRAM="$<TARGET_FILE:fernwick>"
-    FERNWICK_LAB_PROGRAM="$<TARGET_FILE:fernwick-lab>")
+# fernwick_program_tests(FOLDER): each FOLDER/NAME_test.cc as the test program NAME_test, which runs the
+# programs as they are built.
+function(fernwick_program_tests folder)
+  file(GLOB tests CONFIGURE_DEPENDS ${folder}/*_test.cc)
+  foreach(source ${tests})
+    cmake_path(GET source STEM program)
+    fernwick_tests(${program} fernwick_lab ${source})
+    add_dependencies(${program} fernwick fernwick-lab)
+    target_compile_definitions(${program} PRIVATE
+      FERNWICK_SOURCE_DIRECTORY="${CMAKE_SOURCE_DIR}"
+      FERNWICK_BUILD_DIRECTORY="${CMAKE_BINARY_DIR}"
+      FERNWICK_GOLDEN_DIRECTORY="${CMAKE_SOURCE_DIR}/golden"
+      FERNWICK_PROGRAM="$<TARGET_FILE:fernwick>"
+      FERNWICK_LAB_PROGRAM="$<TARGET_FILE:fernwick-lab>")
+  endforeach()
 endfunction()
 
 # fernwick_spy_on_lookups(PROGRAM): lets every lookup in a dictionary pass by testing/lookup_spy.

@@ -6,7 +6,7 @@
 #include "fuzz/hold.h"
 #include "fuzz/same_value.h"
 #include "fuzz/text_form.h"
-#include "testing/binary_property_list_writer.h"
+#include "value/binary_property_list_writer.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
 #include "value/utf8.h"
@@ -56,7 +56,7 @@ void HoldReading(const std::optional<PropertyValue>& value, const std::string& e
   Hold(value.has_value() == error.empty(), "there is either a value or an error");
   if (!value || !IsSmall(*value)) return;
   HoldReadsBack(WriteXmlPropertyList(*value), *value, Serialisation::Xml);
-  HoldReadsBack(testing::WriteBinaryPropertyList(*value), *value, Serialisation::Binary);
+  HoldReadsBack(WriteBinaryPropertyList(*value), *value, Serialisation::Binary);
   if (FitsTextForm(*value)) HoldReadsBack(WriteTextForm(*value), *value, Serialisation::Text);
 }
 

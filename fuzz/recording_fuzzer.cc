@@ -10,7 +10,7 @@
 #include "fuzz/same_value.h"
 #include "fuzz/value_mutator.h"
 #include "registry/recording_reader.h"
-#include "testing/binary_property_list_writer.h"
+#include "value/binary_property_list_writer.h"
 #include "value/property_list_reader.h"
 
 namespace fernwick::fuzz {
@@ -22,7 +22,7 @@ void HoldSameFromBinary(std::string_view bytes, const RecordingReading& recordin
   if (!reading.value || reading.serialisation == Serialisation::Text || !IsSmall(*reading.value)) {
     return;
   }
-  const auto again = ReadRecording(testing::WriteBinaryPropertyList(*reading.value));
+  const auto again = ReadRecording(WriteBinaryPropertyList(*reading.value));
   Hold(again.error == recording.error, "both serialisations give one error");
   if (!recording.recording) return;
   Hold(again.recording->planes == recording.recording->planes, "both give the same planes");

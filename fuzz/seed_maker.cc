@@ -17,8 +17,8 @@
 #include "fuzz/sample_values.h"
 #include "fuzz/text_form.h"
 #include "fuzz/words.h"
-#include "testing/binary_property_list_writer.h"
 #include "testing/files.h"
+#include "value/binary_property_list_writer.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
 
@@ -108,8 +108,8 @@ void MakeReaderSeeds(SeedMaker& maker, const Texts& files) {
   const auto values = ValuesOf(files);
   const auto xml = Joined({Written(samples, WriteXmlPropertyList), Written(samples, WriteBareXml),
                            XmlOddities(), files});
-  const auto binary = Joined({Written(samples, testing::WriteBinaryPropertyList),
-                              Written(values, testing::WriteBinaryPropertyList)});
+  const auto binary =
+      Joined({Written(samples, WriteBinaryPropertyList), Written(values, WriteBinaryPropertyList)});
   const auto text =
       Joined({Written(samples, WriteTextForm), Written(values, WriteTextForm), TextOddities()});
   maker.Add("xml", xml);
@@ -126,7 +126,7 @@ void MakeRecordingSeeds(SeedMaker& maker, const Texts& recordings) {
   auto values = ValuesOf(recordings);
   values.push_back(SampleRecording());
   maker.Add("recording", Written(values, WriteXmlPropertyList));
-  maker.Add("recording", Written(values, testing::WriteBinaryPropertyList));
+  maker.Add("recording", Written(values, WriteBinaryPropertyList));
   maker.AddWords("recording", WordsIn(values));
 }
 
@@ -146,7 +146,7 @@ void MakeRunSeeds(SeedMaker& maker, const Texts& recordings, const Texts& config
   // A configuration may be binary; a recording ends at its first zero byte.
   for (const auto& configuration : ValuesOf(configurations)) {
     seeds.push_back(Pack({CommandLines[0], WriteXmlPropertyList(computers.front()),
-                          testing::WriteBinaryPropertyList(configuration)}));
+                          WriteBinaryPropertyList(configuration)}));
   }
   maker.Add("run", seeds);
   maker.AddWords("run", Joined({WordsIn(computers), WordsIn(ValuesOf(configurations))}));

@@ -6,8 +6,8 @@
 
 #include "fuzz/same_value.h"
 #include "fuzz/sample_values.h"
-#include "testing/binary_property_list_writer.h"
 #include "testing/property_values.h"
+#include "value/binary_property_list_writer.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
 
@@ -34,7 +34,7 @@ void ForEachPart(const PropertyValue& value, Visit visit) {
 // nothing.
 std::string AsBinary(std::string xml) {
   const auto reading = ReadPropertyList(std::move(xml));
-  return reading.value ? testing::WriteBinaryPropertyList(*reading.value) : std::string();
+  return reading.value ? WriteBinaryPropertyList(*reading.value) : std::string();
 }
 
 }  // namespace

@@ -18,8 +18,15 @@ namespace {
 
 using testing::ArrayObject;
 using testing::AsciiObject;
+using testing::BigEndian;
 using testing::BinaryFile;
+using testing::Bytes;
+using testing::DataObject;
+using testing::DateObject;
+using testing::DateOf;
 using testing::DictionaryObject;
+using testing::RealObject;
+using testing::References;
 using testing::Repeated;
 using testing::Utf16Object;
 
@@ -43,37 +50,69 @@ TEST(BinaryWriter, SharesEqualStrings) {
                        {.offsetWidth = 1}));
 }
 
-TEST(BinaryWriter, WritesTextThatIsNotAsciiInUtf16) {
-  EXPECT_EQ(WriteBinaryPropertyList("\xC3\xA4\xF0\x9F\x98\x80\xEF\xBF\xBD"),
-            BinaryFile({Utf16Object(u"\u00E4\U0001F600\uFFFD")}, {.offsetWidth = 1}));
+// The file of one object.
+std::string FileOf(const std::string& object) {
+  return BinaryFile({object}, {.offsetWidth = 1});
 }
 
-TEST(BinaryWriter, WritesEveryIntegerInTheFewestBytes) {
-  const auto object = [](const PropertyValue& value) {
-    const auto file = WriteBinaryPropertyList(value);
-    return file.substr(8, file.size() - 8 - 1 - 32);
+struct LeafRow {
+  PropertyValue value;
+  std::string object;
+};
+
+TEST(BinaryWriter, SpellsEveryLeafAsShortAsMayBe) {
+  const LeafRow rows[] = {
+      {false, "\x08"},
+      {true, "\x09"},
+      {0, std::string("\x10\0", 2)},
+      {255, "\x10\xFF"},
+      {256, std::string("\x11\1\0", 3)},
+      {0xFFFF, "\x11\xFF\xFF"},
+      {0x10000, std::string("\x12\0\1\0\0", 5)},
+      {0xFFFFFFFFu, "\x12\xFF\xFF\xFF\xFF"},
+      {0x100000000u, std::string("\x13\0\0\0\1\0\0\0\0", 9)},
+      {std::numeric_limits<std::int64_t>::max(), "\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+      {-1, "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+      {std::uint64_t{1} << 63, '\x14' + BigEndian(0, 8) + '\x80' + BigEndian(0, 7)},
+      {0.5, RealObject(0.5)},
+      {"", AsciiObject("")},
+      {"a\x7F", AsciiObject("a\x7F")},
+      {"a\u00E9\uFFFD\U0001F600", Utf16Object(u"a\u00E9\uFFFD\U0001F600")},
+      {Bytes("\x80"), DataObject("\x80")},
+      {DateOf("2001-01-01T00:00:00Z"), DateObject(0)},
+      {DateOf("2000-12-31T23:59:59Z"), DateObject(-1)},
   };
-  using testing::BigEndian;
-  EXPECT_EQ(object(0), "\x10" + BigEndian(0, 1));
-  EXPECT_EQ(object(255), "\x10" + BigEndian(255, 1));
-  EXPECT_EQ(object(256), "\x11" + BigEndian(256, 2));
-  EXPECT_EQ(object(65535), "\x11" + BigEndian(65535, 2));
-  EXPECT_EQ(object(65536), "\x12" + BigEndian(65536, 4));
-  EXPECT_EQ(object(0xFFFFFFFF), "\x12" + BigEndian(0xFFFFFFFF, 4));
-  EXPECT_EQ(object(0x100000000), "\x13" + BigEndian(0x100000000, 8));
-  EXPECT_EQ(object(std::numeric_limits<std::int64_t>::max()),
-            "\x13" + BigEndian(0x7FFFFFFFFFFFFFFF, 8));
-  EXPECT_EQ(object(std::uint64_t{1} << 63),
-            "\x14" + BigEndian(0, 8) + BigEndian(std::uint64_t{1} << 63, 8));
-  EXPECT_EQ(object(-1), "\x13" + BigEndian(~std::uint64_t{0}, 8));
+  for (const auto& [value, object] : rows) {
+    SCOPED_TRACE(::testing::PrintToString(value));
+    EXPECT_EQ(WriteBinaryPropertyList(value), FileOf(object));
+  }
+}
+
+TEST(BinaryWriter, TakesWiderReferencesFromTheTwoHundredAndFiftySeventhObjectOn) {
+  References elements;
+  std::vector<std::string> objects{""};
+  Array array;
+  for (std::uint64_t i = 1; i <= 256; ++i) {
+    elements.push_back(i);
+    objects.push_back("\x09");
+    array.push_back(true);
+  }
+  objects[0] = ArrayObject(elements, 2);
+  EXPECT_EQ(WriteBinaryPropertyList(array),
+            BinaryFile(objects, {.offsetWidth = 2, .referenceWidth = 2}));
+  elements.pop_back();
+  objects.pop_back();
+  array.pop_back();
+  objects[0] = ArrayObject(elements, 1);
+  EXPECT_EQ(WriteBinaryPropertyList(array), BinaryFile(objects, {.offsetWidth = 2}));
 }
 
 TEST(BinaryWriter, ReadsBackEveryKindOfValue) {
   ExpectReadsBack(Dictionary{});
   ExpectReadsBack(Array{});
   ExpectReadsBack("");
-  ExpectReadsBack(testing::Bytes(""));
-  ExpectReadsBack(testing::Bytes(std::string("\0\xFF", 2)));
+  ExpectReadsBack(Bytes(""));
+  ExpectReadsBack(Bytes(std::string("\0\xFF", 2)));
   ExpectReadsBack(std::numeric_limits<std::int64_t>::min());
   ExpectReadsBack(std::numeric_limits<std::uint64_t>::max());
   ExpectReadsBack(-0.5);
@@ -86,7 +125,7 @@ TEST(BinaryWriter, ReadsBackCountsAroundEveryWidth) {
   for (const std::size_t count : {1u, 14u, 15u, 255u, 256u, 257u, 65535u, 65536u, 65537u}) {
     ExpectReadsBack(Repeated("s", count));
     ExpectReadsBack(Repeated("\xC3\xA4", count));
-    ExpectReadsBack(testing::Bytes(Repeated("d", count)));
+    ExpectReadsBack(Bytes(Repeated("d", count)));
     ExpectReadsBack(Array(count, 7));
   }
 }
