@@ -229,7 +229,8 @@ TEST(Memory, OfAnyLimitGivesAPlanOrNone) {
     SCOPED_TRACE(kibibytes);
     const auto found =
         world.ReplayByShell("ulimit -v " + std::to_string(kibibytes) + "; exec ", "");
-    const bool starts = found.status != "127";
+    // Where not even the program's own file finds room, the system ends it before it begins.
+    const bool starts = found.status != "127" && found.status != "SIGSEGV";
     if (found == usual) {
       met.push_back("plan");
     } else if (starts) {

@@ -6,8 +6,8 @@
 #include "lab/convert.h"
 #include "lab/diff.h"
 #include "lab/exit_status.h"
-#include "lab/lint.h"
 #include "lab/explain.h"
+#include "lab/lint.h"
 #include "lab/messages.h"
 #include "lab/redact.h"
 #include "lab/replay.h"
@@ -59,11 +59,17 @@ int Main(int argumentCount, char* const arguments[]) {
   return LabStatus::BadUsage;
 }
 
+// The library that takes command lines apart allocates before main begins, and memory may run out
+// even there.
+struct EndWhenOutOfMemoryFromTheStart {
+  EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::UnreadableInput); }
+};
+[[gnu::init_priority(101)]] const EndWhenOutOfMemoryFromTheStart endWhenOutOfMemory;
+
 }  // namespace
 }  // namespace fernwick::lab
 
 int main(int argc, char* argv[]) {
   fernwick::PrepareProcess();
-  fernwick::EndWhenOutOfMemory(fernwick::lab::LabStatus::UnreadableInput);
   return fernwick::lab::Main(argc, argv);
 }
