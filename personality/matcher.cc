@@ -115,7 +115,8 @@ void MatchPortControllers(Registry& registry, std::string_view key, const Proper
 
 // A place for the decisions under the key; null where nobody wants to know.
 KeyDecisions* StartRecording(MatchRecorder* recorder, std::string_view key) {
-  return recorder == nullptr ? nullptr : &recorder->keys.emplace_back(std::string(key));
+  return recorder == nullptr ? nullptr
+                             : &recorder->keys.emplace_back(KeyDecisions{std::string(key)});
 }
 
 }  // namespace

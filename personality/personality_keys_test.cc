@@ -106,7 +106,9 @@ TEST(PersonalityKeys, AreExactlyThoseThatTheCheckOfEachTypeLooksUp) {
     const testing::LookupSpy spy(Update);
     RequirementRecorder recorder;
     EXPECT_TRUE(applies(Update, &recorder)) << type;
-    const auto checked = [&](const PersonalityKey& key) { return (key.checkedBy & type) != 0; };
+    const auto checked = [type = type](const PersonalityKey& key) {
+      return (key.checkedBy & type) != 0;
+    };
     EXPECT_EQ(spy.Keys(), NamesWhere(checked)) << type;
   }
 }
@@ -120,7 +122,7 @@ TEST(PersonalityKeys, AreRequiredWhereAPersonalityWithoutAnyLacksThem) {
       EXPECT_EQ(failure.shortfall, Shortfall::PersonalityLacksKey) << failure.key;
       lacking.emplace(failure.key);
     }
-    const auto required = [&](const PersonalityKey& key) {
+    const auto required = [type = type](const PersonalityKey& key) {
       return (key.checkedBy & key.requiredBy & type) != 0;
     };
     EXPECT_EQ(lacking, NamesWhere(required)) << type;
