@@ -179,7 +179,7 @@ void ExpectEveryOutcome(const Counts& counts) {
       {"unequal", 1000},
       {"notNewer", 200},
       {"engineeringFirmware", 200},
-      {"aboveInstalled", 50},
+      {"aboveInstalled", 40},
       {"belowInstalled", 20},
       {"aboveBoardRevision", 50},
       {"belowBoardRevision", 50},
