@@ -4,18 +4,12 @@
 #include "lab/abnormal_end.h"
 #include "lab/explained_keys.h"
 #include "personality/configuration.h"
+#include "registry/board_identity.h"
 #include "registry/inventory.h"
 #include "registry/thunderbolt_inventory.h"
 
 namespace fernwick::lab {
 namespace {
-
-BoardIdentity ReadIdentity(Registry& registry) {
-  BoardIdentity identity;
-  ReadBoardId(registry, identity.boardId, identity.boardRevision);
-  identity.boardIdString = ReadBoardIdString(registry);
-  return identity;
-}
 
 RunEnd EndOf(const RunRecorder& recorder) {
   if (recorder.bypassesUpdates) return RunEnd::Bypassed;
@@ -88,7 +82,7 @@ Explanation Explain(const Recording& recording, const std::string& payload, bool
   std::vector<std::string> arguments = {"-p", payload};
   if (bypassVersion) arguments.emplace_back("--bypassVersion");
   RecordedRegistry registry(recording);
-  Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadIdentity(registry)};
+  Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadBoardIdentity(registry)};
   // In a process of its own first, so that a run that ends abnormally can be told of.
   const auto fault = FaultThatEnds([&] { RunCaptured(registry, arguments, nullptr); });
   if (fault) {
