@@ -57,7 +57,9 @@ ChildOutcome SurveyEachOutcome(const std::vector<std::string>& options,
 }
 
 constexpr char Totals[] =
-    "5 computers: 1 with a plan, 1 without, 1 bypassed, 1 refused, 1 ended abnormally; 2 matches\n";
+    "5 computers: 1 with a plan, 1 without, 1 bypassed, 1 refused, 1 ended abnormally; 2 matches\n"
+    "  1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
+    "  1 x fernwick: Unexpected format for config plist file.  Aborting\n";
 
 const std::string Rows[] = {
     R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin"},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin"}],"diagnostics":[]})"

@@ -25,9 +25,9 @@ constexpr char Description[] =
 
 std::string Footer() {
   return std::string(SelectionHelp) +
-         "\nThe order is that of the selection, whatever the number of jobs. The totals stand "
-         "below "
-         "the\ntable, and on standard error for every other format.\n\n"
+         "\nThe order is that of the selection, whatever the number of jobs. The totals, with the "
+         "count of\neach diagnostic over all computers, stand below the table, and on standard "
+         "error for every other\nformat.\n\n"
          "Status: 0 every computer has its row, 1 some rows differ from those of --expect.\n\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --format ndjson computers/ > saved.ndjson\n"
