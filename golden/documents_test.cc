@@ -1,8 +1,8 @@
 // The commands in the documents are run, and must print what the documents show. A document shows a
-// command in a block fenced as "console": lines that begin with "$ " are run by the shell at the
-// top of the source tree, with the built programs on the PATH; what follows each is what it prints,
-// its standard error included, up to the next command. A last line "[status N]" is the exit status
-// when it is not 0.
+// command in a block fenced as "console", a manual page in a literal one: lines that begin with
+// "$ " are run by the shell at the top of the source tree, with the built programs on the PATH;
+// what follows each is what it prints, its standard error included, up to the next command. A last
+// line "[status N]" is the exit status when it is not 0.
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,12 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "testing/child_process.h"
 #include "testing/files.h"
+#include "testing/manual_page.h"
 
 namespace fernwick {
 namespace {
@@ -29,29 +31,49 @@ struct ShownCommand {
   std::string output;
 };
 
+struct Markup {
+  std::string_view blockStart;
+  std::string_view blockEnd;
+  std::string (*plainText)(std::string_view line);
+};
+
+constexpr Markup Markdown = {"```console", "```",
+                             [](std::string_view line) { return std::string(line); }};
+constexpr Markup Mdoc = {".Bd -literal", ".Ed", testing::WithoutEscapes};
+
 std::vector<ShownCommand> CommandsOf(const fs::path& document) {
+  const auto& markup = document.extension() == ".md" ? Markdown : Mdoc;
   std::vector<ShownCommand> commands;
   std::ifstream lines(document);
   bool inBlock = false;
   int number = 0;
   for (std::string line; std::getline(lines, line);) {
     ++number;
-    if (line.starts_with("```")) {
-      inBlock = line == "```console";
+    if (line == markup.blockStart || line == markup.blockEnd) {
+      inBlock = line == markup.blockStart;
     } else if (inBlock && line.starts_with("$ ")) {
       const auto place = document.filename().string() + ":" + std::to_string(number);
-      commands.push_back({place, line.substr(2), ""});
+      commands.push_back({place, markup.plainText(line.substr(2)), ""});
     } else if (inBlock && !commands.empty()) {
-      commands.back().output += line + "\n";
+      commands.back().output += markup.plainText(line) + "\n";
     }
   }
   return commands;
 }
 
-std::vector<ShownCommand> AllCommands() {
-  auto commands = CommandsOf(SourceDirectory / "README.md");
+std::vector<fs::path> AllDocuments() {
+  auto documents = testing::ManualPages(SourceDirectory);
+  documents.push_back(SourceDirectory / "README.md");
   for (const auto& file : fs::directory_iterator(SourceDirectory / "docs")) {
-    for (auto& command : CommandsOf(file.path())) commands.push_back(std::move(command));
+    if (file.path().extension() == ".md") documents.push_back(file.path());
+  }
+  return documents;
+}
+
+std::vector<ShownCommand> AllCommands() {
+  std::vector<ShownCommand> commands;
+  for (const auto& document : AllDocuments()) {
+    for (auto& command : CommandsOf(document)) commands.push_back(std::move(command));
   }
   return commands;
 }

@@ -1,0 +1,170 @@
+// The manual pages tell the truth: what they list is held against what the programs list.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "personality/personality_keys.h"
+#include "registry/record_keys.h"
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/manual_page.h"
+#include "testing/program_help.h"
+
+namespace fernwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ItemsOf;
+
+const fs::path SourceDirectory = FERNWICK_SOURCE_DIRECTORY;
+const fs::path Pages = SourceDirectory / "man";
+
+TEST(Manual, PagesAreSoundMarkup) {
+  for (const auto& page : testing::ManualPages(SourceDirectory)) {
+    const auto outcome = testing::RunChild(
+        {"mandoc", "-T", "lint", "-W", "warning", page.filename().string()}, Pages.string());
+    EXPECT_EQ(outcome.standardOutput + outcome.standardError, "");
+    EXPECT_EQ(outcome.status, "0");
+  }
+}
+
+TEST(Manual, ToolPageListsItsOptionsAndNoOther) {
+  std::set<std::string> listed;
+  for (const auto& item : ItemsOf(Pages / "fernwick.1")) {
+    for (auto& option : testing::OptionsIn(item.heading)) listed.insert(std::move(option));
+  }
+  EXPECT_EQ(listed, testing::OptionsOfTool(FERNWICK_PROGRAM));
+}
+
+TEST(Manual, ToolPageListsTheDiagnosticsOfTheChecks) {
+  std::set<std::string> written;
+  const std::regex message(R"rx("(\*\* [^"]*)\\n")rx");
+  for (const auto& file : fs::directory_iterator(SourceDirectory / "personality")) {
+    if (file.path().string().ends_with("_test.cc")) continue;
+    const auto source = testing::ReadFile(file.path());
+    for (std::sregex_iterator match(source.begin(), source.end(), message), end; match != end;
+         ++match) {
+      written.insert((*match)[1]);
+    }
+  }
+  std::set<std::string> listed;
+  for (const auto& item : ItemsOf(Pages / "fernwick.1")) {
+    if (item.section == "DIAGNOSTICS") listed.insert(item.heading);
+  }
+  EXPECT_EQ(listed, written);
+}
+
+TEST(Manual, LabPageListsTheOptionsOfEachVerbAndNoOther) {
+  const auto verbs = testing::VerbsAndOptions(FERNWICK_LAB_PROGRAM);
+  std::map<std::string, std::set<std::string>> listed;
+  const auto source = testing::ReadFile(Pages / "fernwick-lab.1");
+  const std::regex subsection(R"(\.Ss (\w+)\n)");
+  for (std::sregex_iterator verb(source.begin(), source.end(), subsection), end; verb != end;
+       ++verb) {
+    listed[(*verb)[1]] = {};
+  }
+  for (const auto& item : ItemsOf(Pages / "fernwick-lab.1")) {
+    for (auto& option : testing::OptionsIn(item.heading)) {
+      listed[item.section].insert(std::move(option));
+    }
+  }
+  EXPECT_FALSE(verbs.empty());
+  EXPECT_EQ(listed, verbs);
+}
+
+std::string NamesOf(TypeSet types) {
+  std::string names;
+  for (const auto& [type, name] : std::initializer_list<std::pair<TypeSet, const char*>>{
+           {Types::LegacyThunderbolt, "LegacyThunderbolt"},
+           {Types::Thunderbolt, "Thunderbolt"},
+           {Types::LegacyUsbc, "LegacyUSBC"},
+           {Types::Usbc, "USBC"}}) {
+    if ((types & type) != 0) names.append(names.empty() ? "" : ", ").append(name);
+  }
+  return names;
+}
+
+const char* KindOf(const PersonalityKey& key) {
+  switch (key.kind) {
+    case KeyKind::OneNumber: return "One number.";
+    case KeyKind::NumberOrList: return "A number or a list of numbers.";
+    case KeyKind::StringOrList: return "A string or a list of strings.";
+    case KeyKind::ListOfStrings: return "A list of strings.";
+    case KeyKind::FileName: return "The name of a file.";
+    case KeyKind::Priority: return "A number.";
+    case KeyKind::NvramDictionary: return "A dictionary.";
+    case KeyKind::NameList: return "A list of names.";
+  }
+  return "";
+}
+
+const char* AbsenceOf(const PersonalityKey& key) {
+  if (key.kind == KeyKind::FileName) return "Without it there is no plan.";
+  if (key.kind == KeyKind::Priority) return "Without it 0 is taken.";
+  if (key.kind == KeyKind::NvramDictionary) return "Without it nothing is set.";
+  if (key.kind == KeyKind::NameList) return "Without it nothing is removed.";
+  if (key.name == "Version") {
+    return "Without it nothing matches, unless the version check is bypassed.";
+  }
+  return key.requiredBy == Types::None ? "Without it there is no constraint."
+                                       : "Without it nothing matches.";
+}
+
+// The first paragraph of a key tells its kind, who reads it and what its absence means.
+TEST(Manual, ConfigurationPageTellsOfEveryKeyWhatIsTrue) {
+  std::map<std::string, std::string> expected;
+  for (const auto& key : PersonalityKeys()) {
+    auto& facts = expected["Qq " + std::string(key.name)];
+    facts = KindOf(key);
+    if (key.checkedBy != Types::None) facts += " Tested by " + NamesOf(key.checkedBy) + ".";
+    if (key.plannedBy != Types::None) facts += " Planned by " + NamesOf(key.plannedBy) + ".";
+    facts.append(" ").append(AbsenceOf(key));
+    // A type that tests a key and needs it: those that need it are all that test it.
+    if (key.checkedBy != Types::None && key.requiredBy != Types::None) {
+      EXPECT_EQ(key.requiredBy, key.checkedBy) << key.name;
+    }
+  }
+  std::map<std::string, std::string> told;
+  for (const auto& item : ItemsOf(Pages / "fernwick-config.5")) {
+    if (item.heading.starts_with("Qq ")) told[item.heading] = item.paragraph;
+  }
+  EXPECT_EQ(told, expected);
+}
+
+std::set<std::string> QuotedIn(const std::string& paragraph) {
+  std::set<std::string> names;
+  const std::regex quoted(R"(\.Qq ([A-Z]\w*(?: [A-Z]\w*)*))");
+  for (std::sregex_iterator match(paragraph.begin(), paragraph.end(), quoted), end; match != end;
+       ++match) {
+    names.insert((*match)[1]);
+  }
+  return names;
+}
+
+TEST(Manual, RecordingPageNamesEveryPropertyOfAControllerThatIsRead) {
+  std::set<std::string> ofPort = {"Route String"};
+  std::set<std::string> ofThunderbolt = {"Route String", "Depth"};
+  for (const auto& key : RecordKeys) {
+    if (!key.portProperty.empty()) ofPort.emplace(key.portProperty);
+    if (!key.thunderboltProperty.empty()) ofThunderbolt.emplace(key.thunderboltProperty);
+  }
+  std::map<std::string, std::set<std::string>> told;
+  for (const auto& item : ItemsOf(Pages / "fernwick-recording.5")) {
+    if (item.heading.starts_with("Entries of class ")) {
+      told[item.heading.substr(17)] = QuotedIn(item.paragraph);
+    }
+  }
+  const std::map<std::string, std::set<std::string>> expected = {
+      {"Qq IOThunderboltSwitch", ofThunderbolt}, {"Qq QuinceHPMDevice", ofPort}};
+  EXPECT_EQ(told, expected);
+}
+
+}  // namespace
+}  // namespace fernwick

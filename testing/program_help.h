@@ -1,0 +1,16 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+
+namespace fernwick::testing {
+
+/// Every verb that `fernwick-lab --help` lists, with the options that the verb's own --help lists,
+/// as they are typed ("-p", "--payload"), without those that ask for help.
+std::map<std::string, std::set<std::string>> VerbsAndOptions(const std::string& labProgram);
+
+/// Every option that the tool accepts, as it is typed, found by trying each letter.
+std::set<std::string> OptionsOfTool(const std::string& program);
+
+}  // namespace fernwick::testing
