@@ -18,15 +18,21 @@ struct FaultRow {
   std::string message;
 };
 
+// What may stand in memory behind a document, and must not be looked at.
+constexpr std::string_view Behind = " >/?-='\";a]<";
+
 // Holds `operate`, on a cursor over each document, to the fault of its row.
 template <typename Operate>
 void ExpectFaults(const std::vector<FaultRow>& rows, Operate operate) {
   for (const auto& [document, offset, message] : rows) {
-    SCOPED_TRACE(::testing::PrintToString(document));
-    XmlCursor cursor(document);
-    EXPECT_FALSE(operate(cursor));
-    EXPECT_EQ(cursor.Fault().Message(), message);
-    EXPECT_EQ(cursor.Fault().Offset(), offset);
+    for (const char behind : Behind) {
+      const auto memory = document + behind;
+      SCOPED_TRACE(::testing::PrintToString(memory));
+      XmlCursor cursor(std::string_view(memory).substr(0, document.size()));
+      EXPECT_FALSE(operate(cursor));
+      EXPECT_EQ(cursor.Fault().Message(), message);
+      EXPECT_EQ(cursor.Fault().Offset(), offset);
+    }
   }
 }
 

@@ -103,13 +103,17 @@ TEST(XmlDeclaration, RejectsAnythingElseAtTheFault) {
       {"<?xml version='1.0' author='me'?>", 20},
   };
   for (const auto& [text, offset] : rows) {
-    SCOPED_TRACE(text);
-    XmlDeclaration declaration;
-    ParseFault fault;
-    EXPECT_TRUE(HasXmlDeclaration(text));
-    EXPECT_FALSE(ReadXmlDeclaration(text, declaration, fault));
-    EXPECT_EQ(fault.Offset(), offset);
-    EXPECT_EQ(fault.Message(), "the XML declaration is malformed");
+    for (const char behind : std::string_view(" ='\"?>a0")) {
+      const auto memory = text + behind;  // which must not be looked at
+      SCOPED_TRACE(memory);
+      const auto document = std::string_view(memory).substr(0, text.size());
+      XmlDeclaration declaration;
+      ParseFault fault;
+      EXPECT_TRUE(HasXmlDeclaration(document));
+      EXPECT_FALSE(ReadXmlDeclaration(document, declaration, fault));
+      EXPECT_EQ(fault.Offset(), offset);
+      EXPECT_EQ(fault.Message(), "the XML declaration is malformed");
+    }
   }
 }
 
