@@ -45,6 +45,10 @@ endfunction()
 
 # fernwick_spy_on_lookups(PROGRAM): lets every lookup in a dictionary pass by testing/lookup_spy.
 function(fernwick_spy_on_lookups program)
-  target_link_options(${program} PRIVATE
-    LINKER:--wrap=_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE)
+  if(BUILD_SHARED_LIBS)
+    target_compile_definitions(fernwick_testing PRIVATE FERNWICK_SHARED_FOLDERS)
+  else()
+    target_link_options(${program} PRIVATE
+      LINKER:--wrap=_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE)
+  endif()
 endfunction()

@@ -1,5 +1,7 @@
 #include "testing/lookup_spy.h"
 
+#include <dlfcn.h>
+
 #include <string_view>
 
 namespace fernwick::testing {
@@ -23,11 +25,26 @@ void LookupSpy::Note(const Dictionary& dictionary, std::string_view key) {
 
 }  // namespace fernwick::testing
 
-// The linker turns Dictionary::Find into __wrap_ of its symbol and gives the function itself the
-// name __real_.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
+#ifdef FERNWICK_SHARED_FOLDERS
+
+// This library is loaded before the one of value/ and so takes the place of Dictionary::Find.
+const fernwick::PropertyValue*
+_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE(
+    const fernwick::Dictionary* dictionary, std::string_view key) {
+  using Find = const fernwick::PropertyValue* (*)(const fernwick::Dictionary*, std::string_view);
+  static const auto find = reinterpret_cast<Find>(dlsym(
+      RTLD_NEXT, "_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE"));
+  fernwick::testing::LookupSpy::Note(*dictionary, key);
+  return find(dictionary, key);
+}
+
+#else
+
+// The linker turns Dictionary::Find into __wrap_ of its symbol and gives the function itself the
+// name __real_.
 const fernwick::PropertyValue*
 __real__ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE(
     const fernwick::Dictionary* dictionary, std::string_view key);
@@ -39,6 +56,8 @@ __wrap__ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE
   return __real__ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE(
       dictionary, key);
 }
+
+#endif
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier)
