@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,6 +22,23 @@ mode_t NewFileMode() {
   return static_cast<mode_t>(0666) & ~mask;
 }
 
+// Holds back what would end the process between a new file and its name, until that is over.
+class SignalsHeldBack {
+ public:
+  SignalsHeldBack() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) sigaddset(&ending, number);
+    sigprocmask(SIG_BLOCK, &ending, &before_);
+  }
+  ~SignalsHeldBack() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+  SignalsHeldBack(const SignalsHeldBack&) = delete;
+  SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+
+ private:
+  sigset_t before_;
+};
+
 // Fills the new file and gives it its name.
 bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes) {
   const bool written =
@@ -34,6 +52,7 @@ bool Finish(int file, const std::string& newPath, const std::string& path, std::
 }  // namespace
 
 std::string WriteOutputFile(const std::string& path, std::string_view bytes) {
+  const SignalsHeldBack heldBack;
   std::string newPath = path + ".XXXXXX";
   const int file = mkostemp(newPath.data(), O_CLOEXEC);
   if (file < 0) return std::strerror(errno);

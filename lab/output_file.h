@@ -6,8 +6,8 @@
 namespace fernwick::lab {
 
 /// Writes a file that appears whole or not at all: under a name of its own beside `path` first,
-/// which then takes the place of whatever stood there. Returns what went wrong; empty when nothing
-/// did.
+/// which then takes the place of whatever stood there. A signal to end that comes meanwhile ends
+/// the process when the file is whole. Returns what went wrong; empty when nothing did.
 std::string WriteOutputFile(const std::string& path, std::string_view bytes);
 
 }  // namespace fernwick::lab

@@ -2,11 +2,27 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "testing/files.h"
 #include "testing/temporary_directory.h"
+
+namespace {
+
+int signalBeforeSync = 0;
+
+}  // namespace
+
+// In the place of the C library's: a signal comes when a file is written and has no name yet.
+extern "C" int fsync(int file) {
+  if (signalBeforeSync != 0) std::raise(signalBeforeSync);
+  return static_cast<int>(syscall(SYS_fsync, file));
+}
 
 namespace fernwick::lab {
 namespace {
@@ -48,6 +64,25 @@ TEST(OutputFile, ThatCannotTakeItsPlaceLeavesNothing) {
   fs::create_directory(path);
   EXPECT_EQ(WriteOutputFile(path, "new"), "Is a directory");
   EXPECT_EQ(FilesIn(directory.Path()), 1u);
+}
+
+TEST(OutputFile, IsWholeWhenASignalEndsTheProcessMeanwhile) {
+  for (const int number : {SIGINT, SIGHUP, SIGTERM}) {
+    const testing::TemporaryDirectory directory;
+    const auto path = directory.Path() + "/out";
+    const pid_t child = fork();
+    if (child == 0) {
+      signalBeforeSync = number;
+      WriteOutputFile(path, "new");
+      _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), number);
+    EXPECT_EQ(FilesIn(directory.Path()), 1u);
+    EXPECT_EQ(testing::ReadFile(path), "new");
+  }
 }
 
 TEST(OutputFile, InADirectoryThatIsNotThereIsAnError) {
