@@ -1,19 +1,15 @@
 // The verb `survey` as a process.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
-#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "testing/child_process.h"
-#include "testing/files.h"
+#include "testing/fed_program.h"
 #include "testing/many_computers.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
@@ -22,6 +18,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::FedProgram;
 using testing::OutputTarget;
 
 // Runs in golden/.
@@ -322,72 +319,6 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
       "matches\n");
 }
 
-std::vector<std::string> LinesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
-constexpr std::size_t Many = testing::UnderAddressSanitizer ? 300 : 1000;
-constexpr std::size_t Faulty = 37;
-
-ChildOutcome SurveyMany(const testing::TemporaryDirectory& directory,
-                        const std::vector<std::string>& options) {
-  std::vector<std::string> arguments = {"-p", "payload", "computers"};
-  arguments.insert(arguments.end(), options.begin(), options.end());
-  return Survey(arguments, OutputTarget::Captured, directory.Path());
-}
-
-TEST(ManyComputers, GiveTheSameBytesWhateverTheNumberOfJobs) {
-  const testing::TemporaryDirectory directory;
-  testing::WriteManyComputers(directory, Many, Faulty);
-  for (const char* format : {"table", "ndjson"}) {
-    const auto one = SurveyMany(directory, {"--format", format, "-j1"});
-    EXPECT_EQ(one.status, "0");
-    for (const char* jobs : {"-j2", "-j9"}) {
-      ExpectOutcome(SurveyMany(directory, {"--format", format, jobs}), one);
-    }
-  }
-}
-
-TEST(ManyComputers, AreNotTouchedByThoseThatEndAbnormally) {
-  const testing::TemporaryDirectory directory;
-  testing::WriteManyComputers(directory, Many);
-  const auto expected = LinesOf(SurveyMany(directory, {"--format", "ndjson"}).standardOutput);
-  const auto name = "/" + std::to_string(Faulty) + ".registry.plist";
-  for (std::size_t i = 0; i < Many / 100; ++i) {
-    directory.Write("computers/" + std::to_string(i) + name, testing::FaultyRecording());
-  }
-  const auto found = LinesOf(SurveyMany(directory, {"--format", "ndjson"}).standardOutput);
-  ASSERT_EQ(expected.size(), Many);
-  ASSERT_EQ(found.size(), Many);
-  std::size_t ended = 0;
-  for (std::size_t i = 0; i < Many; ++i) {
-    if (expected[i].find(name) == std::string::npos) {
-      EXPECT_EQ(found[i], expected[i]);
-    } else {
-      EXPECT_NE(found[i].find("\"abnormal end\",\"status\":null,\"reason\":\"SIGABRT\""),
-                std::string::npos);
-      ++ended;
-    }
-  }
-  EXPECT_EQ(ended, Many / 100);
-}
-
-TEST(ManyComputers, ComeFromStandardInputTheSame) {
-  const testing::TemporaryDirectory directory;
-  testing::WriteManyComputers(directory, 300, Faulty);
-  const auto named = SurveyMany(directory, {"--format", "ndjson"});
-  const auto piped = testing::RunChild(
-      {"/bin/sh", "-c",
-       "find computers -name '*.registry.plist' | LC_ALL=C sort | \"$0\" survey -p payload "
-       "--format ndjson -",
-       FERNWICK_LAB_PROGRAM},
-      directory.Path());
-  ExpectOutcome(piped, named);
-}
-
 // The limit is above what the program needs and below what the recording does.
 TEST(Survey, MakesARowOfARecordingThatExhaustsMemory) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP();
@@ -412,50 +343,60 @@ TEST(Survey, MakesARowOfARecordingThatExhaustsMemory) {
                           "abnormally; 0 matches\n"});
 }
 
-// A survey that waits for paths, and a pipe that is at its end once no process of it is left.
-struct WaitingSurvey {
-  pid_t process;
-  int paths;
-  int rows;
-  int left;
+// Whatever signal it is, and with a worker that has nothing to do or one in the midst of its work.
+class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const char*>> {
+ protected:
+  // The worker, once its standard output leads nowhere: then it is ready.
+  static pid_t AwaitWorker(const FedProgram& survey) {
+    for (;;) {
+      for (const auto worker : survey.Children()) {
+        std::error_code gone;
+        const auto output = "/proc/" + std::to_string(worker) + "/fd/1";
+        if (std::filesystem::read_symlink(output, gone) == "/dev/null") return worker;
+      }
+    }
+  }
+
+  // The files that the survey holds open under a name that would stay.
+  static std::vector<std::string> LastingFiles(pid_t process) {
+    std::vector<std::string> files;
+    const auto descriptors = "/proc/" + std::to_string(process) + "/fd";
+    for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
+      const auto target = std::filesystem::read_symlink(entry.path()).string();
+      if (target.starts_with("/tmp/") && !target.ends_with(" (deleted)")) files.push_back(target);
+    }
+    return files;
+  }
 };
 
-WaitingSurvey StartWaitingSurvey() {
-  int paths[2];
-  int rows[2];
-  int left[2];
-  if (pipe2(paths, O_CLOEXEC) != 0 || pipe2(rows, O_CLOEXEC) != 0 || pipe(left) != 0) std::abort();
-  const pid_t process = fork();
-  if (process == 0) {
-    dup2(paths[0], STDIN_FILENO);
-    dup2(rows[1], STDOUT_FILENO);
-    close(left[0]);
-    if (chdir(FERNWICK_GOLDEN_DIRECTORY) != 0) _exit(126);
-    execl(FERNWICK_LAB_PROGRAM, FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload",
-          "--format", "ndjson", "-", nullptr);
-    _exit(127);
-  }
-  close(paths[0]);
-  close(rows[1]);
-  close(left[1]);
-  return {process, paths[1], rows[0], left[0]};
+TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
+  const auto [number, format] = GetParam();
+  FedProgram survey(
+      {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "-j1", "--format", format, "-"},
+      FERNWICK_GOLDEN_DIRECTORY);
+  const std::string path = "recordings/bypass-nvram.registry.plist\n";
+  survey.Write(path);
+  const auto worker = AwaitWorker(survey);
+  kill(worker, SIGSTOP);
+  survey.Write(path);  // which is never answered
+  EXPECT_EQ(LastingFiles(survey.Process()), std::vector<std::string>{});
+  kill(survey.Process(), number);
+  EXPECT_EQ(survey.Wait(), "SIG" + std::string(sigabbrev_np(number)));
 }
 
-TEST(Survey, ThatIsInterruptedLeavesNoProcess) {
-  const auto survey = StartWaitingSurvey();
-  const std::string path = "recordings/bypass-nvram.registry.plist\n";
-  ASSERT_EQ(write(survey.paths, path.data(), path.size()), static_cast<ssize_t>(path.size()));
-  std::string row(Rows[2].size(), '\0');
-  ASSERT_EQ(read(survey.rows, row.data(), row.size()), static_cast<ssize_t>(row.size()));
-  EXPECT_EQ(row, Rows[2]);  // so a worker lives
-  kill(survey.process, SIGINT);
-  int status = 0;
-  waitpid(survey.process, &status, 0);
-  EXPECT_TRUE(WIFSIGNALED(status));
-  EXPECT_EQ(WTERMSIG(status), SIGINT);
-  char byte;
-  EXPECT_EQ(read(survey.left, &byte, 1), 0);
-  for (const int file : {survey.paths, survey.rows, survey.left}) close(file);
+INSTANTIATE_TEST_SUITE_P(ByEachSignal, InterruptedSurvey,
+                         ::testing::Combine(::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                                            ::testing::Values("ndjson", "table", "junit")));
+
+TEST(Survey, ThatIsInterruptedHasShownTheRowsBefore) {
+  FedProgram survey(
+      {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "--format", "ndjson", "-"},
+      FERNWICK_GOLDEN_DIRECTORY);
+  survey.Write("recordings/bypass-nvram.registry.plist\n");
+  EXPECT_EQ(survey.ReadLine(), Rows[2]);
+  kill(survey.Process(), SIGINT);
+  EXPECT_EQ(survey.Wait(), "SIGINT");
+  EXPECT_EQ(survey.ReadLine(), "");
 }
 
 }  // namespace

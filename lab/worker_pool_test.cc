@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pthread.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <map>
 #include <new>
 #include <set>
 #include <vector>
@@ -129,21 +132,46 @@ TEST(WorkerPool, StopsWhenResultsAreNoLongerTaken) {
   EXPECT_TRUE(HasNoChild());
 }
 
-// Each worker waits until another works beside it.
-TEST(WorkerPool, WorksOnAsManyPathsAtOnceAsThereAreJobs) {
-  int there[2];
-  int back[2];
-  ASSERT_EQ(pipe(there), 0);
-  ASSERT_EQ(pipe(back), 0);
-  const auto meet = [&](const std::string& path, const Note&) {
-    const bool isFirst = path == "/1";
-    char byte = 'x';
-    const bool met = write(isFirst ? there[1] : back[1], &byte, 1) == 1 &&
-                     read(isFirst ? back[0] : there[0], &byte, 1) == 1;
-    return std::string(met ? "met" : "alone");
+// A barrier that two processes pass together.
+class SharedBarrier {
+ public:
+  SharedBarrier()
+      : barrier_(static_cast<pthread_barrier_t*>(mmap(nullptr, sizeof(pthread_barrier_t),
+                                                      PROT_READ | PROT_WRITE,
+                                                      MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
+    pthread_barrierattr_t attributes;
+    pthread_barrierattr_init(&attributes);
+    pthread_barrierattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    pthread_barrier_init(barrier_, &attributes, 2);
+    pthread_barrierattr_destroy(&attributes);
+  }
+  ~SharedBarrier() { munmap(barrier_, sizeof(pthread_barrier_t)); }
+  SharedBarrier(const SharedBarrier&) = delete;
+  SharedBarrier& operator=(const SharedBarrier&) = delete;
+
+  void Pass() { pthread_barrier_wait(barrier_); }
+
+ private:
+  pthread_barrier_t* barrier_;
+};
+
+// No worker is done with a path before another works beside it, so each of two does half of them.
+TEST(WorkerPool, KeepsEveryProcessAtWork) {
+  constexpr int Half = 1000;
+  SharedBarrier barrier;
+  const auto meet = [&](const std::string&, const Note&) {
+    barrier.Pass();
+    return std::to_string(getpid());
   };
-  EXPECT_EQ(ResultsOf({"/1", "/2"}, meet, 2), (Strings{"/1=met", "/2=met"}));
-  for (const int file : {there[0], there[1], back[0], back[1]}) close(file);
+  PrepareProcess();
+  Selection selection(Strings(2 * Half, "/1"));
+  std::map<std::string, int> shares;
+  WorkThrough(selection, meet, 2, [&](const WorkResult& result) {
+    ++shares[result.answer.value_or(result.end)];
+    return true;
+  });
+  ASSERT_EQ(shares.size(), 2u);
+  for (const auto& [process, share] : shares) EXPECT_EQ(share, Half) << process;
 }
 
 // The first path is answered only when all have been begun that the window lets begin.

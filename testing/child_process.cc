@@ -38,8 +38,9 @@ void RedirectOutput(OutputTarget target, int captured) {
   }
 }
 
-[[noreturn]] void BecomeCommand(const std::vector<std::string>& command,
-                                const std::string& directory) {
+}  // namespace
+
+void BecomeCommand(const std::vector<std::string>& command, const std::string& directory) {
   const rlimit noCore{0, 0};
   setrlimit(RLIMIT_CORE, &noCore);
   std::signal(SIGPIPE, SIG_DFL);
@@ -55,8 +56,6 @@ std::string DescribeStatus(int status) {
   if (WIFEXITED(status)) return std::to_string(WEXITSTATUS(status));
   return "SIG" + std::string(sigabbrev_np(WTERMSIG(status)));
 }
-
-}  // namespace
 
 ChildOutcome RunChild(const std::vector<std::string>& command, const std::string& directory,
                       OutputTarget target) {

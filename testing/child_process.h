@@ -19,4 +19,12 @@ enum class OutputTarget { Captured, Closed, FullDisk, BrokenPipe };
 ChildOutcome RunChild(const std::vector<std::string>& command, const std::string& directory,
                       OutputTarget target = OutputTarget::Captured);
 
+/// Replaces this process by a program that runs in `directory`, leaves no core file and heeds
+/// SIGPIPE. Where it cannot run, ends with status 127 and says so on standard error.
+[[noreturn]] void BecomeCommand(const std::vector<std::string>& command,
+                                const std::string& directory);
+
+/// What waitpid tells, as ChildOutcome::status has it.
+std::string DescribeStatus(int status);
+
 }  // namespace fernwick::testing

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fernwick::testing {
+
+/// A program that runs beside the test, which writes its standard input and reads its standard
+/// output. Its standard error is the test's own.
+class FedProgram {
+ public:
+  FedProgram(const std::vector<std::string>& command, const std::string& directory);
+
+  /// Ends it when it has not been waited for.
+  ~FedProgram();
+  FedProgram(const FedProgram&) = delete;
+  FedProgram& operator=(const FedProgram&) = delete;
+
+  pid_t Process() const { return process_; }
+
+  /// The processes that it has started and not yet buried.
+  std::vector<pid_t> Children() const;
+
+  void Write(std::string_view text) const;
+  void EndInput();
+
+  /// The next line that it writes, with its line feed; empty when no more can come.
+  std::string ReadLine();
+
+  /// Waits for its end, and then for that of every process that it has started. Returns how it
+  /// ended itself, as ChildOutcome::status.
+  std::string Wait();
+
+ private:
+  pid_t process_ = -1;
+  int input_ = -1;
+  int output_ = -1;
+  int left_ = -1;  // at its end when no process of it is left
+  std::string unread_;
+};
+
+/// The greatest amount of memory that a living process has held at once, in KiB.
+std::size_t PeakMemory(pid_t process);
+
+}  // namespace fernwick::testing
