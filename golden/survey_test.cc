@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <string>
@@ -357,14 +358,24 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
     }
   }
 
-  // The files that the survey holds open under a name that would stay.
-  static std::vector<std::string> LastingFiles(pid_t process) {
+  // What a process has open.
+  static std::vector<std::string> OpenFiles(const std::string& process) {
     std::vector<std::string> files;
-    const auto descriptors = "/proc/" + std::to_string(process) + "/fd";
-    for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
-      const auto target = std::filesystem::read_symlink(entry.path()).string();
-      if (target.starts_with("/tmp/") && !target.ends_with(" (deleted)")) files.push_back(target);
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/" + process + "/fd")) {
+      std::error_code gone;
+      files.push_back(std::filesystem::read_symlink(entry.path(), gone));
     }
+    return files;
+  }
+
+  // The temporary files that the survey has opened under a name that would stay.
+  static std::vector<std::string> LastingFiles(const FedProgram& survey) {
+    const auto inherited = OpenFiles("self");
+    auto files = OpenFiles(std::to_string(survey.Process()));
+    std::erase_if(files, [&](const std::string& file) {
+      return !file.starts_with("/tmp/") || file.ends_with(" (deleted)") ||
+             std::ranges::find(inherited, file) != inherited.end();
+    });
     return files;
   }
 };
@@ -379,7 +390,7 @@ TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
   const auto worker = AwaitWorker(survey);
   kill(worker, SIGSTOP);
   survey.Write(path);  // which is never answered
-  EXPECT_EQ(LastingFiles(survey.Process()), std::vector<std::string>{});
+  EXPECT_EQ(LastingFiles(survey), std::vector<std::string>{});
   kill(survey.Process(), number);
   EXPECT_EQ(survey.Wait(), "SIG" + std::string(sigabbrev_np(number)));
 }
