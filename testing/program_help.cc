@@ -55,6 +55,21 @@ std::map<std::string, std::set<std::string>> VerbsAndOptions(const std::string& 
   return verbs;
 }
 
+std::map<std::string, std::set<std::string>> ChoicesOf(const std::string& labProgram,
+                                                       const std::string& verb) {
+  static const std::regex choice(R"((--[\w-]+) \w+:\{([\w,]+)\})");
+  static const std::regex word(R"(\w+)");
+  std::map<std::string, std::set<std::string>> choices;
+  const auto help = HelpOf({labProgram, verb});
+  for (std::sregex_iterator match(help.begin(), help.end(), choice), end; match != end; ++match) {
+    const auto words = (*match)[2].str();
+    for (std::sregex_iterator each(words.begin(), words.end(), word); each != end; ++each) {
+      choices[(*match)[1]].insert(each->str());
+    }
+  }
+  return choices;
+}
+
 std::set<std::string> OptionsOfTool(const std::string& program) {
   std::set<std::string> options;
   for (const char letter : Letters) {

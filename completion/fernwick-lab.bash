@@ -1,0 +1,83 @@
+# Completion of fernwick-lab for bash. It needs no helper of any other package.
+
+declare -gA _fernwick_lab_options=(
+  [replay]="--help"
+  [explain]="-p --payload --bypassVersion --json --help"
+  [lint]="--format --fail-level --explain --list --help"
+  [survey]="-p --payload --bypassVersion --format --expect -j --jobs --help"
+  [diff]="-p --payload --json -j --jobs --help"
+  [show]="--plane --json --help"
+  [convert]="--to --help"
+  [redact]="--key --help"
+)
+
+# The tool's own, which stand behind the recording of "replay".
+_fernwick_lab_tool_options="-v --verbose -p --payload -X --preflight -s --subupdater --bypassVersion"
+
+_fernwick_lab_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
+}
+
+_fernwick_lab_directories() {
+  mapfile -t COMPREPLY < <(compgen -d -- "$1")
+}
+
+_fernwick_lab_recordings() {
+  mapfile -t COMPREPLY < <(compgen -f -X '!*.plist' -- "$1"; compgen -d -- "$1")
+}
+
+# The boards of a payload.
+_fernwick_lab_boards() {
+  mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
+}
+
+# What stands behind an option, whose name is $2. Fails where the option takes no value.
+_fernwick_lab_value() {
+  case "$1 $2" in
+    *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
+    'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
+    'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
+    'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
+    'lint --explain') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
+    'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
+    'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
+    'survey --expect') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'redact --key' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    *) return 1 ;;
+  esac
+}
+
+_fernwick_lab() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local verb=${COMP_WORDS[1]}
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    _fernwick_lab_words "${!_fernwick_lab_options[*]} --help" "$current"
+    return
+  fi
+  # "--format=csv" is taken apart at the "=".
+  if [[ $current == = ]]; then
+    current=
+  elif [[ $previous == = ]]; then
+    previous=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  _fernwick_lab_value "$verb" "$previous" "$current" && return
+  if [[ $current == -* ]]; then
+    local options=${_fernwick_lab_options[$verb]-}
+    [[ $verb == replay ]] && ((COMP_CWORD > 2)) && options=$_fernwick_lab_tool_options
+    _fernwick_lab_words "$options" "$current"
+    return
+  fi
+  case $verb in
+    lint)
+      if ((COMP_CWORD == 2)); then
+        _fernwick_lab_directories "$current"
+      else
+        _fernwick_lab_boards "${COMP_WORDS[2]}" "$current"
+      fi
+      ;;
+    *) _fernwick_lab_recordings "$current" ;;
+  esac
+}
+
+complete -o filenames -F _fernwick_lab fernwick-lab
