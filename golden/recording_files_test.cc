@@ -125,6 +125,18 @@ TEST(Redact, WithOneBadRecordingWritesNone) {
   EXPECT_TRUE(fs::is_empty(directory.Path() + "/out"));
 }
 
+TEST(Redact, ToAPlaceThatCannotBeLookedAtSaysSo) {
+  const TemporaryDirectory directory;
+  const std::string one = "ports-only.registry.plist";
+  const auto loop = directory.Path() + "/loop";
+  fs::create_symlink("loop", loop);
+  EXPECT_EQ(RunLab({"redact", one, loop + "/out"}),
+            "fernwick-lab: " + loop + "/out: Too many levels of symbolic links\n[status 74]\n");
+  const auto tooLong = directory.Path() + "/" + std::string(300, 'x');
+  EXPECT_EQ(RunLab({"redact", one, tooLong}),
+            "fernwick-lab: " + tooLong + ": File name too long\n[status 74]\n");
+}
+
 TEST(Redact, OfSeveralNeedsADirectoryAndDifferentNames) {
   const TemporaryDirectory directory;
   const std::string one = "ports-only.registry.plist";

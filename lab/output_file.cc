@@ -9,11 +9,31 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "lab/whole_write.h"
 
 namespace fernwick::lab {
 namespace {
+
+// Where the bytes go, and what is wrong with that.
+struct Target {
+  std::string path;
+  std::string error;
+};
+
+// The file at the path behind all links; the path itself when nothing is there. A directory is told
+// when the file should take its place.
+Target Resolve(const std::string& path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) return {path, {}};
+  if (S_ISDIR(status.st_mode)) return {path, {}};
+  if (!S_ISREG(status.st_mode)) return {path, "not a regular file"};
+  const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
+                                                             std::free);
+  if (resolved == nullptr) return {path, std::strerror(errno)};
+  return {resolved.get(), {}};
+}
 
 // The permissions that a new file gets from the process.
 mode_t NewFileMode() {
@@ -52,11 +72,13 @@ bool Finish(int file, const std::string& newPath, const std::string& path, std::
 }  // namespace
 
 std::string WriteOutputFile(const std::string& path, std::string_view bytes) {
+  const auto [target, fault] = Resolve(path);
+  if (!fault.empty()) return fault;
   const SignalsHeldBack heldBack;
-  std::string newPath = path + ".XXXXXX";
+  std::string newPath = target + ".XXXXXX";
   const int file = mkostemp(newPath.data(), O_CLOEXEC);
   if (file < 0) return std::strerror(errno);
-  if (Finish(file, newPath, path, bytes)) return {};
+  if (Finish(file, newPath, target, bytes)) return {};
   const int error = errno;
   unlink(newPath.c_str());
   return std::strerror(error);

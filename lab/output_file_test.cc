@@ -85,6 +85,30 @@ TEST(OutputFile, IsWholeWhenASignalEndsTheProcessMeanwhile) {
   }
 }
 
+TEST(OutputFile, ReachedByALinkTakesThePlaceOfTheFileAndLeavesTheLink) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Write("file", "what was there before");
+  const auto link = directory.Path() + "/link";
+  fs::create_symlink("file", link);
+  EXPECT_EQ(WriteOutputFile(link, "new"), "");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(testing::ReadFile(path), "new");
+  EXPECT_EQ(FilesIn(directory.Path()), 2u);
+}
+
+TEST(OutputFile, LeavesAlonePipesAndDevices) {
+  const testing::TemporaryDirectory directory;
+  const auto pipe = directory.Path() + "/pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(WriteOutputFile(pipe, "new"), "not a regular file");
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  const auto device = directory.Path() + "/device";
+  fs::create_symlink("/dev/null", device);
+  EXPECT_EQ(WriteOutputFile(device, "new"), "not a regular file");
+  EXPECT_EQ(fs::read_symlink(device), "/dev/null");
+  EXPECT_EQ(FilesIn(directory.Path()), 2u);
+}
+
 TEST(OutputFile, InADirectoryThatIsNotThereIsAnError) {
   const testing::TemporaryDirectory directory;
   EXPECT_EQ(WriteOutputFile(directory.Path() + "/none/out", "new"), "No such file or directory");

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "lab/command_line.h"
@@ -38,7 +39,8 @@ struct Job {
 
 // Empty after a line on standard error when the files cannot go there.
 std::vector<Job> PlanJobs(const std::vector<std::string>& paths, const std::string& out) {
-  const bool intoDirectory = fs::is_directory(out);
+  std::error_code error;  // what cannot be looked at is no directory; writing there tells why
+  const bool intoDirectory = fs::is_directory(out, error);
   if (!intoDirectory && paths.size() > 1) {
     PrintError(out + ": several recordings need a directory to go to");
     return {};
