@@ -18,6 +18,7 @@ void LintPersonality(const PlacedPersonality& personality, ConfigurationFindings
   LintVersions(personality, findings);
   LintBoardRevisions(personality, findings);
   LintPriority(personality, findings);
+  LintFirmwareMode(personality, findings);
   LintNvramShapes(personality, findings);
 }
 

@@ -182,6 +182,8 @@ const Named<Row> Values[] = {
                    {"Ridge Silicon Revision", -2147483649}}),
       "error: \"Ridge Silicon Revision\" is -2147483649, which can never match: controllers have "
       "whole numbers from -2147483648 to 2147483647 there [unreachable-number]\n"
+      "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
       "error: \"Port Address\" is 56, which can never match: controllers have 0 alone there "
       "[unreachable-number]\n"
       "error: \"Firmware Mode\" is 2, which can never match: controllers have whole numbers from 0 "
@@ -194,6 +196,16 @@ const Named<Row> Values[] = {
      {LegacyThunderbolt({{"RID", -1}}),
       "error: \"RID\" is -1, which can never match: controllers have whole numbers from 0 to 15 "
       "there [rid-out-of-range]\n"}},
+    {"RidsOfPorts",
+     {Thunderbolt({{"RID", Array{0, -1, 15, 16, "1", 15.5, true}}}),
+      "warning: -1 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
+      "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
+      "warning: \"1\" in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "warning: 15.5 in \"RID\" can never match: controllers have whole numbers from -2147483648 "
+      "to 2147483647 there [dead-list-element]\n"}},
+    {"RidOfAPortOutOfTheQuestion", {Usbc({{"RID", 16}}), ""}},
     {"Lists",
      {LegacyThunderbolt({{"RID", Array{0, 16, "1", Array{2}}},
                          {"Ridge UID", Array{}},
@@ -351,6 +363,21 @@ const Named<Row> Priorities[] = {
       "[priority-without-effect]\n"}},
 };
 
+std::string AlteredMode(const std::string& said, const std::string& taken) {
+  return "warning: \"Firmware Mode\" is " + said + ", which the plan takes as " + taken +
+         " [altered-firmware-mode]\n";
+}
+
+const Named<Row> FirmwareModes[] = {
+    {"Zero", {LegacyThunderbolt({{"Firmware Mode", 0}}), ""}},
+    {"True", {LegacyThunderbolt({{"Firmware Mode", true}}), ""}},
+    {"Another", {LegacyThunderbolt({{"Firmware Mode", 2.0}}), ""}},
+    {"Fraction", {LegacyThunderbolt({{"Firmware Mode", 0.5}}), AlteredMode("0.5", "0")}},
+    {"Text", {LegacyThunderbolt({{"Firmware Mode", "1"}}), AlteredMode("\"1\"", "1")}},
+    {"List", {LegacyThunderbolt({{"Firmware Mode", Array{1}}}), AlteredMode("an array", "0")}},
+    {"ListThatTheCheckReads", {Thunderbolt({{"Firmware Mode", Array{1}}}), ""}},
+};
+
 // Two personalities of "USBC" for different RIDs.
 Dictionary Pair(const Dictionary& first, const Dictionary& second) {
   return {{"USBC",
@@ -451,6 +478,7 @@ INSTANTIATE_TEST_SUITE_P(Version, SaidOfConfiguration, ::testing::ValuesIn(Versi
 INSTANTIATE_TEST_SUITE_P(Revision, SaidOfConfiguration, ::testing::ValuesIn(BoardRevisions), Name);
 INSTANTIATE_TEST_SUITE_P(Image, SaidOfConfiguration, ::testing::ValuesIn(Images), Name);
 INSTANTIATE_TEST_SUITE_P(Priority, SaidOfConfiguration, ::testing::ValuesIn(Priorities), Name);
+INSTANTIATE_TEST_SUITE_P(Mode, SaidOfConfiguration, ::testing::ValuesIn(FirmwareModes), Name);
 INSTANTIATE_TEST_SUITE_P(Nvram, SaidOfConfiguration, ::testing::ValuesIn(NvramSettings), Name);
 INSTANTIATE_TEST_SUITE_P(Shadow, SaidOfConfiguration, ::testing::ValuesIn(Shadows), Name);
 

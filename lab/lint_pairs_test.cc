@@ -87,6 +87,11 @@ Payload WithLegacyThunderbolt(const std::string& contents) {
   return With(LegacyThunderbolt(RidgePersonality(contents)));
 }
 
+Payload WithThunderbolt(const std::string& contents) {
+  return With(
+      Dict("<key>Thunderbolt</key><array>" + Personality(RidgeSilicon + contents) + "</array>"));
+}
+
 Payload Without(Payload payload, const std::string& path) {
   std::erase_if(payload, [&](const PayloadFile& file) { return file.path == path; });
   return payload;
@@ -236,6 +241,9 @@ const Named<RulePair> Pairs[] = {
     {"rid_out_of_range",
      {WithLegacyThunderbolt("<key>RID</key>@<integer>16</integer>"),
       WithLegacyThunderbolt("<key>RID</key><integer>15</integer>")}},
+    {"doubtful_rid",
+     {WithThunderbolt("<key>RID</key>@<integer>16</integer>"),
+      WithThunderbolt("<key>RID</key><integer>15</integer>")}},
     {"nan_bound",
      {WithUsbc("<key>Existing Max Version</key>@<real>nan</real>"),
       WithUsbc("<key>Existing Max Version</key><integer>150</integer>")}},
@@ -307,6 +315,9 @@ const Named<RulePair> Pairs[] = {
     {"altered_priority",
      {With(Usbc(Dict(Version + PortSilicon + Image + "<key>Priority</key>@<string>20</string>"))),
       Good}},
+    {"altered_firmware_mode",
+     {WithLegacyThunderbolt("<key>Firmware Mode</key>@<array><integer>1</integer></array>"),
+      WithLegacyThunderbolt("<key>Firmware Mode</key><integer>1</integer>")}},
     {"priority_without_effect",
      {With(Usbc(Dict(Version + PortSilicon + Image +
                      "<key>Priority</key>@<integer>0x7FFFFFFF</integer>"))),

@@ -1,6 +1,7 @@
 #include "lab/lint_plan.h"
 
 #include "lab/lint_plan_rules.h"
+#include "personality/personality_keys.h"
 #include "personality/requirement_rules.h"
 #include "plan/plan_values.h"
 #include "plan/value_conversions.h"
@@ -26,6 +27,17 @@ void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& f
                      " never lowers the plan's, which begins at " +
                      std::to_string(PlanValues{}.lowestPriority));
   }
+}
+
+void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* mode = personality.Find("Firmware Mode");
+  const auto takenBy = FindPersonalityKey("Firmware Mode")->plannedBy;
+  if (mode == nullptr || (takenBy & personality.type) == 0) return;
+  const auto taken = Integer32Of(mode->value);
+  if (NumbersEqual(*mode->value, taken)) return;
+  findings.Add(LintRuleOf::AlteredFirmwareMode, mode->valueOffset,
+               "\"Firmware Mode\" is " + Shown(*mode->value) + ", which the plan takes as " +
+                   std::to_string(taken));
 }
 
 void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings) {

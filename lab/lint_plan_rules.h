@@ -117,6 +117,20 @@ inline constexpr LintRule PriorityWithoutEffect = {
     "<key>Priority</key><integer>50</integer>",
 };
 
+inline constexpr LintRule AlteredFirmwareMode = {
+    "altered-firmware-mode",
+    Severity::Warning,
+    "\"Firmware Mode\" is taken as another number than it says",
+    "Of a LegacyThunderbolt personality the plan takes how the image is flashed: 0 or absent as "
+    "one "
+    "for the EEPROM, anything else as one for the file system. No list is looked into there: it "
+    "counts as 0. A real is cut to a whole number, of text the decimal digits at its start count, "
+    "of all the low 32 bits.",
+    "Write 0 or 1.",
+    "<key>Firmware Mode</key><array><integer>1</integer></array>",
+    "<key>Firmware Mode</key><integer>1</integer>",
+};
+
 inline constexpr LintRule NvramWrongShape = {
     "nvram-wrong-shape",
     Severity::Error,

@@ -139,8 +139,8 @@ TEST(ListLintRules, HasALineForEach) {
   const auto list = ListLintRules();
   EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(list, '\n')), LintRules().size());
   EXPECT_EQ(list.substr(0, list.find('\n')),
-            "altered-priority               warning  \"Priority\" is taken as another number than "
-            "it says");
+            "altered-firmware-mode          warning  \"Firmware Mode\" is taken as another number "
+            "than it says");
 }
 
 TEST(ExplainLintRule, OfOneThatIsMendedByWritingNothingSaysSo) {

@@ -24,7 +24,7 @@ constexpr auto SortedRules = [] {
       &MissingKey,
       // What stands under them.
       &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
-      &UnreachableNumber, &RidOutOfRange, &NanBound,
+      &UnreachableNumber, &RidOutOfRange, &DoubtfulRid, &NanBound,
       // What can match, and what is reached.
       &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
       &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality,
@@ -32,7 +32,8 @@ constexpr auto SortedRules = [] {
       // What the plan takes.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
-      &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared, &NvramConflict};
+      &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
+      &NvramConflict};
   std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
   return rules;
 }();

@@ -90,9 +90,20 @@ inline constexpr LintRule RidOutOfRange = {
     Severity::Error,
     "no Thunderbolt controller has this RID",
     "The RID of a Thunderbolt controller is the low four bits of its unique id: 0 to 15. This "
-    "holds "
-    "for LegacyThunderbolt alone, as a port may have an RID of its own.",
+    "holds for LegacyThunderbolt alone, as a port may have an RID of its own.",
     "Write the low four bits.",
+    "<key>RID</key><integer>0x11</integer>",
+    "<key>RID</key><integer>1</integer>",
+};
+
+inline constexpr LintRule DoubtfulRid = {
+    "doubtful-rid",
+    Severity::Warning,
+    "no Thunderbolt controller has this RID, only a port may",
+    "A Thunderbolt personality is held against the RID of a port. One without an RID of its own "
+    "has that of the Thunderbolt controller above it, which is the low four bits of a unique id: "
+    "0 to 15. Another number matches nothing but ports that bring an RID of their own.",
+    "Write the low four bits of the controller's unique id.",
     "<key>RID</key><integer>0x11</integer>",
     "<key>RID</key><integer>1</integer>",
 };

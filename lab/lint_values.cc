@@ -86,6 +86,22 @@ void LintSingle(const PlacedEntry& entry, const PersonalityKey& key, TypeSet typ
       Quoted(entry.key) + " is " + Shown(*entry.value) + ", which can never match: " + why);
 }
 
+// What a port below a Thunderbolt controller can have only when it brings an RID of its own.
+void LintPortRid(const PlacedEntry& entry, const PersonalityKey& key,
+                 ConfigurationFindings& findings) {
+  const auto lint = [&](const PropertyValue& rid, std::size_t offset) {
+    if (!WhyNothingEquals(rid, key, Types::Thunderbolt).empty()) return;
+    if (WhyNothingEquals(rid, key, Types::LegacyThunderbolt).empty()) return;
+    findings.Add(LintRuleOf::DoubtfulRid, offset,
+                 Shown(rid) +
+                     " in \"RID\" matches only a port with an RID of its own; that of a "
+                     "Thunderbolt controller is 0 to 15");
+  };
+  const auto* list = entry.value->AsArray();
+  if (list == nullptr) return lint(*entry.value, entry.valueOffset);
+  for (std::size_t i = 0; i < list->size(); ++i) lint((*list)[i], OffsetOfElement(entry, i));
+}
+
 }  // namespace
 
 void LintValues(const PlacedPersonality& personality, ConfigurationFindings& findings) {
@@ -98,6 +114,9 @@ void LintValues(const PlacedPersonality& personality, ConfigurationFindings& fin
       LintList(entry, *list, *key, personality.type, findings);
     } else {
       LintSingle(entry, *key, personality.type, findings);
+    }
+    if (key->name == "RID" && personality.type == Types::Thunderbolt) {
+      LintPortRid(entry, *key, findings);
     }
   }
 }
