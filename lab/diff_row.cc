@@ -29,15 +29,19 @@ DiffChange ParseChange(const Json& json) {
           json["reasons"].get<std::vector<std::string>>()};
 }
 
+// What came, went or changed. Of a value of a match that one of both lacks, both sides are told.
+std::string SidesText(const DiffChange& change) {
+  const bool isOfAMatch = change.kind == "image" || change.kind == "version";
+  if (change.before.is_null() && change.after.is_null()) return {};
+  if (change.before.is_null() && !isOfAMatch) return ": " + CellText(change.after);
+  if (change.after.is_null() && !isOfAMatch) return ": " + CellText(change.before);
+  return ": " + CellText(change.before) + " -> " + CellText(change.after);
+}
+
 std::string ChangeText(const DiffChange& change) {
   std::string text = "  " + change.kind;
   if (!change.match.empty()) text += " " + PrintableText(change.match);
-  const bool hasBoth = !change.before.is_null() && !change.after.is_null();
-  if (hasBoth || !change.before.is_null() || !change.after.is_null()) text += ": ";
-  if (!change.before.is_null()) text += CellText(change.before);
-  if (hasBoth) text += " -> ";
-  if (!change.after.is_null()) text += CellText(change.after);
-  text += "\n";
+  text += SidesText(change) + "\n";
   for (const auto& reason : change.reasons) text += "    " + PrintableText(reason) + "\n";
   return text;
 }

@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 
 #include "driver/run.h"
+#include "lab/explain_words.h"
 #include "lab/failure_text.h"
 #include "lab/matched_pairs.h"
 #include "lab/survey_row.h"
 #include "lab/survey_text.h"
+#include "personality/personality.h"
 #include "plan/invocation_builder.h"
 #include "plan/plan_values.h"
 
@@ -57,15 +60,6 @@ const MatchedPair* Find(const std::vector<MatchedPair>& pairs, const MatchKey& k
   return found == pairs.end() ? nullptr : &*found;
 }
 
-// The personalities under a key of the run's configuration. A single one is a list of one.
-Array PersonalitiesOf(const PayloadRun& run, std::string_view key) {
-  const auto& configuration = run.recorder.matching.configuration;
-  const auto* keys = configuration ? configuration->AsDictionary() : nullptr;
-  const auto* value = keys == nullptr ? nullptr : keys->Find(key);
-  if (value == nullptr) return {};
-  return value->AsArray() != nullptr ? *value->AsArray() : Array{*value};
-}
-
 // Why a personality of one run matches nothing in the other.
 class MissingMatch {
  public:
@@ -73,12 +67,19 @@ class MissingMatch {
       : pair_(pair), without_(without) {}
 
   std::vector<std::string> Reasons() const {
-    const auto& keys = without_.recorder.matching.keys;
-    const auto key = std::ranges::find(keys, pair_.key->key, &KeyDecisions::key);
-    if (keys.empty()) return LogLines(without_);
-    if (key == keys.end()) return {"there is no key \"" + pair_.key->key + "\""};
+    const auto& matching = without_.recorder.matching;
+    const auto* types = matching.configuration ? matching.configuration->AsDictionary() : nullptr;
+    if (types == nullptr) return LogLines(without_);
+    const auto& type = pair_.key->key;
+    const auto* value = types->Find(type);
+    if (value == nullptr) return {"there is no key \"" + type + "\""};
+    const auto personalities = PersonalitiesOf(type, *value);
+    if (!personalities) {
+      return {"\"" + type + "\" holds " + std::string(KindOf(*value)) + ", which matches nothing"};
+    }
+    const auto key = std::ranges::find(matching.keys, type, &KeyDecisions::key);
     const auto& decisions = key->controllers[pair_.controller].pairs;
-    const auto place = Counterpart();
+    const auto place = CounterpartIn(*personalities);
     if (place >= decisions.size()) return {"there is no such personality"};
     const auto& decision = decisions[place];
     if (decision.outcome == PairOutcome::NotAPersonality) return {"it is no dictionary"};
@@ -91,8 +92,7 @@ class MissingMatch {
 
  private:
   // The one personality with the same image, or else the one at the same place.
-  std::size_t Counterpart() const {
-    const auto personalities = PersonalitiesOf(without_, pair_.key->key);
+  std::size_t CounterpartIn(std::span<const PropertyValue> personalities) const {
     const auto* image = pair_.match->Find("Firmware");
     const auto hasImage = [&](const PropertyValue& value) {
       const auto* personality = value.AsDictionary();

@@ -152,6 +152,9 @@ TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
 
 TEST_F(PayloadDiff, TellsThatThereIsNoSuchPersonality) {
   EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes(Dictionary(), Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes({{"USBC", Personality}}, Usbc(Personality)),
+            Gained(R"("\"USBC\" holds a dictionary, which matches nothing")"));
   EXPECT_EQ(Changes({{"USBC", Array{}}}, Usbc(Personality)),
             Gained("\"there is no such personality\""));
   EXPECT_EQ(Changes({{"USBC", Array{1}}}, Usbc(Personality)), Gained("\"it is no dictionary\""));
