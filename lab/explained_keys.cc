@@ -33,8 +33,12 @@ class KeyPlaces {
 // Explains one key after the other.
 class KeyExplainer {
  public:
-  KeyExplainer(const ConfigurationFile* file, const Recording& recording)
-      : file_(file), keyPlaces_(file == nullptr ? nullptr : &file->Root()), recording_(recording) {}
+  KeyExplainer(const ConfigurationFile* file, const Recording& recording,
+               const ExplainedSource& boardRevision)
+      : file_(file),
+        keyPlaces_(file == nullptr ? nullptr : &file->Root()),
+        recording_(recording),
+        boardRevision_(boardRevision) {}
 
   ExplainedKey Explain(const KeyDecisions& decisions, const PropertyValue& value) {
     const auto* place = keyPlaces_.Find(decisions.key);
@@ -127,6 +131,7 @@ class KeyExplainer {
     ExplainedFailure failure = {.requirement = requirement, .wantedPlace = {}, .sources = {}};
     const auto* place = personality == nullptr ? nullptr : FindKey(*personality, requirement.key);
     if (place != nullptr) failure.wantedPlace = PlaceOfValue(&place->value);
+    if (requirement.hardwareKey.empty()) failure.sources.push_back(boardRevision_);
     for (const auto& each : SourcesOf(requirement.hardwareKey, source)) {
       failure.sources.push_back(LookUpSource(recording_, each));
     }
@@ -157,6 +162,7 @@ class KeyExplainer {
   const ConfigurationFile* file_;
   KeyPlaces keyPlaces_;  // of the top-level keys
   const Recording& recording_;
+  const ExplainedSource& boardRevision_;
   std::vector<const ValuePlace*> places_;  // of the personalities of the key; null where not told
 };
 
@@ -174,9 +180,10 @@ ExplainedSource LookUpSource(const Recording& recording, const PropertySource& s
 }
 
 std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
-                                      const Recording& recording) {
+                                      const Recording& recording,
+                                      const ExplainedSource& boardRevision) {
   std::vector<ExplainedKey> keys;
-  KeyExplainer explainer(file, recording);
+  KeyExplainer explainer(file, recording, boardRevision);
   const auto* configuration = matching.configuration->AsDictionary();
   if (configuration == nullptr) return keys;
   auto entry = configuration->Entries().begin();

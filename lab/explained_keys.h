@@ -11,9 +11,10 @@
 namespace fernwick::lab {
 
 /// What the matcher decided under each top-level key, with the places of everything. `file` is null
-/// when no place is known.
+/// when no place is known. `boardRevision` is the property that gives the board's revision.
 std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
-                                      const Recording& recording);
+                                      const Recording& recording,
+                                      const ExplainedSource& boardRevision);
 
 /// What a property of an entry of the service plane holds.
 ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source);

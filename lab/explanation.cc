@@ -31,6 +31,19 @@ std::vector<ExplainedSource> BootArguments(Registry& registry) {
            .conversion = {}}};
 }
 
+// Found at or below the root of the device tree; without it the revision is 0.
+ExplainedSource BoardRevisionSource(Registry& registry) {
+  const std::string path = "IODeviceTree:/";
+  const auto root = registry.LookupEntryByPath(path);
+  const auto value = registry.SearchProperty(root, "IODeviceTree", "board-rev", SearchRecursively);
+  const auto bytes = value ? value->AsData() : std::nullopt;
+  return {.path = path,
+          .name = "the device tree",
+          .property = "board-rev",
+          .value = value,
+          .conversion = bytes && !bytes->empty() ? "its first byte" : "counts as 0"};
+}
+
 std::vector<ExplainedSource> ControllersWithoutUid(const Recording& recording, Registry& registry) {
   std::vector<ExplainedSource> sources;
   ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
@@ -48,7 +61,8 @@ std::vector<ExplainedSource> FaultSources(const std::string& fault, const Record
   return {};
 }
 
-void ExplainRun(const Recording& recording, const RunRecorder& recorder, Explanation& explanation) {
+void ExplainRun(const Recording& recording, Registry& registry, const RunRecorder& recorder,
+                Explanation& explanation) {
   explanation.end = EndOf(recorder);
   explanation.bypassesVersionCheck = recorder.bypassesVersionCheck;
   explanation.switchBypassesVersion = recorder.switchBypassesVersion;
@@ -60,8 +74,8 @@ void ExplainRun(const Recording& recording, const RunRecorder& recorder, Explana
       ConfigurationPath(recorder.identity->boardIdString, recorder.options->personalitiesDirectory);
   if (!recorder.matching.configuration) return;
   const auto loading = LoadConfiguration(*explanation.configurationPath);
-  explanation.keys =
-      ExplainKeys(recorder.matching, loading.file ? &*loading.file : nullptr, recording);
+  explanation.keys = ExplainKeys(recorder.matching, loading.file ? &*loading.file : nullptr,
+                                 recording, BoardRevisionSource(registry));
 }
 
 }  // namespace
@@ -92,7 +106,7 @@ Explanation Explain(const Recording& recording, const std::string& payload, bool
   }
   RunRecorder recorder;
   explanation.run = RunCaptured(registry, arguments, &recorder);
-  ExplainRun(recording, recorder, explanation);
+  ExplainRun(recording, registry, recorder, explanation);
   return explanation;
 }
 

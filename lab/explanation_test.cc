@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "driver/bypass_switch.h"
+#include "lab/failure_text.h"
 #include "registry/thunderbolt_inventory.h"
 #include "testing/computer.h"
 #include "testing/temporary_directory.h"
@@ -98,6 +99,31 @@ TEST(Explanation, NamesTheEntryAndThePropertyOfAValue) {
   EXPECT_EQ(failure.sources.front().path, "IOService:/hpm1");
   EXPECT_EQ(failure.sources.front().property, "Version");
   EXPECT_EQ(failure.sources.front().value, 0x171);
+}
+
+constexpr char FromRevision4[] =
+    "<dict><key>USBC</key><array><dict><key>Version</key><integer>200</integer>"
+    "<key>MinBoardRevision</key><integer>4</integer></dict></array></dict>";
+
+TEST(Explanation, NamesThePropertyOfTheBoardRevision) {
+  const auto explanation = ExplainText(ThreePorts(), FromRevision4);
+  const auto& failure = FirstFailure(explanation, 0);
+  EXPECT_EQ(failure.requirement.key, "MinBoardRevision");
+  ASSERT_EQ(failure.sources.size(), 1u);
+  const auto& source = failure.sources[0];
+  EXPECT_EQ(source.path, "IODeviceTree:/");
+  EXPECT_EQ(source.property, "board-rev");
+  EXPECT_EQ(source.value, testing::Bytes("\3"));
+  EXPECT_EQ(source.conversion, "its first byte");
+}
+
+TEST(Explanation, OfABoardWithoutARevisionSaysThatThereIsNone) {
+  Computer computer;
+  computer.AddPort("hpm0", {{"Version", 0x171}});
+  computer.Set(computer.Board(), "board-id", testing::Bytes("Zed-42"));
+  const auto explanation = ExplainText(computer, FromRevision4);
+  EXPECT_EQ(SourceLines(FirstFailure(explanation, 0)),
+            std::vector<std::string>{"\"board-rev\" of the device tree is absent"});
 }
 
 TEST(Explanation, OfABareSwitchShowsTheBootArguments) {

@@ -84,7 +84,6 @@ std::string FailureText(const ExplainedFailure& failure) {
 
 std::vector<std::string> SourceLines(const ExplainedFailure& failure) {
   const auto& requirement = failure.requirement;
-  if (requirement.hardwareKey.empty()) return {"\"board-rev\" of the device tree"};
   if (failure.isUuidUnread) return {"its \"UUID\" is not read, as an earlier port has none"};
   if (failure.sources.empty()) return {"there is no Thunderbolt controller above it"};
   std::vector<std::string> lines;

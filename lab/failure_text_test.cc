@@ -50,15 +50,16 @@ TEST(FailureText, TellsEveryShortfall) {
             "2 at 9:4 is below the board's revision 3");
 }
 
+ExplainedSource Source(std::string property, Value value, std::string conversion = {}) {
+  return {"IOService:/hpm0", "hpm0", std::move(property), std::move(value), std::move(conversion)};
+}
+
 TEST(FailureText, OfABoundThatIsNoNumberTellsTheBoardsRevision) {
   auto failure = Failure("MinBoardRevision", Shortfall::WrongKind, "4", 3);
   failure.requirement.hardwareKey = {};
   EXPECT_EQ(FailureText(failure), "\"4\" at 9:4 is not a number; the board's revision is 3");
-  EXPECT_EQ(SourceLines(failure), Lines{"\"board-rev\" of the device tree"});
-}
-
-ExplainedSource Source(std::string property, Value value, std::string conversion = {}) {
-  return {"IOService:/hpm0", "hpm0", std::move(property), std::move(value), std::move(conversion)};
+  failure.sources = {Source("board-rev", testing::Bytes("\3"), "its first byte")};
+  EXPECT_EQ(SourceLines(failure), Lines{"\"board-rev\" of hpm0 is <03>: its first byte"});
 }
 
 TEST(SourceLines, AreWhatTheValueComesFrom) {
