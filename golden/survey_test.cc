@@ -320,6 +320,21 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
       "matches\n");
 }
 
+TEST(Survey, AsCsvHasNoCellThatASpreadsheetReckonsWith) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("=1+1.registry.plist",
+                  "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+                  "<key>IODeviceTree</key><dict><key>Properties</key><dict><key>board-id</key>"
+                  "<data>QEE=</data></dict></dict></dict></dict>");
+  directory.Write("payload/Fernwick/@A/Config.plist", "<dict/>");
+  const auto outcome = Survey({"-p", "payload", "=1+1.registry.plist", "--format", "csv"},
+                              OutputTarget::Captured, directory.Path());
+  EXPECT_EQ(outcome.standardOutput,
+            "file,outcome,status,reason,board,revision,type,rid,port "
+            "address,installed,version,image,diagnostics\r\n"
+            "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,\r\n");
+}
+
 // The limit is above what the program needs and below what the recording does.
 TEST(Survey, MakesARowOfARecordingThatExhaustsMemory) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP();

@@ -23,10 +23,18 @@ std::string Quoted(std::string_view cell) {
   return quoted + '"';
 }
 
+// A spreadsheet would reckon with a text that begins like a formula, which anyone may have written
+// who recorded a computer; an apostrophe keeps it a text.
+std::string TextCell(std::string_view text) {
+  const auto cell = PrintableText(text);
+  const bool isLikeFormula = text.find_first_of("=+-@") == 0;
+  return isLikeFormula ? "'" + cell : cell;
+}
+
 // Empty for an absent value.
 std::string CellOf(const Json& value) {
   if (value.is_null()) return "";
-  return PrintableText(value.is_string() ? value.get<std::string>() : value.dump());
+  return value.is_string() ? TextCell(value.get<std::string>()) : PrintableText(value.dump());
 }
 
 template <typename Value>
@@ -59,14 +67,14 @@ class CsvFormat : public SurveyFormat {
   void Add(const Cells& first, const SurveyRow& row) {
     if (!hasNames_) Write(isComparison_ ? ComparisonNames : Cells(), Names);
     hasNames_ = true;
-    Cells computer = {PrintableText(row.file), std::string(NameOf(row.outcome)),
-                      CellOf(row.status),      PrintableText(row.reason),
-                      CellOf(row.board),       CellOf(row.revision)};
+    Cells computer = {TextCell(row.file), std::string(NameOf(row.outcome)),
+                      CellOf(row.status), TextCell(row.reason),
+                      CellOf(row.board),  CellOf(row.revision)};
     computer.insert(computer.begin(), first.begin(), first.end());
     const auto diagnostics = DiagnosticsOf(row);
     for (const auto& match : row.matches) {
       Write(computer,
-            {PrintableText(match.type), CellOf(match.rid), CellOf(match.portAddress),
+            {TextCell(match.type), CellOf(match.rid), CellOf(match.portAddress),
              CellOf(match.installed), CellOf(match.version), CellOf(match.image), diagnostics});
     }
     if (row.matches.empty()) Write(computer, {"", "", "", "", "", "", diagnostics});
