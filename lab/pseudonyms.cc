@@ -41,8 +41,10 @@ std::string Blanked(std::string_view text) {
 std::string ExactText(const Number& number) {
   if (const auto* integer = std::get_if<Integer>(&number)) return FormatInteger(*integer);
   const double real = std::get<double>(number);
-  const bool isInteger = real == std::trunc(real) && std::fabs(real) < 0x1p63;
-  return isInteger ? FormatInteger(static_cast<std::int64_t>(real)) : FormatReal(real);
+  const bool isInteger = real == std::trunc(real) && real >= -0x1p63 && real < 0x1p64;
+  if (!isInteger) return FormatReal(real);
+  return real < 0 ? FormatInteger(static_cast<std::int64_t>(real))
+                  : FormatInteger(static_cast<std::uint64_t>(real));
 }
 
 bool AnyMayIdentify(const Array& array) {

@@ -31,6 +31,10 @@ TEST(Pseudonyms, OfEqualValuesAreEqual) {
   }
   EXPECT_EQ(pseudonyms.Of(5), PropertyValue((3 << 4) + 5));
   EXPECT_EQ(pseudonyms.Of(5.0), PropertyValue(53.0));
+  EXPECT_EQ(pseudonyms.Of(std::uint64_t{1} << 63), PropertyValue(4 << 4));
+  EXPECT_EQ(pseudonyms.Of(0x1p63), PropertyValue(64.0));
+  EXPECT_EQ(pseudonyms.Of(std::numeric_limits<std::int64_t>::min()), PropertyValue(5 << 4));
+  EXPECT_EQ(pseudonyms.Of(-0x1p63), PropertyValue(80.0));
 }
 
 TEST(Pseudonyms, OfDifferentValuesDifferAlsoWhereTheShapeIsTooSmall) {

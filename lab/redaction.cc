@@ -1,6 +1,7 @@
 #include "lab/redaction.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -112,8 +113,18 @@ class Redactor {
 
   PropertyValue ReplaceTexts(std::string_view key, const PropertyValue& value) {
     const auto text = value.AsString();
-    if (!text) return Descend(key, value, &Redactor::ReplaceTexts);
-    auto replaced = std::string(*text);
+    const auto bytes = value.AsData();
+    if (!text && !bytes) return Descend(key, value, &Redactor::ReplaceTexts);
+    auto replaced = WithPseudonyms(text ? *text : *bytes);
+    if (!replaced) return value;
+    ++textsElsewhere_;
+    if (bytes) return Data{SharedBytes(*std::move(replaced))};
+    return *std::move(replaced);
+  }
+
+  // The bytes without the telling texts in them; none where there are no such.
+  std::optional<std::string> WithPseudonyms(std::string_view bytes) {
+    auto replaced = std::string(bytes);
     for (const auto& telling : texts_) {
       const auto pseudonym = pseudonyms_.OfText(telling);
       for (auto at = replaced.find(telling); at != std::string::npos;
@@ -121,8 +132,7 @@ class Redactor {
         replaced.replace(at, telling.size(), pseudonym);
       }
     }
-    if (replaced == *text) return value;
-    ++textsElsewhere_;
+    if (replaced == bytes) return std::nullopt;
     return replaced;
   }
 

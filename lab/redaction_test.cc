@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "registry/recording_reader.h"
+#include "testing/property_values.h"
 
 namespace fernwick::lab {
 namespace {
@@ -81,6 +82,19 @@ TEST(Redaction, LongTextsGiveWayWhereverTheyStand) {
            {"Properties", Dictionary{{"path", "/0000-0001/0000-0001"}, {"UUID", "0000-0001"}}},
            {"Children", Array{Dictionary{{"Name", "port 0000-0001"}, {"Class", "F00D-BEEF"}}}}}));
   EXPECT_EQ(redacted.textsElsewhere, 3u);
+}
+
+TEST(Redaction, LongTextsGiveWayInDataToo) {
+  const auto redacted = Redacted(RecordingOf(
+      {{"Properties", Dictionary{{"log", testing::Bytes(std::string("\xFF F00D-BEEF\0", 12))},
+                                 {"other", testing::Bytes("F00D-BEE")},
+                                 {"UUID", "F00D-BEEF"}}}}));
+  EXPECT_EQ(redacted.value,
+            RecordingOf({{"Properties",
+                          Dictionary{{"log", testing::Bytes(std::string("\xFF 0000-0001\0", 12))},
+                                     {"other", testing::Bytes("F00D-BEE")},
+                                     {"UUID", "0000-0001"}}}}));
+  EXPECT_EQ(redacted.textsElsewhere, 1u);
 }
 
 TEST(Redaction, ShortTextsMayStandElsewhereByChance) {
