@@ -26,7 +26,9 @@ struct Target {
 // when the file should take its place.
 Target Resolve(const std::string& path) {
   struct stat status;
-  if (stat(path.c_str(), &status) != 0) return {path, {}};
+  if (stat(path.c_str(), &status) != 0) {
+    return {path, errno == ENOENT ? "" : std::strerror(errno)};
+  }
   if (S_ISDIR(status.st_mode)) return {path, {}};
   if (!S_ISREG(status.st_mode)) return {path, "not a regular file"};
   const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),

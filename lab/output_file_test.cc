@@ -96,6 +96,18 @@ TEST(OutputFile, ReachedByALinkTakesThePlaceOfTheFileAndLeavesTheLink) {
   EXPECT_EQ(FilesIn(directory.Path()), 2u);
 }
 
+TEST(OutputFile, BehindLinksThatLeadNowhereIsWrittenOrAnError) {
+  const testing::TemporaryDirectory directory;
+  const auto dangling = directory.Path() + "/dangling";
+  fs::create_symlink("none", dangling);
+  EXPECT_EQ(WriteOutputFile(dangling, "new"), "");
+  EXPECT_EQ(testing::ReadFile(dangling), "new");
+  const auto loop = directory.Path() + "/loop";
+  fs::create_symlink("loop", loop);
+  EXPECT_EQ(WriteOutputFile(loop, "new"), "Too many levels of symbolic links");
+  EXPECT_TRUE(fs::is_symlink(loop));
+}
+
 TEST(OutputFile, LeavesAlonePipesAndDevices) {
   const testing::TemporaryDirectory directory;
   const auto pipe = directory.Path() + "/pipe";
