@@ -24,6 +24,11 @@ bool IsExchange(std::string_view a, std::string_view b, std::size_t i, std::size
   return i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
 }
 
+// Of a short word, which is soon another one, a character too many or two exchanged: "RIDs".
+bool IsSlip(std::string_view word, std::string_view meant) {
+  return word.size() > meant.size() || std::ranges::is_permutation(word, meant);
+}
+
 }  // namespace
 
 std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t limit) {
@@ -53,10 +58,12 @@ std::string_view NearestSpelling(std::string_view word, std::span<const std::str
   std::size_t least = GreatestDistance + 1;
   const auto essence = Essence(word);
   for (const auto candidate : known) {
-    const auto allowed = std::min(GreatestDistance, (candidate.size() - 1) / 4);
     if (word.size() > 2 * candidate.size()) continue;
-    const auto distance =
-        essence == Essence(candidate) ? 0 : EditDistance(word, candidate, GreatestDistance);
+    const auto meant = Essence(candidate);
+    const auto distance = std::min(EditDistance(word, candidate, GreatestDistance),
+                                   EditDistance(essence, meant, GreatestDistance));
+    auto allowed = std::min(GreatestDistance, (candidate.size() - 1) / 4);
+    if (allowed == 0 && IsSlip(essence, meant)) allowed = 1;
     if (distance <= allowed && distance < least) {
       least = distance;
       nearest = candidate;

@@ -10,9 +10,10 @@ namespace fernwick::lab {
 /// one text into the other, counted in bytes; `limit` + 1 when it is more than `limit`.
 std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t limit);
 
-/// The known word that `word` is a misspelling of: it differs in letter case, blanks, hyphens or
-/// underscores alone, or in at most two characters, and fewer than one in four. The nearest, of
-/// those equally near the first. Empty when there is none.
+/// The known word that `word` is a misspelling of: but for letter case, blanks, hyphens and
+/// underscores it differs in at most two characters, and in fewer than one in four; a word of less
+/// than five in one too many or in two exchanged. The nearest, of those equally near the first.
+/// Empty when there is none.
 std::string_view NearestSpelling(std::string_view word, std::span<const std::string_view> known);
 
 }  // namespace fernwick::lab

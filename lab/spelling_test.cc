@@ -33,8 +33,17 @@ TEST(NearestSpelling, IsOfAtMostTwoChangesInAWordLongEnough) {
   EXPECT_EQ(NearestSpelling("Port UUUIDs", Known), "Port UUID");
   EXPECT_EQ(NearestSpelling("Port UUUIDss", Known), "");
   EXPECT_EQ(NearestSpelling("Versiions", Known), "");
-  EXPECT_EQ(NearestSpelling("RIDs", Known), "");
   EXPECT_EQ(NearestSpelling("", Known), "");
+}
+
+TEST(NearestSpelling, OfAShortWordIsOneCharacterTooManyOrTwoExchanged) {
+  EXPECT_EQ(NearestSpelling("RIDs", Known), "RID");
+  EXPECT_EQ(NearestSpelling("rids", Known), "RID");
+  EXPECT_EQ(NearestSpelling("RDI", Known), "RID");
+  EXPECT_EQ(NearestSpelling("UID", Known), "");
+  EXPECT_EQ(NearestSpelling("ID", Known), "");
+  EXPECT_EQ(NearestSpelling("DIR", Known), "");
+  EXPECT_EQ(NearestSpelling("RIDxs", Known), "");
 }
 
 TEST(NearestSpelling, MindsNoCaseBlanksHyphensAndUnderscores) {
@@ -42,6 +51,8 @@ TEST(NearestSpelling, MindsNoCaseBlanksHyphensAndUnderscores) {
   EXPECT_EQ(NearestSpelling("port_uuid", Known), "Port UUID");
   EXPECT_EQ(NearestSpelling("Set-NVRAM", Known), "SetNVRAM");
   EXPECT_EQ(NearestSpelling("S E T N V R A M", Known), "SetNVRAM");
+  EXPECT_EQ(NearestSpelling("versoin", Known), "Version");
+  EXPECT_EQ(NearestSpelling("PORT_UID", Known), "Port UUID");
 }
 
 TEST(NearestSpelling, IsTheNearestAndOfThoseTheFirst) {
