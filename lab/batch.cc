@@ -20,14 +20,17 @@ const char SelectionHelp[] =
     "A directory stands for every *.registry.plist below it, by name; links to directories are\n"
     "not followed. - reads paths from standard input, one a line.\n";
 
-void AddBatchOptions(CLI::App& app, BatchOptions& options) {
+void AddBatchOptions(CommandLine& line, BatchOptions& options) {
   options.jobs = std::max(1u, std::thread::hardware_concurrency());
-  app.add_option("RECORDING", options.paths, "recorded computers, directories of them, or -")
-      ->required()
-      ->type_name("");
-  app.add_option("-j,--jobs", options.jobs, "processes at once (default: one a processor)")
-      ->check(CLI::Range(std::size_t{1}, MostJobs))
-      ->type_name("N");
+  line.arguments.push_back({.name = "RECORDING",
+                            .target = &options.paths,
+                            .help = "recorded computers, directories of them, or -",
+                            .least = 1,
+                            .valueName = ""});
+  line.arguments.push_back({.name = "-j,--jobs",
+                            .target = BoundedNumber{&options.jobs, 1, MostJobs},
+                            .help = "processes at once (default: one a processor)",
+                            .valueName = "N"});
 }
 
 bool IsPayload(const std::string& payload) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "lab/command_line.h"
 #include "lab/worker_pool.h"
 #include "platform/output.h"
 
@@ -19,7 +19,7 @@ struct BatchOptions {
 
 /// Adds them to a verb's command line: RECORDING|DIRECTORY|-... and -j N, by default a process for
 /// each processor.
-void AddBatchOptions(CLI::App& app, BatchOptions& options);
+void AddBatchOptions(CommandLine& line, BatchOptions& options);
 
 /// Says how the recordings are selected, for the help.
 extern const char SelectionHelp[];

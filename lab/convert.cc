@@ -26,15 +26,21 @@ int Convert(int argumentCount, char* const arguments[]) {
   std::string path;
   std::string out;
   std::string form;
-  CLI::App app(Description, "fernwick-lab convert");
-  app.footer(Example);
-  app.add_option("RECORDING", path, "the recorded computer")->required();
-  app.add_option("OUT", out, "the file to write")->required();
-  app.add_option("--to", form, "the serialisation: xml or binary")
-      ->required()
-      ->type_name("FORM")
-      ->check(CLI::IsMember({"xml", "binary"}));
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
+  const CommandLine line = {
+      .verb = "convert",
+      .description = Description,
+      .footer = Example,
+      .arguments = {
+          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "OUT", .target = &out, .help = "the file to write", .least = 1},
+          {.name = "--to",
+           .target = &form,
+           .help = "the serialisation: xml or binary",
+           .least = 1,
+           .valueName = "FORM",
+           .choices = {"xml", "binary"}},
+      }};
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto document = LoadRecordingDocument(path);
   if (!document.value) {
     PrintError(document.error);

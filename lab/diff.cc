@@ -38,15 +38,19 @@ struct DiffOptions {
 };
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], DiffOptions& options) {
-  CLI::App app(Description, "fernwick-lab diff");
-  app.footer(SelectionHelp + std::string(Footer));
-  app.add_option("-p,--payload", options.payloads, "the old payload, and again the new one")
-      ->required()
-      ->allow_extra_args(false)
-      ->type_name("PAYLOAD");
-  app.add_flag("--json", options.asJson, "print JSON");
-  AddBatchOptions(app, options.batch);
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return status;
+  CommandLine line = {.verb = "diff",
+                      .description = Description,
+                      .footer = SelectionHelp + std::string(Footer),
+                      .arguments = {
+                          {.name = "-p,--payload",
+                           .target = &options.payloads,
+                           .help = "the old payload, and again the new one",
+                           .least = 1,
+                           .valueName = "PAYLOAD"},
+                          {.name = "--json", .target = &options.asJson, .help = "print JSON"},
+                      }};
+  AddBatchOptions(line, options.batch);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return status;
   if (options.payloads.size() == 2) return std::nullopt;
   PrintError("two payloads are needed, -p OLD -p NEW; see fernwick-lab diff --help");
   return LabStatus::BadUsage;

@@ -45,15 +45,21 @@ int ExplainVerb(int argumentCount, char* const arguments[]) {
   std::string payload;
   bool bypassVersion = false;
   bool asJson = false;
-  CLI::App app(Description, "fernwick-lab explain");
-  app.footer(Example);
-  app.add_option("RECORDING", path, "the recorded computer")->required();
-  app.add_option("-p,--payload", payload, "the payload directory")
-      ->required()
-      ->type_name("PAYLOAD");
-  app.add_flag("--bypassVersion", bypassVersion, "as the tool's option");
-  app.add_flag("--json", asJson, "print JSON");
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
+  const CommandLine line = {
+      .verb = "explain",
+      .description = Description,
+      .footer = Example,
+      .arguments = {
+          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "-p,--payload",
+           .target = &payload,
+           .help = "the payload directory",
+           .least = 1,
+           .valueName = "PAYLOAD"},
+          {.name = "--bypassVersion", .target = &bypassVersion, .help = "as the tool's option"},
+          {.name = "--json", .target = &asJson, .help = "print JSON"},
+      }};
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto file = LoadRecording(path);
   if (!file.recording) {
     PrintError(file.error);

@@ -1,6 +1,7 @@
 #include "lab/lint.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,29 +30,39 @@ constexpr char Footer[] =
     "  fernwick-lab lint --explain shadowed-personality\n";
 
 struct LintOptions {
-  std::string payload;
+  std::optional<std::string> payload;
   std::vector<std::string> boards;
   std::string format = "text";
   std::string failLevel = "error";
-  std::string explained;
+  std::optional<std::string> explained;
   bool list = false;
 };
 
-void Declare(CLI::App& app, LintOptions& options) {
-  app.footer(Footer);
-  app.add_option("PAYLOAD", options.payload, "the payload directory, which holds Fernwick/");
-  app.add_option("BOARD", options.boards, "names of directories in Fernwick/; none: all");
-  app.add_option("--format", options.format, "how to print: text, json or sarif (SARIF 2.1.0)")
-      ->check(CLI::IsMember({"text", "json", "sarif"}))
-      ->capture_default_str();
-  app.add_option("--fail-level", options.failLevel,
-                 "status 1 from this severity on: error, warning or note")
-      ->check(CLI::IsMember({"error", "warning", "note"}))
-      ->capture_default_str();
-  app.add_option("--explain", options.explained,
-                 "tell why a finding of this ID matters and how to mend it")
-      ->type_name("ID");
-  app.add_flag("--list", options.list, "list all IDs");
+CommandLine Declare(LintOptions& options) {
+  return {.verb = "lint",
+          .description = Description,
+          .footer = Footer,
+          .arguments = {
+              {.name = "PAYLOAD",
+               .target = &options.payload,
+               .help = "the payload directory, which holds Fernwick/"},
+              {.name = "BOARD",
+               .target = &options.boards,
+               .help = "names of directories in Fernwick/; none: all"},
+              {.name = "--format",
+               .target = &options.format,
+               .help = "how to print: text, json or sarif (SARIF 2.1.0)",
+               .choices = {"text", "json", "sarif"}},
+              {.name = "--fail-level",
+               .target = &options.failLevel,
+               .help = "status 1 from this severity on: error, warning or note",
+               .choices = {"error", "warning", "note"}},
+              {.name = "--explain",
+               .target = &options.explained,
+               .help = "tell why a finding of this ID matters and how to mend it",
+               .valueName = "ID"},
+              {.name = "--list", .target = &options.list, .help = "list all IDs"},
+          }};
 }
 
 int Explain(const std::string& id) {
@@ -78,16 +89,15 @@ Severity SeverityNamed(const std::string& name) {
 
 int Lint(int argumentCount, char* const arguments[]) {
   LintOptions options;
-  CLI::App app(Description, "fernwick-lab lint");
-  Declare(app, options);
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
-  if (app.count("PAYLOAD") + app.count("--explain") + app.count("--list") != 1) {
+  const auto line = Declare(options);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
     PrintError("one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help");
     return LabStatus::BadUsage;
   }
   if (options.list) return PrintResult(ListLintRules());
-  if (app.count("--explain") != 0) return Explain(options.explained);
-  const auto linting = LintPayload(options.payload, options.boards);
+  if (options.explained) return Explain(*options.explained);
+  const auto linting = LintPayload(*options.payload, options.boards);
   if (!linting.error.empty()) {
     PrintError(linting.error);
     return linting.status;

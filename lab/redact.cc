@@ -114,16 +114,21 @@ class Redaction {
 int Redact(int argumentCount, char* const arguments[]) {
   std::vector<std::string> paths;
   std::vector<std::string> keys;
-  CLI::App app(Description, "fernwick-lab redact");
-  app.footer(Example);
-  app.add_option("RECORDING", paths,
-                 "the recorded computers, and last the file or directory OUT that they go to")
-      ->required()
-      ->expected(2, -1);
-  app.add_option("--key", keys, "replace the properties of that name as well; may be repeated")
-      ->type_name("KEY")
-      ->allow_extra_args(false);
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
+  const CommandLine line = {
+      .verb = "redact",
+      .description = Description,
+      .footer = Example,
+      .arguments = {
+          {.name = "RECORDING",
+           .target = &paths,
+           .help = "the recorded computers, and last the file or directory OUT that they go to",
+           .least = 2},
+          {.name = "--key",
+           .target = &keys,
+           .help = "replace the properties of that name as well; may be repeated",
+           .valueName = "KEY"},
+      }};
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto out = paths.back();
   paths.pop_back();
   const auto jobs = PlanJobs(paths, out);

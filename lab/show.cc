@@ -25,12 +25,19 @@ int Show(int argumentCount, char* const arguments[]) {
   std::string path;
   std::optional<std::string> plane;
   bool asJson = false;
-  CLI::App app(Description, "fernwick-lab show");
-  app.footer(Example);
-  app.add_option("RECORDING", path, "the recorded computer")->required();
-  app.add_option("--plane", plane, "show this plane alone")->type_name("PLANE");
-  app.add_flag("--json", asJson, "print JSON");
-  if (const auto status = ParseCommandLine(app, argumentCount, arguments)) return *status;
+  const CommandLine line = {
+      .verb = "show",
+      .description = Description,
+      .footer = Example,
+      .arguments = {
+          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "--plane",
+           .target = &plane,
+           .help = "show this plane alone",
+           .valueName = "PLANE"},
+          {.name = "--json", .target = &asJson, .help = "print JSON"},
+      }};
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   auto file = LoadRecording(path);
   if (!file.recording) {
     PrintError(file.error);

@@ -42,20 +42,30 @@ struct SurveyOptions {
 };
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptions& options) {
-  CLI::App app(Description, "fernwick-lab survey");
-  app.footer(Footer());
-  app.add_option("-p,--payload", options.tool.payload, "the payload directory")
-      ->required()
-      ->type_name("PAYLOAD");
-  app.add_flag("--bypassVersion", options.tool.bypassVersion, "as the tool's own");
-  app.add_option("--format", options.format, "table, ndjson, csv or junit")
-      ->check(CLI::IsMember({"table", "ndjson", "csv", "junit"}))
-      ->type_name("FORMAT");
-  app.add_option("--expect", options.expectation,
-                 "print the differences from a survey saved as ndjson")
-      ->type_name("FILE");
-  AddBatchOptions(app, options.batch);
-  return ParseCommandLine(app, argumentCount, arguments);
+  CommandLine line = {.verb = "survey",
+                      .description = Description,
+                      .footer = Footer(),
+                      .arguments = {
+                          {.name = "-p,--payload",
+                           .target = &options.tool.payload,
+                           .help = "the payload directory",
+                           .least = 1,
+                           .valueName = "PAYLOAD"},
+                          {.name = "--bypassVersion",
+                           .target = &options.tool.bypassVersion,
+                           .help = "as the tool's own"},
+                          {.name = "--format",
+                           .target = &options.format,
+                           .help = "table, ndjson, csv or junit",
+                           .valueName = "FORMAT",
+                           .choices = {"table", "ndjson", "csv", "junit"}},
+                          {.name = "--expect",
+                           .target = &options.expectation,
+                           .help = "print the differences from a survey saved as ndjson",
+                           .valueName = "FILE"},
+                      }};
+  AddBatchOptions(line, options.batch);
+  return ParseCommandLine(line, argumentCount, arguments);
 }
 
 std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Output& out) {
