@@ -58,13 +58,18 @@ class World {
     directory_.Write("Fernwick/Zed-1A07/Config.plist", text);
   }
 
-  // A replay with the environment changed as `variables` say.
-  ChildOutcome Replay(std::vector<std::string> variables = {}) const {
-    variables.insert(variables.begin(), "/usr/bin/env");
-    variables.insert(variables.end(),
-                     {FERNWICK_LAB_PROGRAM, "replay", "computer.registry.plist", "-p", "."});
-    return RunChild(variables, Path());
+  ChildOutcome Replay() const {
+    return RunChild({FERNWICK_LAB_PROGRAM, "replay", "computer.registry.plist", "-p", "."}, Path());
   }
+
+#ifdef FERNWICK_FAULT_SHIM
+  // A replay in which what `fault` says goes wrong.
+  ChildOutcome ReplayWith(const std::string& fault) const {
+    return RunChild({"/usr/bin/env", "LD_PRELOAD=" FERNWICK_FAULT_SHIM, fault,
+                     FERNWICK_DYNAMIC_LAB_PROGRAM, "replay", "computer.registry.plist", "-p", "."},
+                    Path());
+  }
+#endif
 
   // A replay by a shell that does first, and adds to the command, what is given.
   ChildOutcome ReplayByShell(const std::string& before, const std::string& behind) const {
@@ -112,8 +117,7 @@ struct Race {
 
 ChildOutcome ReplayWithRace(const std::string& moment, const std::string& action,
                             const std::string& file) {
-  return World().Replay(
-      {"LD_PRELOAD=" FERNWICK_FAULT_SHIM, "FERNWICK_FAULT=" + moment + ":" + action + ":" + file});
+  return World().ReplayWith("FERNWICK_FAULT=" + moment + ":" + action + ":" + file);
 }
 
 // It was there when it was looked for.
@@ -202,8 +206,8 @@ TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
   int failures[2] = {0, 0};
   for (int allocation = 1; plansInARow < 50; ++allocation) {
     SCOPED_TRACE(allocation);
-    const auto found = world.Replay({"LD_PRELOAD=" FERNWICK_FAULT_SHIM,
-                                     "FERNWICK_FAILING_ALLOCATION=" + std::to_string(allocation)});
+    const auto found =
+        world.ReplayWith("FERNWICK_FAILING_ALLOCATION=" + std::to_string(allocation));
     plansInARow = found == usual ? plansInARow + 1 : 0;
     if (plansInARow > 0) continue;
     const bool toolRuns = failures[1] > 0 || found == inTheTool;
