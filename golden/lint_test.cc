@@ -123,6 +123,19 @@ TEST(Lint, TellsWhatCannotBeReadAboveAll) {
        ""});
 }
 
+// Which is another thing than that it is not there.
+TEST(Lint, TellsAConfigurationThatCannotBeLookedAt) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/A/README", "");
+  std::filesystem::create_symlink("Config.plist", directory.Path() + "/p/Fernwick/A/Config.plist");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"66",
+                 "p/Fernwick/A/Config.plist: error: it cannot be read: Too many levels of symbolic "
+                 "links [unreadable-file]\n"
+                 "1 board: 1 error, 0 warnings, 0 notes\n",
+                 ""});
+}
+
 TEST(Lint, TellsADirectoryThatCannotBeListed) {
   // Where leaks are looked for, a process must keep the rights that it began with.
   if (testing::UnderAddressSanitizer) GTEST_SKIP();

@@ -140,7 +140,10 @@ class PayloadLinter {
           "its name is not UTF-8, so no board has it for its identifier");
     }
     const auto path = AppendPathComponent(directory, "Config.plist");
-    if (!PathExists(path)) {
+    std::error_code error;
+    const bool exists = fs::exists(path, error);
+    if (error) return AddUnreadable(path, error.message());
+    if (!exists) {
       Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
       return;
     }
