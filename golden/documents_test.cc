@@ -64,6 +64,7 @@ std::vector<ShownCommand> CommandsOf(const fs::path& document) {
 std::vector<fs::path> AllDocuments() {
   auto documents = testing::ManualPages(SourceDirectory);
   documents.push_back(SourceDirectory / "README.md");
+  documents.push_back(SourceDirectory / "CONTRIBUTING.md");
   for (const auto& file : fs::directory_iterator(SourceDirectory / "docs")) {
     if (file.path().extension() == ".md") documents.push_back(file.path());
   }
@@ -130,6 +131,23 @@ TEST(Documents, NameOnlyTestsThatExist) {
     }
   }
   EXPECT_GT(count, 30);
+}
+
+TEST(Documents, TellHowToExtendByTestsAndFilesThatExist) {
+  const auto known = AllTestNames();
+  const auto document = testing::ReadFile(SourceDirectory / "docs/extending.md");
+  const std::regex test(R"(`([A-Z]\w+\.[A-Z]\w+)`)");
+  const std::regex file(R"(`([a-z]+/[a-z][\w.-]*)`)");
+  int count = 0;
+  for (std::sregex_iterator match(document.begin(), document.end(), test), end; match != end;
+       ++match, ++count) {
+    EXPECT_TRUE(known.contains((*match)[1].str())) << (*match)[1].str();
+  }
+  for (std::sregex_iterator match(document.begin(), document.end(), file), end; match != end;
+       ++match, ++count) {
+    EXPECT_TRUE(fs::exists(SourceDirectory / (*match)[1].str())) << (*match)[1].str();
+  }
+  EXPECT_GT(count, 20);
 }
 
 // What a newcomer sees first.
