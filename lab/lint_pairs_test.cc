@@ -126,7 +126,7 @@ std::string WritePayload(const testing::TemporaryDirectory& directory, Payload p
   for (auto& [path, contents] : payload) {
     const auto inPath = TakeMark(path);
     const auto inContents = TakeMark(contents);
-    const auto written = directory.Write(path, contents);
+    directory.Write(path, contents);
     if (inPath != std::string::npos) marked = path.substr(0, inPath) + ": ";
     if (inContents != std::string::npos) {
       marked = path + ":1:" + std::to_string(inContents + 1) + ": ";

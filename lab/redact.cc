@@ -71,7 +71,7 @@ int CheckAll(const std::vector<Job>& jobs) {
 
 class Redaction {
  public:
-  explicit Redaction(std::vector<std::string> furtherKeys)
+  explicit Redaction(const std::vector<std::string>& furtherKeys)
       : furtherKeys_(furtherKeys.begin(), furtherKeys.end()) {}
 
   int Write(const Job& job) {

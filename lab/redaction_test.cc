@@ -15,7 +15,7 @@ PropertyValue RecordingOf(Dictionary root) {
                     {"Planes", Dictionary{{"IOService", std::move(root)}}}};
 }
 
-RedactedRecording Redacted(const PropertyValue& recording, std::set<std::string> keys = {}) {
+RedactedRecording Redacted(const PropertyValue& recording, const std::set<std::string>& keys = {}) {
   Pseudonyms pseudonyms;
   return RedactRecording(recording, keys, pseudonyms);
 }
