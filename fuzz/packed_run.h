@@ -17,6 +17,7 @@ struct PackedRun {
 /// Views `input`. What is missing is empty.
 PackedRun Unpack(std::string_view input);
 
+/// The bytes from which Unpack gives the run again.
 std::string Pack(const PackedRun& run);
 
 /// The words of the command line, "@" replaced by `payload`.

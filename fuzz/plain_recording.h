@@ -11,8 +11,10 @@ namespace fernwick::fuzz {
 
 /// What can plainly be read in a recording, without the registry that is made of it.
 
+/// Handles of a recording's entries.
 using Entries = std::vector<RegistryEntry>;
 
+/// The entry of that handle. REQUIRES: it is one of the recording's.
 const RecordedEntry& EntryOf(const Recording& recording, RegistryEntry entry);
 
 /// The entry and all below it in the plane, parents before children.

@@ -7,6 +7,7 @@
 
 namespace fernwick::fuzz {
 
+/// Documents, or pieces of one.
 using Texts = std::vector<std::string>;
 
 /// What an XML document may say and the writer never does.

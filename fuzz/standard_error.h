@@ -13,6 +13,7 @@ std::string TakeStandardError();
 /// The last line that went to the system log alone since ForgetFault, in this process or in one
 /// that it started since then.
 std::string LastFault();
+/// From now on LastFault tells of none, until there is another.
 void ForgetFault();
 
 }  // namespace fernwick::fuzz

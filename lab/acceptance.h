@@ -39,6 +39,7 @@ struct Acceptance {
   bool acceptsAny = false;
 };
 
+/// What the personality accepts. It views the personality's values, which have to outlive it.
 Acceptance AcceptanceOf(const PlacedPersonality& personality);
 
 /// Whether `wide` accepts every controller that `narrow` accepts, with the version check bypassed

@@ -18,6 +18,7 @@ struct Controllers {
   bool endsRun = false;  // taking the inventory ends the run abnormally: nothing is listed
 };
 
+/// The controllers of each kind, as the tool's own inventories find them.
 Controllers FindThunderboltControllers(const Recording& recording);
 Controllers FindPortControllers(const Recording& recording);
 

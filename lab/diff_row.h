@@ -28,6 +28,7 @@ struct DiffRow {
   std::vector<DiffChange> changes = {};
 };
 
+/// The row as one JSON object, from which ParseDiffRow makes it again.
 Json ToJson(const DiffRow& row);
 
 /// A row from what ToJson made of one. REQUIRES: it did.

@@ -31,12 +31,14 @@ struct ExplainedFailure {
   bool isUuidUnread = false;             // an earlier port without a UUID kept this one's unread
 };
 
+/// A personality and a controller that were held against each other.
 struct ExplainedPair {
   std::size_t personality;  // in ExplainedKey::personalities
   PairOutcome outcome;
   std::vector<ExplainedFailure> failures = {};  // the first one decided
 };
 
+/// A controller of an inventory, with the pair that each personality makes with it.
 struct ExplainedController {
   bool isPort;
   std::string path;
@@ -61,6 +63,7 @@ struct UnreadKey {
   TypeSet readBy;  // other types; none: nothing reads it
 };
 
+/// A candidate that stands under a type, whether it is a personality or not.
 struct ExplainedPersonality {
   std::optional<FilePlace> place;
   std::optional<PropertyValue> firmware;  // whatever it has as "Firmware"

@@ -15,6 +15,7 @@ struct Frame {
   friend bool operator==(const Frame&, const Frame&) = default;
 };
 
+/// The bytes of a frame.
 std::string Framed(char kind, std::string_view bytes);
 
 /// Puts frames together from the pieces in which a pipe gives them.

@@ -14,6 +14,7 @@ struct RecordingFile {
   int status;         // LabStatus: Done, MalformedInput or UnreadableInput
 };
 
+/// Reads a recording, which is refused whole when it breaks a rule of the format.
 RecordingFile LoadRecording(const std::string& path);
 
 }  // namespace fernwick::lab

@@ -2,6 +2,7 @@
 
 namespace fernwick::lab {
 
+/// What `fernwick-lab replay --help` prints.
 inline constexpr char ReplayHelp[] =
     "usage: fernwick-lab replay RECORDING [TOOL-ARGUMENT...]\n"
     "\n"

@@ -18,6 +18,7 @@ struct ShownComputer {
   Controllers ports;
 };
 
+/// Takes both inventories as a run would. A run that would end abnormally does not end this one.
 ShownComputer LookAt(Recording recording);
 
 /// As a text for people, `plane` alone or every plane, which then go by name.

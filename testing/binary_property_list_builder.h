@@ -19,6 +19,7 @@ using References = std::vector<std::uint64_t>;
 /// A marker with the count in it, or behind it as an integer as short as may be.
 std::string CountedMarker(unsigned kind, std::uint64_t count);
 
+/// An object of each kind, of an array or a dictionary with references of that many bytes.
 std::string AsciiObject(std::string_view text);
 std::string Utf16Object(const std::u16string& text);
 std::string DataObject(std::string_view bytes);

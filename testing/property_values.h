@@ -15,6 +15,7 @@ inline void PrintTo(const PropertyValue& value, std::ostream* out) {
   *out << WriteXmlPropertyList(value);
 }
 
+/// The same of a dictionary.
 inline void PrintTo(const Dictionary& dictionary, std::ostream* out) {
   PrintTo(PropertyValue(dictionary), out);
 }

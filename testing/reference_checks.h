@@ -15,18 +15,21 @@
 /// version check is bypassed is an argument here.
 namespace fernwick::testing::reference {
 
+/// Whether a "LegacyUSBC" personality applies to a port.
 bool CheckLegacyUsbcRequirements(const Dictionary& personality, const Dictionary& hardware,
                                  bool bypassVersionCheck, std::string& diagnostics);
 
-/// Of `boardRevision` only the low 8 bits count.
+/// Whether a "USBC" personality applies to a port. Of `boardRevision` only the low 8 bits count.
 bool CheckUsbcRequirements(const Dictionary& personality, const Dictionary& hardware,
                            std::uint32_t boardRevision, bool bypassVersionCheck,
                            std::string& diagnostics);
 
+/// Whether a "LegacyThunderbolt" personality applies to a controller.
 bool CheckLegacyThunderboltRequirements(const Dictionary& personality, const Dictionary& hardware,
                                         bool bypassVersionCheck, std::string& diagnostics);
 
-/// Of `boardRevision` only the low 8 bits count.
+/// Whether a "Thunderbolt" personality applies to a port. Of `boardRevision` only the low 8 bits
+/// count.
 bool CheckThunderboltRequirements(const Dictionary& personality, const Dictionary& hardware,
                                   std::uint32_t boardRevision, bool bypassVersionCheck,
                                   std::string& diagnostics);

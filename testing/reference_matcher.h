@@ -16,6 +16,7 @@ struct Controllers {
   std::vector<Dictionary> ports;
 };
 
+/// Which inventory was taken.
 enum class Inventory { Thunderbolt, Ports };
 
 /// What one matching gives and does.

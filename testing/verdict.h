@@ -18,11 +18,13 @@ struct Verdict {
   friend bool operator==(const Verdict&, const Verdict&) = default;
 };
 
+/// How a failed comparison shows it.
 inline void PrintTo(const Verdict& verdict, std::ostream* out) {
   *out << (verdict.applies ? "applies, writes " : "does not apply, writes ")
        << ::testing::PrintToString(verdict.diagnostics);
 }
 
+/// The two verdicts, each with what is to be on standard error.
 inline Verdict Applies(std::string diagnostics = {}) {
   return {true, std::move(diagnostics)};
 }
