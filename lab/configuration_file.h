@@ -59,7 +59,8 @@ struct ConfigurationLoading {
   int status;         // LabStatus: Done, MalformedInput or UnreadableInput
 };
 
-/// Reads a configuration with the places of its values. Whether it is a dictionary is not looked at.
+/// Reads a configuration with the places of its values. Whether it is a dictionary is not looked
+/// at.
 ConfigurationLoading LoadConfiguration(const std::string& path);
 
 /// Where the key stands in a dictionary; of one that occurs twice the last, whose value holds. Null
