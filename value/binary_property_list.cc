@@ -60,8 +60,8 @@ struct Object {
 
 // What has been reached so far, each time it was.
 struct Tally {
-  std::uint64_t values = 0;
-  std::uint64_t longBytes = 0;  // of keys, strings and data longer than ShortText
+  std::uint64_t values;
+  std::uint64_t longBytes;  // of keys, strings and data longer than ShortText
 };
 
 // An array or dictionary that has been reached a second time: it is shared from then on, so that a
