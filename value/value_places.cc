@@ -17,10 +17,9 @@ void PlaceRecorder::EndValue() {
     return;
   }
   auto& parent = open_.back();
-  if (parent.hasPendingKey) {
+  if (parent.isDictionary) {
     parent.pendingKey.value = std::move(place);
     parent.place.entries.push_back(std::move(parent.pendingKey));
-    parent.hasPendingKey = false;
   } else {
     parent.place.elements.push_back(std::move(place));
   }
@@ -29,7 +28,7 @@ void PlaceRecorder::EndValue() {
 void PlaceRecorder::Key(SharedBytes key, std::size_t offset) {
   auto& dictionary = open_.back();
   dictionary.pendingKey = {.key = std::move(key), .offset = offset};
-  dictionary.hasPendingKey = true;
+  dictionary.isDictionary = true;
 }
 
 ValuePlace PlaceRecorder::TakeRoot() {

@@ -46,7 +46,7 @@ class PlaceRecorder {
   struct OpenValue {
     ValuePlace place;
     KeyPlace pendingKey;
-    bool hasPendingKey = false;
+    bool isDictionary = false;
   };
 
   SourceText text_;

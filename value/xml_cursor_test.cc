@@ -87,6 +87,7 @@ TEST(XmlCursor, SkipsTheProlog) {
           "<!DOCTYPE plist PUBLIC \"-//A//B c 1.0//EN\" \"http://host/a.dtd\">",
           "<!DOCTYPE plist PUBLIC '' ''>",
           "<!DOCTYPE plist PUBLIC \"it's+(),./:=?;!*#@$_%\" 'a'>",
+          "<!DOCTYPE plist PUBLIC 'azAZ09' 'a'>",
           "<!DOCTYPE SYSTEM>",
           "<!DOCTYPE PUBLIC SYSTEM 'a'>",
       },
@@ -114,6 +115,7 @@ TEST(XmlCursor, RejectsAMalformedProlog) {
           {"<!DOCTYPE plist SYSTEM 'a>", 23, "the system identifier does not end"},
           {"<!DOCTYPE plist SYSTEM 'a' 'b'>", 27, malformed},
           {"<!DOCTYPE plist PUBLIC>", 22, malformed},
+          {"<!DOCTYPE plist PUBLIC >", 23, "the public identifier is not quoted"},
           {"<!DOCTYPE plist PUBLIC 'a'>", 26, malformed},
           {"<!DOCTYPE plist PUBLIC 'a''b'>", 26, malformed},
           {"<!DOCTYPE plist PUBLIC 'a' b>", 27, "the system identifier is not quoted"},
@@ -319,6 +321,7 @@ TEST(XmlCursor, ReadsCharacterData) {
       {"a\r&#10;b", "a\n\nb", false},
       {"a&#13;\nb", "a\r\nb", false},
       {"a\r<!-- -->\nb", "a\n\nb", false},
+      {"a\r\n", "a\n", false},
       {"]", "]", false},
       {"]]", "]]", false},
       {"]] >", "]] >", false},
@@ -401,6 +404,14 @@ TEST(XmlCursor, CharacterDataEndsAtAnyTagAndAtTheEnd) {
     EXPECT_TRUE(ReadCharacters(cursor));
     EXPECT_EQ(cursor.Offset(), 4u) << behind;
   }
+}
+
+TEST(XmlCursor, LineEndThatTheDocumentCutsInTwoIsOne) {
+  XmlCursor cursor(std::string_view("a\r\n").substr(0, 2));
+  std::string_view characters;
+  std::string decoded;
+  EXPECT_TRUE(cursor.ReadCharacters(characters, decoded));
+  EXPECT_EQ(characters, "a\n");
 }
 
 TEST(XmlCursor, KeepsTheFirstFault) {

@@ -50,6 +50,11 @@ TEST(XmlNames, NameIsTheLongestRunAtTheStart) {
   for (const auto& [text, length] : rows) EXPECT_EQ(XmlNameLength(text), length) << text;
 }
 
+TEST(XmlNames, NameEndsWithItsText) {
+  EXPECT_EQ(XmlNameLength(std::string_view("ab").substr(0, 1)), 1u);
+  EXPECT_EQ(XmlNameLength(std::string_view("ab").substr(0, 0)), 0u);
+}
+
 // The first and the last character of each range that may begin a name.
 constexpr char32_t NameStartBounds[][2] = {
     {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},

@@ -306,6 +306,32 @@ TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
                         });
 }
 
+// Whatever would make a value of what is left when reading went on behind the fault.
+TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItStands) {
+  const auto hyphens = [](const std::string& before, const std::string& behind) {
+    return RejectedRow{
+        before + "<!--a--" + behind,
+        "line 1, column " + std::to_string(before.size() + 6) + ": \"--\" stands inside a comment"};
+  };
+  ExpectRejected(Parse, {
+                            hyphens("", "<true/>"),
+                            hyphens("<plist>", ""),
+                            hyphens("<plist>", "<true/></plist>"),
+                            hyphens("<plist><true/>", "</plist>"),
+                            hyphens("<plist><true/></plist>", ""),
+                            hyphens("<true/>", ""),
+                            hyphens("<array>", "</array>"),
+                            hyphens("<array>", "<true/></array>"),
+                            hyphens("<array><string>", "</array>"),
+                            hyphens("<array><string>", "</string></array>"),
+                            hyphens("<dict>", "<key>a</key><true/></dict>"),
+                            hyphens("<dict><key>", "</key><true/></dict>"),
+                            hyphens("<dict><key>a</key>", "<true/></dict>"),
+                            hyphens("<dict><key>a</key>", "<key>b</key><true/></dict>"),
+                            hyphens("<dict><key>a</key>", "</dict>"),
+                        });
+}
+
 TEST(XmlPropertyList, RejectsTextAroundElements) {
   const std::string error = "text stands where an element was expected";
   ExpectRejected(
