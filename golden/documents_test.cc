@@ -150,6 +150,31 @@ TEST(Documents, TellHowToExtendByTestsAndFilesThatExist) {
   EXPECT_GT(count, 20);
 }
 
+// All that `pattern` finds in the first group, each split at what stands between words.
+std::set<std::string> WordsFound(const std::string& text, const std::regex& pattern) {
+  const std::regex word(R"([a-z][\w.+-]*)");
+  std::set<std::string> words;
+  for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end; ++match) {
+    const auto found = (*match)[1].str();
+    for (std::sregex_iterator each(found.begin(), found.end(), word); each != end; ++each) {
+      words.insert(each->str());
+    }
+  }
+  return words;
+}
+
+TEST(Documents, TellTheReasonForEveryPackageThatDevInstalls) {
+  const auto readme = testing::ReadFile(SourceDirectory / "README.md");
+  const auto start = readme.find("| Package | Why |");
+  ASSERT_NE(start, std::string::npos);
+  const auto table = readme.substr(start, readme.find("\n\n", start) - start);
+  const auto named = WordsFound(table, std::regex(R"(\n\| (`[^|]*`) \| [^|]+ \|)"));
+  const auto installed =
+      WordsFound(testing::ReadFile(SourceDirectory / "dev"), std::regex(R"(packages=\(([^)]*)\))"));
+  EXPECT_GT(installed.size(), 10U);
+  EXPECT_EQ(named, installed);
+}
+
 // What a newcomer sees first.
 TEST(Dev, DemoShowsAPlanAndTheOtherComputers) {
   const auto outcome = testing::RunChild(
