@@ -143,9 +143,8 @@ class RandomPayloads {
  public:
   Computer NextComputer() {
     Computer computer;
-    auto above = computer.Services();
     for (std::size_t i = choice_.Below(4); i > 0; --i) {
-      above = computer.AddThunderbolt("Ridge", Changed(ThunderboltProperties));
+      const auto above = computer.AddThunderbolt("Ridge", Changed(ThunderboltProperties));
       AddPorts(computer, above, choice_.Below(2));
     }
     AddPorts(computer, computer.Services(), choice_.Below(4));

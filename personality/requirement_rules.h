@@ -11,7 +11,6 @@ namespace fernwick {
 
 /// The comparisons of the requirement checks. The personality's value comes first, the hardware's
 /// second. An operand of another kind makes each of them false; none ever fails.
-
 bool NumbersEqual(const PropertyValue& a, const PropertyValue& b);
 bool NumberGreater(const PropertyValue& a, const PropertyValue& b);
 bool NumberLess(const PropertyValue& a, const PropertyValue& b);

@@ -30,6 +30,7 @@ enum class Omission {
   AddressBelowThunderbolt,  // of a port, is not 0
 };
 
+/// A controller that the inventory passed over.
 struct OmittedController {
   RegistryEntry controller;
   Omission why;

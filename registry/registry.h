@@ -16,6 +16,7 @@ using RegistryEntry = std::uint32_t;
 /// 0 is success, anything else a failure.
 using RegistryStatus = std::int32_t;
 
+/// What was asked for was done.
 inline constexpr RegistryStatus RegistrySuccess = 0;
 
 /// The property is absent or not of the requested kind.

@@ -15,6 +15,7 @@ struct ReportedMatch {
   friend bool operator==(const ReportedMatch&, const ReportedMatch&) = default;
 };
 
+/// How a failed comparison shows it.
 inline void PrintTo(const ReportedMatch& match, std::ostream* out) {
   *out << match.type << ", RID " << match.rid << ", " << match.firmware;
 }

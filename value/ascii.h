@@ -15,10 +15,12 @@ constexpr bool IsAsciiWhiteSpace(char c) {
   return IsXmlWhiteSpace(c) || c == '\v' || c == '\f';
 }
 
+/// Whether it is one of 0 to 9.
 constexpr bool IsDecimalDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
+/// A letter of ASCII in lower case; any other character as it is.
 constexpr char ToLowerAscii(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

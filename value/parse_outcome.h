@@ -17,6 +17,7 @@ struct ParseOutcome {
 /// More open arrays and dictionaries than this, one inside the other, are refused by every reader.
 inline constexpr std::size_t MaximumNesting = 512;
 
+/// How every reader tells it.
 inline constexpr char NestedTooDeeply[] =
     "more than 512 arrays and dictionaries are nested in each other";
 

@@ -106,6 +106,7 @@ class PropertyValue {
       value_;
 };
 
+/// A key of a dictionary and its value.
 struct DictionaryEntry {
   DictionaryEntry(SharedBytes entryKey, PropertyValue entryValue)
       : key(std::move(entryKey)), value(std::move(entryValue)) {}

@@ -9,6 +9,7 @@ namespace fernwick {
 /// What the readers give for a place that does not exist.
 inline constexpr std::size_t NoPlace = std::string_view::npos;
 
+/// What is written for a character that cannot be.
 inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
 
 /// One character at the start of a text. A length of 0, and the character 0 with it, says that no
@@ -35,12 +36,14 @@ std::size_t FindInvalidUtf8(std::string_view text);
 /// or NoPlace.
 std::size_t FindInvalidText(std::string_view text);
 
+/// Whether a unit of UTF-16 is the first or the second of a pair.
 bool IsHighSurrogate(char32_t unit);
 bool IsLowSurrogate(char32_t unit);
 
 /// The character of a surrogate pair.
 char32_t CombineSurrogates(char32_t high, char32_t low);
 
+/// Which byte of a unit of UTF-16 comes first.
 enum class ByteOrder { BigEndian, LittleEndian };
 
 /// UTF-16 as UTF-8, as far as it is well-formed.
