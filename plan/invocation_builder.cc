@@ -55,7 +55,7 @@ std::string_view FlashingUtility(std::string_view type) {
 }
 
 InvocationBuilder::InvocationBuilder(std::string directory,
-                                     std::optional<std::string> boardIdString)
+                                     const std::optional<std::string>& boardIdString)
     : personalitiesDirectory(std::move(directory)),
       boardDirectory(BoardDirectory(boardIdString, personalitiesDirectory)) {}
 
@@ -108,7 +108,7 @@ std::string InvocationBuilder::PayloadVariable() const {
 }
 
 void InvocationBuilder::FinishInvocation() {
-  optionTokens.push_back("-noreset");
+  optionTokens.emplace_back("-noreset");
   arguments.insert(arguments.end(), trailer.begin(), trailer.end());
   arguments.push_back(JoinWithBlanks(optionTokens));
 }

@@ -22,7 +22,8 @@ std::string_view FlashingUtility(std::string_view type);
 class InvocationBuilder {
  public:
   /// `personalitiesDirectory` ends in "/".
-  InvocationBuilder(std::string personalitiesDirectory, std::optional<std::string> boardIdString);
+  InvocationBuilder(std::string personalitiesDirectory,
+                    const std::optional<std::string>& boardIdString);
 
   /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
   /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a
