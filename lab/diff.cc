@@ -12,6 +12,7 @@
 #include "lab/exit_status.h"
 #include "lab/explain_words.h"
 #include "lab/isolation.h"
+#include "lab/json_stream.h"
 #include "lab/messages.h"
 #include "lab/payload_diff.h"
 #include "lab/recording_file.h"
@@ -149,41 +150,43 @@ struct DiffTotals {
   }
 };
 
-// Everything but the first line further to the right, without the line feed at the end.
-std::string Indented(std::string text, std::size_t blanks) {
-  text.pop_back();
-  for (auto at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
-    text.insert(at + 1, blanks, ' ');
-  }
-  return text;
-}
-
 // The rows that are to be told, as they come.
 class DiffReport {
  public:
-  DiffReport(Output& out, bool asJson) : out_(out), asJson_(asJson) {}
+  DiffReport(Output& out, bool asJson)
+      : out_(out), asJson_(asJson), stream_([&out](std::string_view text) { out.Write(text); }) {}
 
   void Add(const DiffRow& row) {
     totals_.Add(row);
     if (row.refusal.empty() && row.abnormalEnd.empty() && row.changes.empty()) return;
     if (!asJson_) return out_.Write(DescribeRow(row));
-    out_.Write(isEmpty_ ? "{\n  \"computers\": [\n    " : ",\n    ");
-    out_.Write(Indented(PrintJson(ToJson(row)), 4));
-    isEmpty_ = false;
+    Begin();
+    stream_.Add(ToJson(row));
   }
 
   void Finish() {
     if (!asJson_) return out_.Write(totals_.Text());
-    out_.Write(isEmpty_ ? "{\n  \"computers\": []" : "\n  ]");
-    out_.Write(",\n  \"totals\": " + Indented(PrintJson(totals_.AsJson()), 2) + "\n}\n");
+    Begin();
+    stream_.End();
+    stream_.AddMembers({{"totals", totals_.AsJson()}});
+    stream_.End();
   }
 
   int Status() const { return totals_.changed == 0 ? 0 : 1; }
 
  private:
+  // Not before there is something to tell: an error leaves standard output empty.
+  void Begin() {
+    if (hasBegun_) return;
+    stream_.Begin('{');
+    stream_.Begin("computers", '[');
+    hasBegun_ = true;
+  }
+
   Output& out_;
   bool asJson_;
-  bool isEmpty_ = true;
+  JsonStream stream_;
+  bool hasBegun_ = false;
   DiffTotals totals_;
 };
 

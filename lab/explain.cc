@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -70,8 +71,11 @@ int ExplainVerb(int argumentCount, char* const arguments[]) {
     return LabStatus::UnreadableInput;
   }
   const auto explanation = Explain(*file.recording, payload, bypassVersion);
-  return PrintResult(asJson ? PrintJson(ExplanationJson(explanation))
-                            : ExplanationText(explanation, ShowsEmphasis()));
+  Output out(stdout);
+  const auto print = [&](std::string_view text) { out.Write(text); };
+  asJson ? PrintExplanationJson(explanation, print)
+         : PrintExplanationText(explanation, ShowsEmphasis(), print);
+  return FinishOutput(out);
 }
 
 }  // namespace fernwick::lab

@@ -112,8 +112,10 @@ class Bench {
   // Whatever the explanation is, it can be told, and both ways of telling it have a line for each
   // failure.
   void ExpectToldWhole() {
-    const auto text = ExplanationText(explanation_, false);
-    const auto json = PrintJson(ExplanationJson(explanation_));
+    std::string text;
+    std::string json;
+    PrintExplanationText(explanation_, false, [&](std::string_view piece) { text += piece; });
+    PrintExplanationJson(explanation_, [&](std::string_view piece) { json += piece; });
     std::size_t failures = 0;
     for (const auto& key : explanation_.keys) {
       for (const auto& controller : key.controllers) {

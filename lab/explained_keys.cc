@@ -30,6 +30,37 @@ class KeyPlaces {
   std::unordered_map<std::string_view, const KeyPlace*> places_;
 };
 
+// What the values of one controller come from, looked up once for each key.
+class ControllerSources {
+ public:
+  ControllerSources(const Recording& recording, const ExplainedSource& boardRevision,
+                    const RecordSource& source)
+      : recording_(recording), boardRevision_(boardRevision), source_(source) {}
+
+  SharedSources Of(std::string_view hardwareKey) {
+    auto& sources = byKey_[hardwareKey];
+    if (sources == nullptr) sources = LookUp(hardwareKey);
+    return sources;
+  }
+
+  bool IsUuidUnread() const { return !source_.uuidFetched; }
+
+ private:
+  SharedSources LookUp(std::string_view hardwareKey) const {
+    if (hardwareKey.empty()) return Share({boardRevision_});
+    std::vector<ExplainedSource> sources;
+    for (const auto& each : SourcesOf(hardwareKey, source_)) {
+      sources.push_back(LookUpSource(recording_, each));
+    }
+    return Share(std::move(sources));
+  }
+
+  const Recording& recording_;
+  const ExplainedSource& boardRevision_;
+  const RecordSource& source_;
+  std::unordered_map<std::string_view, SharedSources> byKey_;  // by literals
+};
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
@@ -116,10 +147,12 @@ class KeyExplainer {
         .record = decisions.controller,
         .pairs = {},
     };
+    ControllerSources sources(recording_, boardRevision_, source);
     for (std::size_t i = 0; i < decisions.pairs.size(); ++i) {
       ExplainedPair pair = {.personality = i, .outcome = decisions.pairs[i].outcome};
+      pair.failures.reserve(decisions.pairs[i].failures.size());
       for (const auto& failure : decisions.pairs[i].failures) {
-        pair.failures.push_back(ExplainFailure(failure, places_[i], source));
+        pair.failures.push_back(ExplainFailure(failure, places_[i], sources));
       }
       controller.pairs.push_back(std::move(pair));
     }
@@ -127,16 +160,12 @@ class KeyExplainer {
   }
 
   ExplainedFailure ExplainFailure(const FailedRequirement& requirement,
-                                  const ValuePlace* personality, const RecordSource& source) const {
-    ExplainedFailure failure = {.requirement = requirement, .wantedPlace = {}, .sources = {}};
+                                  const ValuePlace* personality, ControllerSources& sources) const {
     const auto* place = personality == nullptr ? nullptr : FindKey(*personality, requirement.key);
-    if (place != nullptr) failure.wantedPlace = PlaceOfValue(&place->value);
-    if (requirement.hardwareKey.empty()) failure.sources.push_back(boardRevision_);
-    for (const auto& each : SourcesOf(requirement.hardwareKey, source)) {
-      failure.sources.push_back(LookUpSource(recording_, each));
-    }
-    failure.isUuidUnread = requirement.hardwareKey == "Port UUID" && !source.uuidFetched;
-    return failure;
+    return {.requirement = requirement,
+            .wantedPlace = PlaceOfValue(place == nullptr ? nullptr : &place->value),
+            .sources = sources.Of(requirement.hardwareKey),
+            .isUuidUnread = requirement.hardwareKey == "Port UUID" && sources.IsUuidUnread()};
   }
 
   ExplainedOmission ExplainOmission(const OmittedController& omitted) const {

@@ -1,5 +1,7 @@
 #include "lab/explanation.h"
 
+#include <utility>
+
 #include "driver/bypass_switch.h"
 #include "lab/abnormal_end.h"
 #include "lab/explained_keys.h"
@@ -79,6 +81,10 @@ void ExplainRun(const Recording& recording, Registry& registry, const RunRecorde
 }
 
 }  // namespace
+
+SharedSources Share(std::vector<ExplainedSource> sources) {
+  return std::make_shared<const std::vector<ExplainedSource>>(std::move(sources));
+}
 
 std::vector<PairPlace> MatchedPairs(const Explanation& explanation) {
   std::vector<PairPlace> matched;

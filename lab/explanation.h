@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -23,12 +24,17 @@ struct ExplainedSource {
   std::string conversion;              // as PropertySource
 };
 
+/// What a value comes from. All failures of a controller that look at the same key share one list.
+using SharedSources = std::shared_ptr<const std::vector<ExplainedSource>>;
+
+SharedSources Share(std::vector<ExplainedSource> sources);
+
 /// A requirement that a pair fails, with the places of both its sides.
 struct ExplainedFailure {
   FailedRequirement requirement;
   std::optional<FilePlace> wantedPlace;
-  std::vector<ExplainedSource> sources;  // none: no controller that is there could give it
-  bool isUuidUnread = false;             // an earlier port without a UUID kept this one's unread
+  SharedSources sources;      // null: not looked up; empty: nothing that is there could give it
+  bool isUuidUnread = false;  // an earlier port without a UUID kept this one's unread
 };
 
 /// A personality and a controller that were held against each other.

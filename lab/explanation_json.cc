@@ -3,6 +3,8 @@
 #include <sstream>
 
 #include "lab/explain_words.h"
+#include "lab/json_stream.h"
+#include "lab/json_values.h"
 
 namespace fernwick::lab {
 namespace {
@@ -48,7 +50,7 @@ Json FailureJson(const ExplainedFailure& failure) {
                {"place", PlaceJson(failure.wantedPlace)},
                {"found", ValueOrNull(requirement.found)},
                {"foundIn", requirement.hardwareKey},
-               {"sources", ListOf(failure.sources, SourceJson)}};
+               {"sources", ListOf(*failure.sources, SourceJson)}};
   if (failure.isUuidUnread) json["uuidUnread"] = true;
   return json;
 }
@@ -59,13 +61,6 @@ Json PairJson(const ExplainedPair& pair) {
     json["failures"] = ListOf(pair.failures, FailureJson);
   }
   return json;
-}
-
-Json ControllerJson(const ExplainedController& controller) {
-  return {{"kind", controller.isPort ? "port" : "thunderbolt"},
-          {"entry", controller.path},
-          {"record", ToJson(controller.record)},
-          {"pairs", ListOf(controller.pairs, PairJson)}};
 }
 
 Json OmissionJson(const ExplainedOmission& omission) {
@@ -86,14 +81,29 @@ Json PersonalityJson(const ExplainedPersonality& personality) {
           {"unread", ListOf(personality.unread, UnreadJson)}};
 }
 
-Json KeyJson(const ExplainedKey& key) {
-  return {{"key", key.key},
-          {"place", PlaceJson(key.place)},
-          {"isType", key.type != Types::None},
-          {"hasShape", key.hasShape},
-          {"personalities", ListOf(key.personalities, PersonalityJson)},
-          {"passedOver", ListOf(key.omitted, OmissionJson)},
-          {"controllers", ListOf(key.controllers, ControllerJson)}};
+void PrintController(const ExplainedController& controller, JsonStream& stream) {
+  stream.Begin('{');
+  stream.AddMembers({{"kind", controller.isPort ? "port" : "thunderbolt"},
+                     {"entry", controller.path},
+                     {"record", ToJson(controller.record)}});
+  stream.Begin("pairs", '[');
+  for (const auto& pair : controller.pairs) stream.Add(PairJson(pair));
+  stream.End();
+  stream.End();
+}
+
+void PrintKey(const ExplainedKey& key, JsonStream& stream) {
+  stream.Begin('{');
+  stream.AddMembers({{"key", key.key},
+                     {"place", PlaceJson(key.place)},
+                     {"isType", key.type != Types::None},
+                     {"hasShape", key.hasShape},
+                     {"personalities", ListOf(key.personalities, PersonalityJson)},
+                     {"passedOver", ListOf(key.omitted, OmissionJson)}});
+  stream.Begin("controllers", '[');
+  for (const auto& controller : key.controllers) PrintController(controller, stream);
+  stream.End();
+  stream.End();
 }
 
 Json LinesOf(const std::string& text) {
@@ -124,15 +134,20 @@ Json OutcomeJson(const Explanation& explanation) {
 
 }  // namespace
 
-Json ExplanationJson(const Explanation& explanation) {
-  return {{"board", BoardJson(explanation.identity)},
-          {"configuration", OrNull(explanation.configurationPath)},
-          {"versionCheck",
-           {{"bypassed", explanation.bypassesVersionCheck},
-            {"byOption", explanation.optionBypassesVersion},
-            {"bySwitch", explanation.switchBypassesVersion}}},
-          {"outcome", OutcomeJson(explanation)},
-          {"keys", ListOf(explanation.keys, KeyJson)}};
+void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {
+  JsonStream stream(sink);
+  stream.Begin('{');
+  stream.AddMembers({{"board", BoardJson(explanation.identity)},
+                     {"configuration", OrNull(explanation.configurationPath)},
+                     {"versionCheck",
+                      {{"bypassed", explanation.bypassesVersionCheck},
+                       {"byOption", explanation.optionBypassesVersion},
+                       {"bySwitch", explanation.switchBypassesVersion}}},
+                     {"outcome", OutcomeJson(explanation)}});
+  stream.Begin("keys", '[');
+  for (const auto& key : explanation.keys) PrintKey(key, stream);
+  stream.End();
+  stream.End();
 }
 
 }  // namespace fernwick::lab

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "lab/explanation.h"
-#include "lab/json_values.h"
+#include "lab/text_sink.h"
 
 namespace fernwick::lab {
 
-/// The whole explanation. Personalities and controllers are numbered from 1; pairs stand in the
-/// order of the file.
-Json ExplanationJson(const Explanation& explanation);
+/// Prints the whole explanation as a JSON document. Personalities are numbered from 1; pairs stand
+/// in the order of the file.
+void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
 
 }  // namespace fernwick::lab

@@ -95,10 +95,10 @@ TEST(Explanation, NamesTheEntryAndThePropertyOfAValue) {
                   "</dict></dict>");
   const auto& failure = FirstFailure(explanation, 1);
   EXPECT_EQ(failure.requirement.found, 171);
-  ASSERT_EQ(failure.sources.size(), 1u);
-  EXPECT_EQ(failure.sources.front().path, "IOService:/hpm1");
-  EXPECT_EQ(failure.sources.front().property, "Version");
-  EXPECT_EQ(failure.sources.front().value, 0x171);
+  ASSERT_EQ(failure.sources->size(), 1u);
+  EXPECT_EQ(failure.sources->front().path, "IOService:/hpm1");
+  EXPECT_EQ(failure.sources->front().property, "Version");
+  EXPECT_EQ(failure.sources->front().value, 0x171);
 }
 
 constexpr char FromRevision4[] =
@@ -109,8 +109,8 @@ TEST(Explanation, NamesThePropertyOfTheBoardRevision) {
   const auto explanation = ExplainText(ThreePorts(), FromRevision4);
   const auto& failure = FirstFailure(explanation, 0);
   EXPECT_EQ(failure.requirement.key, "MinBoardRevision");
-  ASSERT_EQ(failure.sources.size(), 1u);
-  const auto& source = failure.sources[0];
+  ASSERT_EQ(failure.sources->size(), 1u);
+  const auto& source = failure.sources->front();
   EXPECT_EQ(source.path, "IODeviceTree:/");
   EXPECT_EQ(source.property, "board-rev");
   EXPECT_EQ(source.value, testing::Bytes("\3"));

@@ -78,13 +78,12 @@ std::string IdentityText(const BoardIdentity& identity) {
 
 class TextWriter {
  public:
-  TextWriter(const Explanation& explanation, bool emphasise)
-      : explanation_(explanation), emphasise_(emphasise) {}
+  TextWriter(const Explanation& explanation, bool emphasise, const TextSink& sink)
+      : explanation_(explanation), emphasise_(emphasise), sink_(sink) {}
 
-  std::string Write() {
+  void Write() {
     WriteHead();
     for (const auto& key : explanation_.keys) WriteKey(key);
-    return std::move(out_);
   }
 
  private:
@@ -93,7 +92,7 @@ class TextWriter {
   }
 
   void Line(const std::string& text, std::size_t indentation = 0) {
-    out_.append(indentation, ' ').append(text).append("\n");
+    sink_(std::string(indentation, ' ').append(text).append("\n"));
   }
 
   void Labelled(std::string label, const std::string& text) {
@@ -285,13 +284,13 @@ class TextWriter {
 
   const Explanation& explanation_;
   bool emphasise_;
-  std::string out_;
+  const TextSink& sink_;
 };
 
 }  // namespace
 
-std::string ExplanationText(const Explanation& explanation, bool emphasise) {
-  return TextWriter(explanation, emphasise).Write();
+void PrintExplanationText(const Explanation& explanation, bool emphasise, const TextSink& sink) {
+  TextWriter(explanation, emphasise, sink).Write();
 }
 
 }  // namespace fernwick::lab

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "lab/explanation.h"
+#include "lab/text_sink.h"
 
 namespace fernwick::lab {
 
-/// The explanation for people. Nothing that a file holds reaches the terminal raw; `emphasise` sets
-/// headings and outcomes in bold.
-std::string ExplanationText(const Explanation& explanation, bool emphasise);
+/// Prints the explanation for people. Nothing that a file holds reaches the terminal raw;
+/// `emphasise` sets headings and outcomes in bold.
+void PrintExplanationText(const Explanation& explanation, bool emphasise, const TextSink& sink);
 
 }  // namespace fernwick::lab

@@ -9,7 +9,7 @@ namespace {
 Explanation EveryOutcome() {
   const ExplainedFailure rid = {.requirement = {"RID", Shortfall::Unequal, 1, "RID", 2, "USBC"},
                                 .wantedPlace = FilePlace{3, 1, 0},
-                                .sources = {{"IOService:/hpm0", "hpm0", "RID", 2, ""}}};
+                                .sources = Share({{"IOService:/hpm0", "hpm0", "RID", 2, ""}})};
   auto version = rid;
   version.requirement = {"Version", Shortfall::NotNewer, 1, "Version", 2, "LegacyUSBC"};
   const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {version, rid}},
@@ -30,6 +30,12 @@ Explanation EveryOutcome() {
                       .record = {{"RID", 2}},
                       .pairs = pairs}};
   return {.end = RunEnd::Planned, .keys = {key}, .matchCount = 1, .plannedMatchCount = 1};
+}
+
+std::string TextOf(const Explanation& explanation, bool emphasise) {
+  std::string text;
+  PrintExplanationText(explanation, emphasise, [&](std::string_view piece) { text += piece; });
+  return text;
 }
 
 constexpr char Plain[] =
@@ -53,11 +59,11 @@ constexpr char Plain[] =
     "    skipped      personality 2; it is no dictionary\n";
 
 TEST(ExplanationText, TellsNearMissesFirst) {
-  EXPECT_EQ(ExplanationText(EveryOutcome(), false), Plain);
+  EXPECT_EQ(TextOf(EveryOutcome(), false), Plain);
 }
 
 TEST(ExplanationText, EmphasisedDiffersInNothingElse) {
-  auto text = ExplanationText(EveryOutcome(), true);
+  auto text = TextOf(EveryOutcome(), true);
   EXPECT_NE(text, Plain);
   for (const char* code : {"\x1B[1m", "\x1B[0m"}) {
     for (auto at = text.find(code); at != std::string::npos; at = text.find(code)) {

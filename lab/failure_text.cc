@@ -85,9 +85,9 @@ std::string FailureText(const ExplainedFailure& failure) {
 std::vector<std::string> SourceLines(const ExplainedFailure& failure) {
   const auto& requirement = failure.requirement;
   if (failure.isUuidUnread) return {"its \"UUID\" is not read, as an earlier port has none"};
-  if (failure.sources.empty()) return {"there is no Thunderbolt controller above it"};
+  if (failure.sources->empty()) return {"there is no Thunderbolt controller above it"};
   std::vector<std::string> lines;
-  for (const auto& source : failure.sources) {
+  for (const auto& source : *failure.sources) {
     lines.push_back(requirement.found ? SourceText(source) : UselessSourceText(source));
   }
   return lines;

@@ -15,7 +15,7 @@ constexpr FilePlace Place = {9, 4, 0};
 ExplainedFailure Failure(std::string_view key, Shortfall shortfall, Value wanted, Value found) {
   return {.requirement = {key, shortfall, std::move(wanted), key, std::move(found), "USBC"},
           .wantedPlace = Place,
-          .sources = {}};
+          .sources = Share({})};
 }
 
 std::string TextOf(std::string_view key, Shortfall shortfall, Value wanted, Value found) {
@@ -58,20 +58,20 @@ TEST(FailureText, OfABoundThatIsNoNumberTellsTheBoardsRevision) {
   auto failure = Failure("MinBoardRevision", Shortfall::WrongKind, "4", 3);
   failure.requirement.hardwareKey = {};
   EXPECT_EQ(FailureText(failure), "\"4\" at 9:4 is not a number; the board's revision is 3");
-  failure.sources = {Source("board-rev", testing::Bytes("\3"), "its first byte")};
+  failure.sources = Share({Source("board-rev", testing::Bytes("\3"), "its first byte")});
   EXPECT_EQ(SourceLines(failure), Lines{"\"board-rev\" of hpm0 is <03>: its first byte"});
 }
 
 TEST(SourceLines, AreWhatTheValueComesFrom) {
   auto failure = Failure("RID", Shortfall::Unequal, 1, 2);
-  failure.sources = {Source("UID", 0x12, "the low 4 bits"), Source("Other", {})};
+  failure.sources = Share({Source("UID", 0x12, "the low 4 bits"), Source("Other", {})});
   EXPECT_EQ(SourceLines(failure),
             (Lines{"\"UID\" of hpm0 is 18 (0x12): the low 4 bits", "\"Other\" of hpm0 is absent"}));
 }
 
 TEST(SourceLines, OfAMissingValueSayWhatIsThereInstead) {
   auto failure = Failure("RID", Shortfall::HardwareLacksKey, 1, {});
-  failure.sources = {Source("RID", {}), Source("UID", "2", "the low 4 bits")};
+  failure.sources = Share({Source("RID", {}), Source("UID", "2", "the low 4 bits")});
   EXPECT_EQ(SourceLines(failure),
             (Lines{"\"RID\" of hpm0 is absent", "\"UID\" of hpm0 is a string, \"2\""}));
 }

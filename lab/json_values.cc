@@ -47,25 +47,32 @@ struct ToJsonVisitor {
   Json operator()(const Date& date) const { return {{"date", FormatDate(date)}}; }
 };
 
-// A terminal acts on U+007F to U+009F too, which JSON may hold as they are.
-std::string WithoutControlCharacters(std::string_view document) {
+bool IsControlCharacter(unsigned char byte, bool isTwoBytes) {
+  return byte == 0x7F || (isTwoBytes && byte <= 0x9F);
+}
+
+// Further lines stand further to the right. A terminal acts on U+007F to U+009F too, which JSON may
+// hold as they are.
+std::string Finished(std::string_view document, std::size_t indentation) {
   std::string text;
+  text.reserve(document.size());
+  std::size_t taken = 0;
   for (std::size_t i = 0; i < document.size(); ++i) {
     const bool isTwoBytes = document[i] == '\xC2' && i + 1 < document.size();
     const auto last = static_cast<unsigned char>(document[isTwoBytes ? i + 1 : i]);
-    if (last != 0x7F && (!isTwoBytes || last > 0x9F)) {
-      text.push_back(document[i]);
-      continue;
-    }
-    text += last == 0x7F ? "\\u007f" : "\\u00" + Hexadecimal(document.substr(i + 1, 1));
-    if (isTwoBytes) ++i;
+    const bool isControl = IsControlCharacter(last, isTwoBytes);
+    if (!isControl && document[i] != '\n') continue;
+    text.append(document, taken, i - taken);
+    if (!isControl) text.append("\n").append(indentation, ' ');
+    if (isControl) text += last == 0x7F ? "\\u007f" : "\\u00" + Hexadecimal({&document[i + 1], 1});
+    if (isControl && isTwoBytes) ++i;
+    taken = i + 1;
   }
-  return text;
+  return text.append(document, taken);
 }
 
-std::string Print(const Json& json, int indentation) {
-  const auto text = json.dump(indentation, ' ', false, Json::error_handler_t::replace);
-  return WithoutControlCharacters(text) + "\n";
+std::string Print(const Json& json, int step, std::size_t indentation = 0) {
+  return Finished(json.dump(step, ' ', false, Json::error_handler_t::replace), indentation);
 }
 
 }  // namespace
@@ -79,11 +86,15 @@ Json ToJson(const PropertyValue* value) {
 }
 
 std::string PrintJson(const Json& json) {
-  return Print(json, 2);
+  return Print(json, 2) + "\n";
+}
+
+std::string PrintJsonInside(const Json& json, std::size_t indentation) {
+  return Print(json, 2, indentation);
 }
 
 std::string PrintJsonRow(const Json& json) {
-  return Print(json, -1);
+  return Print(json, -1) + "\n";
 }
 
 }  // namespace fernwick::lab

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -23,7 +24,11 @@ Json ToJson(const PropertyValue* value);
 /// UTF-8 (a path may hold any) become U+FFFD; control characters are escaped.
 std::string PrintJson(const Json& json);
 
-/// The same on one line: a row of ndjson.
+/// The same for a value inside of a document, whose line is indented by so many blanks: the first
+/// line stands as it is, and there is no newline at the end.
+std::string PrintJsonInside(const Json& json, std::size_t indentation);
+
+/// A JSON document on one line: a row of ndjson.
 std::string PrintJsonRow(const Json& json);
 
 }  // namespace fernwick::lab
