@@ -3,21 +3,15 @@
 #include <algorithm>
 #include <vector>
 
+#include "lab/explain_words.h"
 #include "lab/lint_shape_rules.h"
 #include "lab/spelling.h"
 
 namespace fernwick::lab {
 namespace {
 
-constexpr std::string_view TypeNames[] = {
-    PersonalityType::LegacyThunderbolt,
-    PersonalityType::Thunderbolt,
-    PersonalityType::LegacyUsbc,
-    PersonalityType::Usbc,
-};
-
 void LintUnknownType(const PlacedEntry& entry, ConfigurationFindings& findings) {
-  const auto meant = NearestSpelling(entry.key, TypeNames);
+  const auto meant = NearestSpelling(entry.key, NamesOf(Types::All));
   if (meant.empty()) {
     findings.Add(LintRuleOf::UnknownType, entry.keyOffset,
                  Quoted(entry.key) + " is no type, so what it holds matches nothing");
