@@ -1,0 +1,144 @@
+// Times the requirement checks as the matcher runs them: every personality against every
+// controller, each pair rejected. Takes the flags of Google Benchmark; "items" are pairs.
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "personality/thunderbolt_check.h"
+#include "value/property_list_reader.h"
+#include "value/property_list_writer.h"
+
+namespace fernwick::bench {
+namespace {
+
+constexpr unsigned BoardRevision = 3;
+
+// The keys that a personality names, and in which the controllers of a computer differ from what it
+// wants: one personality after the other is rejected by another of them.
+constexpr std::string_view Deciding[] = {
+    "Version",           "Port Address", "RID", "Port Silicon Device ID", "Ridge Silicon Device ID",
+    "Device Model Name",
+};
+
+PropertyValue Differing(std::string_view key) {
+  if (key == "Version") return 40;  // older than any that is installed
+  if (key == "Device Model Name") return "Another Model";
+  return 99;
+}
+
+// One that fits every controller but for the key.
+Personality PersonalityOf(std::size_t index, std::string_view deciding) {
+  Personality personality = {
+      {"Version", 44},
+      {"Priority", static_cast<std::int64_t>(index % 100)},
+      {"Firmware", "ridge-44.00.bin"},
+      {"Port Address", 0},
+      {"RID", Array{0, 1, 2, 3}},
+      {"Port Silicon Vendor ID", 0x4D1},
+      {"Port Silicon Device ID", 18},
+      {"Port Silicon Revision", Array{1, 2, 3}},
+      {"Ridge Silicon Vendor ID", 0x5A86},
+      {"Ridge Silicon Device ID", 0x1D3},
+      {"Ridge Silicon Revision", 4},
+      {"Existing Min Version", 20},
+      {"Device Model Name", "Model"},
+  };
+  personality.Set(deciding, Differing(deciding));
+  return personality;
+}
+
+HardwareRecord ControllerOf(std::size_t index) {
+  return {
+      {"Ridge Silicon Vendor ID", 0x5A86},
+      {"Ridge Silicon Device ID", 0x1D3},
+      {"Ridge Silicon Revision", 4},
+      {"Ridge UID", 0x5A3},
+      {"RID", static_cast<std::int64_t>(index % 4)},
+      {"Port Silicon Vendor ID", 0x4D1},
+      {"Port Silicon Device ID", 18},
+      {"Port Silicon Revision", 2},
+      {"Port OTP Revision", 1},
+      {"Port Address", 0},
+      {"Port UUID", "8D1F"},
+      {"Device Model Name", "Model"},
+      {"Device Model ID", 7},
+      {"Device Model Revision", 1},
+      {"Firmware Mode", 1},
+      {"Engineering Version", 0},
+      {"Version", 41.050000000999994},
+  };
+}
+
+// As they come from a file, whose text they share.
+PropertyValue AsRead(Array personalities) {
+  auto reading = ReadPropertyList(WriteXmlPropertyList(std::move(personalities)));
+  if (!reading.value) std::abort();
+  return *std::move(reading.value);
+}
+
+std::vector<HardwareRecord> Controllers(std::size_t count) {
+  std::vector<HardwareRecord> controllers;
+  for (std::size_t i = 0; i < count; ++i) controllers.push_back(ControllerOf(i));
+  return controllers;
+}
+
+void RejectAll(benchmark::State& state, const Array& personalities,
+               const std::vector<HardwareRecord>& controllers) {
+  for (auto _ : state) {
+    for (const auto& controller : controllers) {
+      for (const auto& personality : personalities) {
+        if (CheckThunderboltRequirements(*personality.AsDictionary(), controller, BoardRevision)) {
+          std::abort();
+        }
+      }
+    }
+  }
+  const auto pairs = personalities.size() * controllers.size();
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(pairs));
+}
+
+void RejectBy(benchmark::State& state, std::string_view key) {
+  Array personalities;
+  for (std::size_t i = 0; i < 10; ++i) personalities.emplace_back(PersonalityOf(i, key));
+  RejectAll(state, *AsRead(std::move(personalities)).AsArray(), Controllers(10));
+}
+
+void RejectByAll(benchmark::State& state) {
+  // Kept until another number is asked for: the largest takes seconds to make.
+  static PropertyValue personalities = Array{};
+  const auto count = static_cast<std::size_t>(state.range(0));
+  if (personalities.AsArray()->size() != count) {
+    Array made;
+    for (std::size_t i = 0; i < count; ++i) {
+      made.emplace_back(PersonalityOf(i, Deciding[i % std::size(Deciding)]));
+    }
+    personalities = AsRead(std::move(made));
+  }
+  RejectAll(state, *personalities.AsArray(), Controllers(static_cast<std::size_t>(state.range(1))));
+}
+
+void RegisterAll() {
+  for (const auto key : Deciding) {
+    const auto name = "Rejected/by " + std::string(key);
+    benchmark::RegisterBenchmark(name.c_str(), RejectBy, key);
+  }
+  benchmark::RegisterBenchmark("Rejected/by all", RejectByAll)
+      ->ArgNames({"personalities", "controllers"})
+      ->ArgsProduct({{10, 100, 1'000, 10'000, 100'000}, {1, 10, 100, 1'000}});
+}
+
+}  // namespace
+}  // namespace fernwick::bench
+
+int main(int argc, char** argv) {
+  fernwick::bench::RegisterAll();
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,0 +1,67 @@
+"""Tests of what bench/run.py makes of figures."""
+
+import contextlib
+import io
+import json
+import pathlib
+import sys
+import tempfile
+import unittest
+
+import processes
+import run
+
+
+class RowTest(unittest.TestCase):
+    def test_a_bound_is_reached_at_the_bound(self):
+        self.assertTrue(run.Row("a", "", "", 1.2, most=1.2).reached())
+        self.assertFalse(run.Row("a", "", "", 1.21, most=1.2).reached())
+        self.assertTrue(run.Row("a", "", "", 5, least=5).reached())
+        self.assertFalse(run.Row("a", "", "", 4.9, least=5).reached())
+        self.assertIsNone(run.Row("a", "", "", 4.9).reached())
+
+    def test_the_table_aligns_its_columns(self):
+        rows = [run.Row("a row", "2 ms", "1 ms", 2, most=1.2), run.Row("b", "1 s", "", 1)]
+        self.assertEqual(run.table(rows), ("WHAT   MEASURED  AGAINST  FIGURE  TO REACH\n"
+                                           "a row  2 ms      1 ms     2.00    at most 1.2  NOT REACHED\n"
+                                           "b      1 s                1.00\n"))
+
+
+class ProcessesTest(unittest.TestCase):
+    def test_medians_are_of_the_quantity_asked_for(self):
+        sleep = ["/bin/sleep", "0.05"]
+        wall, = processes.medians([sleep], 1)
+        cpu, = processes.medians([sleep], 1, lambda spent: spent.cpu)
+        self.assertGreaterEqual(wall, 0.05)
+        self.assertLess(cpu, wall)
+
+    def test_peak_memory_is_that_of_the_largest_child(self):
+        grown = [sys.executable, "-c",
+                 "import subprocess, sys; subprocess.run([sys.executable, '-c', 'b\"x\" * 200000000'])"]
+        self.assertGreater(processes.run(grown).peak, 200_000_000)
+
+    def test_a_process_that_a_signal_ends_is_not_measured(self):
+        with self.assertRaises(RuntimeError):
+            processes.run(["/bin/sh", "-c", "kill -SEGV $$"])
+
+
+class MainTest(unittest.TestCase):
+    def test_a_subject_that_there_is_not_is_wrong_usage(self):
+        with contextlib.redirect_stderr(io.StringIO()) as told, self.assertRaises(SystemExit) as end:
+            run.main(["/build", "nothing"])
+        self.assertEqual((end.exception.code, told.getvalue()),
+                         (64, "bench: there is no subject \"nothing\"; see --help\n"))
+
+    def test_what_is_not_built_is_left_out_with_a_word(self):
+        with tempfile.TemporaryDirectory() as directory:
+            written = pathlib.Path(directory) / "figures.json"
+            with contextlib.redirect_stdout(io.StringIO()) as told, \
+                    contextlib.redirect_stderr(io.StringIO()):
+                run.main([directory, "matcher", "--json", str(written)])
+            self.assertEqual(json.loads(written.read_text()),
+                             {"figures": [], "leftOut": ["matcher (libbenchmark-dev is missing)"]})
+        self.assertTrue(told.getvalue().endswith("left out: matcher (libbenchmark-dev is missing)\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,25 @@
+# What is measured beside others. "./dev test" needs none of it but the test that measuring works.
+add_test(NAME Bench.Works
+         COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/bench/run.py ${CMAKE_BINARY_DIR} --smoke)
+add_test(NAME Bench.run_test COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/bench/run_test.py)
+
+# All that "./dev bench" measures.
+add_custom_target(benchmarks)
+add_dependencies(benchmarks fernwick-lab)
+
+option(FERNWICK_BENCH "The benchmarks, which need libbenchmark-dev" OFF)
+if(NOT FERNWICK_BENCH)
+  return()
+endif()
+find_package(benchmark REQUIRED)
+
+# fernwick_bench(NAME LIBRARY... [SOURCES SOURCE...]): bench/NAME.cc and what else it consists of.
+function(fernwick_bench name)
+  cmake_parse_arguments(bench "" "" SOURCES ${ARGN})
+  add_executable(${name} bench/${name}.cc ${bench_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+  target_link_libraries(${name} PRIVATE ${bench_UNPARSED_ARGUMENTS} benchmark::benchmark)
+  add_dependencies(benchmarks ${name})
+endfunction()
+
+fernwick_bench(matcher_bench fernwick_personality)
