@@ -23,3 +23,23 @@ function(fernwick_bench name)
 endfunction()
 
 fernwick_bench(matcher_bench fernwick_personality)
+
+find_package(PkgConfig REQUIRED)
+fernwick_bench(reading_bench fernwick_testing nlohmann_json::nlohmann_json
+               SOURCES bench/documents.cc bench/peak_memory.cc bench/readers.cc)
+target_compile_definitions(reading_bench PRIVATE
+                           FERNWICK_BENCH_DIRECTORY="${CMAKE_SOURCE_DIR}/bench"
+                           FERNWICK_BENCH_PYTHON="${Python3_EXECUTABLE}")
+
+# fernwick_compare_with(DEFINITION MODULE): another reader, where pkg-config finds it.
+function(fernwick_compare_with definition module)
+  pkg_check_modules(${definition} IMPORTED_TARGET ${module})
+  if(${definition}_FOUND)
+    target_link_libraries(reading_bench PRIVATE PkgConfig::${definition})
+    target_compile_definitions(reading_bench PRIVATE ${definition})
+  endif()
+endfunction()
+
+fernwick_compare_with(FERNWICK_BENCH_LIBPLIST libplist-2.0)
+fernwick_compare_with(FERNWICK_BENCH_EXPAT expat)
+fernwick_compare_with(FERNWICK_BENCH_PUGIXML pugixml)
