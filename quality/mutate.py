@@ -10,15 +10,18 @@ The outcomes are kept in build-mutation/, so that a run that was cut off goes on
 """
 
 import argparse
+import atexit
 import concurrent.futures
 import os
 import pathlib
 import queue
 import random
+import shutil
 import sys
+import tempfile
 
 from mutation_build import Build, BuildError
-from mutation_results import (FOLDERS, LEAST_SCORE, Mutant, Results, count_verdicts,
+from mutation_results import (FOLDERS, LEAST_SCORE, Mutant, Results, count_verdicts, is_listed,
                               read_equivalents, score, stale_entries, table, verdict)
 from mutation_trial import SwitchedFiles, Trial
 from mutations import mutations_of
@@ -80,12 +83,19 @@ def choose(mutants, arguments):
     return mutants
 
 
+def fast_directory():
+    """Where files that are written for every mutant cost least; None for the usual place."""
+    return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+
+
 def try_all(build, mutants, results, jobs):
     """Tries each mutant and adds its outcome to the results."""
     trials = queue.SimpleQueue()
     files = SwitchedFiles(build)
-    for number in range(jobs):
-        trials.put(Trial(build, files, build.directory / f"trial-{number}"))
+    for _ in range(jobs):
+        scratch = tempfile.mkdtemp(prefix="fernwick-mutant-", dir=fast_directory())
+        atexit.register(shutil.rmtree, scratch, ignore_errors=True)
+        trials.put(Trial(build, files, pathlib.Path(scratch)))
 
     def try_one(mutant):
         trial = trials.get()
@@ -132,8 +142,8 @@ def try_untried(arguments, mutants, equivalents):
     results = Results(path)
     wanted = {"untried"} | ({"survived"} if arguments.rerun_survivors else set())
     left = [each for each in mutants if verdict(each, results, equivalents) in wanted]
-    # A header takes many files with it, so those come last.
-    left.sort(key=lambda each: each.path.endswith(".h"))
+    # A header takes many files with it, and what is taken to survive takes every test: last.
+    left.sort(key=lambda each: (is_listed(each, equivalents), each.path.endswith(".h")))
     try_all(build, left, results, arguments.jobs)
     return results
 

@@ -251,7 +251,7 @@ def run_tests(workshop, program, suites, limit, variables=None, temporary=None):
                    "LD_LIBRARY_PATH": str(workshop.directory)}
     command = ["prlimit", f"--cpu={limit}", f"--as={MEMORY_LIMIT}", "--core=0", "--",
                workshop.program(program), "--gtest_fail_fast", f"--gtest_filter={suites}"]
-    child = subprocess.Popen(command, cwd=temporary, env=environment, start_new_session=True,
+    child = subprocess.Popen(command, cwd=temporary, env=environment, process_group=0,
                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                              stderr=subprocess.DEVNULL)
     try:

@@ -105,12 +105,14 @@ def stale_entries(equivalents, mutants, results):
             yield entry
 
 
+def is_listed(mutant, equivalents):
+    return any(entry.covers(mutant) for entry in equivalents)
+
+
 def verdict(mutant, results, equivalents):
     """The column of the table that the mutant counts in."""
     outcome = results.outcome(mutant)
-    if outcome == "survived" and any(entry.covers(mutant) for entry in equivalents):
-        return "equivalent"
-    return outcome
+    return "equivalent" if outcome == "survived" and is_listed(mutant, equivalents) else outcome
 
 
 def count_verdicts(mutants, results, equivalents):

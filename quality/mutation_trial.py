@@ -12,8 +12,9 @@ from mutation_build import Workshop, run_tests
 from mutation_switch import HEADER, switched
 from mutations import mutations_of
 
-# Comparisons over whole domains. They take long, so they come last and for their own folder alone.
-SLOW_SUITES = "*Reference.*"
+# Comparisons over whole domains and over many computers. They take long, so they come last and for
+# their own folder alone.
+SLOW_SUITES = "*Reference.*:ExplainAgreement.*:*Reach.*"
 
 INCLUDE_LINE = re.compile(r"^#include .*$", re.MULTILINE)
 
