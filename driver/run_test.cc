@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "plan/launcher_plist.h"
 #include "testing/call_lists.h"
 #include "testing/capture.h"
 #include "testing/command_line.h"
@@ -384,6 +385,12 @@ TEST(Run, LostOutputKeepsAnotherStatus) {
   EXPECT_EQ(errors.TakeText(),
             std::string(NoBoardFiles) +
                 "fernwick: standard output could not be written: No space left on device\n");
+}
+
+TEST(ExitStatus, OfAnEmptyPlanIsThatOfWritingNone) {
+  testing::StreamCapture capture;
+  Output out(capture.Stream());
+  EXPECT_EQ(WritePlan(out, false, {}, {}), ExitStatus::EmptyPlan);
 }
 
 }  // namespace

@@ -42,7 +42,6 @@ struct PersonalityKey {
   TypeSet requiredBy;  // those that cannot do without: nothing matches ("Version": unless the
                        // version check is bypassed) or, without "Firmware", there is no plan
   TypeSet plannedBy;   // the types of whose matches the plan takes it from the personality
-  std::string_view meaning;
 };
 
 /// Every key that anything reads from a personality. A key that is not here is carried into the

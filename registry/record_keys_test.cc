@@ -144,6 +144,7 @@ TEST(SourcesOf, AThunderboltControllerIsTheControllerItself) {
   const auto& source = recorder.listed.front();
   EXPECT_EQ(SourcesOf("Ridge Silicon Vendor ID", source), (Sources{{ridge, "Vendor ID", ""}}));
   EXPECT_EQ(SourcesOf("RID", source), (Sources{{ridge, "UID", "the low 4 bits"}}));
+  EXPECT_EQ(SourcesOf("Ridge UID", source), (Sources{{ridge, "UID", ""}}));
   EXPECT_EQ(SourcesOf("Engineering Version", source),
             (Sources{{ridge, "EEPROM Revision", "bits 6 and 7"}}));
   EXPECT_EQ(SourcesOf("Port Address", source), Sources{});

@@ -42,6 +42,11 @@ TEST(ValuePlaces, OfXmlAreThoseOfTheTags) {
             "  b@68: 81\n");
 }
 
+TEST(ValuePlaces, OfNothingIsTheStart) {
+  PlaceRecorder places;
+  EXPECT_EQ(places.TakeRoot().offset, 0u);
+}
+
 TEST(ValuePlaces, CountInTheDecodedText) {
   PlaceRecorder places;
   ReadPropertyList("\xEF\xBB\xBF <string>\xC3\xA4</string>", &places);
