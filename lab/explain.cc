@@ -75,7 +75,10 @@ int ExplainVerb(int argumentCount, char* const arguments[]) {
   const auto print = [&](std::string_view text) { out.Write(text); };
   asJson ? PrintExplanationJson(explanation, print)
          : PrintExplanationText(explanation, ShowsEmphasis(), print);
-  return FinishOutput(out);
+  const int status = FinishOutput(out);
+  if (status != LabStatus::Done || explanation.configurationFault.empty()) return status;
+  PrintError(*explanation.configurationPath + ": " + explanation.configurationFault);
+  return explanation.configurationStatus;
 }
 
 }  // namespace fernwick::lab

@@ -6,6 +6,7 @@
 #include "lab/abnormal_end.h"
 #include "lab/explained_keys.h"
 #include "personality/configuration.h"
+#include "platform/file_system.h"
 #include "registry/board_identity.h"
 #include "registry/inventory.h"
 #include "registry/thunderbolt_inventory.h"
@@ -63,6 +64,15 @@ std::vector<ExplainedSource> FaultSources(const std::string& fault, const Record
   return {};
 }
 
+// Of a run that has no configuration: a board for which there is none is nothing wrong.
+void FindConfigurationFault(Explanation& explanation) {
+  const auto& path = explanation.configurationPath;
+  if (!path || !PathExists(*path)) return;
+  auto loading = LoadConfiguration(*path);
+  explanation.configurationFault = std::move(loading.error);
+  explanation.configurationStatus = loading.status;
+}
+
 void ExplainRun(const Recording& recording, Registry& registry, const RunRecorder& recorder,
                 Explanation& explanation) {
   explanation.end = EndOf(recorder);
@@ -74,7 +84,7 @@ void ExplainRun(const Recording& recording, Registry& registry, const RunRecorde
   explanation.optionBypassesVersion = recorder.options->bypassVersionCheck;
   explanation.configurationPath =
       ConfigurationPath(recorder.identity->boardIdString, recorder.options->personalitiesDirectory);
-  if (!recorder.matching.configuration) return;
+  if (!recorder.matching.configuration) return FindConfigurationFault(explanation);
   const auto loading = LoadConfiguration(*explanation.configurationPath);
   explanation.keys = ExplainKeys(recorder.matching, loading.file ? &*loading.file : nullptr,
                                  recording, BoardRevisionSource(registry));

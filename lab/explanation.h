@@ -10,6 +10,7 @@
 #include "driver/run_recorder.h"
 #include "lab/captured_run.h"
 #include "lab/configuration_file.h"
+#include "lab/exit_status.h"
 #include "personality/personality_keys.h"
 #include "registry/recorded_registry.h"
 
@@ -107,6 +108,8 @@ struct Explanation {
   std::vector<ExplainedSource> faultSources = {};  // the properties that the fault is about
   BoardIdentity identity = {};
   std::optional<std::string> configurationPath = {};
+  std::string configurationFault = {};        // why a configuration that is there cannot be used
+  int configurationStatus = LabStatus::Done;  // what the lab says of that
   bool bypassesVersionCheck = false;
   bool optionBypassesVersion = false;
   bool switchBypassesVersion = false;
