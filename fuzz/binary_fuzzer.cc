@@ -1,6 +1,5 @@
 // The reader of binary property lists.
 
-#include <memory>
 #include <string>
 
 #include "fuzz/input.h"
@@ -12,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace fernwick;
   const auto bytes = fuzz::InputText(data, size);
   if (!bytes.starts_with(BinarySignature)) return 0;
-  const auto outcome = ParseBinaryPropertyList(std::make_shared<const std::string>(bytes));
+  const auto outcome = ParseBinaryPropertyList(SourceBuffer(std::string(bytes)));
   fuzz::HoldReading(outcome.value, outcome.error);
   fuzz::HoldPlaceInFile(outcome.error, size);
   return 0;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -66,7 +65,7 @@ void HoldPlace(const PropertyListReading& reading, std::size_t size, std::string
 }
 
 void TestReader(std::string_view bytes) {
-  const auto file = std::make_shared<const std::string>(bytes);
+  const auto file = SourceBuffer(std::string(bytes));
   const auto source = DecodeSource(file);
   const auto reading = ReadPropertyList(std::string(bytes));
   Hold(reading.serialisation == SerialisationOf(bytes, source.text), "detection is by the rule");

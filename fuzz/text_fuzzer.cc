@@ -1,6 +1,5 @@
 // The reader of the old text form, whatever a file begins with.
 
-#include <memory>
 #include <string>
 
 #include "fuzz/input.h"
@@ -10,8 +9,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;
-  const auto source =
-      DecodeSource(std::make_shared<const std::string>(fuzz::InputText(data, size)));
+  const auto source = DecodeSource(SourceBuffer(std::string(fuzz::InputText(data, size))));
   const auto outcome = ParseTextPropertyList(source);
   fuzz::HoldReading(outcome.value, outcome.error);
   fuzz::HoldPlaceInText(outcome.error, source.text);

@@ -48,8 +48,4 @@ bool BinaryLayout::Read(std::string_view file, ParseFault& fault) {
   return true;
 }
 
-std::uint64_t BinaryLayout::OffsetOf(std::uint64_t object) const {
-  return BigEndianNumber(file_.substr(offsetTable_ + object * offsetWidth_, offsetWidth_));
-}
-
 }  // namespace fernwick

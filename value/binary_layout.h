@@ -31,9 +31,16 @@ class BinaryLayout {
   /// Objects lie below this place.
   std::size_t EndOfObjects() const { return offsetTable_; }
 
+  /// The unsigned big-endian number of `width` bytes, 1 to 8, at `offset`. REQUIRES: `offset` lies
+  /// before the trailer, whose 32 bytes stand behind every number, so that eight can be read at
+  /// once.
+  std::uint64_t NumberAt(std::size_t offset, std::size_t width) const;
+
   /// The place of an object as the table gives it; it may lie anywhere. REQUIRES: object is below
   /// ObjectCount().
-  std::uint64_t OffsetOf(std::uint64_t object) const;
+  std::uint64_t OffsetOf(std::uint64_t object) const {
+    return NumberAt(offsetTable_ + static_cast<std::size_t>(object) * offsetWidth_, offsetWidth_);
+  }
 
  private:
   std::string_view file_;
@@ -46,5 +53,15 @@ class BinaryLayout {
 
 /// The unsigned big-endian number that `bytes` spell. REQUIRES: at most eight bytes.
 std::uint64_t BigEndianNumber(std::string_view bytes);
+
+inline std::uint64_t BinaryLayout::NumberAt(std::size_t offset, std::size_t width) const {
+  const char* bytes = file_.data() + offset;
+  const auto byte = [&](unsigned i) {
+    return std::uint64_t{static_cast<unsigned char>(bytes[i])} << (56 - 8 * i);
+  };
+  const std::uint64_t eight =  // one load, as the compiler sees
+      byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
+  return eight >> (64 - 8 * width);
+}
 
 }  // namespace fernwick

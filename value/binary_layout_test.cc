@@ -34,6 +34,18 @@ TEST(BinaryLayout, NumbersAreBigEndian) {
   EXPECT_EQ(BigEndianNumber("\xFF\xFE\xFD\xFC\xFB\xFA\xF9\xF8"), 0xFFFEFDFCFBFAF9F8u);
 }
 
+TEST(BinaryLayout, ReadsNumbersOfEveryWidthAnywhereBeforeTheTrailer) {
+  const auto file = BinaryFile({"\x81\x92\xA3\xB4\xC5\xD6\xE7\xF8"});
+  BinaryLayout layout;
+  ParseFault fault;
+  ASSERT_TRUE(layout.Read(file, fault));
+  for (std::size_t width = 1; width <= 8; ++width) {
+    for (std::size_t at = 0; at < file.size() - 32; ++at) {
+      EXPECT_EQ(layout.NumberAt(at, width), BigEndianNumber(file.substr(at, width)));
+    }
+  }
+}
+
 TEST(BinaryLayout, ReadsEveryWidthOfOffset) {
   for (std::size_t width = 1; width <= 8; ++width) {
     SCOPED_TRACE(width);

@@ -11,6 +11,7 @@
 
 #include "value/binary_layout.h"
 #include "value/calendar_date.h"
+#include "value/decoded_bytes.h"
 #include "value/utf8.h"
 
 namespace fernwick {
@@ -18,7 +19,7 @@ namespace {
 
 constexpr std::uint64_t MaximumValues = std::uint64_t{1} << 24;
 
-// Up to this many bytes a string is looked at again each time it is reached.
+// Up to this many bytes a key, a string or data costs no more than the value that it is.
 constexpr std::uint64_t ShortText = 64;
 
 // How many bytes of longer keys, strings and data one file may reach in all: as many as the largest
@@ -58,6 +59,13 @@ struct Object {
   std::uint8_t Size() const { return marker & 0xF; }
 };
 
+// What is known of an object.
+enum class State : std::uint8_t {
+  New,
+  Open,   // a container around the place that is read
+  Known,  // a container or an ASCII string that has been read once
+};
+
 // What has been reached so far, each time it was.
 struct Tally {
   std::uint64_t values;
@@ -75,28 +83,32 @@ struct FinishedContainer {
 class BinaryPropertyListReader {
  public:
   BinaryPropertyListReader(const SourceBuffer& file, PlaceRecorder* places)
-      : buffer_(file), file_(*file), places_(places) {}
+      : buffer_(file), file_(file.View()), places_(places) {}
 
   ParseOutcome Read() {
-    if (!ReadFile()) {
+    PropertyValue value = Unread;
+    if (!ReadFile(value)) {
       return {{}, "byte " + std::to_string(fault_.Offset()) + ": " + fault_.Message()};
     }
-    return {std::move(values_.back()), {}};
+    return {std::move(value), {}};
   }
 
  private:
-  bool ReadFile() {
+  // What stands in the place of a value until it has been read.
+  static constexpr bool Unread = false;
+
+  bool ReadFile(PropertyValue& value) {
     if (!layout_.Read(file_, fault_)) return false;
-    isOpen_.resize(static_cast<std::size_t>(layout_.ObjectCount()));
-    isKnown_.resize(isOpen_.size());
-    return ReadValue(layout_.TopObject(), TopObjectPlace());
+    states_.resize(static_cast<std::size_t>(layout_.ObjectCount()), State::New);
+    return ReadValue(layout_.TopObject(), TopObjectPlace(), value);
   }
 
   // Where the trailer names the top object.
   std::size_t TopObjectPlace() const { return file_.size() - 16; }
 
-  bool Fail(std::size_t offset, std::string message) {
-    return fault_.Set(offset, std::move(message));
+  // Not part of its many callers, which would be the slower for it.
+  [[gnu::noinline]] bool Fail(std::size_t offset, const char* message) {
+    return fault_.Set(offset, message);
   }
 
   // Books values before room is made for them.
@@ -150,7 +162,10 @@ class BinaryPropertyListReader {
   // How many bytes, units or elements the object holds; its contents then begin behind the count.
   bool ReadCount(Object& object, std::uint64_t& count) {
     count = object.Size();
-    if (count != CountFollows) return true;
+    return count != CountFollows || ReadCountBehind(object, count);
+  }
+
+  bool ReadCountBehind(Object& object, std::uint64_t& count) {
     std::string_view bytes;
     if (!Bytes(object, 1, bytes)) return false;
     const auto marker = static_cast<std::uint8_t>(bytes.front());
@@ -160,31 +175,31 @@ class BinaryPropertyListReader {
     }
     ++object.contents;
     if (!Bytes(object, width, bytes)) return false;
-    count = BigEndianNumber(bytes);
+    count = layout_.NumberAt(object.contents, width);
     object.contents += width;
     return true;
   }
 
-  bool ReadValue(std::uint64_t number, std::size_t referrer) {
-    Object object;
+  bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
+    Object object{};
     if (!Locate(number, referrer, object)) return false;
     if (places_ != nullptr) places_->BeginValue(object.offset);
-    if (!ReadContents(object)) return false;
+    if (!ReadContents(object, value)) return false;
     if (places_ != nullptr) places_->EndValue();
     return true;
   }
 
-  bool ReadContents(const Object& object) {
+  bool ReadContents(const Object& object, PropertyValue& value) {
     switch (object.Kind()) {
-      case ObjectKind::Simple: return ReadSimple(object);
-      case ObjectKind::Integer: return ReadInteger(object);
-      case ObjectKind::Real: return ReadReal(object);
-      case ObjectKind::Date: return ReadDate(object);
-      case ObjectKind::Data: return ReadData(object);
+      case ObjectKind::Simple: return ReadSimple(object, value);
+      case ObjectKind::Integer: return ReadInteger(object, value);
+      case ObjectKind::Real: return ReadReal(object, value);
+      case ObjectKind::Date: return ReadDate(object, value);
+      case ObjectKind::Data: return ReadData(object, value);
       case ObjectKind::AsciiString:
-      case ObjectKind::Utf16String: return ReadString(object);
+      case ObjectKind::Utf16String: return ReadString(object, value);
       case ObjectKind::Array:
-      case ObjectKind::Dictionary: return ReadContainer(object);
+      case ObjectKind::Dictionary: return ReadContainer(object, value);
       case ObjectKind::Uid: return Fail(object.offset, "a UID is no property-list value");
       case ObjectKind::Set: return Fail(object.offset, "a set is no property-list value");
     }
@@ -195,70 +210,71 @@ class BinaryPropertyListReader {
     return Fail(object.offset, "an unknown kind of object");
   }
 
-  template <typename Content>
-  bool Produce(Content&& content) {
-    values_.emplace_back(std::forward<Content>(content));
+  bool ReadSimple(const Object& object, PropertyValue& value) {
+    if (object.marker == NullMarker) return Fail(object.offset, "null is no property-list value");
+    if (object.marker != FalseMarker && object.marker != TrueMarker) return FailUnknown(object);
+    value = object.marker == TrueMarker;
     return true;
   }
 
-  bool ReadSimple(const Object& object) {
-    if (object.marker == FalseMarker) return Produce(false);
-    if (object.marker == TrueMarker) return Produce(true);
-    if (object.marker == NullMarker) return Fail(object.offset, "null is no property-list value");
-    return FailUnknown(object);
-  }
-
   // One, two and four bytes are unsigned, eight and sixteen signed.
-  bool ReadInteger(const Object& object) {
+  bool ReadInteger(const Object& object, PropertyValue& value) {
     if (object.Size() > 4) return FailUnknown(object);
     const std::size_t width = std::size_t{1} << object.Size();
     std::string_view bytes;
     if (!Bytes(object, width, bytes)) return false;
-    if (width == 16) return ReadWideInteger(object, bytes);
-    const std::uint64_t bits = BigEndianNumber(bytes);
-    if (width == 8) return Produce(static_cast<std::int64_t>(bits));
-    return Produce(bits);
+    if (width == 16) return ReadWideInteger(object, bytes, value);
+    const std::uint64_t bits = layout_.NumberAt(object.contents, width);
+    value = width == 8 ? Integer(static_cast<std::int64_t>(bits)) : Integer(bits);
+    return true;
   }
 
-  bool ReadWideInteger(const Object& object, std::string_view bytes) {
+  bool ReadWideInteger(const Object& object, std::string_view bytes, PropertyValue& value) {
     constexpr std::uint64_t SignBit = std::uint64_t{1} << 63;
     const std::uint64_t high = BigEndianNumber(bytes.substr(0, 8));
     const std::uint64_t low = BigEndianNumber(bytes.substr(8));
-    if (high == 0) return Produce(low);
-    if (high == ~std::uint64_t{0} && low >= SignBit) return Produce(static_cast<std::int64_t>(low));
-    return Fail(object.offset, "an integer lies outside -2^63 to 2^64-1");
+    const bool isNegative = high == ~std::uint64_t{0} && low >= SignBit;
+    if (high != 0 && !isNegative) {
+      return Fail(object.offset, "an integer lies outside -2^63 to 2^64-1");
+    }
+    value = isNegative ? Integer(static_cast<std::int64_t>(low)) : Integer(low);
+    return true;
   }
 
-  bool ReadReal(const Object& object) {
+  bool ReadReal(const Object& object, PropertyValue& value) {
     std::string_view bytes;
     if (object.Size() != 2 && object.Size() != 3) return FailUnknown(object);
     if (!Bytes(object, std::size_t{1} << object.Size(), bytes)) return false;
-    const std::uint64_t bits = BigEndianNumber(bytes);
-    if (object.Size() == 3) return Produce(std::bit_cast<double>(bits));
-    return Produce(double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))});
+    const std::uint64_t bits = layout_.NumberAt(object.contents, bytes.size());
+    value = object.Size() == 3 ? std::bit_cast<double>(bits)
+                               : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
+    return true;
   }
 
-  bool ReadDate(const Object& object) {
+  bool ReadDate(const Object& object, PropertyValue& value) {
     std::string_view bytes;
     if (object.marker != DateMarker) return FailUnknown(object);
     if (!Bytes(object, 8, bytes)) return false;
     const auto date = DateFromSecondsSince2001(std::bit_cast<double>(BigEndianNumber(bytes)));
     if (!date) return Fail(object.offset, "a date lies outside the years 1 to 9999");
-    return Produce(*date);
+    value = *date;
+    return true;
   }
 
-  bool ReadData(Object object) {
+  bool ReadData(Object object, PropertyValue& value) {
     std::uint64_t size = 0;
     std::string_view bytes;
     if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
     if (!CountBytes(object, size)) return false;
-    return Produce(Data{SharedBytes(buffer_, bytes)});
+    value = Data{SharedBytes(buffer_, bytes)};
+    return true;
   }
 
-  bool ReadString(const Object& object) {
+  bool ReadString(const Object& object, PropertyValue& value) {
     SharedBytes text;
     if (!ReadText(object, text)) return false;
-    return Produce(String{std::move(text)});
+    value = String{std::move(text)};
+    return true;
   }
 
   bool ReadText(const Object& object, SharedBytes& text) {
@@ -271,14 +287,17 @@ class BinaryPropertyListReader {
     std::uint64_t size = 0;
     std::string_view bytes;
     if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
-    if (size > ShortText && TakeKnownText(object, text)) return true;
-    if (std::ranges::any_of(bytes, [](char byte) { return (byte & 0x80) != 0; })) {
-      return Fail(object.offset, "a string is not ASCII");
+    if (states_[object.number] == State::New) {
+      if (!IsPlainAscii(bytes)) return FailUnusualAscii(object, bytes);
+      states_[object.number] = State::Known;
     }
-    if (FindInvalidText(bytes) != NoPlace) return FailUncarriable(object);
     text = SharedBytes(buffer_, bytes);
-    if (size > ShortText) knownTexts_.emplace(object.offset, text);
     return true;
+  }
+
+  bool FailUnusualAscii(const Object& object, std::string_view bytes) {
+    const bool isAscii = std::ranges::none_of(bytes, [](char byte) { return (byte & 0x80) != 0; });
+    return isAscii ? FailUncarriable(object) : Fail(object.offset, "a string is not ASCII");
   }
 
   bool ReadUtf16Text(Object object, SharedBytes& text) {
@@ -288,10 +307,10 @@ class BinaryPropertyListReader {
     if (!ReadCount(object, units)) return false;
     if (units > file_.size()) return Fail(object.offset, "an object is cut short");
     if (!Bytes(object, units * 2, bytes) || !CountText(object, bytes)) return false;
-    auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
+    const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
     if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
     if (FindInvalidText(transcoded.text) != NoPlace) return FailUncarriable(object);
-    text = SharedBytes(std::move(transcoded.text));
+    text = decoded_.Keep(transcoded.text);
     knownTexts_.emplace(object.offset, text);
     return true;
   }
@@ -307,83 +326,88 @@ class BinaryPropertyListReader {
     return Fail(object.offset, "a string holds a character that XML cannot carry");
   }
 
-  bool ReadContainer(const Object& object) {
-    const bool isReachedAgain = isKnown_[object.number];
+  bool ReadContainer(const Object& object, PropertyValue& value) {
+    auto& state = states_[object.number];
+    const bool isReachedAgain = state == State::Known;
     if (isReachedAgain) {
       const auto shared = finished_.find(object.number);
-      if (shared != finished_.end()) return ReuseContainer(object, shared->second);
+      if (shared != finished_.end()) return ReuseContainer(object, shared->second, value);
     }
-    if (isOpen_[object.number]) return Fail(object.offset, "an object contains itself");
+    if (state == State::Open) return Fail(object.offset, "an object contains itself");
     if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
     const Tally before = tally_;
     const std::size_t deepestOutside = std::exchange(deepest_, ++nesting_);
-    isOpen_[object.number] = true;
+    state = State::Open;
     const bool isArray = object.Kind() == ObjectKind::Array;
-    if (!(isArray ? ReadArray(object) : ReadDictionary(object))) return false;
-    isOpen_[object.number] = false;
+    if (!(isArray ? ReadArray(object, value) : ReadDictionary(object, value))) return false;
+    state = State::Known;
     --nesting_;
-    isKnown_[object.number] = true;
     if (isReachedAgain) {
       const Tally inside = {tally_.values - before.values, tally_.longBytes - before.longBytes};
-      finished_.emplace(object.number,
-                        FinishedContainer{values_.back(), inside, deepest_ - nesting_});
+      finished_.emplace(object.number, FinishedContainer{value, inside, deepest_ - nesting_});
     }
     deepest_ = std::max(deepest_, deepestOutside);
     return true;
   }
 
-  bool ReuseContainer(const Object& object, const FinishedContainer& container) {
+  bool ReuseContainer(const Object& object, const FinishedContainer& container,
+                      PropertyValue& value) {
     if (container.height > MaximumNesting - nesting_) return Fail(object.offset, NestedTooDeeply);
     if (!CountValues(object.offset, container.tally.values)) return false;
     if (!CountLongBytes(object.offset, container.tally.longBytes)) return false;
     deepest_ = std::max(deepest_, nesting_ + container.height);
-    return Produce(container.value);
+    value = container.value;
+    return true;
   }
 
-  // Finds the references of a container that holds `count` of them `perElement` times over.
+  // Finds where the references of a container begin that holds `count` of them `perElement` times
+  // over.
   bool ReadReferences(Object object, std::uint64_t perElement, std::uint64_t& count,
-                      std::string_view& references) {
+                      std::size_t& references) {
     if (!ReadCount(object, count)) return false;
     if (count > file_.size()) return Fail(object.offset, "an object is cut short");
     const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
-    return Bytes(object, size, references) && CountValues(object.offset, count);
+    std::string_view bytes;
+    references = object.contents;
+    return Bytes(object, size, bytes) && CountValues(object.offset, count);
   }
 
-  std::uint64_t ReferenceAt(std::string_view references, std::uint64_t index) const {
+  std::uint64_t ReferenceAt(std::size_t references, std::uint64_t index) const {
     const std::size_t width = layout_.ReferenceWidth();
-    return BigEndianNumber(references.substr(static_cast<std::size_t>(index) * width, width));
+    return layout_.NumberAt(references + static_cast<std::size_t>(index) * width, width);
   }
 
-  bool ReadArray(const Object& object) {
+  bool ReadArray(const Object& object, PropertyValue& value) {
     std::uint64_t count = 0;
-    std::string_view references;
+    std::size_t references = 0;
     if (!ReadReferences(object, 1, count, references)) return false;
     Array array;
     array.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t i = 0; i < count; ++i) {
-      if (!ReadValue(ReferenceAt(references, i), object.offset)) return false;
-      array.push_back(TakeLast());
+      auto& element = array.emplace_back(Unread);
+      if (!ReadValue(ReferenceAt(references, i), object.offset, element)) return false;
     }
-    return Produce(std::move(array));
+    value = std::move(array);
+    return true;
   }
 
-  bool ReadDictionary(const Object& object) {
+  bool ReadDictionary(const Object& object, PropertyValue& value) {
     std::uint64_t count = 0;
-    std::string_view references;  // all the keys, then all the values
+    std::size_t references = 0;  // all the keys, then all the values
     if (!ReadReferences(object, 2, count, references)) return false;
     std::vector<DictionaryEntry> entries;
     entries.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t i = 0; i < count; ++i) {
-      SharedBytes key;
-      if (!ReadKey(ReferenceAt(references, i), object.offset, key)) return false;
-      if (!ReadValue(ReferenceAt(references, count + i), object.offset)) return false;
-      entries.emplace_back(std::move(key), TakeLast());
+      auto& entry = entries.emplace_back(SharedBytes(), Unread);
+      if (!ReadKey(ReferenceAt(references, i), object.offset, entry.key)) return false;
+      if (!ReadValue(ReferenceAt(references, count + i), object.offset, entry.value)) return false;
     }
-    return Produce(Dictionary(std::move(entries)));
+    value = Dictionary(std::move(entries));
+    return true;
   }
 
   bool ReadKey(std::uint64_t number, std::size_t referrer, SharedBytes& key) {
-    Object object;
+    Object object{};
     if (!Locate(number, referrer, object)) return false;
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
@@ -391,12 +415,6 @@ class BinaryPropertyListReader {
     if (!ReadText(object, key)) return false;
     if (places_ != nullptr) places_->Key(key, object.offset);
     return true;
-  }
-
-  PropertyValue TakeLast() {
-    auto value = std::move(values_.back());
-    values_.pop_back();
-    return value;
   }
 
   const SourceBuffer& buffer_;
@@ -408,13 +426,11 @@ class BinaryPropertyListReader {
   std::uint64_t textBytes_ = 0;
   std::size_t nesting_ = 0;
   std::size_t deepest_ = 0;    // the greatest nesting inside the container that is read, so far
-  std::vector<bool> isKnown_;  // by object: whether it is a container that has been read once
+  std::vector<State> states_;  // by object
   std::map<std::uint64_t, FinishedContainer> finished_;  // by object, those read twice
-  std::vector<bool> isOpen_;  // by object: whether it is a container around the place that is read
-  std::vector<PropertyValue> values_;
-  // Strings that have been checked or decoded, by their place: a large one that is shared often
-  // must not cost its size each time. Ordered, as a file picks the places and could make hashes
-  // clash.
+  DecodedBytes decoded_;
+  // UTF-16 strings that have been decoded, by their place: one that is shared often must not cost
+  // its size each time. Ordered, as a file picks the places and could make hashes clash.
   std::map<std::size_t, SharedBytes> knownTexts_;
 };
 

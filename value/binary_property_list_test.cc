@@ -45,7 +45,7 @@ const std::string False = "\x08";
 const std::string True = "\x09";
 
 ParseOutcome Parse(std::string file) {
-  return ParseBinaryPropertyList(std::make_shared<const std::string>(std::move(file)));
+  return ParseBinaryPropertyList(SourceBuffer(std::move(file)));
 }
 
 // A file of one object, which begins at byte 8.
@@ -725,13 +725,13 @@ TEST(BinaryPropertyList, AnyByteMayBeAnyOtherWithoutHarm) {
 }
 
 TEST(BinaryPropertyList, AsciiStringsAndDataViewTheFile) {
-  const auto file = std::make_shared<const std::string>(
-      BinaryFile({ArrayObject({1, 2}), AsciiObject("text"), DataObject("data")}));
+  const auto file =
+      SourceBuffer(BinaryFile({ArrayObject({1, 2}), AsciiObject("text"), DataObject("data")}));
   const auto outcome = ParseBinaryPropertyList(file);
   ASSERT_EQ(outcome.error, "");
   const auto& array = *outcome.value->AsArray();
-  EXPECT_EQ(array[0].AsString()->data(), file->data() + 12);
-  EXPECT_EQ(array[1].AsData()->data(), file->data() + 17);
+  EXPECT_EQ(array[0].AsString()->data(), file.View().data() + 12);
+  EXPECT_EQ(array[1].AsData()->data(), file.View().data() + 17);
 }
 
 }  // namespace

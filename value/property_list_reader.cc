@@ -1,7 +1,6 @@
 #include "value/property_list_reader.h"
 
 #include <algorithm>
-#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -43,8 +42,8 @@ PropertyListReading Reading(ParseOutcome outcome, Serialisation serialisation) {
 
 PropertyListReading ReadPropertyList(std::string bytes, PlaceRecorder* places) {
   if (bytes.empty()) return {{}, "the file is empty", Serialisation::None};
-  auto buffer = std::make_shared<const std::string>(std::move(bytes));
-  if (buffer->starts_with(BinarySignature)) {
+  SourceBuffer buffer(std::move(bytes));
+  if (buffer.View().starts_with(BinarySignature)) {
     return Reading(ParseBinaryPropertyList(buffer, places), Serialisation::Binary);
   }
   const auto source = DecodeSource(std::move(buffer));

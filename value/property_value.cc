@@ -6,17 +6,39 @@
 namespace fernwick {
 namespace {
 
-// Up to here comparing every key with every other costs less than sorting them.
-constexpr std::size_t FewEntries = 16;
+// Up to here comparing keys with each other costs less than sorting them.
+constexpr std::size_t FewEntries = 32;
+
+// One of 64 bits, the same for equal keys and mostly another for others.
+std::uint64_t SignatureOf(std::string_view key) {
+  if (key.empty()) return 1;
+  const auto first = static_cast<unsigned char>(key.front());
+  const auto last = static_cast<unsigned char>(key.back());
+  return std::uint64_t{1} << ((key.size() * 7 + first * 5u + last) % 64);
+}
 
 bool HasRepeatedKeyAmongFew(std::span<const DictionaryEntry> entries) {
-  for (std::size_t i = 1; i < entries.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      if (entries[i].key == entries[j].key) return true;
+  std::uint64_t signatures = 0;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const auto key = entries[i].key.View();
+    const std::uint64_t signature = SignatureOf(key);
+    if ((signatures & signature) != 0) {
+      const auto before = entries.first(i);
+      if (std::ranges::any_of(before, [&](const auto& e) { return e.key.View() == key; })) {
+        return true;
+      }
     }
+    signatures |= signature;
   }
   return false;
 }
+
+// What the copies of a dictionary or an array share.
+template <typename Container>
+struct Holder final : Shared {
+  explicit Holder(Container held) : content(std::move(held)) {}
+  const Container content;
+};
 
 // The places of the entries, by key; the places of one key in their own order.
 std::vector<std::size_t> PlacesByKey(std::span<const DictionaryEntry> entries) {
@@ -95,39 +117,41 @@ void Dictionary::Merge(const Dictionary& other) {
 }
 
 PropertyValue::PropertyValue(Dictionary value)
-    : value_(std::make_shared<const Dictionary>(std::move(value))) {}
-
-PropertyValue::PropertyValue(Array value)
-    : value_(std::make_shared<const Array>(std::move(value))) {}
-
-const Dictionary* PropertyValue::AsDictionary() const {
-  const auto* held = std::get_if<std::shared_ptr<const Dictionary>>(&value_);
-  return held == nullptr ? nullptr : held->get();
+    : kind_(Kind::Dictionary), content_{.dictionary = nullptr} {
+  const auto* holder = new Holder<Dictionary>(std::move(value));
+  share_ = Share(holder);
+  content_.dictionary = &holder->content;
 }
 
-const Array* PropertyValue::AsArray() const {
-  const auto* held = std::get_if<std::shared_ptr<const Array>>(&value_);
-  return held == nullptr ? nullptr : held->get();
+PropertyValue::PropertyValue(Array value) : kind_(Kind::Sequence), content_{.array = nullptr} {
+  const auto* holder = new Holder<Array>(std::move(value));
+  share_ = Share(holder);
+  content_.array = &holder->content;
 }
 
 bool operator==(const PropertyValue& a, const PropertyValue& b) {
-  if (const auto* dictionary = a.AsDictionary()) {
-    return b.AsDictionary() != nullptr && *dictionary == *b.AsDictionary();
+  using Kind = PropertyValue::Kind;
+  if (a.kind_ != b.kind_) return false;
+  switch (a.kind_) {
+    case Kind::Dictionary: return *a.content_.dictionary == *b.content_.dictionary;
+    case Kind::Sequence: return *a.content_.array == *b.content_.array;
+    case Kind::String:
+    case Kind::Data: return a.content_.bytes == b.content_.bytes;
+    case Kind::Integer: return a.content_.integer == b.content_.integer;
+    case Kind::Real: return a.content_.real == b.content_.real;
+    case Kind::Boolean: return a.content_.boolean == b.content_.boolean;
+    default: return a.content_.date == b.content_.date;
   }
-  if (const auto* array = a.AsArray()) return b.AsArray() != nullptr && *array == *b.AsArray();
-  return a.value_ == b.value_;
 }
 
 std::optional<std::string_view> PropertyValue::AsString() const {
-  const auto* string = std::get_if<String>(&value_);
-  if (string == nullptr) return std::nullopt;
-  return string->text.View();
+  if (!Is(Kind::String)) return std::nullopt;
+  return content_.bytes;
 }
 
 std::optional<std::string_view> PropertyValue::AsData() const {
-  const auto* data = std::get_if<Data>(&value_);
-  if (data == nullptr) return std::nullopt;
-  return data->bytes.View();
+  if (!Is(Kind::Data)) return std::nullopt;
+  return content_.bytes;
 }
 
 std::optional<Number> PropertyValue::AsNumber() const {

@@ -4,16 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "value/number.h"
+#include "value/share.h"
 #include "value/shared_bytes.h"
 
 namespace fernwick {
@@ -44,34 +43,51 @@ struct Date {
 };
 
 /// One value of a property list. A value is never absent: where one may be missing, a null pointer
-/// or an empty optional says so. Copies share what they hold, however large it is.
+/// or an empty optional says so. Copies share what they hold, however large it is. A value that has
+/// been moved from may only be given another or be destroyed.
 class PropertyValue {
  public:
-  PropertyValue(Dictionary value);                           // NOLINT: each kind is a value
-  PropertyValue(Array value);                                // NOLINT
-  PropertyValue(String value) : value_(std::move(value)) {}  // NOLINT
-  PropertyValue(Data value) : value_(std::move(value)) {}    // NOLINT
-  PropertyValue(Date value) : value_(value) {}               // NOLINT
-  PropertyValue(Integer value) : value_(value) {}            // NOLINT
+  PropertyValue(Dictionary value);    // NOLINT: each kind is a value
+  PropertyValue(Array value);         // NOLINT
+  PropertyValue(const String& value)  // NOLINT
+      : PropertyValue(Kind::String, value.text) {}
+  PropertyValue(const Data& value) : PropertyValue(Kind::Data, value.bytes) {}        // NOLINT
+  PropertyValue(Date value) : kind_(Kind::Date), content_{.date = value} {}           // NOLINT
+  PropertyValue(Integer value) : kind_(Kind::Integer), content_{.integer = value} {}  // NOLINT
   template <std::integral T>
-  requires(!std::same_as<T, bool>) PropertyValue(T value) : value_(Integer(value)) {}  // NOLINT
-  PropertyValue(std::same_as<bool> auto value) : value_(value) {}                      // NOLINT
-  PropertyValue(std::same_as<double> auto value) : value_(value) {}                    // NOLINT
+  requires(!std::same_as<T, bool>) PropertyValue(T value)
+      : PropertyValue(Integer(value)) {}  // NOLINT
+  PropertyValue(std::same_as<bool> auto value)
+      : kind_(Kind::Boolean), content_{.boolean = value} {}  // NOLINT
+  PropertyValue(std::same_as<double> auto value)
+      : kind_(Kind::Real), content_{.real = value} {}  // NOLINT
 
   /// A string that holds a copy of `text`.
   PropertyValue(std::string_view text) : PropertyValue(std::string(text)) {}  // NOLINT
   PropertyValue(const char* text) : PropertyValue(std::string(text)) {}       // NOLINT
   PropertyValue(std::string text)                                             // NOLINT
-      : value_(String{SharedBytes(std::move(text))}) {}
+      : PropertyValue(Kind::String, SharedBytes(std::move(text))) {}
+
+  PropertyValue(const PropertyValue&) = default;
+  PropertyValue(PropertyValue&&) noexcept = default;
+  PropertyValue& operator=(PropertyValue other) noexcept {  // which may be part of this one
+    share_ = std::move(other.share_);
+    kind_ = other.kind_;
+    content_ = other.content_;
+    return *this;
+  }
+  ~PropertyValue() = default;
 
   /// Each yields nothing when the value is of another kind. A dictionary and an array live as long
   /// as any copy of the value, the others as long as the value itself.
-  const Dictionary* AsDictionary() const;
-  const Array* AsArray() const;
-  const Integer* AsInteger() const { return std::get_if<Integer>(&value_); }
-  const double* AsReal() const { return std::get_if<double>(&value_); }
-  const bool* AsBoolean() const { return std::get_if<bool>(&value_); }
-  const Date* AsDate() const { return std::get_if<Date>(&value_); }
+  const Dictionary* AsDictionary() const {
+    return Is(Kind::Dictionary) ? content_.dictionary : nullptr;
+  }
+  const Array* AsArray() const { return Is(Kind::Sequence) ? content_.array : nullptr; }
+  const Integer* AsInteger() const { return Is(Kind::Integer) ? &content_.integer : nullptr; }
+  const double* AsReal() const { return Is(Kind::Real) ? &content_.real : nullptr; }
+  const bool* AsBoolean() const { return Is(Kind::Boolean) ? &content_.boolean : nullptr; }
+  const Date* AsDate() const { return Is(Kind::Date) ? &content_.date : nullptr; }
 
   /// The text of a string, the bytes of data. They live as long as any copy of the value.
   std::optional<std::string_view> AsString() const;
@@ -85,25 +101,54 @@ class PropertyValue {
   /// Date that the value is.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
-    return std::visit([&](const auto& held) { return visitor(Contents(held)); }, value_);
+    switch (kind_) {
+      case Kind::Dictionary: return visitor(*content_.dictionary);
+      case Kind::Sequence: return visitor(*content_.array);
+      case Kind::String: return visitor(String{SharedBytes(share_, content_.bytes)});
+      case Kind::Integer: return visitor(content_.integer);
+      case Kind::Real: return visitor(content_.real);
+      case Kind::Boolean: return visitor(content_.boolean);
+      case Kind::Data: return visitor(Data{SharedBytes(share_, content_.bytes)});
+      default: return visitor(content_.date);
+    }
   }
 
   /// The same kind and content (numbers of different kinds are not the same value).
   friend bool operator==(const PropertyValue& a, const PropertyValue& b);
 
  private:
-  template <typename Container>
-  static const Container& Contents(const std::shared_ptr<const Container>& held) {
-    return *held;
-  }
-  template <typename Leaf>
-  static const Leaf& Contents(const Leaf& held) {
-    return held;
-  }
+  enum class Kind : std::uint8_t {
+    Dictionary,
+    Sequence,
+    String,
+    Integer,
+    Real,
+    Boolean,
+    Data,
+    Date
+  };
 
-  std::variant<std::shared_ptr<const Dictionary>, std::shared_ptr<const Array>, String, Integer,
-               double, bool, Data, Date>
-      value_;
+  // Dictionary, array and bytes are what share_ holds; the others hold it themselves. All are
+  // plain, so that values move as fast as the numbers that they are made of: a reader moves each a
+  // few times.
+  union Content {
+    const Dictionary* dictionary;
+    const Array* array;
+    std::string_view bytes;  // of a string and of data
+    Integer integer;
+    double real;
+    bool boolean;
+    Date date;
+  };
+
+  PropertyValue(Kind kind, const SharedBytes& bytes)
+      : share_(bytes.Held()), kind_(kind), content_{.bytes = bytes.View()} {}
+
+  bool Is(Kind kind) const { return kind_ == kind; }
+
+  Share share_;  // in nothing for the kinds that hold their content themselves
+  Kind kind_;
+  Content content_;
 };
 
 /// A key of a dictionary and its value.

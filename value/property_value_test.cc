@@ -81,6 +81,21 @@ TEST(Dictionary, AnyNumberOfDistinctKeysStaysAsItIs) {
   }
 }
 
+TEST(Dictionary, RepeatedKeyIsFoundAmongKeysThatLookAlike) {
+  // Of the same length, first and last character; of any length; without a character.
+  const std::vector<std::vector<std::string>> families = {
+      {"axxz", "ayyz", "azzz", "a--z"}, {"", "a", "aa", "aaa"}, {"\xC3\xA4", "\xC3\xA5", "\x80"}};
+  for (const auto& keys : families) {
+    for (std::size_t repeated = 0; repeated < keys.size(); ++repeated) {
+      std::vector<DictionaryEntry> entries;
+      for (const auto& key : keys) entries.emplace_back(key, entries.size());
+      EXPECT_EQ(Dictionary(entries).Size(), keys.size());
+      entries.emplace_back(keys[repeated], 99);
+      EXPECT_EQ(Spelt(Dictionary(entries)), Spelt(SetOneByOne(entries)));
+    }
+  }
+}
+
 TEST(Dictionary, EveryKeyRepeatedAmongManyKeepsTheLastValues) {
   auto entries = DistinctEntries(1000);
   for (std::size_t i = 0; i < 1000; ++i) entries.emplace_back("key" + std::to_string(i), i + 1000);
@@ -280,11 +295,32 @@ TEST(PropertyValue, CopyKeepsTheTextAlive) {
   EXPECT_EQ(text, "a text that is too long to be stored in place");
 }
 
+TEST(PropertyValue, PartTakesThePlaceOfTheWhole) {
+  PropertyValue value = Array{Dictionary{{"a", "text"}}, 1};
+  value = (*value.AsArray())[0];
+  EXPECT_EQ(value, PropertyValue(Dictionary{{"a", "text"}}));
+  value = *value.AsDictionary()->Find("a");
+  EXPECT_EQ(value, PropertyValue("text"));
+  value = *&value;
+  EXPECT_EQ(value, PropertyValue("text"));
+}
+
+TEST(PropertyValue, VisitorMayKeepTheTextThatItIsGiven) {
+  SharedBytes kept;
+  {
+    const PropertyValue value = "a text that is too long to be stored in place";
+    value.Visit([&](const auto& content) {
+      if constexpr (requires { content.text; }) kept = content.text;
+    });
+  }
+  EXPECT_EQ(kept.View(), "a text that is too long to be stored in place");
+}
+
 TEST(SharedBytes, RunKeepsItsBufferAliveWithoutACopy) {
-  auto buffer = std::make_shared<const std::string>("the whole buffer");
-  const auto* place = buffer->data() + 4;
-  const SharedBytes run(buffer, std::string_view(*buffer).substr(4, 5));
-  buffer.reset();
+  SourceBuffer buffer("the whole buffer");
+  const auto* place = buffer.View().data() + 4;
+  const SharedBytes run(buffer, buffer.View().substr(4, 5));
+  buffer = {};
   EXPECT_EQ(run.View(), "whole");
   EXPECT_EQ(run.View().data(), place);
 }

@@ -1,42 +1,51 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "value/share.h"
+
 namespace fernwick {
 
-/// The bytes of one file, read once; values view into it and share it.
-using SourceBuffer = std::shared_ptr<const std::string>;
-
-/// An immutable run of bytes with a share in the buffer that holds it: copying copies no bytes, and
-/// the buffer lives as long as any run of it. Not for use across threads.
+/// An immutable run of bytes with a share in what holds them: copying copies no bytes, and they
+/// live as long as any run of them. Not for use across threads.
 class SharedBytes {
  public:
   SharedBytes() = default;
 
-  /// Takes `bytes` over into a buffer of their own.
-  explicit SharedBytes(std::string bytes)
-      : SharedBytes(std::make_shared<const std::string>(std::move(bytes))) {}
+  /// Takes `bytes` over.
+  explicit SharedBytes(std::string bytes) : SharedBytes(new Holder(std::move(bytes))) {}
 
-  /// Views `part` of `buffer`. REQUIRES: `part` lies inside `*buffer`.
-  SharedBytes(const SourceBuffer& buffer, std::string_view part)
-      : first_(buffer, part.data()), size_(part.size()) {}
+  /// Views `part` of `whole`. REQUIRES: it lies inside.
+  SharedBytes(const SharedBytes& whole, std::string_view part) : SharedBytes(whole.share_, part) {}
+
+  /// Views `bytes`. REQUIRES: what `share` is in holds them.
+  SharedBytes(Share share, std::string_view bytes) : share_(std::move(share)), bytes_(bytes) {}
 
   /// Valid as long as any copy of this value lives.
-  std::string_view View() const { return {first_.get(), size_}; }
+  std::string_view View() const { return bytes_; }
+
+  /// The share in what holds the bytes.
+  const Share& Held() const { return share_; }
 
   friend bool operator==(const SharedBytes& a, const SharedBytes& b) {
     return a.View() == b.View();
   }
 
  private:
-  explicit SharedBytes(const SourceBuffer& buffer) : SharedBytes(buffer, *buffer) {}
+  struct Holder final : Shared {
+    explicit Holder(std::string held) : bytes(std::move(held)) {}
+    const std::string bytes;
+  };
 
-  std::shared_ptr<const char> first_;
-  std::size_t size_ = 0;
+  explicit SharedBytes(const Holder* holder) : SharedBytes(Share(holder), holder->bytes) {}
+
+  Share share_;
+  std::string_view bytes_;
 };
+
+/// The bytes of one file, read once; values view into it and share it.
+using SourceBuffer = SharedBytes;
 
 }  // namespace fernwick

@@ -1,6 +1,5 @@
 #include "value/source_text.h"
 
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -24,7 +23,7 @@ SourceText DecodeUtf16(std::string_view bytes, ByteOrder order) {
 }  // namespace
 
 SourceText DecodeSource(SourceBuffer bytes) {
-  const std::string_view all = *bytes;
+  const std::string_view all = bytes.View();
   if (all.starts_with(BigEndianMark)) return DecodeUtf16(all.substr(2), ByteOrder::BigEndian);
   if (all.starts_with(LittleEndianMark)) return DecodeUtf16(all.substr(2), ByteOrder::LittleEndian);
   const bool marked = all.starts_with(Utf8Mark);
@@ -34,8 +33,8 @@ SourceText DecodeSource(SourceBuffer bytes) {
 }
 
 SourceText OwnedSource(std::string text) {
-  auto buffer = std::make_shared<const std::string>(std::move(text));
-  const std::string_view view = *buffer;
+  SourceBuffer buffer(std::move(text));
+  const auto view = buffer.View();
   return {.buffer = std::move(buffer), .text = view};
 }
 

@@ -8,7 +8,7 @@ namespace fernwick {
 namespace {
 
 SourceText Decode(std::string bytes) {
-  return DecodeSource(std::make_shared<const std::string>(std::move(bytes)));
+  return DecodeSource(SourceBuffer(std::move(bytes)));
 }
 
 struct SourceRow {
@@ -62,24 +62,24 @@ TEST(SourceText, FollowsTheByteOrderMarkAndNothingElse) {
 }
 
 TEST(SourceText, BytesThatNeedNoTranscodingAreNotCopied) {
-  const auto buffer = std::make_shared<const std::string>(
+  const auto buffer = SourceBuffer(
       "\xEF\xBB\xBF"
       "abc");
   const auto source = DecodeSource(buffer);
-  EXPECT_EQ(source.buffer, buffer);
-  EXPECT_EQ(source.text.data(), buffer->data() + 3);
+  EXPECT_EQ(source.buffer.View().data(), buffer.View().data());
+  EXPECT_EQ(source.text.data(), buffer.View().data() + 3);
 }
 
 TEST(SourceText, TranscodedTextLivesInItsOwnBuffer) {
   const auto source = Decode({"\xFE\xFF\0a", 4});
-  EXPECT_EQ(*source.buffer, "a");
-  EXPECT_EQ(source.text.data(), source.buffer->data());
+  EXPECT_EQ(source.buffer.View(), "a");
+  EXPECT_EQ(source.text.data(), source.buffer.View().data());
 }
 
 TEST(SourceText, OwnedSourceHoldsItsText) {
   const auto source = OwnedSource("abc");
   EXPECT_EQ(source.text, "abc");
-  EXPECT_EQ(source.text.data(), source.buffer->data());
+  EXPECT_EQ(source.text.data(), source.buffer.View().data());
   EXPECT_FALSE(source.hasByteOrderMark);
   EXPECT_FALSE(source.endsInInvalidUtf16);
 }

@@ -21,7 +21,7 @@ using testing::Repeated;
 using testing::Truncated;
 
 ParseOutcome Parse(std::string text) {
-  return ParseTextPropertyList(DecodeSource(std::make_shared<const std::string>(std::move(text))));
+  return ParseTextPropertyList(DecodeSource(SourceBuffer(std::move(text))));
 }
 
 TEST(TextPropertyList, AcceptsStrings) {
@@ -284,12 +284,12 @@ TEST(TextPropertyList, TruncationAtAnyLengthIsRefused) {
 }
 
 TEST(TextPropertyList, StringThatNeedsNoDecodingViewsTheSource) {
-  const auto buffer = std::make_shared<const std::string>("(\"quoted\", bare)");
+  const auto buffer = SourceBuffer("(\"quoted\", bare)");
   const auto outcome = ParseTextPropertyList(DecodeSource(buffer));
   ASSERT_EQ(outcome.error, "");
   const auto& array = *outcome.value->AsArray();
-  EXPECT_EQ(array[0].AsString()->data(), buffer->data() + 2);
-  EXPECT_EQ(array[1].AsString()->data(), buffer->data() + 11);
+  EXPECT_EQ(array[0].AsString()->data(), buffer.View().data() + 2);
+  EXPECT_EQ(array[1].AsString()->data(), buffer.View().data() + 11);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "value/utf8.h"
 
-#include <cstdint>
-#include <cstring>
+#include <algorithm>
 
 namespace fernwick {
 namespace {
@@ -27,26 +26,47 @@ bool IsSurrogate(char32_t unit) {
   return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-// Whether eight bytes are all printable ASCII, the bulk of every property list.
-bool AreAllPlain(const char* bytes) {
-  constexpr std::uint64_t HighBits = 0x8080808080808080;
-  constexpr std::uint64_t Blanks = 0x2020202020202020;
-  std::uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return ((word | (word - Blanks)) & HighBits) == 0;
+constexpr std::size_t BlockSize = 32;
+
+// Whether the byte is an ASCII character that a text can carry, the bulk of every property list.
+constexpr bool IsPlain(unsigned char byte) {
+  const bool isWhite = (byte == '\t') | (byte == '\n') | (byte == '\r');
+  return (byte < 0x80) & ((byte >= 0x20) | isWhite);
+}
+
+// Whether all bytes of a run are. In a run of a known length the compiler looks at many bytes at
+// once, as none decides whether the next is looked at.
+bool AreAllPlain(const char* run, std::size_t size) {
+  unsigned char refused = 0;
+  for (std::size_t i = 0; i < size; ++i) {
+    refused |= static_cast<unsigned char>(!IsPlain(static_cast<unsigned char>(run[i])));
+  }
+  return refused == 0;
+}
+
+// How many bytes at the start of a text are plain for certain: whole blocks of `Size`.
+template <std::size_t Size>
+std::size_t PlainStart(std::string_view text) {
+  std::size_t at = 0;
+  while (text.size() - at >= Size && AreAllPlain(text.data() + at, Size)) at += Size;
+  return at;
 }
 
 template <typename Accepts>
 std::size_t FindFirstRejected(std::string_view text, Accepts accepts) {
   std::size_t at = 0;
   while (at < text.size()) {
-    if (text.size() - at >= 8 && AreAllPlain(text.data() + at)) {
-      at += 8;
-      continue;
+    at += PlainStart<BlockSize>(text.substr(at));
+    const std::size_t end = std::min(text.size(), at + BlockSize);
+    while (at < end) {
+      if (IsPlain(static_cast<unsigned char>(text[at]))) {
+        ++at;
+        continue;
+      }
+      const auto [character, length] = DecodeUtf8(text.substr(at));
+      if (length == 0 || !accepts(character)) return at;
+      at += length;
     }
-    const auto [character, length] = DecodeUtf8(text.substr(at));
-    if (length == 0 || !accepts(character)) return at;
-    at += length;
   }
   return NoPlace;
 }
@@ -98,6 +118,12 @@ bool IsTextCharacter(char32_t character) {
   if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
   return !IsSurrogate(character) && character != 0xFFFE && character != 0xFFFF &&
          character <= 0x10FFFF;
+}
+
+bool IsPlainAscii(std::string_view text) {
+  text.remove_prefix(PlainStart<BlockSize>(text));
+  text.remove_prefix(PlainStart<8>(text));  // most are short
+  return text.size() < 8 && AreAllPlain(text.data(), text.size());
 }
 
 std::size_t FindInvalidUtf8(std::string_view text) {

@@ -29,6 +29,9 @@ void AppendUtf8(std::string& text, char32_t character);
 /// from U+0020 on save surrogates, U+FFFE and U+FFFF.
 bool IsTextCharacter(char32_t character);
 
+/// Whether nothing but ASCII characters that an XML document can carry stands in `text`.
+bool IsPlainAscii(std::string_view text);
+
 /// The offset of the first byte that is not part of well-formed UTF-8, or NoPlace.
 std::size_t FindInvalidUtf8(std::string_view text);
 

@@ -167,6 +167,19 @@ TEST(Utf8, FindsNothingWrongWithLineEndsTabsAndDeleteAnywhere) {
   }
 }
 
+TEST(TextCharacter, PlainAsciiIsWhatIsAsciiAndWhatXmlCarries) {
+  for (std::size_t before = 0; before < 70; ++before) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+      std::string text(before, 'x');
+      text += static_cast<char>(byte);
+      const bool isPlain = byte < 0x80 && IsTextCharacter(byte);
+      ASSERT_EQ(IsPlainAscii(text), isPlain) << before << ' ' << byte;
+      ASSERT_EQ(IsPlainAscii(text + "\ty\n\rz"), isPlain) << before << ' ' << byte;
+    }
+  }
+  EXPECT_TRUE(IsPlainAscii(""));
+}
+
 TEST(Utf16, SurrogatesAreToldApart) {
   EXPECT_FALSE(IsHighSurrogate(0xD7FF));
   EXPECT_TRUE(IsHighSurrogate(0xD800));

@@ -21,11 +21,6 @@ constexpr std::pair<std::string_view, char> PredefinedEntities[] = {
 constexpr std::string_view CdataOpening = "<![CDATA[";
 constexpr std::string_view CdataClosing = "]]>";
 
-// Whether the characters stand in the document exactly as they are meant.
-bool IsPlain(std::string_view characters) {
-  return characters.find_first_of("&\r]") == std::string_view::npos;
-}
-
 // The character of "#10" or "#xA"; nothing when it is no character that XML can carry.
 std::optional<char32_t> ParseCharacterNumber(std::string_view name) {
   const bool hexadecimal = name.starts_with("#x");
@@ -71,15 +66,8 @@ bool XmlCursor::SkipProlog() {
   return SkipDocumentType() && SkipMiscellany();
 }
 
-bool XmlCursor::SkipWhiteSpace() {
-  const std::size_t start = at_;
-  while (!AtEnd() && IsXmlWhiteSpace(document_[at_])) ++at_;
-  return at_ > start;
-}
-
-bool XmlCursor::SkipMiscellany() {
+bool XmlCursor::SkipAnyMiscellany() {
   for (;;) {
-    SkipWhiteSpace();
     if (LookingAt("<!--")) {
       if (!SkipComment()) return false;
     } else if (LookingAt("<?")) {
@@ -87,6 +75,7 @@ bool XmlCursor::SkipMiscellany() {
     } else {
       return true;
     }
+    SkipWhiteSpace();
   }
 }
 
@@ -171,7 +160,7 @@ bool XmlCursor::ReadName(std::string_view& name, const char* what) {
   return true;
 }
 
-bool XmlCursor::ReadStartTag(XmlStartTag& tag) {
+bool XmlCursor::ReadAnyStartTag(XmlStartTag& tag) {
   tag = {.offset = at_, .name = {}, .isEmptyElement = false};
   ++at_;
   return ReadName(tag.name, "the name of an element") && ReadAttributes(tag);
@@ -219,7 +208,7 @@ bool XmlCursor::CheckAttributeValue(std::size_t offset, std::string_view value) 
   return true;
 }
 
-bool XmlCursor::ReadEndTag(std::string_view name) {
+bool XmlCursor::ReadAnyEndTag(std::string_view name) {
   if (!LookingAt("</")) return Fail(at_, "</" + std::string(name) + "> is missing");
   const std::size_t start = at_;
   at_ += 2;
@@ -235,14 +224,14 @@ bool XmlCursor::ReadEndTag(std::string_view name) {
   return true;
 }
 
-bool XmlCursor::ReadCharacters(std::string_view& characters, std::string& decoded) {
+bool XmlCursor::ReadAnyCharacters(std::string_view& characters, std::string& decoded) {
   decoded.clear();
   bool viewsDocument = true;
   characters = {};
   for (;;) {
     const std::size_t end = std::min(document_.find('<', at_), document_.size());
     const auto chunk = document_.substr(at_, end - at_);
-    if (viewsDocument && characters.empty() && IsPlain(chunk)) {
+    if (viewsDocument && characters.empty() && PlainXmlCharacters(chunk).size() == chunk.size()) {
       characters = chunk;
       at_ = end;
     } else if (!chunk.empty()) {

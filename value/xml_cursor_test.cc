@@ -162,6 +162,16 @@ TEST(XmlCursor, SkipsWhiteSpaceCommentsAndProcessingInstructions) {
       SkipMiscellany);
 }
 
+TEST(XmlCursor, SkipsIndentationOfAnyDepth) {
+  std::vector<std::string> texts;
+  for (std::size_t depth = 0; depth < 40; ++depth) {
+    const std::string tabs(depth, '\t');
+    for (const char* lineEnd : {"\n", "\r\n", "\r", " ", ""}) texts.push_back(lineEnd + tabs);
+    texts.push_back("\n" + tabs + "\n" + tabs + " \t");
+  }
+  ExpectTakesWhole(texts, SkipMiscellany);
+}
+
 TEST(XmlCursor, RejectsMalformedCommentsAndProcessingInstructions) {
   ExpectFaults(
       {

@@ -12,7 +12,7 @@ const std::string BigEndianMark = "\xFE\xFF";
 const std::string LittleEndianMark = "\xFF\xFE";
 
 SourceText Source(std::string bytes) {
-  return DecodeSource(std::make_shared<const std::string>(std::move(bytes)));
+  return DecodeSource(SourceBuffer(std::move(bytes)));
 }
 
 std::string Declaring(const std::string& encoding, const std::string& rest) {

@@ -1,6 +1,7 @@
 #include "value/xml_names.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "value/utf8.h"
@@ -25,21 +26,36 @@ constexpr Range FurtherNameCharacters[] = {
 };
 
 template <typename Ranges>
-bool IsIn(const Ranges& ranges, char32_t character) {
+constexpr bool IsIn(const Ranges& ranges, char32_t character) {
   return std::ranges::any_of(ranges, [&](const Range& range) {
     return character >= range.first && character <= range.last;
   });
 }
+
+constexpr bool IsNameCharacter(char32_t character, bool isFirst) {
+  return IsIn(NameStarts, character) || (!isFirst && IsIn(FurtherNameCharacters, character));
+}
+
+// For each ASCII character whether it may stand in a name behind the first: names are little else.
+constexpr auto ContinuesName = [] {
+  std::array<bool, 0x80> table{};
+  for (char32_t c = 0; c < table.size(); ++c) table[c] = IsNameCharacter(c, false);
+  return table;
+}();
 
 }  // namespace
 
 std::size_t XmlNameLength(std::string_view text) {
   std::size_t at = 0;
   while (at < text.size()) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (at > 0 && byte < ContinuesName.size()) {
+      if (!ContinuesName[byte]) break;
+      ++at;
+      continue;
+    }
     const auto [character, length] = DecodeUtf8(text.substr(at));
-    const bool belongs =
-        IsIn(NameStarts, character) || (at > 0 && IsIn(FurtherNameCharacters, character));
-    if (!belongs) break;
+    if (!IsNameCharacter(character, at == 0)) break;
     at += length;
   }
   return at;

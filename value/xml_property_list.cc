@@ -7,6 +7,7 @@
 
 #include "value/base64.h"
 #include "value/calendar_date.h"
+#include "value/decoded_bytes.h"
 #include "value/number_text.h"
 #include "value/text_position.h"
 #include "value/xml_cursor.h"
@@ -31,8 +32,19 @@ class XmlPropertyListReader {
   // What an element's content is made into; the value goes to the end of values_.
   using ContentReader = bool (XmlPropertyListReader::*)(const XmlStartTag&);
 
-  // Null for what is no property-list element.
-  static ContentReader ReaderOf(std::string_view element);
+  // Null for what is no property-list element. The most frequent come first.
+  static ContentReader ReaderOf(std::string_view element) {
+    using Reader = XmlPropertyListReader;
+    if (element == "string") return &Reader::ReadString;
+    if (element == "integer") return &Reader::ReadInteger;
+    if (element == "dict") return &Reader::ReadDictionary;
+    if (element == "array") return &Reader::ReadArray;
+    if (element == "true" || element == "false") return &Reader::ReadBoolean;
+    if (element == "real") return &Reader::ReadReal;
+    if (element == "data") return &Reader::ReadData;
+    if (element == "date") return &Reader::ReadDate;
+    return nullptr;
+  }
 
   bool ReadDocument() {
     if (!cursor_.SkipProlog()) return false;
@@ -159,7 +171,8 @@ class XmlPropertyListReader {
   bool ReadSharedText(const XmlStartTag& tag, SharedBytes& shared) {
     std::string_view text;
     if (!ReadText(tag, text)) return false;
-    shared = SharedOrCopied(source_, scratch_, text);
+    const bool isDecoded = text.data() == scratch_.data();
+    shared = isDecoded ? decoded_.Keep(text) : SharedBytes(source_.buffer, text);
     return true;
   }
 
@@ -185,10 +198,10 @@ class XmlPropertyListReader {
   bool ReadDate(const XmlStartTag& tag) { return ReadParsed(tag, ParseDate); }
 
   bool ReadData(const XmlStartTag& tag) {
-    return ReadParsed(tag, [](std::string_view text) -> std::optional<PropertyValue> {
-      auto bytes = DecodeBase64(text);
+    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
+      const auto bytes = DecodeBase64(text);
       if (!bytes) return std::nullopt;
-      return Data{SharedBytes(*std::move(bytes))};
+      return Data{decoded_.Keep(*bytes)};
     });
   }
 
@@ -210,26 +223,12 @@ class XmlPropertyListReader {
   PlaceRecorder* places_;  // null: nobody wants to know
   std::size_t nesting_ = 0;
   std::string scratch_;
+  DecodedBytes decoded_;
   // What has been read of the arrays and dictionaries that are still open, innermost last, so that
   // each is built at once in its final size.
   std::vector<PropertyValue> values_;
   std::vector<DictionaryEntry> entries_;
 };
-
-XmlPropertyListReader::ContentReader XmlPropertyListReader::ReaderOf(std::string_view element) {
-  using Reader = XmlPropertyListReader;
-  static constexpr std::pair<std::string_view, ContentReader> Readers[] = {
-      {"string", &Reader::ReadString},   {"integer", &Reader::ReadInteger},
-      {"dict", &Reader::ReadDictionary}, {"array", &Reader::ReadArray},
-      {"true", &Reader::ReadBoolean},    {"false", &Reader::ReadBoolean},
-      {"real", &Reader::ReadReal},       {"data", &Reader::ReadData},
-      {"date", &Reader::ReadDate},
-  };
-  for (const auto& [name, reader] : Readers) {
-    if (name == element) return reader;
-  }
-  return nullptr;
-}
 
 }  // namespace
 

@@ -24,8 +24,7 @@ using testing::Repeated;
 using testing::Truncated;
 
 ParseOutcome Parse(std::string document) {
-  return ParseXmlPropertyList(
-      DecodeSource(std::make_shared<const std::string>(std::move(document))));
+  return ParseXmlPropertyList(DecodeSource(SourceBuffer(std::move(document))));
 }
 
 // As they stand inside <plist> on a line of its own, so that columns count from the value.
@@ -543,10 +542,10 @@ TEST(XmlPropertyList, TruncationAtAnyLengthIsRefused) {
 }
 
 TEST(XmlPropertyList, StringThatNeedsNoDecodingViewsTheSource) {
-  const auto buffer = std::make_shared<const std::string>("<string>plain</string>");
+  const SourceBuffer buffer("<string>plain</string>");
   const auto outcome = ParseXmlPropertyList(DecodeSource(buffer));
   ASSERT_EQ(outcome.error, "");
-  EXPECT_EQ(outcome.value->AsString()->data(), buffer->data() + 8);
+  EXPECT_EQ(outcome.value->AsString()->data(), buffer.View().data() + 8);
 }
 
 TEST(XmlPropertyList, ValueOutlivesTheSource) {
