@@ -43,7 +43,7 @@ void RedirectOutput(OutputTarget target, int captured) {
 void BecomeCommand(const std::vector<std::string>& command, const std::string& directory) {
   const rlimit noCore{0, 0};
   setrlimit(RLIMIT_CORE, &noCore);
-  std::signal(SIGPIPE, SIG_DFL);
+  for (const int number : {SIGPIPE, SIGINT, SIGTERM, SIGHUP}) std::signal(number, SIG_DFL);
   std::vector<char*> arguments;
   for (const auto& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
