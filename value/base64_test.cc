@@ -61,6 +61,28 @@ TEST(Base64, WhiteSpaceMayStandAnywhere) {
   EXPECT_EQ(DecodeBase64(" \t\r\n"), "");
 }
 
+TEST(Base64, ABlankAnywhereInALongTextChangesNothing) {
+  const std::string text = "Zm9vYmFyYmF6Zm9v";
+  for (std::size_t at = 0; at <= text.size(); ++at) {
+    EXPECT_EQ(DecodeBase64(text.substr(0, at) + " " + text.substr(at)), "foobarbazfoo") << at;
+  }
+}
+
+TEST(Base64, ASignThatIsNoDigitIsRefusedAtEveryPlace) {
+  const std::string text = "Zm9vYmFy";
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    EXPECT_EQ(DecodeBase64(text.substr(0, at) + "!" + text.substr(at + 1)), std::nullopt) << at;
+  }
+}
+
+TEST(Base64, NothingBehindTheTextIsLookedAt) {
+  const std::string_view memory = "Zm9vYmFy";
+  EXPECT_EQ(DecodeBase64(memory.substr(0, 4)), "foo");
+  for (const std::size_t size : {1u, 2u, 3u, 5u, 6u, 7u}) {
+    EXPECT_EQ(DecodeBase64(memory.substr(0, size)), std::nullopt) << size;
+  }
+}
+
 TEST(Base64, BitsThatThePaddingLeavesOverAreIgnored) {
   EXPECT_EQ(DecodeBase64("Zh=="), "f");
   EXPECT_EQ(DecodeBase64("Zm9="), "fo");

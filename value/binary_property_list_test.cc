@@ -288,6 +288,16 @@ TEST(BinaryPropertyList, RejectsCountsThatAreNoIntegersOfUpToEightBytes) {
                               });
 }
 
+// As many objects as make a reference of any byte that could be taken for one.
+TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoIntegerAmongManyObjects) {
+  for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
+    std::vector<std::string> objects(250, True);
+    objects.push_back(container);
+    EXPECT_EQ(Parse(BinaryFile(objects, {.topObject = 250})).error,
+              "byte 259: a count is not an integer");
+  }
+}
+
 TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoInteger) {
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
     EXPECT_EQ(Parse(BinaryFile({True, container}, {.topObject = 1})).error,

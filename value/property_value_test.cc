@@ -55,6 +55,13 @@ TEST(Dictionary, RepeatedKeyKeepsItsFirstPlaceAndItsLastValue) {
   EXPECT_EQ(Spelt({{"a", 1}, {"b", 2}, {"b", 3}, {"a", 4}, {"c", 5}, {"b", 6}}), "a=4 b=6 c=5");
 }
 
+TEST(Dictionary, AnyKeyOfOneCharacterMayBeRepeated) {
+  for (int character = 0; character < 256; ++character) {
+    const std::string key(1, static_cast<char>(character));
+    EXPECT_EQ((Dictionary{{key, 1}, {key, 2}}), (Dictionary{{key, 2}})) << character;
+  }
+}
+
 TEST(Dictionary, RepeatedKeysAmongFewAreAsIfSetOneByOne) {
   constexpr std::size_t Length = 6;
   for (std::size_t choice = 0; choice < 729; ++choice) {
