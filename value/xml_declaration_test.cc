@@ -68,6 +68,7 @@ TEST(XmlDeclaration, RejectsAnythingElseAtTheFault) {
       {"<?xml version?>", 13},
       {"<?xml version=?>", 14},
       {"<?xml version=1.0?>", 14},
+      {"<?xml version=x1.0x?>", 14},
       {"<?xml version='1.0", 14},
       {"<?xml version='1.0\"?>", 14},
       {"<?xml version=''?>", 14},
