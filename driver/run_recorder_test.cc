@@ -10,6 +10,7 @@
 #include "testing/command_line.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
+#include "testing/observed_run.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {
@@ -17,22 +18,12 @@ namespace {
 
 using testing::CommandLine;
 using testing::Computer;
+using testing::ObservedRun;
 
-struct Outcome {
-  int status;
-  std::vector<std::string> flushes;
-  std::string standardError;
-  std::vector<std::string> calls;
-
-  friend bool operator==(const Outcome&, const Outcome&) = default;
-};
-
-Outcome RunOver(const Computer& computer, const CommandLine& line, RunRecorder* recorder) {
-  testing::StreamCapture capture;
-  testing::StandardErrorCapture errors;
-  testing::LoggingRegistry registry(computer.Recorded());
-  const int status = Run(line.Count(), line.Vector(), registry, capture.Stream(), recorder);
-  return {status, capture.Flushes(), errors.TakeText(), registry.Calls()};
+ObservedRun RunOver(const Computer& computer, const CommandLine& line, RunRecorder* recorder) {
+  return testing::Observe(computer, [&](Registry& registry, std::FILE* stream) {
+    return Run(line.Count(), line.Vector(), registry, stream, recorder);
+  });
 }
 
 // What a recorder learns. With it the run prints, ends and asks as it does without.

@@ -8,6 +8,7 @@
 #include "testing/command_line.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
+#include "testing/observed_run.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {
@@ -15,22 +16,12 @@ namespace {
 
 using testing::CommandLine;
 using testing::Computer;
+using testing::ObservedRun;
 
-struct Outcome {
-  int status;
-  std::vector<std::string> flushes;
-  std::string standardError;
-  std::vector<std::string> calls;
-
-  friend bool operator==(const Outcome&, const Outcome&) = default;
-};
-
-Outcome RunOver(const Computer& computer, const CommandLine& line) {
-  testing::StreamCapture capture;
-  testing::StandardErrorCapture errors;
-  testing::LoggingRegistry registry(computer.Recorded());
-  const int status = Run(line.Count(), line.Vector(), registry, capture.Stream());
-  return {status, capture.Flushes(), errors.TakeText(), registry.Calls()};
+ObservedRun RunOver(const Computer& computer, const CommandLine& line) {
+  return testing::Observe(computer, [&](Registry& registry, std::FILE* stream) {
+    return Run(line.Count(), line.Vector(), registry, stream);
+  });
 }
 
 std::string Joined(const std::vector<std::string>& pieces) {
@@ -294,13 +285,13 @@ TEST(Run, BothSwitchesSetLeaveTheSecondUnread) {
                                       "GetProperty options boot-args", "ReleaseEntry options"}));
 }
 
-void ExpectPlanned(const Outcome& outcome, const std::string& plan) {
+void ExpectPlanned(const ObservedRun& outcome, const std::string& plan) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(Joined(outcome.flushes), plan);
   EXPECT_EQ(outcome.standardError, "");
 }
 
-void ExpectNothing(const Outcome& outcome) {
+void ExpectNothing(const ObservedRun& outcome) {
   EXPECT_EQ(outcome.status, 13);
   EXPECT_EQ(Joined(outcome.flushes), "");
   EXPECT_EQ(outcome.standardError, "");

@@ -5,11 +5,13 @@
 #include <limits>
 
 #include "testing/dictionaries.h"
+#include "testing/full_port_record.h"
 #include "testing/odd_values.h"
 
 namespace fernwick {
 namespace {
 
+using testing::FullPortRecord;
 using testing::NonNumbers;
 using testing::With;
 using testing::Without;
@@ -21,38 +23,17 @@ constexpr std::string_view AllTypes[] = {
     PersonalityType::Usbc,
 };
 
-// A controller with a value under every key that a record may take from it.
-const HardwareRecord Controller = {
-    {"RID", 2},
-    {"Port Silicon Vendor ID", 0x4D1},
-    {"Port Silicon Device ID", 18},
-    {"Port Silicon Revision", 7},
-    {"Port OTP Revision", 1},
-    {"Port Address", 0},
-    {"Version", 41.050000000999994},
-    {"Port UUID", "b0A1"},
-    {"Ridge Silicon Vendor ID", 0x5A86},
-    {"Ridge Silicon Device ID", 0x1D3},
-    {"Ridge Silicon Revision", 4},
-    {"Device Model Name", "Grat"},
-    {"Device Model ID", 30},
-    {"Device Model Revision", 1},
-    {"Firmware Mode", true},
-    {"Ridge UID", 0x5A3},
-    {"Engineering Version", 0},
-};
-
 TEST(MatchRecord, OfAnEmptyPersonalityHoldsRidVersionAddressAndType) {
-  EXPECT_EQ(BuildMatchRecord({}, Controller, "USBC"), (MatchRecord{
-                                                          {"RID", 2},
-                                                          {"Version", 41.050000000999994},
-                                                          {"Port Address", 0},
-                                                          {"Personality Type", "USBC"},
-                                                      }));
+  EXPECT_EQ(BuildMatchRecord({}, FullPortRecord, "USBC"), (MatchRecord{
+                                                              {"RID", 2},
+                                                              {"Version", 41.050000000999994},
+                                                              {"Port Address", 0},
+                                                              {"Personality Type", "USBC"},
+                                                          }));
 }
 
 TEST(MatchRecord, OfAnEmptyThunderboltPersonalityHoldsTheFirmwareModeToo) {
-  EXPECT_EQ(BuildMatchRecord({}, Controller, "Thunderbolt"),
+  EXPECT_EQ(BuildMatchRecord({}, FullPortRecord, "Thunderbolt"),
             (MatchRecord{
                 {"RID", 2},
                 {"Version", 41.050000000999994},
@@ -130,13 +111,13 @@ const MatchRecord FullRecord = {
 
 TEST(MatchRecord, AReplacedKeyKeepsItsPlaceAndAllOthersTheirValue) {
   for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
-    EXPECT_EQ(BuildMatchRecord(FullPersonality, Controller, type),
+    EXPECT_EQ(BuildMatchRecord(FullPersonality, FullPortRecord, type),
               With(FullRecord, {{"Personality Type", type}}));
   }
 }
 
 TEST(MatchRecord, OnlyThunderboltTakesTheFirmwareModeOfTheController) {
-  EXPECT_EQ(BuildMatchRecord(FullPersonality, Controller, "Thunderbolt"),
+  EXPECT_EQ(BuildMatchRecord(FullPersonality, FullPortRecord, "Thunderbolt"),
             With(FullRecord, {{"Personality Type", "Thunderbolt"}, {"Firmware Mode", true}}));
 }
 
@@ -239,8 +220,8 @@ constexpr std::string_view ConstrainedKeys[] = {
 
 TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
   for (const auto key : ConstrainedKeys) {
-    EXPECT_EQ(BuildMatchRecord({{key, "x"}, {"Note", 1}}, Without(Controller, "RID"), "USBC"),
-              (MatchRecord{{key, *Controller.Find(key)},
+    EXPECT_EQ(BuildMatchRecord({{key, "x"}, {"Note", 1}}, Without(FullPortRecord, "RID"), "USBC"),
+              (MatchRecord{{key, *FullPortRecord.Find(key)},
                            {"Note", 1},
                            {"Version", 41.050000000999994},
                            {"Personality Type", "USBC"}}));
@@ -283,7 +264,7 @@ TEST(MatchRecord, AFirmwareModeOfTheFileStaysUnderTheOtherTypes) {
 
 TEST(MatchRecord, LeavesThePersonalityAsItWas) {
   const Personality personality = FullPersonality;
-  BuildMatchRecord(personality, Controller, "Thunderbolt");
+  BuildMatchRecord(personality, FullPortRecord, "Thunderbolt");
   EXPECT_EQ(personality, FullPersonality);
 }
 

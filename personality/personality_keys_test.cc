@@ -13,36 +13,17 @@
 #include "personality/usbc_check.h"
 #include "testing/capture.h"
 #include "testing/dictionaries.h"
+#include "testing/full_port_record.h"
 #include "testing/lookup_spy.h"
 #include "testing/property_values.h"
 
 namespace fernwick {
 namespace {
 
+using testing::FullPortRecord;
 using Names = std::set<std::string>;
 
 constexpr unsigned BoardRevision = 3;
-
-// A port below a Thunderbolt controller, with everything that a record can hold.
-const HardwareRecord Port = {
-    {"RID", 2},
-    {"Port Silicon Vendor ID", 0x4D1},
-    {"Port Silicon Device ID", 18},
-    {"Port Silicon Revision", 7},
-    {"Port OTP Revision", 1},
-    {"Port Address", 0},
-    {"Version", 41.050000000999994},
-    {"Port UUID", "b0A1"},
-    {"Ridge Silicon Vendor ID", 0x5A86},
-    {"Ridge Silicon Device ID", 0x1D3},
-    {"Ridge Silicon Revision", 4},
-    {"Device Model Name", "Grat"},
-    {"Device Model ID", 30},
-    {"Device Model Revision", 1},
-    {"Firmware Mode", true},
-    {"Ridge UID", 0x5A3},
-    {"Engineering Version", 0},
-};
 
 // A value under each key that is checked, as a single value where that can match.
 const Personality Update = {
@@ -76,19 +57,19 @@ struct TypeCheck {
 const std::vector<TypeCheck> Checks = {
     {Types::LegacyThunderbolt,
      [](const Personality& personality, RequirementRecorder* recorder) {
-       return CheckLegacyThunderboltRequirements(personality, Port, 0, recorder);
+       return CheckLegacyThunderboltRequirements(personality, FullPortRecord, 0, recorder);
      }},
     {Types::Thunderbolt,
      [](const Personality& personality, RequirementRecorder* recorder) {
-       return CheckThunderboltRequirements(personality, Port, BoardRevision, recorder);
+       return CheckThunderboltRequirements(personality, FullPortRecord, BoardRevision, recorder);
      }},
     {Types::LegacyUsbc,
      [](const Personality& personality, RequirementRecorder* recorder) {
-       return CheckLegacyUsbcRequirements(personality, Port, recorder);
+       return CheckLegacyUsbcRequirements(personality, FullPortRecord, recorder);
      }},
     {Types::Usbc,
      [](const Personality& personality, RequirementRecorder* recorder) {
-       return CheckUsbcRequirements(personality, Port, BoardRevision, recorder);
+       return CheckUsbcRequirements(personality, FullPortRecord, BoardRevision, recorder);
      }},
 };
 
