@@ -11,7 +11,10 @@
 #include <utility>
 #include <vector>
 
+#include "personality/checked_values.h"
+#include "personality/personality.h"
 #include "personality/thunderbolt_check.h"
+#include "registry/hardware_record.h"
 #include "value/property_list_reader.h"
 #include "value/property_list_writer.h"
 
@@ -92,7 +95,7 @@ std::vector<HardwareRecord> Controllers(std::size_t count) {
 void RejectAll(benchmark::State& state, const Array& personalities,
                const std::vector<HardwareRecord>& controllers) {
   for (auto _ : state) {
-    for (const auto& controller : controllers) {
+    for (const CheckedValues controller : controllers) {
       for (const auto& personality : personalities) {
         if (CheckThunderboltRequirements(*personality.AsDictionary(), controller, BoardRevision)) {
           std::abort();

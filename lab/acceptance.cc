@@ -10,14 +10,20 @@
 namespace fernwick::lab {
 namespace {
 
-// How the checks hold such a key.
+// How the checks hold such a key. REQUIRES: one of them reads it.
 RequirementSet RequirementOf(const PersonalityKey& key) {
+  const auto checked = *CheckedKey::Named(key.name);
   switch (key.kind) {
     case KeyKind::StringOrList:
-      return {.key = key.name, .kind = SingleValueKind::StringKind, .equal = StringsEqual};
-    case KeyKind::ListOfStrings: return {.key = key.name, .equal = StringsEqual};
-    default: return {.key = key.name};
+      return {.key = checked, .kind = SingleValueKind::StringKind, .equal = StringsEqual};
+    case KeyKind::ListOfStrings: return {.key = checked, .equal = StringsEqual};
+    default: return {.key = checked};
   }
+}
+
+bool IsAcceptedAlone(const PropertyValue& wanted, const RequirementSet& requirement) {
+  const Dictionary record = {{requirement.key.Name(), wanted}};
+  return RequirementSetMatch(record, record, requirement);
 }
 
 bool IsWhole(const PropertyValue& number) {
@@ -49,7 +55,7 @@ AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const PersonalityKe
     for (const auto& element : *list) {
       if (requirement.equal(element, element)) values.push_back(&element);
     }
-  } else if (RequirementSetMatch({{key.name, wanted}}, {{key.name, wanted}}, requirement)) {
+  } else if (IsAcceptedAlone(wanted, requirement)) {
     values.push_back(&wanted);
   }
   if (IsSortedUnique(values)) return values;

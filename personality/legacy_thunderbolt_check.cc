@@ -1,5 +1,6 @@
 #include "personality/legacy_thunderbolt_check.h"
 
+#include "personality/personality.h"
 #include "personality/requirement_rules.h"
 
 namespace fernwick {
@@ -15,8 +16,8 @@ constexpr RequirementSet Requirements[] = {
 
 }  // namespace
 
-bool CheckLegacyThunderboltRequirements(const Personality& personality,
-                                        const HardwareRecord& hardware, int /*ignored*/,
+bool CheckLegacyThunderboltRequirements(const CheckedValues& personality,
+                                        const CheckedValues& hardware, int /*ignored*/,
                                         RequirementRecorder* recorder) {
   const CheckScope scope(PersonalityType::LegacyThunderbolt, recorder);
   return AllMet(

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "personality/legacy_usbc_check.h"
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
 #include "testing/dictionaries.h"
 #include "testing/odd_values.h"
 #include "testing/verdict.h"

@@ -1,10 +1,11 @@
 #include "personality/legacy_usbc_check.h"
 
+#include "personality/personality.h"
 #include "personality/requirement_rules.h"
 
 namespace fernwick {
 
-bool CheckLegacyUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
+bool CheckLegacyUsbcRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                                  RequirementRecorder* recorder) {
   const CheckScope scope(PersonalityType::LegacyUsbc, recorder);
   return AllMet(

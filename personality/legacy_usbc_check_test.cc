@@ -4,6 +4,8 @@
 
 #include <optional>
 
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
 #include "testing/dictionaries.h"
 #include "testing/odd_values.h"
 #include "testing/verdict.h"

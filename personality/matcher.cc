@@ -5,6 +5,7 @@
 #include "personality/configuration.h"
 #include "personality/legacy_thunderbolt_check.h"
 #include "personality/legacy_usbc_check.h"
+#include "personality/personality.h"
 #include "personality/thunderbolt_check.h"
 #include "personality/usbc_check.h"
 #include "platform/platform_log.h"
@@ -31,8 +32,9 @@ class KeyMatcher {
     const auto candidates = PersonalitiesOf(type_, personalities);
     if (!candidates || !controllers_) return;
     for (std::size_t i = 0; i < controllers_->size(); ++i) {
+      const auto passes = CheckOf(i, check);
       auto candidate = candidates->begin();
-      while (candidate != candidates->end() && !Matches(*candidate++, i, check)) continue;
+      while (candidate != candidates->end() && !Matches(*candidate++, i, passes)) continue;
       for (; candidate != candidates->end(); ++candidate) Record(i, {PairOutcome::NotReached});
     }
   }
@@ -41,25 +43,33 @@ class KeyMatcher {
   template <typename Check>
   void MatchSingle(const PropertyValue& value, Check check) {
     if (!PersonalitiesOf(type_, value) || !controllers_) return;
-    for (std::size_t i = 0; i < controllers_->size(); ++i) Matches(value, i, check);
+    for (std::size_t i = 0; i < controllers_->size(); ++i) Matches(value, i, CheckOf(i, check));
   }
 
  private:
+  // The check of one controller, whose values are looked up once for all personalities.
   template <typename Check>
-  bool Matches(const PropertyValue& candidate, std::size_t index, Check check) {
+  auto CheckOf(std::size_t index, Check check) const {
+    return [=, controller = CheckedValues((*controllers_)[index])](const Personality& personality,
+                                                                   RequirementRecorder* recorder) {
+      return check(personality, controller, recorder);
+    };
+  }
+
+  template <typename Check>
+  bool Matches(const PropertyValue& candidate, std::size_t index, const Check& passes) {
     const auto* personality = candidate.AsDictionary();
     if (personality == nullptr) {
       Record(index, {PairOutcome::NotAPersonality});
       return false;
     }
     RequirementRecorder why;
-    const auto& controller = (*controllers_)[index];
-    if (!check(*personality, controller, recording_ == nullptr ? nullptr : &why)) {
+    if (!passes(*personality, recording_ == nullptr ? nullptr : &why)) {
       Record(index, {PairOutcome::Rejected, why.Failures()});
       return false;
     }
     Record(index, {PairOutcome::Matched});
-    matches_.push_back(BuildMatchRecord(*personality, controller, type_));
+    matches_.push_back(BuildMatchRecord(*personality, (*controllers_)[index], type_));
     return true;
   }
 
@@ -74,10 +84,10 @@ class KeyMatcher {
 };
 
 // The three checks of ports by one form: personality, port record, recorder.
-auto WithBoardRevision(bool (*check)(const Personality&, const HardwareRecord&, unsigned,
+auto WithBoardRevision(bool (*check)(const CheckedValues&, const CheckedValues&, unsigned,
                                      RequirementRecorder*),
                        std::uint32_t boardRevision) {
-  return [=](const Personality& personality, const HardwareRecord& port,
+  return [=](const CheckedValues& personality, const CheckedValues& port,
              RequirementRecorder* recorder) {
     return check(personality, port, boardRevision, recorder);
   };
@@ -89,7 +99,7 @@ InventoryRecorder* InventoryOf(KeyDecisions* recording) {
 
 void MatchThunderboltControllers(Registry& registry, const PropertyValue& value,
                                  KeyDecisions* recording, std::vector<MatchRecord>& matches) {
-  const auto check = [](const Personality& personality, const HardwareRecord& controller,
+  const auto check = [](const CheckedValues& personality, const CheckedValues& controller,
                         RequirementRecorder* recorder) {
     return CheckLegacyThunderboltRequirements(personality, controller, 0, recorder);
   };

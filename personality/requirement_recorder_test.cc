@@ -7,8 +7,10 @@
 
 #include "personality/legacy_thunderbolt_check.h"
 #include "personality/legacy_usbc_check.h"
+#include "personality/personality.h"
 #include "personality/thunderbolt_check.h"
 #include "personality/usbc_check.h"
+#include "registry/hardware_record.h"
 #include "testing/capture.h"
 #include "testing/dictionaries.h"
 #include "testing/odd_values.h"

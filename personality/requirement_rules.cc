@@ -11,12 +11,21 @@
 namespace fernwick {
 namespace {
 
-// Unordered when either is not a number, which makes every comparison false.
-std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
+// Unordered when either is not a number, which makes every comparison false. Not part of Compare,
+// which would be the slower for it.
+[[gnu::noinline]] std::partial_ordering CompareAny(const PropertyValue& a, const PropertyValue& b) {
   const auto left = a.AsNumber();
   const auto right = b.AsNumber();
   if (!left || !right) return std::partial_ordering::unordered;
   return CompareNumbers(*left, *right);
+}
+
+// The same. Nearly all are integers, and the matcher compares many.
+std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
+  const auto* left = a.AsInteger();
+  const auto* right = b.AsInteger();
+  if (left == nullptr || right == nullptr) return CompareAny(a, b);
+  return *left <=> *right;
 }
 
 // A value that may be absent (null), for a recorder to keep.
@@ -34,14 +43,13 @@ void Tell(const char* diagnostic, const RequirementRecorder* recorder) {
 
 // The two sides of a requirement: the personality's value and the hardware's, null where absent.
 struct Sides {
-  std::string_view key;
+  CheckedKey key;
   const PropertyValue* wanted;
-  std::string_view hardwareKey;
+  CheckedKey hardwareKey;
   const PropertyValue* found;
 };
 
-Sides SidesOf(std::string_view key, const Personality& personality,
-              const HardwareRecord& hardware) {
+Sides SidesOf(CheckedKey key, const CheckedValues& personality, const CheckedValues& hardware) {
   return {key, personality.Find(key), key, hardware.Find(key)};
 }
 
@@ -49,7 +57,8 @@ bool Fail(Shortfall shortfall, const Sides& sides, const char* diagnostic,
           RequirementRecorder* recorder) {
   Tell(diagnostic, recorder);
   if (recorder != nullptr) {
-    recorder->Add({sides.key, shortfall, Kept(sides.wanted), sides.hardwareKey, Kept(sides.found)});
+    recorder->Add({sides.key.Name(), shortfall, Kept(sides.wanted), sides.hardwareKey.Name(),
+                   Kept(sides.found)});
   }
   return false;
 }
@@ -71,7 +80,7 @@ bool IsNewerThanInstalled(const Sides& version, RequirementRecorder* recorder) {
 }
 
 // Silent as well.
-bool RunsReleasedFirmware(const Sides& version, const HardwareRecord& hardware,
+bool RunsReleasedFirmware(const Sides& version, const CheckedValues& hardware,
                           RequirementRecorder* recorder) {
   const auto* marker = hardware.Find("Engineering Version");
   const auto number = marker == nullptr ? std::nullopt : marker->AsNumber();
@@ -82,7 +91,7 @@ bool RunsReleasedFirmware(const Sides& version, const HardwareRecord& hardware,
 
 // One end of the range of installed versions that may be updated.
 struct VersionBound {
-  std::string_view key;
+  CheckedKey key;
   bool (*excludes)(const PropertyValue& bound, const PropertyValue& installed);
   Shortfall shortfall;
   const char* badTypeMessage;
@@ -106,7 +115,7 @@ constexpr VersionBound MaximumVersion = {
 };
 
 // An installed version that is not a number lies within every bound.
-bool IsWithin(const VersionBound& bound, const Personality& personality,
+bool IsWithin(const VersionBound& bound, const CheckedValues& personality,
               const PropertyValue& installed, RequirementRecorder* recorder) {
   const auto* limit = personality.Find(bound.key);
   if (limit == nullptr) return true;
@@ -118,7 +127,7 @@ bool IsWithin(const VersionBound& bound, const Personality& personality,
 
 // An installed version that is not known, which only a bypassed version check lets through, lies
 // within every bound.
-bool IsInstalledVersionWithin(const Personality& personality, const PropertyValue* installed,
+bool IsInstalledVersionWithin(const CheckedValues& personality, const PropertyValue* installed,
                               RequirementRecorder* recorder) {
   if (installed == nullptr) {
     Tell("** No current firmware version?\n", recorder);
@@ -155,7 +164,7 @@ bool StringsEqual(const PropertyValue& a, const PropertyValue& b) {
   return left && left == b.AsString();
 }
 
-bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
+bool RequirementSetMatch(const CheckedValues& personality, const CheckedValues& hardware,
                          const RequirementSet& requirement, RequirementRecorder* recorder) {
   const auto sides = SidesOf(requirement.key, personality, hardware);
   const char* missing = requirement.missingKeyMessage;
@@ -172,7 +181,7 @@ bool RequirementSetMatch(const Personality& personality, const HardwareRecord& h
          Fail(Shortfall::Unequal, sides, nullptr, recorder);
 }
 
-bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
+bool MatchesAll(const CheckedValues& personality, const CheckedValues& hardware,
                 std::span<const RequirementSet> requirements, RequirementRecorder* recorder) {
   bool met = true;
   for (const auto& requirement : requirements) {
@@ -182,7 +191,7 @@ bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
   return met;
 }
 
-bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
+bool FirmwareVersionWindow(const CheckedValues& personality, const CheckedValues& hardware,
                            EngineeringGate gate, RequirementRecorder* recorder) {
   const auto version = SidesOf("Version", personality, hardware);
   return AllMet(

@@ -3,9 +3,8 @@
 #include <span>
 #include <string_view>
 
-#include "personality/personality.h"
+#include "personality/checked_values.h"
 #include "personality/requirement_recorder.h"
-#include "registry/hardware_record.h"
 
 namespace fernwick {
 
@@ -26,7 +25,7 @@ enum class SingleValueKind { NumberKind, StringKind };
 
 /// How one key of a personality constrains the value of the same key of the hardware.
 struct RequirementSet {
-  std::string_view key;
+  CheckedKey key;
   KeyPresence presence = KeyPresence::OptionalKey;
   SingleValueKind kind = SingleValueKind::NumberKind;
   bool (*equal)(const PropertyValue&, const PropertyValue&) = NumbersEqual;
@@ -49,12 +48,12 @@ bool AllMet(const RequirementRecorder* recorder, Requirement... requirements) {
 /// personality without an optional key sets no constraint; otherwise both need the key, and its
 /// missing-key message, if there is one, goes to standard error when one lacks it. Presence is
 /// tested before the kind.
-bool RequirementSetMatch(const Personality& personality, const HardwareRecord& hardware,
+bool RequirementSetMatch(const CheckedValues& personality, const CheckedValues& hardware,
                          const RequirementSet& requirement,
                          RequirementRecorder* recorder = nullptr);
 
 /// Whether all of them match, as AllMet.
-bool MatchesAll(const Personality& personality, const HardwareRecord& hardware,
+bool MatchesAll(const CheckedValues& personality, const CheckedValues& hardware,
                 std::span<const RequirementSet> requirements,
                 RequirementRecorder* recorder = nullptr);
 
@@ -67,7 +66,7 @@ enum class EngineeringGate { Off, On };
 /// With `BypassVersionCheck` set it need not be newer and engineering firmware is no obstacle; then
 /// an installed version that is not known lies within every bound. Writes to standard error that
 /// the version is not known, or which bound is not met or not a number.
-bool FirmwareVersionWindow(const Personality& personality, const HardwareRecord& hardware,
+bool FirmwareVersionWindow(const CheckedValues& personality, const CheckedValues& hardware,
                            EngineeringGate gate, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
 #include "testing/dictionaries.h"
 #include "testing/odd_values.h"
 #include "testing/verdict.h"
@@ -304,18 +306,18 @@ TEST(MatchesAll, HoldsForNoRequirements) {
 
 TEST(MatchesAll, StopsAtTheFirstThatDoesNotMatch) {
   constexpr std::array<RequirementSet, 3> requirements = {{
-      {.key = "First"},
-      {.key = "Second", .missingKeyMessage = "** Second\n"},
-      {.key = "Third", .missingKeyMessage = "** Third\n"},
+      {.key = "RID"},
+      {.key = "Port Address", .missingKeyMessage = "** Second\n"},
+      {.key = "Ridge UID", .missingKeyMessage = "** Third\n"},
   }};
-  const Personality personality = {{"First", 1}, {"Second", 2}, {"Third", 3}};
-  EXPECT_EQ(VerdictOf(MatchesAll, personality, HardwareRecord{{"First", 9}}, requirements),
+  const Personality personality = {{"RID", 1}, {"Port Address", 2}, {"Ridge UID", 3}};
+  EXPECT_EQ(VerdictOf(MatchesAll, personality, HardwareRecord{{"RID", 9}}, requirements),
             DoesNotApply());
-  EXPECT_EQ(VerdictOf(MatchesAll, personality, HardwareRecord{{"First", 1}}, requirements),
+  EXPECT_EQ(VerdictOf(MatchesAll, personality, HardwareRecord{{"RID", 1}}, requirements),
             DoesNotApply("** Second\n"));
-  EXPECT_EQ(
-      VerdictOf(MatchesAll, personality, HardwareRecord{{"First", 1}, {"Second", 2}}, requirements),
-      DoesNotApply("** Third\n"));
+  EXPECT_EQ(VerdictOf(MatchesAll, personality, HardwareRecord{{"RID", 1}, {"Port Address", 2}},
+                      requirements),
+            DoesNotApply("** Third\n"));
   EXPECT_EQ(VerdictOf(MatchesAll, personality, personality, requirements), Applies());
 }
 

@@ -1,6 +1,7 @@
 #include "personality/thunderbolt_check.h"
 
 #include "personality/legacy_thunderbolt_check.h"
+#include "personality/personality.h"
 #include "personality/requirement_rules.h"
 #include "personality/usbc_check.h"
 
@@ -16,7 +17,7 @@ constexpr RequirementSet DeviceModel[] = {
 
 }  // namespace
 
-bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
+bool CheckThunderboltRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                                   unsigned boardRevision, RequirementRecorder* recorder) {
   const CheckScope scope(PersonalityType::Thunderbolt, recorder);
   return AllMet(

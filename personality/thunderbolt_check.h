@@ -1,8 +1,7 @@
 #pragma once
 
-#include "personality/personality.h"
+#include "personality/checked_values.h"
 #include "personality/requirement_recorder.h"
-#include "registry/hardware_record.h"
 
 namespace fernwick {
 
@@ -10,7 +9,7 @@ namespace fernwick {
 /// everything that a "USBC" and then everything that a "LegacyThunderbolt" one must satisfy, then
 /// the device model. What the two have in common is tested, and told, twice. May write diagnostics
 /// to standard error.
-bool CheckThunderboltRequirements(const Personality& personality, const HardwareRecord& hardware,
+bool CheckThunderboltRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                                   unsigned boardRevision, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick

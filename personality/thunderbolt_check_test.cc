@@ -5,6 +5,8 @@
 #include <string>
 
 #include "personality/legacy_thunderbolt_check.h"
+#include "personality/personality.h"
+#include "registry/hardware_record.h"
 #include "testing/dictionaries.h"
 #include "testing/odd_values.h"
 #include "testing/verdict.h"

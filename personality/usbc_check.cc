@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "personality/legacy_usbc_check.h"
+#include "personality/personality.h"
 #include "personality/requirement_rules.h"
 
 namespace fernwick {
@@ -10,7 +11,7 @@ namespace {
 
 // One end of the range of board revisions that the personality is for. The hardware has no say.
 struct RevisionBound {
-  std::string_view key;
+  CheckedKey key;
   bool (*excludes)(const PropertyValue& bound, const PropertyValue& revision);
   Shortfall shortfall;
 };
@@ -21,14 +22,14 @@ constexpr RevisionBound MaximumRevision = {"MaxBoardRevision", NumberLess,
                                            Shortfall::BelowBoardRevision};
 
 // A bound that is not a number rejects the pair.
-bool IsWithin(const RevisionBound& bound, const Personality& personality,
+bool IsWithin(const RevisionBound& bound, const CheckedValues& personality,
               const PropertyValue& revision, RequirementRecorder* recorder) {
   const auto* limit = personality.Find(bound.key);
   if (limit == nullptr) return true;
   const bool isNumber = limit->IsNumber();
   if (isNumber && !bound.excludes(*limit, revision)) return true;
   if (recorder != nullptr) {
-    recorder->Add({.key = bound.key,
+    recorder->Add({.key = bound.key.Name(),
                    .shortfall = isNumber ? bound.shortfall : Shortfall::WrongKind,
                    .wanted = *limit,
                    .hardwareKey = {},
@@ -37,7 +38,7 @@ bool IsWithin(const RevisionBound& bound, const Personality& personality,
   return false;
 }
 
-bool IsBoardRevisionWithin(const Personality& personality, unsigned boardRevision,
+bool IsBoardRevisionWithin(const CheckedValues& personality, unsigned boardRevision,
                            RequirementRecorder* recorder) {
   const PropertyValue revision(static_cast<std::uint8_t>(boardRevision));
   return AllMet(
@@ -63,7 +64,7 @@ constexpr RequirementSet PortSilicon[] = {
 
 }  // namespace
 
-bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
+bool CheckUsbcRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                            unsigned boardRevision, RequirementRecorder* recorder) {
   const CheckScope scope(PersonalityType::Usbc, recorder);
   return AllMet(

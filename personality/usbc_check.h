@@ -1,8 +1,7 @@
 #pragma once
 
-#include "personality/personality.h"
+#include "personality/checked_values.h"
 #include "personality/requirement_recorder.h"
-#include "registry/hardware_record.h"
 
 namespace fernwick {
 
@@ -10,7 +9,7 @@ namespace fernwick {
 /// then "RID", the bounds of the board revision and the port silicon. Of `boardRevision` only the
 /// low 8 bits count. Stops at the first requirement that fails. Writes the diagnostics of the
 /// version window and, where a needed port silicon key is missing, of that key to standard error.
-bool CheckUsbcRequirements(const Personality& personality, const HardwareRecord& hardware,
+bool CheckUsbcRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                            unsigned boardRevision, RequirementRecorder* recorder = nullptr);
 
 }  // namespace fernwick
