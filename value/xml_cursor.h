@@ -1,13 +1,12 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "value/ascii.h"
 #include "value/parse_outcome.h"
+#include "value/plain_xml.h"
 
 namespace fernwick {
 
@@ -36,7 +35,7 @@ class XmlCursor {
   /// White space, comments and processing instructions.
   bool SkipMiscellany() {
     SkipWhiteSpace();
-    return LookingAtTag() || SkipAnyMiscellany();
+    return BeginsWithXmlTag(Rest()) || SkipAnyMiscellany();
   }
 
   /// REQUIRES: the cursor stands at "<", and not at "</".
@@ -60,10 +59,8 @@ class XmlCursor {
  private:
   std::string_view Rest() const { return document_.substr(at_); }
 
-  // Nearly all markup is plain: a tag has nothing but its name in it, text nothing that stands for
-  // something else. What takes it is short enough to be part of its caller, takes nothing when it
-  // is not plain, and leaves all else, faults included, to the operations named "Any".
-  bool LookingAtTag() const;
+  // Plain markup is taken on the way; each of these takes nothing when it meets something else,
+  // which is left to the operations named "Any".
   bool TakePlainStartTag(XmlStartTag& tag);
   bool TakePlainEndTag(std::string_view name);
   bool TakePlainCharacters(std::string_view& characters);
@@ -93,61 +90,34 @@ class XmlCursor {
   ParseFault fault_;
 };
 
-// The characters at the start of `text` that mean what they are, up to "<" or the end.
-inline std::string_view PlainXmlCharacters(std::string_view text) {
-  static constexpr auto EndsThem = [] {
-    std::array<bool, 256> table{};
-    for (const char c : {'<', '&', '\r', ']'}) table[static_cast<unsigned char>(c)] = true;
-    return table;
-  }();
-  std::size_t length = 0;
-  while (length < text.size() && !EndsThem[static_cast<unsigned char>(text[length])]) ++length;
-  return text.substr(0, length);
-}
-
 inline bool XmlCursor::SkipWhiteSpace() {
-  constexpr std::string_view Indentation = "\t\t\t\t\t\t\t\t";  // deep down there is much of it
-  std::size_t at = at_;
-  while (at < document_.size() && IsXmlWhiteSpace(document_[at])) {
-    if (document_[at++] != '\n') continue;
-    while (document_.substr(at).starts_with(Indentation)) at += Indentation.size();
-  }
-  return std::exchange(at_, at) < at;
+  const std::size_t length = XmlWhiteSpaceLength(Rest());
+  at_ += length;
+  return length > 0;
 }
 
-// At "<" of a start or end tag, and not of a comment or the like.
-inline bool XmlCursor::LookingAtTag() const {
-  const auto rest = Rest();
-  return rest.size() > 1 && rest[0] == '<' && rest[1] != '!' && rest[1] != '?';
-}
-
-// "<name>" of lower-case ASCII letters.
 inline bool XmlCursor::TakePlainStartTag(XmlStartTag& tag) {
-  const std::size_t start = at_ + 1;
-  std::size_t at = start;
-  while (at < document_.size() && document_[at] >= 'a' && document_[at] <= 'z') ++at;
-  if (at == start || at == document_.size() || document_[at] != '>') return false;
-  tag = {.offset = at_, .name = document_.substr(start, at - start), .isEmptyElement = false};
-  at_ = at + 1;
+  const auto name = PlainXmlStartTagName(Rest());
+  if (name.empty()) return false;
+  tag.offset = at_;  // one by one: as a whole it would be made, waited for and copied
+  tag.name = name;
+  tag.isEmptyElement = false;
+  at_ += name.size() + 2;  // with "<" and ">"
   return true;
 }
 
-// "</name>" without white space.
 inline bool XmlCursor::TakePlainEndTag(std::string_view name) {
-  const auto rest = Rest();
-  if (rest.size() < name.size() + 3 || rest[0] != '<' || rest[1] != '/') return false;
-  if (rest[name.size() + 2] != '>' || rest.substr(2, name.size()) != name) return false;
-  at_ += name.size() + 3;
-  return true;
+  const std::size_t length = PlainXmlEndTagLength(Rest(), name);
+  at_ += length;
+  return length > 0;
 }
 
 // Character data from one tag to the next without anything else between them.
 inline bool XmlCursor::TakePlainCharacters(std::string_view& characters) {
   characters = PlainXmlCharacters(Rest());
+  if (!BeginsWithXmlTag(Rest().substr(characters.size()))) return false;
   at_ += characters.size();
-  if (LookingAtTag()) return true;
-  at_ -= characters.size();
-  return false;
+  return true;
 }
 
 }  // namespace fernwick

@@ -69,11 +69,14 @@ class XmlPropertyListReader {
   }
 
   bool ReadStartTag(XmlStartTag& tag) {
-    if (cursor_.AtEnd()) return cursor_.Fail(cursor_.Offset(), "the document ends too early");
-    if (!cursor_.LookingAt("<")) {
-      return cursor_.Fail(cursor_.Offset(), "text stands where an element was expected");
-    }
-    return cursor_.ReadStartTag(tag);
+    return cursor_.LookingAt("<") ? cursor_.ReadStartTag(tag) : FailWithoutElement();
+  }
+
+  // Not part of its caller, which would be the slower for it.
+  [[gnu::noinline]] bool FailWithoutElement() {
+    return cursor_.Fail(cursor_.Offset(), cursor_.AtEnd()
+                                              ? "the document ends too early"
+                                              : "text stands where an element was expected");
   }
 
   bool ReadValue() {
