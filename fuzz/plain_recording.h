@@ -17,10 +17,10 @@ using Entries = std::vector<RegistryEntry>;
 /// The entry of that handle. REQUIRES: it is one of the recording's.
 const RecordedEntry& EntryOf(const Recording& recording, RegistryEntry entry);
 
-/// The entry and all below it in the plane, parents before children.
+/// The entry and all below it in the plane, parents before children. REQUIRES: it stands there.
 Entries SubtreeOf(const RecordedPlane& plane, RegistryEntry entry);
 
-/// The class that one derives from.
+/// The class that one derives from; none when it derives from nothing.
 std::optional<std::string> SuperclassOf(const Recording& recording, std::string_view name);
 
 /// Whether the class is among those on the chain up from the entry's own.

@@ -9,8 +9,9 @@ namespace fernwick::fuzz {
 /// Whether the old text form can hold the value: strings, data and what holds nothing else.
 bool FitsTextForm(const PropertyValue& value);
 
-/// The value in the old text form, numbers, booleans and dates as quoted text, everything in a
-/// string that is not plain ASCII as an escape. REQUIRES: every text is well-formed UTF-8.
+/// The value in the old text form, numbers and dates as quoted text, booleans as YES and NO,
+/// everything in a string that is not plain ASCII as an escape. REQUIRES: every text is well-formed
+/// UTF-8.
 std::string WriteTextForm(const PropertyValue& value);
 
 }  // namespace fernwick::fuzz

@@ -42,7 +42,7 @@ class ValueMutator {
   std::vector<std::string> keys_;
 };
 
-/// What the fuzzing engine by itself would make of `bytes`.
+/// What the fuzzing engine by itself would make of the first `capacity` bytes: as many at most.
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity);
 
 /// The property list in `bytes` mutated as a value, written as binary when it was that and as XML

@@ -18,7 +18,7 @@ struct BatchOptions {
 };
 
 /// Adds them to a verb's command line: RECORDING|DIRECTORY|-... and -j N, by default a process for
-/// each processor.
+/// each processor. Parsing the line fills `options`, which has to outlive it.
 void AddBatchOptions(CommandLine& line, BatchOptions& options);
 
 /// Says how the recordings are selected, for the help.
@@ -28,9 +28,9 @@ extern const char SelectionHelp[];
 bool IsPayload(const std::string& payload);
 
 /// Works on all that is selected and hands it to `take`, in order, which may print on `out` and
-/// returns an error that ends everything, if there is one. Returns LabStatus::Done, or the status
-/// after a line on standard error: nothing was selected, `out` or `take` failed, or there was no
-/// process to be had. On a terminal, standard error shows how far it has come.
+/// returns an error that ends everything, empty when there is none. Returns LabStatus::Done, or the
+/// status after a line on standard error: nothing was selected, `out` or `take` failed, or there
+/// was no process to be had. On a terminal, standard error shows how far it has come.
 int RunBatch(const BatchOptions& options, const Work& work, Output& out,
              const std::function<std::string(const WorkResult&)>& take);
 

@@ -15,8 +15,9 @@ struct BoundedNumber {
   std::size_t greatest;
 };
 
-/// What an argument of a verb is read into; it stays as it is where the argument is not given. A
-/// boolean is an option without a value, a vector takes as many values as come.
+/// What an argument of a verb is read into, which has to outlive the parsing; it stays as it is
+/// where the argument is not given. A boolean is an option without a value, a vector takes as many
+/// values as come.
 using ArgumentTarget = std::variant<bool*, std::string*, std::optional<std::string>*,
                                     std::vector<std::string>*, BoundedNumber>;
 

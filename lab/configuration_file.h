@@ -42,6 +42,7 @@ class ConfigurationFile {
   /// Where the value at the top stands; all others are inside it.
   const ValuePlace& Root() const { return root_; }
 
+  /// The place of an offset that Root() or a place in it has.
   FilePlace PlaceOf(std::size_t offset) const;
 
  private:

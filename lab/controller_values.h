@@ -29,7 +29,7 @@ struct RevisionRange {
   friend bool operator==(const RevisionRange&, const RevisionRange&) = default;
 };
 
-/// Of the bounds each may be absent (null).
+/// Of the bounds each may be absent (null). One that is not a number allows no revision.
 RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum);
 
 /// The lowest versions that a controller can have installed and that the minimum, which may be

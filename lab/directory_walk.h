@@ -6,8 +6,8 @@
 
 namespace fernwick::lab {
 
-/// A path that was selected. Where a directory could not be read, its path and why; else the error
-/// is empty.
+/// A path that was selected. Where a directory could not be read, its path and why, and so for
+/// standard input with "-"; else the error is empty.
 struct Selected {
   std::string path;
   std::string error = {};

@@ -24,7 +24,7 @@ std::string InlineText(const PropertyValue& value);
 /// The same, integers from 10 also in hexadecimal: "65 (0x41)".
 std::string InlineTextWithHex(const PropertyValue& value);
 
-/// "a number or a list of numbers".
+/// What the key has to hold: "a number or an array of numbers".
 std::string_view WordsFor(KeyKind kind);
 
 /// What the value is: "a string", "an array".

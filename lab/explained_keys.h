@@ -12,6 +12,7 @@ namespace fernwick::lab {
 
 /// What the matcher decided under each top-level key, with the places of everything. `file` is null
 /// when no place is known. `boardRevision` is the property that gives the board's revision.
+/// None when the configuration is not a dictionary. REQUIRES: one was loaded.
 std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
                                       const Recording& recording,
                                       const ExplainedSource& boardRevision);

@@ -12,7 +12,8 @@ namespace fernwick::lab {
 /// to show, on one line.
 std::string FailureText(const ExplainedFailure& failure);
 
-/// Where the hardware's side comes from, or why it is missing, a line for each property.
+/// Where the hardware's side comes from, or why it is missing, a line for each property, without
+/// its line feed. REQUIRES: its sources were looked up.
 std::vector<std::string> SourceLines(const ExplainedFailure& failure);
 
 /// ""UID" of ridge1 is 17 (0x11): the low 4 bits"; ""Revision" of hpm0 is absent".

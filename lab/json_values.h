@@ -28,7 +28,7 @@ std::string PrintJson(const Json& json);
 /// line stands as it is, and there is no newline at the end.
 std::string PrintJsonInside(const Json& json, std::size_t indentation);
 
-/// A JSON document on one line: a row of ndjson.
+/// As PrintJson, on one line: a row of ndjson.
 std::string PrintJsonRow(const Json& json);
 
 }  // namespace fernwick::lab

@@ -22,6 +22,7 @@ struct Finding {
 /// What was found in one configuration, by the offsets at which its values stand.
 class ConfigurationFindings {
  public:
+  /// One finding; the offset is in bytes, as ValuePlace has it.
   struct Row {
     const LintRule* rule;
     std::size_t offset;

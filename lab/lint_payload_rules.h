@@ -4,6 +4,8 @@
 
 namespace fernwick::lab::LintRuleOf {
 
+/// The rules for a payload and its files.
+
 inline constexpr LintRule NoFernwickDirectory = {
     "no-fernwick-directory",
     Severity::Error,

@@ -4,6 +4,8 @@
 
 namespace fernwick::lab::LintRuleOf {
 
+/// The rules for what the plan takes from a personality.
+
 inline constexpr LintRule NoFirmware = {
     "no-firmware",
     Severity::Error,

@@ -21,7 +21,7 @@ struct Shadowing {
   std::size_t cutShort = 0;  // how many might be shadowed by one that they were not compared with
 };
 
-/// REQUIRES: all are of one type.
+/// Takes them in the order of their array. REQUIRES: all are of one type.
 Shadowing FindShadowed(const std::vector<Acceptance>& personalities);
 
 /// Tells which personalities are shadowed.

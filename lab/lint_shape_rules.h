@@ -4,6 +4,8 @@
 
 namespace fernwick::lab::LintRuleOf {
 
+/// The rules for the shape of a configuration and for its keys.
+
 inline constexpr LintRule NotADictionary = {
     "not-a-dictionary",
     Severity::Error,

@@ -4,6 +4,8 @@
 
 namespace fernwick::lab::LintRuleOf {
 
+/// The rules for the values with which something is to match.
+
 inline constexpr LintRule WrongKind = {
     "wrong-kind",
     Severity::Error,

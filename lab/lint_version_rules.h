@@ -4,6 +4,8 @@
 
 namespace fernwick::lab::LintRuleOf {
 
+/// The rules for what can match and what is reached.
+
 inline constexpr LintRule VersionBoundsCrossed = {
     "version-bounds-crossed",
     Severity::Error,

@@ -17,7 +17,8 @@ struct MatchedPair {
   const HardwareRecord& Controller() const { return key->controllers[controller].controller; }
 };
 
-/// The pairs of a run that matched, in the order of the plan.
+/// The pairs of a run that matched, in the order of the plan. REQUIRES: the run has come to its
+/// end.
 std::vector<MatchedPair> MatchedPairs(const RunRecorder& run);
 
 }  // namespace fernwick::lab

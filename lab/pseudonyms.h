@@ -15,8 +15,8 @@ bool MayIdentify(const PropertyValue& value);
 
 /// Gives every value that identifies one computer another in its place: the same for equal ones, a
 /// different one for each other, of the same kind. They are counted, so they tell nothing of what
-/// they stand for, save the punctuation and length of a text and the low four bits of a number,
-/// which make a controller's "RID". What may not identify a computer stays.
+/// they stand for, save the punctuation and length of a text, the length of data and the low four
+/// bits of a number, which make a controller's "RID". What may not identify a computer stays.
 class Pseudonyms {
  public:
   /// Of an array or a dictionary: with everything inside it replaced, but no key.

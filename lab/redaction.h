@@ -27,7 +27,7 @@ struct RedactedRecording {
 
 /// Replaces the properties of every entry, however deep in their values, that identify the computer
 /// or that `furtherKeys` names. A text of eight characters or more that was replaced so gives way
-/// wherever it stands in a string, a name or an ID too. REQUIRES: a well-formed recording.
+/// wherever it stands in a string, data, a name or an ID too. REQUIRES: a well-formed recording.
 RedactedRecording RedactRecording(const PropertyValue& recording,
                                   const std::set<std::string>& furtherKeys, Pseudonyms& pseudonyms);
 

@@ -19,7 +19,7 @@ struct SurveyDifference {
 std::string NameOf(const SurveyDifference& difference);
 
 /// How a survey is written. Nothing is before the first row, and a survey that is held against
-/// another shows the differences alone.
+/// another shows the differences alone, save in JUnit XML. The output has to outlive the format.
 class SurveyFormat {
  public:
   virtual ~SurveyFormat() = default;
@@ -43,8 +43,9 @@ class SurveyFormat {
 std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Output& out);
 
 /// A line of comma-separated values for every match, and for a computer without one, after a line
-/// of names. Ends its lines with carriage return and line feed, and shows control characters as
-/// octal escapes. In a comparison two columns more come first.
+/// of names. Ends its lines with carriage return and line feed, shows control characters as octal
+/// escapes, and puts an apostrophe before a text that begins like a formula. In a comparison two
+/// columns more come first.
 std::unique_ptr<SurveyFormat> MakeCsvFormat(Output& out, bool isComparison);
 
 /// For people: aligned columns, or the lines in which two rows differ.

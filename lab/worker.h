@@ -39,6 +39,7 @@ class Worker {
   /// Becomes readable when there is something for Read.
   int Descriptor() const { return answers_; }
 
+  /// What a Read came to; there is no whole answer while it is underway.
   enum class Progress { Underway, Answered, Ended };
 
   /// Reads what the process has sent; waits when that is nothing.

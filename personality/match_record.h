@@ -12,7 +12,10 @@ namespace fernwick {
 using MatchRecord = Dictionary;
 
 /// Builds the record of a personality found under `type` and a controller that passed its check.
-/// Keys that describe the controller take its values; all others stay as the file has them.
+/// Keys that describe the controller take its values, or are gone where it has none: "RID", what
+/// the personality names of silicon, UUID and unique id, "Port Address" beside a "RID", "Version"
+/// where the personality's is no number, and under "Thunderbolt" a "Firmware Mode" that it has. All
+/// others stay as the file has them.
 MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecord& controller,
                              std::string_view type);
 

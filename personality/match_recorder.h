@@ -20,7 +20,7 @@ enum class PairOutcome {
   NotAPersonality,  // its value is not a dictionary
 };
 
-/// What became of one personality and one controller.
+/// The same, and why.
 struct PairDecision {
   PairOutcome outcome;
   std::vector<FailedRequirement> failures = {};  // of a rejected pair; the first one decided

@@ -14,6 +14,7 @@ inline constexpr TypeSet LegacyThunderbolt = 1;
 inline constexpr TypeSet Thunderbolt = 2;
 inline constexpr TypeSet LegacyUsbc = 4;
 inline constexpr TypeSet Usbc = 8;
+/// Those that are held against ports.
 inline constexpr TypeSet Ports = Thunderbolt | LegacyUsbc | Usbc;
 inline constexpr TypeSet All = LegacyThunderbolt | Ports;
 }  // namespace Types

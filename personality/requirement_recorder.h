@@ -27,7 +27,8 @@ struct FailedRequirement {
   std::string_view key;  // of the personality; a literal
   Shortfall shortfall;
   std::optional<PropertyValue> wanted;  // what the personality has under the key
-  std::string_view hardwareKey;         // where the hardware was looked at; a literal
+  std::string_view hardwareKey;         // where the hardware was looked at; a literal, empty for
+                                        // the board revision
   std::optional<PropertyValue> found;   // what it has there; for the board revision, the board's
   std::string_view check = {};          // the type whose own requirement it is; a literal
 

@@ -27,7 +27,8 @@ class InvocationBuilder {
 
   /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
   /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a
-  /// line in the PlatformLog, when the match names no firmware image.
+  /// line in the PlatformLog, when the match names no firmware image or the board has no directory
+  /// for one.
   bool AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut);
 
   /// Closes the vector. To be called once, after the last match.

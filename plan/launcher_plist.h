@@ -9,8 +9,8 @@
 namespace fernwick {
 
 /// Writes the property list of the firmware-update launcher as XML and flushes it; in verbose mode
-/// under a title. Returns the status of the run: 0 when it was written, 1 when the argument vector
-/// is empty and there is nothing to write.
+/// under a title. Returns the status of the run: 0, or 1 when the argument vector is empty and
+/// there is nothing to write. A write that failed is told by `out`.
 int WritePlan(Output& out, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan);
 

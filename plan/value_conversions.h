@@ -11,8 +11,8 @@ namespace fernwick {
 
 /// How the report and the plan take the values of a match record. Null stands for an absent value.
 
-/// 64 bits in two's-complement form; a narrower integer is its low bits. A number is truncated
-/// toward zero and saturated; of a text, the decimal number at its start; anything else and an
+/// 64 bits in two's-complement form; a narrower integer is its low bits. A number is taken as by
+/// ToSigned64Bits; of a text, the decimal number at its start, saturated; anything else and an
 /// absent value give 0.
 std::uint64_t IntegerOf(const PropertyValue* value);
 
@@ -23,7 +23,8 @@ std::uint32_t Integer32Of(const PropertyValue* value);
 /// else and an absent value give 0.
 float RealOf(const PropertyValue* value);
 
-/// The text of a string; none for anything else and for an absent value.
+/// The text of a string, as PropertyValue::AsString; none for anything else and for an absent
+/// value.
 std::optional<std::string_view> TextOf(const PropertyValue* value);
 
 }  // namespace fernwick

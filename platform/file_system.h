@@ -16,8 +16,8 @@ struct FileReading {
   std::string error;  // why it could not be read; empty when there are bytes
 };
 
-/// Larger files are refused: no configuration or recording comes near it, and whatever stands in
-/// its place must not exhaust the computer that is about to be updated.
+/// In bytes. Larger files are refused: no configuration or recording comes near it, and whatever
+/// stands in its place must not exhaust the computer that is about to be updated.
 inline constexpr std::size_t MaximumFileSize = std::size_t{1} << 30;
 
 /// Reads a regular file. Never waits for a writer: a FIFO or device in its place is an error.

@@ -16,11 +16,12 @@ struct BoardIdentity {
 };
 
 /// Stores the numeric board id and the board revision, each 0 when the registry has none, and
-/// returns the numeric board id: the hexadecimal number behind the prefix "Zed-" of "board-id".
+/// returns the numeric board id: the hexadecimal number, as strtoull reads it, behind the prefix
+/// "Zed-" of "board-id", and 0 without that prefix.
 std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8_t& boardRevision);
 
 /// The board identifier string: "board-id" up to its first zero byte. None when there is no such
-/// property or it is not UTF-8.
+/// property, it is not data or the string is not UTF-8.
 std::optional<std::string> ReadBoardIdString(Registry& registry);
 
 /// The board revision that ReadBoardId stores, 0 to 255: the first byte of "board-rev".

@@ -45,7 +45,8 @@ struct Recording {
   friend bool operator==(const Recording&, const Recording&) = default;
 };
 
-/// The registry of a recorded computer.
+/// The registry of a recorded computer. An entry's handle is the one that it has in the recording;
+/// those of iterators are counted on from there. All are good as long as the registry lives.
 class RecordedRegistry : public Registry {
  public:
   explicit RecordedRegistry(Recording recording);

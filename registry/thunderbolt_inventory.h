@@ -16,8 +16,9 @@ inline constexpr std::string_view ThunderboltControllerClass = "IOThunderboltSwi
 inline constexpr char MissingUidFault[] = "a Thunderbolt controller has no UID";
 
 /// The computer's own Thunderbolt controllers: those at the root of the topology, with "Depth" and
-/// "Route String" 0. Controllers of devices plugged in by cable sit deeper. Taken afresh each time.
-/// A recorder learns where each is and changes nothing.
+/// "Route String" 0. Controllers of devices plugged in by cable sit deeper. Taken afresh each time;
+/// ends the process abnormally as FillThunderboltFields does. A recorder learns where each is and
+/// changes nothing.
 HardwareInventory CollectThunderboltControllers(Registry& registry,
                                                 InventoryRecorder* recorder = nullptr);
 

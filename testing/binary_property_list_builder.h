@@ -16,7 +16,8 @@ std::string BigEndian(std::uint64_t number, std::size_t width);
 /// of another object in the list that BinaryFile is given.
 using References = std::vector<std::uint64_t>;
 
-/// A marker with the count in it, or behind it as an integer as short as may be.
+/// A marker with the count in it, or from 15 on behind it as an integer as short as may be. `kind`
+/// is its high four bits.
 std::string CountedMarker(unsigned kind, std::uint64_t count);
 
 /// An object of each kind, of an array or a dictionary with references of that many bytes.

@@ -55,7 +55,7 @@ class StreamCapture {
   std::FILE* stream_;
 };
 
-/// A stream on which every write fails with ENOSPC, as on a full disk.
+/// A stream on which every write fails with ENOSPC, as on a full disk. The caller closes it.
 std::FILE* OpenFullDisk();
 
 }  // namespace fernwick::testing

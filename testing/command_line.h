@@ -20,6 +20,7 @@ class CommandLine {
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
+  /// As a program is given them: so many words, and a null behind them. They live as long as this.
   int Count() const { return static_cast<int>(words_.size()); }
   char* const* Vector() const { return pointers_.data(); }
 

@@ -12,6 +12,7 @@ namespace fernwick::testing {
 /// output. Its standard error is the test's own.
 class FedProgram {
  public:
+  /// Starts it in `directory`. Aborts when there are no pipes to be had.
   FedProgram(const std::vector<std::string>& command, const std::string& directory);
 
   /// Ends it when it has not been waited for.
@@ -24,6 +25,7 @@ class FedProgram {
   /// The processes that it has started and not yet buried.
   std::vector<pid_t> Children() const;
 
+  /// Writes all of it; ends this process when the program reads no more.
   void Write(std::string_view text) const;
   void EndInput();
 
@@ -42,7 +44,8 @@ class FedProgram {
   std::string unread_;
 };
 
-/// The greatest amount of memory that a living process has held at once, in KiB.
+/// The greatest amount of memory that a living process has held at once, in KiB. Aborts when there
+/// is no such process.
 std::size_t PeakMemory(pid_t process);
 
 }  // namespace fernwick::testing

@@ -12,7 +12,7 @@ namespace fernwick::testing {
 ///   argument:  one argument of the tool, blanks and all
 ///   payload:   the payload directory, relative to golden/; becomes a last option -p
 struct GoldenCase {
-  std::string name;  // of the file
+  std::string name;  // of the file, without its ".case"
   std::string recording;
   std::vector<std::string> options;  // arguments, too
   std::string payload;               // empty: none
@@ -24,7 +24,7 @@ struct GoldenCase {
 /// A line of another key fails the test.
 GoldenCase ReadGoldenCase(const std::filesystem::path& file);
 
-/// Those of a directory, by name.
+/// Those of every "*.case" in a directory, by name.
 std::vector<GoldenCase> ReadGoldenCases(const std::filesystem::path& directory);
 
 }  // namespace fernwick::testing

@@ -10,9 +10,9 @@ namespace fernwick::testing {
 /// A recording whose run ends abnormally.
 std::string FaultyRecording();
 
-/// Writes `count` small recordings of boards "Zed-0" to "Zed-2" with a few ports each, a hundred to
-/// a directory, and a payload for two of the boards under "payload". Of every hundred the one at
-/// `faulty`, if there is one, is a FaultyRecording.
+/// Writes `count` small recordings of boards "Zed-0" to "Zed-2" with up to three ports each under
+/// "computers", a hundred to a directory, and a payload for two of the boards under "payload". Of
+/// every hundred the one at `faulty`, counted from 0, is a FaultyRecording if there is one.
 void WriteManyComputers(const TemporaryDirectory& directory, std::size_t count,
                         std::size_t faulty = 100);
 

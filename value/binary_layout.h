@@ -16,16 +16,20 @@ namespace fernwick {
 /// from its byte 6 on: the width of a table offset, the width of an object number inside an array
 /// or dictionary (a byte each), the count of objects, the number of the top object and the place of
 /// the offset table (eight bytes each).
+///
+/// By this beginning a file is told to be one, whatever its version.
 inline constexpr std::string_view BinarySignature = "bplist0";
 
 /// The table of contents of a file whose header and trailer have been checked against its size.
 class BinaryLayout {
  public:
-  /// Checks everything that the trailer says. False with a fault at the offending byte.
+  /// Checks everything that the trailer says, and views the file from then on. False with a fault
+  /// at the offending byte, and then nothing else here is of use.
   bool Read(std::string_view file, ParseFault& fault);
 
   std::uint64_t ObjectCount() const { return objectCount_; }
   std::uint64_t TopObject() const { return topObject_; }
+  /// The bytes of an object number inside an array or dictionary, 1 to 8.
   std::size_t ReferenceWidth() const { return referenceWidth_; }
 
   /// Objects lie below this place.

@@ -8,7 +8,8 @@
 namespace fernwick {
 
 /// Keeps what a reader had to decode, as it does not stand in the file the way it is meant: many
-/// short runs in one block, which lives as long as any of them.
+/// short runs in one block, which lives as long as any of them. REQUIRES: it is not copied, as both
+/// would fill the one block.
 class DecodedBytes {
  public:
   /// A copy of `bytes`.

@@ -25,6 +25,7 @@ inline constexpr char NestedTooDeeply[] =
 class ParseFault {
  public:
   bool IsSet() const { return !message_.empty(); }
+  /// In bytes of what is read; 0 as long as there is no fault.
   std::size_t Offset() const { return offset_; }
   const std::string& Message() const { return message_; }
 

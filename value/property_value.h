@@ -47,6 +47,7 @@ struct Date {
 /// been moved from may only be given another or be destroyed.
 class PropertyValue {
  public:
+  /// A dictionary and an array are taken over, the bytes of a string and of data are shared.
   PropertyValue(Dictionary value);    // NOLINT: each kind is a value
   PropertyValue(Array value);         // NOLINT
   PropertyValue(const String& value)  // NOLINT
@@ -62,7 +63,7 @@ class PropertyValue {
   PropertyValue(std::same_as<double> auto value)
       : kind_(Kind::Real), content_{.real = value} {}  // NOLINT
 
-  /// A string that holds a copy of `text`.
+  /// A string that holds a copy of `text`, or takes it over.
   PropertyValue(std::string_view text) : PropertyValue(std::string(text)) {}  // NOLINT
   PropertyValue(const char* text) : PropertyValue(std::string(text)) {}       // NOLINT
   PropertyValue(std::string text)                                             // NOLINT
@@ -100,7 +101,7 @@ class PropertyValue {
   }
 
   /// Calls `visitor` with the one of Dictionary, Array, String, Integer, double, bool, Data and
-  /// Date that the value is.
+  /// Date that the value is. Returns what it returns.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
     switch (kind_) {
@@ -155,6 +156,7 @@ class PropertyValue {
 
 /// A key of a dictionary and its value.
 struct DictionaryEntry {
+  /// Shares the bytes of a key that is shared, and holds a copy of any other.
   DictionaryEntry(SharedBytes entryKey, PropertyValue entryValue)
       : key(std::move(entryKey)), value(std::move(entryValue)) {}
   DictionaryEntry(std::string_view entryKey, PropertyValue entryValue)
@@ -170,9 +172,9 @@ struct DictionaryEntry {
 class Dictionary {
  public:
   Dictionary() = default;
-  Dictionary(std::initializer_list<DictionaryEntry> entries);
 
-  /// Takes the entries over; a key that occurs twice keeps its first place and its last value.
+  /// A key that occurs twice keeps its first place and its last value.
+  Dictionary(std::initializer_list<DictionaryEntry> entries);
   explicit Dictionary(std::vector<DictionaryEntry> entries);
 
   /// The value of `key`, or null when it is absent. Valid until the dictionary changes.
@@ -181,12 +183,14 @@ class Dictionary {
   /// Gives `key` the value. A key that is there keeps its place, a new one comes last.
   void Set(std::string_view key, PropertyValue value);
 
-  /// As Set; an absent value (null) removes the key. `value` may point into another dictionary.
+  /// As Set, with a copy; an absent value (null) removes the key. `value` may point into any
+  /// dictionary.
   void SetOrRemove(std::string_view key, const PropertyValue* value);
 
   /// Sets every entry of `other`, in its order.
   void Merge(const Dictionary& other);
 
+  /// In their order. Valid until the dictionary changes.
   std::span<const DictionaryEntry> Entries() const { return entries_; }
   std::size_t Size() const { return entries_.size(); }
 

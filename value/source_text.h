@@ -24,7 +24,7 @@ SourceText DecodeSource(SourceBuffer bytes);
 SourceText OwnedSource(std::string text);
 
 /// `text` as a share in the source's buffer where it views that, or as a copy where it views
-/// `decoded`. REQUIRES: it views one of the two.
+/// `decoded`. REQUIRES: it lies in the source's buffer or begins where `decoded` does.
 SharedBytes SharedOrCopied(const SourceText& source, const std::string& decoded,
                            std::string_view text);
 

@@ -8,8 +8,8 @@
 
 namespace fernwick {
 
-/// Takes the tokens of the old text form, one after the other. Each operation that returns a
-/// boolean answers false when it met a fault, which Fault() then names.
+/// Takes the tokens of the old text form, one after the other. What skips or reads and returns a
+/// boolean answers false when it met a fault, which Fault() then names. Offsets are in bytes.
 class TextCursor {
  public:
   /// Views the text. REQUIRES: well-formed UTF-8.
@@ -23,7 +23,7 @@ class TextCursor {
   /// White space and comments. REQUIRES: the cursor does not stand inside an unquoted string.
   bool SkipBlanks();
 
-  /// Takes `c` if it comes next.
+  /// Takes `c` if it comes next, and returns whether it did.
   bool Take(char c);
 
   /// A quoted string. It views the text where no escape stands in it, and `decoded` otherwise.
@@ -36,6 +36,7 @@ class TextCursor {
   /// The bytes of "<0f bd>". REQUIRES: LookingAt('<').
   bool ReadData(std::string& bytes);
 
+  /// As ParseFault::Set.
   bool Fail(std::size_t offset, std::string message) {
     return fault_.Set(offset, std::move(message));
   }

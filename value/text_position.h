@@ -17,10 +17,11 @@ struct TextPosition {
 /// end.
 TextPosition PositionAt(std::string_view text, std::size_t offset);
 
-/// "line 3, column 7: MESSAGE".
+/// "line 3, column 7: MESSAGE". REQUIRES: as PositionAt.
 std::string DescribeAt(std::string_view text, std::size_t offset, std::string_view message);
 
-/// The start of a text from a file, short enough to stand in a message and on one line.
+/// The start of a text from a file, short enough to stand in a message and on one line: at most 40
+/// bytes of it, then "..."; white space as blanks, other control characters as octal escapes.
 std::string Excerpt(std::string_view text);
 
 }  // namespace fernwick

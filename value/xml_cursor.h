@@ -18,8 +18,8 @@ struct XmlStartTag {
 };
 
 /// Walks through the markup of one XML document and holds it to being well-formed. It knows nothing
-/// of property lists and builds nothing. Each operation that returns a boolean answers false when
-/// it met a fault, which Fault() then names; nothing more is read after that.
+/// of property lists and builds nothing. What skips or reads answers false when it met a fault,
+/// which Fault() then names; nothing more is read after that. Offsets are in bytes.
 class XmlCursor {
  public:
   /// Views the document. REQUIRES: UTF-8 of characters that XML can carry.
@@ -51,6 +51,7 @@ class XmlCursor {
     return TakePlainCharacters(characters) || ReadAnyCharacters(characters, decoded);
   }
 
+  /// As ParseFault::Set.
   bool Fail(std::size_t offset, std::string message) {
     return fault_.Set(offset, std::move(message));
   }

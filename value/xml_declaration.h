@@ -10,7 +10,7 @@ namespace fernwick {
 /// The declaration that may open an XML document.
 struct XmlDeclaration {
   std::size_t length = 0;     // bytes, 0 when there is none
-  std::string_view encoding;  // as it is spelt; empty when it names none
+  std::string_view encoding;  // as it is spelt, a view of it; empty when it names none
 };
 
 /// Whether an XML declaration, well-formed or not, begins at the start of `document`.
