@@ -76,10 +76,11 @@ TEST(Base64, ASignThatIsNoDigitIsRefusedAtEveryPlace) {
 }
 
 TEST(Base64, NothingBehindTheTextIsLookedAt) {
-  const std::string_view memory = "Zm9vYmFy";
-  EXPECT_EQ(DecodeBase64(memory.substr(0, 4)), "foo");
-  for (const std::size_t size : {1u, 2u, 3u, 5u, 6u, 7u}) {
-    EXPECT_EQ(DecodeBase64(memory.substr(0, size)), std::nullopt) << size;
+  for (const std::string_view memory : {"Zm9vYmFy", "Zm9vYmFy ", "Zm9v Zm9v "}) {
+    EXPECT_EQ(DecodeBase64(memory.substr(0, 4)), "foo");
+    for (const std::size_t size : {1u, 2u, 3u, 6u, 7u}) {
+      EXPECT_EQ(DecodeBase64(memory.substr(0, size)), std::nullopt) << memory << size;
+    }
   }
 }
 

@@ -1,6 +1,7 @@
 #include "value/text_cursor.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "value/ascii.h"
 #include "value/utf8.h"
@@ -67,7 +68,7 @@ bool TextCursor::ReadQuoted(std::string_view& string, std::string& decoded) {
   bool viewsText = true;
   decoded.clear();
   for (;;) {
-    const std::size_t end = text_.find_first_of(std::string_view(ends, 2), at_);
+    const std::size_t end = text_.find_first_of(std::string_view(ends, std::size(ends)), at_);
     if (end == std::string_view::npos) return Fail(start, "a quoted string does not end");
     const auto chunk = text_.substr(at_, end - at_);
     at_ = end + 1;
