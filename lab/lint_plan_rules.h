@@ -123,11 +123,11 @@ inline constexpr LintRule AlteredFirmwareMode = {
     "altered-firmware-mode",
     Severity::Warning,
     "\"Firmware Mode\" is taken as another number than it says",
-    "Of a LegacyThunderbolt personality the plan takes how the image is flashed: 0 or absent as "
-    "one "
-    "for the EEPROM, anything else as one for the file system. No list is looked into there: it "
-    "counts as 0. A real is cut to a whole number, of text the decimal digits at its start count, "
-    "of all the low 32 bits.",
+    "Of a LegacyThunderbolt personality the plan takes how the image is flashed: with -ee where it "
+    "is 0 or absent, with -fs where it is anything else. No list is looked into there: it counts "
+    "as "
+    "0. A real is cut to a whole number, of text the decimal digits at its start count, of all the "
+    "low 32 bits.",
     "Write 0 or 1.",
     "<key>Firmware Mode</key><array><integer>1</integer></array>",
     "<key>Firmware Mode</key><integer>1</integer>",
