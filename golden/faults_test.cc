@@ -63,10 +63,13 @@ class World {
   }
 
 #ifdef FERNWICK_FAULT_SHIM
-  // A replay in which what `fault` says goes wrong.
+  // A replay, or another verb, in which what `fault` says goes wrong.
   ChildOutcome ReplayWith(const std::string& fault) const {
+    return RunWith(fault, "replay");
+  }
+  ChildOutcome RunWith(const std::string& fault, const std::string& verb) const {
     return RunChild({"/usr/bin/env", "LD_PRELOAD=" FERNWICK_FAULT_SHIM, fault,
-                     FERNWICK_DYNAMIC_LAB_PROGRAM, "replay", "computer.registry.plist", "-p", "."},
+                     FERNWICK_DYNAMIC_LAB_PROGRAM, verb, "computer.registry.plist", "-p", "."},
                     Path());
   }
 #endif
@@ -196,6 +199,13 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
 
 // One allocation after the other fails, until the program makes no more. The lab's own status holds
 // while it reads the recording, the tool's from then on.
+TEST(Process, ThatCannotBeStartedIsTold) {
+  const World world;
+  ExpectOutcome(
+      world.RunWith("FERNWICK_NO_PROCESS=", "explain"),
+      {"71", "", "fernwick-lab: no process could be started: Resource temporarily unavailable\n"});
+}
+
 TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
   if (testing::CountingCoverage) GTEST_SKIP();
   const auto usual = UsualOutcome();

@@ -7,6 +7,12 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "lab/exit_status.h"
+#include "lab/messages.h"
 
 namespace fernwick::lab {
 namespace {
@@ -27,6 +33,10 @@ int SignalThatEnds(const std::function<void()>& work) {
   std::fflush(nullptr);  // what waits in a buffer must not be printed by the child too
   const pid_t child = fork();
   if (child == 0) RunAsChild(work);
+  if (child < 0) {
+    PrintError("no process could be started: " + std::string(std::strerror(errno)));
+    std::exit(LabStatus::NoProcess);
+  }
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
   return WIFSIGNALED(status) ? WTERMSIG(status) : 0;

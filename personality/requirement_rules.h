@@ -64,8 +64,8 @@ enum class EngineeringGate { Off, On };
 /// Whether the personality's firmware may be installed over the hardware's: it is newer, and the
 /// installed version lies within "Existing Min Version" and "Existing Max Version", both inclusive.
 /// With `BypassVersionCheck` set it need not be newer and engineering firmware is no obstacle; then
-/// an installed version that is not known lies within every bound. Writes to standard error that
-/// the version is not known, or which bound is not met or not a number.
+/// an installed version that is not known, or no number, lies within every bound. Writes to
+/// standard error that the version is not known, or which bound is not met or not a number.
 bool FirmwareVersionWindow(const CheckedValues& personality, const CheckedValues& hardware,
                            EngineeringGate gate, RequirementRecorder* recorder = nullptr);
 

@@ -7,8 +7,9 @@ namespace fernwick {
 
 /// Whether a "USBC" personality applies to a port: everything that a "LegacyUSBC" one must satisfy,
 /// then "RID", the bounds of the board revision and the port silicon. Of `boardRevision` only the
-/// low 8 bits count. Stops at the first requirement that fails. Writes the diagnostics of the
-/// version window and, where a needed port silicon key is missing, of that key to standard error.
+/// low 8 bits count. Without a recorder it stops at the first requirement that fails. Writes to
+/// standard error what the version window has to tell, and which one is missing of "Port Silicon
+/// Revision" and, where the personality names them, "Port OTP Revision" and "Port UUID".
 bool CheckUsbcRequirements(const CheckedValues& personality, const CheckedValues& hardware,
                            unsigned boardRevision, RequirementRecorder* recorder = nullptr);
 

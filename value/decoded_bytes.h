@@ -8,10 +8,13 @@
 namespace fernwick {
 
 /// Keeps what a reader had to decode, as it does not stand in the file the way it is meant: many
-/// short runs in one block, which lives as long as any of them. REQUIRES: it is not copied, as both
-/// would fill the one block.
+/// short runs in one block, which lives as long as any of them.
 class DecodedBytes {
  public:
+  DecodedBytes() = default;
+  DecodedBytes(const DecodedBytes&) = delete;  // two would fill the one block
+  DecodedBytes& operator=(const DecodedBytes&) = delete;
+
   /// A copy of `bytes`.
   SharedBytes Keep(std::string_view bytes);
 

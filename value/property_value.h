@@ -96,9 +96,7 @@ class PropertyValue {
 
   /// The number that an integer, a real or a boolean is.
   std::optional<Number> AsNumber() const;
-  bool IsNumber() const {
-    return Is(Kind::Integer) || Is(Kind::Real) || Is(Kind::Boolean);
-  }
+  bool IsNumber() const { return Is(Kind::Integer) || Is(Kind::Real) || Is(Kind::Boolean); }
 
   /// Calls `visitor` with the one of Dictionary, Array, String, Integer, double, bool, Data and
   /// Date that the value is. Returns what it returns.
