@@ -1,5 +1,6 @@
 #include "personality/checked_values.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace fernwick {
@@ -28,17 +29,15 @@ constexpr auto PlaceBySlot = [] {
   return places;
 }();
 
-constexpr bool HasEachNameASlot() {
-  for (std::size_t place = 0; place < KeyCount; ++place) {
-    if (PlaceBySlot[SlotOf(CheckedKeyNames[place])] != place) return false;
-  }
-  return true;
-}
-static_assert(HasEachNameASlot());
+// Each name has a slot of its own.
+static_assert(std::ranges::all_of(CheckedKeyNames, [](std::string_view name) {
+  return CheckedKeyNames[PlaceBySlot[SlotOf(name)]] == name;
+}));
 
 std::size_t PlaceOf(std::string_view name) {
   const std::size_t place = PlaceBySlot[SlotOf(name)];
-  return place < KeyCount && CheckedKeyNames[place] == name ? place : KeyCount;
+  if (place == KeyCount || CheckedKeyNames[place] != name) return KeyCount;
+  return place;
 }
 
 }  // namespace
