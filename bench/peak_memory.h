@@ -13,6 +13,6 @@ std::optional<double> PeakMemory(const std::string& program, std::string_view re
                                  const std::string& path);
 
 /// The process's part: reads the file and prints the number. Returns the exit status.
-int PrintPeakMemory(std::string_view reader, const std::string& path);
+int PrintPeakMemory(std::string_view name, const std::string& path);
 
 }  // namespace fernwick::bench

@@ -176,7 +176,7 @@ TEST(Run, WithoutVerbosePrintsThePropertyListAlone) {
 
 TEST(Run, IgnoredOptionsChangeNothing) {
   const Payload payload(OnePersonality);
-  const auto path = payload.Path();
+  const auto& path = payload.Path();
   const auto plain = RunOver(OnePort(), {"-p", path});
   const auto verbose = RunOver(OnePort(), {"-v", "-p", path});
   for (const char* ignored : {"-X", "-s", "-Xs", "--preflight", "--subupdater"}) {

@@ -150,7 +150,7 @@ void ExpectReported(const nlohmann::json& explanation, const std::string& verbos
 std::vector<std::string> ExplainableArguments(const GoldenCase& described) {
   std::vector<std::string> arguments = {described.recording, "-p", described.payload};
   if (std::ranges::count(described.options, "--bypassVersion") > 0) {
-    arguments.push_back("--bypassVersion");
+    arguments.emplace_back("--bypassVersion");
   }
   return arguments;
 }

@@ -90,7 +90,7 @@ class World {
 
 // What a world gives that nothing happens to.
 ChildOutcome UsualOutcome() {
-  const auto usual = World().Replay();
+  auto usual = World().Replay();
   EXPECT_EQ(usual.status, "0");
   EXPECT_TRUE(usual.standardOutput.ends_with("</plist>\n"));
   EXPECT_EQ(usual.standardError, "");
@@ -246,13 +246,13 @@ TEST(Memory, OfAnyLimitGivesAPlanOrNone) {
     // Where not even the program's own file finds room, the system ends it before it begins.
     const bool starts = found.status != "127" && found.status != "SIGSEGV";
     if (found == usual) {
-      met.push_back("plan");
+      met.emplace_back("plan");
     } else if (starts) {
       ExpectOutcome(found, {"13", "", OutOfMemory});
-      met.push_back("none");
+      met.emplace_back("none");
     } else {
       EXPECT_EQ(found.standardOutput, "");
-      met.push_back("not started");
+      met.emplace_back("not started");
     }
   }
   met.erase(std::unique(met.begin(), met.end()), met.end());
@@ -324,7 +324,7 @@ TEST(Plan, ThatTheDiskHasNoRoomForIsNoSuccess) {
   ASSERT_EQ(whole.status, "0");
   ExpectOutcome(world.ReplayByShell("trap '' XFSZ; ulimit -f 64; exec ", "> plan"),
                 {"74", "", "fernwick: standard output could not be written: File too large\n"});
-  EXPECT_EQ(testing::ReadFile(world.Path() + "/plan"), whole.standardOutput.substr(0, 64 * 512));
+  EXPECT_EQ(testing::ReadFile(world.Path() + "/plan"), whole.standardOutput.substr(0, std::size_t{64} * 512));
 }
 
 TEST(Plan, ThatItsReaderLeavesInTheMiddleIsNoSuccess) {

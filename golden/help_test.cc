@@ -22,7 +22,7 @@ const fs::path Examples = FERNWICK_SOURCE_DIRECTORY "/examples";
 std::string HelpOf(const std::vector<std::string>& verb) {
   std::vector<std::string> command = {FERNWICK_LAB_PROGRAM};
   command.insert(command.end(), verb.begin(), verb.end());
-  command.push_back("--help");
+  command.emplace_back("--help");
   const auto outcome = RunChild(command, ".");
   EXPECT_EQ(outcome.status, "0");
   EXPECT_EQ(outcome.standardError, "");

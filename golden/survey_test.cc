@@ -271,7 +271,7 @@ TEST(Survey, TakesTheVersionBypass) {
   const std::vector<std::string> arguments = {
       "-p", "../examples/payload", "../examples/up-to-date.registry.plist", "--format", "csv"};
   auto bypassing = arguments;
-  bypassing.push_back("--bypassVersion");
+  bypassing.emplace_back("--bypassVersion");
   EXPECT_EQ(Survey(arguments).standardError,
             "1 computer: 0 with a plan, 1 without, 0 bypassed, 0 refused, 0 ended abnormally; 0 "
             "matches\n");

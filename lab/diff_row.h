@@ -32,7 +32,7 @@ struct DiffRow {
 Json ToJson(const DiffRow& row);
 
 /// A row from what ToJson made of one. REQUIRES: it did.
-DiffRow ParseDiffRow(std::string_view json);
+DiffRow ParseDiffRow(std::string_view text);
 
 /// A changed, refused or abnormal row as lines for people, each with its line feed and safe to
 /// show.
