@@ -121,9 +121,9 @@ std::size_t TakeMark(std::string& text) {
 
 // Writes the payload. Returns "PATH:LINE:COLUMN: " of the mark, or "PATH: " of one in a path. The
 // configurations here are all on one line.
-std::string WritePayload(const testing::TemporaryDirectory& directory, Payload payload) {
+std::string WritePayload(const testing::TemporaryDirectory& directory, const Payload& payload) {
   std::string marked;
-  for (auto& [path, contents] : payload) {
+  for (auto [path, contents] : payload) {
     const auto inPath = TakeMark(path);
     const auto inContents = TakeMark(contents);
     directory.Write(path, contents);

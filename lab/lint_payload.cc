@@ -42,7 +42,7 @@ Listing List(const std::string& directory, fs::file_type type) {
 // Takes the digits at the start of the text.
 std::size_t TakeNumber(std::string_view& text) {
   std::size_t number = 0;
-  const auto end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
+  const auto* end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return number;
 }

@@ -50,9 +50,9 @@ struct PlacedType {
                                                  // dictionaries, when the value has its shape
 };
 
-/// A configuration as its rules look at it. REQUIRES: `file` outlives it.
+/// A configuration as its rules look at it. REQUIRES: `configuration` outlives it.
 struct LintSubject {
-  explicit LintSubject(const ConfigurationFile& file);
+  explicit LintSubject(const ConfigurationFile& configuration);
 
   const ConfigurationFile& file;
   std::vector<PlacedEntry> entries;  // at the top; none when it is not a dictionary
