@@ -10,9 +10,6 @@ function(fernwick_folder name)
   target_include_directories(fernwick_${name} PUBLIC ${CMAKE_SOURCE_DIR})
   if(name STREQUAL lab)
     fernwick_compile_quickly(fernwick_lab)
-    if(FERNWICK_COVERAGE)  # it is not counted, and does signal by exceptions
-      target_compile_options(fernwick_lab PRIVATE -fexceptions -fno-profile-arcs -fno-test-coverage)
-    endif()
   else()  # what the lab uses of others signals by exceptions
     target_compile_options(fernwick_${name} PRIVATE -fno-exceptions)
   endif()
