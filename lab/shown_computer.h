@@ -21,10 +21,10 @@ struct ShownComputer {
 /// Takes both inventories as a run would. A run that would end abnormally does not end this one.
 ShownComputer LookAt(Recording recording);
 
-/// As a text for people, `plane` alone or every plane, which then go by name.
-std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& plane);
+/// As a text for people, the plane `wanted` alone or every plane, which then go by name.
+std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted);
 
 /// The same in JSON.
-Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& plane);
+Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted);
 
 }  // namespace fernwick::lab

@@ -101,7 +101,7 @@ DiagnosticCount InterpretDiagnostic(Members& members) {
 }
 
 Outcome InterpretOutcome(Members& members) {
-  const auto found = std::ranges::find(OutcomeNames, members.Text("outcome"));
+  const auto* const found = std::ranges::find(OutcomeNames, members.Text("outcome"));
   if (found == OutcomeNames.end()) members.Refuse();
   return static_cast<Outcome>(found == OutcomeNames.end() ? 0 : found - OutcomeNames.begin());
 }

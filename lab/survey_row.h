@@ -24,7 +24,7 @@ std::string_view NameOf(Outcome outcome);
 
 /// A personality that applies to a controller: the RID, address and installed version are the
 /// controller's, the new version and the image are the plan's. Null where a value is absent.
-struct SurveyMatch {
+struct SurveyMatch {  // NOLINT: Json moves without exceptions, whatever it is made of
   std::string type;
   Json rid;
   Json portAddress;

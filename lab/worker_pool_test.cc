@@ -164,7 +164,7 @@ TEST(WorkerPool, KeepsEveryProcessAtWork) {
     return std::to_string(getpid());
   };
   PrepareProcess();
-  Selection selection(Strings(2 * Half, "/1"));
+  Selection selection(Strings(std::size_t{2} * Half, "/1"));
   std::map<std::string, int> shares;
   WorkThrough(selection, meet, 2, [&](const WorkResult& result) {
     ++shares[result.answer.value_or(result.end)];
