@@ -15,7 +15,6 @@ namespace fernwick {
 namespace {
 
 using testing::Computer;
-using testing::Holding;
 using testing::With;
 
 struct Answer {
