@@ -16,6 +16,7 @@
 #include "lab/explanation_text.h"
 #include "plan/value_conversions.h"
 #include "registry/thunderbolt_inventory.h"
+#include "testing/coverage_counting.h"
 #include "testing/random_pairs.h"
 #include "testing/report_lines.h"
 #include "testing/sanitizers.h"
@@ -39,8 +40,10 @@ using testing::ReportedMatch;
 
 constexpr int FullCount = 10000;
 
-// The sanitizers make a run take twenty times as long.
-constexpr int PairCount = testing::UnderAddressSanitizer ? FullCount / 10 : FullCount;
+// The sanitizers, and counters that each process writes at its end, make a run take twenty times as
+// long.
+constexpr bool IsSlow = testing::UnderAddressSanitizer || testing::CountingCoverage;
+constexpr int PairCount = IsSlow ? FullCount / 10 : FullCount;
 
 // How often everything that can be told was told.
 using Counts = std::map<std::string, int, std::less<>>;
