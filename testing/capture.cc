@@ -5,7 +5,7 @@
 namespace fernwick::testing {
 namespace {
 
-constexpr std::size_t BufferSize = 64 * 1024;
+constexpr std::size_t BufferSize = 65536;
 
 ssize_t NoteFlush(void* flushes, const char* bytes, std::size_t size) {
   static_cast<std::vector<std::string>*>(flushes)->emplace_back(bytes, size);

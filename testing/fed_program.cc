@@ -73,7 +73,7 @@ void FedProgram::EndInput() {
 std::string FedProgram::ReadLine() {
   for (;;) {
     if (const auto end = unread_.find('\n'); end != std::string::npos) {
-      const auto line = unread_.substr(0, end + 1);
+      auto line = unread_.substr(0, end + 1);
       unread_.erase(0, end + 1);
       return line;
     }

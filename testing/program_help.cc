@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view Letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 std::string HelpOf(std::vector<std::string> command) {
-  command.push_back("--help");
+  command.emplace_back("--help");
   return RunChild(command, "/").standardOutput;
 }
 

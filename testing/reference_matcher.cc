@@ -105,7 +105,7 @@ Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
   std::vector<Dictionary> records;
 
   if (!configuration.has_value() || configuration->AsDictionary() == nullptr) {
-    matching.log.push_back("Unexpected format for config plist file.  Aborting");
+    matching.log.emplace_back("Unexpected format for config plist file.  Aborting");
     return matching;
   }
 

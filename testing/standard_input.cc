@@ -24,7 +24,7 @@ StandardInputPipe::~StandardInputPipe() {
   close(saved_);
 }
 
-void StandardInputPipe::Write(std::string_view bytes) {
+void StandardInputPipe::Write(std::string_view bytes) const {
   if (write(writeEnd_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size())) return;
   std::perror("write");
   std::abort();

@@ -13,7 +13,7 @@ class StandardInputPipe {
   StandardInputPipe& operator=(const StandardInputPipe&) = delete;
 
   /// REQUIRES: no more than the pipe holds, 64 KiB, is unread.
-  void Write(std::string_view bytes);
+  void Write(std::string_view bytes) const;
 
   /// Nothing more will be written.
   void End();

@@ -1,8 +1,7 @@
 #include "testing/temporary_directory.h"
 
-#include <stdlib.h>
-
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
