@@ -29,7 +29,6 @@ using testing::Verdict;
 using testing::VerdictOf;
 using testing::VersionCheckBypass;
 using testing::With;
-using testing::Without;
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();

@@ -52,7 +52,8 @@ std::optional<Date> ParseDate(std::string_view text) {
   if (!day.ok() || field(0, 4) == 0 || hour > 23 || minute > 59 || second > 59) {
     return std::nullopt;
   }
-  return Date{SecondsAt(day) + (hour * 60 + minute) * 60 + second};
+  const int secondOfDay = (hour * 60 + minute) * 60 + second;
+  return Date{SecondsAt(day) + secondOfDay};
 }
 
 std::string FormatDate(Date date) {

@@ -10,13 +10,13 @@ constexpr double TwoTo63 = 9223372036854775808.0;
 constexpr double TwoTo64 = 18446744073709551616.0;
 
 std::partial_ordering Reversed(std::partial_ordering order) {
-  return 0 <=> order;
+  return 0 <=> order;  // NOLINT(modernize-use-nullptr): it is a number that is compared
 }
 
 // REQUIRES: real is a whole number from −2^63 to below 2^64.
 Integer ExactInteger(double real) {
-  if (real < 0) return Integer(static_cast<std::int64_t>(real));
-  return Integer(static_cast<std::uint64_t>(real));
+  if (real < 0) return static_cast<std::int64_t>(real);
+  return static_cast<std::uint64_t>(real);
 }
 
 std::partial_ordering Compare(Integer integer, double real) {

@@ -59,7 +59,7 @@ std::string FormatInteger(Integer integer) {
 
 std::string FormatReal(double real) {
   char text[32];
-  const auto end = std::to_chars(text, text + sizeof text, real).ptr;
+  auto* const end = std::to_chars(text, text + sizeof text, real).ptr;
   return {text, end};
 }
 

@@ -12,9 +12,9 @@ constexpr std::size_t FewEntries = 32;
 // One of 64 bits, the same for equal keys and mostly another for others.
 std::uint64_t SignatureOf(std::string_view key) {
   if (key.empty()) return 1;
-  const auto first = static_cast<unsigned char>(key.front());
-  const auto last = static_cast<unsigned char>(key.back());
-  return std::uint64_t{1} << ((key.size() * 7 + first * 5u + last) % 64);
+  const std::size_t first = static_cast<unsigned char>(key.front());
+  const std::size_t last = static_cast<unsigned char>(key.back());
+  return std::uint64_t{1} << ((key.size() * 7 + first * 5 + last) % 64);
 }
 
 bool HasRepeatedKeyAmongFew(std::span<const DictionaryEntry> entries) {

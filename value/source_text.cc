@@ -41,7 +41,7 @@ SourceText OwnedSource(std::string text) {
 SharedBytes SharedOrCopied(const SourceText& source, const std::string& decoded,
                            std::string_view text) {
   if (text.data() == decoded.data()) return SharedBytes(std::string(text));
-  return SharedBytes(source.buffer, text);
+  return {source.buffer, text};
 }
 
 }  // namespace fernwick

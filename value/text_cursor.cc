@@ -139,7 +139,7 @@ bool TextCursor::ReadUtf16Unit(char32_t& unit) {
 }
 
 std::string_view TextCursor::ReadUnquoted() {
-  const auto end = std::ranges::find_if_not(Rest(), NeedsNoQuotes);
+  const auto* const end = std::ranges::find_if_not(Rest(), NeedsNoQuotes);
   const auto string = Rest().substr(0, static_cast<std::size_t>(end - Rest().begin()));
   at_ += string.size();
   return string;
