@@ -159,7 +159,7 @@ TEST(RecordedRegistryProperty, IsAbsentForAHandleOfNoEntry) {
 /// IOService: root over (a over (b, c), d). IODeviceTree: root over (d over b, other).
 constexpr RegistryEntry ServiceRoot = 1, A = 2, B = 3, C = 4, D = 5, TreeRoot = 6, Other = 7;
 
-Recording TwoPlanes(std::vector<RegistryEntry> holders) {
+Recording TwoPlanes(const std::vector<RegistryEntry>& holders) {
   Recording recording;
   for (const auto* name : {"", "a", "b", "c", "d", "", "other"}) {
     recording.entries.push_back({name, "", {}});
@@ -280,7 +280,7 @@ std::vector<RegistryEntry> ServicesOf(const Recording& recording, std::string_vi
   return RestOf(registry, Matched(registry, className));
 }
 
-Recording TwoPlanesOfFans(std::vector<RegistryEntry> fans) {
+Recording TwoPlanesOfFans(const std::vector<RegistryEntry>& fans) {
   Recording recording = TwoPlanes({});
   for (const RegistryEntry fan : fans) recording.entries[fan - 1].class_ = "Fan";
   return recording;
