@@ -8,6 +8,7 @@
 #include "testing/capture.h"
 #include "testing/computer.h"
 #include "testing/dictionaries.h"
+#include "testing/distinctness.h"
 #include "testing/logging_registry.h"
 #include "testing/temporary_directory.h"
 
@@ -140,6 +141,18 @@ TEST(MatchRecorder, LearnsTheConfigurationWhateverItIs) {
 TEST(MatchRecorder, LearnsOfNoControllers) {
   const auto learned = Learned(Computer(), Dictionary{{"USBC", Array{Update}}});
   EXPECT_EQ(learned.keys, std::vector<KeyDecisions>{{"USBC"}});
+}
+
+// What tests compare is compared whole.
+TEST(MatchRecorder, DiffersByEachOfItsMembers) {
+  const FailedRequirement failure = {"RID", Shortfall::Unequal, {}, {}, {}};
+  testing::ExpectDistinct<PairDecision>(
+      {PairOutcome::Rejected}, {{PairOutcome::Matched}, {PairOutcome::Rejected, {failure}}});
+  testing::ExpectDistinct<ControllerDecisions>(
+      {}, {{.controller = {{"RID", 1}}}, {.controller = {}, .pairs = {{PairOutcome::Matched}}}});
+  const InventoryRecorder inventory = {.listed = {{.port = 1}}};
+  testing::ExpectDistinct<KeyDecisions>(
+      {}, {{.key = "USBC"}, {.key = "", .controllers = {{}}}, {.key = "", .inventory = inventory}});
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "registry/hardware_record.h"
 #include "testing/capture.h"
 #include "testing/dictionaries.h"
+#include "testing/distinctness.h"
 #include "testing/odd_values.h"
 #include "testing/property_values.h"
 #include "testing/version_check_bypass.h"
@@ -264,6 +265,19 @@ TEST(CheckScope, GivesWayToTheOuterOneAtItsEnd) {
   recorder.Add({"UID", Shortfall::Unequal, 1, "UID", 2});
   EXPECT_EQ(recorder.Failures(), (Failures{{"RID", Shortfall::Unequal, 1, "RID", 2, "outer"},
                                            {"UID", Shortfall::Unequal, 1, "UID", 2, ""}}));
+}
+
+// What tests compare is compared whole.
+TEST(RequirementRecorder, FailuresDifferByEachOfTheirMembers) {
+  const FailedRequirement failure = {"RID", Shortfall::Unequal, {}, {}, {}};
+  std::vector<FailedRequirement> others(6, failure);
+  others[0].key = "Version";
+  others[1].shortfall = Shortfall::WrongKind;
+  others[2].wanted = 1;
+  others[3].hardwareKey = "RID";
+  others[4].found = 1;
+  others[5].check = "USBC";
+  testing::ExpectDistinct(failure, others);
 }
 
 }  // namespace

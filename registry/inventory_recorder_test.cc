@@ -5,6 +5,7 @@
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
 #include "testing/computer.h"
+#include "testing/distinctness.h"
 #include "testing/logging_registry.h"
 
 namespace fernwick {
@@ -72,6 +73,19 @@ TEST(InventoryRecorder, LearnsWhereEachThunderboltControllerIs) {
   EXPECT_EQ(Learned(computer, CollectThunderboltControllers),
             (InventoryRecorder{.listed = {{.thunderbolt = own, .rid = Origin::Thunderbolt}},
                                .omitted = {{dock, Omission::NotAtRootOfTopology}}}));
+}
+
+// What tests compare is compared whole.
+TEST(InventoryRecorder, DiffersByEachOfItsMembers) {
+  testing::ExpectDistinct<RecordSource>({.port = 1}, {{.port = 2},
+                                                      {.port = 1, .thunderbolt = 1},
+                                                      {.port = 1, .rid = Origin::Port},
+                                                      {.port = 1, .version = Origin::Port},
+                                                      {.port = 1, .uuidFetched = false}});
+  testing::ExpectDistinct<OmittedController>(
+      {1, Omission::RouteString}, {{2, Omission::RouteString}, {1, Omission::NotAtRootOfTopology}});
+  testing::ExpectDistinct<InventoryRecorder>(
+      {}, {{.listed = {{.port = 1}}}, {.omitted = {{1, Omission::RouteString}}}});
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "registry/thunderbolt_inventory.h"
 #include "testing/computer.h"
 #include "testing/dictionaries.h"
+#include "testing/distinctness.h"
 
 namespace fernwick {
 namespace {
@@ -152,6 +153,12 @@ TEST(SourcesOf, AThunderboltControllerIsTheControllerItself) {
 
 TEST(SourcesOf, AKeyThatNoRecordHoldsIsNothing) {
   EXPECT_EQ(SourcesOf("MinBoardRevision", {.port = 1, .thunderbolt = 2}), Sources{});
+}
+
+// What tests compare is compared whole.
+TEST(PropertySource, DiffersByEachOfItsMembers) {
+  testing::ExpectDistinct<PropertySource>({1, "RID", ""},
+                                          {{2, "RID", ""}, {1, "Version", ""}, {1, "RID", "x"}});
 }
 
 }  // namespace

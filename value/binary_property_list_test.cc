@@ -60,7 +60,7 @@ std::string IntegerObject(unsigned marker, std::initializer_list<std::uint64_t> 
 }
 
 References Same(std::size_t count, std::uint64_t object) {
-  return References(count, object);
+  return References(count, object);  // NOLINT: in braces it would be two
 }
 
 TEST(BinaryPropertyList, AcceptsBooleans) {

@@ -98,7 +98,7 @@ TEST(BinaryWriter, TakesWiderReferencesFromTheTwoHundredAndFiftySeventhObjectOn)
   Array array;
   for (std::uint64_t i = 1; i <= 256; ++i) {
     elements.push_back(i);
-    objects.push_back("\x09");
+    objects.emplace_back("\x09");
     array.push_back(true);
   }
   objects[0] = ArrayObject(elements, 2);

@@ -290,7 +290,7 @@ TEST(PropertyValue, EqualityIsThatOfKindAndContent) {
 
 TEST(PropertyValue, CopiesShareWhatTheyHold) {
   const PropertyValue original = Dictionary{{"a", Array{1, 2}}};
-  const PropertyValue copy = original;
+  const PropertyValue copy = original;  // NOLINT: the copy is what is tested
   EXPECT_EQ(copy.AsDictionary(), original.AsDictionary());
 }
 

@@ -23,7 +23,7 @@ TEST(Share, LastShareReleasesWhatIsShared) {
   {
     const Share first(new Witness(released));
     {
-      const Share second = first;
+      const Share second = first;  // NOLINT: the copy is what is tested
       EXPECT_EQ(second, first);
     }
     EXPECT_EQ(released, 0);
@@ -49,13 +49,14 @@ TEST(Share, AnotherShareTakesThePlaceOfTheOneBefore) {
   share = other;
   EXPECT_EQ(released, 1);
   EXPECT_EQ(share, other);
+  EXPECT_FALSE(share == Share());
   share = *&share;  // with itself
   EXPECT_EQ(otherReleased, 0);
 }
 
 TEST(Share, SharesInNothingAreEqualAndReleaseNothing) {
   const Share nothing;
-  const Share copy = nothing;
+  const Share copy = nothing;  // NOLINT: the copy is what is tested
   EXPECT_EQ(copy, nothing);
   EXPECT_EQ(copy, Share(nullptr));
 }
