@@ -145,8 +145,11 @@ TEST(Lint, TellsADirectoryThatCannotBeListed) {
   directory.Write("p/Fernwick/A/Config.plist", "{}");
   std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
   std::filesystem::permissions(directory.Path() + "/p/Fernwick/A", std::filesystem::perms(0311));
+  // Where it was built may be out of reach for others.
+  const auto program = directory.Path() + "/fernwick-lab";
+  std::filesystem::copy_file(FERNWICK_LAB_PROGRAM, program);
   const testing::Unprivileged unprivileged;
-  ExpectOutcome(Lint({"p"}, directory.Path()),
+  ExpectOutcome(RunChild({program, "lint", "p"}, directory.Path()),
                 {"66",
                  "p/Fernwick/A: error: it cannot be read: Permission denied [unreadable-file]\n"
                  "1 board: 1 error, 0 warnings, 0 notes\n",
