@@ -324,7 +324,8 @@ TEST(Plan, ThatTheDiskHasNoRoomForIsNoSuccess) {
   ASSERT_EQ(whole.status, "0");
   ExpectOutcome(world.ReplayByShell("trap '' XFSZ; ulimit -f 64; exec ", "> plan"),
                 {"74", "", "fernwick: standard output could not be written: File too large\n"});
-  EXPECT_EQ(testing::ReadFile(world.Path() + "/plan"), whole.standardOutput.substr(0, std::size_t{64} * 512));
+  EXPECT_EQ(testing::ReadFile(world.Path() + "/plan"),
+            whole.standardOutput.substr(0, std::size_t{64} * 512));
 }
 
 TEST(Plan, ThatItsReaderLeavesInTheMiddleIsNoSuccess) {

@@ -54,7 +54,8 @@ std::span<const LintRule* const> LintRules() {
 }
 
 const LintRule* FindLintRule(std::string_view id) {
-  const auto* const rule = std::ranges::find(SortedRules, id, [](const LintRule* r) { return r->id; });
+  const auto* const rule =
+      std::ranges::find(SortedRules, id, [](const LintRule* r) { return r->id; });
   return rule == SortedRules.end() ? nullptr : *rule;
 }
 
