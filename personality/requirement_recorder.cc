@@ -14,13 +14,4 @@ void RequirementRecorder::Add(FailedRequirement failure) {
   failures_.push_back(std::move(failure));
 }
 
-CheckScope::CheckScope(std::string_view check, RequirementRecorder* recorder)
-    : recorder_(recorder) {
-  if (recorder_ != nullptr) outer_ = std::exchange(recorder_->check_, check);
-}
-
-CheckScope::~CheckScope() {
-  if (recorder_ != nullptr) recorder_->check_ = outer_;
-}
-
 }  // namespace fernwick

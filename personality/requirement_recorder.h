@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "value/property_value.h"
@@ -60,8 +61,12 @@ class RequirementRecorder {
 class CheckScope {
  public:
   /// `check` is a literal.
-  CheckScope(std::string_view check, RequirementRecorder* recorder);
-  ~CheckScope();
+  CheckScope(std::string_view check, RequirementRecorder* recorder) : recorder_(recorder) {
+    if (recorder_ != nullptr) outer_ = std::exchange(recorder_->check_, check);
+  }
+  ~CheckScope() {
+    if (recorder_ != nullptr) recorder_->check_ = outer_;
+  }
   CheckScope(const CheckScope&) = delete;
   CheckScope& operator=(const CheckScope&) = delete;
 

@@ -11,8 +11,7 @@
 namespace fernwick {
 namespace {
 
-// Unordered when either is not a number, which makes every comparison false. Not part of Compare,
-// which would be the slower for it.
+// Not part of Compare, which would be the slower for it.
 [[gnu::noinline]] std::partial_ordering CompareAny(const PropertyValue& a, const PropertyValue& b) {
   const auto left = a.AsNumber();
   const auto right = b.AsNumber();
@@ -20,12 +19,14 @@ namespace {
   return CompareNumbers(*left, *right);
 }
 
-// The same. Nearly all are integers, and the matcher compares many.
+// Unordered when either is not a number, which makes every comparison false. Nearly all are
+// integers, but for the installed versions, and the matcher compares many.
 std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
   const auto* left = a.AsInteger();
-  const auto* right = b.AsInteger();
-  if (left == nullptr || right == nullptr) return CompareAny(a, b);
-  return *left <=> *right;
+  if (left == nullptr) return CompareAny(a, b);
+  if (const auto* right = b.AsInteger()) return *left <=> *right;
+  if (const auto* right = b.AsReal()) return CompareNumbers(*left, *right);
+  return CompareAny(a, b);
 }
 
 // A value that may be absent (null), for a recorder to keep.

@@ -9,42 +9,33 @@ namespace {
 constexpr double TwoTo63 = 9223372036854775808.0;
 constexpr double TwoTo64 = 18446744073709551616.0;
 
-std::partial_ordering Reversed(std::partial_ordering order) {
-  return 0 <=> order;  // NOLINT(modernize-use-nullptr): it is a number that is compared
-}
-
-// REQUIRES: real is a whole number from −2^63 to below 2^64.
-Integer ExactInteger(double real) {
+// Truncated toward zero. REQUIRES: −2^63 ≤ real < 2^64.
+Integer WholePart(double real) {
   if (real < 0) return static_cast<std::int64_t>(real);
   return static_cast<std::uint64_t>(real);
 }
 
-std::partial_ordering Compare(Integer integer, double real) {
-  if (std::isnan(real)) return std::partial_ordering::unordered;
-  if (real >= TwoTo64) return std::partial_ordering::less;
-  if (real < -TwoTo63) return std::partial_ordering::greater;
-  const double whole = std::trunc(real);
-  const auto order = integer <=> ExactInteger(whole);
-  if (order != std::strong_ordering::equal) return order;
-  return whole <=> real;  // the integers agree; what is left of the real decides
-}
-
-std::partial_ordering Compare(Integer a, Integer b) {
-  return a <=> b;
-}
-
-std::partial_ordering Compare(double a, double b) {
-  return a <=> b;
-}
-
-std::partial_ordering Compare(double real, Integer integer) {
-  return Reversed(Compare(integer, real));
-}
-
 }  // namespace
 
+std::partial_ordering CompareNumbers(Integer a, double b) {
+  if (std::isnan(b)) return std::partial_ordering::unordered;
+  if (b >= TwoTo64) return std::partial_ordering::less;
+  if (b < -TwoTo63) return std::partial_ordering::greater;
+  const auto order = a <=> WholePart(b);
+  if (order != std::strong_ordering::equal) return order;
+  return std::trunc(b) <=> b;  // the integers agree; what is left of the real decides
+}
+
 std::partial_ordering CompareNumbers(const Number& a, const Number& b) {
-  return std::visit([](const auto& x, const auto& y) { return Compare(x, y); }, a, b);
+  struct Compare {
+    std::partial_ordering operator()(Integer x, Integer y) const { return x <=> y; }
+    std::partial_ordering operator()(double x, double y) const { return x <=> y; }
+    std::partial_ordering operator()(Integer x, double y) const { return CompareNumbers(x, y); }
+    std::partial_ordering operator()(double x, Integer y) const {
+      return 0 <=> CompareNumbers(y, x);  // NOLINT(modernize-use-nullptr): it is a number
+    }
+  };
+  return std::visit(Compare(), a, b);
 }
 
 std::uint64_t ToUnsigned64(const Number& number) {

@@ -45,6 +45,14 @@ TEST(Number, BoundsOfIntegersAgainstReals) {
             std::partial_ordering::less);
 }
 
+TEST(Number, AnIntegerAndARealCompareAsNumbersDo) {
+  for (const double real : {-0.5, 0.0, 0.5, 4.5, 5.0, 5.5, 1e30}) {
+    for (const Integer integer : {-1, 0, 4, 5}) {
+      EXPECT_EQ(CompareNumbers(integer, real), CompareNumbers(Number(integer), Number(real)));
+    }
+  }
+}
+
 TEST(Number, NanIsUnorderedWithEverything) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(CompareNumbers(nan, Integer(0)), std::partial_ordering::unordered);

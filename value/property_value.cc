@@ -144,16 +144,6 @@ bool operator==(const PropertyValue& a, const PropertyValue& b) {
   }
 }
 
-std::optional<std::string_view> PropertyValue::AsString() const {
-  if (!Is(Kind::String)) return std::nullopt;
-  return content_.bytes;
-}
-
-std::optional<std::string_view> PropertyValue::AsData() const {
-  if (!Is(Kind::Data)) return std::nullopt;
-  return content_.bytes;
-}
-
 std::optional<Number> PropertyValue::AsNumber() const {
   if (const auto* integer = AsInteger()) return *integer;
   if (const auto* real = AsReal()) return *real;

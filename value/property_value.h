@@ -91,8 +91,8 @@ class PropertyValue {
   const Date* AsDate() const { return Is(Kind::Date) ? &content_.date : nullptr; }
 
   /// The text of a string, the bytes of data. They live as long as any copy of the value.
-  std::optional<std::string_view> AsString() const;
-  std::optional<std::string_view> AsData() const;
+  std::optional<std::string_view> AsString() const { return BytesOf(Kind::String); }
+  std::optional<std::string_view> AsData() const { return BytesOf(Kind::Data); }
 
   /// The number that an integer, a real or a boolean is.
   std::optional<Number> AsNumber() const;
@@ -146,6 +146,11 @@ class PropertyValue {
       : share_(bytes.Held()), kind_(kind), content_{.bytes = bytes.View()} {}
 
   bool Is(Kind kind) const { return kind_ == kind; }
+
+  std::optional<std::string_view> BytesOf(Kind kind) const {
+    if (!Is(kind)) return std::nullopt;
+    return content_.bytes;
+  }
 
   Share share_;  // in nothing for the kinds that hold their content themselves
   Kind kind_;
