@@ -3,20 +3,18 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "value/key_hash.h"
+
 namespace fernwick {
 namespace {
 
 // Also stands for a place where there is none.
-constexpr std::size_t KeyCount = std::size(CheckedKeyNames);
+constexpr std::uint32_t KeyCount = std::size(CheckedKeyNames);
 
 constexpr std::size_t SlotCount = 128;
 
-// The same for equal names, and another for each name that the checks read.
 constexpr std::size_t SlotOf(std::string_view name) {
-  const auto size = name.size();
-  if (size < 2) return 0;
-  const auto at = [&](std::size_t i) -> std::size_t { return static_cast<unsigned char>(name[i]); };
-  return (size + at(1) + at(size / 2) + at(size * 3 / 4)) % SlotCount;
+  return KeyHash(name) % SlotCount;
 }
 
 // The place among the names of the only one that a slot can hold.
@@ -34,8 +32,8 @@ static_assert(std::ranges::all_of(CheckedKeyNames, [](std::string_view name) {
   return CheckedKeyNames[PlaceBySlot[SlotOf(name)]] == name;
 }));
 
-std::size_t PlaceOf(std::string_view name) {
-  const std::size_t place = PlaceBySlot[SlotOf(name)];
+std::uint32_t PlaceOf(std::string_view name) {
+  const std::uint32_t place = PlaceBySlot[SlotOf(name)];
   if (place == KeyCount || CheckedKeyNames[place] != name) return KeyCount;
   return place;
 }
@@ -48,13 +46,30 @@ std::optional<CheckedKey> CheckedKey::Named(std::string_view name) {
   return CheckedKey(place);
 }
 
-CheckedValues::CheckedValues(const Dictionary& record) {
+std::uint32_t CheckedKeyMemo::PlaceOf(std::string_view key) {
+  // Keys of one record that are eight bytes and more apart do not get into each other's way.
+  auto& slot = slots_[reinterpret_cast<std::uintptr_t>(key.data()) / 8 % slots_.size()];
+  if (slot.bytes != key.data() || slot.size != key.size()) {
+    slot = {key.data(), static_cast<std::uint32_t>(key.size()), fernwick::PlaceOf(key)};
+  }
+  return slot.place;
+}
+
+template <typename PlaceFinder>
+CheckedValues::CheckedValues(const Dictionary& record, PlaceFinder placeOf) {
+  std::uint32_t present = 0;  // in no member, which every entry would have to wait for
   for (const auto& [key, value] : record.Entries()) {
-    const auto place = PlaceOf(key.View());
+    const std::uint32_t place = placeOf(key.View());
     if (place == KeyCount) continue;
-    present_ |= std::uint32_t{1} << place;
+    present |= std::uint32_t{1} << place;
     values_[place] = &value;
   }
+  present_ = present;
 }
+
+CheckedValues::CheckedValues(const Dictionary& record) : CheckedValues(record, PlaceOf) {}
+
+CheckedValues::CheckedValues(const Dictionary& record, CheckedKeyMemo& memo)
+    : CheckedValues(record, [&](std::string_view key) { return memo.PlaceOf(key); }) {}
 
 }  // namespace fernwick

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "personality/personality.h"
 
@@ -85,6 +87,50 @@ TEST(CheckedValues, OtherKeysAreNotInTheWay) {
   record.Set("RID", 2);
   record.Set("Firmware", "Grat.bin");
   EXPECT_EQ(Find(record, "RID"), record.Find("RID"));
+}
+
+// Records whose keys share their bytes, as those of one file do.
+TEST(CheckedKeyMemo, FindsTheSameValues) {
+  CheckedKeyMemo memo;
+  const auto first = NumberedRecord();
+  std::vector<DictionaryEntry> entries(first.Entries().rbegin(), first.Entries().rend());
+  const Dictionary second(std::move(entries));
+  for (const auto* record : {&first, &second, &first}) {
+    const CheckedValues values(*record, memo);
+    for (const auto name : CheckedKeyNames) {
+      EXPECT_EQ(values.Find(*CheckedKey::Named(name)), record->Find(name)) << name;
+    }
+  }
+}
+
+// Keys that begin at one place, or at places that the memo does not tell apart, differ all the
+// same.
+TEST(CheckedKeyMemo, TellsKeysApartThatStandInOnePlace) {
+  const SharedBytes whole("Port UUID, Version and RID" + std::string(5000, 'x') + "RIDRID");
+  const auto at = [&](std::size_t place, std::size_t size) {
+    return SharedBytes(whole, whole.View().substr(place, size));
+  };
+  CheckedKeyMemo memo;
+  for (int round = 0; round < 2; ++round) {
+    for (std::size_t size = 0; size < 12; ++size) {
+      const Dictionary record({DictionaryEntry(at(0, size), 5)});
+      EXPECT_EQ(CheckedValues(record, memo).Find("Port UUID") != nullptr, size == 9) << size;
+    }
+    for (std::size_t place = 0; place + 3 <= whole.View().size(); ++place) {
+      const Dictionary record({DictionaryEntry(at(place, 3), 5)});
+      const bool isRid = whole.View().substr(place, 3) == "RID";
+      EXPECT_EQ(CheckedValues(record, memo).Find("RID") != nullptr, isRid) << place;
+    }
+  }
+}
+
+TEST(CheckedKeyMemo, AKeyWithoutBytesIsNone) {
+  const Dictionary record({DictionaryEntry(SharedBytes(), 5)});
+  CheckedKeyMemo memo;
+  const CheckedValues values(record, memo);
+  for (const auto name : CheckedKeyNames) {
+    EXPECT_EQ(values.Find(*CheckedKey::Named(name)), nullptr) << name;
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "personality/checked_values.h"
 #include "personality/configuration.h"
 #include "personality/legacy_thunderbolt_check.h"
 #include "personality/legacy_usbc_check.h"
@@ -50,7 +51,7 @@ class KeyMatcher {
   // The check of one controller, whose values are looked up once for all personalities.
   template <typename Check>
   auto CheckOf(std::size_t index, Check check) const {
-    return [=, controller = CheckedValues((*controllers_)[index])](const Personality& personality,
+    return [=, controller = CheckedValues((*controllers_)[index])](const CheckedValues& personality,
                                                                    RequirementRecorder* recorder) {
       return check(personality, controller, recorder);
     };
@@ -64,7 +65,7 @@ class KeyMatcher {
       return false;
     }
     RequirementRecorder why;
-    if (!passes(*personality, recording_ == nullptr ? nullptr : &why)) {
+    if (!passes(CheckedValues(*personality, memo_), recording_ == nullptr ? nullptr : &why)) {
       Record(index, {PairOutcome::Rejected, why.Failures()});
       return false;
     }
@@ -81,6 +82,7 @@ class KeyMatcher {
   const HardwareInventory& controllers_;
   KeyDecisions* recording_;
   std::vector<MatchRecord>& matches_;
+  CheckedKeyMemo memo_;  // of the personalities' keys
 };
 
 // The three checks of ports by one form: personality, port record, recorder.

@@ -8,6 +8,7 @@
 #include "value/base64.h"
 #include "value/calendar_date.h"
 #include "value/decoded_bytes.h"
+#include "value/key_interner.h"
 #include "value/number_text.h"
 #include "value/text_position.h"
 #include "value/xml_cursor.h"
@@ -151,6 +152,7 @@ class XmlPropertyListReader {
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
     if (!ReadSharedText(tag, key) || !cursor_.SkipMiscellany()) return false;
+    key = keys_.Intern(std::move(key));
     if (places_ != nullptr) places_->Key(key, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
@@ -227,6 +229,7 @@ class XmlPropertyListReader {
   std::size_t nesting_ = 0;
   std::string scratch_;
   DecodedBytes decoded_;
+  KeyInterner keys_;
   // What has been read of the arrays and dictionaries that are still open, innermost last, so that
   // each is built at once in its final size.
   std::vector<PropertyValue> values_;
