@@ -15,6 +15,7 @@ import sys
 import tempfile
 
 import processes
+import reading
 import samples
 
 WRONG_USAGE = 64
@@ -33,7 +34,8 @@ class Size:
                          "--benchmark_min_time=0"] if smoke else
                         ["--benchmark_repetitions=9", "--benchmark_min_time=0.05",
                          "--benchmark_enable_random_interleaving=true"])
-        self.measures_reading = not smoke  # which takes minutes, however little is read
+        self.megabytes = (1,) if smoke else (1, 20)
+        self.readings = 1 if smoke else 15
 
 
 class Row:
@@ -182,32 +184,28 @@ def measure_lint_of(bench, make):
 LINT_GROWTH = 12.5
 
 def measure_reading(bench):
-    """Property lists, beside other readers: reading_bench tells what of each is to be reached."""
+    """Property lists, beside other readers."""
     program = bench.build / "bench" / "reading_bench"
     if not program.exists():
         return bench.leave_out("reading", "libbenchmark-dev is missing")
-    if not bench.size.measures_reading:
-        return bench.leave_out("reading", "it takes minutes")
-    found = bench.directory / "reading.json"
-    subprocess.run([program, "--json", found],
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
-    ours = {}
-    for run in json.loads(found.read_text()):
-        subject = (run["document"], run["form"])
-        if run["reader"] == "fernwick":
-            ours[subject] = run
-            continue
-        own = ours[subject]
-        what = f"{run['form']}, {run['document']}"
-        least = READING_GOALS.get((run["form"], run["reader"]))
-        bench.add(what, milliseconds(own["seconds"]),
-                  f"{run['reader']} {milliseconds(run['seconds'])}",
-                  run["seconds"] / own["seconds"], least=least)
-        if "peakBytes" in run and "peakBytes" in own:
-            bench.add(f"{what}, memory", megabytes(own["peakBytes"]),
-                      f"{run['reader']} {megabytes(run['peakBytes'])}",
-                      own["peakBytes"] / max(run["peakBytes"], 1),
-                      most=1 if run["reader"] == "libplist" else None)
+    present, missing = reading.readers(program)
+    for size in bench.size.megabytes:
+        for each in reading.measure(program, present, bench.directory, size, bench.size.readings):
+            if each.reader == reading.OURS:
+                ours = each
+            else:
+                add_reading(bench, ours, each)
+    for package in missing:
+        bench.leave_out("a reader", f"{package} is missing")
+
+
+def add_reading(bench, ours, other):
+    what = f"{ours.form}, {ours.document}"
+    bench.add(what, milliseconds(ours.seconds), f"{other.reader} {milliseconds(other.seconds)}",
+              other.seconds / ours.seconds, least=READING_GOALS.get((ours.form, other.reader)))
+    if other.reader == "libplist":
+        bench.add(f"{what}, memory", megabytes(ours.peak), f"libplist {megabytes(other.peak)}",
+                  ours.peak / other.peak, most=1)
 
 
 # How many times as fast as another reader ours is to be.

@@ -9,6 +9,7 @@ import tempfile
 import unittest
 
 import processes
+import reading
 import run
 
 
@@ -43,6 +44,38 @@ class ProcessesTest(unittest.TestCase):
     def test_a_process_that_a_signal_ends_is_not_measured(self):
         with self.assertRaises(RuntimeError):
             processes.run(["/bin/sh", "-c", "kill -SEGV $$"])
+
+
+class ReadingTest(unittest.TestCase):
+    """Over a program that stands in for the one that reads: every read takes a second longer."""
+
+    PROGRAM = """#!/bin/sh
+case $1 in
+  readers) printf 'fernwick\\tXML binary\\nmemchr\\tXML \\nlibplist (libplist-dev)\\t\\n' ;;
+  read) echo x >> "$3.reads"; echo "$(wc -l < "$3.reads") 500" ;;
+esac
+"""
+
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = pathlib.Path(directory.name)
+        self.program = self.directory / "program"
+        self.program.write_text(self.PROGRAM)
+        self.program.chmod(0o755)
+
+    def test_readers_are_told_with_their_forms_and_what_is_missing(self):
+        self.assertEqual(reading.readers(self.program),
+                         ({"fernwick": ["XML", "binary"], "memchr": ["XML"],
+                           "plistlib": ["XML", "binary"]}, ["libplist (libplist-dev)"]))
+
+    def test_readers_take_turns_and_medians_are_told(self):
+        path = self.directory / "computer, XML"
+        present = {"fernwick": ["XML", "binary"], "memchr": ["XML"], "other": ["binary"]}
+        measured = [(each.document, each.form, each.reader, each.seconds, each.peak)
+                    for each in reading.measure_file(self.program, present, path, 3)]
+        self.assertEqual(measured, [("computer", "XML", "fernwick", 3, 500),
+                                    ("computer", "XML", "memchr", 4, 500)])
 
 
 class MainTest(unittest.TestCase):
