@@ -23,7 +23,7 @@ struct Inventory {
 std::optional<std::uint32_t> NumberOf(const RecordedEntry& entry, std::string_view key) {
   const auto* value = entry.properties.Find(key);
   if (value == nullptr) return std::nullopt;
-  if (const auto* integer = value->AsInteger()) return static_cast<std::uint32_t>(integer->Bits());
+  if (const auto integer = value->AsInteger()) return static_cast<std::uint32_t>(integer->Bits());
   if (const auto* boolean = value->AsBoolean()) return *boolean;
   if (const auto* real = value->AsReal()) {
     if (!(*real >= 1)) return 0;

@@ -55,7 +55,7 @@ void HoldPlan(std::string_view text) {
   const auto* version = plan->Find("Version");
   Hold(version != nullptr && *version == PropertyValue(1), "a plan has version 1");
   const auto* priority = plan->Find("Priority");
-  Hold(priority != nullptr && priority->AsInteger() != nullptr &&
+  Hold(priority != nullptr && priority->AsInteger().has_value() &&
            *priority->AsInteger() <= Integer(0x7FFFFFFF),
        "a plan has a priority");
   HoldArguments(plan->Find("HallowArguments"));

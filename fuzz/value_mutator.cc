@@ -87,7 +87,7 @@ PropertyValue ValueMutator::Changed(const PropertyValue& value) {
   if (const auto* array = value.AsArray()) return ChangedArray(*array);
   if (const auto text = value.AsString()) return ChangedText(*text);
   if (const auto bytes = value.AsData()) return testing::Bytes(ChangedText(*bytes));
-  if (const auto* integer = value.AsInteger()) {
+  if (const auto integer = value.AsInteger()) {
     const auto bits = static_cast<std::int64_t>(integer->Bits());
     const std::int64_t numbers[] = {bits ^ (std::int64_t{1} << Pick(63)), bits >> 1, -1, 0, 1};
     return numbers[Pick(std::size(numbers))];

@@ -13,9 +13,9 @@ namespace {
 constexpr std::size_t LongestList = 8;
 
 std::string WithHex(const PropertyValue& value) {
-  const auto* integer = value.AsInteger();
+  const auto integer = value.AsInteger();
   auto text = DumpText(value);
-  if (integer == nullptr || integer->IsNegative() || integer->Bits() < 10) return text;
+  if (!integer || integer->IsNegative() || integer->Bits() < 10) return text;
   char hex[32];
   std::snprintf(hex, sizeof hex, " (0x%" PRIX64 ")", integer->Bits());
   return text + hex;

@@ -63,13 +63,13 @@ bool MayIdentify(const PropertyValue& value) {
   if (const auto* real = value.AsReal()) return std::isfinite(*real);
   if (const auto* array = value.AsArray()) return AnyMayIdentify(*array);
   if (const auto* dictionary = value.AsDictionary()) return AnyMayIdentify(*dictionary);
-  return value.AsInteger() != nullptr;
+  return value.AsInteger().has_value();
 }
 
 PropertyValue Pseudonyms::Of(const PropertyValue& value) {
   if (const auto text = value.AsString()) return OfText(*text);
   if (const auto bytes = value.AsData()) return Data{SharedBytes(OfBytes(*bytes))};
-  if (const auto* integer = value.AsInteger()) return OfNumber(*integer);
+  if (const auto integer = value.AsInteger()) return OfNumber(*integer);
   if (const auto* real = value.AsReal(); real != nullptr && MayIdentify(value)) {
     return static_cast<double>(OfNumber(*real));
   }

@@ -20,7 +20,7 @@ std::string Indented(std::string_view text, std::size_t indentation) {
 // One "key" = value a line.
 void AppendProperties(const Dictionary& properties, std::size_t indentation, std::string& out) {
   for (const auto& [key, value] : properties.Entries()) {
-    const auto line = DumpText(PropertyValue(String{key})) + " = " + DumpText(value);
+    const auto line = DumpText(PropertyValue(String{key.Text()})) + " = " + DumpText(value);
     out += Indented(line, indentation) + "\n";
   }
 }

@@ -9,7 +9,7 @@ namespace fernwick {
 namespace {
 
 // Also stands for a place where there is none.
-constexpr std::uint32_t KeyCount = std::size(CheckedKeyNames);
+constexpr std::size_t KeyCount = std::size(CheckedKeyNames);
 
 constexpr std::size_t SlotCount = 128;
 
@@ -32,8 +32,8 @@ static_assert(std::ranges::all_of(CheckedKeyNames, [](std::string_view name) {
   return CheckedKeyNames[PlaceBySlot[SlotOf(name)]] == name;
 }));
 
-std::uint32_t PlaceOf(std::string_view name) {
-  const std::uint32_t place = PlaceBySlot[SlotOf(name)];
+std::size_t PlaceOf(std::string_view name) {
+  const std::size_t place = PlaceBySlot[SlotOf(name)];
   if (place == KeyCount || CheckedKeyNames[place] != name) return KeyCount;
   return place;
 }
@@ -46,12 +46,10 @@ std::optional<CheckedKey> CheckedKey::Named(std::string_view name) {
   return CheckedKey(place);
 }
 
-std::uint32_t CheckedKeyMemo::PlaceOf(std::string_view key) {
-  // Keys of one record that are eight bytes and more apart do not get into each other's way.
-  auto& slot = slots_[reinterpret_cast<std::uintptr_t>(key.data()) / 8 % slots_.size()];
-  if (slot.bytes != key.data() || slot.size != key.size()) {
-    slot = {key.data(), static_cast<std::uint32_t>(key.size()), fernwick::PlaceOf(key)};
-  }
+std::size_t CheckedKeyMemo::PlaceOf(const DictionaryKey& key) {
+  // Keys come from the heap, which gives each at least 32 bytes.
+  auto& slot = slots_[reinterpret_cast<std::uintptr_t>(key.Address()) / 32 % slots_.size()];
+  if (slot.address != key.Address()) slot = {key.Address(), fernwick::PlaceOf(key.View())};
   return slot.place;
 }
 
@@ -59,7 +57,7 @@ template <typename PlaceFinder>
 CheckedValues::CheckedValues(const Dictionary& record, PlaceFinder placeOf) {
   std::uint32_t present = 0;  // in no member, which every entry would have to wait for
   for (const auto& [key, value] : record.Entries()) {
-    const std::uint32_t place = placeOf(key.View());
+    const std::size_t place = placeOf(key);
     if (place == KeyCount) continue;
     present |= std::uint32_t{1} << place;
     values_[place] = &value;
@@ -67,9 +65,10 @@ CheckedValues::CheckedValues(const Dictionary& record, PlaceFinder placeOf) {
   present_ = present;
 }
 
-CheckedValues::CheckedValues(const Dictionary& record) : CheckedValues(record, PlaceOf) {}
+CheckedValues::CheckedValues(const Dictionary& record)
+    : CheckedValues(record, [](const DictionaryKey& key) { return PlaceOf(key.View()); }) {}
 
 CheckedValues::CheckedValues(const Dictionary& record, CheckedKeyMemo& memo)
-    : CheckedValues(record, [&](std::string_view key) { return memo.PlaceOf(key); }) {}
+    : CheckedValues(record, [&](const DictionaryKey& key) { return memo.PlaceOf(key); }) {}
 
 }  // namespace fernwick

@@ -71,21 +71,20 @@ class CheckedKey {
   std::size_t place_;
 };
 
-/// Remembers which keys the checks read by where the bytes of a key stand: the records of a file
-/// share them, mostly, and then nobody has to look at them again. For records that stay where they
-/// are and do not change as long as the memo lives.
+/// Remembers which keys the checks read by their addresses: the records of a file share their keys,
+/// mostly, and then nobody has to look at the text of one again. For records that do not change as
+/// long as the memo lives.
 class CheckedKeyMemo {
  private:
   friend class CheckedValues;
 
-  struct Slot {  // of 16 bytes, which are found faster than 24
-    const char* bytes = nullptr;
-    std::uint32_t size = 0;  // no file has 4 GiB, and so no key
-    std::uint32_t place = CheckedKey::Count;
+  struct Slot {
+    const void* address = nullptr;
+    std::size_t place = 0;
   };
 
   // Count where no check reads the key.
-  std::uint32_t PlaceOf(std::string_view key);
+  std::size_t PlaceOf(const DictionaryKey& key);
 
   std::array<Slot, 256> slots_;  // by address
 };

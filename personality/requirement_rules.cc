@@ -22,9 +22,9 @@ namespace {
 // Unordered when either is not a number, which makes every comparison false. Nearly all are
 // integers, but for the installed versions, and the matcher compares many.
 std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
-  const auto* left = a.AsInteger();
-  if (left == nullptr) return CompareAny(a, b);
-  if (const auto* right = b.AsInteger()) return *left <=> *right;
+  const auto left = a.AsInteger();
+  if (!left) return CompareAny(a, b);
+  if (const auto right = b.AsInteger()) return *left <=> *right;
   if (const auto* right = b.AsReal()) return CompareNumbers(*left, *right);
   return CompareAny(a, b);
 }

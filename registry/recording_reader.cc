@@ -86,11 +86,8 @@ class RecordingReader {
   bool CheckVersion(const Dictionary& top) {
     const auto* version = top.Find("Recording Version");
     if (version == nullptr) return Fail("\"Recording Version\" is missing");
-    const auto* number = version->AsInteger();
-    if (number == nullptr || *number != Integer(1)) {
-      return Fail("\"Recording Version\" is not the integer 1");
-    }
-    return true;
+    if (version->AsInteger() == Integer(1)) return true;
+    return Fail("\"Recording Version\" is not the integer 1");
   }
 
   bool ReadClasses(const Dictionary& top) {

@@ -26,7 +26,7 @@ ExactNumber Exact(const Integer& integer) {
 
 // An integer, a real or a boolean is a number; nothing else is.
 std::optional<ExactNumber> NumberOf(const PropertyValue& value) {
-  if (value.AsInteger() != nullptr) return Exact(*value.AsInteger());
+  if (value.AsInteger().has_value()) return Exact(*value.AsInteger());
   if (value.AsReal() != nullptr) return static_cast<ExactNumber>(*value.AsReal());
   if (value.AsBoolean() != nullptr) return *value.AsBoolean() ? 1.0L : 0.0L;
   return std::nullopt;

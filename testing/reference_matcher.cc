@@ -46,7 +46,7 @@ void SetFromController(Entries& record, Entries& controller, std::string_view ke
 bool HoldsNumber(Entries& entries, std::string_view key) {
   if (!Holds(entries, key)) return false;
   const PropertyValue& value = Locate(entries, key)->value;
-  return value.AsInteger() != nullptr || value.AsReal() != nullptr || value.AsBoolean() != nullptr;
+  return value.AsInteger().has_value() || value.AsReal() != nullptr || value.AsBoolean() != nullptr;
 }
 
 }  // namespace

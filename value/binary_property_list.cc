@@ -1,9 +1,11 @@
 #include "value/binary_property_list.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,6 +82,13 @@ struct FinishedContainer {
   std::size_t height;  // how many containers are nested in it at most, itself included
 };
 
+// A key that has been read.
+struct KnownKey {
+  std::uint64_t number;  // of the object
+  std::size_t offset;
+  std::optional<DictionaryKey> key;
+};
+
 class BinaryPropertyListReader {
  public:
   BinaryPropertyListReader(const SourceBuffer& file, PlaceRecorder* places)
@@ -127,8 +136,8 @@ class BinaryPropertyListReader {
   }
 
   // Books the bytes of one key, string or data.
-  bool CountBytes(const Object& object, std::uint64_t size) {
-    return size <= ShortText || CountLongBytes(object.offset, size);
+  bool CountBytes(std::size_t offset, std::uint64_t size) {
+    return size <= ShortText || CountLongBytes(offset, size);
   }
 
   // Books the bytes of a string that is looked at for the first time. Strings that do not overlap
@@ -265,7 +274,7 @@ class BinaryPropertyListReader {
     std::uint64_t size = 0;
     std::string_view bytes;
     if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
-    if (!CountBytes(object, size)) return false;
+    if (!CountBytes(object.offset, size)) return false;
     value = Data{SharedBytes(buffer_, bytes)};
     return true;
   }
@@ -280,7 +289,7 @@ class BinaryPropertyListReader {
   bool ReadText(const Object& object, SharedBytes& text) {
     const bool isAscii = object.Kind() == ObjectKind::AsciiString;
     if (!(isAscii ? ReadAsciiText(object, text) : ReadUtf16Text(object, text))) return false;
-    return CountBytes(object, text.View().size());
+    return CountBytes(object.offset, text.View().size());
   }
 
   bool ReadAsciiText(Object object, SharedBytes& text) {
@@ -398,22 +407,35 @@ class BinaryPropertyListReader {
     std::vector<DictionaryEntry> entries;
     entries.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t i = 0; i < count; ++i) {
-      auto& entry = entries.emplace_back(SharedBytes(), Unread);
-      if (!ReadKey(ReferenceAt(references, i), object.offset, entry.key)) return false;
+      const auto* key = ReadKey(ReferenceAt(references, i), object.offset);
+      if (key == nullptr) return false;
+      auto& entry = entries.emplace_back(*key, Unread);
       if (!ReadValue(ReferenceAt(references, count + i), object.offset, entry.value)) return false;
     }
     value = Dictionary(std::move(entries));
     return true;
   }
 
-  bool ReadKey(std::uint64_t number, std::size_t referrer, SharedBytes& key) {
+  // Null for a fault. Valid until the next key is read.
+  const DictionaryKey* ReadKey(std::uint64_t number, std::size_t referrer) {
+    auto& known = knownKeys_[number % std::size(knownKeys_)];
+    const bool isKnown = known.key && known.number == number;
+    const bool read = isKnown ? CountBytes(known.offset, known.key->View().size())
+                              : ReadNewKey(number, referrer, known);
+    if (!read) return nullptr;
+    if (places_ != nullptr) places_->Key(known.key->Text(), known.offset);
+    return &*known.key;
+  }
+
+  bool ReadNewKey(std::uint64_t number, std::size_t referrer, KnownKey& known) {
     Object object{};
+    SharedBytes text;
     if (!Locate(number, referrer, object)) return false;
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
     }
-    if (!ReadText(object, key)) return false;
-    if (places_ != nullptr) places_->Key(key, object.offset);
+    if (!ReadText(object, text)) return false;
+    known = {number, object.offset, DictionaryKey(text)};
     return true;
   }
 
@@ -429,6 +451,7 @@ class BinaryPropertyListReader {
   std::vector<State> states_;  // by object
   std::map<std::uint64_t, FinishedContainer> finished_;  // by object, those read twice
   DecodedBytes decoded_;
+  std::array<KnownKey, 256> knownKeys_;  // by their numbers, those that were read last
   // UTF-16 strings that have been decoded, by their place: one that is shared often must not cost
   // its size each time. Ordered, as a file picks the places and could make hashes clash.
   std::map<std::size_t, SharedBytes> knownTexts_;

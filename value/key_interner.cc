@@ -1,15 +1,13 @@
 #include "value/key_interner.h"
 
-#include <utility>
-
 #include "value/key_hash.h"
 
 namespace fernwick {
 
-SharedBytes KeyInterner::Intern(SharedBytes key) {
-  auto& recent = recent_[KeyHash(key.View()) % SlotCount];
-  if (recent != key) recent = std::move(key);
-  return recent;
+DictionaryKey KeyInterner::Intern(const SharedBytes& text) {
+  auto& recent = recent_[KeyHash(text.View()) % SlotCount];
+  if (!recent || recent->View() != text.View()) recent.emplace(text);
+  return *recent;
 }
 
 }  // namespace fernwick

@@ -2,23 +2,23 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 
-#include "value/shared_bytes.h"
+#include "value/dictionary_key.h"
 
 namespace fernwick {
 
-/// Gives equal keys of a file the same bytes: most of its dictionaries have the same few keys, and
-/// who reads them all need not go through the whole file for them. It knows a bounded number of
-/// keys, so equal keys may have bytes of their own all the same.
+/// Makes the keys of a file's dictionaries, equal ones mostly as copies of each other. It remembers
+/// a bounded number of keys.
 class KeyInterner {
  public:
-  /// `key`, or one equal to it that was given before.
-  SharedBytes Intern(SharedBytes key);
+  /// A key of that text.
+  DictionaryKey Intern(const SharedBytes& text);
 
  private:
-  static constexpr std::size_t SlotCount = 128;
+  static constexpr std::size_t SlotCount = 512;
 
-  std::array<SharedBytes, SlotCount> recent_;  // by their hashes
+  std::array<std::optional<DictionaryKey>, SlotCount> recent_;  // by their hashes
 };
 
 }  // namespace fernwick

@@ -17,7 +17,7 @@ Integer WholePart(double real) {
 
 }  // namespace
 
-std::partial_ordering CompareNumbers(Integer a, double b) {
+std::partial_ordering CompareNumbers(const Integer& a, double b) {
   if (std::isnan(b)) return std::partial_ordering::unordered;
   if (b >= TwoTo64) return std::partial_ordering::less;
   if (b < -TwoTo63) return std::partial_ordering::greater;

@@ -21,6 +21,12 @@ class Integer {
     return Integer(std::uint64_t{0} - magnitude, magnitude != 0);
   }
 
+  /// The integer of that 64-bit two's-complement form and sign. REQUIRES: no bits below 2^63 are
+  /// those of a negative one.
+  static constexpr Integer OfBits(std::uint64_t bits, bool isNegative) {
+    return {bits, isNegative};
+  }
+
   /// The 64-bit two's-complement form: −1 is 0xFFFFFFFFFFFFFFFF, and so is 2^64−1.
   constexpr std::uint64_t Bits() const { return bits_; }
   constexpr bool IsNegative() const { return negative_; }
@@ -46,7 +52,7 @@ using Number = std::variant<Integer, double>;
 /// The exact mathematical order: neither side is rounded, so 2^53+1 is greater than the real 2^53.
 /// NaN is unordered with everything, itself included.
 std::partial_ordering CompareNumbers(const Number& a, const Number& b);
-std::partial_ordering CompareNumbers(Integer a, double b);
+std::partial_ordering CompareNumbers(const Integer& a, double b);
 
 /// 64 bits, unsigned: an integer in its two's-complement form; a real truncated toward zero and
 /// saturated to 0 ... 2^64−1, NaN as 0.

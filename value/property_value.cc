@@ -117,16 +117,23 @@ void Dictionary::Merge(const Dictionary& other) {
 }
 
 PropertyValue::PropertyValue(Dictionary value)
-    : kind_(Kind::Dictionary), content_{.dictionary = nullptr} {
+    : content_{.dictionary = nullptr}, kind_(Kind::Dictionary) {
   const auto* holder = new Holder<Dictionary>(std::move(value));
   share_ = Share(holder);
   content_.dictionary = &holder->content;
 }
 
-PropertyValue::PropertyValue(Array value) : kind_(Kind::Sequence), content_{.array = nullptr} {
+PropertyValue::PropertyValue(Array value) : content_{.array = nullptr}, kind_(Kind::Sequence) {
   const auto* holder = new Holder<Array>(std::move(value));
   share_ = Share(holder);
   content_.array = &holder->content;
+}
+
+std::optional<Number> PropertyValue::AsNumber() const {
+  if (const auto integer = AsInteger()) return *integer;
+  if (const auto* real = AsReal()) return *real;
+  if (const auto* boolean = AsBoolean()) return Integer(*boolean ? 1 : 0);
+  return std::nullopt;
 }
 
 bool operator==(const PropertyValue& a, const PropertyValue& b) {
@@ -136,19 +143,12 @@ bool operator==(const PropertyValue& a, const PropertyValue& b) {
     case Kind::Dictionary: return *a.content_.dictionary == *b.content_.dictionary;
     case Kind::Sequence: return *a.content_.array == *b.content_.array;
     case Kind::String:
-    case Kind::Data: return a.content_.bytes == b.content_.bytes;
-    case Kind::Integer: return a.content_.integer == b.content_.integer;
+    case Kind::Data: return a.Bytes() == b.Bytes();
+    case Kind::Integer: return a.WholeNumber() == b.WholeNumber();
     case Kind::Real: return a.content_.real == b.content_.real;
     case Kind::Boolean: return a.content_.boolean == b.content_.boolean;
     default: return a.content_.date == b.content_.date;
   }
-}
-
-std::optional<Number> PropertyValue::AsNumber() const {
-  if (const auto* integer = AsInteger()) return *integer;
-  if (const auto* real = AsReal()) return *real;
-  if (const auto* boolean = AsBoolean()) return Integer(*boolean ? 1 : 0);
-  return std::nullopt;
 }
 
 }  // namespace fernwick

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "value/dictionary_key.h"
 #include "value/number.h"
 #include "value/share.h"
 #include "value/shared_bytes.h"
@@ -42,7 +43,8 @@ struct Date {
   friend bool operator==(const Date&, const Date&) = default;
 };
 
-/// One value of a property list. A value is never absent: where one may be missing, a null pointer
+/// One value of a property list; a string or data has less than 4 GiB, as a file has at most 1 GiB.
+/// A value is never absent: where one may be missing, a null pointer
 /// or an empty optional says so. Copies share what they hold, however large it is. A value that has
 /// been moved from may only be given another or be destroyed.
 class PropertyValue {
@@ -52,16 +54,17 @@ class PropertyValue {
   PropertyValue(Array value);         // NOLINT
   PropertyValue(const String& value)  // NOLINT
       : PropertyValue(Kind::String, value.text) {}
-  PropertyValue(const Data& value) : PropertyValue(Kind::Data, value.bytes) {}        // NOLINT
-  PropertyValue(Date value) : kind_(Kind::Date), content_{.date = value} {}           // NOLINT
-  PropertyValue(Integer value) : kind_(Kind::Integer), content_{.integer = value} {}  // NOLINT
+  PropertyValue(const Data& value) : PropertyValue(Kind::Data, value.bytes) {}  // NOLINT
+  PropertyValue(Date value) : content_{.date = value}, kind_(Kind::Date) {}     // NOLINT
+  PropertyValue(Integer value)                                                  // NOLINT
+      : content_{.bits = value.Bits()}, kind_(Kind::Integer), isNegative_(value.IsNegative()) {}
   template <std::integral T>
   requires(!std::same_as<T, bool>) PropertyValue(T value)
       : PropertyValue(Integer(value)) {}  // NOLINT
   PropertyValue(std::same_as<bool> auto value)
-      : kind_(Kind::Boolean), content_{.boolean = value} {}  // NOLINT
+      : content_{.boolean = value}, kind_(Kind::Boolean) {}  // NOLINT
   PropertyValue(std::same_as<double> auto value)
-      : kind_(Kind::Real), content_{.real = value} {}  // NOLINT
+      : content_{.real = value}, kind_(Kind::Real) {}  // NOLINT
 
   /// A string that holds a copy of `text`, or takes it over.
   PropertyValue(std::string_view text) : PropertyValue(std::string(text)) {}  // NOLINT
@@ -73,8 +76,10 @@ class PropertyValue {
   PropertyValue(PropertyValue&&) noexcept = default;
   PropertyValue& operator=(PropertyValue other) noexcept {  // which may be part of this one
     share_ = std::move(other.share_);
-    kind_ = other.kind_;
     content_ = other.content_;
+    size_ = other.size_;
+    kind_ = other.kind_;
+    isNegative_ = other.isNegative_;
     return *this;
   }
   ~PropertyValue() = default;
@@ -85,7 +90,10 @@ class PropertyValue {
     return Is(Kind::Dictionary) ? content_.dictionary : nullptr;
   }
   const Array* AsArray() const { return Is(Kind::Sequence) ? content_.array : nullptr; }
-  const Integer* AsInteger() const { return Is(Kind::Integer) ? &content_.integer : nullptr; }
+  std::optional<Integer> AsInteger() const {
+    if (!Is(Kind::Integer)) return std::nullopt;
+    return WholeNumber();
+  }
   const double* AsReal() const { return Is(Kind::Real) ? &content_.real : nullptr; }
   const bool* AsBoolean() const { return Is(Kind::Boolean) ? &content_.boolean : nullptr; }
   const Date* AsDate() const { return Is(Kind::Date) ? &content_.date : nullptr; }
@@ -105,11 +113,11 @@ class PropertyValue {
     switch (kind_) {
       case Kind::Dictionary: return visitor(*content_.dictionary);
       case Kind::Sequence: return visitor(*content_.array);
-      case Kind::String: return visitor(String{SharedBytes(share_, content_.bytes)});
-      case Kind::Integer: return visitor(content_.integer);
+      case Kind::String: return visitor(String{SharedBytes(share_, Bytes())});
+      case Kind::Integer: return visitor(WholeNumber());
       case Kind::Real: return visitor(content_.real);
       case Kind::Boolean: return visitor(content_.boolean);
-      case Kind::Data: return visitor(Data{SharedBytes(share_, content_.bytes)});
+      case Kind::Data: return visitor(Data{SharedBytes(share_, Bytes())});
       default: return visitor(content_.date);
     }
   }
@@ -131,41 +139,49 @@ class PropertyValue {
 
   // Dictionary, array and bytes are what share_ holds; the others hold it themselves. All are
   // plain, so that values move as fast as the numbers that they are made of: a reader moves each a
-  // few times.
+  // few times. And they are small: who goes through many waits for the memory that they take.
   union Content {
     const Dictionary* dictionary;
     const Array* array;
-    std::string_view bytes;  // of a string and of data
-    Integer integer;
+    const char* bytes;   // of a string and of data, size_ of them
+    std::uint64_t bits;  // of an integer
     double real;
     bool boolean;
     Date date;
   };
 
   PropertyValue(Kind kind, const SharedBytes& bytes)
-      : share_(bytes.Held()), kind_(kind), content_{.bytes = bytes.View()} {}
+      : share_(bytes.Held()),
+        content_{.bytes = bytes.View().data()},
+        size_(static_cast<std::uint32_t>(bytes.View().size())),
+        kind_(kind) {}
 
   bool Is(Kind kind) const { return kind_ == kind; }
 
   std::optional<std::string_view> BytesOf(Kind kind) const {
     if (!Is(kind)) return std::nullopt;
-    return content_.bytes;
+    return Bytes();
   }
 
+  std::string_view Bytes() const { return {content_.bytes, size_}; }
+
+  Integer WholeNumber() const { return Integer::OfBits(content_.bits, isNegative_); }
+
   Share share_;  // in nothing for the kinds that hold their content themselves
-  Kind kind_;
   Content content_;
+  std::uint32_t size_ = 0;
+  Kind kind_;
+  bool isNegative_ = false;  // as an integer
 };
 
 /// A key of a dictionary and its value.
 struct DictionaryEntry {
-  /// Shares the bytes of a key that is shared, and holds a copy of any other.
-  DictionaryEntry(SharedBytes entryKey, PropertyValue entryValue)
+  DictionaryEntry(DictionaryKey entryKey, PropertyValue entryValue)
       : key(std::move(entryKey)), value(std::move(entryValue)) {}
   DictionaryEntry(std::string_view entryKey, PropertyValue entryValue)
-      : DictionaryEntry(SharedBytes(std::string(entryKey)), std::move(entryValue)) {}
+      : DictionaryEntry(DictionaryKey(entryKey), std::move(entryValue)) {}
 
-  SharedBytes key;
+  DictionaryKey key;
   PropertyValue value;
 
   friend bool operator==(const DictionaryEntry&, const DictionaryEntry&) = default;

@@ -201,7 +201,7 @@ std::string KindsOf(const PropertyValue& value) {
   if (value.AsArray() != nullptr) kinds += 'a';
   if (value.AsString()) kinds += 's';
   if (value.AsData()) kinds += 'b';
-  if (value.AsInteger() != nullptr) kinds += 'i';
+  if (value.AsInteger().has_value()) kinds += 'i';
   if (value.AsReal() != nullptr) kinds += 'r';
   if (value.AsBoolean() != nullptr) kinds += 't';
   if (value.AsDate() != nullptr) kinds += 'D';

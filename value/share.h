@@ -43,6 +43,11 @@ class Share {
 #endif
   }
 
+  /// What it is in, or null. Valid as long as any share in it.
+  const Shared* Get() const {
+    return shared_;
+  }
+
   friend bool operator==(const Share&, const Share&) = default;
 
  private:

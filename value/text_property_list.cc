@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "value/key_interner.h"
 #include "value/text_cursor.h"
 #include "value/text_position.h"
 #include "value/utf8.h"
@@ -149,7 +150,7 @@ class TextPropertyListReader {
       if (!cursor_.SkipBlanks()) return false;
       auto value = ReadValue();
       if (!value || !cursor_.SkipBlanks()) return false;
-      entries.emplace_back(std::move(key), *std::move(value));
+      entries.emplace_back(keys_.Intern(key), *std::move(value));
       const bool closed = cursor_.Take(';');
       if (closed && !cursor_.SkipBlanks()) return false;
       if (AtEndOfPairs()) return true;
@@ -184,6 +185,7 @@ class TextPropertyListReader {
   PlaceRecorder* places_;  // null: nobody wants to know
   std::size_t nesting_ = 0;
   std::string scratch_;
+  KeyInterner keys_;
 };
 
 }  // namespace

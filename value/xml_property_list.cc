@@ -145,18 +145,17 @@ class XmlPropertyListReader {
 
   bool ReadEntry() {
     XmlStartTag tag;
-    SharedBytes key;
+    SharedBytes text;
     if (!ReadStartTag(tag)) return false;
     if (tag.name != "key") {
       return cursor_.Fail(tag.offset,
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
-    if (!ReadSharedText(tag, key) || !cursor_.SkipMiscellany()) return false;
-    key = keys_.Intern(std::move(key));
-    if (places_ != nullptr) places_->Key(key, tag.offset);
+    if (!ReadSharedText(tag, text) || !cursor_.SkipMiscellany()) return false;
+    if (places_ != nullptr) places_->Key(text, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
-    entries_.emplace_back(std::move(key), std::move(values_.back()));
+    entries_.emplace_back(keys_.Intern(text), std::move(values_.back()));
     values_.pop_back();
     return true;
   }
