@@ -72,8 +72,8 @@ class CheckedKey {
 };
 
 /// Remembers which keys the checks read by their addresses: the records of a file share their keys,
-/// mostly, and then nobody has to look at the text of one again. For records that do not change as
-/// long as the memo lives.
+/// mostly, and then nobody has to look at the text of one again. REQUIRES: the records that it is
+/// used for outlive it and do not change.
 class CheckedKeyMemo {
  private:
   friend class CheckedValues;

@@ -554,6 +554,40 @@ TEST(BinaryPropertyList, RejectsLongKeysThatAreSharedTooOften) {
   EXPECT_FALSE(outcome.value.has_value());
 }
 
+// Two dictionaries with the same keys, more of them than are remembered.
+TEST(BinaryPropertyList, KeysOfManyDictionariesAreToldApart) {
+  constexpr std::size_t KeyCount = 600;
+  std::vector<std::string> objects = {"", "", "", True};
+  References keys;
+  Dictionary expected;
+  for (std::size_t i = 0; i < KeyCount; ++i) {
+    keys.push_back(objects.size());
+    objects.push_back(AsciiObject(std::to_string(i)));
+    expected.Set(std::to_string(i), true);
+  }
+  const References reversed(keys.rbegin(), keys.rend());
+  objects[0] = ArrayObject({1, 2}, 2);
+  objects[1] = DictionaryObject(keys, Same(KeyCount, 3), 2);
+  objects[2] = DictionaryObject(reversed, Same(KeyCount, 3), 2);
+  const auto outcome = Parse(BinaryFile(objects, {.offsetWidth = 4, .referenceWidth = 2}));
+  ASSERT_EQ(outcome.error, "");
+  EXPECT_EQ(outcome.value->AsArray()->front(), PropertyValue(expected));
+  const auto entries = outcome.value->AsArray()->back().AsDictionary()->Entries();
+  for (std::size_t i = 0; i < KeyCount; ++i) {
+    EXPECT_EQ(entries[i].key.View(), std::to_string(KeyCount - 1 - i));
+  }
+}
+
+TEST(BinaryPropertyList, AKeyOfSeveralDictionariesIsOne) {
+  const auto outcome = Parse(BinaryFile({ArrayObject({1, 2}), DictionaryObject({3}, {4}),
+                                         DictionaryObject({3}, {3}), AsciiObject("a"), True}));
+  ASSERT_EQ(outcome.error, "");
+  const auto keyOf = [](const PropertyValue& value) {
+    return value.AsDictionary()->Entries().front().key.Address();
+  };
+  EXPECT_EQ(keyOf(outcome.value->AsArray()->front()), keyOf(outcome.value->AsArray()->back()));
+}
+
 // An array of `count` references to the object.
 std::string SharingOneObject(std::size_t count, const std::string& object) {
   return BinaryFile({ArrayObject(Same(count, 1)), object}, {.offsetWidth = 4});
