@@ -10,10 +10,14 @@
 //          Seconds of processor time, a space, and bytes of memory beyond the file itself.
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "bench/documents.h"
 #include "bench/readers.h"

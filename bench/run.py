@@ -205,7 +205,7 @@ def add_reading(bench, ours, other):
               other.seconds / ours.seconds, least=READING_GOALS.get((ours.form, other.reader)))
     if other.reader == "libplist":
         bench.add(f"{what}, memory", megabytes(ours.peak), f"libplist {megabytes(other.peak)}",
-                  ours.peak / other.peak, most=1)
+                  ours.peak / max(other.peak, 1), most=1)
 
 
 # How many times as fast as another reader ours is to be.

@@ -107,7 +107,7 @@ PropertyValue ValueMutator::ChangedDictionary(const Dictionary& dictionary) {
   std::vector<DictionaryEntry> copy(entries.begin(), entries.end());
   const auto chosen = Pick(copy.size());
   switch (Pick(3)) {
-    case 0: copy[chosen].key = SharedBytes(AnyKey()); break;
+    case 0: copy[chosen].key = DictionaryKey(AnyKey()); break;
     case 1: std::swap(copy[chosen], copy[Pick(copy.size())]); break;
     default: copy.erase(copy.begin() + static_cast<std::ptrdiff_t>(chosen));
   }

@@ -52,7 +52,6 @@ class CheckedKey {
   constexpr std::string_view Name() const { return CheckedKeyNames[place_]; }
 
  private:
-  friend class CheckedKeyMemo;
   friend class CheckedValues;
 
   static constexpr std::size_t Count = std::size(CheckedKeyNames);
@@ -72,8 +71,8 @@ class CheckedKey {
 };
 
 /// Remembers which keys the checks read by their addresses: the records of a file share their keys,
-/// mostly, and then nobody has to look at the text of one again. REQUIRES: the records that it is
-/// used for outlive it and do not change.
+/// mostly, and then nobody has to look at the text of one again. REQUIRES: each key of the records
+/// that it is used for lives, in them or as a copy, as long as this does.
 class CheckedKeyMemo {
  private:
   friend class CheckedValues;
@@ -83,7 +82,7 @@ class CheckedKeyMemo {
     std::size_t place = 0;
   };
 
-  // Count where no check reads the key.
+  // The number of names where no check reads the key.
   std::size_t PlaceOf(const DictionaryKey& key);
 
   std::array<Slot, 256> slots_;  // by address

@@ -25,7 +25,7 @@ std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
   const auto left = a.AsInteger();
   if (!left) return CompareAny(a, b);
   if (const auto right = b.AsInteger()) return *left <=> *right;
-  if (const auto* right = b.AsReal()) return CompareNumbers(*left, *right);
+  if (const auto* right = b.AsReal()) return CompareWithReal(*left, *right);
   return CompareAny(a, b);
 }
 

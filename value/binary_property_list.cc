@@ -14,6 +14,7 @@
 #include "value/binary_layout.h"
 #include "value/calendar_date.h"
 #include "value/decoded_bytes.h"
+#include "value/dictionary_key.h"
 #include "value/utf8.h"
 
 namespace fernwick {

@@ -5,11 +5,12 @@
 #include <optional>
 
 #include "value/dictionary_key.h"
+#include "value/shared_bytes.h"
 
 namespace fernwick {
 
-/// Makes the keys of a file's dictionaries, equal ones mostly as copies of each other. It remembers
-/// a bounded number of keys.
+/// Makes the keys of dictionaries from the text of a file, equal ones mostly as copies of each
+/// other. It remembers a bounded number of keys.
 class KeyInterner {
  public:
   /// A key of that text.

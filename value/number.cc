@@ -17,22 +17,22 @@ Integer WholePart(double real) {
 
 }  // namespace
 
-std::partial_ordering CompareNumbers(const Integer& a, double b) {
-  if (std::isnan(b)) return std::partial_ordering::unordered;
-  if (b >= TwoTo64) return std::partial_ordering::less;
-  if (b < -TwoTo63) return std::partial_ordering::greater;
-  const auto order = a <=> WholePart(b);
+std::partial_ordering CompareWithReal(const Integer& integer, double real) {
+  if (std::isnan(real)) return std::partial_ordering::unordered;
+  if (real >= TwoTo64) return std::partial_ordering::less;
+  if (real < -TwoTo63) return std::partial_ordering::greater;
+  const auto order = integer <=> WholePart(real);
   if (order != std::strong_ordering::equal) return order;
-  return std::trunc(b) <=> b;  // the integers agree; what is left of the real decides
+  return std::trunc(real) <=> real;  // the integers agree; what is left of the real decides
 }
 
 std::partial_ordering CompareNumbers(const Number& a, const Number& b) {
   struct Compare {
     std::partial_ordering operator()(Integer x, Integer y) const { return x <=> y; }
     std::partial_ordering operator()(double x, double y) const { return x <=> y; }
-    std::partial_ordering operator()(Integer x, double y) const { return CompareNumbers(x, y); }
+    std::partial_ordering operator()(Integer x, double y) const { return CompareWithReal(x, y); }
     std::partial_ordering operator()(double x, Integer y) const {
-      return 0 <=> CompareNumbers(y, x);  // NOLINT(modernize-use-nullptr): it is a number
+      return 0 <=> CompareWithReal(y, x);  // NOLINT(modernize-use-nullptr): it is a number
     }
   };
   return std::visit(Compare(), a, b);

@@ -52,7 +52,9 @@ using Number = std::variant<Integer, double>;
 /// The exact mathematical order: neither side is rounded, so 2^53+1 is greater than the real 2^53.
 /// NaN is unordered with everything, itself included.
 std::partial_ordering CompareNumbers(const Number& a, const Number& b);
-std::partial_ordering CompareNumbers(const Integer& a, double b);
+
+/// The same for the two kinds that are compared most.
+std::partial_ordering CompareWithReal(const Integer& integer, double real);
 
 /// 64 bits, unsigned: an integer in its two's-complement form; a real truncated toward zero and
 /// saturated to 0 ... 2^64−1, NaN as 0.

@@ -45,10 +45,14 @@ TEST(Number, BoundsOfIntegersAgainstReals) {
             std::partial_ordering::less);
 }
 
-TEST(Number, AnIntegerAndARealCompareAsNumbersDo) {
-  for (const double real : {-0.5, 0.0, 0.5, 4.5, 5.0, 5.5, 1e30}) {
-    for (const Integer integer : {-1, 0, 4, 5}) {
-      EXPECT_EQ(CompareNumbers(integer, real), CompareNumbers(Number(integer), Number(real)));
+// The significand of a long double holds either exactly.
+TEST(Number, AnIntegerAndARealComparePrecisely) {
+  for (const double real : {-1e30, -5.5, -1.5, -1.0, -0.5, -0.0, 0.0, 0.5, 1.0, 4.5, 5.0, 1e30}) {
+    for (const std::int64_t integer : {-6, -5, -2, -1, 0, 1, 4, 5}) {
+      const auto order = static_cast<long double>(integer) <=> static_cast<long double>(real);
+      EXPECT_EQ(CompareWithReal(integer, real), order) << integer << real;
+      EXPECT_EQ(CompareNumbers(Integer(integer), real), order) << integer << real;
+      EXPECT_EQ(CompareNumbers(real, Integer(integer)), 0 <=> order) << integer << real;
     }
   }
 }

@@ -43,10 +43,10 @@ struct Date {
   friend bool operator==(const Date&, const Date&) = default;
 };
 
-/// One value of a property list; a string or data has less than 4 GiB, as a file has at most 1 GiB.
-/// A value is never absent: where one may be missing, a null pointer
+/// One value of a property list. A value is never absent: where one may be missing, a null pointer
 /// or an empty optional says so. Copies share what they hold, however large it is. A value that has
-/// been moved from may only be given another or be destroyed.
+/// been moved from may only be given another or be destroyed. REQUIRES: a string and data have less
+/// than 4 GiB; a file has no more than 1 GiB.
 class PropertyValue {
  public:
   /// A dictionary and an array are taken over, the bytes of a string and of data are shared.
@@ -85,7 +85,7 @@ class PropertyValue {
   ~PropertyValue() = default;
 
   /// Each yields nothing when the value is of another kind. A dictionary and an array live as long
-  /// as any copy of the value, the others as long as the value itself.
+  /// as any copy of the value, what else is pointed to as long as the value itself.
   const Dictionary* AsDictionary() const {
     return Is(Kind::Dictionary) ? content_.dictionary : nullptr;
   }

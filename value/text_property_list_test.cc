@@ -292,5 +292,15 @@ TEST(TextPropertyList, StringThatNeedsNoDecodingViewsTheSource) {
   EXPECT_EQ(array[1].AsString()->data(), buffer.View().data() + 11);
 }
 
+TEST(TextPropertyList, EqualKeysAreOne) {
+  const auto outcome = Parse("({ a = 1; b = 2; }, { \"b\" = 3; })");
+  ASSERT_EQ(outcome.error, "");
+  const auto keyOf = [&](std::size_t dictionary, std::size_t entry) {
+    return outcome.value->AsArray()->at(dictionary).AsDictionary()->Entries()[entry].key;
+  };
+  EXPECT_EQ(keyOf(1, 0).View(), "b");
+  EXPECT_EQ(keyOf(1, 0).Address(), keyOf(0, 1).Address());
+}
+
 }  // namespace
 }  // namespace fernwick

@@ -88,5 +88,16 @@ TEST(ValuePlaces, OfABinaryFileAreThoseOfTheObjects) {
             "    16\n");
 }
 
+TEST(ValuePlaces, OfAKeyThatDictionariesShareAreToldEachTime) {
+  using testing::ArrayObject, testing::AsciiObject, testing::DictionaryObject;
+  EXPECT_EQ(PlacesIn(testing::BinaryFile({ArrayObject({1, 2}), DictionaryObject({3}, {4}),
+                                          DictionaryObject({3}, {3}), AsciiObject("a"), "\x09"})),
+            "8\n"
+            "  11\n"
+            "    a@17: 19\n"
+            "  14\n"
+            "    a@17: 17\n");
+}
+
 }  // namespace
 }  // namespace fernwick
