@@ -93,21 +93,20 @@ std::vector<HardwareRecord> Controllers(std::size_t count) {
   return controllers;
 }
 
+// One controller after the other, an iteration for each, so that a measurement takes no longer for
+// many of them and others that use the computer disturb it no more.
 void RejectAll(benchmark::State& state, const Array& personalities,
                const std::vector<HardwareRecord>& controllers) {
   CheckedKeyMemo memo;
+  static std::size_t next = 0;  // each measurement goes on with another
   for (auto _ : state) {
-    for (const CheckedValues controller : controllers) {
-      for (const auto& personality : personalities) {
-        const CheckedValues wanted(*personality.AsDictionary(), memo);
-        if (CheckThunderboltRequirements(wanted, controller, BoardRevision)) {
-          std::abort();
-        }
-      }
+    const CheckedValues controller = controllers[next++ % controllers.size()];
+    for (const auto& personality : personalities) {
+      const CheckedValues wanted(*personality.AsDictionary(), memo);
+      if (CheckThunderboltRequirements(wanted, controller, BoardRevision)) std::abort();
     }
   }
-  const auto pairs = personalities.size() * controllers.size();
-  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(pairs));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(personalities.size()));
 }
 
 void RejectBy(benchmark::State& state, std::string_view key) {

@@ -1,6 +1,7 @@
 """What whole processes take: time, memory, instructions."""
 
 import os
+import pathlib
 import re
 import shutil
 import statistics
@@ -10,26 +11,60 @@ import time
 
 
 class Spent:
-    """What one run of a process took: seconds by the clock and of processor time, and bytes."""
+    """What one run of a process took: seconds by the clock and of processor time."""
 
     def __init__(self, wall, usage):
         self.wall = wall
         self.cpu = usage.ru_utime + usage.ru_stime
-        self.peak = usage.ru_maxrss * 1024  # of the largest process among it and its children
 
 
-def run(command):
-    """Runs a command with its output thrown away: a Spent. Its exit status is its own affair."""
+def start(command):
+    """Starts a command with its output thrown away: its process."""
     nowhere = [(os.POSIX_SPAWN_OPEN, 1, os.devnull, os.O_WRONLY, 0),
                (os.POSIX_SPAWN_OPEN, 2, os.devnull, os.O_WRONLY, 0)]
     words = [os.fspath(word) for word in command]
+    return os.posix_spawn(words[0], words, os.environ, file_actions=nowhere)
+
+
+def check(command, status):
+    if os.WIFSIGNALED(status):
+        raise RuntimeError(f"{command[0]} ended by signal {os.WTERMSIG(status)}")
+
+
+def run(command):
+    """Runs a command: a Spent. Its exit status is its own affair."""
     before = time.perf_counter()
-    process = os.posix_spawn(words[0], words, os.environ, file_actions=nowhere)
+    process = start(command)
     _, status, usage = os.wait4(process, 0)
     wall = time.perf_counter() - before
-    if os.WIFSIGNALED(status):
-        raise RuntimeError(f"{words[0]} ended by signal {os.WTERMSIG(status)}")
+    check(command, status)
     return Spent(wall, usage)
+
+
+def high_water_mark(process):
+    """The most bytes that a process or one of its children has had in memory; 0 when it has ended."""
+    try:
+        status = pathlib.Path(f"/proc/{process}/status").read_text()
+        children = pathlib.Path(f"/proc/{process}/task/{process}/children").read_text().split()
+    except OSError:
+        return 0
+    own = re.search(r"^VmHWM:\s*(\d+) kB", status, re.MULTILINE)
+    return max([int(own[1]) * 1024 if own else 0, *map(high_water_mark, children)])
+
+
+def peak_memory(command):
+    """Runs a command: the most bytes that the largest process among it and its children was seen
+    to have in memory. What the kernel keeps of a process that has ended counts in what its parent
+    had when it started it."""
+    process = start(command)
+    peak = 0
+    while True:
+        peak = max(peak, high_water_mark(process))
+        ended, status = os.waitpid(process, os.WNOHANG)
+        if ended:
+            check(command, status)
+            return peak
+        time.sleep(0.001)
 
 
 def medians(commands, rounds, quantity=lambda spent: spent.wall):

@@ -7,6 +7,7 @@ reached is a row like any other.
 
 import argparse
 import json
+import math
 import pathlib
 import shlex
 import shutil
@@ -32,7 +33,7 @@ class Size:
         self.personalities = (10, 20, 40) if smoke else (1_000, 10_000, 100_000)
         self.matcher = (["--benchmark_filter=by Version$|/personalities:10/controllers:1$",
                          "--benchmark_min_time=0"] if smoke else
-                        ["--benchmark_repetitions=9", "--benchmark_min_time=0.05",
+                        ["--benchmark_repetitions=25", "--benchmark_min_time=0.05",
                          "--benchmark_enable_random_interleaving=true"])
         self.megabytes = (1,) if smoke else (1, 20)
         self.readings = 1 if smoke else 15
@@ -147,7 +148,10 @@ def measure_survey(bench):
         recordings = bench.directory / f"recordings-{count}"
         samples.write_recordings(recordings, count)
         survey = [bench.lab, "survey", "-p", payload, recordings]
-        peaks.append(processes.run(survey).peak)
+        # By a list, as the names in a directory are sorted, and so kept.
+        peaks.append(processes.peak_memory(
+            ["/bin/sh", "-c", f"printf '%s\\n' {shlex.quote(str(recordings))}/* | "
+             f"{shlex.quote(str(bench.lab))} survey -p {shlex.quote(str(payload))} -"]))
     loop = ["/bin/sh", "-c", f"printf '%s\\0' {shlex.quote(str(recordings))}/*.registry.plist | "
             f"xargs -0 -P2 -I RECORDING {shlex.quote(str(bench.lab))} replay RECORDING "
             f"-p {shlex.quote(str(payload))}"]
@@ -156,7 +160,7 @@ def measure_survey(bench):
               f"a loop of replays {milliseconds(theirs)}", theirs / ours, least=5)
     few, many = bench.size.recordings
     bench.add(f"survey of {many:,} computers, memory", megabytes(peaks[1]),
-              f"of {few:,} {megabytes(peaks[0])}", peaks[1] / peaks[0], most=1.1)
+              f"of {few:,} {megabytes(peaks[0])}", peaks[1] / max(peaks[0], 1), most=1.1)
 
 
 def measure_lint(bench):
@@ -176,12 +180,13 @@ def measure_lint_of(bench, make):
             what = "alike" if make is samples.alike else "of their own"
             bench.add(f"lint of {count:,} personalities {what}", milliseconds(seconds),
                       f"of {before[0]:,} {milliseconds(before[1])}",
-                      seconds / max(before[1], 1e-9), most=LINT_GROWTH)
+                      seconds / max(before[1], 1e-9), most=n_log_n(count) / n_log_n(before[0]))
         before = (count, seconds)
 
 
-# What n log n makes of the last step, from 10,000 to 100,000.
-LINT_GROWTH = 12.5
+def n_log_n(count):
+    return count * math.log(count)
+
 
 def measure_reading(bench):
     """Property lists, beside other readers."""

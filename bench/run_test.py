@@ -38,8 +38,15 @@ class ProcessesTest(unittest.TestCase):
 
     def test_peak_memory_is_that_of_the_largest_child(self):
         grown = [sys.executable, "-c",
-                 "import subprocess, sys; subprocess.run([sys.executable, '-c', 'b\"x\" * 200000000'])"]
-        self.assertGreater(processes.run(grown).peak, 200_000_000)
+                 "import subprocess, sys\n"
+                 "subprocess.run([sys.executable, '-c', 'import time; x = b\"x\" * 200000000;"
+                 " time.sleep(0.2)'])"]
+        self.assertGreater(processes.peak_memory(grown), 200_000_000)
+
+    def test_peak_memory_is_not_that_of_who_measures(self):
+        ballast = b"x" * 200_000_000
+        self.assertLess(processes.peak_memory(["/bin/sleep", "0.05"]), 100_000_000)
+        self.assertTrue(ballast)
 
     def test_a_process_that_a_signal_ends_is_not_measured(self):
         with self.assertRaises(RuntimeError):
