@@ -49,10 +49,11 @@ TEST(Number, BoundsOfIntegersAgainstReals) {
 TEST(Number, AnIntegerAndARealComparePrecisely) {
   for (const double real : {-1e30, -5.5, -1.5, -1.0, -0.5, -0.0, 0.0, 0.5, 1.0, 4.5, 5.0, 1e30}) {
     for (const std::int64_t integer : {-6, -5, -2, -1, 0, 1, 4, 5}) {
-      const auto order = static_cast<long double>(integer) <=> static_cast<long double>(real);
-      EXPECT_EQ(CompareWithReal(integer, real), order) << integer << real;
-      EXPECT_EQ(CompareNumbers(Integer(integer), real), order) << integer << real;
-      EXPECT_EQ(CompareNumbers(real, Integer(integer)), 0 <=> order) << integer << real;
+      const auto a = static_cast<long double>(integer);
+      const auto b = static_cast<long double>(real);
+      EXPECT_EQ(CompareWithReal(integer, real), a <=> b) << integer << real;
+      EXPECT_EQ(CompareNumbers(Integer(integer), real), a <=> b) << integer << real;
+      EXPECT_EQ(CompareNumbers(real, Integer(integer)), b <=> a) << integer << real;
     }
   }
 }
