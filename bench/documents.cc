@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "testing/random_choice.h"
-#include "value/binary_property_list_writer.h"
-#include "value/property_list_writer.h"
+#include "value/binary/writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::bench {
 namespace {

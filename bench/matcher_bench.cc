@@ -17,7 +17,7 @@
 #include "personality/thunderbolt_check.h"
 #include "registry/hardware_record.h"
 #include "value/property_list_reader.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::bench {
 namespace {

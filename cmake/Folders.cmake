@@ -1,10 +1,11 @@
-# One library a folder, and one test program beside it. The files are found, not listed.
+# One library per top-level folder, rooms included, and one test program for it. The files are found,
+# not listed.
 
-# fernwick_folder(NAME [DEPENDENCY...]): NAME/*.cc as the library fernwick_NAME, and NAME/*_test.cc as
-# the test program NAME_test.
+# fernwick_folder(NAME [DEPENDENCY...]): the *.cc below NAME as the library fernwick_NAME, and the
+# *_test.cc below it as the test program NAME_test.
 function(fernwick_folder name)
-  file(GLOB sources CONFIGURE_DEPENDS ${name}/*.cc)
-  file(GLOB tests CONFIGURE_DEPENDS ${name}/*_test.cc)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${name}/*.cc)
+  file(GLOB_RECURSE tests CONFIGURE_DEPENDS ${name}/*_test.cc)
   list(REMOVE_ITEM sources ${tests} ${CMAKE_CURRENT_SOURCE_DIR}/${name}/main.cc)
   add_library(fernwick_${name} ${sources})
   target_include_directories(fernwick_${name} PUBLIC ${CMAKE_SOURCE_DIR})

@@ -1,7 +1,7 @@
 #include "driver/bypass_switch.h"
 
 #include "platform/diagnostics.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
-#include "value/binary_layout.h"
-#include "value/binary_property_list.h"
+#include "value/binary/layout.h"
+#include "value/binary/reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;

@@ -10,11 +10,11 @@
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
 #include "fuzz/same_value.h"
-#include "value/binary_property_list.h"
+#include "value/binary/reader.h"
 #include "value/property_list_reader.h"
-#include "value/source_text.h"
-#include "value/text_property_list.h"
-#include "value/xml_property_list.h"
+#include "value/text/reader.h"
+#include "value/unicode/source_text.h"
+#include "value/xml/reader.h"
 
 namespace fernwick::fuzz {
 namespace {

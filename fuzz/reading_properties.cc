@@ -6,10 +6,10 @@
 #include "fuzz/hold.h"
 #include "fuzz/same_value.h"
 #include "fuzz/text_form.h"
-#include "value/binary_property_list_writer.h"
+#include "value/binary/writer.h"
 #include "value/property_list_reader.h"
-#include "value/property_list_writer.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -10,7 +10,7 @@
 #include "fuzz/same_value.h"
 #include "fuzz/value_mutator.h"
 #include "registry/recording_reader.h"
-#include "value/binary_property_list_writer.h"
+#include "value/binary/writer.h"
 #include "value/property_list_reader.h"
 
 namespace fernwick::fuzz {

@@ -10,7 +10,7 @@
 #include "fuzz/standard_error.h"
 #include "testing/command_line.h"
 #include "value/property_list_reader.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::fuzz {
 namespace {

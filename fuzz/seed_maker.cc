@@ -18,9 +18,9 @@
 #include "fuzz/text_form.h"
 #include "fuzz/words.h"
 #include "testing/files.h"
-#include "value/binary_property_list_writer.h"
+#include "value/binary/writer.h"
 #include "value/property_list_reader.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::fuzz {
 namespace {

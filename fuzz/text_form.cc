@@ -6,7 +6,7 @@
 
 #include "value/calendar_date.h"
 #include "value/number_text.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -7,9 +7,9 @@
 #include "fuzz/same_value.h"
 #include "fuzz/sample_values.h"
 #include "testing/property_values.h"
-#include "value/binary_property_list_writer.h"
+#include "value/binary/writer.h"
 #include "value/property_list_reader.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
 

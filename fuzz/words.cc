@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
-#include "value/source_text.h"
-#include "value/xml_property_list.h"
+#include "value/unicode/source_text.h"
+#include "value/xml/reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;

@@ -6,7 +6,7 @@
 
 #include "lab/exit_status.h"
 #include "platform/file_system.h"
-#include "value/text_position.h"
+#include "value/unicode/text_position.h"
 
 namespace fernwick::lab {
 namespace {

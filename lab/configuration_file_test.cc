@@ -5,7 +5,7 @@
 #include "testing/binary_property_list_builder.h"
 #include "testing/corruption.h"
 #include "testing/temporary_directory.h"
-#include "value/text_position.h"
+#include "value/unicode/text_position.h"
 
 namespace fernwick::lab {
 namespace {

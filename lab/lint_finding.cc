@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
-#include "value/text_position.h"
 #include "value/textual_dump.h"
+#include "value/unicode/text_position.h"
 
 namespace fernwick::lab {
 

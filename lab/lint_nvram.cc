@@ -7,7 +7,7 @@
 #include <string>
 
 #include "lab/lint_plan_rules.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::lab {
 namespace {

@@ -15,7 +15,7 @@
 #include "lab/lint_plan_rules.h"
 #include "lab/printable_text.h"
 #include "platform/file_system.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {

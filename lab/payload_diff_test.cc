@@ -6,7 +6,7 @@
 #include "testing/computer.h"
 #include "testing/dictionaries.h"
 #include "testing/temporary_directory.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::lab {
 namespace {

@@ -1,7 +1,7 @@
 #include "lab/printable_text.h"
 
-#include "value/printable.h"
-#include "value/utf8.h"
+#include "value/unicode/printable.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 

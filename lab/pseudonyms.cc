@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "value/number_text.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "testing/property_values.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {

@@ -7,8 +7,8 @@
 #include "lab/output_file.h"
 #include "platform/file_system.h"
 #include "registry/recording_reader.h"
-#include "value/binary_property_list_writer.h"
-#include "value/property_list_writer.h"
+#include "value/binary/writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick::lab {
 

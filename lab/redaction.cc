@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "value/ascii.h"
+#include "value/unicode/ascii.h"
 
 namespace fernwick::lab {
 namespace {

@@ -5,7 +5,7 @@
 #include "lab/row_spool.h"
 #include "lab/survey_format.h"
 #include "lab/survey_text.h"
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {

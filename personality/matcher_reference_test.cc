@@ -24,7 +24,7 @@
 #include "testing/temporary_directory.h"
 #include "testing/value_domain.h"
 #include "testing/version_check_bypass.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick {
 namespace {

@@ -16,7 +16,7 @@
 #include "testing/odd_values.h"
 #include "testing/temporary_directory.h"
 #include "testing/version_check_bypass.h"
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick {
 namespace {

@@ -1,6 +1,6 @@
 #include "plan/launcher_plist.h"
 
-#include "value/property_list_writer.h"
+#include "value/xml/writer.h"
 
 namespace fernwick {
 namespace {

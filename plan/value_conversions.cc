@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "value/ascii.h"
 #include "value/number.h"
+#include "value/unicode/ascii.h"
 
 namespace fernwick {
 namespace {

@@ -40,11 +40,11 @@ def declaration_faults(folders):
 
 def read_includes(root):
     """Every source file by its path from the root, with what it includes in quotes."""
-    paths = sorted(root.glob("*/*.h")) + sorted(root.glob("*/*.cc"))
+    paths = [path.relative_to(root) for path in sorted(root.glob("*/**/*.[hc]*"))]
     return {
-        str(path.relative_to(root)): INCLUDE.findall(path.read_text())
+        str(path): INCLUDE.findall((root / path).read_text())
         for path in paths
-        if not path.parent.name.startswith("build")
+        if path.suffix in (".h", ".cc") and not path.parts[0].startswith("build")
     }
 
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "value/utf8.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "value/property_list_reader.h"
-#include "value/text_position.h"
+#include "value/unicode/text_position.h"
 
 namespace fernwick {
 namespace {

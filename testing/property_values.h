@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "value/calendar_date.h"
-#include "value/property_list_writer.h"
 #include "value/property_value.h"
+#include "value/xml/writer.h"
 
 namespace fernwick {
 

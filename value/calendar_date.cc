@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "value/ascii.h"
+#include "value/unicode/ascii.h"
 
 namespace fernwick {
 namespace {

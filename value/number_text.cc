@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "value/ascii.h"
+#include "value/unicode/ascii.h"
 
 namespace fernwick {
 namespace {

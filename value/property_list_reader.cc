@@ -4,13 +4,13 @@
 #include <string_view>
 #include <utility>
 
-#include "value/ascii.h"
-#include "value/binary_layout.h"
-#include "value/binary_property_list.h"
+#include "value/binary/layout.h"
+#include "value/binary/reader.h"
 #include "value/parse_outcome.h"
-#include "value/source_text.h"
-#include "value/text_property_list.h"
-#include "value/xml_property_list.h"
+#include "value/text/reader.h"
+#include "value/unicode/ascii.h"
+#include "value/unicode/source_text.h"
+#include "value/xml/reader.h"
 
 namespace fernwick {
 namespace {

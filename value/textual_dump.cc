@@ -5,8 +5,8 @@
 
 #include "value/calendar_date.h"
 #include "value/number_text.h"
-#include "value/printable.h"
-#include "value/utf8.h"
+#include "value/unicode/printable.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "value/shared_bytes.h"
-#include "value/source_text.h"
+#include "value/unicode/source_text.h"
 
 namespace fernwick {
 

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "value/parse_outcome.h"
+#include "value/xml/plain.h"
+
+namespace fernwick {
+
+/// A start tag whose attributes have been read and checked.
+struct XmlStartTag {
+  std::size_t offset = 0;       // of its "<"
+  std::string_view name;        // views the document
+  bool isEmptyElement = false;  // "<name/>"
+};
+
+/// Walks through the markup of one XML document and holds it to being well-formed. It knows nothing
+/// of property lists and builds nothing. What skips or reads answers false when it met a fault,
+/// which Fault() then names; nothing more is read after that. Offsets are in bytes.
+class XmlCursor {
+ public:
+  /// Views the document. REQUIRES: UTF-8 of characters that XML can carry.
+  explicit XmlCursor(std::string_view document) : document_(document) {}
+
+  std::size_t Offset() const { return at_; }
+  bool AtEnd() const { return at_ == document_.size(); }
+  bool LookingAt(std::string_view literal) const { return Rest().starts_with(literal); }
+
+  /// The XML declaration, the document type declaration and all that may stand around them.
+  bool SkipProlog();
+
+  /// White space, comments and processing instructions.
+  bool SkipMiscellany() {
+    SkipWhiteSpace();
+    return BeginsWithXmlTag(Rest()) || SkipAnyMiscellany();
+  }
+
+  /// REQUIRES: the cursor stands at "<", and not at "</".
+  bool ReadStartTag(XmlStartTag& tag) { return TakePlainStartTag(tag) || ReadAnyStartTag(tag); }
+
+  /// The end tag of the element `name`.
+  bool ReadEndTag(std::string_view name) { return TakePlainEndTag(name) || ReadAnyEndTag(name); }
+
+  /// The character data up to the next start or end tag, with references and CDATA sections
+  /// resolved, line ends as line feeds, comments and processing instructions left out. The result
+  /// views the document where it stands there unchanged, and `decoded` otherwise.
+  bool ReadCharacters(std::string_view& characters, std::string& decoded) {
+    return TakePlainCharacters(characters) || ReadAnyCharacters(characters, decoded);
+  }
+
+  /// As ParseFault::Set.
+  bool Fail(std::size_t offset, std::string message) {
+    return fault_.Set(offset, std::move(message));
+  }
+  const ParseFault& Fault() const { return fault_; }
+
+ private:
+  std::string_view Rest() const { return document_.substr(at_); }
+
+  // Plain markup is taken on the way; each of these takes nothing when it meets something else,
+  // which is left to the operations named "Any".
+  bool TakePlainStartTag(XmlStartTag& tag);
+  bool TakePlainEndTag(std::string_view name);
+  bool TakePlainCharacters(std::string_view& characters);
+  bool SkipAnyMiscellany();
+  bool ReadAnyStartTag(XmlStartTag& tag);
+  bool ReadAnyEndTag(std::string_view name);
+  bool ReadAnyCharacters(std::string_view& characters, std::string& decoded);
+
+  bool SkipWhiteSpace();
+  bool SkipPast(std::string_view opening, std::string_view closing, const char* what);
+  bool SkipComment();
+  bool SkipProcessingInstruction();
+  bool SkipDocumentType();
+  bool SkipExternalIdentifier();
+  bool SkipQuotedLiteral(const char* what);
+  bool ReadName(std::string_view& name, const char* what);
+  bool ReadAttributes(XmlStartTag& tag);
+  bool ReadAttribute(std::string_view& name);
+  bool CheckAttributeValue(std::size_t offset, std::string_view value);
+  bool AppendReference(std::string_view text, std::size_t& at, std::string& decoded);
+  bool AppendCharacterReference(std::string_view name, std::size_t offset, std::string& decoded);
+  bool AppendPlainCharacters(std::size_t end, std::string& decoded);
+  bool AppendCdataSection(std::string& decoded);
+
+  std::string_view document_;
+  std::size_t at_ = 0;
+  ParseFault fault_;
+};
+
+inline bool XmlCursor::SkipWhiteSpace() {
+  const std::size_t length = XmlWhiteSpaceLength(Rest());
+  at_ += length;
+  return length > 0;
+}
+
+inline bool XmlCursor::TakePlainStartTag(XmlStartTag& tag) {
+  const auto name = PlainXmlStartTagName(Rest());
+  if (name.empty()) return false;
+  tag.offset = at_;  // one by one: as a whole it would be made, waited for and copied
+  tag.name = name;
+  tag.isEmptyElement = false;
+  at_ += name.size() + 2;  // with "<" and ">"
+  return true;
+}
+
+inline bool XmlCursor::TakePlainEndTag(std::string_view name) {
+  const std::size_t length = PlainXmlEndTagLength(Rest(), name);
+  at_ += length;
+  return length > 0;
+}
+
+// Character data from one tag to the next without anything else between them.
+inline bool XmlCursor::TakePlainCharacters(std::string_view& characters) {
+  characters = PlainXmlCharacters(Rest());
+  if (!BeginsWithXmlTag(Rest().substr(characters.size()))) return false;
+  at_ += characters.size();
+  return true;
+}
+
+}  // namespace fernwick

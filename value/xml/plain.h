@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "value/unicode/ascii.h"
+
+namespace fernwick {
+
+/// XML as nearly all of it is written: a tag has nothing but its name in it, text nothing that
+/// stands for something else. These tell how much of that a text begins with. They are short enough
+/// to be part of their caller, and whatever is not plain, faults included, is none of theirs.
+
+/// How many characters of white space the text begins with.
+inline std::size_t XmlWhiteSpaceLength(std::string_view text) {
+  constexpr std::string_view Indentation = "\t\t\t\t\t\t\t\t";  // deep down there is much of it
+  std::size_t length = 0;
+  while (length < text.size() && IsXmlWhiteSpace(text[length])) {
+    if (text[length++] != '\n') continue;
+    while (text.substr(length).starts_with(Indentation)) length += Indentation.size();
+  }
+  return length;
+}
+
+/// Whether the text begins with the "<" of a start or end tag, and not of a comment or the like.
+inline bool BeginsWithXmlTag(std::string_view text) {
+  return text.size() > 1 && text[0] == '<' && text[1] != '!' && text[1] != '?';
+}
+
+/// The name, of lower-case ASCII letters, in the "<name>" that the text begins with; empty when it
+/// begins with something else. REQUIRES: a "<" first.
+inline std::string_view PlainXmlStartTagName(std::string_view text) {
+  std::size_t end = 1;
+  while (end < text.size() && text[end] >= 'a' && text[end] <= 'z') ++end;
+  if (end == text.size() || text[end] != '>') return {};
+  return text.substr(1, end - 1);
+}
+
+/// The length of the "</name>", without white space, that the text begins with; 0 when it begins
+/// with something else.
+inline std::size_t PlainXmlEndTagLength(std::string_view text, std::string_view name) {
+  if (!text.starts_with("</") || !text.substr(2).starts_with(name)) return 0;
+  const std::size_t end = 2 + name.size();
+  return text.substr(end).starts_with('>') ? end + 1 : 0;
+}
+
+/// The characters at the start of the text that mean what they are, up to "<" or the end.
+inline std::string_view PlainXmlCharacters(std::string_view text) {
+  static constexpr auto EndsThem = [] {
+    std::array<bool, 256> table{};
+    for (const char c : {'<', '&', '\r', ']'}) table[static_cast<unsigned char>(c)] = true;
+    return table;
+  }();
+  std::size_t length = 0;
+  while (length < text.size() && !EndsThem[static_cast<unsigned char>(text[length])]) ++length;
+  return text.substr(0, length);
+}
+
+}  // namespace fernwick

@@ -1,0 +1,248 @@
+#include "value/xml/reader.h"
+
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "value/calendar_date.h"
+#include "value/decoded_bytes.h"
+#include "value/key_interner.h"
+#include "value/number_text.h"
+#include "value/unicode/text_position.h"
+#include "value/xml/base64.h"
+#include "value/xml/cursor.h"
+#include "value/xml/encoding.h"
+
+namespace fernwick {
+namespace {
+
+class XmlPropertyListReader {
+ public:
+  XmlPropertyListReader(const SourceText& source, PlaceRecorder* places)
+      : source_(source), cursor_(source.text), places_(places) {}
+
+  ParseOutcome Read() {
+    if (!ReadDocument()) {
+      return {{}, DescribeAt(source_.text, cursor_.Fault().Offset(), cursor_.Fault().Message())};
+    }
+    return {std::move(values_.back()), {}};
+  }
+
+ private:
+  // What an element's content is made into; the value goes to the end of values_.
+  using ContentReader = bool (XmlPropertyListReader::*)(const XmlStartTag&);
+
+  // Null for what is no property-list element. The most frequent come first.
+  static ContentReader ReaderOf(std::string_view element) {
+    using Reader = XmlPropertyListReader;
+    if (element == "string") return &Reader::ReadString;
+    if (element == "integer") return &Reader::ReadInteger;
+    if (element == "dict") return &Reader::ReadDictionary;
+    if (element == "array") return &Reader::ReadArray;
+    if (element == "true" || element == "false") return &Reader::ReadBoolean;
+    if (element == "real") return &Reader::ReadReal;
+    if (element == "data") return &Reader::ReadData;
+    if (element == "date") return &Reader::ReadDate;
+    return nullptr;
+  }
+
+  bool ReadDocument() {
+    if (!cursor_.SkipProlog()) return false;
+    XmlStartTag tag;
+    if (!ReadStartTag(tag)) return false;
+    const bool read = tag.name == "plist" ? ReadPlistElement(tag) : ReadElement(tag);
+    if (!read || !cursor_.SkipMiscellany()) return false;
+    if (!cursor_.AtEnd())
+      return cursor_.Fail(cursor_.Offset(), "something follows the root element");
+    return true;
+  }
+
+  bool ReadPlistElement(const XmlStartTag& plist) {
+    if (plist.isEmptyElement) return cursor_.Fail(plist.offset, "<plist> holds no value");
+    if (!cursor_.SkipMiscellany()) return false;
+    if (cursor_.LookingAt("</")) return cursor_.Fail(cursor_.Offset(), "<plist> holds no value");
+    if (!ReadValue() || !cursor_.SkipMiscellany()) return false;
+    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
+      return cursor_.Fail(cursor_.Offset(), "<plist> holds more than one value");
+    }
+    return cursor_.ReadEndTag(plist.name);
+  }
+
+  bool ReadStartTag(XmlStartTag& tag) {
+    return cursor_.LookingAt("<") ? cursor_.ReadStartTag(tag) : FailWithoutElement();
+  }
+
+  // Not part of its caller, which would be the slower for it.
+  [[gnu::noinline]] bool FailWithoutElement() {
+    return cursor_.Fail(cursor_.Offset(), cursor_.AtEnd()
+                                              ? "the document ends too early"
+                                              : "text stands where an element was expected");
+  }
+
+  bool ReadValue() {
+    XmlStartTag tag;
+    return ReadStartTag(tag) && ReadElement(tag);
+  }
+
+  bool ReadElement(const XmlStartTag& tag) {
+    const auto read = ReaderOf(tag.name);
+    if (read != nullptr) {
+      if (places_ != nullptr) places_->BeginValue(tag.offset);
+      if (!(this->*read)(tag)) return false;
+      if (places_ != nullptr) places_->EndValue();
+      return true;
+    }
+    if (tag.name == "key")
+      return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
+    return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
+  }
+
+  bool Open(const XmlStartTag& tag) {
+    if (++nesting_ > MaximumNesting) return cursor_.Fail(tag.offset, NestedTooDeeply);
+    return true;
+  }
+
+  // Moves on to the next thing inside a container: a start tag, or the end of it.
+  bool AtNextElement(bool& more) {
+    if (!cursor_.SkipMiscellany()) return false;
+    more = !cursor_.LookingAt("</");
+    return true;
+  }
+
+  bool ReadArray(const XmlStartTag& tag) {
+    const std::size_t first = values_.size();
+    if (!ReadContents(tag, &XmlPropertyListReader::ReadValue)) return false;
+    return Produce(TakeFrom(values_, first));
+  }
+
+  bool ReadDictionary(const XmlStartTag& tag) {
+    const std::size_t first = entries_.size();
+    if (!ReadContents(tag, &XmlPropertyListReader::ReadEntry)) return false;
+    return Produce(Dictionary(TakeFrom(entries_, first)));
+  }
+
+  // Everything inside a container, each part by `readPart`, and its end tag.
+  bool ReadContents(const XmlStartTag& tag, bool (XmlPropertyListReader::*readPart)()) {
+    if (!Open(tag)) return false;
+    for (bool more = !tag.isEmptyElement; more;) {
+      if (!AtNextElement(more)) return false;
+      if (more && !(this->*readPart)()) return false;
+    }
+    --nesting_;
+    return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
+  }
+
+  // Takes off what has been collected from `first` on.
+  template <typename Part>
+  static std::vector<Part> TakeFrom(std::vector<Part>& collected, std::size_t first) {
+    const auto begin = collected.begin() + static_cast<std::ptrdiff_t>(first);
+    std::vector<Part> taken(std::make_move_iterator(begin),
+                            std::make_move_iterator(collected.end()));
+    collected.erase(begin, collected.end());
+    return taken;
+  }
+
+  bool ReadEntry() {
+    XmlStartTag tag;
+    SharedBytes text;
+    if (!ReadStartTag(tag)) return false;
+    if (tag.name != "key") {
+      return cursor_.Fail(tag.offset,
+                          "<" + Excerpt(tag.name) + "> stands where <key> was expected");
+    }
+    if (!ReadSharedText(tag, text) || !cursor_.SkipMiscellany()) return false;
+    if (places_ != nullptr) places_->Key(text, tag.offset);
+    if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
+    if (!ReadValue()) return false;
+    entries_.emplace_back(keys_.Intern(text), std::move(values_.back()));
+    values_.pop_back();
+    return true;
+  }
+
+  // The text of a leaf element, its end tag included. It views the document or scratch_.
+  bool ReadText(const XmlStartTag& tag, std::string_view& text) {
+    text = {};
+    if (tag.isEmptyElement) return true;
+    if (!cursor_.ReadCharacters(text, scratch_)) return false;
+    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
+      return cursor_.Fail(cursor_.Offset(),
+                          "<" + std::string(tag.name) + "> holds something other than text");
+    }
+    return cursor_.ReadEndTag(tag.name);
+  }
+
+  bool ReadSharedText(const XmlStartTag& tag, SharedBytes& shared) {
+    std::string_view text;
+    if (!ReadText(tag, text)) return false;
+    const bool isDecoded = text.data() == scratch_.data();
+    shared = isDecoded ? decoded_.Keep(text) : SharedBytes(source_.buffer, text);
+    return true;
+  }
+
+  bool ReadString(const XmlStartTag& tag) {
+    SharedBytes text;
+    if (!ReadSharedText(tag, text)) return false;
+    return Produce(String{std::move(text)});
+  }
+
+  // A leaf whose text `parse` turns into a value or refuses.
+  template <typename Parse>
+  bool ReadParsed(const XmlStartTag& tag, Parse parse) {
+    std::string_view text;
+    if (!ReadText(tag, text)) return false;
+    auto value = parse(text);
+    if (value) return Produce(*std::move(value));
+    return cursor_.Fail(tag.offset,
+                        "\"" + Excerpt(text) + "\" is not a valid " + std::string(tag.name));
+  }
+
+  bool ReadInteger(const XmlStartTag& tag) { return ReadParsed(tag, ParseInteger); }
+  bool ReadReal(const XmlStartTag& tag) { return ReadParsed(tag, ParseReal); }
+  bool ReadDate(const XmlStartTag& tag) { return ReadParsed(tag, ParseDate); }
+
+  bool ReadData(const XmlStartTag& tag) {
+    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
+      const auto bytes = DecodeBase64(text);
+      if (!bytes) return std::nullopt;
+      return Data{decoded_.Keep(*bytes)};
+    });
+  }
+
+  bool ReadBoolean(const XmlStartTag& tag) {
+    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
+      if (!text.empty()) return std::nullopt;
+      return tag.name == "true";
+    });
+  }
+
+  template <typename Content>
+  bool Produce(Content&& content) {
+    values_.emplace_back(std::forward<Content>(content));
+    return true;
+  }
+
+  const SourceText& source_;
+  XmlCursor cursor_;
+  PlaceRecorder* places_;  // null: nobody wants to know
+  std::size_t nesting_ = 0;
+  std::string scratch_;
+  DecodedBytes decoded_;
+  KeyInterner keys_;
+  // What has been read of the arrays and dictionaries that are still open, innermost last, so that
+  // each is built at once in its final size.
+  std::vector<PropertyValue> values_;
+  std::vector<DictionaryEntry> entries_;
+};
+
+}  // namespace
+
+ParseOutcome ParseXmlPropertyList(const SourceText& source, PlaceRecorder* places) {
+  SourceText decoded;
+  auto error = DecodeXmlDocument(source, decoded);
+  if (!error.empty()) return {{}, std::move(error)};
+  if (places != nullptr) places->SetText(decoded);
+  return XmlPropertyListReader(decoded, places).Read();
+}
+
+}  // namespace fernwick

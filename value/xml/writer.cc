@@ -1,0 +1,98 @@
+#include "value/xml/writer.h"
+
+#include <string_view>
+#include <utility>
+
+#include "value/calendar_date.h"
+#include "value/number_text.h"
+#include "value/unicode/utf8.h"
+#include "value/xml/base64.h"
+
+namespace fernwick {
+namespace {
+
+class XmlWriter {
+ public:
+  void Write(const PropertyValue& value) {
+    value.Visit([this](const auto& content) { WriteContent(content); });
+  }
+
+  std::string TakeText() { return std::move(text_); }
+
+ private:
+  void WriteContent(const Dictionary& dictionary) {
+    if (dictionary.Size() == 0) return Line("<dict/>");
+    Line("<dict>");
+    ++indentation_;
+    for (const auto& [key, value] : dictionary.Entries()) {
+      Leaf("key", Escaped(key.View()));
+      Write(value);
+    }
+    --indentation_;
+    Line("</dict>");
+  }
+
+  void WriteContent(const Array& array) {
+    if (array.empty()) return Line("<array/>");
+    Line("<array>");
+    ++indentation_;
+    for (const auto& element : array) Write(element);
+    --indentation_;
+    Line("</array>");
+  }
+
+  void WriteContent(const String& string) { Leaf("string", Escaped(string.text.View())); }
+  void WriteContent(const Data& data) { Leaf("data", EncodeBase64(data.bytes.View())); }
+  void WriteContent(const Date& date) { Leaf("date", FormatDate(date)); }
+  void WriteContent(const Integer& integer) { Leaf("integer", FormatInteger(integer)); }
+  void WriteContent(double real) { Leaf("real", FormatReal(real)); }
+  void WriteContent(bool boolean) { Line(boolean ? "<true/>" : "<false/>"); }
+
+  void Leaf(std::string_view name, std::string_view content) {
+    Indent();
+    text_.append("<").append(name).append(">").append(content);
+    text_.append("</").append(name).append(">\n");
+  }
+
+  void Line(std::string_view content) {
+    Indent();
+    text_.append(content).append("\n");
+  }
+
+  void Indent() { text_.append(indentation_, '\t'); }
+
+  static std::string Escaped(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    while (!text.empty()) {
+      const auto [character, length] = DecodeUtf8(text);
+      AppendEscaped(escaped, length == 0 ? ReplacementCharacter : character);
+      text.remove_prefix(length == 0 ? 1 : length);
+    }
+    return escaped;
+  }
+
+  static void AppendEscaped(std::string& escaped, char32_t character) {
+    switch (character) {
+      case '&': escaped += "&amp;"; break;
+      case '<': escaped += "&lt;"; break;
+      case '>': escaped += "&gt;"; break;
+      case '\r': escaped += "&#13;"; break;  // a bare one would be read as a line feed
+      default: AppendUtf8(escaped, IsTextCharacter(character) ? character : ReplacementCharacter);
+    }
+  }
+
+  std::string text_;
+  std::size_t indentation_ = 0;
+};
+
+}  // namespace
+
+std::string WriteXmlPropertyList(const PropertyValue& value) {
+  XmlWriter writer;
+  writer.Write(value);
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n" +
+         writer.TakeText() + "</plist>";
+}
+
+}  // namespace fernwick
