@@ -1,43 +1,41 @@
 #include "driver/bypass_switch.h"
 
-#include "platform/diagnostics.h"
 #include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {
 
-// Takes the piece before the next `separator` off the front. False when none is left.
-bool TakePiece(std::optional<std::string_view>& text, char separator, std::string_view& piece) {
-  if (!text) return false;
+// Removes the part before the next `separator` from the front of the text, the separator too, and
+// returns it. The text is empty (nullopt) after its last part. REQUIRES: there is text.
+std::string_view SplitFront(std::optional<std::string_view>& text, char separator) {
   const std::size_t end = text->find(separator);
-  piece = text->substr(0, end);
+  const auto part = text->substr(0, end);
   text = end == std::string_view::npos ? std::nullopt : std::optional(text->substr(end + 1));
-  return true;
+  return part;
 }
 
 bool IsSetting(std::string_view value) {
   return value != "0";
 }
 
-// A bare switch name has no value to read. That it ends the process is how a malformed switch is
+// A bare switch name has no value to read. That it ends the run is how a malformed switch is
 // treated: no default may be made up for it.
-bool SetsSwitch(std::string_view token, std::string_view name) {
+Result<bool, Fault> SetsSwitch(std::string_view token, std::string_view name) {
   std::optional<std::string_view> rest = token;
-  std::string_view key;
-  TakePiece(rest, '=', key);
-  if (key != name) return false;
-  std::string_view value;
-  if (!TakePiece(rest, '=', value)) EndAbnormally(BareSwitchFault);
-  return IsSetting(value);
+  if (SplitFront(rest, '=') != name) return false;
+  if (!rest) return Fault::BareSwitch;
+  return IsSetting(SplitFront(rest, '='));
 }
 
-// Looks at every token, also behind one that has set the switch: a later 0 does not clear it, but a
+// Looks at every token, also after one that has set the switch: a later 0 does not clear it, but a
 // later bare name is still a fault.
-bool IsSetInBootArguments(std::optional<std::string_view> bootArguments, std::string_view name) {
+Result<bool, Fault> IsSetInBootArguments(std::optional<std::string_view> bootArguments,
+                                         std::string_view name) {
   bool isSet = false;
-  std::string_view token;
-  while (TakePiece(bootArguments, ' ', token)) {
-    if (SetsSwitch(token, name)) isSet = true;
+  while (bootArguments) {
+    const auto setsIt = SetsSwitch(SplitFront(bootArguments, ' '), name);
+    if (!setsIt) return setsIt;
+    isSet = isSet || *setsIt;
   }
   return isSet;
 }
@@ -51,12 +49,11 @@ bool IsSetInNvram(const std::optional<PropertyValue>& variable) {
 
 }  // namespace
 
-bool ReadBypassSwitch(Registry& registry, std::string_view name) {
+Result<bool, Fault> ReadBypassSwitch(Registry& registry, std::string_view name) {
   const RegistryEntry options = registry.LookupEntryByPath(BootOptionsPath);
   const auto bootArguments = registry.GetProperty(options, "boot-args");
-  const bool isSet =
-      IsSetInBootArguments(bootArguments ? bootArguments->AsString() : std::nullopt, name) ||
-      IsSetInNvram(registry.GetProperty(options, name));
+  auto isSet = IsSetInBootArguments(bootArguments ? bootArguments->AsString() : std::nullopt, name);
+  if (isSet && !*isSet) isSet = IsSetInNvram(registry.GetProperty(options, name));
   registry.ReleaseEntry(options);
   return isSet;
 }

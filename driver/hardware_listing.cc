@@ -1,6 +1,7 @@
 #include "driver/hardware_listing.h"
 
 #include <cinttypes>
+#include <vector>
 
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
@@ -9,35 +10,38 @@
 namespace fernwick {
 namespace {
 
-const char* TextOrAbsent(const std::optional<std::string>& text) {
-  return text ? text->c_str() : AbsentText;
+std::string TextOrAbsent(const std::optional<std::string>& text) {
+  return text.value_or(AbsentText);
 }
 
 }  // namespace
 
-void PrintHeader(Output& out, const BoardIdentity& identity,
+void PrintHeader(Console& console, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory) {
-  out.Print("\nBoard ID:                %" PRIX64 "\n", identity.boardId);
-  out.Print("Board ID String:         %s\n", TextOrAbsent(identity.boardIdString));
-  out.Print("Board Revision:          %u\n", identity.boardRevision);
-  out.Print("\nPersonalities Directory: %s\n", TextOrAbsent(personalitiesDirectory));
-  out.Write("\n\n");
-  out.Flush();
+  console.Print("\nBoard ID:                %" PRIX64 "\n", identity.boardId);
+  console.Write("Board ID String:         " + TextOrAbsent(identity.boardIdString) + "\n");
+  console.Print("Board Revision:          %u\n", identity.boardRevision);
+  console.Write("\nPersonalities Directory: " + TextOrAbsent(personalitiesDirectory) + "\n");
+  console.Write("\n\n");
+  console.Flush();
 }
 
-void PrintHardware(Output& out, Registry& registry) {
+std::optional<Fault> PrintHardware(Console& console, Registry& registry) {
   auto hardware = CollectPortControllers(registry);
-  if (!hardware) hardware = CollectThunderboltControllers(registry);
-  if (!hardware) {
-    out.Write("No supported hardware on this platform?\n");
+  if (hardware && hardware->records.empty()) hardware = CollectThunderboltControllers(registry);
+  if (!hardware) return hardware.Error();
+  if (hardware->records.empty()) {
+    console.Write("No supported hardware on this platform?\n");
   } else {
-    const Array list(hardware->begin(), hardware->end());
-    out.Write("Current hardware:\n\n");
-    out.Write(DumpText(list));
+    std::vector<PropertyValue> list;
+    for (const auto& record : hardware->records) list.emplace_back(Dictionary(record));
+    console.Write("Current hardware:\n\n");
+    console.Write(DumpText(Array(list)));
   }
-  out.Flush();
-  out.Write("\n\n");
-  out.Flush();
+  console.Flush();
+  console.Write("\n\n");
+  console.Flush();
+  return std::nullopt;
 }
 
 }  // namespace fernwick

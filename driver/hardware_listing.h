@@ -3,7 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/output.h"
+#include "platform/console.h"
+#include "platform/fault.h"
 #include "registry/board_identity.h"
 #include "registry/registry.h"
 
@@ -12,11 +13,11 @@ namespace fernwick {
 /// Verbose output alone.
 
 /// Who the host is and where its personalities are looked for.
-void PrintHeader(Output& out, const BoardIdentity& identity,
+void PrintHeader(Console& console, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory);
 
 /// The current hardware: the port controllers or, where there are none, the Thunderbolt
-/// controllers.
-void PrintHardware(Output& out, Registry& registry);
+/// controllers. A fault of an inventory, before anything is printed.
+std::optional<Fault> PrintHardware(Console& console, Registry& registry);
 
 }  // namespace fernwick

@@ -2,6 +2,8 @@
 
 #include <getopt.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <vector>
 
@@ -32,11 +34,38 @@ std::optional<std::string> PersonalitiesDirectory(std::string_view payload) {
   return std::string(payload) + "/Fernwick/";
 }
 
+// Redirects what the C library writes to `stderr` into memory, from its construction on.
+class StandardErrorText {
+ public:
+  StandardErrorText() : stream_(open_memstream(&bytes_, &size_)) {
+    if (stream_ != nullptr) stderr = stream_;
+  }
+  ~StandardErrorText() {
+    stderr = saved_;
+    if (stream_ != nullptr) std::fclose(stream_);
+    std::free(bytes_);
+  }
+  StandardErrorText(const StandardErrorText&) = delete;
+  StandardErrorText& operator=(const StandardErrorText&) = delete;
+
+  std::string Text() {
+    if (stream_ == nullptr || std::fflush(stream_) != 0) return {};
+    return {bytes_, size_};
+  }
+
+ private:
+  std::FILE* const saved_ = stderr;
+  char* bytes_ = nullptr;
+  std::size_t size_ = 0;
+  std::FILE* stream_;
+};
+
 }  // namespace
 
 Options ParseOptions(int argumentCount, char* const arguments[]) {
-  // The parser moves operands behind the options; the caller's vector stays as it is.
+  // The parser moves operands to the end; the caller's vector stays as it is.
   std::vector<char*> vector(arguments, arguments + argumentCount + 1);
+  StandardErrorText diagnostic;
   Options options;
   optind = 0;  // makes the parser forget an earlier vector
   opterr = 1;
@@ -48,7 +77,10 @@ Options ParseOptions(int argumentCount, char* const arguments[]) {
       case 'X':
       case 's': break;  // accepted without effect
       case 'b': options.bypassVersionCheck = true; break;
-      default: options.accepted = false; return options;
+      default:
+        options.accepted = false;
+        options.diagnostic = diagnostic.Text();
+        return options;
     }
   }
 }

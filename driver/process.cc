@@ -1,9 +1,11 @@
 #include "driver/process.h"
 
 #include <fcntl.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <new>
 #include <string_view>
 
@@ -12,7 +14,7 @@ namespace {
 
 int statusWhenOutOfMemory;
 
-// Leaves what waits in the buffer of standard output where it is: half a plan is worse than none.
+// What is in the buffer of standard output is not sent: half a plan is worse than none.
 [[noreturn]] void EndOutOfMemory() {
   constexpr std::string_view Message = "fernwick: out of memory\n";
   [[maybe_unused]] const auto written = write(STDERR_FILENO, Message.data(), Message.size());
@@ -22,7 +24,7 @@ int statusWhenOutOfMemory;
 // Opened the wrong way round, so that using the stream fails as it would if it were closed.
 void ReserveIfClosed(int descriptor, int mode) {
   if (fcntl(descriptor, F_GETFD) >= 0) return;
-  // The lowest free number is taken, which is this one: those below have been seen to.
+  // The lowest free number is taken, which is this one: those below are in use by now.
   [[maybe_unused]] const int reserved = open("/dev/null", mode);
 }
 
@@ -38,6 +40,12 @@ void PrepareProcess() {
 void EndWhenOutOfMemory(int status) {
   statusWhenOutOfMemory = status;
   std::set_new_handler(EndOutOfMemory);
+}
+
+void LogAndAbort(Fault fault) {
+  openlog("fernwick", 0, LOG_USER);
+  syslog(LOG_CRIT, "%s", Describe(fault));
+  std::abort();
 }
 
 }  // namespace fernwick

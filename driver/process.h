@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/fault.h"
+
 namespace fernwick {
 
 /// What every program does before anything else: a broken pipe becomes a failed write instead of a
@@ -10,5 +12,9 @@ void PrepareProcess();
 /// From now on, when memory runs out, the process says so on standard error and ends with `status`,
 /// with nothing more on standard output.
 void EndWhenOutOfMemory(int status);
+
+/// Ends the process abnormally (SIGABRT) after a line in the system log alone that says which fault
+/// it was. For main, when a run returned one.
+[[noreturn]] void LogAndAbort(Fault fault);
 
 }  // namespace fernwick

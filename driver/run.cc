@@ -1,103 +1,100 @@
 #include "driver/run.h"
 
 #include <cstring>
-#include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "driver/bypass_switch.h"
 #include "driver/hardware_listing.h"
-#include "driver/options.h"
-#include "personality/bypass_flags.h"
 #include "personality/matcher.h"
 #include "plan/invocation_builder.h"
 #include "plan/launcher_plist.h"
 #include "plan/match_report.h"
 #include "plan/plan_values.h"
-#include "platform/output.h"
-#include "registry/board_identity.h"
 
 namespace fernwick {
 namespace {
 
 // Both switches set: the second is not even read.
-void ReadSwitches(Registry& registry) {
-  BypassUsbcUpdates = ReadBypassSwitch(registry, "fernwick_bypass_usbc_updates");
-  if (BypassUsbcUpdates == 0 && BypassVersionCheck == 0) {
-    BypassVersionCheck = ReadBypassSwitch(registry, "fernwick_bypassversioncheck");
-  }
+std::optional<Fault> ReadSwitches(Registry& registry, RunResult& result) {
+  const auto bypassesUpdates = ReadBypassSwitch(registry, "fernwick_bypass_usbc_updates");
+  if (!bypassesUpdates) return bypassesUpdates.Error();
+  result.bypassesUpdates = *bypassesUpdates;
+  if (result.bypassesUpdates) return std::nullopt;
+  const auto bypassesVersion = ReadBypassSwitch(registry, "fernwick_bypassversioncheck");
+  if (!bypassesVersion) return bypassesVersion.Error();
+  result.switchBypassesVersion = *bypassesVersion;
+  return std::nullopt;
 }
 
-// Turns the matches into the plan and prints it.
-int PrintPlan(const std::vector<MatchRecord>& matches, const BoardIdentity& identity,
-              const Options& options, Output& out, RunRecorder* recorder) {
+// Turns the matches into the plan and prints it. Returns the status.
+int PrintPlan(const Options& options, Console& console, RunResult& result) {
   PlanValues plan;
-  InvocationBuilder builder(*options.personalitiesDirectory, identity.boardIdString);
-  if (options.verbose) PrintMatchReportHeader(out);
-  for (const auto& match : matches) {
+  InvocationBuilder builder(*options.personalitiesDirectory, result.identity->boardIdString);
+  if (options.verbose) PrintMatchReportHeader(console);
+  for (const auto& match : result.matches) {
     FoldPriority(match, plan);
-    if (options.verbose) PrintMatchReport(out, match);
-    if (!builder.AddMatch(match, plan, options.verbose ? &out : nullptr)) {
-      return ExitStatus::NoMatches;
-    }
-    if (recorder != nullptr) ++recorder->plannedMatches;
+    if (options.verbose) PrintMatchReport(console, match);
+    if (!builder.AddMatch(match, plan, options.verbose, console)) return ExitStatus::NoMatches;
+    ++result.plannedMatches;
   }
   builder.FinishInvocation();
-  if (options.verbose) builder.PrintInvocation(out);
-  return WritePlan(out, options.verbose, builder.Arguments(), plan);
+  if (options.verbose) builder.PrintInvocation(console);
+  return WritePlan(console, options.verbose, builder.Arguments(), plan);
 }
 
-int RunWithOptions(const Options& options, Registry& registry, Output& out, RunRecorder* recorder) {
-  if (!options.accepted) return ExitStatus::BadCommandLine;
-  const auto identity = ReadBoardIdentity(registry);
-  if (recorder != nullptr) recorder->identity = identity;
+// From the header to the plan. Stores the status.
+std::optional<Fault> RunWithOptions(const Options& options, Registry& registry, Console& console,
+                                    RunTrace* trace, RunResult& result) {
+  if (!options.accepted) {
+    console.WriteError(options.diagnostic);
+    result.status = ExitStatus::BadCommandLine;
+    return std::nullopt;
+  }
+  result.identity = ReadBoardIdentity(registry);
   if (options.verbose) {
-    PrintHeader(out, identity, options.personalitiesDirectory);
-    PrintHardware(out, registry);
+    PrintHeader(console, *result.identity, options.personalitiesDirectory);
+    if (const auto fault = PrintHardware(console, registry)) return fault;
   }
-  const auto matches = MatchPersonalities(registry, identity.boardIdString, identity.boardRevision,
-                                          options.personalitiesDirectory,
-                                          recorder == nullptr ? nullptr : &recorder->matching);
-  if (!matches) return ExitStatus::NoMatches;
-  if (recorder != nullptr) recorder->matches = *matches;
-  return PrintPlan(*matches, identity, options, out, recorder);
+  auto matching = MatchPersonalities({registry, console, result.bypassesVersionCheck, trace},
+                                     result.identity->boardIdString, result.identity->boardRevision,
+                                     options.personalitiesDirectory);
+  if (!matching) return matching.Error();
+  result.configuration = std::move(matching->configuration);
+  result.matches = std::move(matching->matches);
+  result.status =
+      result.matches.empty() ? ExitStatus::NoMatches : PrintPlan(options, console, result);
+  return std::nullopt;
 }
 
-int RunToStatus(int argumentCount, char* const arguments[], Registry& registry, Output& out,
-                RunRecorder* recorder) {
-  BypassVersionCheck = 0;
-  ReadSwitches(registry);
-  if (recorder != nullptr) {
-    recorder->bypassesUpdates = BypassUsbcUpdates != 0;
-    recorder->switchBypassesVersion = BypassVersionCheck != 0;
+std::optional<Fault> RunToStatus(const Options& options, Registry& registry, Console& console,
+                                 RunTrace* trace, RunResult& result) {
+  if (const auto fault = ReadSwitches(registry, result)) return fault;
+  if (result.bypassesUpdates) {
+    // The options count from here on: not even the verbose one has an effect before.
+    console.Write("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n");
+    return std::nullopt;
   }
-  if (BypassUsbcUpdates != 0) {
-    // The options have not been read: not even the verbose one has an effect here.
-    out.Write("USB-C Updates bypassed because fernwick_bypass_usbc_updates boot arg was set\n");
-    return ExitStatus::PlanPrinted;
+  result.bypassesVersionCheck = result.switchBypassesVersion || options.bypassVersionCheck;
+  const auto fault = RunWithOptions(options, registry, console, trace, result);
+  if (!fault && options.verbose) {
+    console.Print("\n\nExit status: %u\n", static_cast<unsigned>(result.status));
   }
-  const auto options = ParseOptions(argumentCount, arguments);
-  if (options.bypassVersionCheck) BypassVersionCheck = 1;
-  if (recorder != nullptr) {
-    recorder->options = options;
-    recorder->bypassesVersionCheck = BypassVersionCheck != 0;
-  }
-  const int status = RunWithOptions(options, registry, out, recorder);
-  if (options.verbose) out.Print("\n\nExit status: %u\n", static_cast<unsigned>(status));
-  return status;
+  return fault;
 }
 
 }  // namespace
 
-int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream,
-        RunRecorder* recorder) {
-  Output out(stream);
-  const int status = RunToStatus(argumentCount, arguments, registry, out, recorder);
-  out.Flush();
-  if (out.Error() == 0) return status;
-  std::fprintf(stderr, "fernwick: standard output could not be written: %s\n",
-               std::strerror(out.Error()));
-  return status == ExitStatus::PlanPrinted ? ExitStatus::OutputLost : status;
+RunResult Run(const Options& options, Registry& registry, Console& console, RunTrace* trace) {
+  RunResult result;
+  result.fault = RunToStatus(options, registry, console, trace, result);
+  if (result.fault) return result;
+  console.Flush();
+  if (console.OutputError() == 0) return result;
+  console.WriteError("fernwick: standard output could not be written: " +
+                     std::string(std::strerror(console.OutputError())) + "\n");
+  if (result.status == ExitStatus::PlanPrinted) result.status = ExitStatus::OutputLost;
+  return result;
 }
 
 }  // namespace fernwick

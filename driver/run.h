@@ -1,9 +1,17 @@
 #pragma once
 
-#include <cstdio>
+#include <cstddef>
+#include <optional>
+#include <vector>
 
-#include "driver/run_recorder.h"
+#include "driver/options.h"
+#include "personality/match_record.h"
+#include "personality/run_trace.h"
+#include "platform/console.h"
+#include "platform/fault.h"
+#include "registry/board_identity.h"
 #include "registry/registry.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick {
 
@@ -13,15 +21,29 @@ inline constexpr int PlanPrinted = 0;  // or USB-C updates are bypassed by a swi
 inline constexpr int EmptyPlan = 1;    // a guard that is never reached
 inline constexpr int BadCommandLine = 2;
 inline constexpr int NoMatches = 13;
-inline constexpr int OutputLost = 74;  // in place of 0: the plan did not arrive
+inline constexpr int OutOfMemory = 71;  // of the process, not of a run
+inline constexpr int OutputLost = 74;   // in place of 0: the plan did not arrive
 }  // namespace ExitStatus
 
-/// One whole run of the tool over `registry`: what a process does between its start and its exit.
-/// Returns the exit status. The plan goes to `stream`; option parser, system log and requirement
-/// checks write to standard error by themselves. Nothing is kept from an earlier run. REQUIRES:
-/// arguments[argumentCount] is null. A recorder learns what the run finds and decides and changes
-/// nothing; the tool gives none (null).
-int Run(int argumentCount, char* const arguments[], Registry& registry, std::FILE* stream,
-        RunRecorder* recorder = nullptr);
+/// What a run found and decided, as far as it went. The matches view the configuration and the
+/// registry: it is valid as long as the registry, also when it is moved.
+struct RunResult {
+  int status = ExitStatus::PlanPrinted;  // of no meaning when there is a fault
+  std::optional<Fault> fault = {};       // the run ended abnormally
+  bool bypassesUpdates = false;          // by a switch, which ends the run
+  bool switchBypassesVersion = false;    // a switch does what the option --bypassVersion does
+  bool bypassesVersionCheck = false;     // by an option or a switch
+  std::optional<BoardIdentity> identity = {};
+  std::optional<PropertyList> configuration = {};  // as it was loaded, its value of whatever kind
+  std::vector<MatchRecord> matches = {};  // in the order of the plan; empty without a match
+  std::size_t plannedMatches = 0;         // fewer than matches when the next one ended the run
+};
+
+/// One whole run of the tool over `registry`, which prints to `console` alone. Nothing is kept from
+/// an earlier run, and runs with a registry and a console of their own may take place in several
+/// threads. After a fault nothing more may be printed: what was not flushed by then is lost.
+/// `trace` may be null.
+RunResult Run(const Options& options, Registry& registry, Console& console,
+              RunTrace* trace = nullptr);
 
 }  // namespace fernwick

@@ -4,14 +4,14 @@
 
 #include "platform/file_system.h"
 #include "platform/platform_log.h"
-#include "value/property_list_reader.h"
 
 namespace fernwick {
 namespace {
 
-std::nullopt_t FailReading(const std::string& error, Serialisation serialisation) {
-  PlatformLog("Error reading plist: %@, format: %lu",
-              {std::string_view(error), static_cast<unsigned long>(serialisation)});
+std::nullopt_t FailReading(Console& console, const Error& error, Serialisation serialisation) {
+  const auto text = Describe(error);
+  PlatformLog(console, "Error reading plist: %@, format: %lu",
+              {std::string_view(text), static_cast<unsigned long>(serialisation)});
   return std::nullopt;
 }
 
@@ -32,24 +32,24 @@ std::optional<std::string> ConfigurationPath(
   return AppendPathComponent(*directory, "Config.plist");
 }
 
-std::optional<PropertyValue> LoadPersonalityConfiguration(
+std::optional<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
-    const std::optional<std::string>& personalitiesDirectory) {
+    const std::optional<std::string>& personalitiesDirectory, Console& console) {
   const auto directory = BoardDirectory(boardIdString, personalitiesDirectory);
   if (!directory || !PathExists(*directory)) {
-    PlatformLog("Error reading plist: No files to support boardID: %@", {boardIdString});
+    PlatformLog(console, "Error reading plist: No files to support boardID: %@", {boardIdString});
     return std::nullopt;
   }
   const auto path = *ConfigurationPath(boardIdString, personalitiesDirectory);
   if (!PathExists(path)) {
-    PlatformLog("Error reading plist: No config file for this project");
+    PlatformLog(console, "Error reading plist: No config file for this project");
     return std::nullopt;
   }
   auto file = ReadWholeFile(path);
-  if (!file.bytes) return FailReading(file.error, Serialisation::None);
-  auto reading = ReadPropertyList(*std::move(file.bytes));
-  if (!reading.value) return FailReading(reading.error, reading.serialisation);
-  return std::move(reading.value);
+  if (!file) return FailReading(console, file.Error(), Serialisation::None);
+  auto reading = ReadPropertyList(*std::move(file));
+  if (!reading.list) return FailReading(console, reading.list.Error(), reading.serialisation);
+  return *std::move(reading.list);
 }
 
 }  // namespace fernwick

@@ -3,7 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "value/property_value.h"
+#include "platform/console.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick {
 
@@ -17,11 +18,11 @@ std::optional<std::string> ConfigurationPath(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory);
 
-/// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns its
-/// top-level value, of whatever kind, or nothing after one line in the PlatformLog: there is no
-/// such directory, no such file, or it cannot be read or parsed.
-std::optional<PropertyValue> LoadPersonalityConfiguration(
+/// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns the
+/// property list, with a value of whatever kind, or nothing after one line in the system log: there
+/// is no such directory, no such file, or it cannot be read or parsed.
+std::optional<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
-    const std::optional<std::string>& personalitiesDirectory);
+    const std::optional<std::string>& personalitiesDirectory, Console& console);
 
 }  // namespace fernwick

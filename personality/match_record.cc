@@ -1,26 +1,11 @@
 #include "personality/match_record.h"
 
+#include "registry/key_schema.h"
+
 namespace fernwick {
-namespace {
-
-// Set from the controller only where the personality named them, in this order.
-constexpr std::string_view ConstrainedKeys[] = {
-    "Port Silicon Vendor ID",
-    "Port Silicon Device ID",
-    "Port Silicon Revision",
-    "Port OTP Revision",
-    "Port UUID",
-    "Ridge Silicon Vendor ID",
-    "Ridge Silicon Device ID",
-    "Ridge Silicon Revision",
-    "Ridge UID",
-};
-
-}  // namespace
-
 MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecord& controller,
                              std::string_view type) {
-  MatchRecord match = personality;
+  MatchRecord match(personality);
   const auto setFromController = [&](std::string_view key) {
     match.SetOrRemove(key, controller.Find(key));
   };
@@ -30,8 +15,9 @@ MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecor
   // The condition is "RID" and not "Port Address", deliberately: a controller with a RID gives its
   // address even to a personality without one; without a RID the file's address stays.
   if (match.Find("RID") != nullptr) setFromController("Port Address");
-  for (const auto key : ConstrainedKeys) {
-    if (match.Find(key) != nullptr) setFromController(key);
+  for (const auto& key : KeySchema()) {
+    const bool isOfController = key.inMatch == MatchValue::OfController;
+    if (isOfController && match.Find(key.name) != nullptr) setFromController(key.name);
   }
   match.Set("Personality Type", type);
   const bool controllerHasMode = controller.Find("Firmware Mode") != nullptr;

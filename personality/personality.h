@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "value/property_value.h"
@@ -20,10 +19,9 @@ inline constexpr std::string_view LegacyUsbc = "LegacyUSBC";
 inline constexpr std::string_view Usbc = "USBC";
 }  // namespace PersonalityType
 
-/// The candidates that stand under a type: the elements of its array, of whatever kind, or the one
-/// dictionary of "LegacyUSBC". Nothing when the value has another shape. They live as long as
-/// `value`.
-std::optional<std::span<const PropertyValue>> PersonalitiesOf(std::string_view type,
-                                                              const PropertyValue& value);
+/// The candidates under a type: the elements of its array, of whatever kind, or the one dictionary
+/// of "LegacyUSBC". Empty when the value has another shape. They are valid as long as `value` and
+/// what it views.
+std::optional<Array> PersonalitiesOf(std::string_view type, const PropertyValue& value);
 
 }  // namespace fernwick

@@ -59,7 +59,8 @@ InvocationBuilder::InvocationBuilder(std::string directory,
     : personalitiesDirectory(std::move(directory)),
       boardDirectory(BoardDirectory(boardIdString, personalitiesDirectory)) {}
 
-bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut) {
+bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, bool verbose,
+                                 Console& console) {
   const std::string type(TextOf(match.Find("Personality Type")).value_or(AbsentText));
   if (type != currentType) StartGroup(type);
   MergeNvram(match, plan);
@@ -67,15 +68,15 @@ bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, Out
   if (family != UtilityFamily::None) {
     const auto image = TextOf(match.Find("Firmware")).value_or("");
     if (image.empty() || !boardDirectory) {
-      PlatformLog("Error in personality: no firmware image to flash for type %@",
+      PlatformLog(console, "Error in personality: no firmware image to flash for type %@",
                   {std::string_view(type)});
       return false;
     }
     family == UtilityFamily::Ridge ? AddThunderboltOptions(match) : AddPortOptions();
     Append(arguments, {"-payload", AppendPathComponent(*boardDirectory, image)});
-  } else if (verboseOut != nullptr) {
-    verboseOut->Print("\t*** No supported platform type? (was using %s)***\n", type.c_str());
-    verboseOut->Flush();
+  } else if (verbose) {
+    console.Write("\t*** No supported platform type? (was using " + type + ")***\n");
+    console.Flush();
   }
   ++payloadIndex;
   return true;
@@ -113,16 +114,16 @@ void InvocationBuilder::FinishInvocation() {
   arguments.push_back(JoinWithBlanks(optionTokens));
 }
 
-void InvocationBuilder::PrintInvocation(Output& out) const {
-  out.Write("Hallow Invocation:\n");
-  out.Flush();
-  out.Write("\t");
+void InvocationBuilder::PrintInvocation(Console& console) const {
+  console.Write("Hallow Invocation:\n");
+  console.Flush();
+  console.Write("\t");
   for (const auto& argument : arguments) {
-    const bool holdsBlank = argument.find(' ') != std::string::npos;
-    out.Write(holdsBlank ? "\"" + argument + "\"" : argument + " ");
+    const bool containsBlank = argument.find(' ') != std::string::npos;
+    console.Write(containsBlank ? "\"" + argument + "\"" : argument + " ");
   }
-  out.Write("\n");
-  out.Flush();
+  console.Write("\n");
+  console.Flush();
 }
 
 }  // namespace fernwick

@@ -8,7 +8,7 @@
 
 #include "personality/match_record.h"
 #include "plan/plan_values.h"
-#include "platform/output.h"
+#include "platform/console.h"
 
 namespace fernwick {
 
@@ -17,7 +17,7 @@ namespace fernwick {
 std::string_view FlashingUtility(std::string_view type);
 
 /// Builds the argument vector of the boot-target tool from the matches of one run. Each group of
-/// matches of one type gets a whole head of its own, and the payload variables count from 0 in
+/// matches of one type has a whole head of its own, and the payload variables count from 0 in
 /// each; all groups share the one options argument at the end.
 class InvocationBuilder {
  public:
@@ -25,18 +25,17 @@ class InvocationBuilder {
   InvocationBuilder(std::string personalitiesDirectory,
                     const std::optional<std::string>& boardIdString);
 
-  /// Takes the next match, its NVRAM settings included, into the vector and into `plan`. In verbose
-  /// mode (`verboseOut` is not null) a type that is not supported is told there. False, after a
-  /// line in the PlatformLog, when the match names no firmware image or the board has no directory
-  /// for one.
-  bool AddMatch(const MatchRecord& match, PlanValues& plan, Output* verboseOut);
+  /// Adds the next match to the vector and its NVRAM settings to `plan`. In verbose mode a line
+  /// about a type that is not supported goes to standard output. False, after a line in the system
+  /// log, when the match names no firmware image or the board has no directory for one.
+  bool AddMatch(const MatchRecord& match, PlanValues& plan, bool verbose, Console& console);
 
   /// Closes the vector. To be called once, after the last match.
   void FinishInvocation();
 
-  /// Prints the finished vector on one line: an argument that holds a blank in double quotes and
-  /// directly before the next, any other with a blank behind it.
-  void PrintInvocation(Output& out) const;
+  /// Prints the finished vector on one line: an argument that contains a blank in double quotes and
+  /// directly before the next, any other followed by a blank.
+  void PrintInvocation(Console& console) const;
 
   /// The finished vector, program path first.
   const std::vector<std::string>& Arguments() const { return arguments; }

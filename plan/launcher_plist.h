@@ -4,14 +4,14 @@
 #include <vector>
 
 #include "plan/plan_values.h"
-#include "platform/output.h"
+#include "platform/console.h"
 
 namespace fernwick {
 
 /// Writes the property list of the firmware-update launcher as XML and flushes it; in verbose mode
 /// under a title. Returns the status of the run: 0, or 1 when the argument vector is empty and
-/// there is nothing to write. A write that failed is told by `out`.
-int WritePlan(Output& out, bool verbose, const std::vector<std::string>& arguments,
+/// there is nothing to write. A write that failed is known to `console`.
+int WritePlan(Console& console, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan);
 
 }  // namespace fernwick

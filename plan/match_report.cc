@@ -12,54 +12,58 @@ namespace {
 // One labelled line. The label is padded so that every value starts in the same column.
 class ReportLines {
  public:
-  ReportLines(Output& out, const MatchRecord& match) : out_(out), match_(match) {}
+  ReportLines(Console& console, const MatchRecord& match) : console_(console), match_(match) {}
 
   void Text(const char* label, std::string_view key) {
-    const std::string text(TextOf(match_.Find(key)).value_or(AbsentText));
-    Print("\t%-31s %s\n", label, text.c_str());
+    console_.Print("\t%-31s ", label);
+    console_.Write(TextOf(match_.Find(key)).value_or(AbsentText));
+    EndLine();
   }
 
   // The low 32 bits, printed without a sign: −1 is 4294967295. Signed and unsigned 32-bit values
   // print alike.
   void Integer32(const char* label, std::string_view key) {
-    Print("\t%-31s %" PRIu32 "\n", label, Integer32Of(match_.Find(key)));
+    console_.Print("\t%-31s %" PRIu32, label, Integer32Of(match_.Find(key)));
+    EndLine();
   }
 
   void Hexadecimal64(const char* label, std::string_view key) {
-    Print("\t%-31s 0x%" PRIX64 "\n", label, IntegerOf(match_.Find(key)));
+    console_.Print("\t%-31s 0x%" PRIX64, label, IntegerOf(match_.Find(key)));
+    EndLine();
   }
 
   void Real(const char* label, std::string_view key) {
-    Print("\t%-31s %1.02f\n", label, static_cast<double>(RealOf(match_.Find(key))));
+    console_.Print("\t%-31s %1.02f", label, static_cast<double>(RealOf(match_.Find(key))));
+    EndLine();
   }
 
-  // The value stands on the lines after the label.
+  // The value is on the lines after the label.
   void Dump(const char* label, std::string_view key) {
     const auto* value = match_.Find(key);
-    const auto dump = value == nullptr ? std::string(AbsentText) : DumpText(*value);
-    Print("\t%s\n%s\n", label, dump.c_str());
+    console_.Print("\t%s\n", label);
+    console_.Write(value == nullptr ? std::string(AbsentText) : DumpText(*value));
+    EndLine();
   }
 
  private:
-  template <typename... Values>
-  void Print(const char* format, Values... values) {
-    out_.Print(format, values...);
-    out_.Flush();
+  void EndLine() {
+    console_.Write("\n");
+    console_.Flush();
   }
 
-  Output& out_;
+  Console& console_;
   const MatchRecord& match_;
 };
 
 }  // namespace
 
-void PrintMatchReportHeader(Output& out) {
-  out.Write("Identified the following matches:\n");
-  out.Flush();
+void PrintMatchReportHeader(Console& console) {
+  console.Write("Identified the following matches:\n");
+  console.Flush();
 }
 
-void PrintMatchReport(Output& out, const MatchRecord& match) {
-  ReportLines lines(out, match);
+void PrintMatchReport(Console& console, const MatchRecord& match) {
+  ReportLines lines(console, match);
   lines.Text("PERSONALITY_TYPE:", "Personality Type");
   lines.Integer32("CONFIG_PORT_ADDRESS:", "Port Address");
   lines.Integer32("RID:", "RID");  // the only label without a prefix
@@ -81,8 +85,8 @@ void PrintMatchReport(Output& out, const MatchRecord& match) {
   lines.Integer32("CONFIG_PRIORITY:", "Priority");
   lines.Dump("CONFIG_NVRAM_TO_SET:", "SetNVRAM");
   lines.Dump("CONFIG_NVRAM_TO_CLEAR:", "ClearNVRAM");
-  out.Write("\n\n");
-  out.Flush();
+  console.Write("\n\n");
+  console.Flush();
 }
 
 }  // namespace fernwick

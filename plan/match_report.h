@@ -1,16 +1,16 @@
 #pragma once
 
 #include "personality/match_record.h"
-#include "platform/output.h"
+#include "platform/console.h"
 
 namespace fernwick {
 
 /// Verbose output alone. Each line is flushed.
 
 /// The line above the first match.
-void PrintMatchReportHeader(Output& out);
+void PrintMatchReportHeader(Console& console);
 
 /// The block of one match: 21 labelled lines, whatever its type, and a gap.
-void PrintMatchReport(Output& out, const MatchRecord& match);
+void PrintMatchReport(Console& console, const MatchRecord& match);
 
 }  // namespace fernwick

@@ -12,13 +12,12 @@ void FoldPriority(const MatchRecord& match, PlanValues& plan) {
 
 void MergeNvram(const MatchRecord& match, PlanValues& plan) {
   const auto* toSet = match.Find("SetNVRAM");
-  if (toSet != nullptr && toSet->AsDictionary() != nullptr) {
-    plan.nvramToSet.Merge(*toSet->AsDictionary());
+  if (const auto variables = toSet == nullptr ? std::nullopt : toSet->AsDictionary()) {
+    plan.nvramToSet.Merge(*variables);
   }
   const auto* toClear = match.Find("ClearNVRAM");
-  if (toClear != nullptr && toClear->AsArray() != nullptr) {
-    const auto& names = *toClear->AsArray();
-    plan.nvramToClear.insert(plan.nvramToClear.end(), names.begin(), names.end());
+  if (const auto names = toClear == nullptr ? std::nullopt : toClear->AsArray()) {
+    plan.nvramToClear.insert(plan.nvramToClear.end(), names->begin(), names->end());
   }
 }
 

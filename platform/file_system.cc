@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 namespace fernwick {
 namespace {
@@ -28,12 +27,12 @@ class Descriptor {
   int number_;
 };
 
-FileReading SystemError() {
-  return {std::nullopt, std::strerror(errno)};
+Error SystemError() {
+  return {std::strerror(errno)};
 }
 
 // Grows as it reads: what the file said of its size may have changed since, and some say 0.
-FileReading ReadToEnd(int file, std::size_t expectedSize) {
+Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
   std::string bytes(expectedSize + 1, '\0');
   std::size_t length = 0;
   for (;;) {
@@ -43,10 +42,10 @@ FileReading ReadToEnd(int file, std::size_t expectedSize) {
     if (count < 0) return SystemError();
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
-    if (length > MaximumFileSize) return {std::nullopt, "the file is larger than 1 GiB"};
+    if (length > MaximumFileSize) return Error{"the file is larger than 1 GiB"};
   }
   bytes.resize(length);
-  return {std::move(bytes), {}};
+  return bytes;
 }
 
 }  // namespace
@@ -56,16 +55,16 @@ bool PathExists(const std::string& path) {
   return stat(path.c_str(), &status) == 0;
 }
 
-FileReading ReadWholeFile(const std::string& path) {
+Result<std::string> ReadWholeFile(const std::string& path) {
   // Without O_NONBLOCK, opening a FIFO would wait for its writer.
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   if (file.Number() < 0) return SystemError();
   struct stat status;
   if (fstat(file.Number(), &status) != 0) return SystemError();
-  if (S_ISDIR(status.st_mode)) return {std::nullopt, std::strerror(EISDIR)};
-  if (!S_ISREG(status.st_mode)) return {std::nullopt, "not a regular file"};
+  if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
+  if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > MaximumFileSize) return {std::nullopt, "the file is larger than 1 GiB"};
+  if (size > MaximumFileSize) return Error{"the file is larger than 1 GiB"};
   return ReadToEnd(file.Number(), size);
 }
 

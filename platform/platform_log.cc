@@ -1,7 +1,5 @@
 #include "platform/platform_log.h"
 
-#include <syslog.h>
-
 #include <algorithm>
 
 #include "value/textual_dump.h"
@@ -52,9 +50,9 @@ std::string FormatLogMessage(std::string_view format,
   return message;
 }
 
-void PlatformLog(std::string_view format, std::initializer_list<LogArgument> arguments) {
-  openlog("fernwick", LOG_PERROR, LOG_USER);
-  syslog(LOG_ERR, "%s", FormatLogMessage(format, arguments).c_str());
+void PlatformLog(Console& console, std::string_view format,
+                 std::initializer_list<LogArgument> arguments) {
+  console.Log(FormatLogMessage(format, arguments));
 }
 
 }  // namespace fernwick

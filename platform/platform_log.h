@@ -6,6 +6,7 @@
 #include <string_view>
 #include <variant>
 
+#include "platform/console.h"
 #include "value/property_value.h"
 
 namespace fernwick {
@@ -15,11 +16,12 @@ namespace fernwick {
 using LogArgument =
     std::variant<const PropertyValue*, std::optional<std::string_view>, unsigned long>;
 
-/// Writes one line to the system log. It also reaches standard error, as "fernwick: MESSAGE". In
-/// `format`, "%@" stands for the textual form of a value: the text of a string, "(null)" for an
-/// absent value, the textual dump of anything else; "%lu" for a number in decimal. REQUIRES: as
-/// many arguments as directives, in their order.
-void PlatformLog(std::string_view format, std::initializer_list<LogArgument> arguments = {});
+/// Writes one line to the system log of `console`. In `format`, "%@" is replaced by the textual
+/// form of a value: the text of a string, "(null)" for an absent value, the textual dump of
+/// anything else; "%lu" for a number in decimal. REQUIRES: as many arguments as directives, in
+/// their order.
+void PlatformLog(Console& console, std::string_view format,
+                 std::initializer_list<LogArgument> arguments = {});
 
 /// The message that PlatformLog writes.
 std::string FormatLogMessage(std::string_view format, std::initializer_list<LogArgument> arguments);

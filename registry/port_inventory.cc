@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <utility>
-#include <vector>
 
 #include "registry/inventory.h"
+#include "registry/key_schema.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
 
@@ -20,32 +20,42 @@ bool IsOwnPort(Registry& registry, RegistryEntry port) {
   return status == RegistryNotFound || (status == RegistrySuccess && route == 0);
 }
 
-// Returns the address flag: whether the port has an address other than 0.
-bool FillAddress(Registry& registry, RegistryEntry port, HardwareRecord& record) {
-  std::uint32_t address = 0;
-  if (ReadU32Property(registry, port, "Address", address) != RegistrySuccess) return false;
-  record.Set("Port Address", static_cast<std::int32_t>(address));
-  return address != 0;
-}
-
-void FillVersion(Registry& registry, RegistryEntry port, HardwareRecord& record) {
-  std::uint32_t version = 0;
-  if (ReadU32Property(registry, port, "Version", version) != RegistrySuccess) return;
-  record.Set("Version", static_cast<std::int32_t>(DecodeBcd(version)));
+// Whether the port has an address other than 0.
+bool HasNonZeroAddress(const HardwareRecord& record) {
+  const auto* address = record.Find("Port Address");
+  return address != nullptr && address->AsInteger() != Integer(0);
 }
 
 // `uuidStatus` is carried through one whole pass and never reset in it: the first port without a
 // string "UUID" ends "Port UUID" for itself and for every later port, whose "UUID" is not even
 // fetched.
-void FillUuid(Registry& registry, RegistryEntry port, HardwareRecord& record,
+void FillUuid(Registry& registry, RegistryEntry port, const Key& key, HardwareRecord& record,
               RegistryStatus& uuidStatus) {
   if (uuidStatus != RegistrySuccess) return;
-  auto uuid = registry.GetProperty(port, "UUID");
-  if (uuid && uuid->AsString()) {
-    record.Set("Port UUID", *std::move(uuid));
-  } else {
-    uuidStatus = RegistryNotFound;
+  FillKey(registry, port, key.name, key.port, record);
+  if (record.Find(key.name) == nullptr) uuidStatus = RegistryNotFound;
+}
+
+// Writes the port's own fields, in the order of the schema, and returns whether the address is
+// other than 0. The address is read and written a second time after the version: the sequence of
+// reads is part of what a registry sees, and the result is that of the first.
+bool FillPortFields(Registry& registry, RegistryEntry port, HardwareRecord& record,
+                    RegistryStatus& uuidStatus) {
+  bool hasNonZeroAddress = false;
+  for (const auto& key : KeySchema()) {
+    if (key.port.conversion == Conversion::None) continue;
+    if (key.port.conversion == Conversion::Text) {
+      FillUuid(registry, port, key, record, uuidStatus);
+      continue;
+    }
+    FillKey(registry, port, key.name, key.port, record);
+    if (key.name == "Port Address") hasNonZeroAddress = HasNonZeroAddress(record);
+    if (key.name == "Version") {
+      const auto& address = *FindKey("Port Address");
+      FillKey(registry, port, address.name, address.port, record);
+    }
   }
+  return hasNonZeroAddress;
 }
 
 // The nearest Thunderbolt controller above the port, however far up; 0 when there is none.
@@ -58,48 +68,47 @@ RegistryEntry ThunderboltAncestor(Registry& registry, RegistryEntry port) {
   return ancestor;
 }
 
-// The record of one port, or nothing for a port that is not to be listed. `source` learns where its
-// values were read.
-std::optional<HardwareRecord> DescribePort(Registry& registry, RegistryEntry port,
-                                           RegistryStatus& uuidStatus, RecordSource& source) {
+Origin OriginOfOwn(const HardwareRecord& record, std::string_view key) {
+  return record.Find(key) == nullptr ? Origin::Nowhere : Origin::Port;
+}
+
+// Adds one port to the inventory, as listed or as skipped.
+std::optional<Fault> AddPort(Registry& registry, RegistryEntry port, RegistryStatus& uuidStatus,
+                             HardwareInventory& inventory) {
+  if (!IsOwnPort(registry, port)) {
+    inventory.skipped.push_back({port, SkipReason::RouteString});
+    return std::nullopt;
+  }
   HardwareRecord record;
-  FillIntegers(registry, port, record,
-               {{"RID", "RID"},
-                {"Vendor ID", "Port Silicon Vendor ID"},
-                {"Device ID", "Port Silicon Device ID"},
-                {"Revision ID", "Port Silicon Revision"},
-                {"Revision", "Port OTP Revision"}});
-  const bool hasNonZeroAddress = FillAddress(registry, port, record);
-  FillVersion(registry, port, record);
-  // The address is read and written a second time: the sequence of reads is part of what a registry
-  // sees, and the flag stays that of the first.
-  FillAddress(registry, port, record);
-  source = {.port = port,
-            .rid = record.Find("RID") == nullptr ? Origin::Nowhere : Origin::Port,
-            .version = record.Find("Version") == nullptr ? Origin::Nowhere : Origin::Port,
-            .uuidFetched = uuidStatus == RegistrySuccess};
-  FillUuid(registry, port, record, uuidStatus);
+  const bool uuidFetched = uuidStatus == RegistrySuccess;
+  const bool hasNonZeroAddress = FillPortFields(registry, port, record, uuidStatus);
+  RecordSource source = {.port = port,
+                         .rid = OriginOfOwn(record, "RID"),
+                         .version = OriginOfOwn(record, "Version"),
+                         .uuidFetched = uuidFetched};
   const RegistryEntry ancestor = ThunderboltAncestor(registry, port);
-  if (ancestor == 0) return record;
-  FillThunderboltFields(registry, ancestor, &record, &source);
-  if (hasNonZeroAddress) return std::nullopt;
-  return record;
+  if (ancestor != 0) {
+    if (const auto fault = FillThunderboltFields(registry, ancestor, &record, source)) return fault;
+    if (hasNonZeroAddress) {
+      inventory.skipped.push_back({port, SkipReason::AddressBelowThunderbolt});
+      return std::nullopt;
+    }
+  }
+  inventory.records.push_back(std::move(record));
+  inventory.sources.push_back(source);
+  return std::nullopt;
 }
 
 }  // namespace
 
-HardwareInventory CollectPortControllers(Registry& registry, InventoryRecorder* recorder) {
-  std::vector<HardwareRecord> ports;
+InventoryResult CollectPortControllers(Registry& registry) {
+  HardwareInventory inventory;
   RegistryStatus uuidStatus = RegistrySuccess;
-  ForEachService(registry, PortControllerClass, [&](RegistryEntry port) {
-    if (!IsOwnPort(registry, port)) return Omit(port, Omission::RouteString, recorder);
-    RecordSource source;
-    auto record = DescribePort(registry, port, uuidStatus, source);
-    if (!record) return Omit(port, Omission::AddressBelowThunderbolt, recorder);
-    List(source, recorder);
-    ports.push_back(*std::move(record));
+  const auto fault = ForEachService(registry, PortControllerClass, [&](RegistryEntry port) {
+    return AddPort(registry, port, uuidStatus, inventory);
   });
-  return NonEmpty(std::move(ports));
+  if (fault) return *fault;
+  return inventory;
 }
 
 }  // namespace fernwick

@@ -1,7 +1,5 @@
 #include "registry/recorded_registry.h"
 
-#include <utility>
-
 namespace fernwick {
 namespace {
 
@@ -14,7 +12,7 @@ std::optional<PropertyValue> Copied(const PropertyValue* value) {
 
 }  // namespace
 
-RecordedRegistry::RecordedRegistry(Recording recording) : recording_(std::move(recording)) {
+RecordedRegistry::RecordedRegistry(const Recording& recording) : recording_(recording) {
   for (const auto& [name, superclass] : recording_.superclasses) {
     subclasses_.emplace(superclass, name);
   }
@@ -151,9 +149,9 @@ const std::set<std::string_view>& RecordedRegistry::ClassesConformingTo(
     std::string_view className) {
   const auto known = conformingClasses_.find(className);
   if (known != conformingClasses_.end()) return known->second;
-  const auto place = conformingClasses_.try_emplace(std::string(className)).first;
-  auto& classes = place->second;
-  std::vector<std::string_view> reached{place->first};
+  const auto added = conformingClasses_.try_emplace(std::string(className)).first;
+  auto& classes = added->second;
+  std::vector<std::string_view> reached{added->first};
   while (!reached.empty()) {
     const auto name = reached.back();
     reached.pop_back();
@@ -164,7 +162,7 @@ const std::set<std::string_view>& RecordedRegistry::ClassesConformingTo(
   return classes;
 }
 
-// Handles stay valid; there is nothing to give back.
+// Handles stay valid; there is nothing to release.
 void RecordedRegistry::ReleaseEntry(RegistryEntry) {}
 
 }  // namespace fernwick

@@ -10,19 +10,20 @@
 #include <vector>
 
 #include "registry/registry.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick {
 
-/// One entry of a recorded computer.
+/// One entry of a recorded computer. Views the recording's property list.
 struct RecordedEntry {
-  std::string name;    // empty for a plane's root that has none
-  std::string class_;  // empty: it conforms to no class
+  std::string_view name;    // empty for a plane's root that has none
+  std::string_view class_;  // empty: it conforms to no class
   Dictionary properties;
 
   friend bool operator==(const RecordedEntry&, const RecordedEntry&) = default;
 };
 
-/// One plane: how its entries hang together. Entries are numbered by their handles, 1 and up.
+/// One plane: the tree of its entries. Entries are numbered by their handles, 1 and up.
 struct RecordedPlane {
   struct Placement {
     RegistryEntry parent = 0;  // 0 at the root
@@ -31,25 +32,26 @@ struct RecordedPlane {
     friend bool operator==(const Placement&, const Placement&) = default;
   };
   RegistryEntry root = 0;
-  std::map<RegistryEntry, Placement> placements;  // of every entry that stands in the plane
+  std::map<RegistryEntry, Placement> placements;  // of every entry in the plane
 
   friend bool operator==(const RecordedPlane&, const RecordedPlane&) = default;
 };
 
-/// What was recorded of a computer, well-formed.
+/// What was recorded of a computer, well-formed. Everything in it views its property list.
 struct Recording {
+  PropertyList list;
   std::vector<RecordedEntry> entries;  // the one with handle n at n − 1
-  std::map<std::string, RecordedPlane, std::less<>> planes;
-  std::map<std::string, std::string, std::less<>> superclasses;  // class to the one it derives from
-
-  friend bool operator==(const Recording&, const Recording&) = default;
+  std::map<std::string_view, RecordedPlane> planes;
+  std::map<std::string_view, std::string_view> superclasses;  // class to the one it derives from
 };
 
 /// The registry of a recorded computer. An entry's handle is the one that it has in the recording;
-/// those of iterators are counted on from there. All are good as long as the registry lives.
+/// those of iterators follow. All are valid as long as the registry, and so are the values that it
+/// returns as long as the recording. Several may use one recording, each in a thread of its own.
 class RecordedRegistry : public Registry {
  public:
-  explicit RecordedRegistry(Recording recording);
+  /// REQUIRES: `recording` outlives the registry and does not change.
+  explicit RecordedRegistry(const Recording& recording);
   RecordedRegistry(const RecordedRegistry&) = delete;
   RecordedRegistry& operator=(const RecordedRegistry&) = delete;
 
@@ -83,11 +85,11 @@ class RecordedRegistry : public Registry {
   void AppendConforming(const RecordedPlane& plane, RegistryEntry entry, std::string_view className,
                         std::vector<RegistryEntry>& found);
 
-  Recording recording_;
+  const Recording& recording_;
   std::vector<Iterator> iterators_;  // handles above those of the entries
   std::multimap<std::string_view, std::string_view> subclasses_;  // views recording_
   // By class name, as far as it was asked for: the classes that are or derive from it, and what the
-  // iterators go over. A recording does not change.
+  // iterators visit.
   std::map<std::string, std::set<std::string_view>, std::less<>> conformingClasses_;
   std::map<std::string, std::vector<RegistryEntry>, std::less<>> servicesByClass_;
 };

@@ -19,26 +19,27 @@ std::string Quoted(std::string_view text) {
 }
 
 // What is wrong with a dictionary that may hold no key but those known; empty when nothing is.
-std::string DescribeUnknownKey(const Dictionary& dictionary,
+std::string DescribeUnknownKey(Dictionary dictionary,
                                std::initializer_list<std::string_view> known) {
   for (const auto& entry : dictionary.Entries()) {
-    if (std::ranges::find(known, entry.key.View()) != known.end()) continue;
-    return "the key " + Quoted(entry.key.View()) + " is not known";
+    if (std::ranges::find(known, entry.key) != known.end()) continue;
+    return "the key " + Quoted(entry.key) + " is not known";
   }
   return {};
 }
 
 class RecordingReader {
  public:
-  RecordingReading Read(const PropertyValue& value) {
-    if (!ReadTopLevel(value)) return {std::nullopt, std::move(error_)};
-    return {std::move(recording_), {}};
+  Result<Recording> Read(PropertyList list) {
+    if (!ReadTopLevel(list.value)) return Error{std::move(error_)};
+    recording_.list = std::move(list);
+    return std::move(recording_);
   }
 
  private:
   static constexpr std::size_t NoNode = ~std::size_t{0};
 
-  // Where a node stands. Nodes are numbered in the order of the file.
+  // Where a node is. Nodes are numbered in the order of the file.
   struct Node {
     std::size_t plane;    // index in planeNames_
     std::size_t parent;   // NoNode at a plane's root
@@ -48,7 +49,7 @@ class RecordingReader {
 
   struct Link {
     std::size_t node;
-    std::string target;  // the ID of the entry
+    std::string_view target;  // the ID of the entry
   };
 
   // An entry that links can refer to.
@@ -74,8 +75,8 @@ class RecordingReader {
   }
 
   bool ReadTopLevel(const PropertyValue& value) {
-    const auto* top = value.AsDictionary();
-    if (top == nullptr) return Fail("a recording is a dictionary");
+    const auto top = value.AsDictionary();
+    if (!top) return Fail("a recording is a dictionary");
     if (!CheckVersion(*top)) return false;
     auto unknown = DescribeUnknownKey(*top, {"Recording Version", "Classes", "Planes"});
     if (!unknown.empty()) return Fail(std::move(unknown));
@@ -83,24 +84,28 @@ class RecordingReader {
   }
 
   // First of all, so that a recording of another version is told by its version.
-  bool CheckVersion(const Dictionary& top) {
+  bool CheckVersion(Dictionary top) {
     const auto* version = top.Find("Recording Version");
     if (version == nullptr) return Fail("\"Recording Version\" is missing");
     if (version->AsInteger() == Integer(1)) return true;
     return Fail("\"Recording Version\" is not the integer 1");
   }
 
-  bool ReadClasses(const Dictionary& top) {
+  bool ReadClasses(Dictionary top) {
     const auto* value = top.Find("Classes");
     if (value == nullptr) return true;
-    const auto* classes = value->AsDictionary();
-    if (classes == nullptr) return Fail("Classes: not a dictionary");
+    const auto classes = value->AsDictionary();
+    if (!classes) return Fail("Classes: not a dictionary");
     for (const auto& [key, superclass] : classes->Entries()) {
       const auto name = superclass.AsString();
+      if (key.empty()) return Fail("Classes: the name of a class is empty");
       if (!name) {
-        return Fail("Classes: the superclass of " + Quoted(key.View()) + " is not a string");
+        return Fail("Classes: the superclass of " + Quoted(key) + " is not a string");
       }
-      recording_.superclasses.emplace(key.View(), *name);
+      if (name->empty()) {
+        return Fail("Classes: the name of the superclass of " + Quoted(key) + " is empty");
+      }
+      recording_.superclasses.emplace(key, *name);
     }
     return CheckClassChains();
   }
@@ -123,13 +128,17 @@ class RecordingReader {
     return true;
   }
 
-  bool ReadPlanes(const Dictionary& top) {
+  bool ReadPlanes(Dictionary top) {
     const auto* value = top.Find("Planes");
     if (value == nullptr) return Fail("\"Planes\" is missing");
-    const auto* planes = value->AsDictionary();
-    if (planes == nullptr) return Fail("Planes: not a dictionary");
+    const auto planes = value->AsDictionary();
+    if (!planes) return Fail("Planes: not a dictionary");
     for (const auto& [name, root] : planes->Entries()) {
-      planeNames_.emplace_back(name.View());
+      if (name.empty()) return Fail("Planes: the name of a plane is empty");
+      if (name.find(':') != std::string_view::npos) {
+        return Fail("Planes: the name " + Quoted(name) + " contains a \":\"");
+      }
+      planeNames_.push_back(name);
       if (!ReadNode(root, NoNode, 0)) return false;
     }
     return true;
@@ -138,38 +147,38 @@ class RecordingReader {
   bool ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
     const std::size_t number = nodes_.size();
     nodes_.push_back({planeNames_.size() - 1, parent, ordinal, 0});
-    const auto* node = value.AsDictionary();
-    if (node == nullptr) return FailAt(number, "not a dictionary");
+    const auto node = value.AsDictionary();
+    if (!node) return FailAt(number, "not a dictionary");
     const bool isLink = node->Find("Link") != nullptr;
     const bool read = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
     return read && ReadChildren(number, *node);
   }
 
-  bool ReadLink(std::size_t number, const Dictionary& node) {
+  bool ReadLink(std::size_t number, Dictionary node) {
     for (const std::string_view key : {"Name", "Class", "Properties", "ID"}) {
       if (node.Find(key) != nullptr) return FailAt(number, "a link must not have " + Quoted(key));
     }
-    std::string target;
+    std::string_view target;
     if (!CheckKeys(number, node, {"Link", "Children"}) || !ReadText(number, node, "Link", target)) {
       return false;
     }
-    links_.push_back({number, std::move(target)});
+    links_.push_back({number, target});
     return true;
   }
 
-  bool ReadEntry(std::size_t number, const Dictionary& node) {
+  bool ReadEntry(std::size_t number, Dictionary node) {
     RecordedEntry entry;
     if (!CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"}) ||
-        !ReadName(number, node, entry.name) || !ReadText(number, node, "Class", entry.class_) ||
+        !ReadName(number, node, entry.name) || !ReadClass(number, node, entry.class_) ||
         !ReadProperties(number, node, entry.properties)) {
       return false;
     }
-    recording_.entries.push_back(std::move(entry));
+    recording_.entries.push_back(entry);
     nodes_[number].entry = static_cast<RegistryEntry>(recording_.entries.size());
     return ReadId(number, node);
   }
 
-  bool CheckKeys(std::size_t number, const Dictionary& node,
+  bool CheckKeys(std::size_t number, Dictionary node,
                  std::initializer_list<std::string_view> known) {
     const auto unknown = DescribeUnknownKey(node, known);
     if (!unknown.empty()) return FailAt(number, unknown);
@@ -177,8 +186,7 @@ class RecordingReader {
   }
 
   // The string under `key`, left as it was when the key is absent.
-  bool ReadText(std::size_t number, const Dictionary& node, std::string_view key,
-                std::string& text) {
+  bool ReadText(std::size_t number, Dictionary node, std::string_view key, std::string_view& text) {
     const auto* value = node.Find(key);
     if (value == nullptr) return true;
     const auto string = value->AsString();
@@ -187,7 +195,7 @@ class RecordingReader {
     return true;
   }
 
-  bool ReadName(std::size_t number, const Dictionary& node, std::string& name) {
+  bool ReadName(std::size_t number, Dictionary node, std::string_view& name) {
     if (node.Find("Name") == nullptr) {
       if (nodes_[number].parent != NoNode) return FailAt(number, "\"Name\" is missing");
       return true;
@@ -198,19 +206,25 @@ class RecordingReader {
     return true;
   }
 
-  bool ReadProperties(std::size_t number, const Dictionary& node, Dictionary& properties) {
+  bool ReadClass(std::size_t number, Dictionary node, std::string_view& name) {
+    if (!ReadText(number, node, "Class", name)) return false;
+    const bool isEmpty = name.empty() && node.Find("Class") != nullptr;
+    return !isEmpty || FailAt(number, "\"Class\" is empty");
+  }
+
+  bool ReadProperties(std::size_t number, Dictionary node, Dictionary& properties) {
     const auto* value = node.Find("Properties");
     if (value == nullptr) return true;
-    if (value->AsDictionary() == nullptr) {
+    if (!value->AsDictionary()) {
       return FailAt(number, "\"Properties\" is not a dictionary");
     }
     properties = *value->AsDictionary();
     return true;
   }
 
-  bool ReadId(std::size_t number, const Dictionary& node) {
+  bool ReadId(std::size_t number, Dictionary node) {
     if (node.Find("ID") == nullptr) return true;
-    std::string id;
+    std::string_view id;
     if (!ReadText(number, node, "ID", id)) return false;
     if (id.empty()) return FailAt(number, "\"ID\" is empty");
     const IdentifiedEntry identified{nodes_[number].entry, nodes_[number].plane};
@@ -218,11 +232,11 @@ class RecordingReader {
     return FailAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
   }
 
-  bool ReadChildren(std::size_t number, const Dictionary& node) {
+  bool ReadChildren(std::size_t number, Dictionary node) {
     const auto* value = node.Find("Children");
     if (value == nullptr) return true;
-    const auto* children = value->AsArray();
-    if (children == nullptr) return FailAt(number, "\"Children\" is not an array");
+    const auto children = value->AsArray();
+    if (!children) return FailAt(number, "\"Children\" is not an array");
     for (std::size_t i = 0; i < children->size(); ++i) {
       if (!ReadNode((*children)[i], number, i)) return false;
     }
@@ -233,13 +247,13 @@ class RecordingReader {
     for (const auto& [number, id] : links_) {
       const auto target = entriesById_.find(id);
       if (target == entriesById_.end()) return FailAt(number, "no entry has the ID " + Quoted(id));
-      if (target->second.plane == nodes_[number].plane) return FailStandingTwice(number);
+      if (target->second.plane == nodes_[number].plane) return FailTwiceInPlane(number);
       nodes_[number].entry = target->second.entry;
     }
     return true;
   }
 
-  bool FailStandingTwice(std::size_t number) {
+  bool FailTwiceInPlane(std::size_t number) {
     return FailAt(number, "the entry already stands in this plane");
   }
 
@@ -250,7 +264,7 @@ class RecordingReader {
       const bool isRoot = node.parent == NoNode;
       const RegistryEntry parent = isRoot ? 0 : nodes_[node.parent].entry;
       if (!plane.placements.try_emplace(node.entry, RecordedPlane::Placement{parent, {}}).second) {
-        return FailStandingTwice(number);
+        return FailTwiceInPlane(number);
       }
       if (isRoot) {
         plane.root = node.entry;
@@ -263,28 +277,28 @@ class RecordingReader {
 
   Recording recording_;
   std::string error_;
-  std::vector<std::string> planeNames_;  // the last one is being read
+  std::vector<std::string_view> planeNames_;  // the last one is being read
   std::vector<Node> nodes_;
   std::vector<Link> links_;
-  std::map<std::string, IdentifiedEntry, std::less<>> entriesById_;
+  std::map<std::string_view, IdentifiedEntry> entriesById_;
 };
 
 }  // namespace
 
-RecordingReading ReadRecording(std::string bytes) {
+Result<Recording> ReadRecording(std::string bytes) {
   return InterpretRecording(ReadPropertyList(std::move(bytes)));
 }
 
-RecordingReading InterpretRecording(const PropertyListReading& reading) {
-  if (!reading.value) return {std::nullopt, reading.error};
+Result<Recording> InterpretRecording(PropertyListReading reading) {
+  if (!reading.list) return reading.list.Error();
   if (reading.serialisation == Serialisation::Text) {
-    return {std::nullopt, "a recording is an XML or binary property list, not the old text form"};
+    return Error{"a recording is an XML or binary property list, not the old text form"};
   }
-  return InterpretRecording(*reading.value);
+  return InterpretRecording(*std::move(reading.list));
 }
 
-RecordingReading InterpretRecording(const PropertyValue& value) {
-  return RecordingReader().Read(value);
+Result<Recording> InterpretRecording(PropertyList list) {
+  return RecordingReader().Read(std::move(list));
 }
 
 }  // namespace fernwick

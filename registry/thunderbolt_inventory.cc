@@ -2,11 +2,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <utility>
-#include <vector>
 
-#include "platform/diagnostics.h"
 #include "registry/inventory.h"
+#include "registry/key_schema.h"
 #include "registry/typed_readers.h"
 
 namespace fernwick {
@@ -22,36 +20,7 @@ bool IsAtRootOfTopology(Registry& registry, RegistryEntry controller) {
          depth == 0;
 }
 
-void FillRid(Registry& registry, RegistryEntry controller, HardwareRecord& record,
-             RecordSource& source) {
-  if (record.Find("RID") != nullptr) return;
-  std::uint64_t uid = 0;
-  if (ReadU64Property(registry, controller, "UID", uid) != RegistrySuccess) return;
-  record.Set("RID", static_cast<std::int32_t>(uid & 0xF));
-  source.rid = Origin::Thunderbolt;
-}
-
-void FillDeviceModel(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
-  auto name = registry.GetProperty(controller, "Device Model Name");
-  if (name && name->AsString()) record.Set("Device Model Name", *std::move(name));
-  FillIntegers(
-      registry, controller, record,
-      {{"Device Model ID", "Device Model ID"}, {"Device Model Revision", "Device Model Revision"}});
-}
-
-void FillFirmwareMode(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
-  bool mode = false;
-  if (ReadBoolProperty(registry, controller, "Firmware Mode", mode) != RegistrySuccess) return;
-  record.Set("Firmware Mode", mode);
-}
-
-// Written without a test of presence or kind.
-void FillUid(Registry& registry, RegistryEntry controller, HardwareRecord& record) {
-  auto uid = registry.GetProperty(controller, "UID");
-  if (!uid) EndAbnormally(MissingUidFault);
-  record.Set("Ridge UID", *std::move(uid));
-}
-
+// From two properties, together with "Engineering Version".
 void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record,
                  RecordSource& source) {
   std::uint32_t rom = 0;
@@ -63,39 +32,56 @@ void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& r
   source.version = Origin::Thunderbolt;
 }
 
+// A port's own "RID" is never replaced: then "UID" is not even read for it.
+void FillRid(Registry& registry, RegistryEntry controller, const Key& key, HardwareRecord& record,
+             RecordSource& source) {
+  if (record.Find(key.name) != nullptr) return;
+  FillKey(registry, controller, key.name, key.thunderbolt, record);
+  if (record.Find(key.name) != nullptr) source.rid = Origin::Thunderbolt;
+}
+
 }  // namespace
 
-HardwareInventory CollectThunderboltControllers(Registry& registry, InventoryRecorder* recorder) {
-  std::vector<HardwareRecord> controllers;
-  ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
-    if (!IsAtRootOfTopology(registry, controller)) {
-      return Omit(controller, Omission::NotAtRootOfTopology, recorder);
+InventoryResult CollectThunderboltControllers(Registry& registry) {
+  HardwareInventory inventory;
+  const auto fault = ForEachService(
+      registry, ThunderboltControllerClass, [&](RegistryEntry controller) -> std::optional<Fault> {
+        if (!IsAtRootOfTopology(registry, controller)) {
+          inventory.skipped.push_back({controller, SkipReason::NotAtRootOfTopology});
+          return std::nullopt;
+        }
+        return FillThunderboltFields(registry, controller, &inventory.records.emplace_back(),
+                                     inventory.sources.emplace_back());
+      });
+  if (fault) return *fault;
+  return inventory;
+}
+
+std::optional<Fault> FillThunderboltFields(Registry& registry, RegistryEntry controller,
+                                           HardwareRecord* record, RecordSource& source) {
+  if (record == nullptr) return std::nullopt;
+  source.thunderbolt = controller;
+  for (const auto& key : KeySchema()) {
+    switch (key.thunderbolt.conversion) {
+      case Conversion::None:
+      case Conversion::ThunderboltVersion:  // these two come last
+      case Conversion::EngineeringBits: break;
+      case Conversion::LowNibble: FillRid(registry, controller, key, *record, source); break;
+      case Conversion::AsIs: {
+        // Written without a test of presence or kind.
+        const auto uid = registry.GetProperty(controller, key.thunderbolt.property);
+        if (!uid) return Fault::MissingUid;
+        record->Set(key.name, *uid);
+        break;
+      }
+      default: FillKey(registry, controller, key.name, key.thunderbolt, *record);
     }
-    RecordSource source;
-    FillThunderboltFields(registry, controller, &controllers.emplace_back(), &source);
-    List(source, recorder);
-  });
-  return NonEmpty(std::move(controllers));
+  }
+  FillVersion(registry, controller, *record, source);
+  return std::nullopt;
 }
 
-void FillThunderboltFields(Registry& registry, RegistryEntry controller, HardwareRecord* record,
-                           RecordSource* source) {
-  if (record == nullptr) return;
-  RecordSource unasked;
-  if (source == nullptr) source = &unasked;
-  source->thunderbolt = controller;
-  FillRid(registry, controller, *record, *source);
-  FillIntegers(registry, controller, *record,
-               {{"Vendor ID", "Ridge Silicon Vendor ID"},
-                {"Device ID", "Ridge Silicon Device ID"},
-                {"Revision ID", "Ridge Silicon Revision"}});
-  FillDeviceModel(registry, controller, *record);
-  FillFirmwareMode(registry, controller, *record);
-  FillUid(registry, controller, *record);
-  FillVersion(registry, controller, *record, *source);
-}
-
-// The truncation of a whole number is part of how the value is reckoned.
+// The truncation of a whole number is part of the formula.
 double ThunderboltFirmwareVersion(std::uint32_t rom, std::uint32_t eeprom) {
   const double major = DecodeBcd(rom);
   const double minor = eeprom & 0x3F;

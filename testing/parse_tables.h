@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "testing/property_values.h"
-#include "value/parse_outcome.h"
+#include "value/parse_fault.h"
 
 namespace fernwick::testing {
 

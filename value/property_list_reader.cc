@@ -6,7 +6,6 @@
 
 #include "value/binary/layout.h"
 #include "value/binary/reader.h"
-#include "value/parse_outcome.h"
 #include "value/text/reader.h"
 #include "value/unicode/ascii.h"
 #include "value/unicode/source_text.h"
@@ -34,22 +33,26 @@ bool LooksLikeXml(std::string_view text) {
          std::ranges::any_of(ElementNames, [&](auto n) { return StartsWithElement(text, n); });
 }
 
-PropertyListReading Reading(ParseOutcome outcome, Serialisation serialisation) {
-  return {std::move(outcome.value), std::move(outcome.error), serialisation};
+PropertyListReading Reading(Result<PropertyValue> value, Serialisation serialisation,
+                            Arena& arena) {
+  if (!value) return {serialisation, value.Error()};
+  return {serialisation, PropertyList{std::move(arena), *value}};
 }
 
 }  // namespace
 
-PropertyListReading ReadPropertyList(std::string bytes, PlaceRecorder* places) {
-  if (bytes.empty()) return {{}, "the file is empty", Serialisation::None};
-  SourceBuffer buffer(std::move(bytes));
-  if (buffer.View().starts_with(BinarySignature)) {
-    return Reading(ParseBinaryPropertyList(buffer, places), Serialisation::Binary);
+PropertyListReading ReadPropertyList(std::string bytes, LocationBuilder* locations) {
+  if (bytes.empty()) return {Serialisation::None, Error{"the file is empty"}};
+  Arena arena;
+  const auto file = arena.Adopt(std::move(bytes));
+  if (file.starts_with(BinarySignature)) {
+    return Reading(ParseBinaryPropertyList(file, arena, locations), Serialisation::Binary, arena);
   }
-  const auto source = DecodeSource(std::move(buffer));
-  if (LooksLikeXml(source.text))
-    return Reading(ParseXmlPropertyList(source, places), Serialisation::Xml);
-  return Reading(ParseTextPropertyList(source, places), Serialisation::Text);
+  const auto source = DecodeSource(file, arena);
+  if (LooksLikeXml(source.text)) {
+    return Reading(ParseXmlPropertyList(source, arena, locations), Serialisation::Xml, arena);
+  }
+  return Reading(ParseTextPropertyList(source, arena, locations), Serialisation::Text, arena);
 }
 
 }  // namespace fernwick

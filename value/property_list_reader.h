@@ -1,10 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
+#include "value/arena.h"
 #include "value/property_value.h"
-#include "value/value_places.h"
+#include "value/result.h"
+#include "value/value_locations.h"
 
 namespace fernwick {
 
@@ -16,16 +17,22 @@ enum class Serialisation : unsigned long {
   Binary = 200,
 };
 
-/// What became of reading a property list.
-struct PropertyListReading {
-  std::optional<PropertyValue> value;
-  std::string error;            // what is wrong and where; empty when there is a value
-  Serialisation serialisation;  // as detected, also when there is no value
+/// A property list that was read: its one value and the memory that the value views. The value
+/// stays valid when the list is moved.
+struct PropertyList {
+  Arena arena;
+  PropertyValue value;
 };
 
-/// Detects the serialisation from the content alone and reads the one value that `bytes` hold. The
-/// value shares the buffer. No input of any size or depth makes it crash or hang. A recorder learns
-/// where each value stands.
-PropertyListReading ReadPropertyList(std::string bytes, PlaceRecorder* places = nullptr);
+/// A property list, or what is wrong with it and where.
+struct PropertyListReading {
+  Serialisation serialisation;  // as detected, also when there is no list
+  Result<PropertyList> list;
+};
+
+/// Detects the serialisation from the content alone and reads the one value in `bytes`, which the
+/// list owns from then on. No input of any size or depth makes it crash or hang. `locations` may be
+/// null.
+PropertyListReading ReadPropertyList(std::string bytes, LocationBuilder* locations = nullptr);
 
 }  // namespace fernwick

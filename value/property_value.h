@@ -3,121 +3,166 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
+#include <type_traits>
 
-#include "value/dictionary_key.h"
 #include "value/number.h"
-#include "value/share.h"
-#include "value/shared_bytes.h"
 
 namespace fernwick {
 
-class Dictionary;
+struct DictionaryEntry;
 class PropertyValue;
 
-/// The values of an array, in their order.
-using Array = std::vector<PropertyValue>;
+/// The values of an array, in their order: a view of elements that something else owns, an arena or
+/// a container.
+class Array {
+ public:
+  Array() = default;
+  Array(std::span<const PropertyValue> elements);  // NOLINT: the elements are the array
 
-/// Text, in UTF-8.
-struct String {
-  SharedBytes text;
-  friend bool operator==(const String&, const String&) = default;
+  const PropertyValue* begin() const { return elements_; }
+  const PropertyValue* end() const;
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  const PropertyValue& operator[](std::size_t index) const;
+
+  /// The same values in the same order.
+  friend bool operator==(const Array& a, const Array& b);
+
+ private:
+  friend class PropertyValue;
+  Array(const PropertyValue* elements, std::uint32_t size) : elements_(elements), size_(size) {}
+
+  const PropertyValue* elements_ = nullptr;
+  std::uint32_t size_ = 0;
 };
 
-/// A byte string.
+/// Values by string key, in the order in which the keys came: a view of entries that something else
+/// owns, an arena or a Record. Keys are exact and case-sensitive.
+class Dictionary {
+ public:
+  Dictionary() = default;
+
+  /// REQUIRES: no key is there twice.
+  Dictionary(std::span<const DictionaryEntry> entries);  // NOLINT: the entries are the dictionary
+
+  /// The value of `key`, or null when it is absent; owned by the owner of the entries. Compares the
+  /// keys one after the other: dictionaries are small, and those that are not are iterated.
+  const PropertyValue* Find(std::string_view key) const;
+
+  /// In their order.
+  std::span<const DictionaryEntry> Entries() const;
+  std::size_t Size() const { return size_; }
+
+  /// The same keys and values in the same order.
+  friend bool operator==(const Dictionary& a, const Dictionary& b);
+
+ private:
+  friend class PropertyValue;
+  Dictionary(const DictionaryEntry* entries, std::uint32_t size) : entries_(entries), size_(size) {}
+
+  const DictionaryEntry* entries_ = nullptr;
+  std::uint32_t size_ = 0;
+};
+
+/// A byte string, owned by something else.
 struct Data {
-  SharedBytes bytes;
+  std::string_view bytes;
   friend bool operator==(const Data&, const Data&) = default;
 };
 
-/// A point in time: seconds since 1970-01-01T00:00:00Z, of the years 1 to 9999. Carried through
-/// untouched; it is none of the kinds that a reader or a check accepts.
+/// A point in time: seconds since 1970-01-01T00:00:00Z, of the years 1 to 9999. It is none of the
+/// kinds that a typed reader or a requirement accepts.
 struct Date {
   std::int64_t seconds;
   friend bool operator==(const Date&, const Date&) = default;
 };
 
-/// One value of a property list. A value is never absent: where one may be missing, a null pointer
-/// or an empty optional says so. Copies share what they hold, however large it is. A value that has
-/// been moved from may only be given another or be destroyed. REQUIRES: a string and data have less
-/// than 4 GiB; a file has no more than 1 GiB.
+/// One value of a property list: 16 bytes that are copied freely. A dictionary, an array, a string
+/// and data are views: what they view is owned by the document or the record that the value comes
+/// from, and must outlive it. A value is never absent: where one may be missing, a null pointer or
+/// an empty optional says so. REQUIRES: less than 4 GiB of bytes and 2^32 elements; a file has at
+/// most 1 GiB.
 class PropertyValue {
  public:
-  /// A dictionary and an array are taken over, the bytes of a string and of data are shared.
-  PropertyValue(Dictionary value);    // NOLINT: each kind is a value
-  PropertyValue(Array value);         // NOLINT
-  PropertyValue(const String& value)  // NOLINT
-      : PropertyValue(Kind::String, value.text) {}
-  PropertyValue(const Data& value) : PropertyValue(Kind::Data, value.bytes) {}  // NOLINT
-  PropertyValue(Date value) : content_{.date = value}, kind_(Kind::Date) {}     // NOLINT
-  PropertyValue(Integer value)                                                  // NOLINT
+  PropertyValue() : PropertyValue(false) {}
+  PropertyValue(Dictionary value)  // NOLINT: each kind is a value
+      : content_{.entries = value.entries_}, size_(value.size_), kind_(Kind::Dictionary) {}
+  PropertyValue(Array value)  // NOLINT
+      : content_{.elements = value.elements_}, size_(value.size_), kind_(Kind::Sequence) {}
+  PropertyValue(std::string_view text)  // NOLINT
+      : PropertyValue(Kind::String, text) {}
+  PropertyValue(const char* text) : PropertyValue(std::string_view(text)) {}  // NOLINT
+  PropertyValue(const std::string& text)                                      // NOLINT
+      : PropertyValue(std::string_view(text)) {}
+  PropertyValue(std::string&& text) = delete;  // it would be a view of nothing
+  PropertyValue(Data value) : PropertyValue(Kind::Data, value.bytes) {}      // NOLINT
+  PropertyValue(Date value) : content_{.date = value}, kind_(Kind::Date) {}  // NOLINT
+  PropertyValue(Integer value)                                               // NOLINT
       : content_{.bits = value.Bits()}, kind_(Kind::Integer), isNegative_(value.IsNegative()) {}
   template <std::integral T>
-  requires(!std::same_as<T, bool>) PropertyValue(T value)
-      : PropertyValue(Integer(value)) {}  // NOLINT
-  PropertyValue(std::same_as<bool> auto value)
-      : content_{.boolean = value}, kind_(Kind::Boolean) {}  // NOLINT
-  PropertyValue(std::same_as<double> auto value)
-      : content_{.real = value}, kind_(Kind::Real) {}  // NOLINT
+  requires(!std::same_as<T, bool>) PropertyValue(T value)  // NOLINT
+      : PropertyValue(Integer(value)) {}
+  PropertyValue(std::same_as<bool> auto value)  // NOLINT
+      : content_{.boolean = value}, kind_(Kind::Boolean) {}
+  PropertyValue(std::same_as<double> auto value)  // NOLINT
+      : content_{.real = value}, kind_(Kind::Real) {}
 
-  /// A string that holds a copy of `text`, or takes it over.
-  PropertyValue(std::string_view text) : PropertyValue(std::string(text)) {}  // NOLINT
-  PropertyValue(const char* text) : PropertyValue(std::string(text)) {}       // NOLINT
-  PropertyValue(std::string text)                                             // NOLINT
-      : PropertyValue(Kind::String, SharedBytes(std::move(text))) {}
-
-  PropertyValue(const PropertyValue&) = default;
-  PropertyValue(PropertyValue&&) noexcept = default;
-  PropertyValue& operator=(PropertyValue other) noexcept {  // which may be part of this one
-    share_ = std::move(other.share_);
-    content_ = other.content_;
-    size_ = other.size_;
-    kind_ = other.kind_;
-    isNegative_ = other.isNegative_;
-    return *this;
+  /// Each is empty when the value is of another kind.
+  std::optional<Dictionary> AsDictionary() const {
+    if (kind_ != Kind::Dictionary) return std::nullopt;
+    return Dictionary(content_.entries, size_);
   }
-  ~PropertyValue() = default;
-
-  /// Each yields nothing when the value is of another kind. A dictionary and an array live as long
-  /// as any copy of the value, what else is pointed to as long as the value itself.
-  const Dictionary* AsDictionary() const {
-    return Is(Kind::Dictionary) ? content_.dictionary : nullptr;
+  std::optional<Array> AsArray() const {
+    if (kind_ != Kind::Sequence) return std::nullopt;
+    return Array(content_.elements, size_);
   }
-  const Array* AsArray() const { return Is(Kind::Sequence) ? content_.array : nullptr; }
+  std::optional<std::string_view> AsString() const {
+    if (kind_ != Kind::String) return std::nullopt;
+    return Bytes();
+  }
+  std::optional<std::string_view> AsData() const {
+    if (kind_ != Kind::Data) return std::nullopt;
+    return Bytes();
+  }
   std::optional<Integer> AsInteger() const {
-    if (!Is(Kind::Integer)) return std::nullopt;
-    return WholeNumber();
+    if (kind_ != Kind::Integer) return std::nullopt;
+    return Integer::OfBits(content_.bits, isNegative_);
   }
-  const double* AsReal() const { return Is(Kind::Real) ? &content_.real : nullptr; }
-  const bool* AsBoolean() const { return Is(Kind::Boolean) ? &content_.boolean : nullptr; }
-  const Date* AsDate() const { return Is(Kind::Date) ? &content_.date : nullptr; }
-
-  /// The text of a string, the bytes of data. They live as long as any copy of the value.
-  std::optional<std::string_view> AsString() const { return BytesOf(Kind::String); }
-  std::optional<std::string_view> AsData() const { return BytesOf(Kind::Data); }
+  std::optional<double> AsReal() const {
+    if (kind_ != Kind::Real) return std::nullopt;
+    return content_.real;
+  }
+  std::optional<bool> AsBoolean() const {
+    if (kind_ != Kind::Boolean) return std::nullopt;
+    return content_.boolean;
+  }
+  std::optional<Date> AsDate() const {
+    if (kind_ != Kind::Date) return std::nullopt;
+    return content_.date;
+  }
 
   /// The number that an integer, a real or a boolean is.
   std::optional<Number> AsNumber() const;
-  bool IsNumber() const { return Is(Kind::Integer) || Is(Kind::Real) || Is(Kind::Boolean); }
+  bool IsNumber() const {
+    return kind_ == Kind::Integer || kind_ == Kind::Real || kind_ == Kind::Boolean;
+  }
 
-  /// Calls `visitor` with the one of Dictionary, Array, String, Integer, double, bool, Data and
-  /// Date that the value is. Returns what it returns.
+  /// Calls `visitor` with the one of Dictionary, Array, std::string_view (a string), Integer,
+  /// double, bool, Data and Date that the value is. Returns what it returns.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
     switch (kind_) {
-      case Kind::Dictionary: return visitor(*content_.dictionary);
-      case Kind::Sequence: return visitor(*content_.array);
-      case Kind::String: return visitor(String{SharedBytes(share_, Bytes())});
-      case Kind::Integer: return visitor(WholeNumber());
+      case Kind::Dictionary: return visitor(Dictionary(content_.entries, size_));
+      case Kind::Sequence: return visitor(Array(content_.elements, size_));
+      case Kind::String: return visitor(Bytes());
+      case Kind::Integer: return visitor(Integer::OfBits(content_.bits, isNegative_));
       case Kind::Real: return visitor(content_.real);
       case Kind::Boolean: return visitor(content_.boolean);
-      case Kind::Data: return visitor(Data{SharedBytes(share_, Bytes())});
+      case Kind::Data: return visitor(Data{Bytes()});
       default: return visitor(content_.date);
     }
   }
@@ -137,86 +182,63 @@ class PropertyValue {
     Date
   };
 
-  // Dictionary, array and bytes are what share_ holds; the others hold it themselves. All are
-  // plain, so that values move as fast as the numbers that they are made of: a reader moves each a
-  // few times. And they are small: who goes through many waits for the memory that they take.
   union Content {
-    const Dictionary* dictionary;
-    const Array* array;
-    const char* bytes;   // of a string and of data, size_ of them
-    std::uint64_t bits;  // of an integer
+    const DictionaryEntry* entries;  // size_ of them
+    const PropertyValue* elements;   // size_ of them
+    const char* bytes;               // of a string and of data, size_ of them
+    std::uint64_t bits;              // of an integer
     double real;
     bool boolean;
     Date date;
   };
 
-  PropertyValue(Kind kind, const SharedBytes& bytes)
-      : share_(bytes.Held()),
-        content_{.bytes = bytes.View().data()},
-        size_(static_cast<std::uint32_t>(bytes.View().size())),
+  PropertyValue(Kind kind, std::string_view bytes)
+      : content_{.bytes = bytes.data()},
+        size_(static_cast<std::uint32_t>(bytes.size())),
         kind_(kind) {}
-
-  bool Is(Kind kind) const { return kind_ == kind; }
-
-  std::optional<std::string_view> BytesOf(Kind kind) const {
-    if (!Is(kind)) return std::nullopt;
-    return Bytes();
-  }
 
   std::string_view Bytes() const { return {content_.bytes, size_}; }
 
-  Integer WholeNumber() const { return Integer::OfBits(content_.bits, isNegative_); }
-
-  Share share_;  // in nothing for the kinds that hold their content themselves
   Content content_;
   std::uint32_t size_ = 0;
   Kind kind_;
   bool isNegative_ = false;  // as an integer
 };
 
-/// A key of a dictionary and its value.
-struct DictionaryEntry {
-  DictionaryEntry(DictionaryKey entryKey, PropertyValue entryValue)
-      : key(std::move(entryKey)), value(std::move(entryValue)) {}
-  DictionaryEntry(std::string_view entryKey, PropertyValue entryValue)
-      : DictionaryEntry(DictionaryKey(entryKey), std::move(entryValue)) {}
+static_assert(std::is_trivially_copyable_v<PropertyValue> && sizeof(PropertyValue) == 16);
 
-  DictionaryKey key;
+/// A key of a dictionary and its value. The key is a view, like the value.
+struct DictionaryEntry {
+  std::string_view key;
   PropertyValue value;
 
   friend bool operator==(const DictionaryEntry&, const DictionaryEntry&) = default;
 };
 
-/// Values by string key, in the order in which the keys came. Keys are exact and case-sensitive.
-class Dictionary {
- public:
-  Dictionary() = default;
+inline Array::Array(std::span<const PropertyValue> elements)
+    : Array(elements.data(), static_cast<std::uint32_t>(elements.size())) {}
+inline const PropertyValue* Array::end() const {
+  return elements_ + size_;
+}
+inline const PropertyValue& Array::operator[](std::size_t index) const {
+  return elements_[index];
+}
 
-  /// A key that occurs twice keeps its first place and its last value.
-  Dictionary(std::initializer_list<DictionaryEntry> entries);
-  explicit Dictionary(std::vector<DictionaryEntry> entries);
+inline Dictionary::Dictionary(std::span<const DictionaryEntry> entries)
+    : Dictionary(entries.data(), static_cast<std::uint32_t>(entries.size())) {}
+inline std::span<const DictionaryEntry> Dictionary::Entries() const {
+  return {entries_, size_};
+}
+inline const PropertyValue* Dictionary::Find(std::string_view key) const {
+  for (const auto& entry : Entries()) {
+    if (entry.key == key) return &entry.value;
+  }
+  return nullptr;
+}
 
-  /// The value of `key`, or null when it is absent. Valid until the dictionary changes.
-  const PropertyValue* Find(std::string_view key) const;
-
-  /// Gives `key` the value. A key that is there keeps its place, a new one comes last.
-  void Set(std::string_view key, PropertyValue value);
-
-  /// As Set, with a copy; an absent value (null) removes the key. `value` may point into any
-  /// dictionary.
-  void SetOrRemove(std::string_view key, const PropertyValue* value);
-
-  /// Sets every entry of `other`, in its order.
-  void Merge(const Dictionary& other);
-
-  /// In their order. Valid until the dictionary changes.
-  std::span<const DictionaryEntry> Entries() const { return entries_; }
-  std::size_t Size() const { return entries_.size(); }
-
-  friend bool operator==(const Dictionary& a, const Dictionary& b) = default;
-
- private:
-  std::vector<DictionaryEntry> entries_;
-};
+/// The entries without repetitions: a key that occurs twice keeps its first location and its last
+/// value. Works in place and returns what is left, at the front. Costs n log n for n entries, since
+/// a file decides how many there are; a few are compared with each other.
+std::span<DictionaryEntry> WithoutRepeatedKeys(std::span<DictionaryEntry> entries);
 
 }  // namespace fernwick

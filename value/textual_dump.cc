@@ -22,7 +22,7 @@ class Dumper {
   std::string TakeText() { return std::move(text_); }
 
  private:
-  void DumpContent(const Dictionary& dictionary) {
+  void DumpContent(Dictionary dictionary) {
     if (dictionary.Size() == 0) {
       text_ += "{}";
       return;
@@ -31,7 +31,7 @@ class Dumper {
     ++level_;
     for (const auto& [key, value] : dictionary.Entries()) {
       Indent();
-      Quote(key.View());
+      Quote(key);
       text_ += " = ";
       Dump(value);
       text_ += ";\n";
@@ -39,7 +39,7 @@ class Dumper {
     CloseWith('}');
   }
 
-  void DumpContent(const Array& array) {
+  void DumpContent(Array array) {
     if (array.empty()) {
       text_ += "()";
       return;
@@ -49,19 +49,19 @@ class Dumper {
     for (const auto& element : array) {
       Indent();
       Dump(element);
-      text_ += &element == &array.back() ? "\n" : ",\n";
+      text_ += &element + 1 == array.end() ? "\n" : ",\n";
     }
     CloseWith(')');
   }
 
-  void DumpContent(const String& string) { Quote(string.text.View()); }
+  void DumpContent(std::string_view string) { Quote(string); }
   void DumpContent(const Integer& integer) { text_ += FormatInteger(integer); }
   void DumpContent(double real) { text_ += FormatReal(real); }
   void DumpContent(bool boolean) { text_ += boolean ? "true" : "false"; }
   void DumpContent(const Date& date) { text_ += FormatDate(date); }
 
   void DumpContent(const Data& data) {
-    const auto bytes = data.bytes.View();
+    const auto bytes = data.bytes;
     text_ += '<';
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       if (i > 0 && i % 4 == 0) text_ += ' ';

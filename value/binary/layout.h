@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "value/parse_outcome.h"
+#include "value/parse_fault.h"
 
 namespace fernwick {
 

@@ -1,34 +1,27 @@
 #include "value/binary/reader.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <map>
-#include <optional>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "value/binary/layout.h"
 #include "value/calendar_date.h"
-#include "value/decoded_bytes.h"
-#include "value/dictionary_key.h"
 #include "value/unicode/utf8.h"
 
 namespace fernwick {
 namespace {
 
-constexpr std::uint64_t MaximumValues = std::uint64_t{1} << 24;
-
-// Up to this many bytes a key, a string or data costs no more than the value that it is.
-constexpr std::uint64_t ShortText = 64;
-
-// How many bytes of longer keys, strings and data one file may reach in all: as many as the largest
-// file could hold that shares nothing. Telling keys apart, and writing what was read, takes time
-// and room for all of them, so a few long ones that are shared must not be free.
-constexpr std::uint64_t MaximumLongBytes = std::uint64_t{1} << 30;
+// What sharing may add to what a file could contain without it, so that a small file cannot stand
+// for a huge value: values are counted each time they are reached, and so are the bytes of keys,
+// strings and data.
+constexpr std::uint64_t SharedValues = std::uint64_t{1} << 16;
+constexpr std::uint64_t SharedBytes = std::uint64_t{1} << 26;
 
 // The kinds of object that a marker byte can begin, in its high four bits.
 enum class ObjectKind : std::uint8_t {
@@ -51,11 +44,11 @@ constexpr std::uint8_t TrueMarker = 0x09;
 constexpr std::uint8_t DateMarker = 0x33;
 constexpr std::uint8_t CountFollows = 0xF;
 
-// A marker and what it says of the bytes behind it.
+// A marker and what it says of the bytes after it.
 struct Object {
   std::uint64_t number;
   std::size_t offset;    // of the marker
-  std::size_t contents;  // where what it holds begins
+  std::size_t contents;  // where the bytes after the marker and the count begin
   std::uint8_t marker;
 
   ObjectKind Kind() const { return static_cast<ObjectKind>(marker >> 4); }
@@ -65,48 +58,22 @@ struct Object {
 // What is known of an object.
 enum class State : std::uint8_t {
   New,
-  Open,   // a container around the place that is read
-  Known,  // a container or an ASCII string that has been read once
-};
-
-// What has been reached so far, each time it was.
-struct Tally {
-  std::uint64_t values;
-  std::uint64_t longBytes;  // of keys, strings and data longer than ShortText
-};
-
-// An array or dictionary that has been reached a second time: it is shared from then on, so that a
-// few bytes of shared references cost what is in the file and not what they stand for.
-struct FinishedContainer {
-  PropertyValue value;
-  Tally tally;         // of everything inside it
-  std::size_t height;  // how many containers are nested in it at most, itself included
-};
-
-// A key that has been read.
-struct KnownKey {
-  std::uint64_t number;  // of the object
-  std::size_t offset;
-  std::optional<DictionaryKey> key;
+  Open,   // a container around what is being read
+  Known,  // an ASCII string that has been checked
 };
 
 class BinaryPropertyListReader {
  public:
-  BinaryPropertyListReader(const SourceBuffer& file, PlaceRecorder* places)
-      : buffer_(file), file_(file.View()), places_(places) {}
+  BinaryPropertyListReader(std::string_view file, Arena& arena, LocationBuilder* locations)
+      : file_(file), arena_(arena), locations_(locations) {}
 
-  ParseOutcome Read() {
-    PropertyValue value = Unread;
-    if (!ReadFile(value)) {
-      return {{}, "byte " + std::to_string(fault_.Offset()) + ": " + fault_.Message()};
-    }
-    return {std::move(value), {}};
+  Result<PropertyValue> Read() {
+    PropertyValue value;
+    if (ReadFile(value)) return value;
+    return Error{fault_.Message(), FileLocation{.byte = fault_.Offset()}};
   }
 
  private:
-  // What stands in the place of a value until it has been read.
-  static constexpr bool Unread = false;
-
   bool ReadFile(PropertyValue& value) {
     if (!layout_.Read(file_, fault_)) return false;
     states_.resize(static_cast<std::size_t>(layout_.ObjectCount()), State::New);
@@ -121,28 +88,26 @@ class BinaryPropertyListReader {
     return fault_.Set(offset, message);
   }
 
-  // Books values before room is made for them.
+  // Counts values before memory is allocated for them.
   bool CountValues(std::size_t offset, std::uint64_t count) {
-    if (count > MaximumValues - tally_.values) return Fail(offset, "more than 2^24 values");
-    tally_.values += count;
-    return true;
-  }
-
-  bool CountLongBytes(std::size_t offset, std::uint64_t count) {
-    if (count > MaximumLongBytes - tally_.longBytes) {
-      return Fail(offset, "more than 2^30 bytes of long keys, strings and data");
+    if (count > file_.size() + SharedValues - values_) {
+      return Fail(offset, "shared objects stand for too many values");
     }
-    tally_.longBytes += count;
+    values_ += count;
     return true;
   }
 
-  // Books the bytes of one key, string or data.
-  bool CountBytes(std::size_t offset, std::uint64_t size) {
-    return size <= ShortText || CountLongBytes(offset, size);
+  // Counts the bytes of a key, a string or data, as many as they are in the file.
+  bool CountBytes(std::size_t offset, std::uint64_t count) {
+    if (count > file_.size() + SharedBytes - bytes_) {
+      return Fail(offset, "shared objects stand for too many bytes");
+    }
+    bytes_ += count;
+    return true;
   }
 
-  // Books the bytes of a string that is looked at for the first time. Strings that do not overlap
-  // fit into the file together; those that do could make it stand for any amount of text.
+  // Counts the bytes of a UTF-16 string that is decoded for the first time. Strings that do not
+  // overlap fit into the file together; those that do could make it decode to any amount of text.
   bool CountText(const Object& object, std::string_view bytes) {
     if (bytes.size() > file_.size() - textBytes_) return Fail(object.offset, "strings overlap");
     textBytes_ += bytes.size();
@@ -169,13 +134,13 @@ class BinaryPropertyListReader {
     return true;
   }
 
-  // How many bytes, units or elements the object holds; its contents then begin behind the count.
+  // How many bytes, units or elements the object has; its contents then begin after the count.
   bool ReadCount(Object& object, std::uint64_t& count) {
     count = object.Size();
-    return count != CountFollows || ReadCountBehind(object, count);
+    return count != CountFollows || ReadExtendedCount(object, count);
   }
 
-  bool ReadCountBehind(Object& object, std::uint64_t& count) {
+  bool ReadExtendedCount(Object& object, std::uint64_t& count) {
     std::string_view bytes;
     if (!Bytes(object, 1, bytes)) return false;
     const auto marker = static_cast<std::uint8_t>(bytes.front());
@@ -193,9 +158,9 @@ class BinaryPropertyListReader {
   bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
     Object object{};
     if (!Locate(number, referrer, object)) return false;
-    if (places_ != nullptr) places_->BeginValue(object.offset);
+    if (locations_ != nullptr) locations_->BeginValue(object.offset);
     if (!ReadContents(object, value)) return false;
-    if (places_ != nullptr) places_->EndValue();
+    if (locations_ != nullptr) locations_->EndValue();
     return true;
   }
 
@@ -276,102 +241,80 @@ class BinaryPropertyListReader {
     std::string_view bytes;
     if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
     if (!CountBytes(object.offset, size)) return false;
-    value = Data{SharedBytes(buffer_, bytes)};
+    value = Data{bytes};
     return true;
   }
 
   bool ReadString(const Object& object, PropertyValue& value) {
-    SharedBytes text;
+    std::string_view text;
     if (!ReadText(object, text)) return false;
-    value = String{std::move(text)};
+    value = text;
     return true;
   }
 
-  bool ReadText(const Object& object, SharedBytes& text) {
+  bool ReadText(const Object& object, std::string_view& text) {
     const bool isAscii = object.Kind() == ObjectKind::AsciiString;
-    if (!(isAscii ? ReadAsciiText(object, text) : ReadUtf16Text(object, text))) return false;
-    return CountBytes(object.offset, text.View().size());
+    return isAscii ? ReadAsciiText(object, text) : ReadUtf16Text(object, text);
   }
 
-  bool ReadAsciiText(Object object, SharedBytes& text) {
+  bool ReadAsciiText(Object object, std::string_view& text) {
     std::uint64_t size = 0;
-    std::string_view bytes;
-    if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
+    if (!ReadCount(object, size) || !Bytes(object, size, text)) return false;
+    if (!CountBytes(object.offset, size)) return false;
     if (states_[object.number] == State::New) {
-      if (!IsPlainAscii(bytes)) return FailUnusualAscii(object, bytes);
+      if (!IsPlainAscii(text)) return FailUnusualAscii(object, text);
       states_[object.number] = State::Known;
     }
-    text = SharedBytes(buffer_, bytes);
     return true;
   }
 
   bool FailUnusualAscii(const Object& object, std::string_view bytes) {
     const bool isAscii = std::ranges::none_of(bytes, [](char byte) { return (byte & 0x80) != 0; });
-    return isAscii ? FailUncarriable(object) : Fail(object.offset, "a string is not ASCII");
+    return isAscii ? FailNotXmlCharacter(object) : Fail(object.offset, "a string is not ASCII");
   }
 
-  bool ReadUtf16Text(Object object, SharedBytes& text) {
-    if (TakeKnownText(object, text)) return true;
+  bool ReadUtf16Text(Object object, std::string_view& text) {
     std::uint64_t units = 0;
     std::string_view bytes;
     if (!ReadCount(object, units)) return false;
     if (units > file_.size()) return Fail(object.offset, "an object is cut short");
-    if (!Bytes(object, units * 2, bytes) || !CountText(object, bytes)) return false;
-    const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
-    if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
-    if (FindInvalidText(transcoded.text) != NoPlace) return FailUncarriable(object);
-    text = decoded_.Keep(transcoded.text);
-    knownTexts_.emplace(object.offset, text);
-    return true;
-  }
-
-  bool TakeKnownText(const Object& object, SharedBytes& text) {
-    const auto known = knownTexts_.find(object.offset);
-    if (known == knownTexts_.end()) return false;
+    if (!Bytes(object, units * 2, bytes) || !CountBytes(object.offset, bytes.size())) return false;
+    const auto known = decodedTexts_.find(object.offset);
+    if (known == decodedTexts_.end()) return DecodeUtf16Text(object, bytes, text);
     text = known->second;
     return true;
   }
 
-  bool FailUncarriable(const Object& object) {
+  bool DecodeUtf16Text(const Object& object, std::string_view bytes, std::string_view& text) {
+    if (!CountText(object, bytes)) return false;
+    const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
+    if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
+    if (FindInvalidText(transcoded.text) != NoPlace) return FailNotXmlCharacter(object);
+    text = arena_.Copy(transcoded.text);
+    decodedTexts_.emplace(object.offset, text);
+    return true;
+  }
+
+  bool FailNotXmlCharacter(const Object& object) {
     return Fail(object.offset, "a string holds a character that XML cannot carry");
   }
 
+  // A container is read each time it is reached: how often that is, CountValues bounds.
   bool ReadContainer(const Object& object, PropertyValue& value) {
     auto& state = states_[object.number];
-    const bool isReachedAgain = state == State::Known;
-    if (isReachedAgain) {
-      const auto shared = finished_.find(object.number);
-      if (shared != finished_.end()) return ReuseContainer(object, shared->second, value);
-    }
     if (state == State::Open) return Fail(object.offset, "an object contains itself");
     if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
-    const Tally before = tally_;
-    const std::size_t deepestOutside = std::exchange(deepest_, ++nesting_);
+    ++nesting_;
     state = State::Open;
     const bool isArray = object.Kind() == ObjectKind::Array;
     if (!(isArray ? ReadArray(object, value) : ReadDictionary(object, value))) return false;
-    state = State::Known;
+    state = State::New;
     --nesting_;
-    if (isReachedAgain) {
-      const Tally inside = {tally_.values - before.values, tally_.longBytes - before.longBytes};
-      finished_.emplace(object.number, FinishedContainer{value, inside, deepest_ - nesting_});
-    }
-    deepest_ = std::max(deepest_, deepestOutside);
     return true;
   }
 
-  bool ReuseContainer(const Object& object, const FinishedContainer& container,
-                      PropertyValue& value) {
-    if (container.height > MaximumNesting - nesting_) return Fail(object.offset, NestedTooDeeply);
-    if (!CountValues(object.offset, container.tally.values)) return false;
-    if (!CountLongBytes(object.offset, container.tally.longBytes)) return false;
-    deepest_ = std::max(deepest_, nesting_ + container.height);
-    value = container.value;
-    return true;
-  }
-
-  // Finds where the references of a container begin that holds `count` of them `perElement` times
-  // over.
+  // Finds where the references of a container begin that has `count` elements of `perElement`
+  // references each.
   bool ReadReferences(Object object, std::uint64_t perElement, std::uint64_t& count,
                       std::size_t& references) {
     if (!ReadCount(object, count)) return false;
@@ -391,13 +334,13 @@ class BinaryPropertyListReader {
     std::uint64_t count = 0;
     std::size_t references = 0;
     if (!ReadReferences(object, 1, count, references)) return false;
-    Array array;
-    array.reserve(static_cast<std::size_t>(count));
-    for (std::uint64_t i = 0; i < count; ++i) {
-      auto& element = array.emplace_back(Unread);
+    const auto size = static_cast<std::size_t>(count);
+    auto* elements = arena_.Allocate<PropertyValue>(size);
+    for (std::size_t i = 0; i < size; ++i) {
+      auto& element = *std::construct_at(elements + i);
       if (!ReadValue(ReferenceAt(references, i), object.offset, element)) return false;
     }
-    value = std::move(array);
+    value = Array(std::span<const PropertyValue>(elements, size));
     return true;
   }
 
@@ -405,63 +348,48 @@ class BinaryPropertyListReader {
     std::uint64_t count = 0;
     std::size_t references = 0;  // all the keys, then all the values
     if (!ReadReferences(object, 2, count, references)) return false;
-    std::vector<DictionaryEntry> entries;
-    entries.reserve(static_cast<std::size_t>(count));
-    for (std::uint64_t i = 0; i < count; ++i) {
-      const auto* key = ReadKey(ReferenceAt(references, i), object.offset);
-      if (key == nullptr) return false;
-      auto& entry = entries.emplace_back(*key, Unread);
-      if (!ReadValue(ReferenceAt(references, count + i), object.offset, entry.value)) return false;
+    const auto size = static_cast<std::size_t>(count);
+    auto* entries = arena_.Allocate<DictionaryEntry>(size);
+    for (std::size_t i = 0; i < size; ++i) {
+      auto& entry = *std::construct_at(entries + i);
+      if (!ReadKey(ReferenceAt(references, i), object.offset, entry.key)) return false;
+      if (!ReadValue(ReferenceAt(references, size + i), object.offset, entry.value)) return false;
     }
-    value = Dictionary(std::move(entries));
+    value = Dictionary(WithoutRepeatedKeys(std::span(entries, size)));
     return true;
   }
 
-  // Null for a fault. Valid until the next key is read.
-  const DictionaryKey* ReadKey(std::uint64_t number, std::size_t referrer) {
-    auto& known = knownKeys_[number % std::size(knownKeys_)];
-    const bool isKnown = known.key && known.number == number;
-    const bool read = isKnown ? CountBytes(known.offset, known.key->View().size())
-                              : ReadNewKey(number, referrer, known);
-    if (!read) return nullptr;
-    if (places_ != nullptr) places_->Key(known.key->Text(), known.offset);
-    return &*known.key;
-  }
-
-  bool ReadNewKey(std::uint64_t number, std::size_t referrer, KnownKey& known) {
+  bool ReadKey(std::uint64_t number, std::size_t referrer, std::string_view& key) {
     Object object{};
-    SharedBytes text;
     if (!Locate(number, referrer, object)) return false;
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return Fail(object.offset, "a key is not a string");
     }
-    if (!ReadText(object, text)) return false;
-    known = {number, object.offset, DictionaryKey(text)};
+    if (!ReadText(object, key)) return false;
+    if (locations_ != nullptr) locations_->Key(key, object.offset);
     return true;
   }
 
-  const SourceBuffer& buffer_;
   std::string_view file_;
-  PlaceRecorder* places_;  // null: nobody wants to know; what a shared container holds is not told
+  Arena& arena_;
+  LocationBuilder* locations_;  // may be null
   BinaryLayout layout_;
   ParseFault fault_;
-  Tally tally_ = {.values = 1, .longBytes = 0};  // the top object is referred to by no other
-  std::uint64_t textBytes_ = 0;
+  std::uint64_t values_ = 1;     // reached so far; the top object is referred to by no other
+  std::uint64_t bytes_ = 0;      // of keys, strings and data reached so far
+  std::uint64_t textBytes_ = 0;  // of UTF-16 strings decoded so far
   std::size_t nesting_ = 0;
-  std::size_t deepest_ = 0;    // the greatest nesting inside the container that is read, so far
   std::vector<State> states_;  // by object
-  std::map<std::uint64_t, FinishedContainer> finished_;  // by object, those read twice
-  DecodedBytes decoded_;
-  std::array<KnownKey, 256> knownKeys_;  // by their numbers, those that were read last
-  // UTF-16 strings that have been decoded, by their place: one that is shared often must not cost
-  // its size each time. Ordered, as a file picks the places and could make hashes clash.
-  std::map<std::size_t, SharedBytes> knownTexts_;
+  // UTF-16 strings that have been decoded, by their offset. Ordered, as a file chooses the offsets
+  // and could make hashes collide.
+  std::map<std::size_t, std::string_view> decodedTexts_;
 };
 
 }  // namespace
 
-ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file, PlaceRecorder* places) {
-  return BinaryPropertyListReader(file, places).Read();
+Result<PropertyValue> ParseBinaryPropertyList(std::string_view file, Arena& arena,
+                                              LocationBuilder* locations) {
+  return BinaryPropertyListReader(file, arena, locations).Read();
 }
 
 }  // namespace fernwick

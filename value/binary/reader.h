@@ -1,14 +1,20 @@
 #pragma once
 
-#include "value/parse_outcome.h"
-#include "value/shared_bytes.h"
-#include "value/value_places.h"
+#include <string_view>
+
+#include "value/arena.h"
+#include "value/property_value.h"
+#include "value/result.h"
+#include "value/value_locations.h"
 
 namespace fernwick {
 
 /// Reads a binary property list. Counts, offsets and sizes are checked before anything is allocated
-/// for them; an object may be shared, but what it stands for counts each time it is reached,
-/// against 2^24 values in all. ASCII strings and data view the file and share its buffer.
-ParseOutcome ParseBinaryPropertyList(const SourceBuffer& file, PlaceRecorder* places = nullptr);
+/// for them. Objects may be shared, but what they stand for is counted each time it is reached: at
+/// most the size of the file plus 2^16 values, and the size of the file plus 2^26 bytes of keys,
+/// strings and data. The value views `file` (ASCII strings and data) and `arena`. An error has the
+/// offset of the first fault.
+Result<PropertyValue> ParseBinaryPropertyList(std::string_view file, Arena& arena,
+                                              LocationBuilder* locations = nullptr);
 
 }  // namespace fernwick

@@ -129,7 +129,7 @@ class BinaryWriter {
     return objects_.size() - 1;
   }
 
-  std::uint64_t AddContent(const Array& array) {
+  std::uint64_t AddContent(Array array) {
     const auto number = AddObject({});
     Container container{ArrayKind, array.size(), {}};
     for (const auto& element : array) container.references.push_back(Add(element));
@@ -137,11 +137,11 @@ class BinaryWriter {
     return number;
   }
 
-  std::uint64_t AddContent(const Dictionary& dictionary) {
+  std::uint64_t AddContent(Dictionary dictionary) {
     const auto number = AddObject({});
     Container container{DictionaryKind, dictionary.Size(), {}};
     for (const auto& entry : dictionary.Entries()) {
-      container.references.push_back(AddText(entry.key.View()));
+      container.references.push_back(AddText(entry.key));
     }
     for (const auto& entry : dictionary.Entries()) {
       container.references.push_back(Add(entry.value));
@@ -150,9 +150,9 @@ class BinaryWriter {
     return number;
   }
 
-  std::uint64_t AddContent(const String& string) { return AddText(string.text.View()); }
+  std::uint64_t AddContent(std::string_view string) { return AddText(string); }
   std::uint64_t AddContent(const Data& data) {
-    return AddObject(CountedMarker(DataKind, data.bytes.View().size()).append(data.bytes.View()));
+    return AddObject(CountedMarker(DataKind, data.bytes.size()).append(data.bytes));
   }
   std::uint64_t AddContent(const Date& date) {
     return AddObject(DoubleObject(DateMarker, SecondsSince2001(date)));

@@ -1,10 +1,10 @@
 #include "value/text/reader.h"
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "value/key_interner.h"
 #include "value/text/cursor.h"
 #include "value/unicode/text_position.h"
 #include "value/unicode/utf8.h"
@@ -14,15 +14,13 @@ namespace {
 
 class TextPropertyListReader {
  public:
-  TextPropertyListReader(const SourceText& source, PlaceRecorder* places)
-      : source_(source), cursor_(source.text), places_(places) {}
+  TextPropertyListReader(std::string_view text, Arena& arena, LocationBuilder* locations)
+      : text_(text), cursor_(text), arena_(arena), locations_(locations) {}
 
-  ParseOutcome Read() {
-    auto value = ReadTopLevel();
-    if (cursor_.Fault().IsSet()) {
-      return {{}, DescribeAt(source_.text, cursor_.Fault().Offset(), cursor_.Fault().Message())};
-    }
-    return {std::move(value), {}};
+  Result<PropertyValue> Read() {
+    const auto value = ReadTopLevel();
+    if (value) return *value;
+    return ErrorAt(text_, cursor_.Fault().Offset(), cursor_.Fault().Message());
   }
 
  private:
@@ -41,16 +39,16 @@ class TextPropertyListReader {
       return ExpectEnd(ReadValue());
     }
     const bool isQuoted = cursor_.LookingAtQuote();
-    SharedBytes string;
+    std::string_view string;
     if (!ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
     BeginValue(start);
-    if (cursor_.LookingAt('=')) return ReadBarePairs(start, std::move(string));
+    if (cursor_.LookingAt('=')) return ReadBarePairs(start, string);
     EndValue();
     if (!isQuoted) {
       return cursor_.AtEnd() ? Fail(start, "one unquoted string is not a property list")
                              : Fail(cursor_.Offset(), "\"=\" was expected");
     }
-    return ExpectEnd(String{std::move(string)});
+    return ExpectEnd(string);
   }
 
   MaybeValue ExpectEnd(MaybeValue value) {
@@ -59,26 +57,26 @@ class TextPropertyListReader {
     return value;
   }
 
-  // "key = value;" pairs up to the end of the text, behind their first key.
-  MaybeValue ReadBarePairs(std::size_t start, SharedBytes firstKey) {
+  // "key = value;" pairs up to the end of the text, after their first key.
+  MaybeValue ReadBarePairs(std::size_t start, std::string_view firstKey) {
     std::vector<DictionaryEntry> entries;
     nesting_ = 1;
-    PlaceKey(start, firstKey);
-    if (!ReadPairs(std::move(firstKey), entries)) return std::nullopt;
+    LocateKey(start, firstKey);
+    if (!ReadPairs(firstKey, entries)) return std::nullopt;
     EndValue();
-    return ExpectEnd(Dictionary(std::move(entries)));
+    return ExpectEnd(MakeDictionary(entries));
   }
 
   void BeginValue(std::size_t offset) {
-    if (places_ != nullptr) places_->BeginValue(offset);
+    if (locations_ != nullptr) locations_->BeginValue(offset);
   }
 
   void EndValue() {
-    if (places_ != nullptr) places_->EndValue();
+    if (locations_ != nullptr) locations_->EndValue();
   }
 
-  void PlaceKey(std::size_t offset, const SharedBytes& key) {
-    if (places_ != nullptr) places_->Key(key, offset);
+  void LocateKey(std::size_t offset, std::string_view key) {
+    if (locations_ != nullptr) locations_->Key(key, offset);
   }
 
   MaybeValue ReadValue() {
@@ -94,11 +92,11 @@ class TextPropertyListReader {
     if (cursor_.LookingAt('<')) {
       std::string bytes;
       if (!cursor_.ReadData(bytes)) return std::nullopt;
-      return Data{SharedBytes(std::move(bytes))};
+      return Data{arena_.Copy(bytes)};
     }
-    SharedBytes string;
+    std::string_view string;
     if (!ReadString(string, "a value")) return std::nullopt;
-    return String{std::move(string)};
+    return string;
   }
 
   MaybeValue ReadNested(MaybeValue (TextPropertyListReader::*read)()) {
@@ -112,14 +110,14 @@ class TextPropertyListReader {
   MaybeValue ReadArray() {
     const std::size_t start = cursor_.Offset();
     cursor_.Take('(');
-    Array array;
+    std::vector<PropertyValue> elements;
     for (;;) {
       if (!cursor_.SkipBlanks()) return std::nullopt;
-      if (cursor_.Take(')')) return array;
+      if (cursor_.Take(')')) return Array(arena_.Copy(std::span<const PropertyValue>(elements)));
       if (cursor_.AtEnd()) return Fail(start, "an array does not end");
       auto value = ReadValue();
       if (!value || !cursor_.SkipBlanks()) return std::nullopt;
-      array.push_back(*std::move(value));
+      elements.push_back(*value);
       if (!cursor_.Take(',') && !cursor_.LookingAt(')') && !cursor_.AtEnd()) {
         return Fail(cursor_.Offset(), "\",\" or \")\" was expected");
       }
@@ -132,25 +130,25 @@ class TextPropertyListReader {
     std::vector<DictionaryEntry> entries;
     if (!cursor_.SkipBlanks()) return std::nullopt;
     if (!AtEndOfPairs()) {
-      SharedBytes key;
+      std::string_view key;
       if (!ReadKey(key)) return std::nullopt;
-      if (!ReadPairs(std::move(key), entries)) return std::nullopt;
+      if (!ReadPairs(key, entries)) return std::nullopt;
     }
     if (!cursor_.Take('}')) return Fail(start, "a dictionary does not end");
-    return Dictionary(std::move(entries));
+    return MakeDictionary(entries);
   }
 
   bool AtEndOfPairs() const { return cursor_.AtEnd() || cursor_.LookingAt('}'); }
 
   // "= value;" and every further pair, up to "}" or the end of the text. The last semicolon may be
   // missing.
-  bool ReadPairs(SharedBytes key, std::vector<DictionaryEntry>& entries) {
+  bool ReadPairs(std::string_view key, std::vector<DictionaryEntry>& entries) {
     for (;;) {
       if (!cursor_.Take('=')) return cursor_.Fail(cursor_.Offset(), "\"=\" was expected");
       if (!cursor_.SkipBlanks()) return false;
       auto value = ReadValue();
       if (!value || !cursor_.SkipBlanks()) return false;
-      entries.emplace_back(keys_.Intern(key), *std::move(value));
+      entries.push_back({key, *value});
       const bool closed = cursor_.Take(';');
       if (closed && !cursor_.SkipBlanks()) return false;
       if (AtEndOfPairs()) return true;
@@ -159,45 +157,50 @@ class TextPropertyListReader {
     }
   }
 
-  bool ReadKey(SharedBytes& key) {
+  bool ReadKey(std::string_view& key) {
     const std::size_t start = cursor_.Offset();
     if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
-    PlaceKey(start, key);
+    LocateKey(start, key);
     return true;
   }
 
-  bool ReadString(SharedBytes& shared, const char* what) {
+  bool ReadString(std::string_view& kept, const char* what) {
     if (!cursor_.LookingAtQuote()) {
       const auto string = cursor_.ReadUnquoted();
       if (string.empty())
         return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
-      shared = SharedBytes(source_.buffer, string);
+      kept = string;
       return true;
     }
     std::string_view string;
     if (!cursor_.ReadQuoted(string, scratch_)) return false;
-    shared = SharedOrCopied(source_, scratch_, string);
+    kept = string.data() == scratch_.data() ? arena_.Copy(string) : string;
     return true;
   }
 
-  const SourceText& source_;
+  Dictionary MakeDictionary(std::vector<DictionaryEntry>& entries) {
+    return arena_.Copy(std::span<const DictionaryEntry>(WithoutRepeatedKeys(entries)));
+  }
+
+  std::string_view text_;
   TextCursor cursor_;
-  PlaceRecorder* places_;  // null: nobody wants to know
+  Arena& arena_;
+  LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
   std::string scratch_;
-  KeyInterner keys_;
 };
 
 }  // namespace
 
-ParseOutcome ParseTextPropertyList(const SourceText& source, PlaceRecorder* places) {
+Result<PropertyValue> ParseTextPropertyList(const SourceText& source, Arena& arena,
+                                            LocationBuilder* locations) {
   const std::size_t invalid = FindInvalidUtf8(source.text);
-  if (invalid != NoPlace) return {{}, DescribeAt(source.text, invalid, "the text is not UTF-8")};
+  if (invalid != NoPlace) return ErrorAt(source.text, invalid, "the text is not UTF-8");
   if (source.endsInInvalidUtf16) {
-    return {{}, DescribeAt(source.text, source.text.size(), "the text is not UTF-16")};
+    return ErrorAt(source.text, source.text.size(), "the text is not UTF-16");
   }
-  if (places != nullptr) places->SetText(source);
-  return TextPropertyListReader(source, places).Read();
+  if (locations != nullptr) locations->SetText(source.text);
+  return TextPropertyListReader(source.text, arena, locations).Read();
 }
 
 }  // namespace fernwick

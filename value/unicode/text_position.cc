@@ -1,6 +1,7 @@
 #include "value/unicode/text_position.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "value/unicode/ascii.h"
 #include "value/unicode/printable.h"
@@ -51,10 +52,9 @@ TextPosition PositionAt(std::string_view text, std::size_t offset) {
   return position;
 }
 
-std::string DescribeAt(std::string_view text, std::size_t offset, std::string_view message) {
+Error ErrorAt(std::string_view text, std::size_t offset, std::string message) {
   const auto [line, column] = PositionAt(text, offset);
-  return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " +
-         std::string(message);
+  return {std::move(message), FileLocation{.line = line, .column = column}};
 }
 
 std::string Excerpt(std::string_view text) {

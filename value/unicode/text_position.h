@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "value/result.h"
+
 namespace fernwick {
 
 /// A place in a text as people count it: from 1, columns in characters.
@@ -17,8 +19,8 @@ struct TextPosition {
 /// end.
 TextPosition PositionAt(std::string_view text, std::size_t offset);
 
-/// "line 3, column 7: MESSAGE". REQUIRES: as PositionAt.
-std::string DescribeAt(std::string_view text, std::size_t offset, std::string_view message);
+/// The error at that position. REQUIRES: as PositionAt.
+Error ErrorAt(std::string_view text, std::size_t offset, std::string message);
 
 /// The start of a text from a file, short enough to stand in a message and on one line: at most 40
 /// bytes of it, then "..."; white space as blanks, other control characters as octal escapes.

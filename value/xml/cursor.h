@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "value/parse_outcome.h"
+#include "value/parse_fault.h"
 #include "value/xml/plain.h"
 
 namespace fernwick {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "value/parse_outcome.h"
+#include "value/parse_fault.h"
 
 namespace fernwick {
 

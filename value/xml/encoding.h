@@ -1,14 +1,16 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
+#include "value/arena.h"
+#include "value/result.h"
 #include "value/unicode/source_text.h"
 
 namespace fernwick {
 
-/// Brings an XML document into UTF-8, by its byte-order mark or else by the encoding that it
-/// declares, and checks that it holds nothing but characters that XML can carry. Returns what is
-/// wrong and where, or an empty text and the document in `decoded`.
-std::string DecodeXmlDocument(const SourceText& source, SourceText& decoded);
+/// The XML document in UTF-8, by its byte-order mark or else by the encoding that it declares: the
+/// source's own text, or a transcoded one in `arena`. An error when it is not in that encoding,
+/// declares another one than those supported, or contains a character that XML cannot carry.
+Result<std::string_view> DecodeXmlDocument(const SourceText& source, Arena& arena);
 
 }  // namespace fernwick

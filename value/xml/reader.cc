@@ -1,13 +1,11 @@
 #include "value/xml/reader.h"
 
-#include <iterator>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "value/calendar_date.h"
-#include "value/decoded_bytes.h"
-#include "value/key_interner.h"
 #include "value/number_text.h"
 #include "value/unicode/text_position.h"
 #include "value/xml/base64.h"
@@ -19,18 +17,16 @@ namespace {
 
 class XmlPropertyListReader {
  public:
-  XmlPropertyListReader(const SourceText& source, PlaceRecorder* places)
-      : source_(source), cursor_(source.text), places_(places) {}
+  XmlPropertyListReader(std::string_view document, Arena& arena, LocationBuilder* locations)
+      : document_(document), cursor_(document), arena_(arena), locations_(locations) {}
 
-  ParseOutcome Read() {
-    if (!ReadDocument()) {
-      return {{}, DescribeAt(source_.text, cursor_.Fault().Offset(), cursor_.Fault().Message())};
-    }
-    return {std::move(values_.back()), {}};
+  Result<PropertyValue> Read() {
+    if (ReadDocument()) return values_.back();
+    return ErrorAt(document_, cursor_.Fault().Offset(), cursor_.Fault().Message());
   }
 
  private:
-  // What an element's content is made into; the value goes to the end of values_.
+  // Reads the content of an element and appends its value to values_.
   using ContentReader = bool (XmlPropertyListReader::*)(const XmlStartTag&);
 
   // Null for what is no property-list element. The most frequent come first.
@@ -88,9 +84,9 @@ class XmlPropertyListReader {
   bool ReadElement(const XmlStartTag& tag) {
     const auto read = ReaderOf(tag.name);
     if (read != nullptr) {
-      if (places_ != nullptr) places_->BeginValue(tag.offset);
+      if (locations_ != nullptr) locations_->BeginValue(tag.offset);
       if (!(this->*read)(tag)) return false;
-      if (places_ != nullptr) places_->EndValue();
+      if (locations_ != nullptr) locations_->EndValue();
       return true;
     }
     if (tag.name == "key")
@@ -113,12 +109,14 @@ class XmlPropertyListReader {
   bool ReadArray(const XmlStartTag& tag) {
     const std::size_t first = values_.size();
     if (!ReadContents(tag, &XmlPropertyListReader::ReadValue)) return false;
-    return Produce(TakeFrom(values_, first));
+    return Produce(Array(TakeFrom(values_, first)));
   }
 
   bool ReadDictionary(const XmlStartTag& tag) {
     const std::size_t first = entries_.size();
     if (!ReadContents(tag, &XmlPropertyListReader::ReadEntry)) return false;
+    const auto unique = WithoutRepeatedKeys(std::span(entries_).subspan(first));
+    entries_.resize(first + unique.size());
     return Produce(Dictionary(TakeFrom(entries_, first)));
   }
 
@@ -133,29 +131,27 @@ class XmlPropertyListReader {
     return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
   }
 
-  // Takes off what has been collected from `first` on.
+  // Moves what has been collected from `first` on into the arena.
   template <typename Part>
-  static std::vector<Part> TakeFrom(std::vector<Part>& collected, std::size_t first) {
-    const auto begin = collected.begin() + static_cast<std::ptrdiff_t>(first);
-    std::vector<Part> taken(std::make_move_iterator(begin),
-                            std::make_move_iterator(collected.end()));
-    collected.erase(begin, collected.end());
+  std::span<const Part> TakeFrom(std::vector<Part>& collected, std::size_t first) {
+    const auto taken = arena_.Copy(std::span<const Part>(collected).subspan(first));
+    collected.resize(first);
     return taken;
   }
 
   bool ReadEntry() {
     XmlStartTag tag;
-    SharedBytes text;
+    std::string_view text;
     if (!ReadStartTag(tag)) return false;
     if (tag.name != "key") {
       return cursor_.Fail(tag.offset,
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
-    if (!ReadSharedText(tag, text) || !cursor_.SkipMiscellany()) return false;
-    if (places_ != nullptr) places_->Key(text, tag.offset);
+    if (!ReadKeptText(tag, text) || !cursor_.SkipMiscellany()) return false;
+    if (locations_ != nullptr) locations_->Key(text, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
-    entries_.emplace_back(keys_.Intern(text), std::move(values_.back()));
+    entries_.push_back({text, values_.back()});
     values_.pop_back();
     return true;
   }
@@ -172,18 +168,16 @@ class XmlPropertyListReader {
     return cursor_.ReadEndTag(tag.name);
   }
 
-  bool ReadSharedText(const XmlStartTag& tag, SharedBytes& shared) {
-    std::string_view text;
+  // As ReadText, but the text views the document or the arena.
+  bool ReadKeptText(const XmlStartTag& tag, std::string_view& text) {
     if (!ReadText(tag, text)) return false;
-    const bool isDecoded = text.data() == scratch_.data();
-    shared = isDecoded ? decoded_.Keep(text) : SharedBytes(source_.buffer, text);
+    if (text.data() == scratch_.data()) text = arena_.Copy(text);
     return true;
   }
 
   bool ReadString(const XmlStartTag& tag) {
-    SharedBytes text;
-    if (!ReadSharedText(tag, text)) return false;
-    return Produce(String{std::move(text)});
+    std::string_view text;
+    return ReadKeptText(tag, text) && Produce(text);
   }
 
   // A leaf whose text `parse` turns into a value or refuses.
@@ -192,7 +186,7 @@ class XmlPropertyListReader {
     std::string_view text;
     if (!ReadText(tag, text)) return false;
     auto value = parse(text);
-    if (value) return Produce(*std::move(value));
+    if (value) return Produce(*value);
     return cursor_.Fail(tag.offset,
                         "\"" + Excerpt(text) + "\" is not a valid " + std::string(tag.name));
   }
@@ -205,7 +199,7 @@ class XmlPropertyListReader {
     return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
       const auto bytes = DecodeBase64(text);
       if (!bytes) return std::nullopt;
-      return Data{decoded_.Keep(*bytes)};
+      return Data{arena_.Copy(*bytes)};
     });
   }
 
@@ -216,33 +210,31 @@ class XmlPropertyListReader {
     });
   }
 
-  template <typename Content>
-  bool Produce(Content&& content) {
-    values_.emplace_back(std::forward<Content>(content));
+  bool Produce(PropertyValue value) {
+    values_.push_back(value);
     return true;
   }
 
-  const SourceText& source_;
+  std::string_view document_;
   XmlCursor cursor_;
-  PlaceRecorder* places_;  // null: nobody wants to know
+  Arena& arena_;
+  LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
   std::string scratch_;
-  DecodedBytes decoded_;
-  KeyInterner keys_;
-  // What has been read of the arrays and dictionaries that are still open, innermost last, so that
-  // each is built at once in its final size.
+  // Stacks of what has been read of the arrays and dictionaries that are still open, innermost
+  // last: each goes into the arena in one piece when it is closed.
   std::vector<PropertyValue> values_;
   std::vector<DictionaryEntry> entries_;
 };
 
 }  // namespace
 
-ParseOutcome ParseXmlPropertyList(const SourceText& source, PlaceRecorder* places) {
-  SourceText decoded;
-  auto error = DecodeXmlDocument(source, decoded);
-  if (!error.empty()) return {{}, std::move(error)};
-  if (places != nullptr) places->SetText(decoded);
-  return XmlPropertyListReader(decoded, places).Read();
+Result<PropertyValue> ParseXmlPropertyList(const SourceText& source, Arena& arena,
+                                           LocationBuilder* locations) {
+  const auto document = DecodeXmlDocument(source, arena);
+  if (!document) return document.Error();
+  if (locations != nullptr) locations->SetText(*document);
+  return XmlPropertyListReader(*document, arena, locations).Read();
 }
 
 }  // namespace fernwick

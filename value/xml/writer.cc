@@ -20,19 +20,19 @@ class XmlWriter {
   std::string TakeText() { return std::move(text_); }
 
  private:
-  void WriteContent(const Dictionary& dictionary) {
+  void WriteContent(Dictionary dictionary) {
     if (dictionary.Size() == 0) return Line("<dict/>");
     Line("<dict>");
     ++indentation_;
     for (const auto& [key, value] : dictionary.Entries()) {
-      Leaf("key", Escaped(key.View()));
+      Leaf("key", Escaped(key));
       Write(value);
     }
     --indentation_;
     Line("</dict>");
   }
 
-  void WriteContent(const Array& array) {
+  void WriteContent(Array array) {
     if (array.empty()) return Line("<array/>");
     Line("<array>");
     ++indentation_;
@@ -41,8 +41,8 @@ class XmlWriter {
     Line("</array>");
   }
 
-  void WriteContent(const String& string) { Leaf("string", Escaped(string.text.View())); }
-  void WriteContent(const Data& data) { Leaf("data", EncodeBase64(data.bytes.View())); }
+  void WriteContent(std::string_view string) { Leaf("string", Escaped(string)); }
+  void WriteContent(const Data& data) { Leaf("data", EncodeBase64(data.bytes)); }
   void WriteContent(const Date& date) { Leaf("date", FormatDate(date)); }
   void WriteContent(const Integer& integer) { Leaf("integer", FormatInteger(integer)); }
   void WriteContent(double real) { Leaf("real", FormatReal(real)); }

@@ -1,23 +1,14 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
-#include "value/property_value.h"
-
 namespace fernwick {
-
-/// What became of parsing a property list: a value, or what is wrong and where.
-struct ParseOutcome {
-  std::optional<PropertyValue> value;
-  std::string error;  // empty when there is a value
-};
 
 /// More open arrays and dictionaries than this, one inside the other, are refused by every reader.
 inline constexpr std::size_t MaximumNesting = 512;
 
-/// How every reader tells it.
+/// The message of every reader for it.
 inline constexpr char NestedTooDeeply[] =
     "more than 512 arrays and dictionaries are nested in each other";
 

@@ -1,0 +1,83 @@
+#include "platform/console.h"
+
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+
+namespace fernwick {
+namespace {
+
+constexpr std::size_t LargeBuffer = std::size_t{1} << 16;
+
+// Writes all of the text. Returns 0 or the error number.
+int WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(file, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+}  // namespace
+
+void Console::Write(std::string_view text) {
+  if (outputError_ != 0) return;
+  buffer_ += text;
+  if (buffer_.size() >= LargeBuffer) Flush();
+}
+
+void Console::Print(const char* format, ...) {
+  std::va_list values;
+  va_start(values, format);
+  std::va_list again;
+  va_copy(again, values);
+  const int length = std::vsnprintf(nullptr, 0, format, values);
+  va_end(values);
+  std::string text(static_cast<std::size_t>(length), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, again);
+  va_end(again);
+  Write(text);
+}
+
+void Console::Flush() {
+  if (outputError_ != 0 || buffer_.empty()) return;
+  outputError_ = Send(buffer_);
+  buffer_.clear();
+}
+
+int ProcessConsole::Send(std::string_view text) {
+  return WriteAll(STDOUT_FILENO, text);
+}
+
+// Nothing can be done about a standard error that cannot be written.
+void ProcessConsole::WriteError(std::string_view text) {
+  WriteAll(STDERR_FILENO, text);
+}
+
+void ProcessConsole::Log(const std::string& message) {
+  openlog("fernwick", LOG_PERROR, LOG_USER);
+  syslog(LOG_ERR, "%s", message.c_str());
+}
+
+int StringConsole::Send(std::string_view text) {
+  output_ += text;
+  return 0;
+}
+
+void StringConsole::Log(const std::string& message) {
+  error_ += LogLine(message);
+}
+
+std::string LogLine(std::string_view message) {
+  std::string line = "fernwick: ";
+  line += message;
+  if (!message.ends_with('\n')) line += '\n';
+  return line;
+}
+
+}  // namespace fernwick
