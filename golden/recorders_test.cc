@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "lab/abnormal_end.h"
-#include "lab/captured_run.h"
-#include "lab/recording_file.h"
+#include "lab/recordings/recording_file.h"
+#include "lab/support/abnormal_end.h"
+#include "lab/support/captured_run.h"
 #include "testing/golden_case.h"
 
 namespace fernwick {

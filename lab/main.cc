@@ -3,16 +3,8 @@
 #include <string_view>
 
 #include "driver/process.h"
-#include "lab/convert.h"
-#include "lab/diff.h"
-#include "lab/exit_status.h"
-#include "lab/explain.h"
-#include "lab/lint.h"
-#include "lab/messages.h"
-#include "lab/redact.h"
-#include "lab/replay.h"
-#include "lab/show.h"
-#include "lab/survey.h"
+#include "lab/support/messages.h"
+#include "lab/verbs.h"
 
 namespace fernwick::lab {
 namespace {

@@ -6,6 +6,8 @@ follows what a file may include:
 
   - its own folder and the dependencies of its folder;
   - as a test (NAME_test.cc) also testing/;
+  - in a folder whose rooms have an order (ROOMS), of that folder its own room, the rooms before it and
+    headers that are in none;
   - outside those folders (golden/, fuzz/, ...) whatever it likes, but then no folder includes it;
 
 and no file includes itself, be it by way of others.
@@ -16,6 +18,9 @@ usage: include_order.py [ROOT]    prints one line a fault; exit status 1 when th
 import pathlib
 import re
 import sys
+
+# The rooms of a folder in their order: each uses only those that are named before it.
+ROOMS = {"lab": ["support", "recordings", "lint", "explain", "survey"]}
 
 FOLDER = re.compile(r"^fernwick_folder\(([^)]*)\)", re.MULTILINE)
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*"([^"]*)"', re.MULTILINE)
@@ -52,11 +57,40 @@ def folder_of(path):
     return path.split("/")[0]
 
 
+def room_of(path):
+    """The room of a file; None for one at the top of its folder."""
+    parts = path.split("/")
+    return parts[1] if len(parts) > 2 else None
+
+
+def rank_of(path, rooms):
+    """Where a file is in the order of its folder: what is in no room comes last, as main.cc does,
+    but for a header, which every room may include."""
+    if room_of(path) in rooms:
+        return rooms.index(room_of(path))
+    return -1 if path.endswith(".h") else len(rooms)
+
+
+def may_include_in_folder(path, included):
+    """Whether the order of the rooms allows the one file of a folder to include the other."""
+    rooms = ROOMS.get(folder_of(path), [])
+    return rank_of(included, rooms) <= rank_of(path, rooms) or not rooms
+
+
+def room_faults(includes):
+    """Rooms that the order of their folder does not name."""
+    for folder, room in sorted({(folder_of(path), room_of(path)) for path in includes if room_of(path)}):
+        if room not in ROOMS.get(folder, [room]):
+            yield f"{folder}/{room}/ is not in the order of the rooms of {folder}/"
+
+
 def may_include(path, included, folders):
     """Whether the order of the folders allows the one file to include the other."""
     user, used = folder_of(path), folder_of(included)
-    if user == used or user not in folders:
+    if user not in folders:
         return True
+    if user == used:
+        return may_include_in_folder(path, included)
     if used == "testing" and path.endswith("_test.cc"):
         return True
     return used in folders[user]
@@ -69,7 +103,10 @@ def include_faults(includes, folders):
             if included not in includes:
                 yield f'{path}: there is no "{included}"'
             elif not may_include(path, included, folders):
-                yield f'{path}: {folder_of(path)}/ must not include "{included}"'
+                user = folder_of(path)
+                if user == folder_of(included):
+                    user = path.rpartition("/")[0]
+                yield f'{path}: {user}/ must not include "{included}"'
 
 
 def find_cycle(includes):
@@ -96,7 +133,7 @@ def find_faults(root):
     folders, includes = read_folders(root), read_includes(root)
     if not folders or not includes:
         return [f"{root}: holds no folders with source"]
-    faults = list(declaration_faults(folders)) + list(include_faults(includes, folders))
+    faults = [*declaration_faults(folders), *room_faults(includes), *include_faults(includes, folders)]
     cycle = find_cycle(includes)
     if cycle:
         faults.append("cycle: " + " includes ".join(cycle))

@@ -15,7 +15,7 @@ def faults_of(files, build=BUILD):
     with tempfile.TemporaryDirectory() as directory:
         root = pathlib.Path(directory)
         for path, text in {"CMakeLists.txt": build, **files}.items():
-            (root / path).parent.mkdir(exist_ok=True)
+            (root / path).parent.mkdir(parents=True, exist_ok=True)
             (root / path).write_text(text)
         return include_order.find_faults(root)
 
@@ -52,6 +52,35 @@ class IncludeOrder(unittest.TestCase):
     def test_an_include_that_does_not_name_its_folder_is_a_fault(self):
         files = {"value/a.cc": '#include "a.h"\n', "value/a.h": ""}
         self.assertEqual(faults_of(files), ['value/a.cc: there is no "a.h"'])
+
+    def test_a_room_includes_the_rooms_before_it_and_headers_in_none(self):
+        files = {
+            "lab/main.cc": '#include "lab/verbs.h"\n#include "lab/survey/s.h"\n',
+            "lab/verbs.h": "",
+            "lab/support/m.cc": '#include "lab/verbs.h"\n',
+            "lab/support/m.h": "",
+            "lab/survey/s.cc": '#include "lab/support/m.h"\n#include "lab/survey/s.h"\n',
+            "lab/survey/s.h": "",
+        }
+        self.assertEqual(faults_of(files, BUILD + "fernwick_folder(lab)\n"), [])
+
+    def test_an_include_of_a_later_room_is_a_fault(self):
+        files = {
+            "lab/lint/l.cc": '#include "lab/explain/e.h"\n',
+            "lab/explain/e.h": "",
+            "lab/verbs.h": '#include "lab/explain/e.h"\n',
+        }
+        self.assertEqual(
+            faults_of(files, BUILD + "fernwick_folder(lab)\n"),
+            [
+                'lab/lint/l.cc: lab/lint/ must not include "lab/explain/e.h"',
+                'lab/verbs.h: lab/ must not include "lab/explain/e.h"',
+            ])
+
+    def test_a_room_without_an_order_is_a_fault_where_the_others_have_one(self):
+        self.assertEqual(
+            faults_of({"lab/attic/a.h": "", "value/xml/x.h": ""}, BUILD + "fernwick_folder(lab)\n"),
+            ["lab/attic/ is not in the order of the rooms of lab/"])
 
     def test_a_cycle_within_a_folder_is_a_fault(self):
         files = {"value/a.h": '#include "value/b.h"\n', "value/b.h": '#include "value/a.h"\n'}

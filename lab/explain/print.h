@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string_view>
+
+#include "lab/explain/explanation.h"
+#include "lab/support/json_stream.h"
+
+namespace fernwick::lab {
+
+/// Prints the explanation for people. Nothing from a file reaches the terminal raw;
+/// `emphasise` sets headings and outcomes in bold.
+void PrintExplanationText(const Explanation& explanation, bool emphasise, const TextSink& sink);
+
+/// Prints the whole explanation as a JSON document. Personalities are numbered from 1; pairs
+/// are in the order of the file.
+void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
+
+/// What the JSON calls them: "nothingMatched", "notReached", "aboveInstalled".
+std::string_view NameOf(RunEnd end);
+std::string_view NameOf(PairOutcome outcome);
+std::string_view NameOf(Shortfall shortfall);
+std::string_view NameOf(Omission why);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lab/lint/controller_values.h"
+#include "lab/lint/subject.h"
+#include "personality/personality_keys.h"
+
+namespace fernwick::lab {
+
+/// Why no controller can have a value that equals `element`, a single value or an element of a list
+/// that a personality of the type holds under the key, as in "it is no number". Empty when one can.
+std::string WhyNothingEquals(const PropertyValue& element, const PersonalityKey& key, TypeSet type);
+
+/// Whether the key takes a set: the controller's value must equal one of what it holds.
+bool TakesSet(const PersonalityKey& key);
+
+/// The keys that take a set and that the type's check reads, always in the same order.
+std::vector<const PersonalityKey*> SetKeys(TypeSet type);
+
+/// The values that a personality accepts under one key, sorted, each once.
+using AcceptedValues = std::vector<const PropertyValue*>;
+
+/// The order in which they are sorted: of numbers by their value, of strings by their bytes.
+/// REQUIRES: both are numbers other than NaN or both are strings.
+bool IsBefore(const PropertyValue* a, const PropertyValue* b);
+
+/// What a controller, and the computer, must be for a personality to match.
+struct Acceptance {
+  const PropertyValue* version = nullptr;  // the image's
+  const PropertyValue* minimum = nullptr;  // of the installed version; null where nothing is held
+  const PropertyValue* maximum = nullptr;  // back, also by NaN
+  RevisionRange revisions;
+  std::vector<std::optional<AcceptedValues>> sets;  // by SetKeys; none: no constraint
+
+  /// Whether any controller is accepted, without the version check bypassed.
+  bool acceptsAny = false;
+};
+
+/// What the personality accepts. It views the personality's values, which have to outlive it.
+Acceptance AcceptanceOf(const PlacedPersonality& personality);
+
+/// Whether `wide` accepts every controller that `narrow` accepts, with the version check bypassed
+/// or not. Sound, but not complete: false does not say that there is a controller that only
+/// `narrow` accepts. REQUIRES: both are of one type and accept any.
+bool Covers(const Acceptance& wide, const Acceptance& narrow);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "lab/lint/finding.h"
+#include "lab/lint/subject.h"
+
+namespace fernwick::lab {
+
+// What lint looks for in a configuration, most of it in one personality at a time. Defined in
+// shape.cc, keys.cc, values.cc, versions.cc and plan.cc, in this order.
+
+/// The top of the configuration and the shape of what is under its types.
+void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
+
+/// Keys that occur twice in any dictionary of the configuration.
+void LintDuplicateKeys(const ValuePlace& place, ConfigurationFindings& findings);
+
+/// The keys of a personality: which it has that are not read, and which it lacks.
+void LintKeys(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// Values with which nothing matches under their key.
+void LintValues(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// Whether any installed version lies in the personality's window, and whether its maximum is what
+/// it seems.
+void LintVersions(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// Whether any board revision lies within the personality's bounds.
+void LintBoardRevisions(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// How the plan reads the personality's "Priority".
+void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// How the plan reads its "Firmware Mode", where it comes from the personality.
+void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+/// The shapes of the personality's NVRAM settings.
+void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings);
+
+}  // namespace fernwick::lab

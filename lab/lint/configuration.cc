@@ -1,0 +1,53 @@
+#include "lab/lint/configuration.h"
+
+#include "lab/lint/acceptance.h"
+#include "lab/lint/checks.h"
+#include "lab/lint/nvram.h"
+#include "lab/lint/shadowing.h"
+
+namespace fernwick::lab {
+namespace {
+
+void LintPersonality(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  LintKeys(personality, findings);
+  LintValues(personality, findings);
+  LintVersions(personality, findings);
+  LintBoardRevisions(personality, findings);
+  LintPriority(personality, findings);
+  LintFirmwareMode(personality, findings);
+  LintNvramShapes(personality, findings);
+}
+
+// Those that can match and are not shadowed go to the end of `live`.
+void LintReach(const LintSubject& subject, const PlacedType& type,
+               std::vector<LivePersonality>& live, ConfigurationFindings& findings) {
+  std::vector<Acceptance> acceptances;
+  for (const auto& personality : type.personalities) {
+    acceptances.push_back(AcceptanceOf(personality));
+  }
+  const auto shadowing = FindShadowed(acceptances);
+  LintShadowing(subject, type, shadowing, findings);
+  for (std::size_t i = 0; i < acceptances.size(); ++i) {
+    if (!acceptances[i].acceptsAny || shadowing.shadowedBy[i] != i) continue;
+    live.push_back({&type.personalities[i], acceptances[i].revisions});
+  }
+}
+
+}  // namespace
+
+std::vector<ConfigurationFindings::Row> LintConfiguration(const LintSubject& subject,
+                                                          const BoardFiles& files) {
+  ConfigurationFindings findings;
+  LintDuplicateKeys(subject.file.Root(), findings);
+  LintShape(subject, findings);
+  std::vector<LivePersonality> live;
+  for (const auto& type : subject.types) {
+    for (const auto& personality : type.personalities) LintPersonality(personality, findings);
+    LintReach(subject, type, live, findings);
+  }
+  LintImages(subject, files, findings);
+  LintNvramVariables(subject, live, findings);
+  return findings.TakeSorted();
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,486 @@
+// What lint says of a configuration, whole, without the places: those are held by the pairs.
+
+#include "lab/lint/configuration.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "testing/dictionaries.h"
+#include "testing/named_rows.h"
+#include "testing/property_values.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick::lab {
+namespace {
+
+using testing::Named;
+using testing::With;
+using testing::Without;
+
+const Dictionary Port = {{"Version", 200},
+                         {"Port Silicon Vendor ID", 1},
+                         {"Port Silicon Device ID", 2},
+                         {"Port Silicon Revision", 3},
+                         {"Firmware", "a.bin"},
+                         {"Priority", 20}};
+
+const Dictionary Ridge = {{"Version", 42},
+                          {"Ridge Silicon Vendor ID", 4},
+                          {"Ridge Silicon Device ID", 5},
+                          {"Ridge Silicon Revision", 6},
+                          {"Firmware", "a.bin"},
+                          {"Priority", 20}};
+
+Dictionary Usbc(const Dictionary& entries) {
+  return {{"USBC", Array{With(Port, entries)}}};
+}
+
+Dictionary Thunderbolt(const Dictionary& entries) {
+  return {{"Thunderbolt", Array{With(With(Port, Ridge), entries)}}};
+}
+
+Dictionary LegacyThunderbolt(const Dictionary& entries) {
+  return {{"LegacyThunderbolt", Array{With(Ridge, entries)}}};
+}
+
+Dictionary LegacyUsbc(const Dictionary& entries) {
+  return {
+      {"LegacyUSBC", With({{"Version", 200}, {"Firmware", "a.bin"}, {"Priority", 20}}, entries)}};
+}
+
+// Lines "SEVERITY: MESSAGE [ID]" in the order of the places.
+std::string SaidOf(const PropertyValue& configuration) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("Fernwick/RidgeFlash.efi", "");
+  directory.Write("Fernwick/PortFlash.efi", "");
+  directory.Write("Fernwick/Zed-42/a.bin", "");
+  directory.Write("Fernwick/Zed-42/images/b.bin", "");
+  const auto path = directory.Path() + "/Fernwick";
+  const auto file =
+      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration))).file;
+  std::string said;
+  for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
+    said.append(NameOf(row.rule->severity)).append(": ").append(row.message);
+    said.append(" [").append(row.rule->id).append("]\n");
+  }
+  return said;
+}
+
+struct Row {
+  PropertyValue configuration;
+  std::string said;
+};
+
+class SaidOfConfiguration : public ::testing::TestWithParam<Named<Row>> {};
+
+TEST_P(SaidOfConfiguration, Whole) {
+  EXPECT_EQ(SaidOf(GetParam().row.configuration), GetParam().row.said);
+}
+
+const double NaN = std::nan("");
+
+const Named<Row> Shapes[] = {
+    {"Empty", {Dictionary{}, ""}},
+    {"Text", {"x", "error: the configuration is \"x\", not a dictionary [not-a-dictionary]\n"}},
+    {"AllTypes",
+     {With(With(Usbc({}), Thunderbolt({})), With(LegacyThunderbolt({}), LegacyUsbc({}))), ""}},
+    {"OtherTypes",
+     {Dictionary{{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}},
+      "error: \"usbc\" is no type, so what it holds matches nothing; \"USBC\" may be meant "
+      "[misspelt-type]\n"
+      "error: \"Thunderbolts\" is no type, so what it holds matches nothing; \"Thunderbolt\" may "
+      "be "
+      "meant [misspelt-type]\n"
+      "error: \"Legacy Thunderbolt\" is no type, so what it holds matches nothing; "
+      "\"LegacyThunderbolt\" may be meant [misspelt-type]\n"
+      "warning: \"USB\" is no type, so what it holds matches nothing [unknown-type]\n"}},
+    {"WrongShapes",
+     {Dictionary{{"LegacyUSBC", Array{}}, {"USBC", Dictionary{}}, {"Thunderbolt", 7}},
+      "error: \"LegacyUSBC\" holds an array, not a single personality, so it matches nothing "
+      "[wrong-type-shape]\n"
+      "error: \"USBC\" holds a dictionary, not an array of personalities, so it matches nothing "
+      "[wrong-type-shape]\n"
+      "error: \"Thunderbolt\" holds 7, not an array of personalities, so it matches nothing "
+      "[wrong-type-shape]\n"}},
+    {"NoPersonalities",
+     {Dictionary{{"USBC", Array{testing::Bytes("x"), Array{}, "x"}}, {"Thunderbolt", Array{}}},
+      "error: data stands where a personality was expected [personality-not-a-dictionary]\n"
+      "error: an array stands where a personality was expected [personality-not-a-dictionary]\n"
+      "error: \"x\" stands where a personality was expected [personality-not-a-dictionary]\n"
+      "note: \"Thunderbolt\" holds no personality [empty-type]\n"}},
+    {"EmptyPersonality",
+     {Dictionary{{"LegacyUSBC", Dictionary{}}},
+      "error: without \"Version\" a personality of \"LegacyUSBC\" never matches unless the version "
+      "check is bypassed [missing-key]\n"
+      "error: a match of this personality, with no \"Firmware\", ends the run without a plan "
+      "[no-firmware]\n"
+      "warning: without \"Priority\" a match of this personality drives the plan's priority to 0 "
+      "[no-priority]\n"}},
+};
+
+const Named<Row> Keys[] = {
+    {"ThatNothingReads",
+     {Usbc({{"Author", 1}, {"Personality Type", "x"}, {"firmware_mode", 1}}),
+      "note: nothing reads \"Author\", so it has no effect [unread-key]\n"
+      "note: \"Personality Type\" is replaced by the type under which the personality stands "
+      "[reserved-key]\n"
+      "error: nothing reads \"firmware_mode\"; \"Firmware Mode\" may be meant [misspelt-key]\n"}},
+    {"ThatTheTypeDoesNotRead",
+     {LegacyUsbc({{"RID", "x"}}),
+      "warning: \"RID\" constrains nothing in a personality of \"LegacyUSBC\", whose check does "
+      "not read it [key-not-read-by-type]\n"}},
+    {"FirmwareModeOfALegacyControllerIsForThePlan",
+     {LegacyThunderbolt({{"Firmware Mode", 1}}), ""}},
+    {"MissingOfPortAndRidge",
+     {Dictionary{{"Thunderbolt", Array{Without(Without(With(Port, Ridge), "Port Silicon Revision"),
+                                               "Ridge Silicon Vendor ID")}}},
+      "error: without \"Port Silicon Revision\" a personality of \"Thunderbolt\" never matches "
+      "[missing-key]\n"
+      "error: without \"Ridge Silicon Vendor ID\" a personality of \"Thunderbolt\" never matches "
+      "[missing-key]\n"}},
+};
+
+const Named<Row> Values[] = {
+    {"OfEveryKindThatMatches",
+     {Thunderbolt({{"RID", true},
+                   {"Port Address", Array{0, 0.0}},
+                   {"Port UUID", Array{"a", "b"}},
+                   {"Ridge UID", 1e300},
+                   {"Device Model Name", Array{""}},
+                   {"Firmware Mode", Array{false, true}}}),
+      ""}},
+    {"OfAWrongKind",
+     {Thunderbolt({{"RID", "1"},
+                   {"MinBoardRevision", "1"},
+                   {"Device Model Name", 7},
+                   {"Port UUID", 7},
+                   {"Ridge UID", testing::Bytes("x")}}),
+      "error: \"RID\" is \"1\"; only a number or an array of numbers can match [wrong-kind]\n"
+      "error: \"MinBoardRevision\" is \"1\"; only a number can match [wrong-kind]\n"
+      "error: \"Device Model Name\" is 7; only a string or an array of strings can match "
+      "[wrong-kind]\n"
+      "error: \"Port UUID\" is 7; only an array of strings can match [wrong-kind]\n"
+      "error: \"Ridge UID\" is data; only a number or an array of numbers can match "
+      "[wrong-kind]\n"}},
+    {"ListsOfOneValue",
+     {Usbc({{"Existing Min Version", Array{}}, {"MaxBoardRevision", Array{3}}}),
+      "error: \"Existing Min Version\" is an array; only a number can match [list-not-allowed]\n"
+      "error: \"MaxBoardRevision\" is an array; only a number can match [list-not-allowed]\n"}},
+    {"SingleUuid",
+     {Usbc({{"Port UUID", "x"}}),
+      "error: \"Port UUID\" is \"x\"; only an array of strings can match [single-port-uuid]\n"}},
+    {"OutOfReach",
+     {Thunderbolt({{"RID", 16},
+                   {"Port Address", 56},
+                   {"Firmware Mode", 2},
+                   {"Device Model ID", 0.5},
+                   {"Ridge UID", NaN},
+                   {"Ridge Silicon Revision", -2147483649}}),
+      "error: \"Ridge Silicon Revision\" is -2147483649, which can never match: controllers have "
+      "whole numbers from -2147483648 to 2147483647 there [unreachable-number]\n"
+      "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
+      "error: \"Port Address\" is 56, which can never match: controllers have 0 alone there "
+      "[unreachable-number]\n"
+      "error: \"Firmware Mode\" is 2, which can never match: controllers have whole numbers from 0 "
+      "to 1 there [unreachable-number]\n"
+      "error: \"Device Model ID\" is 0.5, which can never match: controllers have whole numbers "
+      "from -2147483648 to 2147483647 there [unreachable-number]\n"
+      "error: \"Ridge UID\" is nan, which can never match: NaN equals nothing "
+      "[unreachable-number]\n"}},
+    {"RidOfALegacyController",
+     {LegacyThunderbolt({{"RID", -1}}),
+      "error: \"RID\" is -1, which can never match: controllers have whole numbers from 0 to 15 "
+      "there [rid-out-of-range]\n"}},
+    {"RidsOfPorts",
+     {Thunderbolt({{"RID", Array{0, -1, 15, 16, "1", 15.5, true}}}),
+      "warning: -1 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
+      "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
+      "controller is 0 to 15 [doubtful-rid]\n"
+      "warning: \"1\" in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "warning: 15.5 in \"RID\" can never match: controllers have whole numbers from -2147483648 "
+      "to 2147483647 there [dead-list-element]\n"}},
+    {"RidOfAPortOutOfTheQuestion", {Usbc({{"RID", 16}}), ""}},
+    {"Lists",
+     {LegacyThunderbolt({{"RID", Array{0, 16, "1", Array{2}}},
+                         {"Ridge UID", Array{}},
+                         {"Ridge Silicon Revision", Array{"x", 1.5}}}),
+      "error: no element of \"Ridge Silicon Revision\" can match; of the first, \"x\": it is no "
+      "number [dead-list]\n"
+      "warning: 16 in \"RID\" can never match: controllers have whole numbers from 0 to 15 there "
+      "[dead-list-element]\n"
+      "warning: \"1\" in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "warning: an array in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "error: \"Ridge UID\" is an empty array, which matches nothing [empty-list]\n"}},
+    {"TextLists",
+     {Usbc({{"Port UUID", Array{"a", 1}}}),
+      "warning: 1 in \"Port UUID\" can never match: it is no string [dead-list-element]\n"}},
+    {"NotANumber",
+     {Usbc({{"Existing Min Version", NaN}, {"MinBoardRevision", NaN}}),
+      "warning: \"Existing Min Version\" is NaN, which holds nothing back [nan-bound]\n"
+      "warning: \"MinBoardRevision\" is NaN, which holds nothing back [nan-bound]\n"}},
+};
+
+const std::string NoVersion =
+    "error: no version that can be installed lies in the window of this personality "
+    "[empty-version-window]\n";
+
+std::string JustMissed(const std::string& maximum, const std::string& held) {
+  return "warning: \"Existing Max Version\" " + maximum +
+         " leaves out the version that it names, which a Thunderbolt controller holds as " + held +
+         " [maximum-just-missed]\n";
+}
+
+const Named<Row> Versions[] = {
+    {"BoundsCrossed",
+     {Usbc({{"Existing Min Version", 7}, {"Existing Max Version", 6.5}}),
+      "error: \"Existing Max Version\" 6.5 is below \"Existing Min Version\" 7 "
+      "[version-bounds-crossed]\n"}},
+    {"NotAboveMinimum",
+     {LegacyThunderbolt({{"Existing Min Version", 42.0}}),
+      "error: \"Version\" 42 is not above \"Existing Min Version\" 42 "
+      "[version-not-above-minimum]\n"}},
+    // 42.00 is held as 42.000000001, which is above 42.
+    {"BelowTheFirstHundredth", {LegacyThunderbolt({{"Existing Min Version", 41.635}}), NoVersion}},
+    {"AtTheLastHundredth", {LegacyThunderbolt({{"Existing Min Version", 41.63}}), ""}},
+    {"Zero", {LegacyThunderbolt({{"Version", 0}}), NoVersion}},
+    {"ZeroForPorts", {Usbc({{"Version", 0}}), NoVersion}},
+    {"OneForPorts", {Usbc({{"Version", 1}}), ""}},
+    {"NotANumber", {Usbc({{"Version", NaN}}), NoVersion}},
+    {"BetweenWholeNumbersOfPorts",
+     {Usbc({{"Existing Min Version", 5.7}, {"Existing Max Version", 5.9}}), NoVersion}},
+    {"AWholeNumberOfPorts", {Usbc({{"Existing Min Version", 5}, {"Existing Max Version", 5}}), ""}},
+    {"NegativeMaximum", {Usbc({{"Existing Max Version", -1}}), NoVersion}},
+    {"BeyondEveryVersion",
+     {Usbc({{"Version", 1e9}, {"Existing Min Version", 166666666}}), NoVersion}},
+    {"BoundsWithoutAVersion",
+     {Dictionary{
+          {"LegacyUSBC",
+           Dictionary{{"Existing Max Version", -1}, {"Firmware", "a.bin"}, {"Priority", 1}}}},
+      "error: without \"Version\" a personality of \"LegacyUSBC\" never matches unless the version "
+      "check is bypassed [missing-key]\n" +
+          NoVersion}},
+    {"MaximumJustMissed",
+     {LegacyThunderbolt({{"Existing Max Version", 41.05}}),
+      JustMissed("41.05", "41.050000000999994")}},
+    {"WholeMaximumJustMissed",
+     {Thunderbolt({{"Existing Max Version", 41}}), JustMissed("41", "41.000000001")}},
+    {"FractionOfAPort",
+     {Usbc({{"Existing Max Version", 41.05}}), JustMissed("41.05", "41.050000000999994")}},
+    {"WholeMaximumOfAPort", {Usbc({{"Existing Max Version", 41}}), ""}},
+    {"MaximumBetweenHundredths", {LegacyThunderbolt({{"Existing Max Version", 41.055}}), ""}},
+    {"MaximumThatNamesNoVersion", {LegacyThunderbolt({{"Existing Max Version", 41.64}}), ""}},
+    {"MaximumOfTheImageItself", {LegacyThunderbolt({{"Existing Max Version", 42}}), ""}},
+    {"MaximumThatTheMinimumLeavesEmpty",
+     {LegacyThunderbolt({{"Existing Min Version", 41.05}, {"Existing Max Version", 41.05}}),
+      NoVersion}},
+};
+
+const Named<Row> BoardRevisions[] = {
+    {"All", {Usbc({{"MinBoardRevision", 0}, {"MaxBoardRevision", 255}}), ""}},
+    {"One", {Usbc({{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}}), ""}},
+    {"NoneBetween",
+     {Usbc({{"MinBoardRevision", 3.2}, {"MaxBoardRevision", 3.8}}),
+      "error: no board revision, 0 to 255, lies within the bounds of this personality "
+      "[empty-board-revision-range]\n"}},
+    {"NoneAbove",
+     {Usbc({{"MinBoardRevision", 256}}),
+      "error: no board revision, 0 to 255, lies within the bounds of this personality "
+      "[empty-board-revision-range]\n"}},
+    {"HoldingNothingBack",
+     {Usbc({{"MinBoardRevision", -1}, {"MaxBoardRevision", 1000}}),
+      "warning: \"MinBoardRevision\" is -1, but board revisions are 0 to 255, so it holds nothing "
+      "back [board-revision-out-of-range]\n"
+      "warning: \"MaxBoardRevision\" is 1000, but board revisions are 0 to 255, so it holds "
+      "nothing back [board-revision-out-of-range]\n"}},
+};
+
+std::string NoFirmware(const std::string& what) {
+  return "error: a match of this personality, with " + what +
+         ", ends the run without a plan [no-firmware]\n";
+}
+
+const Named<Row> Images[] = {
+    {"EmptyName", {Usbc({{"Firmware", ""}}), NoFirmware("an empty \"Firmware\"")}},
+    {"NotText", {Usbc({{"Firmware", 7}}), NoFirmware("7 for a \"Firmware\"")}},
+    {"Missing",
+     {Usbc({{"Firmware", "A.bin"}}),
+      "error: \"A.bin\" is not in the board directory [missing-image]\n"}},
+    {"BelowAFile",
+     {Usbc({{"Firmware", "a.bin/x"}}),
+      "warning: \"a.bin/x\" is a path, not the name of a file in the board directory "
+      "[image-not-a-plain-name]\n"
+      "error: \"a.bin/x\" is not in the board directory [missing-image]\n"}},
+    {"Directory",
+     {Usbc({{"Firmware", "images"}}), "error: \"images\" is not a file [image-not-a-file]\n"}},
+    {"TheBoardDirectory",
+     {Usbc({{"Firmware", "."}}), "error: \".\" is not a file [image-not-a-file]\n"}},
+    {"Path",
+     {Usbc({{"Firmware", "images/b.bin"}}),
+      "warning: \"images/b.bin\" is a path, not the name of a file in the board directory "
+      "[image-not-a-plain-name]\n"}},
+    {"AbsolutePath",
+     {Usbc({{"Firmware", "//a.bin"}}),
+      "warning: \"//a.bin\" is a path, not the name of a file in the board directory "
+      "[image-not-a-plain-name]\n"}},
+    {"OutAndBackIn",
+     {Usbc({{"Firmware", "../Zed-42/a.bin"}}),
+      "error: \"../Zed-42/a.bin\" lies outside the board directory "
+      "[image-outside-board-directory]\n"}},
+    {"InAndOut",
+     {Usbc({{"Firmware", "images/../../PortFlash.efi"}}),
+      "error: \"images/../../PortFlash.efi\" lies outside the board directory "
+      "[image-outside-board-directory]\n"}},
+    {"InAndBack",
+     {Usbc({{"Firmware", "images/../a.bin"}}),
+      "warning: \"images/../a.bin\" is a path, not the name of a file in the board directory "
+      "[image-not-a-plain-name]\n"}},
+};
+
+std::string Altered(const std::string& said, const std::string& taken) {
+  return "warning: \"Priority\" is " + said + ", which counts as " + taken +
+         " [altered-priority]\n";
+}
+
+const Named<Row> Priorities[] = {
+    {"Zero", {Usbc({{"Priority", 0}}), ""}},
+    {"WholeReal", {Usbc({{"Priority", 20.0}}), ""}},
+    {"Boolean", {Usbc({{"Priority", true}}), ""}},
+    {"Fraction", {Usbc({{"Priority", 20.5}}), Altered("20.5", "20")}},
+    {"Negative", {Usbc({{"Priority", -1}}), Altered("-1", "4294967295")}},
+    {"Beyond32Bits", {Usbc({{"Priority", 0x100000005}}), Altered("4294967301", "5")}},
+    {"Text", {Usbc({{"Priority", " 30"}}), Altered("\" 30\"", "30")}},
+    {"Word", {Usbc({{"Priority", "high"}}), Altered("\"high\"", "0")}},
+    {"List", {Usbc({{"Priority", Array{1}}}), Altered("an array", "0")}},
+    {"GreatestUnsigned",
+     {Usbc({{"Priority", 0xFFFFFFFFu}}),
+      "warning: \"Priority\" 4294967295 never lowers the plan's, which begins at 2147483647 "
+      "[priority-without-effect]\n"}},
+};
+
+std::string AlteredMode(const std::string& said, const std::string& taken) {
+  return "warning: \"Firmware Mode\" is " + said + ", which the plan takes as " + taken +
+         " [altered-firmware-mode]\n";
+}
+
+const Named<Row> FirmwareModes[] = {
+    {"Zero", {LegacyThunderbolt({{"Firmware Mode", 0}}), ""}},
+    {"True", {LegacyThunderbolt({{"Firmware Mode", true}}), ""}},
+    {"Another", {LegacyThunderbolt({{"Firmware Mode", 2.0}}), ""}},
+    {"Fraction", {LegacyThunderbolt({{"Firmware Mode", 0.5}}), AlteredMode("0.5", "0")}},
+    {"Text", {LegacyThunderbolt({{"Firmware Mode", "1"}}), AlteredMode("\"1\"", "1")}},
+    {"List", {LegacyThunderbolt({{"Firmware Mode", Array{1}}}), AlteredMode("an array", "0")}},
+    {"ListThatTheCheckReads", {Thunderbolt({{"Firmware Mode", Array{1}}}), ""}},
+};
+
+// Two personalities of "USBC" for different RIDs.
+Dictionary Pair(const Dictionary& first, const Dictionary& second) {
+  return {{"USBC",
+           Array{With(With(Port, {{"RID", 1}}), first), With(With(Port, {{"RID", 2}}), second)}}};
+}
+
+Dictionary Setting(const PropertyValue& value) {
+  return {{"SetNVRAM", Dictionary{{"staged", value}}}};
+}
+
+const Dictionary Clearing = {{"ClearNVRAM", Array{"staged"}}};
+
+const std::string Conflict =
+    "warning: \"staged\" is set to another value at 23:5, by a personality that can match on the "
+    "same computer [nvram-conflict]\n";
+
+const std::string SetAt23 =
+    "warning: \"staged\" is cleared here and set at 23:5 [nvram-set-and-cleared]\n";
+
+const Named<Row> NvramSettings[] = {
+    {"WrongShapes",
+     {Usbc({{"SetNVRAM", "x"}, {"ClearNVRAM", Dictionary{}}}),
+      "error: \"SetNVRAM\" is \"x\", not a dictionary, so the plan leaves it out "
+      "[nvram-wrong-shape]\n"
+      "error: \"ClearNVRAM\" is a dictionary, not an array, so the plan leaves it out "
+      "[nvram-wrong-shape]\n"}},
+    {"NoNames",
+     {Usbc({{"ClearNVRAM", Array{"a", 1, Array{}}}}),
+      "warning: 1 in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"
+      "warning: an array in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"}},
+    {"SameValue", {Pair(Setting("1"), Setting("1")), ""}},
+    {"DifferentValues", {Pair(Setting("1"), Setting("2")), Conflict}},
+    {"DifferentKinds", {Pair(Setting(1), Setting(1.0)), Conflict}},
+    {"OtherBoardRevisions",
+     {Pair(With(Setting("1"), {{"MaxBoardRevision", 2}}),
+           With(Setting("2"), {{"MinBoardRevision", 3}})),
+      ""}},
+    {"OverlappingBoardRevisions",
+     {Pair(With(Setting("1"), {{"MaxBoardRevision", 3}}),
+           With(Setting("2"), {{"MinBoardRevision", 3}})),
+      Conflict}},
+    {"OfOneThatNeverMatches",
+     {Pair(With(Setting("1"), {{"Port OTP Revision", Array{}}}), Setting("2")),
+      "error: \"Port OTP Revision\" is an empty array, which matches nothing [empty-list]\n"}},
+    {"ClearedByAnother", {Pair(Setting("1"), Clearing), SetAt23}},
+    {"ClearedByAnotherBefore",
+     {Pair(Clearing, Setting("1")),
+      "warning: \"staged\" is cleared here and set at 43:5 [nvram-set-and-cleared]\n"}},
+    {"ClearedByItself", {Pair(With(Setting("1"), Clearing), {}), SetAt23}},
+    {"ClearedOnOtherBoardRevisions",
+     {Pair(With(Setting("1"), {{"MaxBoardRevision", 2}}),
+           With(Clearing, {{"MinBoardRevision", 3}})),
+      ""}},
+    {"ClearedTwice", {Pair(Clearing, Clearing), ""}},
+};
+
+// Two personalities of "USBC", the first at 6:3.
+Dictionary Two(const Dictionary& first, const Dictionary& second) {
+  return {{"USBC", Array{With(Port, first), With(Port, second)}}};
+}
+
+const std::string Shadowed =
+    "warning: the personality at 6:3 accepts everything that this one accepts, which is never "
+    "reached [shadowed-personality]\n";
+
+const Named<Row> Shadows[] = {
+    {"Same", {Two({}, {}), Shadowed}},
+    {"NarrowerSet", {Two({{"RID", Array{1, 2}}}, {{"RID", 2.0}}), Shadowed}},
+    {"WiderSet", {Two({{"RID", 2}}, {{"RID", Array{1, 2}}}), ""}},
+    {"NoSet", {Two({{"RID", 2}}, {}), ""}},
+    {"OlderImage", {Two({}, {{"Version", 199}}), Shadowed}},
+    {"NewerImage", {Two({}, {{"Version", 201}}), ""}},
+    {"NarrowerWindow",
+     {Two({{"Existing Min Version", 5}, {"Existing Max Version", 9}},
+          {{"Existing Min Version", 5}, {"Existing Max Version", 8}}),
+      Shadowed}},
+    {"LowerMinimum", {Two({{"Existing Min Version", 5}}, {{"Existing Min Version", 4}}), ""}},
+    {"HigherMaximum", {Two({{"Existing Max Version", 8}}, {{"Existing Max Version", 9}}), ""}},
+    {"LowerFirstBoardRevision", {Two({{"MinBoardRevision", 4}}, {{"MinBoardRevision", 3}}), ""}},
+    {"NoMaximum", {Two({{"Existing Max Version", 300}}, {}), ""}},
+    {"BoundThatIsNotANumber",
+     {Two({{"Existing Min Version", 0}}, {{"Existing Min Version", NaN}}),
+      "warning: \"Existing Min Version\" is NaN, which holds nothing back [nan-bound]\n"}},
+    {"FewerBoardRevisions",
+     {Two({{"MinBoardRevision", 2}}, {{"MinBoardRevision", 3}, {"MaxBoardRevision", 4}}),
+      Shadowed}},
+    {"MoreBoardRevisions", {Two({{"MaxBoardRevision", 4}}, {{"MaxBoardRevision", 5}}), ""}},
+    {"ByOneThatNeverMatches",
+     {Two({{"RID", Array{}}}, {}),
+      "error: \"RID\" is an empty array, which matches nothing [empty-list]\n"}},
+};
+
+constexpr auto Name = testing::RowName;
+INSTANTIATE_TEST_SUITE_P(Shape, SaidOfConfiguration, ::testing::ValuesIn(Shapes), Name);
+INSTANTIATE_TEST_SUITE_P(Key, SaidOfConfiguration, ::testing::ValuesIn(Keys), Name);
+INSTANTIATE_TEST_SUITE_P(Value, SaidOfConfiguration, ::testing::ValuesIn(Values), Name);
+INSTANTIATE_TEST_SUITE_P(Version, SaidOfConfiguration, ::testing::ValuesIn(Versions), Name);
+INSTANTIATE_TEST_SUITE_P(Revision, SaidOfConfiguration, ::testing::ValuesIn(BoardRevisions), Name);
+INSTANTIATE_TEST_SUITE_P(Image, SaidOfConfiguration, ::testing::ValuesIn(Images), Name);
+INSTANTIATE_TEST_SUITE_P(Priority, SaidOfConfiguration, ::testing::ValuesIn(Priorities), Name);
+INSTANTIATE_TEST_SUITE_P(Mode, SaidOfConfiguration, ::testing::ValuesIn(FirmwareModes), Name);
+INSTANTIATE_TEST_SUITE_P(Nvram, SaidOfConfiguration, ::testing::ValuesIn(NvramSettings), Name);
+INSTANTIATE_TEST_SUITE_P(Shadow, SaidOfConfiguration, ::testing::ValuesIn(Shadows), Name);
+
+}  // namespace
+}  // namespace fernwick::lab

@@ -1,0 +1,122 @@
+#include "lab/lint/controller_values.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+#include "personality/requirement_rules.h"
+#include "registry/thunderbolt_inventory.h"
+#include "registry/typed_readers.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr WholeRange Signed32Bits = {std::numeric_limits<std::int32_t>::min(),
+                                     std::numeric_limits<std::int32_t>::max()};
+
+struct KeyRange {
+  std::string_view key;
+  TypeSet types;
+  std::optional<WholeRange> range;
+};
+
+// Every other number is read as 32 bits and held with a sign.
+constexpr KeyRange KeyRanges[] = {
+    {"Ridge UID", Types::All, std::nullopt},               // held as the registry has it
+    {"RID", Types::LegacyThunderbolt, WholeRange{0, 15}},  // the low four bits of the unique id
+    {"Firmware Mode", Types::All, WholeRange{0, 1}},       // held as a boolean
+    // Below a Thunderbolt controller, where alone a port has what such a personality requires, only
+    // ports of the address 0 are listed.
+    {"Port Address", Types::Thunderbolt, WholeRange{0, 0}},
+};
+
+constexpr std::uint32_t AllDigits = 0xFFFFFFFF;
+
+// The packed form of a number up to DecodeBcd(AllDigits); the highest digit is as great as may be.
+std::uint32_t EncodeBcd(std::uint32_t number) {
+  std::uint32_t packed = 0;
+  std::uint32_t weight = 10'000'000;
+  for (int digit = 0; digit < 8; ++digit, weight /= 10) {
+    const std::uint32_t value = std::min<std::uint32_t>(number / weight, 15);
+    packed = packed << 4 | value;
+    number -= value * weight;
+  }
+  return packed;
+}
+
+// All versions of one way in which they are held, in rising order.
+struct VersionScale {
+  std::uint64_t count;
+  PropertyValue (*at)(std::uint64_t index);
+};
+
+const VersionScale ThunderboltVersions = {
+    (std::uint64_t{DecodeBcd(AllDigits)} + 1) * 64, [](std::uint64_t index) {
+      return PropertyValue(
+          ThunderboltFirmwareVersion(EncodeBcd(static_cast<std::uint32_t>(index / 64)),
+                                     static_cast<std::uint32_t>(index % 64)));
+    }};
+
+const VersionScale PortVersions = {std::uint64_t{DecodeBcd(AllDigits)} + 1,
+                                   [](std::uint64_t index) { return PropertyValue(index); }};
+
+// The first that `isBelow` does not hold of, which holds of a beginning of the scale.
+template <typename Predicate>
+std::optional<PropertyValue> FirstNot(const VersionScale& scale, Predicate isBelow) {
+  std::uint64_t first = 0;
+  for (std::uint64_t count = scale.count; count > 0;) {
+    const std::uint64_t half = count / 2;
+    if (isBelow(scale.at(first + half))) {
+      first += half + 1;
+      count -= half + 1;
+    } else {
+      count = half;
+    }
+  }
+  if (first == scale.count) return std::nullopt;
+  return scale.at(first);
+}
+
+}  // namespace
+
+std::optional<WholeRange> NumbersOfControllers(TypeSet type, std::string_view key) {
+  for (const auto& row : KeyRanges) {
+    if (row.key == key && (row.types & type) != 0) return row.range;
+  }
+  return Signed32Bits;
+}
+
+RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum) {
+  const bool areNumbers =
+      (minimum == nullptr || minimum->IsNumber()) && (maximum == nullptr || maximum->IsNumber());
+  RevisionRange range;
+  if (!areNumbers) return {1, 0};
+  if (minimum != nullptr) {
+    while (!range.IsEmpty() && NumberGreater(*minimum, range.lowest)) ++range.lowest;
+  }
+  if (maximum != nullptr) {
+    while (!range.IsEmpty() && NumberLess(*maximum, range.highest)) --range.highest;
+  }
+  return range;
+}
+
+std::vector<PropertyValue> LowestInstalledVersions(TypeSet type, const PropertyValue* minimum) {
+  const auto excluded = [&](const PropertyValue& version) {
+    return minimum != nullptr && NumberGreater(*minimum, version);
+  };
+  std::vector<PropertyValue> versions;
+  if (auto lowest = FirstNot(ThunderboltVersions, excluded)) versions.push_back(*lowest);
+  // A port without a Thunderbolt controller above it, or below one whose version does not read, has
+  // a version of its own.
+  if (type == Types::LegacyThunderbolt) return versions;
+  if (auto lowest = FirstNot(PortVersions, excluded)) versions.push_back(*lowest);
+  return versions;
+}
+
+std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number) {
+  if (!NumbersEqual(number, number)) return std::nullopt;
+  return FirstNot(ThunderboltVersions,
+                  [&](const PropertyValue& version) { return !NumberGreater(version, number); });
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,157 @@
+#include "lab/lint/controller_values.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "personality/requirement_rules.h"
+#include "registry/port_inventory.h"
+#include "registry/recorded_registry.h"
+#include "registry/thunderbolt_inventory.h"
+#include "testing/computer.h"
+#include "testing/property_values.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Numbers at every edge of what a property can be.
+const std::vector<PropertyValue> Extremes = {0,
+                                             1,
+                                             15,
+                                             16,
+                                             -1,
+                                             0x7FFFFFFF,
+                                             0x80000000u,
+                                             0xFFFFFFFFu,
+                                             0x100000000,
+                                             0.5,
+                                             -0.5,
+                                             1e300,
+                                             -1e300,
+                                             true,
+                                             false,
+                                             std::numeric_limits<std::uint64_t>::max(),
+                                             std::numeric_limits<std::int64_t>::min(),
+                                             std::nan("")};
+
+void ExpectWithin(const HardwareRecord& record, TypeSet type) {
+  for (const auto& [key, value] : record.Entries()) {
+    if (!value.IsNumber() || key.View() == "Version" || key.View() == "Engineering Version") {
+      continue;
+    }
+    const auto range = NumbersOfControllers(type, key.View());
+    if (!range) continue;
+    EXPECT_FALSE(NumberLess(value, range->lowest)) << key.View();
+    EXPECT_FALSE(NumberGreater(value, range->highest)) << key.View();
+    EXPECT_EQ(value.AsReal(), nullptr) << key.View();
+  }
+}
+
+Dictionary Everything(const PropertyValue& value, bool withAddress) {
+  Dictionary properties = {{"Depth", 0}, {"Route String", 0}, {"UID", value}};
+  for (const char* key : {"RID", "Vendor ID", "Device ID", "Revision ID", "Revision",
+                          "Device Model ID", "Device Model Revision", "Firmware Mode"}) {
+    properties.Set(key, value);
+  }
+  if (withAddress) properties.Set("Address", value);
+  return properties;
+}
+
+TEST(NumbersOfControllers, HoldWhateverTheRegistryHolds) {
+  for (const auto& value : Extremes) {
+    testing::Computer computer;
+    const auto ridge = computer.AddThunderbolt("Ridge", Everything(value, false));
+    computer.AddService(ridge, "Below", PortControllerClass, Everything(value, true));
+    computer.AddPort("Lone", Everything(value, true));
+    RecordedRegistry registry(computer.Recorded());
+    const auto controllers = CollectThunderboltControllers(registry);
+    const auto ports = CollectPortControllers(registry);
+    ASSERT_TRUE(controllers && ports);
+    for (const auto& record : *controllers) {
+      ExpectWithin(record, Types::LegacyThunderbolt);
+    }
+    for (const auto& record : *ports) {
+      ExpectWithin(record, Types::Usbc);
+      if (record.Find("Ridge UID") != nullptr) ExpectWithin(record, Types::Thunderbolt);
+    }
+  }
+}
+
+struct RangeRow {
+  TypeSet type;
+  const char* key;
+  Integer lowest;
+  Integer highest;
+};
+
+TEST(NumbersOfControllers, AreNarrowWhereTheInventoryMakesThemSo) {
+  constexpr Integer Least = std::numeric_limits<std::int32_t>::min();
+  constexpr Integer Greatest = std::numeric_limits<std::int32_t>::max();
+  const RangeRow rows[] = {
+      {Types::LegacyThunderbolt, "RID", 0, 15},
+      {Types::Thunderbolt, "RID", Least, Greatest},
+      {Types::Usbc, "RID", Least, Greatest},
+      {Types::Thunderbolt, "Port Address", 0, 0},
+      {Types::Usbc, "Port Address", Least, Greatest},
+      {Types::LegacyUsbc, "Port Address", Least, Greatest},
+      {Types::Thunderbolt, "Firmware Mode", 0, 1},
+      {Types::Thunderbolt, "Device Model ID", Least, Greatest},
+  };
+  for (const auto& [type, key, lowest, highest] : rows) {
+    const auto range = NumbersOfControllers(type, key);
+    ASSERT_TRUE(range.has_value()) << key;
+    EXPECT_EQ(range->lowest, lowest) << key << " under " << type;
+    EXPECT_EQ(range->highest, highest) << key << " under " << type;
+  }
+  EXPECT_FALSE(NumbersOfControllers(Types::LegacyThunderbolt, "Ridge UID").has_value());
+}
+
+RevisionRange Revisions(const PropertyValue& minimum, const PropertyValue& maximum) {
+  return RevisionsWithin(&minimum, &maximum);
+}
+
+TEST(RevisionsWithin, AreThoseThatTheCheckLetsThrough) {
+  EXPECT_EQ(RevisionsWithin(nullptr, nullptr), (RevisionRange{0, 255}));
+  EXPECT_EQ(Revisions(3, 3), (RevisionRange{3, 3}));
+  EXPECT_EQ(Revisions(2.5, 4.5), (RevisionRange{3, 4}));
+  EXPECT_EQ(Revisions(-7, 1000), (RevisionRange{0, 255}));
+  EXPECT_EQ(Revisions(std::nan(""), std::nan("")), (RevisionRange{0, 255}));
+  EXPECT_TRUE(Revisions(4, 3).IsEmpty());
+  EXPECT_TRUE(Revisions(3.2, 3.8).IsEmpty());
+  EXPECT_TRUE(Revisions(256, 300).IsEmpty());
+  EXPECT_TRUE(Revisions(-2, -1).IsEmpty());
+  EXPECT_TRUE(Revisions("3", 4).IsEmpty());
+  EXPECT_TRUE(Revisions(3, "4").IsEmpty());
+}
+
+std::vector<PropertyValue> LowestFrom(TypeSet type, const PropertyValue& minimum) {
+  return LowestInstalledVersions(type, &minimum);
+}
+
+using Versions = std::vector<PropertyValue>;
+
+TEST(LowestInstalledVersions, AreOfThunderboltControllersAndOfPorts) {
+  EXPECT_EQ(LowestInstalledVersions(Types::LegacyThunderbolt, nullptr), (Versions{1e-9}));
+  EXPECT_EQ(LowestInstalledVersions(Types::Usbc, nullptr), (Versions{1e-9, std::uint64_t{0}}));
+  EXPECT_EQ(LowestFrom(Types::Usbc, 41.05), (Versions{41.050000000999994, std::uint64_t{42}}));
+  EXPECT_EQ(LowestFrom(Types::LegacyThunderbolt, 41.64), (Versions{42.000000001}));
+  EXPECT_EQ(LowestFrom(Types::Usbc, 166666666), (Versions{}));
+  EXPECT_EQ(LowestFrom(Types::Usbc, 166666665), (Versions{166666665.0, std::uint64_t{166666665}}));
+  EXPECT_EQ(LowestFrom(Types::LegacyUsbc, std::nan("")), (Versions{1e-9, std::uint64_t{0}}));
+}
+
+TEST(NextThunderboltVersion, IsTheFirstAbove) {
+  EXPECT_EQ(NextThunderboltVersion(41.05), PropertyValue(41.050000000999994));
+  EXPECT_EQ(NextThunderboltVersion(41.050000000999994), PropertyValue(41.060000001));
+  EXPECT_EQ(NextThunderboltVersion(123456789), PropertyValue(123456789.01));
+  EXPECT_EQ(NextThunderboltVersion(-5), PropertyValue(1e-9));
+  EXPECT_EQ(NextThunderboltVersion(1e9), std::nullopt);
+  EXPECT_EQ(NextThunderboltVersion(std::nan("")), std::nullopt);
+  EXPECT_EQ(NextThunderboltVersion("41.05"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace fernwick::lab

@@ -1,0 +1,138 @@
+#include "lab/lint/images.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <string_view>
+
+#include "lab/lint/plan_rules.h"
+#include "plan/invocation_builder.h"
+#include "plan/value_conversions.h"
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The path without empty and "." components and with ".." undone, relative to the board directory.
+// None when it leaves that, be it only on the way.
+std::optional<std::string> Normalised(std::string_view image) {
+  std::vector<std::string_view> components;
+  while (!image.empty()) {
+    const auto component = image.substr(0, image.find('/'));
+    image.remove_prefix(std::min(image.size(), component.size() + 1));
+    if (component.empty() || component == ".") continue;
+    if (component != "..") {
+      components.push_back(component);
+    } else if (components.empty()) {
+      return std::nullopt;
+    } else {
+      components.pop_back();
+    }
+  }
+  std::string path;
+  for (const auto component : components) path.append(path.empty() ? "" : "/").append(component);
+  return path;
+}
+
+class ImageLinter {
+ public:
+  ImageLinter(const BoardFiles& files, ConfigurationFindings& findings)
+      : files_(files), findings_(findings) {}
+
+  void Lint(const PlacedPersonality& personality) {
+    const auto* firmware = personality.Find("Firmware");
+    const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value).value_or("");
+    if (!image.empty()) return LintImage(image, firmware->valueOffset);
+    std::string what = "an empty \"Firmware\"";
+    if (firmware == nullptr) what = "no \"Firmware\"";
+    if (firmware != nullptr && !firmware->value->AsString()) {
+      what = Shown(*firmware->value) + " for a \"Firmware\"";
+    }
+    findings_.Add(LintRuleOf::NoFirmware,
+                  firmware == nullptr ? personality.offset : firmware->valueOffset,
+                  "a match of this personality, with " + what + ", ends the run without a plan");
+  }
+
+  void LintUtility(const PlacedType& type) {
+    const std::string utility(FlashingUtility(type.entry.key));
+    const auto path = AppendPathComponent(files_.personalitiesDirectory, utility);
+    if (type.personalities.empty() || TypeOf(path) == fs::file_type::regular) return;
+    findings_.Add(LintRuleOf::MissingUtility, type.entry.keyOffset,
+                  utility + ", which flashes the images of \"" + std::string(type.entry.key) +
+                      "\", is no file in Fernwick/");
+  }
+
+ private:
+  void LintImage(std::string_view image, std::size_t offset) {
+    if (!Normalised(image)) {
+      findings_.Add(LintRuleOf::ImageOutsideBoardDirectory, offset,
+                    Quoted(image) + " lies outside the board directory");
+      return;
+    }
+    if (image.find('/') != std::string_view::npos) {
+      findings_.Add(LintRuleOf::ImageNotAPlainName, offset,
+                    Quoted(image) + " is a path, not the name of a file in the board directory");
+    }
+    const auto type = TypeOfImage(image);
+    if (type == fs::file_type::not_found) {
+      findings_.Add(LintRuleOf::MissingImage, offset,
+                    Quoted(image) + " is not in the board directory");
+    } else if (type != fs::file_type::regular) {
+      findings_.Add(LintRuleOf::ImageNotAFile, offset, Quoted(image) + " is not a file");
+    }
+  }
+
+  // Personalities often share an image.
+  fs::file_type TypeOfImage(std::string_view image) {
+    const auto known = imageTypes_.find(image);
+    if (known != imageTypes_.end()) return known->second;
+    const auto type = TypeOf(AppendPathComponent(files_.boardDirectory, image));
+    imageTypes_.emplace(image, type);
+    return type;
+  }
+
+  // What cannot be reached does not exist.
+  static fs::file_type TypeOf(const std::string& path) {
+    if (!PathExists(path)) return fs::file_type::not_found;
+    std::error_code error;
+    return fs::status(path, error).type();
+  }
+
+  const BoardFiles& files_;
+  ConfigurationFindings& findings_;
+  std::map<std::string, fs::file_type, std::less<>> imageTypes_;
+};
+
+}  // namespace
+
+void LintImages(const LintSubject& subject, const BoardFiles& files,
+                ConfigurationFindings& findings) {
+  ImageLinter linter(files, findings);
+  for (const auto& type : subject.types) {
+    linter.LintUtility(type);
+    for (const auto& personality : type.personalities) linter.Lint(personality);
+  }
+}
+
+std::vector<std::string> UnusedFiles(const LintSubject& subject,
+                                     const std::vector<std::string>& names) {
+  std::set<std::string> used = {"Config.plist"};
+  for (const auto& type : subject.types) {
+    for (const auto& personality : type.personalities) {
+      const auto* firmware = personality.Find("Firmware");
+      const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value);
+      if (auto path = image ? Normalised(*image) : std::nullopt) used.insert(*std::move(path));
+    }
+  }
+  std::vector<std::string> unused;
+  std::ranges::copy_if(names, std::back_inserter(unused), [&](const std::string& name) {
+    return !name.starts_with('.') && !used.contains(name);
+  });
+  return unused;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,188 @@
+#include "lab/lint/payload.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "lab/lint/configuration.h"
+#include "lab/lint/payload_rules.h"
+#include "lab/lint/plan_rules.h"
+#include "lab/support/configuration_file.h"
+#include "lab/support/messages.h"
+#include "platform/file_system.h"
+#include "value/unicode/utf8.h"
+
+namespace fernwick::lab {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The entries of a directory of one kind, links followed, sorted by their bytes.
+struct Listing {
+  std::vector<std::string> names;
+  std::error_code error;
+};
+
+Listing List(const std::string& directory, fs::file_type type) {
+  Listing listing;
+  auto entry = fs::directory_iterator(directory, listing.error);
+  for (; !listing.error && entry != fs::directory_iterator(); entry.increment(listing.error)) {
+    std::error_code unknown;  // of a dangling link, which is of no kind
+    if (entry->status(unknown).type() == type) listing.names.push_back(entry->path().filename());
+  }
+  std::ranges::sort(listing.names);
+  return listing;
+}
+
+// Takes the digits at the start of the text.
+std::size_t TakeNumber(std::string_view& text) {
+  std::size_t number = 0;
+  const auto* end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  return number;
+}
+
+bool Take(std::string_view& text, std::string_view beginning) {
+  if (!text.starts_with(beginning)) return false;
+  text.remove_prefix(beginning.size());
+  return true;
+}
+
+// The place with which a reader begins its error is taken off. None for the file as a whole.
+std::optional<FilePlace> TakePlace(std::string_view& error) {
+  FilePlace place{};
+  if (Take(error, "byte ")) {
+    place.byte = TakeNumber(error);
+  } else if (Take(error, "line ")) {
+    place.line = TakeNumber(error);
+    Take(error, ", column ");
+    place.column = TakeNumber(error);
+  } else {
+    return std::nullopt;
+  }
+  Take(error, ": ");
+  return place;
+}
+
+class PayloadLinter {
+ public:
+  explicit PayloadLinter(const std::string& payload)
+      : personalitiesDirectory_(AppendPathComponent(payload, "Fernwick")) {}
+
+  PayloadLinting Lint(const std::string& payload, std::vector<std::string> boards) {
+    std::error_code error;
+    if (!fs::is_directory(payload, error)) {
+      Refuse(payload, error ? error.message() : "Not a directory");
+    } else if (!fs::is_directory(personalitiesDirectory_, error)) {
+      Add(LintRuleOf::NoFernwickDirectory, payload, "there is no directory Fernwick/ in it");
+    } else if (SelectBoards(boards)) {
+      for (const auto& board : boards) LintBoard(board);
+    }
+    const auto place = [](const Finding& f) {
+      const auto at = f.place.value_or(FilePlace{});
+      return std::tuple(std::string_view(f.path), at.line, at.column, at.byte, f.rule->id,
+                        std::string_view(f.message));
+    };
+    std::ranges::sort(result_.findings, {}, place);
+    return std::move(result_);
+  }
+
+ private:
+  void Refuse(const std::string& path, const std::string& why) {
+    result_.error = path + ": " + why;
+    result_.status = LabStatus::UnreadableInput;
+  }
+
+  void Add(const LintRule& rule, const std::string& path, std::string message,
+           std::optional<FilePlace> place = {}) {
+    result_.findings.push_back({&rule, path, place, std::move(message)});
+  }
+
+  void AddUnreadable(const std::string& path, const std::string& why) {
+    Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
+    result_.status = LabStatus::UnreadableInput;
+  }
+
+  // Fills in all boards when none is named. False when one that is named is not there.
+  bool SelectBoards(std::vector<std::string>& boards) {
+    if (boards.empty()) {
+      auto [names, error] = List(personalitiesDirectory_, fs::file_type::directory);
+      if (error) {
+        AddUnreadable(personalitiesDirectory_, error.message());
+      } else if (names.empty()) {
+        Add(LintRuleOf::NoBoards, personalitiesDirectory_, "it holds no directory of a board");
+      }
+      boards = std::move(names);
+    }
+    std::ranges::sort(boards);
+    boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
+    for (const auto& board : boards) {
+      const auto path = AppendPathComponent(personalitiesDirectory_, board);
+      std::error_code error;
+      if (board.empty() || !fs::is_directory(path, error)) {
+        Refuse(path, error ? error.message() : "Not a directory");
+        return false;
+      }
+    }
+    return true;
+  }
+
+  void LintBoard(const std::string& board) {
+    ++result_.boards;
+    const auto directory = AppendPathComponent(personalitiesDirectory_, board);
+    if (FindInvalidUtf8(board) != NoPlace) {
+      Add(LintRuleOf::ImpossibleBoardId, directory,
+          "its name is not UTF-8, so no board has it for its identifier");
+    }
+    const auto path = AppendPathComponent(directory, "Config.plist");
+    std::error_code error;
+    const bool exists = fs::exists(path, error);
+    if (error) return AddUnreadable(path, error.message());
+    if (!exists) {
+      Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
+      return;
+    }
+    LintFile(path, {personalitiesDirectory_, directory});
+  }
+
+  void LintFile(const std::string& path, const BoardFiles& files) {
+    const auto loading = LoadConfiguration(path);
+    if (loading.status == LabStatus::UnreadableInput) return AddUnreadable(path, loading.error);
+    if (!loading.file) {
+      std::string_view error = loading.error;
+      const auto place = TakePlace(error);
+      Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error), place);
+      if (result_.status == LabStatus::Done) result_.status = LabStatus::MalformedInput;
+      return;
+    }
+    const LintSubject subject(*loading.file);
+    for (auto& row : LintConfiguration(subject, files)) {
+      Add(*row.rule, path, std::move(row.message), loading.file->PlaceOf(row.offset));
+    }
+    if (loading.file->Value().AsDictionary() != nullptr) LintUnusedFiles(subject, files);
+  }
+
+  void LintUnusedFiles(const LintSubject& subject, const BoardFiles& files) {
+    const auto [names, error] = List(files.boardDirectory, fs::file_type::regular);
+    if (error) return AddUnreadable(files.boardDirectory, error.message());
+    for (const auto& name : UnusedFiles(subject, names)) {
+      Add(LintRuleOf::UnusedFile, AppendPathComponent(files.boardDirectory, name),
+          "no personality of the board names it");
+    }
+  }
+
+  const std::string personalitiesDirectory_;
+  PayloadLinting result_;
+};
+
+}  // namespace
+
+PayloadLinting LintPayload(const std::string& payload, std::vector<std::string> boards) {
+  return PayloadLinter(payload).Lint(payload, std::move(boards));
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "lab/lint/rules.h"
+
+namespace fernwick::lab::LintRuleOf {
+
+/// The rules for a payload and its files.
+
+inline constexpr LintRule NoFernwickDirectory = {
+    "no-fernwick-directory",
+    Severity::Error,
+    "the payload holds no Fernwick/",
+    "The tool looks for everything in the directory Fernwick/ of the payload that it is given. "
+    "Without it no computer gets a plan.",
+    "Name the directory that holds Fernwick/, not Fernwick/ itself or a directory further out.",
+    "fernwick-lab lint payload/Fernwick",
+    "fernwick-lab lint payload",
+};
+
+inline constexpr LintRule NoBoards = {
+    "no-boards",
+    Severity::Warning,
+    "the payload holds no board directory",
+    "Each board has a directory of its own in Fernwick/. A payload without one updates nothing.",
+    "Make a directory named after the board identifier, with its Config.plist and its images.",
+    "payload/Fernwick/PortFlash.efi",
+    "payload/Fernwick/PortFlash.efi\npayload/Fernwick/Zed-42/Config.plist",
+};
+
+inline constexpr LintRule ImpossibleBoardId = {
+    "impossible-board-id",
+    Severity::Error,
+    "the directory's name can be no board identifier",
+    "A board identifier is text in UTF-8. A computer whose identifier is anything else counts as "
+    "having none, so nothing ever looks into a directory of such a name.",
+    "Rename the directory to the board identifier, exactly and in UTF-8.",
+    "payload/Fernwick/Zed-\\37742/Config.plist",
+    "payload/Fernwick/Zed-42/Config.plist",
+};
+
+inline constexpr LintRule NoConfiguration = {
+    "no-configuration",
+    Severity::Error,
+    "the board directory holds no Config.plist",
+    "Without its configuration the board gets no plan, whatever images lie beside. The name is "
+    "exact, letter case included.",
+    "Add Config.plist, or remove the directory when the board is not supported.",
+    "payload/Fernwick/Zed-42/config.plist",
+    "payload/Fernwick/Zed-42/Config.plist",
+};
+
+inline constexpr LintRule UnreadableFile = {
+    "unreadable-file",
+    Severity::Error,
+    "a file or directory of the payload cannot be read",
+    "What cannot be read here is not read on the computer either: the board gets no plan.",
+    "Give it the permissions that it needs, and see that Config.plist is a file.",
+    "payload/Fernwick/Zed-42/Config.plist/",
+    "payload/Fernwick/Zed-42/Config.plist",
+};
+
+inline constexpr LintRule MalformedPropertyList = {
+    "malformed-property-list",
+    Severity::Error,
+    "the configuration is no property list",
+    "A configuration with a fault is refused whole: the board gets no plan. The finding stands "
+    "where reading stopped; what is wrong may begin a little before.",
+    "Mend the fault. Do not edit XML by hand where a tool can write it.",
+    "<dict><key>USBC</key><array></dict>",
+    "<dict><key>USBC</key><array></array></dict>",
+};
+
+}  // namespace fernwick::lab::LintRuleOf

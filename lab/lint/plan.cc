@@ -1,0 +1,65 @@
+#include "lab/lint/checks.h"
+#include "lab/lint/plan_rules.h"
+#include "personality/personality_keys.h"
+#include "personality/requirement_rules.h"
+#include "plan/plan_values.h"
+#include "plan/value_conversions.h"
+
+namespace fernwick::lab {
+
+void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* priority = personality.Find("Priority");
+  if (priority == nullptr) {
+    findings.Add(
+        LintRuleOf::NoPriority, personality.offset,
+        "without \"Priority\" a match of this personality drives the plan's priority to 0");
+    return;
+  }
+  const auto taken = Integer32Of(priority->value);
+  if (!NumbersEqual(*priority->value, taken)) {
+    findings.Add(LintRuleOf::AlteredPriority, priority->valueOffset,
+                 "\"Priority\" is " + Shown(*priority->value) + ", which counts as " +
+                     std::to_string(taken));
+  } else if (taken >= PlanValues{}.lowestPriority) {
+    findings.Add(LintRuleOf::PriorityWithoutEffect, priority->valueOffset,
+                 "\"Priority\" " + Shown(*priority->value) +
+                     " never lowers the plan's, which begins at " +
+                     std::to_string(PlanValues{}.lowestPriority));
+  }
+}
+
+void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* mode = personality.Find("Firmware Mode");
+  const auto takenBy = FindPersonalityKey("Firmware Mode")->plannedBy;
+  if (mode == nullptr || (takenBy & personality.type) == 0) return;
+  const auto taken = Integer32Of(mode->value);
+  if (NumbersEqual(*mode->value, taken)) return;
+  findings.Add(LintRuleOf::AlteredFirmwareMode, mode->valueOffset,
+               "\"Firmware Mode\" is " + Shown(*mode->value) + ", which the plan takes as " +
+                   std::to_string(taken));
+}
+
+void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* toSet = personality.Find("SetNVRAM");
+  if (toSet != nullptr && toSet->value->AsDictionary() == nullptr) {
+    findings.Add(LintRuleOf::NvramWrongShape, toSet->valueOffset,
+                 "\"SetNVRAM\" is " + Shown(*toSet->value) +
+                     ", not a dictionary, so the plan leaves it out");
+  }
+  const auto* toClear = personality.Find("ClearNVRAM");
+  if (toClear == nullptr) return;
+  const auto* names = toClear->value->AsArray();
+  if (names == nullptr) {
+    findings.Add(LintRuleOf::NvramWrongShape, toClear->valueOffset,
+                 "\"ClearNVRAM\" is " + Shown(*toClear->value) +
+                     ", not an array, so the plan leaves it out");
+    return;
+  }
+  for (std::size_t i = 0; i < names->size(); ++i) {
+    if ((*names)[i].AsString()) continue;
+    findings.Add(LintRuleOf::ClearedNameNotText, OffsetOfElement(*toClear, i),
+                 Shown((*names)[i]) + " in \"ClearNVRAM\" is no name of a variable");
+  }
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,119 @@
+#include "lab/lint/report.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "lab/support/json_values.h"
+#include "lab/support/messages.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::size_t LineWidth = 80;
+
+std::size_t Count(const PayloadLinting& linting, Severity severity) {
+  return static_cast<std::size_t>(std::ranges::count(
+      linting.findings, severity, [](const Finding& f) { return f.rule->severity; }));
+}
+
+std::string Counted(std::size_t count, std::string_view what) {
+  return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
+}
+
+void AppendPadded(std::string& text, std::string_view word, std::size_t width) {
+  text.append(word);
+  text.append(width - std::min(width, word.size()), ' ');
+}
+
+// Wrapped at blanks.
+void AppendParagraph(std::string& text, std::string_view paragraph) {
+  std::size_t column = 0;
+  while (!paragraph.empty()) {
+    const auto word = paragraph.substr(0, paragraph.find(' '));
+    if (column > 0 && column + 1 + word.size() > LineWidth) {
+      text += '\n';
+      column = 0;
+    }
+    if (column > 0) text += ' ';
+    text += word;
+    column += word.size() + (column > 0 ? 1 : 0);
+    paragraph.remove_prefix(std::min(paragraph.size(), word.size() + 1));
+  }
+  text += '\n';
+}
+
+void AppendIndented(std::string& text, std::string_view lines) {
+  while (!lines.empty()) {
+    const auto line = lines.substr(0, lines.find('\n'));
+    text.append("    ").append(line).append("\n");
+    lines.remove_prefix(std::min(lines.size(), line.size() + 1));
+  }
+}
+
+Json FindingAsJson(const Finding& finding) {
+  Json json = {{"id", finding.rule->id},
+               {"severity", NameOf(finding.rule->severity)},
+               {"path", finding.path}};
+  if (finding.place && finding.place->line != 0) {
+    json["line"] = finding.place->line;
+    json["column"] = finding.place->column;
+  } else if (finding.place) {
+    json["byte"] = finding.place->byte;
+  }
+  json["message"] = finding.message;
+  return json;
+}
+
+}  // namespace
+
+std::string LintAsText(const PayloadLinting& linting) {
+  std::string text;
+  for (const auto& [rule, path, place, message] : linting.findings) {
+    text += PrintableText(path);
+    if (place) text.append(":").append(Describe(*place));
+    text.append(": ").append(NameOf(rule->severity)).append(": ").append(message);
+    text.append(" [").append(rule->id).append("]\n");
+  }
+  text.append(Counted(linting.boards, "board")).append(": ");
+  text.append(Counted(Count(linting, Severity::Error), "error")).append(", ");
+  text.append(Counted(Count(linting, Severity::Warning), "warning")).append(", ");
+  return text.append(Counted(Count(linting, Severity::Note), "note")).append("\n");
+}
+
+std::string LintAsJson(const PayloadLinting& linting) {
+  auto findings = Json::array();
+  for (const auto& finding : linting.findings) findings.push_back(FindingAsJson(finding));
+  return PrintJson({{"boards", linting.boards},
+                    {"errors", Count(linting, Severity::Error)},
+                    {"warnings", Count(linting, Severity::Warning)},
+                    {"notes", Count(linting, Severity::Note)},
+                    {"findings", std::move(findings)}});
+}
+
+std::string ListLintRules() {
+  std::size_t width = 0;
+  for (const auto* rule : LintRules()) width = std::max(width, rule->id.size());
+  std::string text;
+  for (const auto* rule : LintRules()) {
+    AppendPadded(text, rule->id, width + 2);
+    AppendPadded(text, NameOf(rule->severity), std::string_view("warning").size() + 2);
+    text.append(rule->title).append("\n");
+  }
+  return text;
+}
+
+std::string ExplainLintRule(const LintRule& rule) {
+  std::string text(rule.id);
+  text.append(" (").append(NameOf(rule.severity)).append("): ").append(rule.title).append("\n\n");
+  AppendParagraph(text, rule.reason);
+  text += '\n';
+  AppendParagraph(text, rule.remedy);
+  text += "\nInstead of\n\n";
+  AppendIndented(text, rule.wrong);
+  if (rule.right.empty()) return text + "\nwrite nothing.\n";
+  text += "\nwrite\n\n";
+  AppendIndented(text, rule.right);
+  return text;
+}
+
+}  // namespace fernwick::lab

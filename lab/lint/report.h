@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "lab/lint/payload.h"
+#include "lab/lint/rules.h"
+
+namespace fernwick::lab {
+
+/// Findings as lines "PATH:LINE:COLUMN: SEVERITY: MESSAGE [ID]", as editors and build logs know
+/// them, with "byte N" for line and column in a binary file; then a line that counts them.
+std::string LintAsText(const PayloadLinting& linting);
+
+/// The same as a JSON document.
+std::string LintAsJson(const PayloadLinting& linting);
+
+/// The same in the Static Analysis Results Interchange Format, version 2.1.0, with all rules.
+std::string LintAsSarif(const PayloadLinting& linting);
+
+/// All rules, one a line: ID, severity, title.
+std::string ListLintRules();
+
+/// Why the rule matters and how to mend what breaks it, with an example.
+std::string ExplainLintRule(const LintRule& rule);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,62 @@
+#include "lab/lint/rules.h"
+
+#include <algorithm>
+#include <array>
+
+#include "lab/lint/payload_rules.h"
+#include "lab/lint/plan_rules.h"
+#include "lab/lint/shape_rules.h"
+#include "lab/lint/value_rules.h"
+#include "lab/lint/version_rules.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr auto SortedRules = [] {
+  using namespace LintRuleOf;
+  std::array rules = {
+      // The payload and its files.
+      &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &NoConfiguration, &UnreadableFile,
+      &MalformedPropertyList,
+      // The shape of a configuration, and its keys.
+      &NotADictionary, &DuplicateKey, &UnknownType, &MisspeltType, &WrongTypeShape, &EmptyType,
+      &PersonalityNotADictionary, &MisspeltKey, &UnreadKey, &KeyNotReadByType, &ReservedKey,
+      &MissingKey,
+      // What stands under them.
+      &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
+      &UnreachableNumber, &RidOutOfRange, &DoubtfulRid, &NanBound,
+      // What can match, and what is reached.
+      &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
+      &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality,
+      &ShadowingNotExamined,
+      // What the plan takes.
+      &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
+      &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
+      &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
+      &NvramConflict};
+  std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
+  return rules;
+}();
+
+}  // namespace
+
+std::string_view NameOf(Severity severity) {
+  switch (severity) {
+    case Severity::Note: return "note";
+    case Severity::Warning: return "warning";
+    case Severity::Error: break;
+  }
+  return "error";
+}
+
+std::span<const LintRule* const> LintRules() {
+  return SortedRules;
+}
+
+const LintRule* FindLintRule(std::string_view id) {
+  const auto* const rule =
+      std::ranges::find(SortedRules, id, [](const LintRule* r) { return r->id; });
+  return rule == SortedRules.end() ? nullptr : *rule;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,83 @@
+#include <algorithm>
+#include <vector>
+
+#include "lab/lint/checks.h"
+#include "lab/lint/shape_rules.h"
+#include "lab/lint/spelling.h"
+#include "lab/support/words.h"
+
+namespace fernwick::lab {
+namespace {
+
+void LintUnknownType(const PlacedEntry& entry, ConfigurationFindings& findings) {
+  const auto meant = NearestSpelling(entry.key, NamesOf(Types::All));
+  if (meant.empty()) {
+    findings.Add(LintRuleOf::UnknownType, entry.keyOffset,
+                 Quoted(entry.key) + " is no type, so what it holds matches nothing");
+  } else {
+    findings.Add(LintRuleOf::MisspeltType, entry.keyOffset,
+                 Quoted(entry.key) + " is no type, so what it holds matches nothing; \"" +
+                     std::string(meant) + "\" may be meant");
+  }
+}
+
+void LintElements(const PlacedType& type, const Array& elements, ConfigurationFindings& findings) {
+  if (elements.empty()) {
+    findings.Add(LintRuleOf::EmptyType, type.entry.keyOffset,
+                 Quoted(type.entry.key) + " holds no personality");
+  }
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    if (elements[i].AsDictionary() != nullptr) continue;
+    findings.Add(LintRuleOf::PersonalityNotADictionary, OffsetOfElement(type.entry, i),
+                 Shown(elements[i]) + " stands where a personality was expected");
+  }
+}
+
+void LintType(const PlacedType& type, ConfigurationFindings& findings) {
+  const bool isSingle = HoldsSinglePersonality(type.type);
+  const auto* array = type.entry.value->AsArray();
+  if (isSingle ? type.entry.value->AsDictionary() == nullptr : array == nullptr) {
+    findings.Add(LintRuleOf::WrongTypeShape, type.entry.valueOffset,
+                 Quoted(type.entry.key) + " holds " + Shown(*type.entry.value) + ", not " +
+                     (isSingle ? "a single personality" : "an array of personalities") +
+                     ", so it matches nothing");
+  } else if (!isSingle) {
+    LintElements(type, *array, findings);
+  }
+}
+
+// The keys in the order of the alphabet, those of one spelling in the order of the file.
+std::vector<const KeyPlace*> SortedKeys(const ValuePlace& dictionary) {
+  std::vector<const KeyPlace*> keys;
+  for (const auto& entry : dictionary.entries) keys.push_back(&entry);
+  std::ranges::stable_sort(keys, {}, [](const KeyPlace* key) { return key->key.View(); });
+  return keys;
+}
+
+}  // namespace
+
+void LintShape(const LintSubject& subject, ConfigurationFindings& findings) {
+  if (subject.file.Value().AsDictionary() == nullptr) {
+    findings.Add(LintRuleOf::NotADictionary, subject.file.Root().offset,
+                 "the configuration is " + Shown(subject.file.Value()) + ", not a dictionary");
+  }
+  for (const auto& entry : subject.entries) {
+    if (TypeNamed(entry.key) == Types::None) LintUnknownType(entry, findings);
+  }
+  for (const auto& type : subject.types) LintType(type, findings);
+}
+
+void LintDuplicateKeys(const ValuePlace& place, ConfigurationFindings& findings) {
+  const auto keys = SortedKeys(place);
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    if (!(keys[i]->key == keys[i - 1]->key)) continue;
+    findings.Add(LintRuleOf::DuplicateKey, keys[i]->offset,
+                 Quoted(keys[i]->key.View()) +
+                     " occurs a second time in this dictionary; what stands under it before is "
+                     "lost");
+  }
+  for (const auto& entry : place.entries) LintDuplicateKeys(entry.value, findings);
+  for (const auto& element : place.elements) LintDuplicateKeys(element, findings);
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "lab/lint/rules.h"
+
+namespace fernwick::lab::LintRuleOf {
+
+/// The rules for what can match and what is reached.
+
+inline constexpr LintRule VersionBoundsCrossed = {
+    "version-bounds-crossed",
+    Severity::Error,
+    "the minimum of the installed version is above its maximum",
+    "\"Existing Min Version\" and \"Existing Max Version\" are both inclusive. Crossed, they leave "
+    "no "
+    "installed version that may be updated.",
+    "Exchange the two, or mend the one that is wrong.",
+    "<key>Existing Min Version</key><integer>200</integer>\n"
+    "<key>Existing Max Version</key><integer>150</integer>",
+    "<key>Existing Min Version</key><integer>150</integer>\n"
+    "<key>Existing Max Version</key><integer>200</integer>",
+};
+
+inline constexpr LintRule VersionNotAboveMinimum = {
+    "version-not-above-minimum",
+    Severity::Error,
+    "\"Version\" is not above \"Existing Min Version\"",
+    "Unless the version check is bypassed, the image must be newer than what is installed: "
+    "installed < \"Version\". A minimum at or above it leaves nothing to update.",
+    "Raise \"Version\" or lower \"Existing Min Version\".",
+    "<key>Version</key><integer>200</integer>\n"
+    "<key>Existing Min Version</key><integer>200</integer>",
+    "<key>Version</key><integer>200</integer>\n"
+    "<key>Existing Min Version</key><integer>150</integer>",
+};
+
+inline constexpr LintRule EmptyVersionWindow = {
+    "empty-version-window",
+    Severity::Error,
+    "no installed version lies in the window",
+    "Between the bounds and below \"Version\" lies no version that firmware can have. A "
+    "Thunderbolt "
+    "controller's are hundredths up to .63 with 0.000000001 added (41.05 is held as 41.050000001); "
+    "a port's own are whole numbers from 0 on.",
+    "Widen the window. Give a Thunderbolt maximum a little more than the version that it is to "
+    "include.",
+    "<key>Existing Min Version</key><real>41.05</real>\n"
+    "<key>Existing Max Version</key><real>41.05</real>",
+    "<key>Existing Min Version</key><real>41.05</real>\n"
+    "<key>Existing Max Version</key><real>41.051</real>",
+};
+
+inline constexpr LintRule MaximumJustMissed = {
+    "maximum-just-missed",
+    Severity::Warning,
+    "the maximum leaves out the very version that it names",
+    "The installed version of a Thunderbolt controller is held with 0.000000001 added: 41.05 is "
+    "41.050000001, and a maximum of 41.05 rejects it.",
+    "Write a maximum a little above, but below the next hundredth.",
+    "<key>Existing Max Version</key><real>41.05</real>",
+    "<key>Existing Max Version</key><real>41.051</real>",
+};
+
+inline constexpr LintRule EmptyBoardRevisionRange = {
+    "empty-board-revision-range",
+    Severity::Error,
+    "no board revision lies within the bounds",
+    "A board revision is a whole number from 0 to 255, and both bounds are inclusive.",
+    "Exchange the bounds, or mend the one that is wrong.",
+    "<key>MinBoardRevision</key><integer>4</integer>\n"
+    "<key>MaxBoardRevision</key><integer>2</integer>",
+    "<key>MinBoardRevision</key><integer>2</integer>\n"
+    "<key>MaxBoardRevision</key><integer>4</integer>",
+};
+
+inline constexpr LintRule BoardRevisionOutOfRange = {
+    "board-revision-out-of-range",
+    Severity::Warning,
+    "a bound of the board revision is none that a board has",
+    "A board revision is a whole number from 0 to 255. A bound outside holds nothing back.",
+    "Write the revision that is meant, or remove the bound.",
+    "<key>MaxBoardRevision</key><integer>256</integer>",
+    "<key>MaxBoardRevision</key><integer>25</integer>",
+};
+
+inline constexpr LintRule ShadowedPersonality = {
+    "shadowed-personality",
+    Severity::Warning,
+    "an earlier personality accepts everything that this one accepts",
+    "A controller gets the first personality of the array that fits it. Where an earlier one "
+    "accepts every controller that a later one accepts, the later one is never used.",
+    "Put the narrower personality first, narrow the earlier one, or remove the later one.",
+    "<dict>... any RID ...</dict>\n<dict>... <key>RID</key><integer>1</integer> ...</dict>",
+    "<dict>... <key>RID</key><integer>1</integer> ...</dict>\n<dict>... any RID ...</dict>",
+};
+
+inline constexpr LintRule ShadowingNotExamined = {
+    "shadowing-not-examined",
+    Severity::Note,
+    "too many personalities are alike to compare them all",
+    "To tell whether a personality is shadowed, it is compared with the earlier ones that agree "
+    "with "
+    "it in the key that tells most apart, but with no more than the first 256 of them. What is "
+    "reported as shadowed is; beyond that limit one may be shadowed without being reported.",
+    "Nothing needs mending. Put personalities that differ only in \"Version\" or its bounds into "
+    "fewer ones with lists.",
+    "300 personalities for the same silicon",
+    "one personality with a list of the RIDs that it is for",
+};
+
+}  // namespace fernwick::lab::LintRuleOf

@@ -1,0 +1,134 @@
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "lab/lint/checks.h"
+#include "lab/lint/controller_values.h"
+#include "lab/lint/version_rules.h"
+#include "personality/requirement_rules.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Versions are a hundredth apart: a maximum that misses one by less does not mean to.
+constexpr double JustMissed = 0.00001;
+
+// What a personality says of versions; null where it says nothing that can be reckoned with.
+struct Window {
+  const PlacedEntry* version;
+  const PlacedEntry* minimum;
+  const PlacedEntry* maximum;
+};
+
+const PropertyValue* ValueOf(const PlacedEntry* entry) {
+  return entry == nullptr ? nullptr : entry->value;
+}
+
+// Whether the installed version may be updated, as far as it goes by `window`.
+bool IsInside(const PropertyValue& installed, const Window& window) {
+  const auto* version = ValueOf(window.version);
+  const auto* minimum = ValueOf(window.minimum);
+  const auto* maximum = ValueOf(window.maximum);
+  return (version == nullptr || NumberGreater(*version, installed)) &&
+         (minimum == nullptr || !NumberGreater(*minimum, installed)) &&
+         (maximum == nullptr || !NumberLess(*maximum, installed));
+}
+
+bool IsEmpty(const Window& window, TypeSet type) {
+  const auto lowest = LowestInstalledVersions(type, ValueOf(window.minimum));
+  return std::ranges::none_of(lowest, [&](const auto& v) { return IsInside(v, window); });
+}
+
+bool IsWhole(const PropertyValue& number) {
+  const auto* real = number.AsReal();
+  return real == nullptr || std::trunc(*real) == *real;
+}
+
+// The version of a Thunderbolt controller that a maximum leaves out by next to nothing.
+std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum) {
+  auto next = NextThunderboltVersion(maximum);
+  if (next && NumberGreater(*next->AsReal() - JustMissed, maximum)) return std::nullopt;
+  return next;
+}
+
+void LintMaximum(const Window& window, TypeSet type, ConfigurationFindings& findings) {
+  // A whole number may be meant for a port that has a version of its own, and there it means what
+  // it says.
+  const bool hasThunderboltVersion = type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+  if (!hasThunderboltVersion && IsWhole(*window.maximum->value)) return;
+  const auto missed = VersionJustAbove(*window.maximum->value);
+  if (!missed || !IsInside(*missed, {window.version, window.minimum, nullptr})) return;
+  findings.Add(LintRuleOf::MaximumJustMissed, window.maximum->valueOffset,
+               "\"Existing Max Version\" " + Shown(*window.maximum->value) +
+                   " leaves out the version that it names, which a Thunderbolt controller holds "
+                   "as " +
+                   Shown(*missed));
+}
+
+void LintWindow(const Window& window, TypeSet type, ConfigurationFindings& findings) {
+  const auto& [version, minimum, maximum] = window;
+  if (minimum != nullptr && maximum != nullptr && NumberGreater(*minimum->value, *maximum->value)) {
+    findings.Add(LintRuleOf::VersionBoundsCrossed, maximum->valueOffset,
+                 "\"Existing Max Version\" " + Shown(*maximum->value) +
+                     " is below \"Existing Min Version\" " + Shown(*minimum->value));
+  } else if (version != nullptr && minimum != nullptr &&
+             !NumberGreater(*version->value, *minimum->value)) {
+    findings.Add(LintRuleOf::VersionNotAboveMinimum, version->valueOffset,
+                 "\"Version\" " + Shown(*version->value) +
+                     " is not above \"Existing Min Version\" " + Shown(*minimum->value));
+  } else if (IsEmpty(window, type)) {
+    const auto* place = maximum != nullptr ? maximum : version;
+    findings.Add(LintRuleOf::EmptyVersionWindow, place->valueOffset,
+                 "no version that can be installed lies in the window of this personality");
+  } else if (maximum != nullptr) {
+    LintMaximum(window, type, findings);
+  }
+}
+
+bool IsBadBound(const PlacedEntry* bound) {
+  return bound != nullptr && !bound->value->IsNumber();
+}
+
+// A bound that is NaN is as good as none.
+const PlacedEntry* WithoutNan(const PlacedEntry* bound) {
+  return bound != nullptr && NumbersEqual(*bound->value, *bound->value) ? bound : nullptr;
+}
+
+void LintRevisionBound(const PlacedEntry* bound, ConfigurationFindings& findings) {
+  if (bound == nullptr) return;
+  if (!NumberLess(*bound->value, 0) && !NumberGreater(*bound->value, 255)) return;
+  findings.Add(LintRuleOf::BoardRevisionOutOfRange, bound->valueOffset,
+               Quoted(bound->key) + " is " + Shown(*bound->value) +
+                   ", but board revisions are 0 to 255, so it holds nothing back");
+}
+
+}  // namespace
+
+void LintVersions(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* version = personality.Find("Version");
+  const auto* minimum = personality.Find("Existing Min Version");
+  const auto* maximum = personality.Find("Existing Max Version");
+  // What is of a wrong kind is told elsewhere.
+  if (IsBadBound(minimum) || IsBadBound(maximum)) return;
+  if (IsBadBound(version)) version = nullptr;
+  const Window window = {version, WithoutNan(minimum), WithoutNan(maximum)};
+  if (version == nullptr && window.minimum == nullptr && window.maximum == nullptr) return;
+  LintWindow(window, personality.type, findings);
+}
+
+void LintBoardRevisions(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+  if ((FindPersonalityKey("MinBoardRevision")->checkedBy & personality.type) == 0) return;
+  const auto* minimum = personality.Find("MinBoardRevision");
+  const auto* maximum = personality.Find("MaxBoardRevision");
+  if (IsBadBound(minimum) || IsBadBound(maximum)) return;
+  if (RevisionsWithin(ValueOf(minimum), ValueOf(maximum)).IsEmpty()) {
+    findings.Add(LintRuleOf::EmptyBoardRevisionRange,
+                 (maximum != nullptr ? maximum : minimum)->valueOffset,
+                 "no board revision, 0 to 255, lies within the bounds of this personality");
+    return;
+  }
+  LintRevisionBound(minimum, findings);
+  LintRevisionBound(maximum, findings);
+}
+
+}  // namespace fernwick::lab

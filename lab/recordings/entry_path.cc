@@ -1,0 +1,15 @@
+#include "lab/recordings/entry_path.h"
+
+namespace fernwick::lab {
+
+std::string EntryPath(const Recording& recording, RegistryEntry entry) {
+  const auto& plane = recording.planes.at("IOService");
+  std::string path;
+  while (entry != plane.root) {
+    path.insert(0, "/" + recording.entries[entry - 1].name);
+    entry = plane.placements.at(entry).parent;
+  }
+  return "IOService:" + (path.empty() ? "/" : path);
+}
+
+}  // namespace fernwick::lab

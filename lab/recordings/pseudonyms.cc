@@ -1,0 +1,116 @@
+#include "lab/recordings/pseudonyms.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "value/number_text.h"
+#include "value/unicode/utf8.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Counts what is new from 1.
+template <typename Counts, typename Key>
+std::uint64_t CountOf(Counts& counts, const Key& key) {
+  const auto known = counts.find(key);
+  if (known != counts.end()) return known->second;
+  return counts.emplace(key, counts.size() + 1).first->second;
+}
+
+bool IsPunctuation(char32_t character) {
+  if (character >= 0x80) return false;
+  const auto c = static_cast<char>(character);
+  const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  return !isLetter && !(c >= '0' && c <= '9');
+}
+
+// The text with each letter and digit a 0. REQUIRES: well-formed UTF-8.
+std::string Blanked(std::string_view text) {
+  std::string blanked;
+  while (!text.empty()) {
+    const auto [character, length] = DecodeUtf8(text);
+    blanked.push_back(IsPunctuation(character) ? static_cast<char>(character) : '0');
+    text.remove_prefix(length);
+  }
+  return blanked;
+}
+
+// The exact value of a finite number, the same for the integer 5 and the real 5.0.
+std::string ExactText(const Number& number) {
+  if (const auto* integer = std::get_if<Integer>(&number)) return FormatInteger(*integer);
+  const double real = std::get<double>(number);
+  const bool isInteger = real == std::trunc(real) && real >= -0x1p63 && real < 0x1p64;
+  if (!isInteger) return FormatReal(real);
+  return real < 0 ? FormatInteger(static_cast<std::int64_t>(real))
+                  : FormatInteger(static_cast<std::uint64_t>(real));
+}
+
+bool AnyMayIdentify(const Array& array) {
+  return std::ranges::any_of(array, MayIdentify);
+}
+
+bool AnyMayIdentify(const Dictionary& dictionary) {
+  return std::ranges::any_of(dictionary.Entries(), MayIdentify, &DictionaryEntry::value);
+}
+
+}  // namespace
+
+bool MayIdentify(const PropertyValue& value) {
+  if (const auto text = value.AsString()) return !text->empty();
+  if (const auto bytes = value.AsData()) return !bytes->empty();
+  if (const auto* real = value.AsReal()) return std::isfinite(*real);
+  if (const auto* array = value.AsArray()) return AnyMayIdentify(*array);
+  if (const auto* dictionary = value.AsDictionary()) return AnyMayIdentify(*dictionary);
+  return value.AsInteger().has_value();
+}
+
+PropertyValue Pseudonyms::Of(const PropertyValue& value) {
+  if (const auto text = value.AsString()) return OfText(*text);
+  if (const auto bytes = value.AsData()) return Data{SharedBytes(OfBytes(*bytes))};
+  if (const auto integer = value.AsInteger()) return OfNumber(*integer);
+  if (const auto* real = value.AsReal(); real != nullptr && MayIdentify(value)) {
+    return static_cast<double>(OfNumber(*real));
+  }
+  if (const auto* array = value.AsArray()) {
+    Array replaced;
+    for (const auto& element : *array) replaced.push_back(Of(element));
+    return replaced;
+  }
+  const auto* dictionary = value.AsDictionary();
+  if (dictionary == nullptr) return value;
+  std::vector<DictionaryEntry> entries;
+  for (const auto& [key, inner] : dictionary->Entries()) entries.emplace_back(key, Of(inner));
+  return Dictionary(std::move(entries));
+}
+
+// The count stands in the last places for letters and digits; where they are too few, the rest of
+// it before everything else.
+std::string Pseudonyms::OfText(std::string_view text) {
+  if (text.empty()) return {};
+  auto digits = std::to_string(CountOf(texts_, text));
+  auto pseudonym = Blanked(text);
+  for (auto place = pseudonym.rbegin(); place != pseudonym.rend() && !digits.empty(); ++place) {
+    if (*place != '0') continue;
+    *place = digits.back();
+    digits.pop_back();
+  }
+  return digits + pseudonym;
+}
+
+std::string Pseudonyms::OfBytes(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  std::string pseudonym;
+  for (auto count = CountOf(bytes_, bytes); count != 0; count >>= 8) {
+    pseudonym.insert(pseudonym.begin(), static_cast<char>(count));
+  }
+  if (pseudonym.size() < bytes.size()) pseudonym.insert(0, bytes.size() - pseudonym.size(), '\0');
+  return pseudonym;
+}
+
+std::uint64_t Pseudonyms::OfNumber(const Number& number) {
+  return CountOf(numbers_, ExactText(number)) << 4 | (ToUnsigned64(number) & 0xF);
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,59 @@
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "driver/process.h"
+#include "driver/run.h"
+#include "lab/recordings/recording_file.h"
+#include "lab/support/messages.h"
+#include "lab/verbs.h"
+#include "registry/recorded_registry.h"
+
+namespace fernwick::lab {
+namespace {
+
+// The tool's own command line, under its own name.
+std::vector<char*> ToolArguments(std::string& toolName, int argumentCount,
+                                 char* const arguments[]) {
+  std::vector<char*> vector{toolName.data()};
+  vector.insert(vector.end(), arguments, arguments + argumentCount);
+  vector.push_back(nullptr);
+  return vector;
+}
+
+}  // namespace
+
+const char ReplayHelp[] =
+    "Runs the tool, unchanged, over a recorded computer.\n"
+    "Usage: fernwick-lab replay RECORDING [TOOL-ARGUMENT...]\n"
+    "\n"
+    "Everything behind RECORDING is the tool's own command line; standard output, standard error\n"
+    "and exit status are the tool's own. When the recording is not well formed, nothing runs and\n"
+    "the status is 65; 66 when it cannot be read.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab replay desk.registry.plist -v -p payload\n";
+
+int Replay(int argumentCount, char* const arguments[]) {
+  if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
+    return PrintResult(ReplayHelp);
+  }
+  if (argumentCount == 0 || arguments[0][0] == '-') {
+    std::fputs(ReplayHelp, stderr);
+    return LabStatus::BadUsage;
+  }
+  auto file = LoadRecording(arguments[0]);
+  if (!file.recording) {
+    PrintError(file.error);
+    return file.status;
+  }
+  RecordedRegistry registry(*std::move(file.recording));
+  std::string toolName = "fernwick";
+  const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
+  EndWhenOutOfMemory(ExitStatus::NoMatches);
+  return Run(argumentCount, vector.data(), registry, stdout);
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,52 @@
+#include <optional>
+#include <string>
+
+#include "lab/recordings/recording_file.h"
+#include "lab/recordings/shown_computer.h"
+#include "lab/support/command_line.h"
+#include "lab/support/messages.h"
+#include "lab/verbs.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr char Description[] =
+    "Shows the registry of a recorded computer as a tree, with the controllers picked out, and "
+    "both "
+    "inventories as the tool sees them.";
+
+constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --plane IOService\n";
+
+}  // namespace
+
+int Show(int argumentCount, char* const arguments[]) {
+  std::string path;
+  std::optional<std::string> plane;
+  bool asJson = false;
+  const CommandLine line = {
+      .verb = "show",
+      .description = Description,
+      .footer = Example,
+      .arguments = {
+          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "--plane",
+           .target = &plane,
+           .help = "show this plane alone",
+           .valueName = "PLANE"},
+          {.name = "--json", .target = &asJson, .help = "print JSON"},
+      }};
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  auto file = LoadRecording(path);
+  if (!file.recording) {
+    PrintError(file.error);
+    return file.status;
+  }
+  if (plane && !file.recording->planes.contains(*plane)) {
+    PrintError(path + ": there is no plane \"" + *plane + "\"");
+    return LabStatus::BadUsage;
+  }
+  const auto computer = LookAt(*std::move(file.recording));
+  return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,77 @@
+#include "lab/recordings/shown_computer.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace fernwick::lab {
+namespace {
+
+Json InventoryAsJson(const Controllers& controllers) {
+  if (controllers.endsRun) return {{"endsRunAbnormally", true}};
+  auto list = Json::array();
+  if (!controllers.inventory) return list;
+  for (const auto& record : *controllers.inventory) list.push_back(ToJson(record));
+  return list;
+}
+
+// One plane of the computer as a tree of JSON objects.
+class JsonTree {
+ public:
+  JsonTree(const ShownComputer& computer, const RecordedPlane& plane)
+      : computer_(computer), plane_(plane) {}
+
+  Json Node(RegistryEntry entry) const {
+    const auto& recorded = computer_.recording.entries[entry - 1];
+    Json node = {{"name", recorded.name}};
+    if (!recorded.class_.empty()) node["class"] = recorded.class_;
+    for (const auto* controllers : {&computer_.thunderbolt, &computer_.ports}) {
+      AddController(*controllers, entry, node);
+    }
+    node["properties"] = ToJson(recorded.properties);
+    auto children = Json::array();
+    for (const auto child : plane_.placements.at(entry).children) children.push_back(Node(child));
+    node["children"] = std::move(children);
+    return node;
+  }
+
+ private:
+  static void AddController(const Controllers& controllers, RegistryEntry entry, Json& node) {
+    const auto place = controllers.places.find(entry);
+    if (place == controllers.places.end()) return;
+    node["controller"] = controllers.kind;
+    node["listed"] = place->second == 0 ? Json(nullptr) : Json(place->second);
+  }
+
+  const ShownComputer& computer_;
+  const RecordedPlane& plane_;
+};
+
+Json BoardAsJson(const BoardIdentity& board) {
+  return {{"id", board.boardIdString ? Json(*board.boardIdString) : Json(nullptr)},
+          {"number", board.boardId},
+          {"revision", board.boardRevision}};
+}
+
+}  // namespace
+
+ShownComputer LookAt(Recording recording) {
+  RecordedRegistry registry(recording);
+  auto board = ReadBoardIdentity(registry);
+  auto thunderbolt = FindThunderboltControllers(recording);
+  auto ports = FindPortControllers(recording);
+  return {std::move(recording), std::move(board), std::move(thunderbolt), std::move(ports)};
+}
+
+Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted) {
+  auto planes = Json::object();
+  for (const auto& [name, plane] : computer.recording.planes) {
+    if (wanted && *wanted != name) continue;
+    planes[name] = JsonTree(computer, plane).Node(plane.root);
+  }
+  return {{"board", BoardAsJson(computer.board)},
+          {"planes", std::move(planes)},
+          {"thunderboltControllers", InventoryAsJson(computer.thunderbolt)},
+          {"portControllers", InventoryAsJson(computer.ports)}};
+}
+
+}  // namespace fernwick::lab

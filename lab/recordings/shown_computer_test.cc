@@ -1,0 +1,109 @@
+#include "lab/recordings/shown_computer.h"
+
+#include <gtest/gtest.h>
+
+#include "testing/computer.h"
+#include "testing/property_values.h"
+
+namespace fernwick::lab {
+namespace {
+
+testing::Computer SmallComputer() {
+  testing::Computer computer;
+  computer.SetBoard("Zed-2B", 3);
+  const auto ridge = computer.AddThunderbolt("ridge", {{"UID", 0x15}});
+  computer.AddService(ridge, "hpm0", "QuinceHPMDevice", {{"UUID", "a\nb"}});
+  computer.AddService(ridge, "hpm1", "QuinceHPMDevice", {{"Address", 63}});
+  return computer;
+}
+
+TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
+  EXPECT_EQ(ShowAsText(LookAt(SmallComputer().Recorded()), "IOService"),
+            "Board Zed-2B (0x2B), revision 3\n"
+            "\n"
+            "IOService:\n"
+            "/\n"
+            "  ridge  <IOThunderboltSwitch>  [Thunderbolt controller, not listed]\n"
+            "        \"UID\" = 21\n"
+            "    hpm0  <QuinceHPMDevice>  [USB-C port controller 1]\n"
+            "          \"UUID\" = \"a\\nb\"\n"
+            "    hpm1  <QuinceHPMDevice>  [USB-C port controller, not listed]\n"
+            "          \"Address\" = 63\n"
+            "\n"
+            "Thunderbolt controllers as the tool sees them: none\n"
+            "\n"
+            "USB-C port controllers as the tool sees them:\n"
+            "  1\n"
+            "      \"Port UUID\" = \"a\\nb\"\n"
+            "      \"RID\" = 5\n"
+            "      \"Ridge UID\" = 21\n");
+}
+
+TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
+  testing::Computer computer;
+  computer.Set(computer.Board(), "map", Dictionary{{"a", 1}});
+  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), std::nullopt),
+            "Board (null) (0x0), revision 0\n"
+            "\n"
+            "IODeviceTree:\n"
+            "/\n"
+            "      \"map\" = {\n"
+            "          \"a\" = 1;\n"
+            "      }\n"
+            "  options\n"
+            "\n"
+            "IOService:\n"
+            "/\n"
+            "\n"
+            "Thunderbolt controllers as the tool sees them: none\n"
+            "\n"
+            "USB-C port controllers as the tool sees them: none\n");
+}
+
+TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
+  testing::Computer computer;
+  computer.AddThunderbolt("r\x1B", {{"Depth", 0}, {"Route String", 0}});
+  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), "IOService"),
+            "Board (null) (0x0), revision 0\n"
+            "\n"
+            "IOService:\n"
+            "/\n"
+            "  r\\033  <IOThunderboltSwitch>  [Thunderbolt controller]\n"
+            "        \"Depth\" = 0\n"
+            "        \"Route String\" = 0\n"
+            "\n"
+            "Thunderbolt controllers as the tool sees them: taking them ends the run abnormally\n"
+            "      (a Thunderbolt controller has no \"UID\")\n"
+            "\n"
+            "USB-C port controllers as the tool sees them: none\n");
+}
+
+TEST(ShowAsJson, HoldsTheSame) {
+  const auto json = ShowAsJson(LookAt(SmallComputer().Recorded()), "IOService");
+  EXPECT_EQ(
+      PrintJsonRow(json),
+      R"({"board":{"id":"Zed-2B","number":43,"revision":3},)"
+      R"("planes":{"IOService":{"name":"","properties":{},"children":[)"
+      R"({"name":"ridge","class":"IOThunderboltSwitch","controller":"Thunderbolt controller",)"
+      R"("listed":null,"properties":{"UID":21},"children":[)"
+      R"({"name":"hpm0","class":"QuinceHPMDevice","controller":"USB-C port controller","listed":1,)"
+      R"("properties":{"UUID":"a\nb"},"children":[]},)"
+      R"({"name":"hpm1","class":"QuinceHPMDevice","controller":"USB-C port controller",)"
+      R"("listed":null,"properties":{"Address":63},"children":[]}]}]}},)"
+      R"("thunderboltControllers":[],)"
+      R"("portControllers":[{"Port UUID":"a\nb","RID":5,"Ridge UID":21}]})"
+      "\n");
+}
+
+TEST(ShowAsJson, TellsAnInventoryThatEndsTheRun) {
+  testing::Computer computer;
+  computer.AddThunderbolt("ridge", {{"Depth", 0}, {"Route String", 0}});
+  const auto json = ShowAsJson(LookAt(computer.Recorded()), "none");
+  EXPECT_EQ(PrintJsonRow(json),
+            R"({"board":{"id":null,"number":0,"revision":0},"planes":{},)"
+            R"("thunderboltControllers":{"endsRunAbnormally":true},"portControllers":[]})"
+            "\n");
+}
+
+}  // namespace
+}  // namespace fernwick::lab

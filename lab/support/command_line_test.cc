@@ -1,0 +1,131 @@
+#include "lab/support/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "testing/capture.h"
+#include "testing/command_line.h"
+
+namespace fernwick::lab {
+namespace {
+
+struct Parsed {
+  std::optional<int> status;
+  std::string recording;
+  bool json = false;
+  std::string standardError;
+};
+
+// Of a verb that takes a recording and a flag. The line is what stands behind the verb.
+Parsed Parse(const testing::CommandLine& line) {
+  Parsed parsed;
+  const CommandLine show = {
+      .verb = "show",
+      .description = "Shows one.",
+      .footer = "",
+      .arguments = {
+          {.name = "RECORDING", .target = &parsed.recording, .help = "the one", .least = 1},
+          {.name = "--json", .target = &parsed.json, .help = "print JSON"},
+      }};
+  testing::StandardErrorCapture errors;
+  parsed.status = ParseCommandLine(show, line.Count() - 1, line.Vector() + 1);
+  parsed.standardError = errors.TakeText();
+  return parsed;
+}
+
+TEST(CommandLine, BindsWhatItHolds) {
+  const auto parsed = Parse({"--json", "a b"});
+  EXPECT_EQ(parsed.status, std::nullopt);
+  EXPECT_EQ(parsed.recording, "a b");
+  EXPECT_TRUE(parsed.json);
+  EXPECT_EQ(parsed.standardError, "");
+}
+
+TEST(CommandLine, ThatLacksAnOperandIsToldInOneLine) {
+  const auto parsed = Parse({});
+  EXPECT_EQ(parsed.status, 64);
+  EXPECT_EQ(parsed.standardError,
+            "fernwick-lab: RECORDING is required; see fernwick-lab show --help\n");
+}
+
+TEST(CommandLine, WithAnUnknownOptionIsToldInOneLineThatIsSafeToShow) {
+  const auto parsed = Parse({"x", "--\x1B[31m"});
+  EXPECT_EQ(parsed.status, 64);
+  EXPECT_EQ(parsed.standardError,
+            "fernwick-lab: The following argument was not expected: --\\033[31m; see fernwick-lab "
+            "show --help\n");
+}
+
+TEST(CommandLine, BehindTwoDashesHoldsOperandsAlone) {
+  EXPECT_EQ(Parse({"--", "--json"}).recording, "--json");
+}
+
+struct ParsedMany {
+  std::optional<int> status;
+  std::vector<std::string> recordings;
+  std::vector<std::string> keys;
+  std::optional<std::string> plane;
+  std::string format = "text";
+  std::size_t jobs = 4;
+  std::string standardError;
+};
+
+// Of a verb that takes at least two recordings and an option of every kind with a value.
+ParsedMany ParseMany(const testing::CommandLine& line) {
+  ParsedMany parsed;
+  const CommandLine many = {
+      .verb = "many",
+      .description = "",
+      .footer = "",
+      .arguments = {
+          {.name = "RECORDING", .target = &parsed.recordings, .help = "", .least = 2},
+          {.name = "--key", .target = &parsed.keys, .help = ""},
+          {.name = "--plane", .target = &parsed.plane, .help = ""},
+          {.name = "--format", .target = &parsed.format, .help = "", .choices = {"text", "json"}},
+          {.name = "-j,--jobs", .target = BoundedNumber{&parsed.jobs, 1, 8}, .help = ""},
+      }};
+  testing::StandardErrorCapture errors;
+  parsed.status = ParseCommandLine(many, line.Count() - 1, line.Vector() + 1);
+  parsed.standardError = errors.TakeText();
+  return parsed;
+}
+
+TEST(CommandLine, LeavesWhatItDoesNotHoldAsItWas) {
+  const auto parsed = ParseMany({"a", "b"});
+  EXPECT_EQ(parsed.status, std::nullopt);
+  EXPECT_EQ(parsed.recordings, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(parsed.keys, std::vector<std::string>{});
+  EXPECT_EQ(parsed.plane, std::nullopt);
+  EXPECT_EQ(parsed.format, "text");
+  EXPECT_EQ(parsed.jobs, 4u);
+}
+
+TEST(CommandLine, BindsOneValueToEachOptionHoweverOftenItIsGiven) {
+  const auto parsed = ParseMany(
+      {"--key", "x", "a", "--key", "y", "b", "--plane", "p", "c", "--format", "json", "-j8"});
+  EXPECT_EQ(parsed.status, std::nullopt);
+  EXPECT_EQ(parsed.recordings, (std::vector<std::string>{"a", "b", "c"}));
+  EXPECT_EQ(parsed.keys, (std::vector<std::string>{"x", "y"}));
+  EXPECT_EQ(parsed.plane, "p");
+  EXPECT_EQ(parsed.format, "json");
+  EXPECT_EQ(parsed.jobs, 8u);
+}
+
+TEST(CommandLine, WithAValueThatIsNotTakenIsTold) {
+  const auto refusal = [](const testing::CommandLine& line) {
+    const auto parsed = ParseMany(line);
+    EXPECT_EQ(parsed.status, 64);
+    return parsed.standardError;
+  };
+  const std::string help = "; see fernwick-lab many --help\n";
+  EXPECT_EQ(refusal({"a", "b", "--format", "xml"}),
+            "fernwick-lab: --format: xml not in {text,json}" + help);
+  EXPECT_EQ(refusal({"a", "b", "-j0"}), "fernwick-lab: --jobs: Value 0 not in range 1 to 8" + help);
+  EXPECT_EQ(refusal({"a", "b", "-j9"}), "fernwick-lab: --jobs: Value 9 not in range 1 to 8" + help);
+  EXPECT_EQ(refusal({"a"}), "fernwick-lab: RECORDING: At least 2 required but received 1" + help);
+}
+
+}  // namespace
+}  // namespace fernwick::lab

@@ -1,0 +1,57 @@
+#include "lab/support/json_values.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+
+#include "testing/property_values.h"
+
+namespace fernwick::lab {
+namespace {
+
+std::string RowOf(const PropertyValue& value) {
+  return PrintJsonRow(ToJson(value));
+}
+
+TEST(JsonValues, KeepIntegersExact) {
+  EXPECT_EQ(RowOf(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615\n");
+  EXPECT_EQ(RowOf(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808\n");
+  EXPECT_EQ(RowOf(0), "0\n");
+}
+
+TEST(JsonValues, TellRealsFromIntegers) {
+  EXPECT_EQ(RowOf(3.0), "3.0\n");
+  EXPECT_EQ(RowOf(41.050000001), "41.050000001\n");
+  EXPECT_EQ(RowOf(1e300), "1e+300\n");
+  EXPECT_EQ(RowOf(-0.0), "-0.0\n");
+}
+
+TEST(JsonValues, SpellWhatJsonLacks) {
+  EXPECT_EQ(RowOf(std::numeric_limits<double>::quiet_NaN()), "{\"real\":\"nan\"}\n");
+  EXPECT_EQ(RowOf(-std::numeric_limits<double>::infinity()), "{\"real\":\"-inf\"}\n");
+  EXPECT_EQ(RowOf(testing::Bytes("Ze\xFF")), "{\"data\":\"5a65ff\"}\n");
+  EXPECT_EQ(RowOf(Date{0}), "{\"date\":\"1970-01-01T00:00:00Z\"}\n");
+}
+
+TEST(JsonValues, KeepTheOrderOfKeys) {
+  EXPECT_EQ(RowOf(Dictionary{{"b", true}, {"a", Array{"x", Array{}, Dictionary{}}}}),
+            "{\"b\":true,\"a\":[\"x\",[],{}]}\n");
+}
+
+TEST(JsonValues, OfAnAbsentValueIsNull) {
+  EXPECT_EQ(PrintJsonRow(ToJson(static_cast<const PropertyValue*>(nullptr))), "null\n");
+}
+
+TEST(JsonValues, ArePrintedByTwoBlanksALevel) {
+  EXPECT_EQ(PrintJson(ToJson(Dictionary{{"a", Array{1}}})), "{\n  \"a\": [\n    1\n  ]\n}\n");
+}
+
+TEST(JsonValues, EscapeControlCharactersAndReplaceWhatIsNotUtf8) {
+  EXPECT_EQ(PrintJsonRow(Json("\x1B[31m\xFF")), "\"\\u001b[31m\xEF\xBF\xBD\"\n");
+  EXPECT_EQ(PrintJsonRow(Json("\x7F \xC2\x80\xC2\x9F \xC2\xA0\xC3\x80\x7F")),
+            "\"\\u007f \\u0080\\u009f \xC2\xA0\xC3\x80\\u007f\"\n");
+}
+
+}  // namespace
+}  // namespace fernwick::lab

@@ -1,0 +1,131 @@
+#include "lab/support/output_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+
+namespace {
+
+int signalBeforeSync = 0;
+
+}  // namespace
+
+// In the place of the C library's: a signal comes when a file is written and has no name yet.
+extern "C" int fsync(int file) {
+  if (signalBeforeSync != 0) std::raise(signalBeforeSync);
+  return static_cast<int>(syscall(SYS_fsync, file));
+}
+
+namespace fernwick::lab {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::size_t FilesIn(const std::string& directory) {
+  return static_cast<std::size_t>(
+      std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
+}
+
+TEST(OutputFile, AppearsWithItsContents) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Path() + "/out";
+  EXPECT_EQ(WriteOutputFile(path, "new"), "");
+  EXPECT_EQ(testing::ReadFile(path), "new");
+  EXPECT_EQ(FilesIn(directory.Path()), 1u);
+}
+
+TEST(OutputFile, TakesThePlaceOfWhatStoodThere) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Write("out", "what was there before");
+  EXPECT_EQ(WriteOutputFile(path, "new"), "");
+  EXPECT_EQ(testing::ReadFile(path), "new");
+}
+
+TEST(OutputFile, HasThePermissionsOfAnyNewFile) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Path() + "/out";
+  const mode_t mask = umask(0027);
+  WriteOutputFile(path, "new");
+  umask(mask);
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+}
+
+TEST(OutputFile, ThatCannotTakeItsPlaceLeavesNothing) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Path() + "/out";
+  fs::create_directory(path);
+  EXPECT_EQ(WriteOutputFile(path, "new"), "Is a directory");
+  EXPECT_EQ(FilesIn(directory.Path()), 1u);
+}
+
+TEST(OutputFile, IsWholeWhenASignalEndsTheProcessMeanwhile) {
+  for (const int number : {SIGINT, SIGHUP, SIGTERM}) {
+    const testing::TemporaryDirectory directory;
+    const auto path = directory.Path() + "/out";
+    const pid_t child = fork();
+    if (child == 0) {
+      std::signal(number, SIG_DFL);  // which whoever runs the tests may have it ignore
+      signalBeforeSync = number;
+      WriteOutputFile(path, "new");
+      _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), number);
+    EXPECT_EQ(FilesIn(directory.Path()), 1u);
+    EXPECT_EQ(testing::ReadFile(path), "new");
+  }
+}
+
+TEST(OutputFile, ReachedByALinkTakesThePlaceOfTheFileAndLeavesTheLink) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Write("file", "what was there before");
+  const auto link = directory.Path() + "/link";
+  fs::create_symlink("file", link);
+  EXPECT_EQ(WriteOutputFile(link, "new"), "");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(testing::ReadFile(path), "new");
+  EXPECT_EQ(FilesIn(directory.Path()), 2u);
+}
+
+TEST(OutputFile, BehindLinksThatLeadNowhereIsWrittenOrAnError) {
+  const testing::TemporaryDirectory directory;
+  const auto dangling = directory.Path() + "/dangling";
+  fs::create_symlink("none", dangling);
+  EXPECT_EQ(WriteOutputFile(dangling, "new"), "");
+  EXPECT_EQ(testing::ReadFile(dangling), "new");
+  const auto loop = directory.Path() + "/loop";
+  fs::create_symlink("loop", loop);
+  EXPECT_EQ(WriteOutputFile(loop, "new"), "Too many levels of symbolic links");
+  EXPECT_TRUE(fs::is_symlink(loop));
+}
+
+TEST(OutputFile, LeavesAlonePipesAndDevices) {
+  const testing::TemporaryDirectory directory;
+  const auto pipe = directory.Path() + "/pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(WriteOutputFile(pipe, "new"), "not a regular file");
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  const auto device = directory.Path() + "/device";
+  fs::create_symlink("/dev/null", device);
+  EXPECT_EQ(WriteOutputFile(device, "new"), "not a regular file");
+  EXPECT_EQ(fs::read_symlink(device), "/dev/null");
+  EXPECT_EQ(FilesIn(directory.Path()), 2u);
+}
+
+TEST(OutputFile, InADirectoryThatIsNotThereIsAnError) {
+  const testing::TemporaryDirectory directory;
+  EXPECT_EQ(WriteOutputFile(directory.Path() + "/none/out", "new"), "No such file or directory");
+}
+
+}  // namespace
+}  // namespace fernwick::lab

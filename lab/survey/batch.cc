@@ -1,0 +1,71 @@
+#include "lab/survey/batch.h"
+
+#include <algorithm>
+#include <optional>
+#include <thread>
+
+#include "lab/support/messages.h"
+#include "lab/survey/progress.h"
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::size_t MostJobs = 1024;
+
+}  // namespace
+
+const char SelectionHelp[] =
+    "A directory stands for every *.registry.plist below it, by name; links to directories are\n"
+    "not followed. - reads paths from standard input, one a line.\n";
+
+void AddBatchOptions(CommandLine& line, BatchOptions& options) {
+  options.jobs = std::max(1u, std::thread::hardware_concurrency());
+  line.arguments.push_back({.name = "RECORDING",
+                            .target = &options.paths,
+                            .help = "recorded computers, directories of them, or -",
+                            .least = 1,
+                            .valueName = ""});
+  line.arguments.push_back({.name = "-j,--jobs",
+                            .target = BoundedNumber{&options.jobs, 1, MostJobs},
+                            .help = "processes at once (default: one a processor)",
+                            .valueName = "N"});
+}
+
+bool IsPayload(const std::string& payload) {
+  const auto directory = AppendPathComponent(payload, "Fernwick");
+  if (PathExists(AppendPathComponent(directory, "."))) return true;
+  PrintError(directory + ": there is no such directory");
+  return false;
+}
+
+int RunBatch(const BatchOptions& options, const Work& work, Output& out,
+             const std::function<std::string(const WorkResult&)>& take) {
+  Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
+  Selection selection(options.paths);
+  bool isEmpty = true;
+  std::string error;
+  const auto end = WorkThrough(selection, work, options.jobs, [&](const WorkResult& result) {
+    isEmpty = false;
+    progress.Clear();
+    error = take(result);
+    out.Flush();
+    progress.Step();
+    return error.empty() && out.Error() == 0;
+  });
+  progress.Clear();
+  if (out.Error() != 0) return FinishOutput(out);
+  if (!error.empty()) {
+    PrintError(error);
+    return LabStatus::OutputLost;
+  }
+  if (!end.complete) {
+    PrintError("no process could be started: " + end.error);
+    return LabStatus::NoProcess;
+  }
+  if (!isEmpty) return LabStatus::Done;
+  PrintError("there is no recording in what is selected");
+  return LabStatus::UnreadableInput;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,83 @@
+#include "lab/survey/diff_row.h"
+
+#include <utility>
+
+#include "lab/support/messages.h"
+#include "lab/survey/text.h"
+
+namespace fernwick::lab {
+namespace {
+
+Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
+std::string TextOf(const Json& value) {
+  return value.is_string() ? value.get<std::string>() : std::string();
+}
+
+Json ChangeToJson(const DiffChange& change) {
+  return {{"kind", change.kind},
+          {"match", TextOrNull(change.match)},
+          {"before", change.before},
+          {"after", change.after},
+          {"reasons", change.reasons}};
+}
+
+DiffChange ParseChange(const Json& json) {
+  return {TextOf(json["kind"]), TextOf(json["match"]), json["before"], json["after"],
+          json["reasons"].get<std::vector<std::string>>()};
+}
+
+// What came, went or changed. Of a value of a match that one of both lacks, both sides are told.
+std::string SidesText(const DiffChange& change) {
+  const bool isOfAMatch = change.kind == "image" || change.kind == "version";
+  if (change.before.is_null() && change.after.is_null()) return {};
+  if (change.before.is_null() && !isOfAMatch) return ": " + CellText(change.after);
+  if (change.after.is_null() && !isOfAMatch) return ": " + CellText(change.before);
+  return ": " + CellText(change.before) + " -> " + CellText(change.after);
+}
+
+std::string ChangeText(const DiffChange& change) {
+  std::string text = "  " + change.kind;
+  if (!change.match.empty()) text += " " + PrintableText(change.match);
+  text += SidesText(change) + "\n";
+  for (const auto& reason : change.reasons) text += "    " + PrintableText(reason) + "\n";
+  return text;
+}
+
+}  // namespace
+
+Json ToJson(const DiffRow& row) {
+  auto changes = Json::array();
+  for (const auto& change : row.changes) changes.push_back(ChangeToJson(change));
+  return {{"file", row.file},
+          {"board", row.board ? Json(*row.board) : Json(nullptr)},
+          {"revision", row.revision},
+          {"refused", TextOrNull(row.refusal)},
+          {"abnormalEnd", TextOrNull(row.abnormalEnd)},
+          {"changes", std::move(changes)}};
+}
+
+DiffRow ParseDiffRow(std::string_view text) {
+  const auto json = Json::parse(text);
+  DiffRow row{.file = TextOf(json["file"]),
+              .refusal = TextOf(json["refused"]),
+              .abnormalEnd = TextOf(json["abnormalEnd"]),
+              .revision = json["revision"].get<int>()};
+  if (json["board"].is_string()) row.board = TextOf(json["board"]);
+  for (const auto& change : json["changes"]) row.changes.push_back(ParseChange(change));
+  return row;
+}
+
+std::string DescribeRow(const DiffRow& row) {
+  auto text = PrintableText(row.file);
+  if (!row.refusal.empty()) return text + ": refused: " + PrintableText(row.refusal) + "\n";
+  if (!row.abnormalEnd.empty()) return text + ": ends abnormally: " + row.abnormalEnd + "\n";
+  text += ": board " + PrintableText(row.board.value_or("-")) + ", revision " +
+          std::to_string(row.revision) + "\n";
+  for (const auto& change : row.changes) text += ChangeText(change);
+  return text;
+}
+
+}  // namespace fernwick::lab

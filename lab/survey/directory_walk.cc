@@ -1,0 +1,76 @@
+#include "lab/survey/directory_walk.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::string_view RecordingSuffix = ".registry.plist";
+
+struct CloseDirectory {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
+bool IsDirectory(const std::string& parent, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+  struct stat status;
+  const auto path = AppendPathComponent(parent, entry.d_name);
+  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// The names that matter, in no order.
+std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
+  std::vector<std::string> names;
+  while (const dirent* entry = readdir(directory)) {
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    if (IsDirectory(path, *entry)) {
+      names.push_back(std::string(name) + '/');
+    } else if (name.ends_with(RecordingSuffix)) {
+      names.emplace_back(name);
+    }
+  }
+  return names;
+}
+
+}  // namespace
+
+void DirectoryWalk::Enter(std::string directory) {
+  auto& level = levels_.emplace_back(Level{std::move(directory), {}});
+  const std::unique_ptr<DIR, CloseDirectory> stream(opendir(level.path.c_str()));
+  errno = stream == nullptr ? errno : 0;
+  if (stream != nullptr) level.names = NamesIn(stream.get(), level.path);
+  if (errno != 0) level.error = std::strerror(errno);
+  // With its "/", a directory stands where the paths below it do.
+  std::ranges::sort(level.names);
+}
+
+std::optional<Selected> DirectoryWalk::Next() {
+  while (!levels_.empty()) {
+    auto& level = levels_.back();
+    if (!level.error.empty()) return Selected{level.path, std::exchange(level.error, {})};
+    if (level.next == level.names.size()) {
+      levels_.pop_back();
+      continue;
+    }
+    auto name = std::move(level.names[level.next++]);
+    const bool isDirectory = name.ends_with('/');
+    if (isDirectory) name.pop_back();
+    auto path = AppendPathComponent(level.path, name);
+    if (!isDirectory) return Selected{std::move(path)};
+    Enter(std::move(path));
+  }
+  return std::nullopt;
+}
+
+}  // namespace fernwick::lab

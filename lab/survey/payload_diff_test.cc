@@ -1,0 +1,182 @@
+#include "lab/survey/payload_diff.h"
+
+#include <gtest/gtest.h>
+
+#include "registry/recorded_registry.h"
+#include "testing/computer.h"
+#include "testing/dictionaries.h"
+#include "testing/temporary_directory.h"
+#include "value/xml/writer.h"
+
+namespace fernwick::lab {
+namespace {
+
+using testing::With;
+using testing::Without;
+
+const Dictionary Personality = {{"Version", 9},
+                                {"Firmware", "a.bin"},
+                                {"Priority", 20},
+                                {"Port Silicon Vendor ID", 1},
+                                {"Port Silicon Device ID", 2},
+                                {"Port Silicon Revision", 3}};
+
+Dictionary Usbc(const Dictionary& personality) {
+  return {{"USBC", Array{personality}}};
+}
+
+// The changes between two configurations of a computer with one port, in JSON.
+class PayloadDiff : public ::testing::Test {
+ protected:
+  PayloadDiff() {
+    computer_.SetBoard("Zed-42", 3);
+    computer_.AddPort(
+        "hpm0",
+        {{"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}, {"Version", 5}, {"Address", 56}});
+  }
+
+  PayloadRun RunWith(const Dictionary& configuration) {
+    const testing::TemporaryDirectory payload;
+    payload.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(configuration));
+    RecordedRegistry registry(computer_.Recorded());
+    PayloadRun run;
+    run.run = RunCaptured(registry, {"-p", payload.Path()}, &run.recorder);
+    return run;
+  }
+
+  std::string Changes(const Dictionary& before, const Dictionary& after) {
+    const auto changes = FindChanges(RunWith(before), RunWith(after));
+    return PrintJsonRow(ToJson(DiffRow{.file = "f", .changes = changes})["changes"]);
+  }
+
+  std::string ChangesOf(std::string_view key, PropertyValue before, PropertyValue after) {
+    return Changes(Usbc(With(Personality, {{key, std::move(before)}})),
+                   Usbc(With(Personality, {{key, std::move(after)}})));
+  }
+
+  testing::Computer computer_;
+};
+
+const std::string Port = "\"USBC, controller 1 (RID -, port 56, version 5)\"";
+
+std::string PlanChange(const std::string& kind, const std::string& before,
+                       const std::string& after) {
+  return "[{\"kind\":\"" + kind + "\",\"match\":null,\"before\":" + before + ",\"after\":" + after +
+         ",\"reasons\":[]}]\n";
+}
+
+std::string MatchChange(const std::string& kind, const std::string& before,
+                        const std::string& after) {
+  return "[{\"kind\":\"" + kind + "\",\"match\":" + Port + ",\"before\":" + before +
+         ",\"after\":" + after + ",\"reasons\":[]}]\n";
+}
+
+TEST_F(PayloadDiff, OfTheSamePayloadIsNone) {
+  EXPECT_EQ(Changes(Usbc(Personality), Usbc(Personality)), "[]\n");
+  EXPECT_EQ(Changes({}, {}), "[]\n");
+}
+
+TEST_F(PayloadDiff, FindsAnImage) {
+  EXPECT_EQ(ChangesOf("Firmware", "a.bin", "b.bin"),
+            MatchChange("image", "\"a.bin\"", "\"b.bin\""));
+}
+
+TEST_F(PayloadDiff, FindsAVersion) {
+  EXPECT_EQ(ChangesOf("Version", 9, 10), MatchChange("version", "9", "10"));
+}
+
+TEST_F(PayloadDiff, FindsAPriority) {
+  EXPECT_EQ(ChangesOf("Priority", 20, 30), PlanChange("priority", "20", "30"));
+}
+
+TEST_F(PayloadDiff, FindsVariablesToSet) {
+  EXPECT_EQ(ChangesOf("SetNVRAM", Dictionary{{"a", 1}}, Dictionary{{"a", 2}}),
+            PlanChange("NVRAM to set", "{\"a\":1}", "{\"a\":2}"));
+}
+
+TEST_F(PayloadDiff, FindsVariablesToClear) {
+  EXPECT_EQ(ChangesOf("ClearNVRAM", Array{"a"}, Array{"a", "b"}),
+            PlanChange("NVRAM to clear", "[\"a\"]", "[\"a\",\"b\"]"));
+}
+
+TEST_F(PayloadDiff, FindsAnOrder) {
+  const DictionaryEntry usbc("USBC", Array{Personality});
+  const DictionaryEntry legacy("LegacyUSBC", Personality);
+  EXPECT_EQ(Changes({usbc, legacy}, {legacy, usbc}),
+            PlanChange("order", "[\"USBC 1\",\"LegacyUSBC 1\"]", "[\"LegacyUSBC 1\",\"USBC 1\"]"));
+}
+
+TEST_F(PayloadDiff, FindsOptions) {
+  testing::Computer computer;
+  computer.SetBoard("Zed-42", 3);
+  computer.AddThunderbolt("ridge0", {{"UID", 1},
+                                     {"Vendor ID", 1},
+                                     {"Device ID", 2},
+                                     {"Revision ID", 3},
+                                     {"Depth", 0},
+                                     {"Route String", 0},
+                                     {"ROM Version", 0x41},
+                                     {"EEPROM Revision", 5}});
+  computer_ = computer;
+  const Dictionary personality = {{"Version", 50},
+                                  {"Firmware", "r.bin"},
+                                  {"Ridge Silicon Vendor ID", 1},
+                                  {"Ridge Silicon Device ID", 2},
+                                  {"Ridge Silicon Revision", 3}};
+  EXPECT_EQ(Changes({{"LegacyThunderbolt", Array{personality}}},
+                    {{"LegacyThunderbolt", Array{With(personality, {{"Firmware Mode", 1}})}}}),
+            PlanChange("options", "\"-g -o -sr 1 0 -ee efi-quince-payload0-data -noreset\"",
+                       "\"-g -o -sr 1 0 -fs efi-quince-payload0-data -noreset\""));
+}
+
+// The plan comes and goes with its one match.
+std::string Gained(const std::string& reasons) {
+  return R"([{"kind":"gains plan","match":null,"before":null,"after":null,"reasons":[]},)"
+         R"({"kind":"gains match","match":)" +
+         Port + R"(,"before":null,"after":"9, a.bin","reasons":[)" + reasons + "]}]\n";
+}
+
+std::string Lost(const std::string& reasons) {
+  return R"([{"kind":"loses plan","match":null,"before":null,"after":null,"reasons":[]},)"
+         R"({"kind":"loses match","match":)" +
+         Port + R"(,"before":"9, a.bin","after":null,"reasons":[)" + reasons + "]}]\n";
+}
+
+TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
+  const auto other = Usbc(With(Personality, {{"Version", 5}, {"Port Silicon Revision", 4}}));
+  const std::string reasons = R"("\"Version\" 5 is not newer than the installed 5",)"
+                              R"("\"Port Silicon Revision\" wants 4, finds 3")";
+  EXPECT_EQ(Changes(other, Usbc(Personality)), Gained(reasons));
+  EXPECT_EQ(Changes(Usbc(Personality), other), Lost(reasons));
+}
+
+TEST_F(PayloadDiff, TellsThatThereIsNoSuchPersonality) {
+  EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes(Dictionary(), Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes({{"USBC", Personality}}, Usbc(Personality)),
+            Gained(R"("\"USBC\" holds a dictionary, which matches nothing")"));
+  EXPECT_EQ(Changes({{"USBC", Array{}}}, Usbc(Personality)),
+            Gained("\"there is no such personality\""));
+  EXPECT_EQ(Changes({{"USBC", Array{1}}}, Usbc(Personality)), Gained("\"it is no dictionary\""));
+}
+
+// The counterpart of a personality that has moved is the one with the same image.
+TEST_F(PayloadDiff, FindsThePersonalityByItsImageFirst) {
+  const auto never = Without(With(Personality, {{"Firmware", "b.bin"}}), "Version");
+  const auto old = With(Personality, {{"Version", 4}});
+  EXPECT_EQ(Changes({{"USBC", Array{never, old}}}, Usbc(Personality)),
+            Gained(R"("\"Version\" 4 is not newer than the installed 5")"));
+}
+
+TEST_F(PayloadDiff, TellsWhyThereIsNoPlan) {
+  EXPECT_EQ(Changes(Usbc(Personality), Usbc(Without(Personality, "Firmware"))),
+            R"([{"kind":"loses plan","match":null,"before":null,"after":null,"reasons":)"
+            R"(["fernwick: Error in personality: no firmware image to flash for type USBC"]},)"
+            R"({"kind":"image","match":)" +
+                Port +
+                R"(,"before":"a.bin","after":null,"reasons":[]}])"
+                "\n");
+}
+
+}  // namespace
+}  // namespace fernwick::lab

@@ -1,0 +1,51 @@
+#include "lab/survey/progress.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::chrono::milliseconds Interval(200);
+
+std::string MinutesAndSeconds(std::size_t seconds) {
+  const auto rest = std::to_string(seconds % 60);
+  return std::to_string(seconds / 60) + (rest.size() == 1 ? ":0" : ":") + rest;
+}
+
+}  // namespace
+
+std::string ProgressText(std::size_t done, std::optional<std::size_t> total,
+                         std::chrono::milliseconds elapsed) {
+  const auto milliseconds = static_cast<std::size_t>(elapsed.count());
+  auto text = std::to_string(done);
+  if (total) text += " of " + std::to_string(*total);
+  if (milliseconds == 0) return text;
+  text += ", " + std::to_string(done * 1000 / milliseconds) + " a second";
+  if (!total || done == 0 || *total < done) return text;
+  return text + ", " + MinutesAndSeconds((*total - done) * milliseconds / done / 1000) + " left";
+}
+
+Progress::Progress(std::optional<std::size_t> total) : total_(total) {}
+
+bool Progress::IsShown() {
+  return isatty(STDERR_FILENO) != 0;
+}
+
+void Progress::Step() {
+  ++done_;
+  const auto now = Clock::now();
+  if (!IsShown() || now - shown_ < Interval) return;
+  shown_ = now;
+  const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(now - begin_);
+  std::fprintf(stderr, "\r%s\x1B[K", ProgressText(done_, total_, elapsed).c_str());
+  stands_ = true;
+}
+
+void Progress::Clear() {
+  if (stands_) std::fputs("\r\x1B[K", stderr);
+  stands_ = false;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,162 @@
+#include "lab/survey/row.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <utility>
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::array<std::string_view, 5> OutcomeNames = {"plan", "no plan", "bypassed", "refused",
+                                                          "abnormal end"};
+
+template <typename Value>
+Json OrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json MatchToJson(const SurveyMatch& match) {
+  return {{"type", match.type},
+          {"rid", match.rid},
+          {"portAddress", match.portAddress},
+          {"installed", match.installed},
+          {"version", match.version},
+          {"image", match.image}};
+}
+
+// Reads the members of an object and remembers whether each was there and of its kind.
+class Members {
+ public:
+  explicit Members(const Json& object) : object_(object), sound_(object.is_object()) {}
+
+  // Null when it is not there.
+  Json Any(const char* key) {
+    const auto found = sound_ ? object_.find(key) : object_.end();
+    sound_ = sound_ && found != object_.end();
+    return sound_ ? *found : Json(nullptr);
+  }
+
+  std::string Text(const char* key) {
+    const auto value = Any(key);
+    sound_ = sound_ && value.is_string();
+    return sound_ ? value.get<std::string>() : std::string();
+  }
+
+  std::optional<std::string> OptionalText(const char* key) {
+    if (Any(key).is_null()) return std::nullopt;
+    return Text(key);
+  }
+
+  std::optional<int> OptionalInteger(const char* key) {
+    const auto value = Any(key);
+    sound_ = sound_ && (value.is_null() || value.is_number_integer());
+    if (!sound_ || value.is_null()) return std::nullopt;
+    return value.get<int>();
+  }
+
+  std::size_t Count(const char* key) {
+    const auto value = Any(key);
+    sound_ = sound_ && value.is_number_unsigned();
+    return sound_ ? value.get<std::size_t>() : 0;
+  }
+
+  // What `interpret` makes of the members of each element.
+  template <typename Element, typename Interpret>
+  std::vector<Element> List(const char* key, Interpret interpret) {
+    std::vector<Element> elements;
+    const auto list = Any(key);
+    sound_ = sound_ && list.is_array();
+    if (!sound_) return elements;
+    for (const auto& element : list) {
+      Members members(element);
+      elements.push_back(interpret(members));
+      sound_ = sound_ && members.sound_;
+    }
+    return elements;
+  }
+
+  void Refuse() { sound_ = false; }
+  bool AreSound() const { return sound_; }
+
+ private:
+  const Json& object_;
+  bool sound_;
+};
+
+SurveyMatch InterpretMatch(Members& members) {
+  SurveyMatch match;
+  match.type = members.Text("type");
+  match.rid = members.Any("rid");
+  match.portAddress = members.Any("portAddress");
+  match.installed = members.Any("installed");
+  match.version = members.Any("version");
+  match.image = members.Any("image");
+  return match;
+}
+
+DiagnosticCount InterpretDiagnostic(Members& members) {
+  auto text = members.Text("text");
+  return {std::move(text), members.Count("count")};
+}
+
+Outcome InterpretOutcome(Members& members) {
+  const auto* const found = std::ranges::find(OutcomeNames, members.Text("outcome"));
+  if (found == OutcomeNames.end()) members.Refuse();
+  return static_cast<Outcome>(found == OutcomeNames.end() ? 0 : found - OutcomeNames.begin());
+}
+
+}  // namespace
+
+std::string_view NameOf(Outcome outcome) {
+  return OutcomeNames[static_cast<std::size_t>(outcome)];
+}
+
+Json ToJson(const SurveyRow& row) {
+  auto matches = Json::array();
+  for (const auto& match : row.matches) matches.push_back(MatchToJson(match));
+  auto diagnostics = Json::array();
+  for (const auto& [text, count] : row.diagnostics) {
+    diagnostics.push_back({{"text", text}, {"count", count}});
+  }
+  return {{"file", row.file},
+          {"outcome", NameOf(row.outcome)},
+          {"status", OrNull(row.status)},
+          {"reason", row.reason.empty() ? Json(nullptr) : Json(row.reason)},
+          {"board", OrNull(row.board)},
+          {"revision", OrNull(row.revision)},
+          {"matches", std::move(matches)},
+          {"diagnostics", std::move(diagnostics)}};
+}
+
+std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
+  const auto parsed = Json::parse(json, nullptr, false);
+  Members members(parsed);
+  SurveyRow row;
+  row.file = members.Text("file");
+  row.outcome = InterpretOutcome(members);
+  row.status = members.OptionalInteger("status");
+  row.reason = members.OptionalText("reason").value_or("");
+  row.board = members.OptionalText("board");
+  row.revision = members.OptionalInteger("revision");
+  row.matches = members.List<SurveyMatch>("matches", InterpretMatch);
+  row.diagnostics = members.List<DiagnosticCount>("diagnostics", InterpretDiagnostic);
+  if (!members.AreSound()) return std::nullopt;
+  return row;
+}
+
+std::vector<DiagnosticCount> CountLines(std::string_view text) {
+  std::vector<DiagnosticCount> counts;
+  std::map<std::string_view, std::size_t> places;
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    const auto line = text.substr(0, end);
+    const auto [place, isNew] = places.emplace(line, counts.size());
+    if (isNew) counts.push_back({std::string(line), 0});
+    ++counts[place->second].count;
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+  return counts;
+}
+
+}  // namespace fernwick::lab

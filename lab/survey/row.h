@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/support/json_values.h"
+
+namespace fernwick::lab {
+
+/// What became of one computer.
+enum class Outcome {
+  Plan,
+  NoPlan,
+  Bypassed,  // by a switch of the computer
+  Refused,   // its recording
+  AbnormalEnd,
+};
+
+/// "plan", "no plan", "bypassed", "refused" and "abnormal end".
+std::string_view NameOf(Outcome outcome);
+
+/// A personality that applies to a controller: the RID, address and installed version are the
+/// controller's, the new version and the image are the plan's. Null where a value is absent.
+struct SurveyMatch {  // NOLINT: Json moves without exceptions, whatever it is made of
+  std::string type;
+  Json rid;
+  Json portAddress;
+  Json installed;  // the controller's version
+  Json version;    // the new one
+  Json image;
+};
+
+/// A line of standard error and how often it came.
+struct DiagnosticCount {
+  std::string text;
+  std::size_t count;
+};
+
+/// One computer of a survey.
+struct SurveyRow {
+  std::string file;
+  Outcome outcome = Outcome::NoPlan;
+  std::optional<int> status = {};  // the tool's; the lab's of a refused recording
+  std::string reason = {};         // why it was refused, or what ended it, such as "SIGABRT"
+  std::optional<std::string> board = {};
+  std::optional<int> revision = {};
+  std::vector<SurveyMatch> matches = {};          // in the order of the plan
+  std::vector<DiagnosticCount> diagnostics = {};  // each by its first place
+};
+
+/// In JSON, all keys always there and in the same order.
+Json ToJson(const SurveyRow& row);
+
+/// A row from its JSON, such as one of an earlier survey. None when it is none.
+std::optional<SurveyRow> ParseSurveyRow(std::string_view json);
+
+/// Counts the lines of a text. The last may lack its line feed.
+std::vector<DiagnosticCount> CountLines(std::string_view text);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,70 @@
+#include "lab/survey/row.h"
+
+#include <gtest/gtest.h>
+
+namespace fernwick::lab {
+namespace {
+
+// A row with something in every place, in JSON.
+constexpr char Full[] =
+    R"({"file":"a","outcome":"plan","status":0,"reason":"r","board":"Zed-1","revision":255,)"
+    R"("matches":[{"type":"USBC","rid":18446744073709551615,"portAddress":-1,"installed":1.5,)"
+    R"("version":{"real":"nan"},"image":"x\u0000"}],"diagnostics":[{"text":"** t","count":2}]})"
+    "\n";
+
+std::string Without(std::string text, const std::string& part) {
+  return text.erase(text.find(part), part.size());
+}
+
+TEST(SurveyRow, IsTheSameAfterPassingThroughJson) {
+  const auto row = ParseSurveyRow(Full);
+  ASSERT_TRUE(row.has_value());
+  EXPECT_EQ(PrintJsonRow(ToJson(*row)), Full);
+}
+
+TEST(SurveyRow, OfNothingHasEveryKey) {
+  EXPECT_EQ(PrintJsonRow(ToJson(SurveyRow{.file = "a"})),
+            "{\"file\":\"a\",\"outcome\":\"no plan\",\"status\":null,\"reason\":null,"
+            "\"board\":null,\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
+}
+
+TEST(SurveyRow, HasANameForEveryOutcome) {
+  for (const auto outcome : {Outcome::Plan, Outcome::NoPlan, Outcome::Bypassed, Outcome::Refused,
+                             Outcome::AbnormalEnd}) {
+    const auto json = PrintJsonRow(ToJson(SurveyRow{.file = "a", .outcome = outcome}));
+    ASSERT_TRUE(ParseSurveyRow(json).has_value()) << json;
+    EXPECT_EQ(ParseSurveyRow(json)->outcome, outcome);
+  }
+}
+
+TEST(SurveyRow, OfWhichAKeyIsMissingIsNone) {
+  for (const char* part :
+       {"\"file\":\"a\",", "\"outcome\":\"plan\",", "\"status\":0,", "\"reason\":\"r\",",
+        "\"board\":\"Zed-1\",", "\"revision\":255,", "\"type\":\"USBC\",", "\"portAddress\":-1,",
+        "\"installed\":1.5,", "\"version\":{\"real\":\"nan\"},", "\"text\":\"** t\","}) {
+    EXPECT_FALSE(ParseSurveyRow(Without(Full, part)).has_value()) << part;
+  }
+}
+
+TEST(SurveyRow, OfAnotherShapeIsNone) {
+  for (
+      const char* json :
+      {"", "{", "[]", "{}", "null", "1", "{\"file\":1}", "\xFF",
+       R"({"file":"a","outcome":"x","status":null,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[]})",
+       R"({"file":"a","outcome":"plan","status":1.5,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[]})",
+       R"({"file":"a","outcome":"plan","status":0,"reason":null,"board":null,"revision":null,"matches":{},"diagnostics":[]})",
+       R"({"file":"a","outcome":"plan","status":0,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[{"text":"t","count":-1}]})"}) {
+    EXPECT_FALSE(ParseSurveyRow(json).has_value()) << json;
+  }
+}
+
+TEST(CountLines, CountsEachTextAtItsFirstPlace) {
+  const auto counts = CountLines("b\na\n\nb\nlast");
+  std::string found;
+  for (const auto& [text, count] : counts) found += text + "=" + std::to_string(count) + " ";
+  EXPECT_EQ(found, "b=2 a=1 =1 last=1 ");
+  EXPECT_TRUE(CountLines("").empty());
+}
+
+}  // namespace
+}  // namespace fernwick::lab

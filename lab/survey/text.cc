@@ -1,0 +1,53 @@
+#include "lab/survey/text.h"
+
+#include "lab/support/messages.h"
+
+namespace fernwick::lab {
+namespace {
+
+template <typename Value>
+std::string OrDash(const std::optional<Value>& value) {
+  return value ? CellText(Json(*value)) : "-";
+}
+
+std::string OutcomeText(const SurveyRow& row) {
+  return std::string(NameOf(row.outcome)) + ", status " + OrDash(row.status) +
+         (row.reason.empty() ? "" : " (" + PrintableText(row.reason) + ")") + ", board " +
+         OrDash(row.board) + ", revision " + OrDash(row.revision);
+}
+
+std::string MatchText(const SurveyMatch& match) {
+  return PrintableText(match.type) + ": RID " + CellText(match.rid) + ", port " +
+         CellText(match.portAddress) + ", " + CellText(match.installed) + " to " +
+         CellText(match.version) + ", " + CellText(match.image);
+}
+
+}  // namespace
+
+std::string CellText(const Json& value) {
+  if (value.is_null()) return "-";
+  if (value.is_string()) return PrintableText(value.get_ref<const std::string&>());
+  return PrintableText(value.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+std::string StatusText(const SurveyRow& row) {
+  switch (row.outcome) {
+    case Outcome::AbnormalEnd: return PrintableText(row.reason);
+    case Outcome::Bypassed:
+    case Outcome::Refused: return OrDash(row.status) + " " + std::string(NameOf(row.outcome));
+    default: return OrDash(row.status);
+  }
+}
+
+std::string DiagnosticText(const DiagnosticCount& diagnostic) {
+  return std::to_string(diagnostic.count) + " x " + PrintableText(diagnostic.text);
+}
+
+std::vector<std::string> DescribeLines(const SurveyRow& row) {
+  std::vector<std::string> lines = {OutcomeText(row)};
+  for (const auto& match : row.matches) lines.push_back(MatchText(match));
+  for (const auto& diagnostic : row.diagnostics) lines.push_back(DiagnosticText(diagnostic));
+  return lines;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "lab/survey/row.h"
+
+namespace fernwick::lab {
+
+/// A row in words for people, every text safe to show.
+
+/// A value as a cell of a table has it: a text bare, "-" for null.
+std::string CellText(const Json& value);
+
+/// The status of the run, or what there is in its place: "0", "0 bypassed", "65 refused",
+/// "SIGABRT".
+std::string StatusText(const SurveyRow& row);
+
+/// "2 x ** No current firmware version?"
+std::string DiagnosticText(const DiagnosticCount& diagnostic);
+
+/// Everything but the file, a line each without its line feed: the outcome, every match, every
+/// diagnostic.
+std::vector<std::string> DescribeLines(const SurveyRow& row);
+
+}  // namespace fernwick::lab
