@@ -109,7 +109,7 @@ std::set<std::string> AllTestNames() {
   for (const char* folder : {"value", "platform", "registry", "personality", "plan", "driver",
                              "lab", "golden", "golden/cases"}) {
     for (const auto& file : fs::directory_iterator(SourceDirectory / folder)) {
-      if (file.path().extension() == ".case") names.insert(file.path().stem().string());
+      if (file.path().extension() == ".txt") names.insert(file.path().stem().string());
       if (!file.path().filename().string().ends_with("_test.cc")) continue;
       for (auto& name : TestNamesOf(file.path())) names.insert(std::move(name));
     }
