@@ -84,6 +84,15 @@ TEST(Output, FullDiskKeepsTheStatusOfARejectedCommandLine) {
                      "fernwick: standard output could not be written: No space left on device\n"});
 }
 
+TEST(Show, ThatCannotBePrintedIsNoSuccess) {
+  for (const char* form : {"--json", "--plane=IOService"}) {
+    ExpectOutcome(
+        RunLab({"show", Recording, form}, OutputTarget::FullDisk),
+        {"74", "",
+         "fernwick-lab: standard output could not be written: No space left on device\n"});
+  }
+}
+
 TEST(Output, ClosedDoesNotMatterWhenNothingIsPrinted) {
   ExpectOutcome(RunTool({}, OutputTarget::Closed),
                 {"13", "",
