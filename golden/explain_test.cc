@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::GoldenReplay;
 using testing::ReportedMatch;
 
@@ -34,12 +35,6 @@ ChildOutcome RunVerb(std::string verb, std::vector<std::string> arguments, std::
   arguments.insert(arguments.begin(), std::move(verb));
   if (!option.empty()) arguments.push_back(std::move(option));
   return RunLab(arguments);
-}
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
 }
 
 TEST(Explain, OfAConfigurationThatCannotBeReadIsNoSuccess) {

@@ -14,6 +14,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::OutputTarget;
 using testing::RunChild;
 
@@ -45,12 +46,6 @@ ChildOutcome RunTool(std::vector<std::string> arguments,
                      OutputTarget target = OutputTarget::Captured) {
   arguments.insert(arguments.begin(), FERNWICK_PROGRAM);
   return RunChild(arguments, FERNWICK_GOLDEN_DIRECTORY, target);
-}
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
 }
 
 TEST(Output, ClosedIsNoSuccess) {

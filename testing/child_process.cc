@@ -1,6 +1,7 @@
 #include "testing/child_process.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,6 +51,12 @@ void BecomeCommand(const std::vector<std::string>& command, const std::string& d
   if (chdir(directory.c_str()) == 0) execvp(arguments.front(), arguments.data());
   std::perror(command.front().c_str());
   std::_Exit(127);
+}
+
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
+  EXPECT_EQ(found.status, expected.status);
+  EXPECT_EQ(found.standardOutput, expected.standardOutput);
+  EXPECT_EQ(found.standardError, expected.standardError);
 }
 
 std::string DescribeStatus(int status) {

@@ -10,6 +10,8 @@ struct ChildOutcome {
   std::string status;  // the exit status in decimal, or the name of a signal such as "SIGABRT"
   std::string standardOutput;
   std::string standardError;
+
+  friend bool operator==(const ChildOutcome&, const ChildOutcome&) = default;
 };
 
 /// Where a program's standard output goes.
@@ -23,6 +25,9 @@ ChildOutcome RunChild(const std::vector<std::string>& command, const std::string
 /// SIGPIPE. Where it cannot run, ends with status 127 and says so on standard error.
 [[noreturn]] void BecomeCommand(const std::vector<std::string>& command,
                                 const std::string& directory);
+
+/// Fails the test where the two differ.
+void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected);
 
 /// What waitpid tells, as ChildOutcome::status has it.
 std::string DescribeStatus(int status);
