@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/many_computers.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/many_computers.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 

@@ -16,9 +16,9 @@
 #include <string_view>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
-#include "testing/manual_page.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/manual_page.h"
 
 namespace fernwick {
 namespace {
@@ -149,7 +149,7 @@ TEST(Documents, TellHowToExtendByTestsAndFilesThatExist) {
   const auto known = AllTestNames();
   const auto document = testing::ReadFile(SourceDirectory / "docs/extending.md");
   const std::regex test(R"(`([A-Z]\w+\.[A-Z]\w+)`)");
-  const std::regex file(R"(`([a-z]+/[a-z][\w.-]*)`)");
+  const std::regex file(R"(`([a-z]+(?:/[a-z][\w.-]*)+)`)");
   int count = 0;
   for (std::sregex_iterator match(document.begin(), document.end(), test), end; match != end;
        ++match, ++count) {

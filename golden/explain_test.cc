@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/golden_case.h"
-#include "testing/report_lines.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/golden_case.h"
+#include "testing/programs/report_lines.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {

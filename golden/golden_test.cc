@@ -1,6 +1,6 @@
 // Whole runs of the lab, most of them replays: the tool over recorded computers. Each case is a
-// file, in the form that testing/golden_case.h describes. With FERNWICK_REWRITE_GOLDEN=1 in the
-// environment the expectations are written instead of compared.
+// file, in the form that testing/programs/golden_case.h describes. With FERNWICK_REWRITE_GOLDEN=1
+// in the environment the expectations are written instead of compared.
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
-#include "testing/golden_case.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/golden_case.h"
 
 namespace fernwick {
 namespace {

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
+#include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/coverage_counting.h"
+#include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 #include "testing/unprivileged.h"

@@ -1,6 +1,6 @@
 // A survey of more computers than memory should have to hold.
 
-#include "testing/many_computers.h"
+#include "testing/programs/many_computers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/fed_program.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/fed_program.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 

@@ -9,7 +9,7 @@
 #include "lab/abnormal_end.h"
 #include "lab/captured_run.h"
 #include "lab/recording_file.h"
-#include "testing/golden_case.h"
+#include "testing/programs/golden_case.h"
 
 namespace fernwick {
 namespace {

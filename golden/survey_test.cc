@@ -9,9 +9,9 @@
 #include <tuple>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/fed_program.h"
-#include "testing/many_computers.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/fed_program.h"
+#include "testing/programs/many_computers.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 

@@ -10,7 +10,7 @@
 #include "lab/lint_payload.h"
 #include "lab/lint_report.h"
 #include "lab/lint_rules.h"
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
 #include "testing/temporary_directory.h"
 

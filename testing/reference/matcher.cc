@@ -1,9 +1,9 @@
-#include "testing/reference_matcher.h"
+#include "testing/reference/matcher.h"
 
 #include <algorithm>
 #include <string_view>
 
-#include "testing/reference_checks.h"
+#include "testing/reference/checks.h"
 
 namespace fernwick::testing::reference {
 namespace {

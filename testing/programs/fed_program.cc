@@ -1,4 +1,4 @@
-#include "testing/fed_program.h"
+#include "testing/programs/fed_program.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 
 namespace fernwick::testing {
 namespace {

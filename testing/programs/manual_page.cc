@@ -1,4 +1,4 @@
-#include "testing/manual_page.h"
+#include "testing/programs/manual_page.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,4 +1,4 @@
-#include "testing/random_pairs.h"
+#include "testing/inputs/random_pairs.h"
 
 #include <string>
 #include <utility>

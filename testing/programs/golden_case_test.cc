@@ -1,4 +1,4 @@
-#include "testing/golden_case.h"
+#include "testing/programs/golden_case.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>

@@ -32,7 +32,7 @@ Dictionary BuildMatchRecord(const Dictionary& personality, const Dictionary& har
                             std::string_view type);
 
 /// The matcher a second time, for the reason that the checks are there a second time: see
-/// testing/reference_checks.h. It takes the configuration as it was loaded, absent when it was not.
+/// testing/reference/checks.h. It takes the configuration as it was loaded, absent when it was not.
 /// Of `boardRevision` only the low 8 bits count.
 Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
                             std::uint32_t boardRevision, const Controllers& controllers,

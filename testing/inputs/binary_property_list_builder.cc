@@ -1,4 +1,4 @@
-#include "testing/binary_property_list_builder.h"
+#include "testing/inputs/binary_property_list_builder.h"
 
 #include <bit>
 

@@ -1,11 +1,11 @@
-#include "testing/program_help.h"
+#include "testing/programs/program_help.h"
 
 #include <regex>
 #include <sstream>
 #include <string_view>
 #include <vector>
 
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 
 namespace fernwick::testing {
 namespace {

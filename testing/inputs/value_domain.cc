@@ -1,4 +1,4 @@
-#include "testing/value_domain.h"
+#include "testing/inputs/value_domain.h"
 
 #include <cstdint>
 #include <limits>

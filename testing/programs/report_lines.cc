@@ -1,4 +1,4 @@
-#include "testing/report_lines.h"
+#include "testing/programs/report_lines.h"
 
 #include <sstream>
 #include <string_view>

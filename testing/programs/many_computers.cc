@@ -1,4 +1,4 @@
-#include "testing/many_computers.h"
+#include "testing/programs/many_computers.h"
 
 namespace fernwick::testing {
 namespace {

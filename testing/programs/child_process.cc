@@ -1,4 +1,4 @@
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 
 /// Golden cases: whole commands of the lab, with all that they print and how they end. A case is
 /// one file, NAME.txt, of one command or more:

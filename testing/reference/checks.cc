@@ -1,4 +1,4 @@
-#include "testing/reference_checks.h"
+#include "testing/reference/checks.h"
 
 #include <limits>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "testing/odd_values.h"
+#include "testing/inputs/odd_values.h"
 
 #include "testing/computer.h"
 
