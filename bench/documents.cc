@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "testing/random_choice.h"
+#include "testing/inputs/random_choice.h"
 #include "value/binary/writer.h"
 #include "value/xml/writer.h"
 

@@ -26,7 +26,19 @@ function(fernwick_tests program library)
   add_executable(${program} ${ARGN})
   fernwick_compile_quickly(${program})
   target_link_libraries(${program} PRIVATE ${library} fernwick_testing GTest::gtest_main)
+  set_property(GLOBAL APPEND PROPERTY FERNWICK_TEST_PROGRAMS ${program})
   gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
+endfunction()
+
+# fernwick_knows_tests(PROGRAM): defines FERNWICK_TEST_PROGRAMS in a test program as the paths of all
+# test programs, in quotes with commas between. Call it after the last fernwick_tests.
+function(fernwick_knows_tests program)
+  get_property(programs GLOBAL PROPERTY FERNWICK_TEST_PROGRAMS)
+  list(TRANSFORM programs REPLACE "(.+)" "\"$<TARGET_FILE:\\1>\"" OUTPUT_VARIABLE paths)
+  list(JOIN paths "," paths)
+  target_compile_definitions(${program} PRIVATE "FERNWICK_TEST_PROGRAMS=${paths}")
+  list(REMOVE_ITEM programs ${program})
+  add_dependencies(${program} ${programs})
 endfunction()
 
 # fernwick_compile_quickly(TARGET): under the sanitizers, what no fuzz target runs is compiled in half

@@ -13,7 +13,7 @@
 #include "registry/board_identity.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
-#include "testing/reference_matcher.h"
+#include "testing/reference/matcher.h"
 
 namespace fernwick::fuzz {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
+#include "testing/programs/child_process.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::fuzz {

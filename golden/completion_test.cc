@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/named_rows.h"
-#include "testing/program_help.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/program_help.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {
@@ -48,7 +48,7 @@ Words OfferedByZsh(const std::vector<std::string>& line, const std::string& dire
   for (const auto& word : line) typed.append(typed.empty() ? "" : " ").append(word);
   const auto outcome = testing::RunChild(
       {"env", "PATH=" FERNWICK_BUILD_DIRECTORY ":/usr/bin:/bin", "zsh", "-f",
-       FERNWICK_SOURCE_DIRECTORY "/testing/offered_by_zsh.zsh", Completions, typed},
+       FERNWICK_SOURCE_DIRECTORY "/testing/programs/offered_by_zsh.zsh", Completions, typed},
       directory);
   EXPECT_EQ(outcome.standardError, "");
   return LinesOf(outcome.standardOutput);

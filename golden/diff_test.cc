@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/many_computers.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/many_computers.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -14,13 +14,8 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::OutputTarget;
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
-}
 
 ChildOutcome Diff(std::vector<std::string> arguments, const std::string& directory,
                   OutputTarget target = OutputTarget::Captured) {

@@ -8,15 +8,17 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
-#include "testing/manual_page.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/manual_page.h"
 
 namespace fernwick {
 namespace {
@@ -91,30 +93,40 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
   }
 }
 
-// The tests that a file defines as "Suite.Name".
-std::vector<std::string> TestNamesOf(const fs::path& file) {
-  const std::regex definition(R"(TEST(?:_P|_F)?\((\w+), (\w+)\))");
-  std::vector<std::string> names;
-  const auto source = testing::ReadFile(file);
-  for (std::sregex_iterator match(source.begin(), source.end(), definition), end; match != end;
-       ++match) {
-    names.push_back((*match)[1].str() + "." + (*match)[2].str());
+// The tests that a program lists, as "Suite.Name". Of a test with parameters, the program lists
+// "Instance/Suite." and then "Name/Parameter", once for each parameter.
+std::set<std::string> TestNamesOf(const std::string& program) {
+  const auto outcome = testing::RunChild({program, "--gtest_list_tests"}, FERNWICK_BUILD_DIRECTORY);
+  EXPECT_EQ(outcome.status, "0") << program << ": " << outcome.standardError;
+  std::set<std::string> names;
+  std::istringstream lines(outcome.standardOutput);
+  std::string suite;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("  ")) {
+      names.insert(suite + line.substr(2, line.find_first_of("/ ", 2) - 2));
+    } else {
+      suite = line.substr(line.rfind('/') + 1);
+    }
   }
   return names;
 }
 
-// Those of every folder, and the golden cases by their names.
+// Those of every test program, and the golden cases by their names.
 std::set<std::string> AllTestNames() {
   std::set<std::string> names;
-  for (const char* folder : {"value", "platform", "registry", "personality", "plan", "driver",
-                             "lab", "golden", "golden/cases"}) {
-    for (const auto& file : fs::directory_iterator(SourceDirectory / folder)) {
-      if (file.path().extension() == ".case") names.insert(file.path().stem().string());
-      if (!file.path().filename().string().ends_with("_test.cc")) continue;
-      for (auto& name : TestNamesOf(file.path())) names.insert(std::move(name));
-    }
+  for (const std::string program : {FERNWICK_TEST_PROGRAMS}) names.merge(TestNamesOf(program));
+  for (const auto& file : fs::directory_iterator(SourceDirectory / "golden/cases")) {
+    names.insert(file.path().stem().string());
   }
   return names;
+}
+
+TEST(Documents, KnowTestsByWhatTheProgramsList) {
+  const auto known = AllTestNames();
+  for (const char* name : {"Documents.KnowTestsByWhatTheProgramsList", "Golden.RunsAsExpected",
+                           "no-arguments", "GoldenCaseFile.OfAnotherFormFails"}) {
+    EXPECT_TRUE(known.contains(name)) << name;
+  }
 }
 
 TEST(Documents, NameOnlyTestsThatExist) {
@@ -137,7 +149,7 @@ TEST(Documents, TellHowToExtendByTestsAndFilesThatExist) {
   const auto known = AllTestNames();
   const auto document = testing::ReadFile(SourceDirectory / "docs/extending.md");
   const std::regex test(R"(`([A-Z]\w+\.[A-Z]\w+)`)");
-  const std::regex file(R"(`([a-z]+/[a-z][\w.-]*)`)");
+  const std::regex file(R"(`([a-z]+(?:/[a-z][\w.-]*)+)`)");
   int count = 0;
   for (std::sregex_iterator match(document.begin(), document.end(), test), end; match != end;
        ++match, ++count) {
@@ -169,8 +181,10 @@ TEST(Documents, TellTheReasonForEveryPackageThatDevInstalls) {
   ASSERT_NE(start, std::string::npos);
   const auto table = readme.substr(start, readme.find("\n\n", start) - start);
   const auto named = WordsFound(table, std::regex(R"(\n\| (`[^|]*`) \| [^|]+ \|)"));
-  const auto installed =
-      WordsFound(testing::ReadFile(SourceDirectory / "dev"), std::regex(R"(packages=\(([^)]*)\))"));
+  const auto outcome = testing::RunChild({"./dev", "packages"}, SourceDirectory.string());
+  std::istringstream listed(outcome.standardOutput);
+  const std::set<std::string> installed(std::istream_iterator<std::string>(listed), {});
+  EXPECT_EQ(outcome.status, "0");
   EXPECT_GT(installed.size(), 10U);
   EXPECT_EQ(named, installed);
 }

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/coverage_counting.h"
 #include "testing/files.h"
+#include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -18,21 +18,11 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::RunChild;
 
 const std::string Examples = FERNWICK_SOURCE_DIRECTORY "/examples/";
 const std::string OutOfMemory = "fernwick: out of memory\n";
-
-bool operator==(const ChildOutcome& a, const ChildOutcome& b) {
-  return a.status == b.status && a.standardOutput == b.standardOutput &&
-         a.standardError == b.standardError;
-}
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
-}
 
 ChildOutcome NoPlan(const std::string& error) {
   return {"13", "",

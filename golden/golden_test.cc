@@ -1,6 +1,6 @@
-// Whole runs of the tool over recorded computers. Each case is a file in golden/cases; what the run
-// must print and how it must end stand beside it. With FERNWICK_REWRITE_GOLDEN=1 in the environment
-// the expectations are written instead of compared.
+// Whole runs of the lab, most of them replays: the tool over recorded computers. Each case is a
+// file, in the form that testing/programs/golden_case.h describes. With FERNWICK_REWRITE_GOLDEN=1
+// in the environment the expectations are written instead of compared.
 
 #include <gtest/gtest.h>
 
@@ -9,71 +9,93 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/files.h"
-#include "testing/golden_case.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/golden_case.h"
 
 namespace fernwick {
 namespace {
 
 namespace fs = std::filesystem;
 
+using Names = std::vector<std::string>;
+
 const fs::path GoldenDirectory = FERNWICK_GOLDEN_DIRECTORY;
 
-std::vector<std::string> CommandOf(const testing::GoldenCase& described) {
-  std::vector<std::string> command{FERNWICK_LAB_PROGRAM, "replay", described.recording};
-  for (const auto& argument : described.ToolArguments()) command.push_back(argument);
-  return command;
+// The case with what its commands print now.
+std::string RunAndFormat(const testing::GoldenCase& described) {
+  std::string text;
+  for (const auto& [head, arguments] : described.commands) {
+    std::vector<std::string> command{FERNWICK_LAB_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    text += head + testing::FormatSections(testing::RunChild(command, GoldenDirectory.string()));
+  }
+  return text;
 }
 
-class Golden : public ::testing::TestWithParam<std::string> {
- protected:
-  static fs::path Beside(std::string_view ending) {
-    return GoldenDirectory / "cases" / (GetParam() + std::string(ending));
-  }
-
-  static void CompareOrRewrite(std::string_view ending, const std::string& found) {
-    if (std::getenv("FERNWICK_REWRITE_GOLDEN") != nullptr) {
-      std::ofstream(Beside(ending), std::ios::binary) << found;
-      return;
-    }
-    ASSERT_TRUE(fs::exists(Beside(ending))) << Beside(ending);
-    EXPECT_EQ(testing::ReadFile(Beside(ending)), found) << Beside(ending);
-  }
-};
+class Golden : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Golden, RunsAsExpected) {
-  const auto outcome = testing::RunChild(CommandOf(testing::ReadGoldenCase(Beside(".case"))),
-                                         GoldenDirectory.string());
-  CompareOrRewrite(".stdout", outcome.standardOutput);
-  CompareOrRewrite(".stderr", outcome.standardError);
-  CompareOrRewrite(".status", outcome.status + "\n");
+  const auto file = GoldenDirectory / (GetParam() + ".txt");
+  const auto found = RunAndFormat(testing::ReadGoldenCase(file));
+  if (std::getenv("FERNWICK_REWRITE_GOLDEN") != nullptr) {
+    if (!HasFailure()) std::ofstream(file, std::ios::binary) << found;
+    return;
+  }
+  EXPECT_EQ(testing::ReadFile(file), found) << file;
 }
 
-std::vector<std::string> CaseNames() {
-  std::vector<std::string> names;
-  for (const auto& each : testing::ReadGoldenCases(GoldenDirectory / "cases")) {
-    names.push_back(each.name);
+Names CasesOf(const std::string& directory) {
+  Names names;
+  for (const auto& each : testing::ReadGoldenCases(GoldenDirectory / directory)) {
+    names.push_back(directory + "/" + each.name);
   }
   return names;
 }
 
 std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
-  std::string name = info.param;
+  auto name = fs::path(info.param).filename().string();
   std::ranges::replace(name, '-', '_');
   return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(CaseNames()), TestName);
+const Names Replays = CasesOf("cases");
+const Names Explanations = CasesOf("explanations");
+const Names Shows = CasesOf("shows");
 
-// An expectation whose case is gone would be compared with nothing.
-TEST(GoldenCases, HaveNoLeftOverExpectations) {
-  for (const auto& file : fs::directory_iterator(GoldenDirectory / "cases")) {
-    auto caseFile = file.path();
-    EXPECT_TRUE(fs::exists(caseFile.replace_extension(".case"))) << file.path();
+INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(Replays), TestName);
+INSTANTIATE_TEST_SUITE_P(Explanations, Golden, ::testing::ValuesIn(Explanations), TestName);
+INSTANTIATE_TEST_SUITE_P(Shows, Golden, ::testing::ValuesIn(Shows), TestName);
+
+// A file that is not read as a case would be compared with nothing.
+TEST(GoldenCases, AreAllFilesOfTheirDirectories) {
+  std::size_t count = 0;
+  for (const char* directory : {"cases", "explanations", "shows"}) {
+    for (const auto& file : fs::directory_iterator(GoldenDirectory / directory)) {
+      EXPECT_EQ(file.path().extension(), ".txt") << file.path();
+      ++count;
+    }
+  }
+  EXPECT_EQ(count, Replays.size() + Explanations.size() + Shows.size());
+}
+
+// None is lost, and each is where its verb belongs.
+TEST(GoldenCases, RunTheVerbOfTheirDirectory) {
+  EXPECT_GE(Replays.size(), 44U);
+  EXPECT_GE(Explanations.size(), 15U);
+  EXPECT_GE(Shows.size(), 4U);
+  const std::pair<Names, std::string> verbs[] = {
+      {Replays, "replay"}, {Explanations, "explain"}, {Shows, "show"}};
+  for (const auto& [names, verb] : verbs) {
+    for (const auto& name : names) {
+      for (const auto& command :
+           testing::ReadGoldenCase(GoldenDirectory / (name + ".txt")).commands) {
+        ASSERT_FALSE(command.arguments.empty()) << name;
+        EXPECT_EQ(command.arguments.front(), verb) << name;
+      }
+    }
   }
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick {

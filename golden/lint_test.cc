@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/coverage_counting.h"
+#include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 #include "testing/unprivileged.h"
@@ -16,6 +16,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::OutputTarget;
 using testing::RunChild;
 
@@ -24,12 +25,6 @@ ChildOutcome Lint(std::vector<std::string> arguments,
                   OutputTarget target = OutputTarget::Captured) {
   arguments.insert(arguments.begin(), {FERNWICK_LAB_PROGRAM, "lint"});
   return RunChild(arguments, directory, target);
-}
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
 }
 
 constexpr char ExamplesAsText[] =

@@ -11,10 +11,10 @@
 
 #include "personality/personality_keys.h"
 #include "registry/record_keys.h"
-#include "testing/child_process.h"
 #include "testing/files.h"
-#include "testing/manual_page.h"
-#include "testing/program_help.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/manual_page.h"
+#include "testing/programs/program_help.h"
 
 namespace fernwick {
 namespace {

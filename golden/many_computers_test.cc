@@ -1,6 +1,6 @@
 // A survey of more computers than memory should have to hold.
 
-#include "testing/many_computers.h"
+#include "testing/programs/many_computers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/fed_program.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/fed_program.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -18,6 +18,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 
 constexpr std::size_t Many = testing::UnderAddressSanitizer ? 300 : 10'000;
 constexpr std::size_t Faulty = 37;  // of every hundred
@@ -69,12 +70,6 @@ class ManyComputers : public ::testing::Test {
 
   testing::TemporaryDirectory directory_;
 };
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
-}
 
 TEST_F(ManyComputers, AreNotTouchedByThoseThatEndAbnormallyNorByTheNumberOfJobs) {
   WriteList("sound", false);

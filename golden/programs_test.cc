@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/child_process.h"
+#include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -14,6 +14,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::OutputTarget;
 using testing::RunChild;
 
@@ -47,12 +48,6 @@ ChildOutcome RunTool(std::vector<std::string> arguments,
   return RunChild(arguments, FERNWICK_GOLDEN_DIRECTORY, target);
 }
 
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
-}
-
 TEST(Output, ClosedIsNoSuccess) {
   ExpectOutcome(
       RunLab({"replay", Recording, "-p", Payload}, OutputTarget::Closed),
@@ -82,6 +77,15 @@ TEST(Output, FullDiskKeepsTheStatusOfARejectedCommandLine) {
                  std::string(FERNWICK_PROGRAM) +
                      ": unrecognized option '--no-such-option'\n"
                      "fernwick: standard output could not be written: No space left on device\n"});
+}
+
+TEST(Show, ThatCannotBePrintedIsNoSuccess) {
+  for (const char* form : {"--json", "--plane=IOService"}) {
+    ExpectOutcome(
+        RunLab({"show", Recording, form}, OutputTarget::FullDisk),
+        {"74", "",
+         "fernwick-lab: standard output could not be written: No space left on device\n"});
+  }
 }
 
 TEST(Output, ClosedDoesNotMatterWhenNothingIsPrinted) {

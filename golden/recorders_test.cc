@@ -9,7 +9,7 @@
 #include "lab/recordings/recording_file.h"
 #include "lab/support/abnormal_end.h"
 #include "lab/support/captured_run.h"
-#include "testing/golden_case.h"
+#include "testing/programs/golden_case.h"
 
 namespace fernwick {
 namespace {
@@ -39,11 +39,11 @@ void ExpectSameWithRecorder(const Recording& recording, const std::vector<std::s
 TEST(Recorders, ChangeNothingOfAnyGoldenCase) {
   ASSERT_EQ(chdir(FERNWICK_GOLDEN_DIRECTORY), 0);
   int count = 0;
-  for (const auto& described : testing::ReadGoldenCases("cases")) {
+  for (const auto& described : testing::ReadGoldenReplays("cases")) {
     SCOPED_TRACE(described.name);
     const auto file = lab::LoadRecording(described.recording);
     if (!file.recording) continue;  // nothing runs
-    auto arguments = described.ToolArguments();
+    auto arguments = described.toolArguments;
     ExpectSameWithRecorder(*file.recording, arguments);
     arguments.insert(arguments.begin(), "-v");
     ExpectSameWithRecorder(*file.recording, arguments);

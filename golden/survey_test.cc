@@ -9,9 +9,9 @@
 #include <tuple>
 #include <vector>
 
-#include "testing/child_process.h"
-#include "testing/fed_program.h"
-#include "testing/many_computers.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/fed_program.h"
+#include "testing/programs/many_computers.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -19,6 +19,7 @@ namespace fernwick {
 namespace {
 
 using testing::ChildOutcome;
+using testing::ExpectOutcome;
 using testing::FedProgram;
 using testing::OutputTarget;
 
@@ -28,12 +29,6 @@ ChildOutcome Survey(std::vector<std::string> arguments,
                     const std::string& directory = FERNWICK_GOLDEN_DIRECTORY) {
   arguments.insert(arguments.begin(), {FERNWICK_LAB_PROGRAM, "survey"});
   return testing::RunChild(arguments, directory, target);
-}
-
-void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected) {
-  EXPECT_EQ(found.status, expected.status);
-  EXPECT_EQ(found.standardOutput, expected.standardOutput);
-  EXPECT_EQ(found.standardError, expected.standardError);
 }
 
 // One computer of each outcome, and a payload that has something for the first.

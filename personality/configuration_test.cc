@@ -10,9 +10,9 @@
 #include <string_view>
 #include <utility>
 
-#include "testing/binary_property_list_builder.h"
 #include "testing/capture.h"
-#include "testing/corruption.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
 #include "testing/unprivileged.h"

@@ -7,7 +7,7 @@
 #include "personality/personality.h"
 #include "registry/hardware_record.h"
 #include "testing/dictionaries.h"
-#include "testing/odd_values.h"
+#include "testing/inputs/odd_values.h"
 #include "testing/verdict.h"
 #include "testing/version_check_bypass.h"
 

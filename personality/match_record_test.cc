@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "testing/dictionaries.h"
-#include "testing/full_port_record.h"
-#include "testing/odd_values.h"
+#include "testing/inputs/full_port_record.h"
+#include "testing/inputs/odd_values.h"
 
 namespace fernwick {
 namespace {

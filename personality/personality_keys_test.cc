@@ -13,7 +13,7 @@
 #include "personality/usbc_check.h"
 #include "testing/capture.h"
 #include "testing/dictionaries.h"
-#include "testing/full_port_record.h"
+#include "testing/inputs/full_port_record.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/odd_values.h"
+#include "testing/inputs/odd_values.h"
 
 namespace fernwick {
 namespace {

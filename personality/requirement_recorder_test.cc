@@ -14,7 +14,7 @@
 #include "testing/capture.h"
 #include "testing/dictionaries.h"
 #include "testing/distinctness.h"
-#include "testing/odd_values.h"
+#include "testing/inputs/odd_values.h"
 #include "testing/property_values.h"
 #include "testing/version_check_bypass.h"
 

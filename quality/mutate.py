@@ -58,7 +58,7 @@ def parse_arguments(arguments):
 
 def source_files(root):
     """The files that are changed, by their paths from the root."""
-    paths = [path for folder in FOLDERS for path in sorted((root / folder).glob("*"))]
+    paths = [path for folder in FOLDERS for path in sorted((root / folder).rglob("*"))]
     return [
         str(path.relative_to(root)) for path in paths
         if path.suffix in (".cc", ".h") and not path.stem.endswith("_test")

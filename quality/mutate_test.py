@@ -24,9 +24,9 @@ fernwick_folder(testing)
     "quality/equivalent_mutants.txt": "# None yet.\n",
     "testing/testing.cc": "",
     "value/limit.h": "#pragma once\n\nconstexpr int Limit = 3;\n",
-    "value/text.h": '#pragma once\n#include <string>\n\nstd::string Shorten(std::string text);\n',
-    "value/text.cc": """\
-#include "value/text.h"
+    "value/room/text.h": '#pragma once\n#include <string>\n\nstd::string Shorten(std::string text);\n',
+    "value/room/text.cc": """\
+#include "value/room/text.h"
 
 #include "value/limit.h"
 
@@ -35,8 +35,8 @@ std::string Shorten(std::string text) {
   return "<" + text;
 }
 """,
-    "value/text_test.cc": """\
-#include "value/text.h"
+    "value/room/text_test.cc": """\
+#include "value/room/text.h"
 
 #include <gtest/gtest.h>
 
@@ -48,14 +48,14 @@ TEST(Text, LongIsShortened) {
 }
 
 EQUIVALENT = """
-file: value/text.cc
+file: value/room/text.cc
 line: while (text.size() > Limit) text.pop_back();
 mutant: while (text.size() >= Limit) text.pop_back();
 reason: Not so, but this test wants an entry.
 """
 
 NEEDLESS = """
-file: value/text.cc
+file: value/room/text.cc
 line: return "<" + text;
 mutant: return "x" + text;
 reason: Not so, and a test tells it.
@@ -64,7 +64,7 @@ reason: Not so, and a test tells it.
 SURVIVORS = """\
 survived: value/limit.h:3: constexpr int Limit = 3;
   as: constexpr int Limit = 2;
-survived: value/text.cc:6: while (text.size() > Limit) text.pop_back();
+survived: value/room/text.cc:6: while (text.size() > Limit) text.pop_back();
   as: while (text.size() >= Limit) text.pop_back();
 folder  mutants  not compiling  killed  timed out  equivalent  survived  untried   score
 value         6              1       3          0           0         2        0  60.0 %
@@ -72,7 +72,7 @@ all           6              1       3          0           0         2        0
 """
 
 LISTED = """\
-listed as equivalent without need: value/text.cc: return "<" + text;
+listed as equivalent without need: value/room/text.cc: return "<" + text;
   as: return "x" + text;
 folder  mutants  not compiling  killed  timed out  equivalent  survived  untried   score
 value         4              1       2          0           1         0        0  66.7 %
@@ -82,7 +82,7 @@ all           4              1       2          0           1         0        0
 
 def write(root, files):
     for path, text in files.items():
-        (root / path).parent.mkdir(exist_ok=True)
+        (root / path).parent.mkdir(parents=True, exist_ok=True)
         (root / path).write_text(text)
 
 
@@ -100,7 +100,7 @@ class Mutate(unittest.TestCase):
             write(root, SOURCE)
             self.assertEqual(mutate(root), (1, SURVIVORS))
             write(root, {"quality/equivalent_mutants.txt": EQUIVALENT + NEEDLESS})
-            self.assertEqual(mutate(root, "--file", "value/text.cc"), (1, LISTED))
+            self.assertEqual(mutate(root, "--file", "value/room/text.cc"), (1, LISTED))
 
 
 class CommandLine(unittest.TestCase):

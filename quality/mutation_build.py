@@ -83,7 +83,7 @@ class Build:
 
     def _tested_folders(self):
         return [name for name in self._folders
-                if name != "testing" and any((self.root / name).glob("*_test.cc"))]
+                if name != "testing" and any((self.root / name).rglob("*_test.cc"))]
 
     def program_tests(self):
         return [name for name in PROGRAM_TESTS if (self.root / f"golden/{name}.cc").exists()]
@@ -160,7 +160,7 @@ class Workshop:
     def write(self, path, text):
         """Writes a file. A header at its path from the root is then the one that is included."""
         file = self.directory / path
-        file.parent.mkdir(exist_ok=True)
+        file.parent.mkdir(parents=True, exist_ok=True)
         file.write_text(text)
         return file
 

@@ -7,8 +7,8 @@
 
 #include "testing/call_lists.h"
 #include "testing/computer.h"
+#include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
-#include "testing/odd_values.h"
 
 namespace fernwick {
 namespace {

@@ -11,8 +11,8 @@
 #include "testing/call_lists.h"
 #include "testing/computer.h"
 #include "testing/failed_matching.h"
+#include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
-#include "testing/odd_values.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "testing/computer.h"
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
 #include "value/property_list_reader.h"
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "testing/computer.h"
+#include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
-#include "testing/odd_values.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 
 namespace fernwick {
 namespace {

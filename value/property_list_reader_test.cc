@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "testing/binary_property_list_builder.h"
-#include "testing/corruption.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

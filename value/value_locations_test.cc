@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "testing/binary_property_list_builder.h"
+#include "testing/inputs/binary_property_list_builder.h"
 #include "value/property_list_reader.h"
 
 namespace fernwick {

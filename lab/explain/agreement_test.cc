@@ -16,8 +16,8 @@
 #include "plan/value_conversions.h"
 #include "registry/thunderbolt_inventory.h"
 #include "testing/coverage_counting.h"
-#include "testing/random_pairs.h"
-#include "testing/report_lines.h"
+#include "testing/inputs/random_pairs.h"
+#include "testing/programs/report_lines.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 

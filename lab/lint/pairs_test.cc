@@ -10,7 +10,7 @@
 #include "lab/lint/payload.h"
 #include "lab/lint/report.h"
 #include "lab/lint/rules.h"
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
 #include "testing/temporary_directory.h"
 

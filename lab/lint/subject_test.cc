@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/binary_property_list_builder.h"
+#include "testing/inputs/binary_property_list_builder.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {

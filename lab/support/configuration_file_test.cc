@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/binary_property_list_builder.h"
-#include "testing/corruption.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
 #include "testing/temporary_directory.h"
 #include "value/unicode/text_position.h"
 

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {

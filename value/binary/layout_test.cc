@@ -5,8 +5,8 @@
 #include <limits>
 #include <string>
 
-#include "testing/binary_property_list_builder.h"
-#include "testing/corruption.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
 
 namespace fernwick {
 namespace {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "testing/binary_property_list_builder.h"
-#include "testing/corruption.h"
-#include "testing/parse_tables.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
+#include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

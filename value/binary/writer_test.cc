@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "testing/binary_property_list_builder.h"
-#include "testing/corruption.h"
+#include "testing/inputs/binary_property_list_builder.h"
+#include "testing/inputs/corruption.h"
 #include "testing/property_values.h"
 #include "value/property_list_reader.h"
 

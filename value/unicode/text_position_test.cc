@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 
 namespace fernwick {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 
 namespace fernwick {
 namespace {

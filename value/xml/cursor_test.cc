@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/corruption.h"
+#include "testing/inputs/corruption.h"
 
 namespace fernwick {
 namespace {

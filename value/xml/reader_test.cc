@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "testing/corruption.h"
-#include "testing/parse_tables.h"
+#include "testing/inputs/corruption.h"
+#include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
 
 namespace fernwick {

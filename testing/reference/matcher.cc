@@ -1,0 +1,155 @@
+#include "testing/reference/matcher.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "testing/reference/checks.h"
+
+namespace fernwick::testing::reference {
+namespace {
+
+using Entries = std::vector<DictionaryEntry>;
+
+Entries CopyOf(const Dictionary& dictionary) {
+  return {dictionary.Entries().begin(), dictionary.Entries().end()};
+}
+
+Entries::iterator Locate(Entries& entries, std::string_view key) {
+  return std::find_if(entries.begin(), entries.end(),
+                      [&](const DictionaryEntry& entry) { return entry.key.View() == key; });
+}
+
+bool Holds(Entries& entries, std::string_view key) {
+  return Locate(entries, key) != entries.end();
+}
+
+// A key that is there keeps its place, a new one comes last.
+void Put(Entries& entries, std::string_view key, const PropertyValue& value) {
+  const auto place = Locate(entries, key);
+  if (place != entries.end()) {
+    place->value = value;
+  } else {
+    entries.emplace_back(key, value);
+  }
+}
+
+// Gives the key the controller's value, and removes it when the controller has none.
+void SetFromController(Entries& record, Entries& controller, std::string_view key) {
+  const auto source = Locate(controller, key);
+  if (source != controller.end()) {
+    Put(record, key, source->value);
+  } else if (Holds(record, key)) {
+    record.erase(Locate(record, key));
+  }
+}
+
+bool HoldsNumber(Entries& entries, std::string_view key) {
+  if (!Holds(entries, key)) return false;
+  const PropertyValue& value = Locate(entries, key)->value;
+  return value.AsInteger().has_value() || value.AsReal() != nullptr || value.AsBoolean() != nullptr;
+}
+
+}  // namespace
+
+Dictionary BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
+                            std::string_view type) {
+  Entries record = CopyOf(personality);
+  Entries controller = CopyOf(hardware);
+
+  SetFromController(record, controller, "RID");
+
+  if (!HoldsNumber(record, "Version")) SetFromController(record, controller, "Version");
+
+  if (Holds(record, "RID")) SetFromController(record, controller, "Port Address");
+
+  for (const std::string_view key :
+       {"Port Silicon Vendor ID", "Port Silicon Device ID", "Port Silicon Revision",
+        "Port OTP Revision", "Port UUID", "Ridge Silicon Vendor ID", "Ridge Silicon Device ID",
+        "Ridge Silicon Revision", "Ridge UID"}) {
+    if (Holds(record, key)) SetFromController(record, controller, key);
+  }
+
+  Put(record, "Personality Type", PropertyValue(type));
+
+  if (type == "Thunderbolt" && Holds(controller, "Firmware Mode")) {
+    Put(record, "Firmware Mode", Locate(controller, "Firmware Mode")->value);
+  }
+  return Dictionary(record);
+}
+
+namespace {
+
+// The first personality of the array that `passes` for a controller is the controller's match.
+template <typename Check>
+void MatchEachController(const PropertyValue& personalities,
+                         const std::vector<Dictionary>& controllers, std::string_view type,
+                         std::vector<Dictionary>& records, Check passes) {
+  if (personalities.AsArray() == nullptr) return;
+  for (const Dictionary& hardware : controllers) {
+    for (const PropertyValue& personality : *personalities.AsArray()) {
+      if (personality.AsDictionary() == nullptr) continue;
+      if (passes(*personality.AsDictionary(), hardware)) {
+        records.push_back(BuildMatchRecord(*personality.AsDictionary(), hardware, type));
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace
+
+Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
+                            std::uint32_t boardRevision, const Controllers& controllers,
+                            bool bypassVersionCheck) {
+  Matching matching;
+  std::vector<Dictionary> records;
+
+  if (!configuration.has_value() || configuration->AsDictionary() == nullptr) {
+    matching.log.emplace_back("Unexpected format for config plist file.  Aborting");
+    return matching;
+  }
+
+  for (const DictionaryEntry& entry : configuration->AsDictionary()->Entries()) {
+    const std::string_view key = entry.key.View();
+    const PropertyValue& value = entry.value;
+
+    if (key == "LegacyThunderbolt") {
+      matching.inventories.push_back(Inventory::Thunderbolt);
+      MatchEachController(value, controllers.thunderbolt, key, records,
+                          [&](const Dictionary& personality, const Dictionary& hardware) {
+                            return CheckLegacyThunderboltRequirements(
+                                personality, hardware, bypassVersionCheck, matching.diagnostics);
+                          });
+      continue;
+    }
+
+    matching.inventories.push_back(Inventory::Ports);
+    if (key == "Thunderbolt") {
+      MatchEachController(value, controllers.ports, key, records,
+                          [&](const Dictionary& personality, const Dictionary& hardware) {
+                            return CheckThunderboltRequirements(personality, hardware,
+                                                                boardRevision, bypassVersionCheck,
+                                                                matching.diagnostics);
+                          });
+    } else if (key == "LegacyUSBC") {
+      if (value.AsDictionary() == nullptr) continue;
+      for (const Dictionary& hardware : controllers.ports) {
+        if (CheckLegacyUsbcRequirements(*value.AsDictionary(), hardware, bypassVersionCheck,
+                                        matching.diagnostics)) {
+          records.push_back(BuildMatchRecord(*value.AsDictionary(), hardware, key));
+        }
+      }
+    } else if (key == "USBC") {
+      MatchEachController(value, controllers.ports, key, records,
+                          [&](const Dictionary& personality, const Dictionary& hardware) {
+                            return CheckUsbcRequirements(personality, hardware, boardRevision,
+                                                         bypassVersionCheck, matching.diagnostics);
+                          });
+    }
+  }
+
+  if (!records.empty()) matching.records = std::move(records);
+  return matching;
+}
+
+}  // namespace fernwick::testing::reference
