@@ -66,13 +66,3 @@ function(fernwick_program_tests folder)
       FERNWICK_LAB_PROGRAM="$<TARGET_FILE:fernwick-lab>")
   endforeach()
 endfunction()
-
-# fernwick_spy_on_lookups(PROGRAM): lets every lookup in a dictionary pass by testing/lookup_spy.
-function(fernwick_spy_on_lookups program)
-  if(BUILD_SHARED_LIBS)
-    target_compile_definitions(fernwick_testing PRIVATE FERNWICK_SHARED_FOLDERS)
-  else()
-    target_link_options(${program} PRIVATE
-      LINKER:--wrap=_ZNK8fernwick10Dictionary4FindESt17basic_string_viewIcSt11char_traitsIcEE)
-  endif()
-endfunction()

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "registry/recorded_registry.h"
 #include "testing/property_values.h"
@@ -13,6 +14,8 @@ namespace fernwick::testing {
 class Computer {
  public:
   Computer();
+  Computer(const Computer& other);
+  Computer& operator=(const Computer&) = delete;
 
   /// The root of the device tree, which holds the board's identity, and the entry below it that
   /// holds the boot-time settings.
@@ -30,23 +33,25 @@ class Computer {
 
   /// Adds an entry to the service plane, as the last child of `parent`.
   RegistryEntry AddService(RegistryEntry parent, std::string_view name, std::string_view className,
-                           Dictionary properties);
+                           const Record& properties);
 
   /// The same, of the two classes of controllers, below the root. A Thunderbolt controller must be
   /// given its "UID".
-  RegistryEntry AddPort(std::string_view name, Dictionary properties);
-  RegistryEntry AddThunderbolt(std::string_view name, Dictionary properties);
+  RegistryEntry AddPort(std::string_view name, const Record& properties);
+  RegistryEntry AddThunderbolt(std::string_view name, const Record& properties);
 
   /// Says that a class derives from another.
   Computer& Derive(std::string_view className, std::string_view superclass);
 
+  /// Valid as long as the computer; a copy of a computer has a recording of its own.
   const Recording& Recorded() const { return recording_; }
 
  private:
   RegistryEntry Add(std::string_view plane, RegistryEntry parent, std::string_view name,
-                    std::string_view className, Dictionary properties);
+                    std::string_view className, const Record& properties);
 
   Recording recording_;
+  std::vector<Record> properties_;  // of the entry with the same index
   RegistryEntry board_;
   RegistryEntry options_;
   RegistryEntry services_;

@@ -2,30 +2,29 @@
 
 #include <optional>
 #include <string_view>
-#include <utility>
 
 #include "testing/property_values.h"
-#include "value/property_value.h"
+#include "value/record.h"
 
 namespace fernwick::testing {
 
-/// The dictionary with these entries set; one that is there keeps its place.
-inline Dictionary With(Dictionary dictionary, const Dictionary& entries) {
-  dictionary.Merge(entries);
-  return dictionary;
+/// The record with these entries set; one that is there keeps its location.
+inline Record With(Record record, const Record& entries) {
+  record.Merge(entries);
+  return record;
 }
 
-/// The dictionary without the key.
-inline Dictionary Without(Dictionary dictionary, std::string_view key) {
-  dictionary.SetOrRemove(key, nullptr);
-  return dictionary;
+/// The record without the key.
+inline Record Without(Record record, std::string_view key) {
+  record.SetOrRemove(key, nullptr);
+  return record;
 }
 
-/// A dictionary of the one key, or without it when there is no value.
-inline Dictionary Holding(std::string_view key, std::optional<PropertyValue> value) {
-  Dictionary dictionary;
-  if (value) dictionary.Set(key, *std::move(value));
-  return dictionary;
+/// A record of the one key, or without it when there is no value.
+inline Record Holding(std::string_view key, std::optional<PropertyValue> value) {
+  Record record;
+  if (value) record.Set(key, *value);
+  return record;
 }
 
 }  // namespace fernwick::testing

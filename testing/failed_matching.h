@@ -10,14 +10,13 @@
 namespace fernwick::testing {
 
 /// The calls and the inventory that `collect` makes over the computer when the class of services
-/// cannot be matched: the status that matching gives, and whether it gives an iterator.
+/// cannot be matched: the status of the matching, and whether there is an iterator.
 template <typename Collect>
-std::pair<CallList, HardwareInventory> AfterFailedMatching(const Computer& computer,
-                                                           Collect collect, RegistryStatus status,
-                                                           bool withIterator) {
+std::pair<CallList, InventoryResult> AfterFailedMatching(const Computer& computer, Collect collect,
+                                                         RegistryStatus status, bool withIterator) {
   LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(status, withIterator);
-  auto inventory = collect(registry, nullptr);
+  auto inventory = collect(registry);
   return {registry.Calls(), std::move(inventory)};
 }
 

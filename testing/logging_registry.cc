@@ -20,8 +20,8 @@ std::string LoggingRegistry::NameOf(RegistryEntry handle) const {
   if (handle == 0) return "none";
   const std::size_t entryCount = recording_.entries.size();
   if (handle > entryCount) return "iterator " + std::to_string(handle - entryCount);
-  const auto& name = recording_.entries[handle - 1].name;
-  return name.empty() ? "root" : name;
+  const auto name = recording_.entries[handle - 1].name;
+  return name.empty() ? "root" : std::string(name);
 }
 
 RegistryEntry LoggingRegistry::LookupEntryByPath(std::string_view path) {

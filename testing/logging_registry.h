@@ -13,6 +13,7 @@ namespace fernwick::testing {
 /// entries by name (a root as "root"), iterators as "iterator 1" and so on, the handle 0 as "none".
 class LoggingRegistry : public Registry {
  public:
+  /// REQUIRES: `recording` outlives the registry.
   explicit LoggingRegistry(const Recording& recording)
       : recording_(recording), registry_(recording) {}
 
@@ -44,7 +45,7 @@ class LoggingRegistry : public Registry {
 
   std::string NameOf(RegistryEntry handle) const;
 
-  Recording recording_;
+  const Recording& recording_;
   RecordedRegistry registry_;
   std::vector<std::string> calls_;
   std::optional<MatchingFailure> failure_;

@@ -1,17 +1,20 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "testing/capture.h"
+#include "platform/fault.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
+#include "testing/test_console.h"
 
 namespace fernwick::testing {
 
 /// All that can be seen of a run from outside.
 struct ObservedRun {
   int status;
+  std::optional<Fault> fault;
   std::vector<std::string> flushes;
   std::string standardError;
   std::vector<std::string> calls;  // of the registry
@@ -19,14 +22,13 @@ struct ObservedRun {
   friend bool operator==(const ObservedRun&, const ObservedRun&) = default;
 };
 
-/// Calls `run`, from a Registry& and a std::FILE* to an exit status, over the computer.
+/// Calls `run`, from a Registry& and a Console& to a RunResult, over the computer.
 template <typename Run>
 ObservedRun Observe(const Computer& computer, Run run) {
-  StreamCapture capture;
-  StandardErrorCapture errors;
+  TestConsole console;
   LoggingRegistry registry(computer.Recorded());
-  const int status = run(registry, capture.Stream());
-  return {status, capture.Flushes(), errors.TakeText(), registry.Calls()};
+  const auto result = run(registry, console);
+  return {result.status, result.fault, console.Flushes(), console.Error(), registry.Calls()};
 }
 
 }  // namespace fernwick::testing

@@ -7,7 +7,7 @@ namespace fernwick::testing {
 
 /// A controller with a value under everything that any requirement check reads. The values lie in
 /// the middle of ValueDomain.
-inline const Dictionary FullController = {
+inline const Record FullController = {
     {"Version", 2},
     {"Engineering Version", 0},
     {"Port Address", 2},
@@ -29,12 +29,12 @@ inline const Dictionary FullController = {
 
 /// A personality that constrains all that can be constrained and, on a board of revision 2, passes
 /// every check on that controller.
-inline const Dictionary FittingPersonality =
+inline const Record FittingPersonality =
     With(Without(FullController, "Engineering Version"), {{"Version", 3},
                                                           {"Existing Min Version", 2},
                                                           {"Existing Max Version", 2},
                                                           {"MinBoardRevision", 2},
                                                           {"MaxBoardRevision", 2},
-                                                          {"Port UUID", Array{"b0A1"}}});
+                                                          {"Port UUID", List({"b0A1"})}});
 
 }  // namespace fernwick::testing

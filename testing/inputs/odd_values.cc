@@ -10,10 +10,10 @@ std::vector<NamedValue> NonNumbers() {
       {"EmptyText", ""},
       {"FourBytes", Bytes({"\5\0\0\0", 4})},
       {"NoBytes", Bytes("")},
-      {"EmptyArray", Array{}},
-      {"ArrayOfANumber", Array{5}},
-      {"EmptyDictionary", Dictionary{}},
-      {"DictionaryOfANumber", Dictionary{{"Value", 5}}},
+      {"EmptyArray", Array()},
+      {"ArrayOfANumber", List({5})},
+      {"EmptyDictionary", Dictionary()},
+      {"DictionaryOfANumber", Dict({{"Value", 5}})},
       {"Date", Date{5}},
   };
 }

@@ -6,17 +6,17 @@
 #include <vector>
 
 #include "testing/property_values.h"
-#include "value/parse_fault.h"
+#include "value/result.h"
 
 namespace fernwick::testing {
 
-/// An input and the value that a reader makes of it.
+/// An input and the value that a reader returns for it.
 struct AcceptedRow {
   std::string input;
   PropertyValue value;
 };
 
-/// An input and the whole error that a reader gives for it.
+/// An input and the error, as Describe spells it, that a reader returns for it.
 struct RejectedRow {
   std::string input;
   std::string error;
@@ -27,25 +27,31 @@ inline std::string TraceOf(const std::string& input) {
   return ::testing::PrintToString(input.substr(0, 200));
 }
 
-/// Holds `parse`, from the input to a ParseOutcome, to the value of every row.
+/// Checks that `parse`, from the input to a Result<PropertyValue>, returns the value of every row.
 template <typename Parse>
 void ExpectAccepted(Parse parse, const std::vector<AcceptedRow>& rows) {
   for (const auto& [input, value] : rows) {
     SCOPED_TRACE(TraceOf(input));
-    const ParseOutcome outcome = parse(input);
-    EXPECT_EQ(outcome.error, "");
-    EXPECT_EQ(outcome.value, value);
+    const Result<PropertyValue> result = parse(input);
+    if (!result) {
+      ADD_FAILURE() << Describe(result.Error());
+    } else {
+      EXPECT_EQ(*result, value);
+    }
   }
 }
 
-/// Holds `parse` to the error of every row, and to giving no value beside it.
+/// Checks that `parse` returns the error of every row.
 template <typename Parse>
 void ExpectRejected(Parse parse, const std::vector<RejectedRow>& rows) {
   for (const auto& [input, error] : rows) {
     SCOPED_TRACE(TraceOf(input));
-    const ParseOutcome outcome = parse(input);
-    EXPECT_EQ(outcome.error, error);
-    EXPECT_FALSE(outcome.value.has_value());
+    const Result<PropertyValue> result = parse(input);
+    if (result) {
+      ADD_FAILURE() << "accepted: " << ::testing::PrintToString(*result);
+    } else {
+      EXPECT_EQ(Describe(result.Error()), error);
+    }
   }
 }
 

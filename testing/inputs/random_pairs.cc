@@ -31,11 +31,11 @@ class Dice {
                                                       0,
                                                       0xFFFFFFFFFFFFFFFF,
                                                       Bytes("x"),
-                                                      Array{},
-                                                      Array{"A0", 1},
-                                                      Array{Array{1}},
-                                                      Dictionary{},
-                                                      Dictionary{{"a", 1}},
+                                                      Array(),
+                                                      List({"A0", 1}),
+                                                      List({List({1})}),
+                                                      Dictionary(),
+                                                      Dict({{"a", 1}}),
                                                       Date{5}};
     return OneOf(values);
   }
@@ -45,13 +45,13 @@ class Dice {
 };
 
 // The properties with one or another changed to another number, to an odd value, or left out.
-Dictionary Perturbed(const Dictionary& properties, int oneIn, Dice& dice) {
-  Dictionary perturbed;
+Record Perturbed(const Record& properties, int oneIn, Dice& dice) {
+  Record perturbed;
   for (const auto& [key, value] : properties.Entries()) {
     if (!dice.OneIn(oneIn)) {
-      perturbed.Set(key.View(), value);
+      perturbed.Set(key, value);
     } else if (dice.OneIn(2)) {
-      perturbed.Set(key.View(), dice.OneIn(2) ? dice.Odd() : PropertyValue(dice.Below(4)));
+      perturbed.Set(key, dice.OneIn(2) ? dice.Odd() : PropertyValue(dice.Below(4)));
     }
   }
   return perturbed;
@@ -80,7 +80,7 @@ RegistryEntry AddRidge(Computer& computer, int number, Dice& dice) {
   if (!dice.OneIn(200)) {
     properties.Set("UID", dice.OneIn(20) ? dice.Odd() : PropertyValue(0x100 + number));
   }
-  return computer.AddThunderbolt("ridge" + std::to_string(number), std::move(properties));
+  return computer.AddThunderbolt("ridge" + std::to_string(number), properties);
 }
 
 void AddPort(Computer& computer, const std::vector<RegistryEntry>& ridges, int number, Dice& dice) {
@@ -90,14 +90,13 @@ void AddPort(Computer& computer, const std::vector<RegistryEntry>& ridges, int n
                                {"Revision", 1},
                                {"Address", dice.OneIn(6) ? 1 : 0},
                                {"Version", 0x41},
-                               {"UUID", "A" + std::to_string(number)}},
+                               {"UUID", Kept("A" + std::to_string(number))}},
                               24, dice);
   if (dice.OneIn(2)) properties.Set("RID", 4 + number);
   if (dice.OneIn(12)) properties.Set("Route String", dice.Below(2));
   const bool isBelow = !ridges.empty() && !dice.OneIn(3);
   const auto parent = isBelow ? dice.OneOf(ridges) : computer.Services();
-  computer.AddService(parent, "hpm" + std::to_string(number), "QuinceHPMDevice",
-                      std::move(properties));
+  computer.AddService(parent, "hpm" + std::to_string(number), "QuinceHPMDevice", properties);
 }
 
 void SetSwitches(Computer& computer, Dice& dice) {
@@ -124,66 +123,66 @@ Computer MakeComputer(Dice& dice) {
 }
 
 // Constraints that fit some of the controllers.
-Dictionary SomeConstraints(Dice& dice) {
-  static const Dictionary all = {{"Existing Min Version", 41},
-                                 {"Existing Max Version", 41.06},
-                                 {"Port Address", Array{0, 1}},
-                                 {"RID", Array{0, 1, 4, 5}},
-                                 {"MinBoardRevision", 1},
-                                 {"MaxBoardRevision", 3},
-                                 {"Port OTP Revision", 1},
-                                 {"Port UUID", Array{"A0", "A1", "A2"}},
-                                 {"Ridge UID", Array{0x100, 0x101}},
-                                 {"Device Model Name", "Slate"},
-                                 {"Device Model ID", Array{1, 2}},
-                                 {"Device Model Revision", 1},
-                                 {"Firmware Mode", 1},
-                                 {"Colour", "blue"}};
-  Dictionary some;
+Record SomeConstraints(Dice& dice) {
+  static const Record all = {{"Existing Min Version", 41},
+                             {"Existing Max Version", 41.06},
+                             {"Port Address", List({0, 1})},
+                             {"RID", List({0, 1, 4, 5})},
+                             {"MinBoardRevision", 1},
+                             {"MaxBoardRevision", 3},
+                             {"Port OTP Revision", 1},
+                             {"Port UUID", List({"A0", "A1", "A2"})},
+                             {"Ridge UID", List({0x100, 0x101})},
+                             {"Device Model Name", "Slate"},
+                             {"Device Model ID", List({1, 2})},
+                             {"Device Model Revision", 1},
+                             {"Firmware Mode", 1},
+                             {"Colour", "blue"}};
+  Record some;
   for (const auto& [key, value] : all.Entries()) {
-    if (dice.OneIn(8)) some.Set(key.View(), value);
+    if (dice.OneIn(8)) some.Set(key, value);
   }
   return some;
 }
 
 PropertyValue MakePersonality(const std::string& name, Dice& dice) {
   if (dice.OneIn(30)) return dice.Odd();
-  Dictionary personality = {{"Version", dice.OneIn(6) ? 41 : 42},
-                            {"Port Silicon Vendor ID", PortVendor},
-                            {"Port Silicon Device ID", Array{PortDevice, 0x13}},
-                            {"Port Silicon Revision", Revision},
-                            {"Ridge Silicon Vendor ID", RidgeVendor},
-                            {"Ridge Silicon Device ID", RidgeDevice},
-                            {"Ridge Silicon Revision", Array{Revision}}};
+  Record personality = {{"Version", dice.OneIn(6) ? 41 : 42},
+                        {"Port Silicon Vendor ID", PortVendor},
+                        {"Port Silicon Device ID", List({PortDevice, 0x13})},
+                        {"Port Silicon Revision", Revision},
+                        {"Ridge Silicon Vendor ID", RidgeVendor},
+                        {"Ridge Silicon Device ID", RidgeDevice},
+                        {"Ridge Silicon Revision", List({Revision})}};
   personality.Merge(SomeConstraints(dice));
   personality = Perturbed(personality, 24, dice);
-  if (!dice.OneIn(30)) personality.Set("Firmware", name + ".bin");
+  if (!dice.OneIn(30)) personality.Set("Firmware", Kept(name + ".bin"));
   if (dice.OneIn(3)) personality.Set("Priority", dice.Below(100));
-  return personality;
+  return Dict(personality);
 }
 
 PropertyValue MakeValue(const std::string& key, Dice& dice) {
   if (dice.OneIn(30)) return dice.Odd();
   if (key == "LegacyUSBC") return MakePersonality(key, dice);
-  Array personalities;
+  std::vector<PropertyValue> personalities;
   const int count = dice.Below(5);
   for (int i = 0; i < count; ++i) {
     personalities.push_back(MakePersonality(key + std::to_string(i), dice));
   }
-  return personalities;
+  return List(personalities);
 }
 
 PropertyValue MakeConfiguration(Dice& dice) {
   if (dice.OneIn(100)) return dice.Odd();
   static const std::vector<std::string> keys = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC",
                                                 "USBC", "Unknown"};
-  Dictionary configuration;
+  Record configuration;
   const int count = dice.Below(4);
   for (int i = 0; i < count; ++i) {
     const auto& key = dice.OneOf(keys);
     configuration.Set(key, MakeValue(key, dice));
   }
-  return configuration;
+  return Dict(configuration);
 }
 
 }  // namespace
@@ -192,7 +191,7 @@ RandomPair MakeRandomPair(std::mt19937_64& random) {
   Dice dice(random);
   auto computer = MakeComputer(dice);
   auto configuration = MakeConfiguration(dice);
-  return {std::move(computer), std::move(configuration), dice.OneIn(6)};
+  return {computer, configuration, dice.OneIn(6)};
 }
 
 }  // namespace fernwick::testing

@@ -15,7 +15,7 @@ constexpr std::int64_t Least = std::numeric_limits<std::int64_t>::min();
 constexpr std::uint64_t TwoTo63 = std::uint64_t{1} << 63;
 constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
 
-Array Numbers() {
+std::vector<PropertyValue> Numbers() {
   return {false,       true,
           0,           1,
           2,           3,
@@ -33,34 +33,33 @@ Array Numbers() {
           -Infinity,   NotANumber};
 }
 
-Array OtherKinds() {
-  return {"",         "2",       "b0A1",       "B0A1",
-          Bytes("2"), Bytes(""), Dictionary{}, Dictionary{{"Value", 2}},
+std::vector<PropertyValue> OtherKinds() {
+  return {"",     "2", "b0A1", "B0A1", Bytes("2"), Bytes(""), Dictionary(), Dict({{"Value", 2}}),
           Date{2}};
 }
 
-Array Arrays() {
-  return {Array{},
-          Array{2},
-          Array{2.0},
-          Array{3, 1},
-          Array{"x", Dictionary{}, 2},
+std::vector<PropertyValue> Arrays() {
+  return {Array(),
+          List({2}),
+          List({2.0}),
+          List({3, 1}),
+          List({"x", Dictionary(), 2}),
           NestedArrays(2, 2),
-          Array{true},
-          Array{"2"},
-          Array{"b0A1"},
-          Array{5, "B0A1", Bytes("b0A1")},
-          Array{5, "c2", "b0A1"},
-          Array{NotANumber, Infinity},
-          Array{TwoTo53 + 1, Greatest},
-          Array{Least, 9007199254740992.0}};
+          List({true}),
+          List({"2"}),
+          List({"b0A1"}),
+          List({5, "B0A1", Bytes("b0A1")}),
+          List({5, "c2", "b0A1"}),
+          List({NotANumber, Infinity}),
+          List({TwoTo53 + 1, Greatest}),
+          List({Least, 9007199254740992.0})};
 }
 
 }  // namespace
 
-Array ValueDomain() {
-  Array domain = Numbers();
-  for (const Array& part : {OtherKinds(), Arrays()}) {
+std::vector<PropertyValue> ValueDomain() {
+  auto domain = Numbers();
+  for (const auto& part : {OtherKinds(), Arrays()}) {
     domain.insert(domain.end(), part.begin(), part.end());
   }
   return domain;

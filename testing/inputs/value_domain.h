@@ -1,11 +1,13 @@
 #pragma once
 
+#include <vector>
+
 #include "value/property_value.h"
 
 namespace fernwick::testing {
 
 /// A small domain of values for tests that go through all of it: every kind, numbers on both sides
 /// of where a rounding, a sign or a width would show, and arrays with and without them.
-Array ValueDomain();
+std::vector<PropertyValue> ValueDomain();
 
 }  // namespace fernwick::testing

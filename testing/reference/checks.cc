@@ -14,7 +14,7 @@ static_assert(std::numeric_limits<ExactNumber>::digits >= 64);
 // The value of a key; null when it is absent.
 const PropertyValue* Look(const Dictionary& record, std::string_view key) {
   for (const DictionaryEntry& entry : record.Entries()) {
-    if (entry.key.View() == key) return &entry.value;
+    if (entry.key == key) return &entry.value;
   }
   return nullptr;
 }
@@ -27,8 +27,8 @@ ExactNumber Exact(const Integer& integer) {
 // An integer, a real or a boolean is a number; nothing else is.
 std::optional<ExactNumber> NumberOf(const PropertyValue& value) {
   if (value.AsInteger().has_value()) return Exact(*value.AsInteger());
-  if (value.AsReal() != nullptr) return static_cast<ExactNumber>(*value.AsReal());
-  if (value.AsBoolean() != nullptr) return *value.AsBoolean() ? 1.0L : 0.0L;
+  if (value.AsReal().has_value()) return static_cast<ExactNumber>(*value.AsReal());
+  if (value.AsBoolean().has_value()) return *value.AsBoolean() ? 1.0L : 0.0L;
   return std::nullopt;
 }
 
@@ -85,7 +85,7 @@ bool RequirementSetMatch(const Dictionary& personality, const Dictionary& hardwa
     diagnostics += missingKeyMessage;
     return false;
   }
-  const bool isArray = p->AsArray() != nullptr;
+  const bool isArray = p->AsArray().has_value();
   if (!isArray && !isSingleValueKind(*p)) return false;
   if (isArray) {
     bool matches = false;
@@ -114,7 +114,7 @@ bool RequiredNumber(const Dictionary& personality, const Dictionary& hardware,
 // Whether the value is other than 0 as an unsigned integer: a real loses what is behind the point
 // and is 0 when it is negative or no number at all. A value that is no number counts as 0.
 bool IsNonZeroUnsigned(const PropertyValue& value) {
-  if (value.AsReal() != nullptr) return *value.AsReal() >= 1.0;
+  if (value.AsReal().has_value()) return *value.AsReal() >= 1.0;
   const auto number = NumberOf(value);
   return number.has_value() && *number != 0;
 }

@@ -16,7 +16,7 @@ Entries CopyOf(const Dictionary& dictionary) {
 
 Entries::iterator Locate(Entries& entries, std::string_view key) {
   return std::find_if(entries.begin(), entries.end(),
-                      [&](const DictionaryEntry& entry) { return entry.key.View() == key; });
+                      [&](const DictionaryEntry& entry) { return entry.key == key; });
 }
 
 bool Holds(Entries& entries, std::string_view key) {
@@ -29,7 +29,7 @@ void Put(Entries& entries, std::string_view key, const PropertyValue& value) {
   if (place != entries.end()) {
     place->value = value;
   } else {
-    entries.emplace_back(key, value);
+    entries.push_back({key, value});
   }
 }
 
@@ -46,13 +46,14 @@ void SetFromController(Entries& record, Entries& controller, std::string_view ke
 bool HoldsNumber(Entries& entries, std::string_view key) {
   if (!Holds(entries, key)) return false;
   const PropertyValue& value = Locate(entries, key)->value;
-  return value.AsInteger().has_value() || value.AsReal() != nullptr || value.AsBoolean() != nullptr;
+  return value.AsInteger().has_value() || value.AsReal().has_value() ||
+         value.AsBoolean().has_value();
 }
 
 }  // namespace
 
-Dictionary BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
-                            std::string_view type) {
+Record BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
+                        std::string_view type) {
   Entries record = CopyOf(personality);
   Entries controller = CopyOf(hardware);
 
@@ -74,20 +75,19 @@ Dictionary BuildMatchRecord(const Dictionary& personality, const Dictionary& har
   if (type == "Thunderbolt" && Holds(controller, "Firmware Mode")) {
     Put(record, "Firmware Mode", Locate(controller, "Firmware Mode")->value);
   }
-  return Dictionary(record);
+  return Record(Dictionary(record));
 }
 
 namespace {
 
 // The first personality of the array that `passes` for a controller is the controller's match.
 template <typename Check>
-void MatchEachController(const PropertyValue& personalities,
-                         const std::vector<Dictionary>& controllers, std::string_view type,
-                         std::vector<Dictionary>& records, Check passes) {
-  if (personalities.AsArray() == nullptr) return;
-  for (const Dictionary& hardware : controllers) {
+void MatchEachController(const PropertyValue& personalities, const std::vector<Record>& controllers,
+                         std::string_view type, std::vector<Record>& records, Check passes) {
+  if (!personalities.AsArray()) return;
+  for (const Record& hardware : controllers) {
     for (const PropertyValue& personality : *personalities.AsArray()) {
-      if (personality.AsDictionary() == nullptr) continue;
+      if (!personality.AsDictionary()) continue;
       if (passes(*personality.AsDictionary(), hardware)) {
         records.push_back(BuildMatchRecord(*personality.AsDictionary(), hardware, type));
         break;
@@ -102,15 +102,15 @@ Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
                             std::uint32_t boardRevision, const Controllers& controllers,
                             bool bypassVersionCheck) {
   Matching matching;
-  std::vector<Dictionary> records;
+  std::vector<Record> records;
 
-  if (!configuration.has_value() || configuration->AsDictionary() == nullptr) {
+  if (!configuration.has_value() || !configuration->AsDictionary()) {
     matching.log.emplace_back("Unexpected format for config plist file.  Aborting");
     return matching;
   }
 
   for (const DictionaryEntry& entry : configuration->AsDictionary()->Entries()) {
-    const std::string_view key = entry.key.View();
+    const std::string_view key = entry.key;
     const PropertyValue& value = entry.value;
 
     if (key == "LegacyThunderbolt") {
@@ -132,8 +132,8 @@ Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
                                                                 matching.diagnostics);
                           });
     } else if (key == "LegacyUSBC") {
-      if (value.AsDictionary() == nullptr) continue;
-      for (const Dictionary& hardware : controllers.ports) {
+      if (!value.AsDictionary()) continue;
+      for (const Record& hardware : controllers.ports) {
         if (CheckLegacyUsbcRequirements(*value.AsDictionary(), hardware, bypassVersionCheck,
                                         matching.diagnostics)) {
           records.push_back(BuildMatchRecord(*value.AsDictionary(), hardware, key));

@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-#include "value/property_value.h"
+#include "value/record.h"
 
 namespace fernwick::testing::reference {
 
 /// The controllers of a computer, as each inventory lists them whenever it is taken.
 struct Controllers {
-  std::vector<Dictionary> thunderbolt;
-  std::vector<Dictionary> ports;
+  std::vector<Record> thunderbolt;
+  std::vector<Record> ports;
 };
 
 /// Which inventory was taken.
@@ -21,15 +21,15 @@ enum class Inventory { Thunderbolt, Ports };
 
 /// What one matching gives and does.
 struct Matching {
-  std::optional<std::vector<Dictionary>> records;  // absent instead of empty
-  std::vector<Inventory> inventories;              // those taken, in their order
-  std::string diagnostics;                         // what the checks write to standard error
-  std::vector<std::string> log;                    // the matcher's own lines to the system log
+  std::optional<std::vector<Record>> records;  // absent instead of empty
+  std::vector<Inventory> inventories;          // those taken, in their order
+  std::string diagnostics;                     // what the checks write to standard error
+  std::vector<std::string> log;                // the matcher's own lines to the system log
 };
 
 /// The record of a personality found under `type` and a controller that passed its check.
-Dictionary BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
-                            std::string_view type);
+Record BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
+                        std::string_view type);
 
 /// The matcher a second time, for the reason that the checks are there a second time: see
 /// testing/reference/checks.h. It takes the configuration as it was loaded, absent when it was not.

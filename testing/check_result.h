@@ -1,0 +1,45 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "personality/requirements.h"
+#include "testing/test_console.h"
+
+namespace fernwick::testing {
+
+/// What a requirement check answered, and all that it wrote to standard error meanwhile.
+struct CheckResult {
+  bool applies;
+  std::string diagnostics;
+
+  friend bool operator==(const CheckResult&, const CheckResult&) = default;
+};
+
+/// How a failed comparison shows it.
+inline void PrintTo(const CheckResult& result, std::ostream* out) {
+  *out << (result.applies ? "applies, writes " : "does not apply, writes ")
+       << ::testing::PrintToString(result.diagnostics);
+}
+
+/// The two answers, each with what is to be on standard error.
+inline CheckResult Applies(std::string diagnostics = {}) {
+  return {true, std::move(diagnostics)};
+}
+
+inline CheckResult DoesNotApply(std::string diagnostics = {}) {
+  return {false, std::move(diagnostics)};
+}
+
+/// Calls one of the checks.
+template <typename Check>
+CheckResult ResultOf(Check check, Dictionary personality, const RequirementContext& context) {
+  TestConsole console;
+  const bool applies = check(personality, context, console);
+  return {applies, console.Error()};
+}
+
+}  // namespace fernwick::testing
