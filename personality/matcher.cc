@@ -21,16 +21,12 @@ struct KeyMatch {
   std::vector<MatchRecord>& matches;
 };
 
-// Tests one candidate against one controller and adds the record of a match.
+// Tests one candidate against one controller, whose check it is, and adds the record of a match.
 PairOutcome MatchPair(const KeyMatch& key, const PropertyValue& candidate,
-                      const HardwareRecord& controller) {
+                      const HardwareRecord& controller, const ControllerCheck& check) {
   const auto personality = candidate.AsDictionary();
   if (!personality) return PairOutcome::NotAPersonality;
-  const RequirementContext against = {controller, key.boardRevision,
-                                      key.context.bypassVersionCheck};
-  if (!CheckRequirements(key.type, *personality, against, key.context.console)) {
-    return PairOutcome::Rejected;
-  }
+  if (!check.Applies(*personality, key.context.console)) return PairOutcome::Rejected;
   key.matches.push_back(BuildMatchRecord(*personality, controller, key.typeName));
   return PairOutcome::Matched;
 }
@@ -38,8 +34,10 @@ PairOutcome MatchPair(const KeyMatch& key, const PropertyValue& candidate,
 // The controller gets the first candidate that applies. `outcomes` may be null.
 void MatchController(const KeyMatch& key, Array candidates, const HardwareRecord& controller,
                      std::vector<PairOutcome>* outcomes) {
+  const ControllerCheck check(key.type,
+                              {controller, key.boardRevision, key.context.bypassVersionCheck});
   for (const auto& candidate : candidates) {
-    const auto outcome = MatchPair(key, candidate, controller);
+    const auto outcome = MatchPair(key, candidate, controller, check);
     if (outcomes != nullptr) outcomes->push_back(outcome);
     if (outcome == PairOutcome::Matched) break;
   }

@@ -102,6 +102,9 @@ constexpr auto Thunderbolt =
     Joined(Usbc, LegacyThunderbolt, Of(PersonalityType::Thunderbolt, ThunderboltOwn));
 
 std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
+  const auto integer = a.AsInteger();
+  const auto other = b.AsInteger();
+  if (integer && other) return *integer <=> *other;
   const auto left = a.AsNumber();
   const auto right = b.AsNumber();
   if (!left || !right) return std::partial_ordering::unordered;
@@ -171,6 +174,25 @@ Verdict TestInstalled(const PropertyValue* installed) {
   return {std::nullopt, "** No current firmware version?\n"};
 }
 
+// Tests one requirement against the hardware's value, which is null where it is absent and of no
+// meaning for a board revision.
+Verdict TestAgainst(const Requirement& requirement, Dictionary personality,
+                    const PropertyValue* found, const RequirementContext& context) {
+  const auto wanted = [&] { return personality.Find(requirement.key); };
+  const bool isBypassed = context.bypassVersionCheck;
+  switch (requirement.test) {
+    case NewerVersion: return isBypassed ? Verdict{} : TestNewer(wanted(), found);
+    case ReleasedFirmware: return isBypassed ? Verdict{} : TestReleased(found);
+    case InstalledVersion: return TestInstalled(found);
+    case MinVersion: return TestVersionBound(MinVersionBound, wanted(), found);
+    case MaxVersion: return TestVersionBound(MaxVersionBound, wanted(), found);
+    case MinBoardRevision: return TestBound(MinRevisionBound, wanted(), context.boardRevision);
+    case MaxBoardRevision: return TestBound(MaxRevisionBound, wanted(), context.boardRevision);
+    case SetMatch: break;
+  }
+  return RequirementSetMatch(requirement, wanted(), found);
+}
+
 }  // namespace
 
 bool NumbersEqual(const PropertyValue& a, const PropertyValue& b) {
@@ -200,14 +222,12 @@ std::span<const Requirement> RequirementsOf(TypeSet type) {
   }
 }
 
-Verdict RequirementSetMatch(const Requirement& requirement, Dictionary personality,
-                            Dictionary hardware) {
-  const auto* wanted = personality.Find(requirement.key);
+Verdict RequirementSetMatch(const Requirement& requirement, const PropertyValue* wanted,
+                            const PropertyValue* found) {
   if (wanted == nullptr) {
     if (requirement.presence == OptionalKey) return {};
     return {FailureReason::PersonalityLacksKey, requirement.missingKeyMessage};
   }
-  const auto* found = hardware.Find(requirement.hardwareKey);
   if (found == nullptr) return {FailureReason::HardwareLacksKey, requirement.missingKeyMessage};
   if (!wanted->AsArray() && !IsOfKind(*wanted, requirement.kind)) {
     return {FailureReason::WrongKind};
@@ -218,26 +238,21 @@ Verdict RequirementSetMatch(const Requirement& requirement, Dictionary personali
 
 Verdict Test(const Requirement& requirement, Dictionary personality,
              const RequirementContext& context) {
-  const auto wanted = [&] { return personality.Find(requirement.key); };
-  const auto found = [&] { return context.hardware.Find(requirement.hardwareKey); };
-  const bool isBypassed = context.bypassVersionCheck;
-  switch (requirement.test) {
-    case NewerVersion: return isBypassed ? Verdict{} : TestNewer(wanted(), found());
-    case ReleasedFirmware: return isBypassed ? Verdict{} : TestReleased(found());
-    case InstalledVersion: return TestInstalled(found());
-    case MinVersion: return TestVersionBound(MinVersionBound, wanted(), found());
-    case MaxVersion: return TestVersionBound(MaxVersionBound, wanted(), found());
-    case MinBoardRevision: return TestBound(MinRevisionBound, wanted(), context.boardRevision);
-    case MaxBoardRevision: return TestBound(MaxRevisionBound, wanted(), context.boardRevision);
-    case SetMatch: break;
-  }
-  return RequirementSetMatch(requirement, personality, context.hardware);
+  return TestAgainst(requirement, personality, context.hardware.Find(requirement.hardwareKey),
+                     context);
 }
 
-bool CheckRequirements(TypeSet type, Dictionary personality, const RequirementContext& context,
-                       Console& console) {
-  for (const auto& requirement : RequirementsOf(type)) {
-    const auto verdict = Test(requirement, personality, context);
+ControllerCheck::ControllerCheck(TypeSet type, const RequirementContext& context)
+    : requirements_(RequirementsOf(type)), context_(context), found_{} {
+  static_assert(Thunderbolt.size() <= MaxRequirements);
+  std::ranges::transform(requirements_, found_.begin(), [&](const Requirement& requirement) {
+    return context.hardware.Find(requirement.hardwareKey);
+  });
+}
+
+bool ControllerCheck::Applies(Dictionary personality, Console& console) const {
+  for (std::size_t i = 0; i < requirements_.size(); ++i) {
+    const auto verdict = TestAgainst(requirements_[i], personality, found_[i], context_);
     if (verdict.diagnostic != nullptr) console.WriteError(verdict.diagnostic);
     if (verdict.failure) return false;
   }
@@ -246,22 +261,22 @@ bool CheckRequirements(TypeSet type, Dictionary personality, const RequirementCo
 
 bool CheckLegacyUsbcRequirements(Dictionary personality, const RequirementContext& context,
                                  Console& console) {
-  return CheckRequirements(Types::LegacyUsbc, personality, context, console);
+  return ControllerCheck(Types::LegacyUsbc, context).Applies(personality, console);
 }
 
 bool CheckUsbcRequirements(Dictionary personality, const RequirementContext& context,
                            Console& console) {
-  return CheckRequirements(Types::Usbc, personality, context, console);
+  return ControllerCheck(Types::Usbc, context).Applies(personality, console);
 }
 
 bool CheckLegacyThunderboltRequirements(Dictionary personality, const RequirementContext& context,
                                         Console& console) {
-  return CheckRequirements(Types::LegacyThunderbolt, personality, context, console);
+  return ControllerCheck(Types::LegacyThunderbolt, context).Applies(personality, console);
 }
 
 bool CheckThunderboltRequirements(Dictionary personality, const RequirementContext& context,
                                   Console& console) {
-  return CheckRequirements(Types::Thunderbolt, personality, context, console);
+  return ControllerCheck(Types::Thunderbolt, context).Applies(personality, console);
 }
 
 }  // namespace fernwick

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -93,15 +95,28 @@ Verdict Test(const Requirement& requirement, Dictionary personality,
              const RequirementContext& context);
 
 /// The test of a SetMatch: whether the hardware's value equals the personality's single value or an
-/// element of its array. A personality without an optional key sets no constraint; otherwise both
-/// need the key, and presence is tested before kind.
-Verdict RequirementSetMatch(const Requirement& requirement, Dictionary personality,
-                            Dictionary hardware);
+/// element of its array; null: absent. A personality without an optional key sets no constraint;
+/// otherwise both need the key, and presence is tested before kind.
+Verdict RequirementSetMatch(const Requirement& requirement, const PropertyValue* wanted,
+                            const PropertyValue* found);
 
-/// Whether the personality meets all requirements of the type: tests them in order up to the first
-/// that it does not meet, and writes the diagnostics to standard error.
-bool CheckRequirements(TypeSet type, Dictionary personality, const RequirementContext& context,
-                       Console& console);
+/// The check of a type for one controller. Its values are looked up once, since a configuration may
+/// have many personalities. REQUIRES: the hardware record outlives this and does not change.
+class ControllerCheck {
+ public:
+  ControllerCheck(TypeSet type, const RequirementContext& context);
+
+  /// Whether the personality meets all requirements of the type: tests them in order up to the
+  /// first that it does not meet, and writes the diagnostics to standard error.
+  bool Applies(Dictionary personality, Console& console) const;
+
+ private:
+  static constexpr std::size_t MaxRequirements = 32;
+
+  std::span<const Requirement> requirements_;
+  RequirementContext context_;
+  std::array<const PropertyValue*, MaxRequirements> found_;  // by each; null: absent
+};
 
 /// Whether a "LegacyUSBC" personality applies to a port: the version window and "Port Address".
 bool CheckLegacyUsbcRequirements(Dictionary personality, const RequirementContext& context,

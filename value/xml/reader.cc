@@ -1,5 +1,7 @@
 #include "value/xml/reader.h"
 
+#include <array>
+#include <functional>
 #include <span>
 #include <string>
 #include <utility>
@@ -148,6 +150,7 @@ class XmlPropertyListReader {
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
     if (!ReadKeptText(tag, text) || !cursor_.SkipMiscellany()) return false;
+    text = Shared(text);
     if (locations_ != nullptr) locations_->Key(text, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
@@ -173,6 +176,14 @@ class XmlPropertyListReader {
     if (!ReadText(tag, text)) return false;
     if (text.data() == scratch_.data()) text = arena_.Copy(text);
     return true;
+  }
+
+  // Mostly the same view for equal keys: a file repeats its keys, and what compares many of them
+  // finds them in the processor's cache.
+  std::string_view Shared(std::string_view key) {
+    auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
+    if (recent != key) recent = key;
+    return recent;
   }
 
   bool ReadString(const XmlStartTag& tag) {
@@ -221,6 +232,7 @@ class XmlPropertyListReader {
   LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
   std::string scratch_;
+  std::array<std::string_view, 256> recentKeys_;  // by hash
   // Stacks of what has been read of the arrays and dictionaries that are still open, innermost
   // last: each goes into the arena in one piece when it is closed.
   std::vector<PropertyValue> values_;
