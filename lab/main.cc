@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -9,11 +8,11 @@
 namespace fernwick::lab {
 namespace {
 
-// What the program can do. Everything about a verb is told here and in its own file.
+// What the program can do. Everything about a verb is here and in its own file.
 struct Verb {
   std::string_view name;
   const char* summary;
-  int (*run)(int argumentCount, char* const arguments[]);
+  VerbEnd (*run)(int argumentCount, char* const arguments[]);
 };
 
 constexpr Verb Verbs[] = {
@@ -37,9 +36,9 @@ std::string Usage() {
   return text + "\n\"fernwick-lab VERB --help\" explains one.\n";
 }
 
-int Main(int argumentCount, char* const arguments[]) {
+VerbEnd Main(int argumentCount, char* const arguments[]) {
   if (argumentCount < 2) {
-    std::fputs(Usage().c_str(), stderr);
+    ProcessConsole().WriteError(Usage());
     return LabStatus::BadUsage;
   }
   const std::string_view name = arguments[1];
@@ -54,7 +53,7 @@ int Main(int argumentCount, char* const arguments[]) {
 // The library that takes command lines apart allocates before main begins, and memory may run out
 // even there.
 struct EndWhenOutOfMemoryFromTheStart {
-  EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::UnreadableInput); }
+  EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::OutOfMemory); }
 };
 [[gnu::init_priority(101)]] const EndWhenOutOfMemoryFromTheStart endWhenOutOfMemory;
 
@@ -63,5 +62,7 @@ struct EndWhenOutOfMemoryFromTheStart {
 
 int main(int argc, char* argv[]) {
   fernwick::PrepareProcess();
-  return fernwick::lab::Main(argc, argv);
+  const auto end = fernwick::lab::Main(argc, argv);
+  if (end.fault) fernwick::LogAndAbort(*end.fault);
+  return end.status;
 }

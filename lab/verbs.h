@@ -1,6 +1,18 @@
 #pragma once
 
+#include <optional>
+
+#include "platform/fault.h"
+
 namespace fernwick::lab {
+
+/// How a verb ends.
+struct VerbEnd {
+  VerbEnd(int exitStatus) : status(exitStatus) {}  // NOLINT: most end in nothing else
+
+  int status;                       // of the process
+  std::optional<Fault> fault = {};  // the process is to end abnormally instead
+};
 
 // The verbs, each in a file of its name in its room. A verb is a function of its command line:
 // `arguments` are those after the verb, with a null after the last. It prints its result on
@@ -9,32 +21,32 @@ namespace fernwick::lab {
 
 /// Looks for mistakes in the configurations of a payload. The status is 1 when something was found
 /// that is as grave as --fail-level.
-int Lint(int argumentCount, char* const arguments[]);
+VerbEnd Lint(int argumentCount, char* const arguments[]);
 
-/// Runs the tool over a recorded computer. The status is the tool's own, once it runs.
-int Replay(int argumentCount, char* const arguments[]);
+/// Runs the tool over a recorded computer. The end is the tool's own, once it runs.
+VerbEnd Replay(int argumentCount, char* const arguments[]);
 
 /// What `fernwick-lab replay --help` prints.
 extern const char ReplayHelp[];
 
 /// Prints why the personalities of a payload match or not. The status is LabStatus::Done whatever
 /// the status of the run, as long as it is explained.
-int ExplainVerb(int argumentCount, char* const arguments[]);
+VerbEnd ExplainVerb(int argumentCount, char* const arguments[]);
 
 /// Prints the registry of a recorded computer as a tree, with the controllers picked out, and both
 /// inventories as the tool sees them.
-int Show(int argumentCount, char* const arguments[]);
+VerbEnd Show(int argumentCount, char* const arguments[]);
 
 /// Writes the same recording in another serialisation, value for value.
-int Convert(int argumentCount, char* const arguments[]);
+VerbEnd Convert(int argumentCount, char* const arguments[]);
 
 /// Writes recordings without what identifies the computers, consistent across those named together.
-int Redact(int argumentCount, char* const arguments[]);
+VerbEnd Redact(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over every selected computer and prints a row for each.
-int Survey(int argumentCount, char* const arguments[]);
+VerbEnd Survey(int argumentCount, char* const arguments[]);
 
 /// Prints which computers two payloads treat differently, how and why.
-int Diff(int argumentCount, char* const arguments[]);
+VerbEnd Diff(int argumentCount, char* const arguments[]);
 
 }  // namespace fernwick::lab

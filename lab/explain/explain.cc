@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -38,7 +37,7 @@ bool ShowsEmphasis() {
 
 }  // namespace
 
-int ExplainVerb(int argumentCount, char* const arguments[]) {
+VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   std::string path;
   std::string payload;
   bool bypassVersion = false;
@@ -58,24 +57,19 @@ int ExplainVerb(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto file = LoadRecording(path);
-  if (!file.recording) {
-    PrintError(file.error);
-    return file.status;
-  }
+  const auto recording = LoadRecording(path);
+  if (!recording) return PrintError(path, recording.Error());
   if (const auto fault = FaultOfDirectory(payload); !fault.empty()) {
-    PrintError(payload + ": " + fault);
-    return LabStatus::UnreadableInput;
+    return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
   }
-  const auto explanation = Explain(*file.recording, payload, bypassVersion);
-  Output out(stdout);
-  const auto print = [&](std::string_view text) { out.Write(text); };
+  const auto explanation = Explain(*recording, ToolOptions(payload, bypassVersion));
+  ProcessConsole console;
+  const auto print = [&](std::string_view text) { console.Write(text); };
   asJson ? PrintExplanationJson(explanation, print)
          : PrintExplanationText(explanation, ShowsEmphasis(), print);
-  const int status = FinishOutput(out);
-  if (status != LabStatus::Done || explanation.configurationFault.empty()) return status;
-  PrintError(*explanation.configurationPath + ": " + explanation.configurationFault);
-  return explanation.configurationStatus;
+  const int status = FinishOutput(console);
+  if (status != LabStatus::Done || !explanation.configurationError) return status;
+  return PrintError(*explanation.configurationPath, *explanation.configurationError);
 }
 
 }  // namespace fernwick::lab

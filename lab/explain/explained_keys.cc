@@ -1,6 +1,5 @@
 #include "lab/explain/explained_keys.h"
 
-#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -11,188 +10,169 @@
 namespace fernwick::lab {
 namespace {
 
-// Where the keys of a dictionary stand; of one that occurs twice the last, whose value holds.
-class KeyPlaces {
+// The locations of the keys of a dictionary; of one that occurs twice the last, whose value counts.
+class KeyLocations {
  public:
   // Null: nothing is known.
-  explicit KeyPlaces(const ValuePlace* dictionary) {
+  explicit KeyLocations(const ValueLocation* dictionary) {
     if (dictionary == nullptr) return;
-    for (const auto& entry : dictionary->entries) places_[entry.key.View()] = &entry;
+    for (const auto& entry : dictionary->entries) locations_[entry.key] = &entry;
   }
 
-  // Null when it is not told.
-  const KeyPlace* Find(std::string_view key) const {
-    const auto place = places_.find(key);
-    return place == places_.end() ? nullptr : place->second;
+  // Null when it is not known.
+  const KeyLocation* Find(std::string_view key) const {
+    const auto location = locations_.find(key);
+    return location == locations_.end() ? nullptr : location->second;
   }
 
  private:
-  std::unordered_map<std::string_view, const KeyPlace*> places_;
+  std::unordered_map<std::string_view, const KeyLocation*> locations_;
 };
 
-// What the values of one controller come from, looked up once for each key.
-class ControllerSources {
- public:
-  ControllerSources(const Recording& recording, const ExplainedSource& boardRevision,
-                    const RecordSource& source)
-      : recording_(recording), boardRevision_(boardRevision), source_(source) {}
+std::string_view NameOf(const Recording& recording, RegistryEntry entry) {
+  return recording.entries[entry - 1].name;
+}
 
-  SharedSources Of(std::string_view hardwareKey) {
-    auto& sources = byKey_[hardwareKey];
-    if (sources == nullptr) sources = LookUp(hardwareKey);
-    return sources;
+// The value of "LegacyUSBC" is the one personality itself.
+const ValueLocation* LocationOfCandidate(const KeyLocation* key, TypeSet type, std::size_t index) {
+  if (key == nullptr) return nullptr;
+  return type == Types::LegacyUsbc ? &key->value : FindElement(key->value, index);
+}
+
+ExplainedSkip ExplainSkip(const Recording& recording, const SkippedController& skipped) {
+  ExplainedSkip explained = {.path = EntryPath(recording, skipped.controller),
+                             .name = NameOf(recording, skipped.controller),
+                             .reason = skipped.reason,
+                             .sources = {}};
+  const auto look = [&](std::string_view property) {
+    explained.sources.push_back(LookUpSource(recording, {skipped.controller, property, ""}));
+  };
+  switch (skipped.reason) {
+    case SkipReason::NotAtRootOfTopology: look("Depth"), look("Route String"); break;
+    case SkipReason::RouteString: look("Route String"); break;
+    case SkipReason::AddressBelowThunderbolt: look("Address"); break;
   }
-
-  bool IsUuidUnread() const { return !source_.uuidFetched; }
-
- private:
-  SharedSources LookUp(std::string_view hardwareKey) const {
-    if (hardwareKey.empty()) return Share({boardRevision_});
-    std::vector<ExplainedSource> sources;
-    for (const auto& each : SourcesOf(hardwareKey, source_)) {
-      sources.push_back(LookUpSource(recording_, each));
-    }
-    return Share(std::move(sources));
-  }
-
-  const Recording& recording_;
-  const ExplainedSource& boardRevision_;
-  const RecordSource& source_;
-  std::unordered_map<std::string_view, SharedSources> byKey_;  // by literals
-};
+  return explained;
+}
 
 // Explains one key after the other.
 class KeyExplainer {
  public:
-  KeyExplainer(const ConfigurationFile* file, const Recording& recording,
+  KeyExplainer(const ToolRun& run, const ConfigurationFile* file, const Recording& recording,
                const ExplainedSource& boardRevision)
-      : file_(file),
-        keyPlaces_(file == nullptr ? nullptr : &file->Root()),
+      : result_(run.result),
+        file_(file),
+        keyLocations_(file == nullptr ? nullptr : &file->Root()),
         recording_(recording),
         boardRevision_(boardRevision) {}
 
-  ExplainedKey Explain(const KeyDecisions& decisions, const PropertyValue& value) {
-    const auto* place = keyPlaces_.Find(decisions.key);
-    const auto type = TypeNamed(decisions.key);
-    const auto candidates = PersonalitiesOf(decisions.key, value);
-    ExplainedKey key = {.key = decisions.key,
-                        .place = PlaceOfKey(place),
-                        .type = type,
+  ExplainedKey Explain(const KeyTrace& trace, const PropertyValue& value) {
+    const auto* location = keyLocations_.Find(trace.key);
+    const auto candidates = PersonalitiesOf(trace.key, value);
+    ExplainedKey key = {.key = trace.key,
+                        .location = LocationOf(location),
+                        .type = TypeNamed(trace.key),
                         .hasShape = candidates.has_value(),
                         .value = value};
-    if (type != Types::None && candidates) ExplainPersonalities(*candidates, place, key);
-    for (std::size_t i = 0; i < decisions.controllers.size(); ++i) {
-      key.controllers.push_back(
-          ExplainController(decisions.controllers[i], decisions.inventory.listed[i]));
+    candidates_ = candidates.value_or(Array());
+    if (key.type != Types::None) ExplainPersonalities(location, key);
+    for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
+      key.controllers.push_back(ExplainController(key.type, trace, i));
     }
-    for (const auto& omitted : decisions.inventory.omitted) {
-      key.omitted.push_back(ExplainOmission(omitted));
+    for (const auto& skipped : trace.inventory.skipped) {
+      key.skipped.push_back(ExplainSkip(recording_, skipped));
     }
     return key;
   }
 
  private:
-  std::optional<FilePlace> PlaceOfKey(const KeyPlace* place) const {
-    if (place == nullptr) return std::nullopt;
-    return file_->PlaceOf(place->offset);
+  // Of a key or a value; null: not known.
+  template <typename Location>
+  std::optional<FileLocation> LocationOf(const Location* location) const {
+    if (location == nullptr) return std::nullopt;
+    return file_->LocationOf(location->offset);
   }
 
-  std::optional<FilePlace> PlaceOfValue(const ValuePlace* place) const {
-    if (place == nullptr) return std::nullopt;
-    return file_->PlaceOf(place->offset);
-  }
-
-  // The value of "LegacyUSBC" is the one personality itself.
-  static const ValuePlace* PlaceOfCandidate(const KeyPlace* keyPlace, TypeSet type,
-                                            std::size_t index) {
-    if (keyPlace == nullptr) return nullptr;
-    return type == Types::LegacyUsbc ? &keyPlace->value : FindElement(keyPlace->value, index);
-  }
-
-  void ExplainPersonalities(std::span<const PropertyValue> candidates, const KeyPlace* keyPlace,
-                            ExplainedKey& key) {
-    places_.clear();
-    for (std::size_t i = 0; i < candidates.size(); ++i) {
-      places_.push_back(PlaceOfCandidate(keyPlace, key.type, i));
-      ExplainedPersonality personality{.place = PlaceOfValue(places_.back()), .firmware = {}};
-      if (const auto* dictionary = candidates[i].AsDictionary()) {
+  void ExplainPersonalities(const KeyLocation* keyLocation, ExplainedKey& key) {
+    locations_.clear();
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+      locations_.push_back(LocationOfCandidate(keyLocation, key.type, i));
+      ExplainedPersonality personality{.location = LocationOf(locations_.back()), .firmware = {}};
+      if (const auto dictionary = candidates_[i].AsDictionary()) {
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
-        personality.unread = UnreadKeys(*dictionary, key.type, places_.back());
+        personality.unread = UnreadKeys(*dictionary, key.type, locations_.back());
       }
       key.personalities.push_back(std::move(personality));
     }
   }
 
-  std::vector<UnreadKey> UnreadKeys(const Dictionary& personality, TypeSet type,
-                                    const ValuePlace* place) const {
-    const KeyPlaces places(place);
+  std::vector<UnreadKey> UnreadKeys(Dictionary personality, TypeSet type,
+                                    const ValueLocation* location) const {
+    const KeyLocations locations(location);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
-      const auto* known = FindPersonalityKey(key.View());
+      const auto* known = FindPersonalityKey(key);
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
       if ((readBy & type) != 0) continue;
-      unread.push_back({std::string(key.View()), PlaceOfKey(places.Find(key.View())), readBy});
+      unread.push_back({key, LocationOf(locations.Find(key)), readBy});
     }
     return unread;
   }
 
-  ExplainedController ExplainController(const ControllerDecisions& decisions,
-                                        const RecordSource& source) const {
+  ExplainedController ExplainController(TypeSet type, const KeyTrace& trace,
+                                        std::size_t index) const {
+    const auto& source = trace.inventory.sources[index];
     const bool hasThunderbolt = source.port != 0 && source.thunderbolt != 0;
     ExplainedController controller = {
         .isPort = source.port != 0,
         .path = EntryPath(recording_, source.Controller()),
-        .name = NameOf(source.Controller()),
-        .thunderboltName = hasThunderbolt ? NameOf(source.thunderbolt) : "",
-        .record = decisions.controller,
+        .name = NameOf(recording_, source.Controller()),
+        .thunderboltName = hasThunderbolt ? NameOf(recording_, source.thunderbolt) : "",
+        .record = trace.inventory.records[index],
+        .isUuidUnread = !source.uuidFetched,
         .pairs = {},
+        .sources = {},
     };
-    ControllerSources sources(recording_, boardRevision_, source);
-    for (std::size_t i = 0; i < decisions.pairs.size(); ++i) {
-      ExplainedPair pair = {.personality = i, .outcome = decisions.pairs[i].outcome};
-      pair.failures.reserve(decisions.pairs[i].failures.size());
-      for (const auto& failure : decisions.pairs[i].failures) {
-        pair.failures.push_back(ExplainFailure(failure, places_[i], sources));
-      }
+    if (trace.outcomes.empty()) return controller;
+    for (const auto outcome : trace.outcomes[index]) {
+      ExplainedPair pair = {.personality = controller.pairs.size(), .outcome = outcome};
+      if (outcome == PairOutcome::Rejected) ExplainRejection(type, source, controller, pair);
       controller.pairs.push_back(std::move(pair));
     }
     return controller;
   }
 
-  ExplainedFailure ExplainFailure(const FailedRequirement& requirement,
-                                  const ValuePlace* personality, ControllerSources& sources) const {
-    const auto* place = personality == nullptr ? nullptr : FindKey(*personality, requirement.key);
-    return {.requirement = requirement,
-            .wantedPlace = PlaceOfValue(place == nullptr ? nullptr : &place->value),
-            .sources = sources.Of(requirement.hardwareKey),
-            .isUuidUnread = requirement.hardwareKey == "Port UUID" && sources.IsUuidUnread()};
-  }
-
-  ExplainedOmission ExplainOmission(const OmittedController& omitted) const {
-    ExplainedOmission explained = {.path = EntryPath(recording_, omitted.controller),
-                                   .name = NameOf(omitted.controller),
-                                   .why = omitted.why,
-                                   .sources = {}};
-    const auto look = [&](std::string_view property) {
-      explained.sources.push_back(LookUpSource(recording_, {omitted.controller, property, ""}));
-    };
-    switch (omitted.why) {
-      case Omission::NotAtRootOfTopology: look("Depth"), look("Route String"); break;
-      case Omission::RouteString: look("Route String"); break;
-      case Omission::AddressBelowThunderbolt: look("Address"); break;
+  void ExplainRejection(TypeSet type, const RecordSource& source, ExplainedController& controller,
+                        ExplainedPair& pair) const {
+    const auto personality = *candidates_[pair.personality].AsDictionary();
+    const RequirementContext context = {controller.record, result_.identity->boardRevision,
+                                        result_.bypassesVersionCheck};
+    for (const auto& failed : FailedRequirements(type, personality, context)) {
+      const auto* at = locations_[pair.personality];
+      const auto* key = at == nullptr ? nullptr : FindKey(*at, failed.requirement->key);
+      pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
+      const auto hardwareKey = failed.requirement->hardwareKey;
+      auto [sources, isNew] = controller.sources.try_emplace(hardwareKey);
+      if (isNew) sources->second = SourcesFor(hardwareKey, source);
     }
-    return explained;
   }
 
-  const std::string& NameOf(RegistryEntry entry) const {
-    return recording_.entries[entry - 1].name;
+  ExplainedSources SourcesFor(std::string_view hardwareKey, const RecordSource& source) const {
+    if (hardwareKey.empty()) return {boardRevision_};
+    ExplainedSources sources;
+    for (const auto& each : SourcesOf(hardwareKey, source)) {
+      sources.push_back(LookUpSource(recording_, each));
+    }
+    return sources;
   }
 
+  const RunResult& result_;
   const ConfigurationFile* file_;
-  KeyPlaces keyPlaces_;  // of the top-level keys
+  KeyLocations keyLocations_;  // of the top-level keys
   const Recording& recording_;
   const ExplainedSource& boardRevision_;
-  std::vector<const ValuePlace*> places_;  // of the personalities of the key; null where not told
+  Array candidates_;                             // of the key that is explained
+  std::vector<const ValueLocation*> locations_;  // of these; null where it is not known
 };
 
 }  // namespace
@@ -201,23 +181,22 @@ ExplainedSource LookUpSource(const Recording& recording, const PropertySource& s
   const auto& entry = recording.entries[source.entry - 1];
   ExplainedSource explained = {.path = EntryPath(recording, source.entry),
                                .name = entry.name,
-                               .property = std::string(source.property),
+                               .property = source.property,
                                .value = {},
-                               .conversion = std::string(source.conversion)};
+                               .conversion = source.conversion};
   if (const auto* value = entry.properties.Find(source.property)) explained.value = *value;
   return explained;
 }
 
-std::vector<ExplainedKey> ExplainKeys(const MatchRecorder& matching, const ConfigurationFile* file,
+std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFile* file,
                                       const Recording& recording,
                                       const ExplainedSource& boardRevision) {
   std::vector<ExplainedKey> keys;
-  KeyExplainer explainer(file, recording, boardRevision);
-  const auto* configuration = matching.configuration->AsDictionary();
-  if (configuration == nullptr) return keys;
-  auto entry = configuration->Entries().begin();
-  for (const auto& decisions : matching.keys) {
-    keys.push_back(explainer.Explain(decisions, (entry++)->value));
+  const auto configuration = run.result.configuration->value.AsDictionary();
+  if (!configuration) return keys;
+  KeyExplainer explainer(run, file, recording, boardRevision);
+  for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
+    keys.push_back(explainer.Explain(run.trace.keys[i], configuration->Entries()[i].value));
   }
   return keys;
 }

@@ -4,7 +4,6 @@
 
 #include "driver/bypass_switch.h"
 #include "lab/explain/explained_keys.h"
-#include "lab/support/abnormal_end.h"
 #include "personality/configuration.h"
 #include "platform/file_system.h"
 #include "registry/board_identity.h"
@@ -14,24 +13,23 @@
 namespace fernwick::lab {
 namespace {
 
-RunEnd EndOf(const RunRecorder& recorder) {
-  if (recorder.bypassesUpdates) return RunEnd::Bypassed;
-  const auto& configuration = recorder.matching.configuration;
-  if (!configuration) return RunEnd::NoConfiguration;
-  if (configuration->AsDictionary() == nullptr) return RunEnd::NoDictionary;
-  if (recorder.matches.empty()) return RunEnd::NothingMatched;
-  const bool isWhole = recorder.plannedMatches == recorder.matches.size();
+RunEnd EndOf(const RunResult& result) {
+  if (result.bypassesUpdates) return RunEnd::Bypassed;
+  if (!result.configuration) return RunEnd::NoConfiguration;
+  if (!result.configuration->value.AsDictionary()) return RunEnd::NoDictionary;
+  if (result.matches.empty()) return RunEnd::NothingMatched;
+  const bool isWhole = result.plannedMatches == result.matches.size();
   return isWhole ? RunEnd::Planned : RunEnd::NoFirmware;
 }
 
-// The boot arguments, which hold a bare switch name.
-std::vector<ExplainedSource> BootArguments(Registry& registry) {
+// The boot arguments, one of which is a bare switch name.
+ExplainedSource BootArguments(Registry& registry) {
   const auto options = registry.LookupEntryByPath(BootOptionsPath);
-  return {{.path = std::string(BootOptionsPath),
-           .name = "options",
-           .property = "boot-args",
-           .value = registry.GetProperty(options, "boot-args"),
-           .conversion = {}}};
+  return {.path = std::string(BootOptionsPath),
+          .name = "options",
+          .property = "boot-args",
+          .value = registry.GetProperty(options, "boot-args"),
+          .conversion = {}};
 }
 
 // Found at or below the root of the device tree; without it the revision is 0.
@@ -47,82 +45,59 @@ ExplainedSource BoardRevisionSource(Registry& registry) {
           .conversion = bytes && !bytes->empty() ? "its first byte" : "counts as 0"};
 }
 
-std::vector<ExplainedSource> ControllersWithoutUid(const Recording& recording, Registry& registry) {
-  std::vector<ExplainedSource> sources;
-  ForEachService(registry, ThunderboltControllerClass, [&](RegistryEntry controller) {
-    if (registry.GetProperty(controller, "UID")) return;
-    sources.push_back(LookUpSource(recording, {controller, "UID", ""}));
-  });
+ExplainedSources ControllersWithoutUid(const Recording& recording, Registry& registry) {
+  ExplainedSources sources;
+  ForEachService(registry, ThunderboltControllerClass,
+                 [&](RegistryEntry controller) -> std::optional<Fault> {
+                   if (!registry.GetProperty(controller, "UID")) {
+                     sources.push_back(LookUpSource(recording, {controller, "UID", ""}));
+                   }
+                   return std::nullopt;
+                 });
   return sources;
 }
 
 // What a fault that ends a run abnormally is about.
-std::vector<ExplainedSource> FaultSources(const std::string& fault, const Recording& recording,
-                                          Registry& registry) {
-  if (fault == BareSwitchFault) return BootArguments(registry);
-  if (fault == MissingUidFault) return ControllersWithoutUid(recording, registry);
-  return {};
+ExplainedSources FaultSources(Fault fault, const Recording& recording, Registry& registry) {
+  if (fault == Fault::BareSwitch) return {BootArguments(registry)};
+  return ControllersWithoutUid(recording, registry);
 }
 
-// Of a run that has no configuration: a board for which there is none is nothing wrong.
-void FindConfigurationFault(Explanation& explanation) {
+// Of a run that has no configuration: a board for which there is none is no error.
+void FindConfigurationError(Explanation& explanation) {
   const auto& path = explanation.configurationPath;
   if (!path || !PathExists(*path)) return;
-  auto loading = LoadConfiguration(*path);
-  explanation.configurationFault = std::move(loading.error);
-  explanation.configurationStatus = loading.status;
+  const auto configuration = LoadConfiguration(*path);
+  if (!configuration) explanation.configurationError = configuration.Error();
 }
 
-void ExplainRun(const Recording& recording, Registry& registry, const RunRecorder& recorder,
+void ExplainRun(const Recording& recording, Registry& registry, const Options& options,
                 Explanation& explanation) {
-  explanation.end = EndOf(recorder);
-  explanation.bypassesVersionCheck = recorder.bypassesVersionCheck;
-  explanation.switchBypassesVersion = recorder.switchBypassesVersion;
-  explanation.matchCount = recorder.matches.size();
-  explanation.plannedMatchCount = recorder.plannedMatches;
-  if (!recorder.options || !recorder.identity) return;
-  explanation.optionBypassesVersion = recorder.options->bypassVersionCheck;
+  const auto& result = explanation.run.result;
+  explanation.end = EndOf(result);
+  if (!result.identity) return;
+  explanation.optionBypassesVersion = options.bypassVersionCheck;
   explanation.configurationPath =
-      ConfigurationPath(recorder.identity->boardIdString, recorder.options->personalitiesDirectory);
-  if (!recorder.matching.configuration) return FindConfigurationFault(explanation);
-  const auto loading = LoadConfiguration(*explanation.configurationPath);
-  explanation.keys = ExplainKeys(recorder.matching, loading.file ? &*loading.file : nullptr,
-                                 recording, BoardRevisionSource(registry));
+      ConfigurationPath(result.identity->boardIdString, options.personalitiesDirectory);
+  if (!result.configuration) return FindConfigurationError(explanation);
+  const auto file = LoadConfiguration(*explanation.configurationPath);
+  explanation.keys = ExplainKeys(explanation.run, file ? &*file : nullptr, recording,
+                                 BoardRevisionSource(registry));
 }
 
 }  // namespace
 
-SharedSources Share(std::vector<ExplainedSource> sources) {
-  return std::make_shared<const std::vector<ExplainedSource>>(std::move(sources));
-}
-
-std::vector<PairPlace> MatchedPairs(const Explanation& explanation) {
-  std::vector<PairPlace> matched;
-  for (const auto& key : explanation.keys) {
-    for (const auto& controller : key.controllers) {
-      for (const auto& pair : controller.pairs) {
-        if (pair.outcome == PairOutcome::Matched) matched.push_back({&key, &controller, &pair});
-      }
-    }
-  }
-  return matched;
-}
-
-Explanation Explain(const Recording& recording, const std::string& payload, bool bypassVersion) {
-  std::vector<std::string> arguments = {"-p", payload};
-  if (bypassVersion) arguments.emplace_back("--bypassVersion");
+Explanation Explain(const Recording& recording, const Options& options) {
   RecordedRegistry registry(recording);
   Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadBoardIdentity(registry)};
-  // In a process of its own first, so that a run that ends abnormally can be told of.
-  const auto fault = FaultThatEnds([&] { RunCaptured(registry, arguments, nullptr); });
-  if (fault) {
-    explanation.fault = *fault;
+  auto run = RunTool(recording, options);
+  if (const auto fault = run.result.fault) {
+    explanation.run.result.fault = fault;
     explanation.faultSources = FaultSources(*fault, recording, registry);
-    return explanation;
+  } else {
+    explanation.run = std::move(run);
+    ExplainRun(recording, registry, options, explanation);
   }
-  RunRecorder recorder;
-  explanation.run = RunCaptured(registry, arguments, &recorder);
-  ExplainRun(recording, registry, recorder, explanation);
   return explanation;
 }
 

@@ -1,44 +1,39 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
-#include "driver/run_recorder.h"
-#include "lab/support/captured_run.h"
+#include "lab/explain/failed_requirement.h"
 #include "lab/support/configuration_file.h"
 #include "lab/support/messages.h"
-#include "personality/personality_keys.h"
+#include "lab/support/tool_run.h"
+#include "registry/key_schema.h"
 #include "registry/recorded_registry.h"
 
 namespace fernwick::lab {
 
 /// A property of the registry that a value comes from, or could have come from.
 struct ExplainedSource {
-  std::string path;  // of the entry
-  std::string name;  // of the entry
-  std::string property;
-  std::optional<PropertyValue> value;  // what the property holds
-  std::string conversion;              // as PropertySource
+  std::string path;       // of the entry
+  std::string_view name;  // of the entry
+  std::string_view property;
+  std::optional<PropertyValue> value;  // of the property
+  std::string_view conversion;         // as PropertySource
 };
 
-/// What a value comes from. All failures of a controller that look at the same key share one list.
-using SharedSources = std::shared_ptr<const std::vector<ExplainedSource>>;
+using ExplainedSources = std::vector<ExplainedSource>;
 
-SharedSources Share(std::vector<ExplainedSource> sources);
-
-/// A requirement that a pair fails, with the places of both its sides.
+/// A requirement that a pair fails, with the location of the personality's value.
 struct ExplainedFailure {
-  FailedRequirement requirement;
-  std::optional<FilePlace> wantedPlace;
-  SharedSources sources;      // null: not looked up; empty: nothing that is there could give it
-  bool isUuidUnread = false;  // an earlier port without a UUID kept this one's unread
+  FailedRequirement failed;
+  std::optional<FileLocation> wantedLocation;
 };
 
-/// A personality and a controller that were held against each other.
+/// A personality and a controller that were tested against each other.
 struct ExplainedPair {
   std::size_t personality;  // in ExplainedKey::personalities
   PairOutcome outcome;
@@ -49,44 +44,54 @@ struct ExplainedPair {
 struct ExplainedController {
   bool isPort;
   std::string path;
-  std::string name;
-  std::string thunderboltName;  // of a port, of the Thunderbolt controller above it; may be empty
-  HardwareRecord record;
+  std::string_view name;
+  std::string_view thunderboltName;  // of a port, of the Thunderbolt controller above it, if any
+  Dictionary record;
+  bool isUuidUnread;                 // an earlier port without a UUID kept this one's unread
   std::vector<ExplainedPair> pairs;  // in the order of the file
+
+  // By the hardware key of each failure in `pairs`, what the value is read from; an empty list:
+  // from nothing that is there.
+  std::map<std::string_view, ExplainedSources> sources;
 };
 
-/// A controller that is there and that the inventory passes over.
-struct ExplainedOmission {
+/// Whether the requirement fails because the port's UUID was not read.
+inline bool IsUuidUnread(const FailedRequirement& failed, const ExplainedController& controller) {
+  return controller.isUuidUnread && failed.requirement->hardwareKey == "Port UUID";
+}
+
+/// A controller that is there and that the inventory does not list.
+struct ExplainedSkip {
   std::string path;
-  std::string name;
-  Omission why;
-  std::vector<ExplainedSource> sources;
+  std::string_view name;
+  SkipReason reason;
+  ExplainedSources sources;
 };
 
 /// A key of a personality that its type does not read.
 struct UnreadKey {
-  std::string key;
-  std::optional<FilePlace> place;
+  std::string_view key;
+  std::optional<FileLocation> location;
   TypeSet readBy;  // other types; none: nothing reads it
 };
 
-/// A candidate that stands under a type, whether it is a personality or not.
+/// A candidate under a type, a personality or not.
 struct ExplainedPersonality {
-  std::optional<FilePlace> place;
+  std::optional<FileLocation> location;
   std::optional<PropertyValue> firmware;  // whatever it has as "Firmware"
   std::vector<UnreadKey> unread = {};
 };
 
 /// A top-level key of the configuration.
 struct ExplainedKey {
-  std::string key;
-  std::optional<FilePlace> place;
+  std::string_view key;
+  std::optional<FileLocation> location;
   TypeSet type;   // none: nothing reads it
   bool hasShape;  // its value is of the shape that the type needs
   PropertyValue value;
   std::vector<ExplainedPersonality> personalities = {};
   std::vector<ExplainedController> controllers = {};
-  std::vector<ExplainedOmission> omitted = {};
+  std::vector<ExplainedSkip> skipped = {};
 };
 
 /// How the run ends.
@@ -100,35 +105,20 @@ enum class RunEnd {
   Abnormal,
 };
 
-/// Why a run over a recorded computer ends as it does and matches what it matches.
+/// Why a run over a recorded computer ends as it does and matches what it matches. It views the
+/// recording, which must outlive it, and its own run; it can be moved.
 struct Explanation {
   RunEnd end;
-  CapturedRun run = {};  // of an abnormal end nothing
-  std::string fault = {};
-  std::vector<ExplainedSource> faultSources = {};  // the properties that the fault is about
+  ToolRun run = {};                    // after a fault nothing but the fault
+  ExplainedSources faultSources = {};  // the properties that the fault is about
   BoardIdentity identity = {};
   std::optional<std::string> configurationPath = {};
-  std::string configurationFault = {};        // why a configuration that is there cannot be used
-  int configurationStatus = LabStatus::Done;  // what the lab says of that
-  bool bypassesVersionCheck = false;
+  std::optional<LabError> configurationError = {};  // one that is there cannot be used
   bool optionBypassesVersion = false;
-  bool switchBypassesVersion = false;
   std::vector<ExplainedKey> keys = {};
-  std::size_t matchCount = 0;
-  std::size_t plannedMatchCount = 0;
 };
-
-/// A personality and a controller of one key.
-struct PairPlace {
-  const ExplainedKey* key;
-  const ExplainedController* controller;
-  const ExplainedPair* pair;
-};
-
-/// The pairs that match, in the order of the plan. They live as long as the explanation.
-std::vector<PairPlace> MatchedPairs(const Explanation& explanation);
 
 /// Runs the tool over the computer and explains what it decides.
-Explanation Explain(const Recording& recording, const std::string& payload, bool bypassVersion);
+Explanation Explain(const Recording& recording, const Options& options);
 
 }  // namespace fernwick::lab

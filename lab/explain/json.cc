@@ -23,10 +23,10 @@ Json ValueOrNull(const std::optional<PropertyValue>& value) {
   return value ? ToJson(*value) : Json(nullptr);
 }
 
-Json PlaceJson(const std::optional<FilePlace>& place) {
-  if (!place) return nullptr;
-  if (place->line == 0) return {{"byte", place->byte}};
-  return {{"line", place->line}, {"column", place->column}};
+Json LocationJson(const std::optional<FileLocation>& location) {
+  if (!location) return nullptr;
+  if (location->line == 0) return {{"byte", location->byte}};
+  return {{"line", location->line}, {"column", location->column}};
 }
 
 Json TypesJson(TypeSet types) {
@@ -40,42 +40,44 @@ Json SourceJson(const ExplainedSource& source) {
           {"conversion", source.conversion}};
 }
 
-Json FailureJson(const ExplainedFailure& failure) {
-  const auto& requirement = failure.requirement;
-  Json json = {{"check", requirement.check},
-               {"key", requirement.key},
-               {"shortfall", NameOf(requirement.shortfall)},
-               {"wanted", ValueOrNull(requirement.wanted)},
-               {"place", PlaceJson(failure.wantedPlace)},
-               {"found", ValueOrNull(requirement.found)},
-               {"foundIn", requirement.hardwareKey},
-               {"sources", ListOf(*failure.sources, SourceJson)}};
-  if (failure.isUuidUnread) json["uuidUnread"] = true;
+Json FailureJson(const ExplainedFailure& failure, const ExplainedController& controller) {
+  const auto& [requirement, reason, wanted, found] = failure.failed;
+  Json json = {{"check", requirement->type},
+               {"key", requirement->key},
+               {"shortfall", NameOf(reason)},
+               {"wanted", ValueOrNull(wanted)},
+               {"place", LocationJson(failure.wantedLocation)},
+               {"found", ValueOrNull(found)},
+               {"foundIn", requirement->hardwareKey},
+               {"sources", ListOf(controller.sources.at(requirement->hardwareKey), SourceJson)}};
+  if (IsUuidUnread(failure.failed, controller)) json["uuidUnread"] = true;
   return json;
 }
 
-Json PairJson(const ExplainedPair& pair) {
+Json PairJson(const ExplainedPair& pair, const ExplainedController& controller) {
   Json json = {{"personality", pair.personality + 1}, {"outcome", NameOf(pair.outcome)}};
   if (pair.outcome == PairOutcome::Rejected) {
-    json["failures"] = ListOf(pair.failures, FailureJson);
+    json["failures"] = ListOf(pair.failures, [&](const ExplainedFailure& failure) {
+      return FailureJson(failure, controller);
+    });
   }
   return json;
 }
 
-Json OmissionJson(const ExplainedOmission& omission) {
-  return {{"entry", omission.path},
-          {"why", NameOf(omission.why)},
-          {"sources", ListOf(omission.sources, SourceJson)}};
+Json SkipJson(const ExplainedSkip& skip) {
+  return {{"entry", skip.path},
+          {"why", NameOf(skip.reason)},
+          {"sources", ListOf(skip.sources, SourceJson)}};
 }
 
 Json UnreadJson(const UnreadKey& unread) {
   return {{"key", unread.key},
-          {"place", PlaceJson(unread.place)},
+          {"place", LocationJson(unread.location)},
           {"readBy", TypesJson(unread.readBy)}};
 }
 
 Json PersonalityJson(const ExplainedPersonality& personality) {
-  return {{"place", PlaceJson(personality.place)},
+  return {{"place", LocationJson(personality.location)},
           {"firmware", ValueOrNull(personality.firmware)},
           {"unread", ListOf(personality.unread, UnreadJson)}};
 }
@@ -84,9 +86,9 @@ void PrintController(const ExplainedController& controller, JsonStream& stream) 
   stream.Begin('{');
   stream.AddMembers({{"kind", controller.isPort ? "port" : "thunderbolt"},
                      {"entry", controller.path},
-                     {"record", ToJson(controller.record)}});
+                     {"record", ToJson(PropertyValue(controller.record))}});
   stream.Begin("pairs", '[');
-  for (const auto& pair : controller.pairs) stream.Add(PairJson(pair));
+  for (const auto& pair : controller.pairs) stream.Add(PairJson(pair, controller));
   stream.End();
   stream.End();
 }
@@ -94,11 +96,11 @@ void PrintController(const ExplainedController& controller, JsonStream& stream) 
 void PrintKey(const ExplainedKey& key, JsonStream& stream) {
   stream.Begin('{');
   stream.AddMembers({{"key", key.key},
-                     {"place", PlaceJson(key.place)},
+                     {"place", LocationJson(key.location)},
                      {"isType", key.type != Types::None},
                      {"hasShape", key.hasShape},
                      {"personalities", ListOf(key.personalities, PersonalityJson)},
-                     {"passedOver", ListOf(key.omitted, OmissionJson)}});
+                     {"passedOver", ListOf(key.skipped, SkipJson)}});
   stream.Begin("controllers", '[');
   for (const auto& controller : key.controllers) PrintController(controller, stream);
   stream.End();
@@ -119,14 +121,14 @@ Json BoardJson(const BoardIdentity& identity) {
 }
 
 Json OutcomeJson(const Explanation& explanation) {
-  const bool isAbnormal = explanation.end == RunEnd::Abnormal;
+  const auto& result = explanation.run.result;
   Json json = {{"end", NameOf(explanation.end)},
-               {"status", isAbnormal ? Json(nullptr) : Json(explanation.run.status)},
-               {"matches", explanation.matchCount},
-               {"plannedMatches", explanation.plannedMatchCount},
+               {"status", result.fault ? Json(nullptr) : Json(result.status)},
+               {"matches", result.matches.size()},
+               {"plannedMatches", result.plannedMatches},
                {"standardError", LinesOf(explanation.run.standardError)}};
-  if (!isAbnormal) return json;
-  json["fault"] = explanation.fault;
+  if (!result.fault) return json;
+  json["fault"] = Describe(*result.fault);
   json["sources"] = ListOf(explanation.faultSources, SourceJson);
   return json;
 }
@@ -156,40 +158,41 @@ std::string_view NameOf(PairOutcome outcome) {
   return "notAPersonality";
 }
 
-std::string_view NameOf(Shortfall shortfall) {
-  switch (shortfall) {
-    case Shortfall::PersonalityLacksKey: return "personalityLacksKey";
-    case Shortfall::HardwareLacksKey: return "hardwareLacksKey";
-    case Shortfall::WrongKind: return "wrongKind";
-    case Shortfall::Unequal: return "unequal";
-    case Shortfall::NotNewer: return "notNewer";
-    case Shortfall::EngineeringFirmware: return "engineeringFirmware";
-    case Shortfall::AboveInstalled: return "aboveInstalled";
-    case Shortfall::BelowInstalled: return "belowInstalled";
-    case Shortfall::AboveBoardRevision: return "aboveBoardRevision";
-    case Shortfall::BelowBoardRevision: break;
+std::string_view NameOf(FailureReason reason) {
+  switch (reason) {
+    case FailureReason::PersonalityLacksKey: return "personalityLacksKey";
+    case FailureReason::HardwareLacksKey: return "hardwareLacksKey";
+    case FailureReason::WrongKind: return "wrongKind";
+    case FailureReason::Unequal: return "unequal";
+    case FailureReason::NotNewer: return "notNewer";
+    case FailureReason::EngineeringFirmware: return "engineeringFirmware";
+    case FailureReason::AboveInstalled: return "aboveInstalled";
+    case FailureReason::BelowInstalled: return "belowInstalled";
+    case FailureReason::AboveBoardRevision: return "aboveBoardRevision";
+    case FailureReason::BelowBoardRevision: break;
   }
   return "belowBoardRevision";
 }
 
-std::string_view NameOf(Omission why) {
-  switch (why) {
-    case Omission::NotAtRootOfTopology: return "notAtRootOfTopology";
-    case Omission::RouteString: return "routeString";
-    case Omission::AddressBelowThunderbolt: break;
+std::string_view NameOf(SkipReason reason) {
+  switch (reason) {
+    case SkipReason::NotAtRootOfTopology: return "notAtRootOfTopology";
+    case SkipReason::RouteString: return "routeString";
+    case SkipReason::AddressBelowThunderbolt: break;
   }
   return "addressBelowThunderbolt";
 }
 
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {
+  const auto& result = explanation.run.result;
   JsonStream stream(sink);
   stream.Begin('{');
   stream.AddMembers({{"board", BoardJson(explanation.identity)},
                      {"configuration", OrNull(explanation.configurationPath)},
                      {"versionCheck",
-                      {{"bypassed", explanation.bypassesVersionCheck},
+                      {{"bypassed", result.bypassesVersionCheck},
                        {"byOption", explanation.optionBypassesVersion},
-                       {"bySwitch", explanation.switchBypassesVersion}}},
+                       {"bySwitch", result.switchBypassesVersion}}},
                      {"outcome", OutcomeJson(explanation)}});
   stream.Begin("keys", '[');
   for (const auto& key : explanation.keys) PrintKey(key, stream);

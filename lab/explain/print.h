@@ -18,7 +18,7 @@ void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
 /// What the JSON calls them: "nothingMatched", "notReached", "aboveInstalled".
 std::string_view NameOf(RunEnd end);
 std::string_view NameOf(PairOutcome outcome);
-std::string_view NameOf(Shortfall shortfall);
-std::string_view NameOf(Omission why);
+std::string_view NameOf(FailureReason reason);
+std::string_view NameOf(SkipReason reason);
 
 }  // namespace fernwick::lab

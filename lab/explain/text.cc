@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <sstream>
 
-#include "lab/explain/failure_text.h"
 #include "lab/explain/print.h"
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
@@ -37,12 +36,16 @@ std::string CountedControllers(const ExplainedKey& key) {
   return Counted(key.controllers.size(), ControllerKind(key, false), ControllerKind(key, true));
 }
 
+std::string PersonalityName(const ExplainedKey& key, std::size_t index) {
+  if (key.type == Types::LegacyUsbc) return "the personality";
+  return "personality " + std::to_string(index + 1);
+}
+
 // "personality 2 at 50:3, "image.bin"".
 std::string PersonalityText(const ExplainedKey& key, std::size_t index) {
   const auto& personality = key.personalities[index];
-  std::string text = key.type == Types::LegacyUsbc ? "the personality"
-                                                   : "personality " + std::to_string(index + 1);
-  text += AtPlace(personality.place);
+  auto text = PersonalityName(key, index);
+  text += AtLocation(personality.location);
   if (personality.firmware) text += ", " + InlineText(*personality.firmware);
   return text;
 }
@@ -55,8 +58,8 @@ std::string Named(const ExplainedController& controller) {
   return text;
 }
 
-// What the record tells of the controller at first sight.
-std::string Traits(const HardwareRecord& record) {
+// What identifies the controller at first sight.
+std::string Traits(Dictionary record) {
   std::string text;
   const std::pair<const char*, const char*> traits[] = {
       {"RID", "RID"}, {"Port Address", "address"}, {"Version", "version"}};
@@ -73,6 +76,111 @@ std::string IdentityText(const BoardIdentity& identity) {
   std::snprintf(numbers, sizeof numbers, " (0x%" PRIX64 "), revision %u", identity.boardId,
                 unsigned{identity.boardRevision});
   return (identity.boardIdString ? PrintableText(*identity.boardIdString) : AbsentText) + numbers;
+}
+
+std::string PropertyText(const ExplainedSource& source) {
+  return "\"" + std::string(source.property) + "\" of " + PrintableText(source.name);
+}
+
+// ""UID" of ridge1 is 17 (0x11): the low 4 bits"; ""Revision" of hpm0 is absent".
+std::string SourceText(const ExplainedSource& source) {
+  auto text = PropertyText(source);
+  if (!source.value) return text + " is absent";
+  text += " is " + InlineTextWithHex(*source.value);
+  if (!source.conversion.empty()) text.append(": ").append(source.conversion);
+  return text;
+}
+
+// Of a property without use: it is not there, or of a kind that is not read.
+std::string UselessSourceText(const ExplainedSource& source) {
+  auto text = PropertyText(source);
+  if (!source.value) return text + " is absent";
+  return text + " is " + std::string(KindOf(*source.value)) + ", " + InlineText(*source.value);
+}
+
+// Where the hardware's side comes from, or why it is missing, a line for each property.
+std::vector<std::string> SourceLines(const FailedRequirement& failed,
+                                     const ExplainedController& controller) {
+  if (IsUuidUnread(failed, controller)) {
+    return {"its \"UUID\" is not read, as an earlier port has none"};
+  }
+  const auto& sources = controller.sources.at(failed.requirement->hardwareKey);
+  if (sources.empty()) return {"there is no Thunderbolt controller above it"};
+  std::vector<std::string> lines;
+  for (const auto& source : sources) {
+    lines.push_back(failed.found ? SourceText(source) : UselessSourceText(source));
+  }
+  return lines;
+}
+
+std::string BypassText(bool byOption, bool bySwitch) {
+  return std::string("bypassed by ") + (byOption ? "the option --bypassVersion" : "") +
+         (byOption && bySwitch ? " and " : "") +
+         (bySwitch ? "the switch fernwick_bypassversioncheck" : "");
+}
+
+// The match that names no image.
+std::string CulpritText(const Explanation& explanation) {
+  const auto culprit = MatchedPairs(explanation.run)[explanation.run.result.plannedMatches];
+  const auto index = culprit.key - explanation.run.trace.keys.data();
+  const auto& key = explanation.keys[static_cast<std::size_t>(index)];
+  return std::string(key.key) + ", " + PersonalityText(key, culprit.personality) +
+         " names no firmware image";
+}
+
+std::string KeySummary(const ExplainedKey& key) {
+  if (key.type == Types::None) return "names no type; nothing reads it";
+  if (!key.hasShape) {
+    const bool isSingle = key.type == Types::LegacyUsbc;
+    return "holds " + std::string(KindOf(key.value)) + " where the type needs " +
+           (isSingle ? "one dictionary" : "an array of dictionaries") + "; nothing matches";
+  }
+  const auto personalities = Counted(key.personalities.size(), "personality", "personalities");
+  if (!key.controllers.empty()) return CountedControllers(key) + ", " + personalities;
+  return "no " + std::string(ControllerKind(key, false)) + " for its " + personalities;
+}
+
+std::string SkipText(const ExplainedKey& key, const ExplainedSkip& skip) {
+  std::string text =
+      "passed over: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.name);
+  const bool isAddressed = skip.reason == SkipReason::AddressBelowThunderbolt;
+  text +=
+      isAddressed ? ", below Thunderbolt and not at address 0: " : ", not of the computer itself: ";
+  for (std::size_t i = 0; i < skip.sources.size(); ++i) {
+    text += (i == 0 ? "" : ", ") + SourceText(skip.sources[i]);
+  }
+  return text;
+}
+
+std::string ReadersText(const UnreadKey& unread, std::string_view type) {
+  if (unread.key == "Personality Type") return "; the matcher replaces it";
+  if (unread.readBy == Types::None) return "; nothing reads such a key";
+  std::string names;
+  for (const auto name : NamesOf(unread.readBy)) {
+    names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  return "; read under " + names + ", not under " + std::string(type);
+}
+
+// A rejected pair of all that fails the fewest requirements.
+struct NearMiss {
+  const ExplainedKey* key = nullptr;
+  const ExplainedController* controller = nullptr;
+  const ExplainedPair* pair = nullptr;  // null: there is none
+};
+
+NearMiss FindNearestMiss(const Explanation& explanation) {
+  NearMiss nearest;
+  for (const auto& key : explanation.keys) {
+    for (const auto& controller : key.controllers) {
+      for (const auto& pair : controller.pairs) {
+        const bool isNearer =
+            nearest.pair == nullptr || pair.failures.size() < nearest.pair->failures.size();
+        if (pair.outcome == PairOutcome::Rejected && isNearer) nearest = {&key, &controller, &pair};
+      }
+    }
+  }
+  return nearest;
 }
 
 class TextWriter {
@@ -100,35 +208,31 @@ class TextWriter {
   }
 
   void WriteHead() {
+    const auto& result = explanation_.run.result;
     Labelled("Computer", IdentityText(explanation_.identity));
     const auto& path = explanation_.configurationPath;
     if (path) Labelled("Configuration", PrintableText(*path));
-    if (explanation_.bypassesVersionCheck) Labelled("Version check", BypassText());
+    if (result.bypassesVersionCheck) {
+      Labelled("Version check",
+               BypassText(explanation_.optionBypassesVersion, result.switchBypassesVersion));
+    }
     Labelled("Outcome", OutcomeText());
     WriteLog();
     for (const auto& source : explanation_.faultSources) {
       Line(SourceText(source) + " (" + PrintableText(source.path) + ")", LabelWidth);
     }
-    WriteNearest();
-  }
-
-  std::string BypassText() const {
-    const char* option = explanation_.optionBypassesVersion ? "the option --bypassVersion" : "";
-    const char* both =
-        explanation_.optionBypassesVersion && explanation_.switchBypassesVersion ? " and " : "";
-    const char* bypass =
-        explanation_.switchBypassesVersion ? "the switch fernwick_bypassversioncheck" : "";
-    return std::string("bypassed by ") + option + both + bypass;
+    if (explanation_.end == RunEnd::NothingMatched) WriteNearestMiss();
   }
 
   std::string OutcomeText() const {
-    const auto status = ", status " + std::to_string(explanation_.run.status);
-    const auto matches = Counted(explanation_.matchCount, "match", "matches");
+    const auto& result = explanation_.run.result;
+    const auto status = ", status " + std::to_string(result.status);
+    const auto matches = Counted(result.matches.size(), "match", "matches");
     switch (explanation_.end) {
       case RunEnd::Planned: return Bold(matches) + ", a plan" + status;
       case RunEnd::NothingMatched: return Bold("nothing matches") + ", no plan" + status;
       case RunEnd::NoFirmware:
-        return Bold(matches + ", but no plan") + status + ": " + CulpritText();
+        return Bold(matches + ", but no plan") + status + ": " + CulpritText(explanation_);
       case RunEnd::NoDictionary:
         return Bold("the top of the configuration is no dictionary") + ", no plan" + status;
       case RunEnd::NoConfiguration:
@@ -138,17 +242,10 @@ class TextWriter {
                " by the switch fernwick_bypass_usbc_updates, no plan" + status;
       case RunEnd::Abnormal: break;
     }
-    return Bold("the run ends abnormally") + ", without any output: " + explanation_.fault;
+    return Bold("the run ends abnormally") + ", without any output: " + Describe(*result.fault);
   }
 
-  // The match that names no image.
-  std::string CulpritText() const {
-    const auto place = MatchedPairs(explanation_)[explanation_.plannedMatchCount];
-    return std::string(place.key->key) + ", " +
-           PersonalityText(*place.key, place.pair->personality) + " names no firmware image";
-  }
-
-  // What the tool itself has to say where it does not come to matching, or not past it.
+  // What the tool itself prints where it does not come to matching, or not past it.
   void WriteLog() {
     if (explanation_.end == RunEnd::Planned || explanation_.end == RunEnd::NothingMatched) return;
     const auto& run = explanation_.run;
@@ -158,59 +255,22 @@ class TextWriter {
     }
   }
 
-  // Which pairs of all came nearest, where nothing matches.
-  void WriteNearest() {
-    if (explanation_.end != RunEnd::NothingMatched) return;
-    PairPlace nearest{};
-    for (const auto& key : explanation_.keys) {
-      for (const auto& controller : key.controllers) {
-        for (const auto& pair : controller.pairs) {
-          if (pair.outcome != PairOutcome::Rejected) continue;
-          if (nearest.pair != nullptr && nearest.pair->failures.size() <= pair.failures.size()) {
-            continue;
-          }
-          nearest = {&key, &controller, &pair};
-        }
-      }
-    }
-    if (nearest.pair == nullptr) return;
+  void WriteNearestMiss() {
+    const auto [key, controller, pair] = FindNearestMiss(explanation_);
+    if (pair == nullptr) return;
     Labelled("Nearest miss",
-             nearest.key->key + ", " + PersonalityText(*nearest.key, nearest.pair->personality) +
-                 " on " + PrintableText(nearest.controller->name) + ": " +
-                 Counted(nearest.pair->failures.size(), "requirement fails", "requirements fail"));
+             std::string(key->key) + ", " + PersonalityText(*key, pair->personality) + " on " +
+                 PrintableText(controller->name) + ": " +
+                 Counted(pair->failures.size(), "requirement fails", "requirements fail"));
   }
 
   void WriteKey(const ExplainedKey& key) {
     Line("");
-    Line(Bold(PrintableText(key.key)) + AtPlace(key.place) + ": " + KeySummary(key));
+    Line(Bold(PrintableText(key.key)) + AtLocation(key.location) + ": " + KeySummary(key));
     if (key.type == Types::None || !key.hasShape) return;
-    for (const auto& omission : key.omitted) Line(OmissionText(key, omission), 2);
+    for (const auto& skip : key.skipped) Line(SkipText(key, skip), 2);
     for (std::size_t i = 0; i < key.controllers.size(); ++i) WriteController(key, i);
     WriteUnread(key);
-  }
-
-  static std::string KeySummary(const ExplainedKey& key) {
-    if (key.type == Types::None) return "names no type; nothing reads it";
-    if (!key.hasShape) {
-      const bool isSingle = key.type == Types::LegacyUsbc;
-      return "holds " + std::string(KindOf(key.value)) + " where the type needs " +
-             (isSingle ? "one dictionary" : "an array of dictionaries") + "; nothing matches";
-    }
-    const auto personalities = Counted(key.personalities.size(), "personality", "personalities");
-    if (!key.controllers.empty()) return CountedControllers(key) + ", " + personalities;
-    return "no " + std::string(ControllerKind(key, false)) + " for its " + personalities;
-  }
-
-  static std::string OmissionText(const ExplainedKey& key, const ExplainedOmission& omission) {
-    std::string text = "passed over: " + std::string(ControllerKind(key, false)) + " " +
-                       PrintableText(omission.name);
-    const bool isAddressed = omission.why == Omission::AddressBelowThunderbolt;
-    text += isAddressed ? ", below Thunderbolt and not at address 0: "
-                        : ", not of the computer itself: ";
-    for (std::size_t i = 0; i < omission.sources.size(); ++i) {
-      text += (i == 0 ? "" : ", ") + SourceText(omission.sources[i]);
-    }
-    return text;
   }
 
   void WriteController(const ExplainedKey& key, std::size_t index) {
@@ -220,14 +280,15 @@ class TextWriter {
              Named(controller) + Traits(controller.record),
          2);
     Line(PrintableText(controller.path), 4);
-    for (const auto* pair : InReadingOrder(controller.pairs)) WritePair(key, *pair);
+    for (const auto* pair : InReadingOrder(controller.pairs)) WritePair(key, controller, *pair);
   }
 
-  void WritePair(const ExplainedKey& key, const ExplainedPair& pair) {
+  void WritePair(const ExplainedKey& key, const ExplainedController& controller,
+                 const ExplainedPair& pair) {
     const auto personality = PersonalityText(key, pair.personality);
     switch (pair.outcome) {
       case PairOutcome::Matched: return Line(Bold("matched") + "      " + personality, 4);
-      case PairOutcome::Rejected: return WriteRejection(personality, pair);
+      case PairOutcome::Rejected: return WriteRejection(personality, controller, pair);
       case PairOutcome::NotReached:
         return Line("not reached  " + personality + "; an earlier one took the controller", 4);
       case PairOutcome::NotAPersonality:
@@ -235,21 +296,23 @@ class TextWriter {
     }
   }
 
-  void WriteRejection(const std::string& personality, const ExplainedPair& pair) {
+  void WriteRejection(const std::string& personality, const ExplainedController& controller,
+                      const ExplainedPair& pair) {
     const auto count = pair.failures.size();
     Line(Bold("rejected") + "     " + personality + "; would match if " +
              (count == 1 ? "this were met:" : "these " + std::to_string(count) + " were met:"),
          4);
     std::size_t width = 0;
-    for (const auto& failure : pair.failures) {
-      width = std::max(width, failure.requirement.key.size());
+    for (const auto& [failed, location] : pair.failures) {
+      width = std::max(width, failed.requirement->key.size());
     }
-    for (const auto& failure : pair.failures) {
-      auto key = std::string(failure.requirement.key);
+    for (const auto& [failed, location] : pair.failures) {
+      auto key = std::string(failed.requirement->key);
       key.resize(width + 2, ' ');
-      Line(key + FailureText(failure) + " [" + std::string(failure.requirement.check) + " check]",
+      Line(key + FailureText(failed, location) + " [" + std::string(failed.requirement->type) +
+               " check]",
            PairWidth);
-      for (const auto& line : SourceLines(failure)) Line(line, PairWidth + key.size());
+      for (const auto& line : SourceLines(failed, controller)) Line(line, PairWidth + key.size());
     }
   }
 
@@ -259,26 +322,11 @@ class TextWriter {
       for (const auto& unread : key.personalities[i].unread) {
         if (isFirst) Line("");
         isFirst = false;
-        Line("not read: " + InlineText(unread.key) + AtPlace(unread.place) + " of " +
+        Line("not read: " + InlineText(unread.key) + AtLocation(unread.location) + " of " +
                  PersonalityName(key, i) + ReadersText(unread, key.key),
              2);
       }
     }
-  }
-
-  static std::string PersonalityName(const ExplainedKey& key, std::size_t index) {
-    if (key.type == Types::LegacyUsbc) return "the personality";
-    return "personality " + std::to_string(index + 1);
-  }
-
-  static std::string ReadersText(const UnreadKey& unread, const std::string& type) {
-    if (unread.key == "Personality Type") return "; the matcher replaces it";
-    if (unread.readBy == Types::None) return "; nothing reads such a key";
-    std::string names;
-    for (const auto name : NamesOf(unread.readBy)) {
-      names += (names.empty() ? "" : ", ") + std::string(name);
-    }
-    return "; read under " + names + ", not under " + type;
   }
 
   const Explanation& explanation_;

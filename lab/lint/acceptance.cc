@@ -5,38 +5,26 @@
 #include <utility>
 
 #include "lab/lint/finding.h"
-#include "personality/requirement_rules.h"
 
 namespace fernwick::lab {
 namespace {
 
-// How the checks hold such a key. REQUIRES: one of them reads it.
-RequirementSet RequirementOf(const PersonalityKey& key) {
-  const auto checked = *CheckedKey::Named(key.name);
-  switch (key.kind) {
-    case KeyKind::StringOrList:
-      return {.key = checked, .kind = SingleValueKind::StringKind, .equal = StringsEqual};
-    case KeyKind::ListOfStrings: return {.key = checked, .equal = StringsEqual};
-    default: return {.key = checked};
-  }
-}
-
-bool IsAcceptedAlone(const PropertyValue& wanted, const RequirementSet& requirement) {
-  const Dictionary record = {{requirement.key.Name(), wanted}};
-  return RequirementSetMatch(record, record, requirement);
+// Whether a controller that has the single value itself meets the requirement.
+bool IsAcceptedAlone(const PropertyValue& wanted, const Requirement& requirement) {
+  return !RequirementSetMatch(requirement, &wanted, &wanted).failure;
 }
 
 bool IsWhole(const PropertyValue& number) {
-  const auto* real = number.AsReal();
-  return real == nullptr || std::trunc(*real) == *real;
+  const auto real = number.AsReal();
+  return !real || std::trunc(*real) == *real;
 }
 
-bool IsWithin(const PropertyValue& number, const WholeRange& range) {
+bool IsWithin(const PropertyValue& number, const IntegerRange& range) {
   return IsWhole(number) && !NumberLess(number, range.lowest) &&
          !NumberGreater(number, range.highest);
 }
 
-std::string Describe(const WholeRange& range) {
+std::string Describe(const IntegerRange& range) {
   const auto lowest = Shown(range.lowest);
   if (range.lowest == range.highest) return lowest + " alone";
   return "whole numbers from " + lowest + " to " + Shown(range.highest);
@@ -47,11 +35,10 @@ bool IsSortedUnique(const AcceptedValues& values) {
          values.end();
 }
 
-// What the check accepts of a single value or of the elements of an array.
-AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const PersonalityKey& key) {
-  const auto requirement = RequirementOf(key);
+// What the requirement accepts of a single value or of the elements of an array.
+AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const Requirement& requirement) {
   AcceptedValues values;
-  if (const auto* list = wanted.AsArray()) {
+  if (const auto list = wanted.AsArray()) {
     for (const auto& element : *list) {
       if (requirement.equal(element, element)) values.push_back(&element);
     }
@@ -65,13 +52,13 @@ AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const PersonalityKe
   return values;
 }
 
-const PropertyValue* ValueOf(const PlacedPersonality& personality, std::string_view key) {
+const PropertyValue* ValueOf(const LocatedPersonality& personality, std::string_view key) {
   const auto* entry = personality.Find(key);
   return entry == nullptr ? nullptr : entry->value;
 }
 
-// Null as well where NaN holds nothing back.
-const PropertyValue* BoundOf(const PlacedPersonality& personality, std::string_view key) {
+// Null as well for NaN, which excludes nothing.
+const PropertyValue* BoundOf(const LocatedPersonality& personality, std::string_view key) {
   const auto* bound = ValueOf(personality, key);
   const bool isNan = bound != nullptr && bound->IsNumber() && !NumbersEqual(*bound, *bound);
   return isNan ? nullptr : bound;
@@ -91,14 +78,15 @@ bool AcceptsAnyVersion(const Acceptance& acceptance, TypeSet type) {
                              [&](const auto& v) { return IsVersionAccepted(acceptance, v); });
 }
 
-bool AcceptsAnyValue(const std::optional<AcceptedValues>& values, const PersonalityKey& key,
+bool AcceptsAnyValue(const std::optional<AcceptedValues>& values, const Requirement& requirement,
                      TypeSet type) {
-  if (!values) return (key.requiredBy & type) == 0;
+  if (!values) return requirement.presence == KeyPresence::OptionalKey;
+  const auto& key = *fernwick::FindKey(requirement.key);
   return std::ranges::any_of(
-      *values, [&](auto* value) { return WhyNothingEquals(*value, key, type).empty(); });
+      *values, [&](auto* value) { return UnmatchableReason(*value, key, type).empty(); });
 }
 
-bool HoldsAll(const AcceptedValues& wide, const AcceptedValues& narrow) {
+bool ContainsAll(const AcceptedValues& wide, const AcceptedValues& narrow) {
   return narrow.size() <= wide.size() && std::ranges::all_of(narrow, [&](auto* value) {
            return std::ranges::binary_search(wide, value, IsBefore);
          });
@@ -106,33 +94,38 @@ bool HoldsAll(const AcceptedValues& wide, const AcceptedValues& narrow) {
 
 bool CoversSet(const std::optional<AcceptedValues>& wide,
                const std::optional<AcceptedValues>& narrow) {
-  return !wide || (narrow && HoldsAll(*wide, *narrow));
+  return !wide || (narrow && ContainsAll(*wide, *narrow));
 }
 
 }  // namespace
 
-std::string WhyNothingEquals(const PropertyValue& element, const PersonalityKey& key,
-                             TypeSet type) {
+std::string UnmatchableReason(const PropertyValue& element, const Key& key, TypeSet type) {
   const bool isText = key.kind == KeyKind::StringOrList || key.kind == KeyKind::ListOfStrings;
   if (isText) return StringsEqual(element, element) ? "" : "it is no string";
   if (!element.IsNumber()) return "it is no number";
   if (!NumbersEqual(element, element)) return "NaN equals nothing";
-  const auto range = NumbersOfControllers(type, key.name);
+  const auto range = NumbersOfControllers(key, type);
   if (!range || IsWithin(element, *range)) return "";
   return "controllers have " + Describe(*range) + " there";
 }
 
-bool TakesSet(const PersonalityKey& key) {
-  return key.kind == KeyKind::NumberOrList || key.kind == KeyKind::StringOrList ||
-         key.kind == KeyKind::ListOfStrings;
+std::vector<const Requirement*> SetRequirements(TypeSet type) {
+  std::vector<const Requirement*> requirements;
+  for (const auto& requirement : RequirementsOf(type)) {
+    const bool isFirst =
+        std::ranges::find(requirements, requirement.key, &Requirement::key) == requirements.end();
+    const bool isSet = requirement.test == RequirementTest::SetMatch;
+    if (isSet && isFirst) requirements.push_back(&requirement);
+  }
+  return requirements;
 }
 
-std::vector<const PersonalityKey*> SetKeys(TypeSet type) {
-  std::vector<const PersonalityKey*> keys;
-  for (const auto& key : PersonalityKeys()) {
-    if (TakesSet(key) && (key.checkedBy & type) != 0) keys.push_back(&key);
-  }
-  return keys;
+const Requirement* FindSetRequirement(TypeSet type, std::string_view key) {
+  const auto table = RequirementsOf(type);
+  const auto found = std::ranges::find_if(table, [&](const Requirement& requirement) {
+    return requirement.test == RequirementTest::SetMatch && requirement.key == key;
+  });
+  return found == table.end() ? nullptr : &*found;
 }
 
 bool IsBefore(const PropertyValue* a, const PropertyValue* b) {
@@ -140,7 +133,7 @@ bool IsBefore(const PropertyValue* a, const PropertyValue* b) {
   return NumberLess(*a, *b);
 }
 
-Acceptance AcceptanceOf(const PlacedPersonality& personality) {
+Acceptance AcceptanceOf(const LocatedPersonality& personality) {
   Acceptance acceptance;
   acceptance.version = ValueOf(personality, "Version");
   acceptance.minimum = BoundOf(personality, "Existing Min Version");
@@ -151,12 +144,12 @@ Acceptance AcceptanceOf(const PlacedPersonality& personality) {
   }
   acceptance.acceptsAny =
       !acceptance.revisions.IsEmpty() && AcceptsAnyVersion(acceptance, personality.type);
-  for (const auto* key : SetKeys(personality.type)) {
-    const auto* wanted = ValueOf(personality, key->name);
+  for (const auto* requirement : SetRequirements(personality.type)) {
+    const auto* wanted = ValueOf(personality, requirement->key);
     auto& values = acceptance.sets.emplace_back();
-    if (wanted != nullptr) values = ValuesAcceptedBy(*wanted, *key);
+    if (wanted != nullptr) values = ValuesAcceptedBy(*wanted, *requirement);
     acceptance.acceptsAny =
-        acceptance.acceptsAny && AcceptsAnyValue(values, *key, personality.type);
+        acceptance.acceptsAny && AcceptsAnyValue(values, *requirement, personality.type);
   }
   return acceptance;
 }

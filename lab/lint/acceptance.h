@@ -6,19 +6,21 @@
 
 #include "lab/lint/controller_values.h"
 #include "lab/lint/subject.h"
-#include "personality/personality_keys.h"
+#include "personality/requirements.h"
+#include "registry/key_schema.h"
 
 namespace fernwick::lab {
 
 /// Why no controller can have a value that equals `element`, a single value or an element of a list
-/// that a personality of the type holds under the key, as in "it is no number". Empty when one can.
-std::string WhyNothingEquals(const PropertyValue& element, const PersonalityKey& key, TypeSet type);
+/// that a personality of the type has under the key, as in "it is no number". Empty when one can.
+std::string UnmatchableReason(const PropertyValue& element, const Key& key, TypeSet type);
 
-/// Whether the key takes a set: the controller's value must equal one of what it holds.
-bool TakesSet(const PersonalityKey& key);
+/// The requirements of the type that the controller's value equals one of the personality's: each
+/// key once, in the order of the type's table.
+std::vector<const Requirement*> SetRequirements(TypeSet type);
 
-/// The keys that take a set and that the type's check reads, always in the same order.
-std::vector<const PersonalityKey*> SetKeys(TypeSet type);
+/// The one of them with that key; null when there is none.
+const Requirement* FindSetRequirement(TypeSet type, std::string_view key);
 
 /// The values that a personality accepts under one key, sorted, each once.
 using AcceptedValues = std::vector<const PropertyValue*>;
@@ -30,17 +32,17 @@ bool IsBefore(const PropertyValue* a, const PropertyValue* b);
 /// What a controller, and the computer, must be for a personality to match.
 struct Acceptance {
   const PropertyValue* version = nullptr;  // the image's
-  const PropertyValue* minimum = nullptr;  // of the installed version; null where nothing is held
-  const PropertyValue* maximum = nullptr;  // back, also by NaN
+  const PropertyValue* minimum = nullptr;  // of the installed version; null without a limit, as is
+  const PropertyValue* maximum = nullptr;  // NaN
   RevisionRange revisions;
-  std::vector<std::optional<AcceptedValues>> sets;  // by SetKeys; none: no constraint
+  std::vector<std::optional<AcceptedValues>> sets;  // by SetRequirements; empty: no constraint
 
   /// Whether any controller is accepted, without the version check bypassed.
   bool acceptsAny = false;
 };
 
 /// What the personality accepts. It views the personality's values, which have to outlive it.
-Acceptance AcceptanceOf(const PlacedPersonality& personality);
+Acceptance AcceptanceOf(const LocatedPersonality& personality);
 
 /// Whether `wide` accepts every controller that `narrow` accepts, with the version check bypassed
 /// or not. Sound, but not complete: false does not say that there is a controller that only

@@ -12,28 +12,28 @@ namespace fernwick::lab {
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
 
 /// Keys that occur twice in any dictionary of the configuration.
-void LintDuplicateKeys(const ValuePlace& place, ConfigurationFindings& findings);
+void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findings);
 
 /// The keys of a personality: which it has that are not read, and which it lacks.
-void LintKeys(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// Values with which nothing matches under their key.
-void LintValues(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// Whether any installed version lies in the personality's window, and whether its maximum is what
 /// it seems.
-void LintVersions(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// Whether any board revision lies within the personality's bounds.
-void LintBoardRevisions(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// How the plan reads the personality's "Priority".
-void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintPriority(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// How the plan reads its "Firmware Mode", where it comes from the personality.
-void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// The shapes of the personality's NVRAM settings.
-void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings);
+void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

@@ -8,7 +8,7 @@
 namespace fernwick::lab {
 namespace {
 
-void LintPersonality(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintPersonality(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   LintKeys(personality, findings);
   LintValues(personality, findings);
   LintVersions(personality, findings);
@@ -19,7 +19,7 @@ void LintPersonality(const PlacedPersonality& personality, ConfigurationFindings
 }
 
 // Those that can match and are not shadowed go to the end of `live`.
-void LintReach(const LintSubject& subject, const PlacedType& type,
+void LintReach(const LintSubject& subject, const LocatedType& type,
                std::vector<LivePersonality>& live, ConfigurationFindings& findings) {
   std::vector<Acceptance> acceptances;
   for (const auto& personality : type.personalities) {

@@ -2,33 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 
-#include "personality/requirement_rules.h"
+#include "personality/requirements.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
 
 namespace fernwick::lab {
 namespace {
-
-constexpr WholeRange Signed32Bits = {std::numeric_limits<std::int32_t>::min(),
-                                     std::numeric_limits<std::int32_t>::max()};
-
-struct KeyRange {
-  std::string_view key;
-  TypeSet types;
-  std::optional<WholeRange> range;
-};
-
-// Every other number is read as 32 bits and held with a sign.
-constexpr KeyRange KeyRanges[] = {
-    {"Ridge UID", Types::All, std::nullopt},               // held as the registry has it
-    {"RID", Types::LegacyThunderbolt, WholeRange{0, 15}},  // the low four bits of the unique id
-    {"Firmware Mode", Types::All, WholeRange{0, 1}},       // held as a boolean
-    // Below a Thunderbolt controller, where alone a port has what such a personality requires, only
-    // ports of the address 0 are listed.
-    {"Port Address", Types::Thunderbolt, WholeRange{0, 0}},
-};
 
 constexpr std::uint32_t AllDigits = 0xFFFFFFFF;
 
@@ -44,7 +24,7 @@ std::uint32_t EncodeBcd(std::uint32_t number) {
   return packed;
 }
 
-// All versions of one way in which they are held, in rising order.
+// All versions in one representation, in rising order.
 struct VersionScale {
   std::uint64_t count;
   PropertyValue (*at)(std::uint64_t index);
@@ -60,9 +40,10 @@ const VersionScale ThunderboltVersions = {
 const VersionScale PortVersions = {std::uint64_t{DecodeBcd(AllDigits)} + 1,
                                    [](std::uint64_t index) { return PropertyValue(index); }};
 
-// The first that `isBelow` does not hold of, which holds of a beginning of the scale.
+// The first version of the scale for which `isBelow` is false. REQUIRES: it is false for all that
+// follow it. Binary search: the scale has billions of versions.
 template <typename Predicate>
-std::optional<PropertyValue> FirstNot(const VersionScale& scale, Predicate isBelow) {
+std::optional<PropertyValue> PartitionPoint(const VersionScale& scale, Predicate isBelow) {
   std::uint64_t first = 0;
   for (std::uint64_t count = scale.count; count > 0;) {
     const std::uint64_t half = count / 2;
@@ -78,13 +59,6 @@ std::optional<PropertyValue> FirstNot(const VersionScale& scale, Predicate isBel
 }
 
 }  // namespace
-
-std::optional<WholeRange> NumbersOfControllers(TypeSet type, std::string_view key) {
-  for (const auto& row : KeyRanges) {
-    if (row.key == key && (row.types & type) != 0) return row.range;
-  }
-  return Signed32Bits;
-}
 
 RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum) {
   const bool areNumbers =
@@ -105,18 +79,19 @@ std::vector<PropertyValue> LowestInstalledVersions(TypeSet type, const PropertyV
     return minimum != nullptr && NumberGreater(*minimum, version);
   };
   std::vector<PropertyValue> versions;
-  if (auto lowest = FirstNot(ThunderboltVersions, excluded)) versions.push_back(*lowest);
+  if (auto lowest = PartitionPoint(ThunderboltVersions, excluded)) versions.push_back(*lowest);
   // A port without a Thunderbolt controller above it, or below one whose version does not read, has
   // a version of its own.
   if (type == Types::LegacyThunderbolt) return versions;
-  if (auto lowest = FirstNot(PortVersions, excluded)) versions.push_back(*lowest);
+  if (auto lowest = PartitionPoint(PortVersions, excluded)) versions.push_back(*lowest);
   return versions;
 }
 
 std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number) {
   if (!NumbersEqual(number, number)) return std::nullopt;
-  return FirstNot(ThunderboltVersions,
-                  [&](const PropertyValue& version) { return !NumberGreater(version, number); });
+  return PartitionPoint(ThunderboltVersions, [&](const PropertyValue& version) {
+    return !NumberGreater(version, number);
+  });
 }
 
 }  // namespace fernwick::lab

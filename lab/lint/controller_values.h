@@ -1,24 +1,12 @@
 #pragma once
 
 #include <optional>
-#include <string_view>
 #include <vector>
 
-#include "personality/personality_keys.h"
-#include "value/number.h"
+#include "registry/key_schema.h"
 #include "value/property_value.h"
 
 namespace fernwick::lab {
-
-/// Whole numbers, both ends included.
-struct WholeRange {
-  Integer lowest;
-  Integer highest;
-};
-
-/// The numbers that a controller which a personality of the type is matched against can have under
-/// the key. None: any number.
-std::optional<WholeRange> NumbersOfControllers(TypeSet type, std::string_view key);
 
 /// The board revisions that both bounds allow, 0 to 255, or none: then `lowest` > `highest`.
 struct RevisionRange {

@@ -20,8 +20,8 @@ std::string Quoted(std::string_view text) {
 
 std::string Shown(const PropertyValue& value) {
   if (const auto text = value.AsString()) return Quoted(*text);
-  if (value.AsDictionary() != nullptr) return "a dictionary";
-  if (value.AsArray() != nullptr) return "an array";
+  if (value.AsDictionary()) return "a dictionary";
+  if (value.AsArray()) return "an array";
   if (value.AsData()) return "data";
   return DumpText(value);
 }

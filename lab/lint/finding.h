@@ -14,15 +14,15 @@ namespace fernwick::lab {
 /// One place where a rule is broken.
 struct Finding {
   const LintRule* rule;
-  std::string path;                // of a file or directory, as it was named or found
-  std::optional<FilePlace> place;  // none: the file or directory as a whole
-  std::string message;             // one sentence, fit for a terminal
+  std::string path;                   // of a file or directory, as it was named or found
+  std::optional<FileLocation> place;  // none: the file or directory as a whole
+  std::string message;                // one sentence, fit for a terminal
 };
 
 /// What was found in one configuration, by the offsets at which its values stand.
 class ConfigurationFindings {
  public:
-  /// One finding; the offset is in bytes, as ValuePlace has it.
+  /// One finding; the offset is in bytes, as ValueLocation has it.
   struct Row {
     const LintRule* rule;
     std::size_t offset;

@@ -43,7 +43,7 @@ class ImageLinter {
   ImageLinter(const BoardFiles& files, ConfigurationFindings& findings)
       : files_(files), findings_(findings) {}
 
-  void Lint(const PlacedPersonality& personality) {
+  void Lint(const LocatedPersonality& personality) {
     const auto* firmware = personality.Find("Firmware");
     const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value).value_or("");
     if (!image.empty()) return LintImage(image, firmware->valueOffset);
@@ -57,7 +57,7 @@ class ImageLinter {
                   "a match of this personality, with " + what + ", ends the run without a plan");
   }
 
-  void LintUtility(const PlacedType& type) {
+  void LintUtility(const LocatedType& type) {
     const std::string utility(FlashingUtility(type.entry.key));
     const auto path = AppendPathComponent(files_.personalitiesDirectory, utility);
     if (type.personalities.empty() || TypeOf(path) == fs::file_type::regular) return;

@@ -13,13 +13,15 @@ constexpr std::string_view ReservedKeyName = "Personality Type";
 const std::vector<std::string_view>& KnownNames() {
   static const std::vector<std::string_view> names = [] {
     std::vector<std::string_view> all;
-    for (const auto& key : PersonalityKeys()) all.push_back(key.name);
+    for (const auto& key : KeySchema()) {
+      if (key.kind != KeyKind::NotRead) all.push_back(key.name);
+    }
     return all;
   }();
   return names;
 }
 
-void LintUnknownKey(const PlacedEntry& entry, ConfigurationFindings& findings) {
+void LintUnknownKey(const LocatedEntry& entry, ConfigurationFindings& findings) {
   if (entry.key == ReservedKeyName) {
     findings.Add(LintRuleOf::ReservedKey, entry.keyOffset,
                  Quoted(entry.key) + " is replaced by the type under which the personality stands");
@@ -36,8 +38,8 @@ void LintUnknownKey(const PlacedEntry& entry, ConfigurationFindings& findings) {
   }
 }
 
-void LintMissingKeys(const PlacedPersonality& personality, ConfigurationFindings& findings) {
-  for (const auto& key : PersonalityKeys()) {
+void LintMissingKeys(const LocatedPersonality& personality, ConfigurationFindings& findings) {
+  for (const auto& key : KeySchema()) {
     if ((key.checkedBy & key.requiredBy & personality.type) == 0) continue;
     if (personality.Find(key.name) != nullptr) continue;
     const char* unless = key.name == "Version" ? " unless the version check is bypassed" : "";
@@ -49,7 +51,7 @@ void LintMissingKeys(const PlacedPersonality& personality, ConfigurationFindings
 
 }  // namespace
 
-void LintKeys(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   for (const auto& entry : personality.entries) {
     const auto* key = FindPersonalityKey(entry.key);
     if (key == nullptr) {

@@ -85,7 +85,7 @@ Severity SeverityNamed(const std::string& name) {
 
 }  // namespace
 
-int Lint(int argumentCount, char* const arguments[]) {
+VerbEnd Lint(int argumentCount, char* const arguments[]) {
   LintOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;

@@ -24,15 +24,15 @@ using Uses = std::vector<const VariableUse*>;
 
 void CollectUses(const LivePersonality& live, std::vector<VariableUse>& uses) {
   const auto* toSet = live.personality->Find("SetNVRAM");
-  const auto* variables = toSet == nullptr ? nullptr : toSet->value->AsDictionary();
-  if (variables != nullptr) {
-    for (const auto& entry : PlacedEntries(*variables, toSet->place, toSet->valueOffset)) {
+  const auto variables = toSet == nullptr ? std::nullopt : toSet->value->AsDictionary();
+  if (variables) {
+    for (const auto& entry : LocatedEntries(*variables, toSet->place, toSet->valueOffset)) {
       uses.push_back({entry.key, entry.value, entry.keyOffset, live.revisions});
     }
   }
   const auto* toClear = live.personality->Find("ClearNVRAM");
-  const auto* names = toClear == nullptr ? nullptr : toClear->value->AsArray();
-  if (names == nullptr) return;
+  const auto names = toClear == nullptr ? std::nullopt : toClear->value->AsArray();
+  if (!names) return;
   for (std::size_t i = 0; i < names->size(); ++i) {
     const auto name = (*names)[i].AsString();
     if (name) uses.push_back({*name, nullptr, OffsetOfElement(*toClear, i), live.revisions});
@@ -115,7 +115,7 @@ void LintVariable(const LintSubject& subject, std::span<const VariableUse> uses,
     if (const auto* other = setters.FindOther(i)) {
       findings.Add(LintRuleOf::NvramConflict, uses[i].offset,
                    Quoted(uses[i].variable) + " is set to another value at " +
-                       Describe(subject.file.PlaceOf(other->offset)) +
+                       Describe(subject.file.LocationOf(other->offset)) +
                        ", by a personality that can match on the same computer");
     }
     setters.Add(i);
@@ -125,7 +125,7 @@ void LintVariable(const LintSubject& subject, std::span<const VariableUse> uses,
     if (setter == nullptr) continue;
     findings.Add(LintRuleOf::NvramSetAndCleared, uses[i].offset,
                  Quoted(uses[i].variable) + " is cleared here and set at " +
-                     Describe(subject.file.PlaceOf(setter->offset)));
+                     Describe(subject.file.LocationOf(setter->offset)));
   }
 }
 

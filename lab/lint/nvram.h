@@ -10,7 +10,7 @@ namespace fernwick::lab {
 
 /// A personality that can match, and on boards of which revisions.
 struct LivePersonality {
-  const PlacedPersonality* personality;
+  const LocatedPersonality* personality;
   RevisionRange revisions;
 };
 

@@ -1,7 +1,6 @@
 #include "lab/lint/payload.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -38,36 +37,6 @@ Listing List(const std::string& directory, fs::file_type type) {
   return listing;
 }
 
-// Takes the digits at the start of the text.
-std::size_t TakeNumber(std::string_view& text) {
-  std::size_t number = 0;
-  const auto* end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  return number;
-}
-
-bool Take(std::string_view& text, std::string_view beginning) {
-  if (!text.starts_with(beginning)) return false;
-  text.remove_prefix(beginning.size());
-  return true;
-}
-
-// The place with which a reader begins its error is taken off. None for the file as a whole.
-std::optional<FilePlace> TakePlace(std::string_view& error) {
-  FilePlace place{};
-  if (Take(error, "byte ")) {
-    place.byte = TakeNumber(error);
-  } else if (Take(error, "line ")) {
-    place.line = TakeNumber(error);
-    Take(error, ", column ");
-    place.column = TakeNumber(error);
-  } else {
-    return std::nullopt;
-  }
-  Take(error, ": ");
-  return place;
-}
-
 class PayloadLinter {
  public:
   explicit PayloadLinter(const std::string& payload)
@@ -83,7 +52,7 @@ class PayloadLinter {
       for (const auto& board : boards) LintBoard(board);
     }
     const auto place = [](const Finding& f) {
-      const auto at = f.place.value_or(FilePlace{});
+      const auto at = f.place.value_or(FileLocation{});
       return std::tuple(std::string_view(f.path), at.line, at.column, at.byte, f.rule->id,
                         std::string_view(f.message));
     };
@@ -98,13 +67,22 @@ class PayloadLinter {
   }
 
   void Add(const LintRule& rule, const std::string& path, std::string message,
-           std::optional<FilePlace> place = {}) {
+           std::optional<FileLocation> place = {}) {
     result_.findings.push_back({&rule, path, place, std::move(message)});
   }
 
   void AddUnreadable(const std::string& path, const std::string& why) {
     Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
     result_.status = LabStatus::UnreadableInput;
+  }
+
+  void AddUnusable(const std::string& path, const LabError& error) {
+    if (error.status == LabStatus::UnreadableInput) {
+      return AddUnreadable(path, error.error.message);
+    }
+    Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
+        error.error.location);
+    if (result_.status == LabStatus::Done) result_.status = error.status;
   }
 
   // Fills in all boards when none is named. False when one that is named is not there.
@@ -150,20 +128,13 @@ class PayloadLinter {
   }
 
   void LintFile(const std::string& path, const BoardFiles& files) {
-    const auto loading = LoadConfiguration(path);
-    if (loading.status == LabStatus::UnreadableInput) return AddUnreadable(path, loading.error);
-    if (!loading.file) {
-      std::string_view error = loading.error;
-      const auto place = TakePlace(error);
-      Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error), place);
-      if (result_.status == LabStatus::Done) result_.status = LabStatus::MalformedInput;
-      return;
-    }
-    const LintSubject subject(*loading.file);
+    const auto configuration = LoadConfiguration(path);
+    if (!configuration) return AddUnusable(path, configuration.Error());
+    const LintSubject subject(*configuration);
     for (auto& row : LintConfiguration(subject, files)) {
-      Add(*row.rule, path, std::move(row.message), loading.file->PlaceOf(row.offset));
+      Add(*row.rule, path, std::move(row.message), configuration->LocationOf(row.offset));
     }
-    if (loading.file->Value().AsDictionary() != nullptr) LintUnusedFiles(subject, files);
+    if (configuration->Value().AsDictionary()) LintUnusedFiles(subject, files);
   }
 
   void LintUnusedFiles(const LintSubject& subject, const BoardFiles& files) {

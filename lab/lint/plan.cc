@@ -1,13 +1,13 @@
 #include "lab/lint/checks.h"
 #include "lab/lint/plan_rules.h"
-#include "personality/personality_keys.h"
-#include "personality/requirement_rules.h"
+#include "personality/requirements.h"
 #include "plan/plan_values.h"
 #include "plan/value_conversions.h"
+#include "registry/key_schema.h"
 
 namespace fernwick::lab {
 
-void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintPriority(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   const auto* priority = personality.Find("Priority");
   if (priority == nullptr) {
     findings.Add(
@@ -28,7 +28,7 @@ void LintPriority(const PlacedPersonality& personality, ConfigurationFindings& f
   }
 }
 
-void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   const auto* mode = personality.Find("Firmware Mode");
   const auto takenBy = FindPersonalityKey("Firmware Mode")->plannedBy;
   if (mode == nullptr || (takenBy & personality.type) == 0) return;
@@ -39,17 +39,17 @@ void LintFirmwareMode(const PlacedPersonality& personality, ConfigurationFinding
                    std::to_string(taken));
 }
 
-void LintNvramShapes(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   const auto* toSet = personality.Find("SetNVRAM");
-  if (toSet != nullptr && toSet->value->AsDictionary() == nullptr) {
+  if (toSet != nullptr && !toSet->value->AsDictionary()) {
     findings.Add(LintRuleOf::NvramWrongShape, toSet->valueOffset,
                  "\"SetNVRAM\" is " + Shown(*toSet->value) +
                      ", not a dictionary, so the plan leaves it out");
   }
   const auto* toClear = personality.Find("ClearNVRAM");
   if (toClear == nullptr) return;
-  const auto* names = toClear->value->AsArray();
-  if (names == nullptr) {
+  const auto names = toClear->value->AsArray();
+  if (!names) {
     findings.Add(LintRuleOf::NvramWrongShape, toClear->valueOffset,
                  "\"ClearNVRAM\" is " + Shown(*toClear->value) +
                      ", not an array, so the plan leaves it out");

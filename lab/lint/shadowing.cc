@@ -83,12 +83,12 @@ Shadowing FindShadowed(const std::vector<Acceptance>& personalities) {
   return shadowing;
 }
 
-void LintShadowing(const LintSubject& subject, const PlacedType& type, const Shadowing& shadowing,
+void LintShadowing(const LintSubject& subject, const LocatedType& type, const Shadowing& shadowing,
                    ConfigurationFindings& findings) {
   for (std::size_t i = 0; i < shadowing.shadowedBy.size(); ++i) {
     const auto by = shadowing.shadowedBy[i];
     if (by == i) continue;
-    const auto place = subject.file.PlaceOf(type.personalities[by].offset);
+    const auto place = subject.file.LocationOf(type.personalities[by].offset);
     findings.Add(LintRuleOf::ShadowedPersonality, type.personalities[i].offset,
                  "the personality at " + Describe(place) +
                      " accepts everything that this one accepts, which is never reached");

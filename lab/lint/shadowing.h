@@ -25,7 +25,7 @@ struct Shadowing {
 Shadowing FindShadowed(const std::vector<Acceptance>& personalities);
 
 /// Tells which personalities are shadowed.
-void LintShadowing(const LintSubject& subject, const PlacedType& type, const Shadowing& shadowing,
+void LintShadowing(const LintSubject& subject, const LocatedType& type, const Shadowing& shadowing,
                    ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

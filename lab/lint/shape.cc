@@ -9,7 +9,7 @@
 namespace fernwick::lab {
 namespace {
 
-void LintUnknownType(const PlacedEntry& entry, ConfigurationFindings& findings) {
+void LintUnknownType(const LocatedEntry& entry, ConfigurationFindings& findings) {
   const auto meant = NearestSpelling(entry.key, NamesOf(Types::All));
   if (meant.empty()) {
     findings.Add(LintRuleOf::UnknownType, entry.keyOffset,
@@ -21,22 +21,22 @@ void LintUnknownType(const PlacedEntry& entry, ConfigurationFindings& findings) 
   }
 }
 
-void LintElements(const PlacedType& type, const Array& elements, ConfigurationFindings& findings) {
+void LintElements(const LocatedType& type, const Array& elements, ConfigurationFindings& findings) {
   if (elements.empty()) {
     findings.Add(LintRuleOf::EmptyType, type.entry.keyOffset,
                  Quoted(type.entry.key) + " holds no personality");
   }
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    if (elements[i].AsDictionary() != nullptr) continue;
+    if (elements[i].AsDictionary()) continue;
     findings.Add(LintRuleOf::PersonalityNotADictionary, OffsetOfElement(type.entry, i),
                  Shown(elements[i]) + " stands where a personality was expected");
   }
 }
 
-void LintType(const PlacedType& type, ConfigurationFindings& findings) {
+void LintType(const LocatedType& type, ConfigurationFindings& findings) {
   const bool isSingle = HoldsSinglePersonality(type.type);
-  const auto* array = type.entry.value->AsArray();
-  if (isSingle ? type.entry.value->AsDictionary() == nullptr : array == nullptr) {
+  const auto array = type.entry.value->AsArray();
+  if (isSingle ? !type.entry.value->AsDictionary() : !array) {
     findings.Add(LintRuleOf::WrongTypeShape, type.entry.valueOffset,
                  Quoted(type.entry.key) + " holds " + Shown(*type.entry.value) + ", not " +
                      (isSingle ? "a single personality" : "an array of personalities") +
@@ -47,17 +47,17 @@ void LintType(const PlacedType& type, ConfigurationFindings& findings) {
 }
 
 // The keys in the order of the alphabet, those of one spelling in the order of the file.
-std::vector<const KeyPlace*> SortedKeys(const ValuePlace& dictionary) {
-  std::vector<const KeyPlace*> keys;
+std::vector<const KeyLocation*> SortedKeys(const ValueLocation& dictionary) {
+  std::vector<const KeyLocation*> keys;
   for (const auto& entry : dictionary.entries) keys.push_back(&entry);
-  std::ranges::stable_sort(keys, {}, [](const KeyPlace* key) { return key->key.View(); });
+  std::ranges::stable_sort(keys, {}, [](const KeyLocation* key) { return key->key; });
   return keys;
 }
 
 }  // namespace
 
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings) {
-  if (subject.file.Value().AsDictionary() == nullptr) {
+  if (!subject.file.Value().AsDictionary()) {
     findings.Add(LintRuleOf::NotADictionary, subject.file.Root().offset,
                  "the configuration is " + Shown(subject.file.Value()) + ", not a dictionary");
   }
@@ -67,12 +67,12 @@ void LintShape(const LintSubject& subject, ConfigurationFindings& findings) {
   for (const auto& type : subject.types) LintType(type, findings);
 }
 
-void LintDuplicateKeys(const ValuePlace& place, ConfigurationFindings& findings) {
+void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findings) {
   const auto keys = SortedKeys(place);
   for (std::size_t i = 1; i < keys.size(); ++i) {
     if (!(keys[i]->key == keys[i - 1]->key)) continue;
     findings.Add(LintRuleOf::DuplicateKey, keys[i]->offset,
-                 Quoted(keys[i]->key.View()) +
+                 Quoted(keys[i]->key) +
                      " occurs a second time in this dictionary; what stands under it before is "
                      "lost");
   }

@@ -3,7 +3,7 @@
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
 #include "lab/lint/value_rules.h"
-#include "personality/requirement_rules.h"
+#include "personality/requirements.h"
 
 namespace fernwick::lab {
 namespace {
@@ -18,20 +18,19 @@ std::string_view WhatMatches(KeyKind kind) {
   }
 }
 
-void AddWrongKind(const LintRule& rule, const PlacedEntry& entry, KeyKind kind,
+void AddWrongKind(const LintRule& rule, const LocatedEntry& entry, KeyKind kind,
                   ConfigurationFindings& findings) {
   findings.Add(rule, entry.valueOffset,
                Quoted(entry.key) + " is " + Shown(*entry.value) + "; only " +
                    std::string(WhatMatches(kind)) + " can match");
 }
 
-bool IsBound(const PlacedEntry& entry) {
+bool IsBound(const LocatedEntry& entry) {
   return entry.key != "Version";
 }
 
-void LintNumber(const PlacedEntry& entry, const PersonalityKey& key,
-                ConfigurationFindings& findings) {
-  if (entry.value->AsArray() != nullptr) {
+void LintNumber(const LocatedEntry& entry, const Key& key, ConfigurationFindings& findings) {
+  if (entry.value->AsArray()) {
     AddWrongKind(LintRuleOf::ListNotAllowed, entry, key.kind, findings);
   } else if (!entry.value->IsNumber()) {
     AddWrongKind(LintRuleOf::WrongKind, entry, key.kind, findings);
@@ -41,7 +40,7 @@ void LintNumber(const PlacedEntry& entry, const PersonalityKey& key,
   }
 }
 
-void LintList(const PlacedEntry& entry, const Array& list, const PersonalityKey& key, TypeSet type,
+void LintList(const LocatedEntry& entry, const Array& list, const Key& key, TypeSet type,
               ConfigurationFindings& findings) {
   if (list.empty()) {
     findings.Add(LintRuleOf::EmptyList, entry.valueOffset,
@@ -49,22 +48,22 @@ void LintList(const PlacedEntry& entry, const Array& list, const PersonalityKey&
     return;
   }
   const bool isDead = std::ranges::none_of(
-      list, [&](const auto& element) { return WhyNothingEquals(element, key, type).empty(); });
+      list, [&](const auto& element) { return UnmatchableReason(element, key, type).empty(); });
   if (isDead) {
     findings.Add(LintRuleOf::DeadList, entry.valueOffset,
                  "no element of " + Quoted(entry.key) + " can match; of the first, " +
-                     Shown(list.front()) + ": " + WhyNothingEquals(list.front(), key, type));
+                     Shown(list[0]) + ": " + UnmatchableReason(list[0], key, type));
     return;
   }
   for (std::size_t i = 0; i < list.size(); ++i) {
-    const auto why = WhyNothingEquals(list[i], key, type);
+    const auto why = UnmatchableReason(list[i], key, type);
     if (why.empty()) continue;
     findings.Add(LintRuleOf::DeadListElement, OffsetOfElement(entry, i),
                  Shown(list[i]) + " in " + Quoted(entry.key) + " can never match: " + why);
   }
 }
 
-void LintSingle(const PlacedEntry& entry, const PersonalityKey& key, TypeSet type,
+void LintSingle(const LocatedEntry& entry, const Key& key, TypeSet type,
                 ConfigurationFindings& findings) {
   if (key.kind == KeyKind::ListOfStrings) {
     const bool isString = entry.value->AsString().has_value();
@@ -72,7 +71,7 @@ void LintSingle(const PlacedEntry& entry, const PersonalityKey& key, TypeSet typ
                  findings);
     return;
   }
-  const auto why = WhyNothingEquals(*entry.value, key, type);
+  const auto why = UnmatchableReason(*entry.value, key, type);
   if (why.empty()) return;
   if (!entry.value->IsNumber() || key.kind == KeyKind::StringOrList) {
     AddWrongKind(LintRuleOf::WrongKind, entry, key.kind, findings);
@@ -86,30 +85,29 @@ void LintSingle(const PlacedEntry& entry, const PersonalityKey& key, TypeSet typ
 }
 
 // What a port below a Thunderbolt controller can have only when it brings an RID of its own.
-void LintPortRid(const PlacedEntry& entry, const PersonalityKey& key,
-                 ConfigurationFindings& findings) {
+void LintPortRid(const LocatedEntry& entry, const Key& key, ConfigurationFindings& findings) {
   const auto lint = [&](const PropertyValue& rid, std::size_t offset) {
-    if (!WhyNothingEquals(rid, key, Types::Thunderbolt).empty()) return;
-    if (WhyNothingEquals(rid, key, Types::LegacyThunderbolt).empty()) return;
+    if (!UnmatchableReason(rid, key, Types::Thunderbolt).empty()) return;
+    if (UnmatchableReason(rid, key, Types::LegacyThunderbolt).empty()) return;
     findings.Add(LintRuleOf::DoubtfulRid, offset,
                  Shown(rid) +
                      " in \"RID\" matches only a port with an RID of its own; that of a "
                      "Thunderbolt controller is 0 to 15");
   };
-  const auto* list = entry.value->AsArray();
-  if (list == nullptr) return lint(*entry.value, entry.valueOffset);
+  const auto list = entry.value->AsArray();
+  if (!list) return lint(*entry.value, entry.valueOffset);
   for (std::size_t i = 0; i < list->size(); ++i) lint((*list)[i], OffsetOfElement(entry, i));
 }
 
 }  // namespace
 
-void LintValues(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   for (const auto& entry : personality.entries) {
     const auto* key = FindPersonalityKey(entry.key);
     if (key == nullptr || (key->checkedBy & personality.type) == 0) continue;
-    if (!TakesSet(*key)) {
+    if (FindSetRequirement(personality.type, key->name) == nullptr) {
       LintNumber(entry, *key, findings);
-    } else if (const auto* list = entry.value->AsArray()) {
+    } else if (const auto list = entry.value->AsArray()) {
       LintList(entry, *list, *key, personality.type, findings);
     } else {
       LintSingle(entry, *key, personality.type, findings);

@@ -5,7 +5,7 @@
 #include "lab/lint/checks.h"
 #include "lab/lint/controller_values.h"
 #include "lab/lint/version_rules.h"
-#include "personality/requirement_rules.h"
+#include "personality/requirements.h"
 
 namespace fernwick::lab {
 namespace {
@@ -15,12 +15,12 @@ constexpr double JustMissed = 0.00001;
 
 // What a personality says of versions; null where it says nothing that can be reckoned with.
 struct Window {
-  const PlacedEntry* version;
-  const PlacedEntry* minimum;
-  const PlacedEntry* maximum;
+  const LocatedEntry* version;
+  const LocatedEntry* minimum;
+  const LocatedEntry* maximum;
 };
 
-const PropertyValue* ValueOf(const PlacedEntry* entry) {
+const PropertyValue* ValueOf(const LocatedEntry* entry) {
   return entry == nullptr ? nullptr : entry->value;
 }
 
@@ -40,8 +40,8 @@ bool IsEmpty(const Window& window, TypeSet type) {
 }
 
 bool IsWhole(const PropertyValue& number) {
-  const auto* real = number.AsReal();
-  return real == nullptr || std::trunc(*real) == *real;
+  const auto real = number.AsReal();
+  return !real || std::trunc(*real) == *real;
 }
 
 // The version of a Thunderbolt controller that a maximum leaves out by next to nothing.
@@ -85,16 +85,16 @@ void LintWindow(const Window& window, TypeSet type, ConfigurationFindings& findi
   }
 }
 
-bool IsBadBound(const PlacedEntry* bound) {
+bool IsBadBound(const LocatedEntry* bound) {
   return bound != nullptr && !bound->value->IsNumber();
 }
 
 // A bound that is NaN is as good as none.
-const PlacedEntry* WithoutNan(const PlacedEntry* bound) {
+const LocatedEntry* WithoutNan(const LocatedEntry* bound) {
   return bound != nullptr && NumbersEqual(*bound->value, *bound->value) ? bound : nullptr;
 }
 
-void LintRevisionBound(const PlacedEntry* bound, ConfigurationFindings& findings) {
+void LintRevisionBound(const LocatedEntry* bound, ConfigurationFindings& findings) {
   if (bound == nullptr) return;
   if (!NumberLess(*bound->value, 0) && !NumberGreater(*bound->value, 255)) return;
   findings.Add(LintRuleOf::BoardRevisionOutOfRange, bound->valueOffset,
@@ -104,7 +104,7 @@ void LintRevisionBound(const PlacedEntry* bound, ConfigurationFindings& findings
 
 }  // namespace
 
-void LintVersions(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   const auto* version = personality.Find("Version");
   const auto* minimum = personality.Find("Existing Min Version");
   const auto* maximum = personality.Find("Existing Max Version");
@@ -116,7 +116,7 @@ void LintVersions(const PlacedPersonality& personality, ConfigurationFindings& f
   LintWindow(window, personality.type, findings);
 }
 
-void LintBoardRevisions(const PlacedPersonality& personality, ConfigurationFindings& findings) {
+void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   if ((FindPersonalityKey("MinBoardRevision")->checkedBy & personality.type) == 0) return;
   const auto* minimum = personality.Find("MinBoardRevision");
   const auto* maximum = personality.Find("MaxBoardRevision");

@@ -1,9 +1,8 @@
 #include "lab/recordings/controllers.h"
 
+#include <optional>
 #include <utility>
-#include <vector>
 
-#include "lab/support/isolation.h"
 #include "registry/inventory.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
@@ -11,22 +10,24 @@
 namespace fernwick::lab {
 namespace {
 
-using Collect = HardwareInventory (*)(Registry&, InventoryRecorder*);
+using Collect = InventoryResult (*)(Registry&);
 
 Controllers FindControllers(const Recording& recording, std::string_view kind,
                             std::string_view className, Collect collect) {
   Controllers controllers{.kind = kind};
   RecordedRegistry registry(recording);
-  ForEachService(registry, className,
-                 [&](RegistryEntry entry) { controllers.places.emplace(entry, 0); });
-  if (SignalThatEnds([&] { collect(registry, nullptr); }) != 0) {
-    controllers.endsRun = true;
-    return controllers;
+  ForEachService(registry, className, [&](RegistryEntry entry) -> std::optional<Fault> {
+    controllers.numbers.emplace(entry, 0);
+    return std::nullopt;
+  });
+  auto inventory = collect(registry);
+  controllers.endsRun = !inventory;
+  if (!inventory) return controllers;
+  controllers.inventory = *std::move(inventory);
+  std::size_t number = 0;
+  for (const auto& source : controllers.inventory.sources) {
+    controllers.numbers[source.Controller()] = ++number;
   }
-  InventoryRecorder recorder;
-  controllers.inventory = collect(registry, &recorder);
-  std::size_t place = 0;
-  for (const auto& source : recorder.listed) controllers.places[source.Controller()] = ++place;
   return controllers;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <optional>
 #include <string_view>
 
 #include "registry/hardware_record.h"
@@ -12,9 +11,9 @@ namespace fernwick::lab {
 /// The controllers of one kind in a recorded computer, and which of them its inventory lists.
 struct Controllers {
   std::string_view kind;  // "Thunderbolt controller" or "USB-C port controller"
-  // By entry: the place in the inventory, from 1; 0 for a controller that it passes over.
-  std::map<RegistryEntry, std::size_t> places = {};
-  HardwareInventory inventory = {};
+  // By entry: the number in the inventory, from 1; 0 for a controller that it does not list.
+  std::map<RegistryEntry, std::size_t> numbers = {};
+  HardwareInventory inventory = {};  // views the recording
   bool endsRun = false;  // taking the inventory ends the run abnormally: nothing is listed
 };
 

@@ -1,4 +1,3 @@
-#include <map>
 #include <string>
 
 #include "lab/recordings/recording_file.h"
@@ -16,12 +15,9 @@ constexpr char Description[] =
 constexpr char Example[] =
     "Example:\n  fernwick-lab convert desk.registry.plist small.registry.plist --to binary\n";
 
-const std::map<std::string, Serialisation> Forms = {{"xml", Serialisation::Xml},
-                                                    {"binary", Serialisation::Binary}};
-
 }  // namespace
 
-int Convert(int argumentCount, char* const arguments[]) {
+VerbEnd Convert(int argumentCount, char* const arguments[]) {
   std::string path;
   std::string out;
   std::string form;
@@ -40,12 +36,10 @@ int Convert(int argumentCount, char* const arguments[]) {
            .choices = {"xml", "binary"}},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto document = LoadRecordingDocument(path);
-  if (!document.value) {
-    PrintError(document.error);
-    return document.status;
-  }
-  return WriteRecordingDocument(out, *document.value, Forms.at(form));
+  const auto recording = LoadRecording(path);
+  if (!recording) return PrintError(path, recording.Error());
+  const auto serialisation = form == "binary" ? Serialisation::Binary : Serialisation::Xml;
+  return WriteRecording(out, recording->list.value, serialisation);
 }
 
 }  // namespace fernwick::lab

@@ -6,7 +6,7 @@ std::string EntryPath(const Recording& recording, RegistryEntry entry) {
   const auto& plane = recording.planes.at("IOService");
   std::string path;
   while (entry != plane.root) {
-    path.insert(0, "/" + recording.entries[entry - 1].name);
+    path.insert(0, "/" + std::string(recording.entries[entry - 1].name));
     entry = plane.placements.at(entry).parent;
   }
   return "IOService:" + (path.empty() ? "/" : path);

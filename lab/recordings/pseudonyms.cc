@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
-#include <vector>
 
+#include "lab/recordings/rebuilt.h"
 #include "value/number_text.h"
 #include "value/unicode/utf8.h"
 
@@ -47,42 +46,28 @@ std::string ExactText(const Number& number) {
                   : FormatInteger(static_cast<std::uint64_t>(real));
 }
 
-bool AnyMayIdentify(const Array& array) {
-  return std::ranges::any_of(array, MayIdentify);
-}
-
-bool AnyMayIdentify(const Dictionary& dictionary) {
-  return std::ranges::any_of(dictionary.Entries(), MayIdentify, &DictionaryEntry::value);
-}
-
 }  // namespace
 
 bool MayIdentify(const PropertyValue& value) {
   if (const auto text = value.AsString()) return !text->empty();
   if (const auto bytes = value.AsData()) return !bytes->empty();
-  if (const auto* real = value.AsReal()) return std::isfinite(*real);
-  if (const auto* array = value.AsArray()) return AnyMayIdentify(*array);
-  if (const auto* dictionary = value.AsDictionary()) return AnyMayIdentify(*dictionary);
+  if (const auto real = value.AsReal()) return std::isfinite(*real);
+  if (const auto array = value.AsArray()) return std::ranges::any_of(*array, MayIdentify);
+  if (const auto dictionary = value.AsDictionary()) {
+    return std::ranges::any_of(dictionary->Entries(), MayIdentify, &DictionaryEntry::value);
+  }
   return value.AsInteger().has_value();
 }
 
-PropertyValue Pseudonyms::Of(const PropertyValue& value) {
-  if (const auto text = value.AsString()) return OfText(*text);
-  if (const auto bytes = value.AsData()) return Data{SharedBytes(OfBytes(*bytes))};
+PropertyValue Pseudonyms::Of(const PropertyValue& value, Arena& arena) {
+  if (const auto text = value.AsString()) return arena.Copy(OfText(*text));
+  if (const auto bytes = value.AsData()) return Data{arena.Copy(OfBytes(*bytes))};
   if (const auto integer = value.AsInteger()) return OfNumber(*integer);
-  if (const auto* real = value.AsReal(); real != nullptr && MayIdentify(value)) {
+  if (const auto real = value.AsReal(); real && MayIdentify(value)) {
     return static_cast<double>(OfNumber(*real));
   }
-  if (const auto* array = value.AsArray()) {
-    Array replaced;
-    for (const auto& element : *array) replaced.push_back(Of(element));
-    return replaced;
-  }
-  const auto* dictionary = value.AsDictionary();
-  if (dictionary == nullptr) return value;
-  std::vector<DictionaryEntry> entries;
-  for (const auto& [key, inner] : dictionary->Entries()) entries.emplace_back(key, Of(inner));
-  return Dictionary(std::move(entries));
+  const auto inner = [&](std::string_view, const PropertyValue& each) { return Of(each, arena); };
+  return Rebuilt(value, arena, inner);
 }
 
 // The count stands in the last places for letters and digits; where they are too few, the rest of

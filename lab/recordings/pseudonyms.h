@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "value/arena.h"
 #include "value/property_value.h"
 
 namespace fernwick::lab {
@@ -13,14 +14,15 @@ namespace fernwick::lab {
 /// date and a number that is not finite.
 bool MayIdentify(const PropertyValue& value);
 
-/// Gives every value that identifies one computer another in its place: the same for equal ones, a
-/// different one for each other, of the same kind. They are counted, so they tell nothing of what
-/// they stand for, save the punctuation and length of a text, the length of data and the low four
-/// bits of a number, which make a controller's "RID". What may not identify a computer stays.
+/// Replaces every value that identifies one computer by another of the same kind: the same for
+/// equal ones, a different one for each other. They are counted, so they say nothing of what they
+/// replace, except the punctuation and length of a text, the length of data and the low four bits
+/// of a number, which make a controller's "RID". What may not identify a computer stays.
 class Pseudonyms {
  public:
-  /// Of an array or a dictionary: with everything inside it replaced, but no key.
-  PropertyValue Of(const PropertyValue& value);
+  /// Of an array or a dictionary: with everything inside it replaced, but no key. Views `arena` and
+  /// what the value views.
+  PropertyValue Of(const PropertyValue& value, Arena& arena);
 
   std::string OfText(std::string_view text);
 

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "lab/support/messages.h"
 #include "lab/support/output_file.h"
 #include "platform/file_system.h"
 #include "registry/recording_reader.h"
@@ -11,34 +10,22 @@
 
 namespace fernwick::lab {
 
-RecordingFile LoadRecording(const std::string& path) {
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
   auto file = ReadWholeFile(path);
-  if (!file.bytes) return {{}, path + ": " + file.error, LabStatus::UnreadableInput};
-  auto reading = ReadRecording(*std::move(file.bytes));
-  if (!reading.recording) return {{}, path + ": " + reading.error, LabStatus::MalformedInput};
-  return {std::move(reading.recording), {}, LabStatus::Done};
+  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+  auto reading = ReadPropertyList(*std::move(file));
+  if (form != nullptr) *form = reading.serialisation;
+  auto recording = InterpretRecording(std::move(reading));
+  if (!recording) return LabError{recording.Error(), LabStatus::MalformedInput};
+  return *std::move(recording);
 }
 
-RecordingDocument LoadRecordingDocument(const std::string& path) {
-  const auto fail = [&](const std::string& error, int status) {
-    return RecordingDocument{{}, Serialisation::None, path + ": " + error, status};
-  };
-  auto file = ReadWholeFile(path);
-  if (!file.bytes) return fail(file.error, LabStatus::UnreadableInput);
-  auto reading = ReadPropertyList(*std::move(file.bytes));
-  const auto recording = InterpretRecording(reading);
-  if (!recording.recording) return fail(recording.error, LabStatus::MalformedInput);
-  return {std::move(reading.value), reading.serialisation, {}, LabStatus::Done};
-}
-
-int WriteRecordingDocument(const std::string& path, const PropertyValue& value,
-                           Serialisation form) {
+int WriteRecording(const std::string& path, const PropertyValue& value, Serialisation form) {
   const auto error =
       WriteOutputFile(path, form == Serialisation::Binary ? WriteBinaryPropertyList(value)
                                                           : WriteXmlPropertyList(value) + "\n");
   if (error.empty()) return LabStatus::Done;
-  PrintError(path + ": " + error);
-  return LabStatus::OutputLost;
+  return PrintError(path, {{error}, LabStatus::OutputLost});
 }
 
 }  // namespace fernwick::lab

@@ -58,10 +58,8 @@ std::vector<Job> PlanJobs(const std::vector<std::string>& paths, const std::stri
 // Reads every recording once before anything is written.
 int CheckAll(const std::vector<Job>& jobs) {
   for (const auto& job : jobs) {
-    const auto document = LoadRecordingDocument(job.path);
-    if (document.value) continue;
-    PrintError(document.error);
-    return document.status;
+    const auto recording = LoadRecording(job.path);
+    if (!recording) return PrintError(job.path, recording.Error());
   }
   return LabStatus::Done;
 }
@@ -72,20 +70,18 @@ class Redaction {
       : furtherKeys_(furtherKeys.begin(), furtherKeys.end()) {}
 
   int Write(const Job& job) {
-    const auto document = LoadRecordingDocument(job.path);
-    if (!document.value) {
-      PrintError(document.error);
-      return document.status;
-    }
-    const auto redacted = RedactRecording(*document.value, furtherKeys_, pseudonyms_);
-    const auto check = InterpretRecording(redacted.value);
-    if (!check.recording) {
-      PrintError(job.path + ": cannot be redacted: " + check.error);
-      return LabStatus::MalformedInput;
+    Serialisation form;
+    const auto recording = LoadRecording(job.path, &form);
+    if (!recording) return PrintError(job.path, recording.Error());
+    auto redacted = RedactRecording(recording->list.value, furtherKeys_, pseudonyms_);
+    const auto check = InterpretRecording(std::move(redacted.list));
+    if (!check) {
+      return PrintError(job.path + ": cannot be redacted",
+                        {check.Error(), LabStatus::MalformedInput});
     }
     for (const auto& [key, count] : redacted.replaced) counts_[key] += count;
     textsElsewhere_ += redacted.textsElsewhere;
-    return WriteRecordingDocument(job.out, redacted.value, document.form);
+    return WriteRecording(job.out, check->list.value, form);
   }
 
   std::string Report() const {
@@ -108,7 +104,7 @@ class Redaction {
 
 }  // namespace
 
-int Redact(int argumentCount, char* const arguments[]) {
+VerbEnd Redact(int argumentCount, char* const arguments[]) {
   std::vector<std::string> paths;
   std::vector<std::string> keys;
   const CommandLine line = {

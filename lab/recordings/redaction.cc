@@ -5,12 +5,13 @@
 #include <utility>
 #include <vector>
 
+#include "lab/recordings/rebuilt.h"
 #include "value/unicode/ascii.h"
 
 namespace fernwick::lab {
 namespace {
 
-// Shorter ones may stand in a text by chance.
+// Shorter ones may occur in a text by chance.
 constexpr std::size_t TellingLength = 8;
 
 std::string LettersAndDigits(std::string_view key) {
@@ -28,51 +29,36 @@ class Redactor {
       : furtherKeys_(furtherKeys), pseudonyms_(pseudonyms) {}
 
   RedactedRecording Redact(const PropertyValue& recording) {
-    auto replaced = OverPlanes(recording, &Redactor::ReplaceIdentifiers);
-    auto value = OverPlanes(replaced, &Redactor::ReplaceTexts);
-    return {std::move(value), std::move(replaced_), textsElsewhere_};
+    const auto replaced = OverPlanes(*recording.AsDictionary(), &Redactor::ReplaceIdentifiers);
+    const auto value = OverPlanes(replaced, &Redactor::ReplaceTexts);
+    return {{std::move(arena_), value}, std::move(replaced_), textsElsewhere_};
   }
 
  private:
   using Step = PropertyValue (Redactor::*)(std::string_view key, const PropertyValue& value);
 
-  // The dictionary with each value as `step` gives it.
-  PropertyValue OverEntries(const Dictionary& dictionary, Step step) {
-    std::vector<DictionaryEntry> entries;
-    for (const auto& [key, value] : dictionary.Entries()) {
-      entries.emplace_back(key, (this->*step)(key.View(), value));
-    }
-    return Dictionary(std::move(entries));
+  Dictionary OverPlanes(Dictionary recording, Step step) {
+    return Rebuilt(recording, arena_, [&](std::string_view key, const PropertyValue& value) {
+      if (key != "Planes") return value;
+      return Rebuilt(value, arena_, [&](std::string_view, const PropertyValue& root) {
+        return OverNode(root, step);
+      });
+    });
   }
 
-  PropertyValue OverPlanes(const PropertyValue& recording, Step step) {
-    auto top = *recording.AsDictionary();
-    Dictionary planes;
-    for (const auto& [name, root] : top.Find("Planes")->AsDictionary()->Entries()) {
-      planes.Set(name.View(), OverNodes(root, step));
-    }
-    top.Set("Planes", std::move(planes));
-    return top;
+  PropertyValue OverNode(const PropertyValue& node, Step step) {
+    return Rebuilt(node, arena_, [&](std::string_view key, const PropertyValue& value) {
+      if (key != "Children") return OverNodeEntry(key, value, step);
+      return Rebuilt(value, arena_, [&](std::string_view, const PropertyValue& child) {
+        return OverNode(child, step);
+      });
+    });
   }
 
-  PropertyValue OverNodes(const PropertyValue& node, Step step) {
-    std::vector<DictionaryEntry> entries;
-    for (const auto& [key, value] : node.AsDictionary()->Entries()) {
-      if (key.View() == "Children") {
-        Array children;
-        for (const auto& child : *value.AsArray()) children.push_back(OverNodes(child, step));
-        entries.emplace_back(key, std::move(children));
-      } else {
-        entries.emplace_back(key, OverNodeEntry(key.View(), value, step));
-      }
-    }
-    return Dictionary(std::move(entries));
-  }
-
-  // What a node says of its entry: "Properties", "Name", "ID" and "Link". Its class is no more
-  // telling than that of any other computer of its kind.
+  // What a node says of its entry: "Properties", "Name", "ID" and "Link". Its class identifies no
+  // computer among those of its kind.
   PropertyValue OverNodeEntry(std::string_view key, const PropertyValue& value, Step step) {
-    if (key == "Properties") return OverEntries(*value.AsDictionary(), step);
+    if (key == "Properties") return Descend(key, value, step);
     if (key == "Class" || step == &Redactor::ReplaceIdentifiers) return value;
     return ReplaceTexts(key, value);
   }
@@ -81,33 +67,31 @@ class Redactor {
     if (IdentifiesComputer(key) || furtherKeys_.contains(std::string(key))) {
       NoteTexts(value);
       if (MayIdentify(value)) ++replaced_[std::string(key)];
-      return pseudonyms_.Of(value);
+      return pseudonyms_.Of(value, arena_);
     }
     return Descend(key, value, &Redactor::ReplaceIdentifiers);
   }
 
-  // The value with everything inside it as `step` gives it; an array's elements go by its key.
+  // The value with everything inside it replaced by `step`; an array's elements have its key.
   PropertyValue Descend(std::string_view key, const PropertyValue& value, Step step) {
-    if (const auto* dictionary = value.AsDictionary()) return OverEntries(*dictionary, step);
-    const auto* array = value.AsArray();
-    if (array == nullptr) return value;
-    Array elements;
-    for (const auto& element : *array) elements.push_back((this->*step)(key, element));
-    return elements;
+    const auto each = [&](std::string_view inner, const PropertyValue& element) {
+      return (this->*step)(inner, element);
+    };
+    return Rebuilt(value, arena_, each, key);
   }
 
-  // Keeps the texts that are to give way everywhere, the longest first.
+  // Keeps the texts that are replaced everywhere, the longest first.
   void NoteTexts(const PropertyValue& value) {
-    if (const auto* array = value.AsArray()) {
+    if (const auto array = value.AsArray()) {
       for (const auto& element : *array) NoteTexts(element);
-    } else if (const auto* dictionary = value.AsDictionary()) {
+    } else if (const auto dictionary = value.AsDictionary()) {
       for (const auto& entry : dictionary->Entries()) NoteTexts(entry.value);
     } else if (const auto text = value.AsString(); text && text->size() >= TellingLength) {
       const auto longer = [](const std::string& a, const std::string& b) {
         return a.size() != b.size() ? a.size() > b.size() : a < b;
       };
-      const auto place = std::ranges::lower_bound(texts_, std::string(*text), longer);
-      if (place == texts_.end() || *place != *text) texts_.emplace(place, *text);
+      const auto next = std::ranges::lower_bound(texts_, std::string(*text), longer);
+      if (next == texts_.end() || *next != *text) texts_.emplace(next, *text);
     }
   }
 
@@ -115,14 +99,14 @@ class Redactor {
     const auto text = value.AsString();
     const auto bytes = value.AsData();
     if (!text && !bytes) return Descend(key, value, &Redactor::ReplaceTexts);
-    auto replaced = WithPseudonyms(text ? *text : *bytes);
+    const auto replaced = WithPseudonyms(text ? *text : *bytes);
     if (!replaced) return value;
     ++textsElsewhere_;
-    if (bytes) return Data{SharedBytes(*std::move(replaced))};
-    return *std::move(replaced);
+    const auto kept = arena_.Copy(*replaced);
+    return bytes ? PropertyValue(Data{kept}) : PropertyValue(kept);
   }
 
-  // The bytes without the telling texts in them; none where there are no such.
+  // The bytes without the telling texts in them; empty where there are no such.
   std::optional<std::string> WithPseudonyms(std::string_view bytes) {
     auto replaced = std::string(bytes);
     for (const auto& telling : texts_) {
@@ -138,6 +122,7 @@ class Redactor {
 
   const std::set<std::string>& furtherKeys_;
   Pseudonyms& pseudonyms_;
+  Arena arena_;  // of the recording that is built
   ReplacedCounts replaced_;
   std::size_t textsElsewhere_ = 0;
   std::vector<std::string> texts_;

@@ -1,10 +1,8 @@
-#include <cstdio>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "driver/process.h"
+#include "driver/options.h"
 #include "driver/run.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/messages.h"
@@ -36,24 +34,25 @@ const char ReplayHelp[] =
     "Example:\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n";
 
-int Replay(int argumentCount, char* const arguments[]) {
+VerbEnd Replay(int argumentCount, char* const arguments[]) {
   if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
     return PrintResult(ReplayHelp);
   }
   if (argumentCount == 0 || arguments[0][0] == '-') {
-    std::fputs(ReplayHelp, stderr);
+    ProcessConsole().WriteError(ReplayHelp);
     return LabStatus::BadUsage;
   }
-  auto file = LoadRecording(arguments[0]);
-  if (!file.recording) {
-    PrintError(file.error);
-    return file.status;
-  }
-  RecordedRegistry registry(*std::move(file.recording));
+  const auto recording = LoadRecording(arguments[0]);
+  if (!recording) return PrintError(arguments[0], recording.Error());
   std::string toolName = "fernwick";
   const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
-  EndWhenOutOfMemory(ExitStatus::NoMatches);
-  return Run(argumentCount, vector.data(), registry, stdout);
+  const auto options = ParseOptions(argumentCount, vector.data());
+  RecordedRegistry registry(*recording);
+  ProcessConsole console;
+  const auto result = Run(options, registry, console);
+  VerbEnd end = result.status;
+  end.fault = result.fault;
+  return end;
 }
 
 }  // namespace fernwick::lab

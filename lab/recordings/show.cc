@@ -19,7 +19,7 @@ constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --
 
 }  // namespace
 
-int Show(int argumentCount, char* const arguments[]) {
+VerbEnd Show(int argumentCount, char* const arguments[]) {
   std::string path;
   std::optional<std::string> plane;
   bool asJson = false;
@@ -36,16 +36,13 @@ int Show(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  auto file = LoadRecording(path);
-  if (!file.recording) {
-    PrintError(file.error);
-    return file.status;
-  }
-  if (plane && !file.recording->planes.contains(*plane)) {
+  auto recording = LoadRecording(path);
+  if (!recording) return PrintError(path, recording.Error());
+  if (plane && !recording->planes.contains(*plane)) {
     PrintError(path + ": there is no plane \"" + *plane + "\"");
     return LabStatus::BadUsage;
   }
-  const auto computer = LookAt(*std::move(file.recording));
+  const auto computer = LookAt(*std::move(recording));
   return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
 }
 

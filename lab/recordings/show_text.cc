@@ -18,20 +18,20 @@ std::string Indented(std::string_view text, std::size_t indentation) {
 }
 
 // One "key" = value a line.
-void AppendProperties(const Dictionary& properties, std::size_t indentation, std::string& out) {
+void AppendProperties(Dictionary properties, std::size_t indentation, std::string& out) {
   for (const auto& [key, value] : properties.Entries()) {
-    const auto line = DumpText(PropertyValue(String{key.Text()})) + " = " + DumpText(value);
+    const auto line = DumpText(key) + " = " + DumpText(value);
     out += Indented(line, indentation) + "\n";
   }
 }
 
 std::string Mark(const Controllers& controllers, RegistryEntry entry) {
-  const auto place = controllers.places.find(entry);
-  if (place == controllers.places.end()) return {};
+  const auto number = controllers.numbers.find(entry);
+  if (number == controllers.numbers.end()) return {};
   const auto kind = std::string(controllers.kind);
   if (controllers.endsRun) return "  [" + kind + "]";
-  if (place->second == 0) return "  [" + kind + ", not listed]";
-  return "  [" + kind + " " + std::to_string(place->second) + "]";
+  if (number->second == 0) return "  [" + kind + ", not listed]";
+  return "  [" + kind + " " + std::to_string(number->second) + "]";
 }
 
 // One plane of the computer as an indented tree.
@@ -63,13 +63,13 @@ void AppendInventory(const Controllers& controllers, std::string& out) {
         " taking them ends the run abnormally\n      (a Thunderbolt controller has no \"UID\")\n";
     return;
   }
-  if (!controllers.inventory) {
+  if (controllers.inventory.records.empty()) {
     out += " none\n";
     return;
   }
   out += "\n";
   std::size_t number = 0;
-  for (const auto& record : *controllers.inventory) {
+  for (const auto& record : controllers.inventory.records) {
     out += "  " + std::to_string(++number) + "\n";
     AppendProperties(record, 6, out);
   }

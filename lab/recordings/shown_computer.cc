@@ -9,8 +9,9 @@ namespace {
 Json InventoryAsJson(const Controllers& controllers) {
   if (controllers.endsRun) return {{"endsRunAbnormally", true}};
   auto list = Json::array();
-  if (!controllers.inventory) return list;
-  for (const auto& record : *controllers.inventory) list.push_back(ToJson(record));
+  for (const auto& record : controllers.inventory.records) {
+    list.push_back(ToJson(Dictionary(record)));
+  };
   return list;
 }
 
@@ -36,10 +37,10 @@ class JsonTree {
 
  private:
   static void AddController(const Controllers& controllers, RegistryEntry entry, Json& node) {
-    const auto place = controllers.places.find(entry);
-    if (place == controllers.places.end()) return;
+    const auto number = controllers.numbers.find(entry);
+    if (number == controllers.numbers.end()) return;
     node["controller"] = controllers.kind;
-    node["listed"] = place->second == 0 ? Json(nullptr) : Json(place->second);
+    node["listed"] = number->second == 0 ? Json(nullptr) : Json(number->second);
   }
 
   const ShownComputer& computer_;

@@ -10,7 +10,8 @@
 
 namespace fernwick::lab {
 
-/// What there is to show of a recorded computer.
+/// What there is to show of a recorded computer. The controllers view the recording, also after a
+/// move.
 struct ShownComputer {
   Recording recording;
   BoardIdentity board;

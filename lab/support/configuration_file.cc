@@ -4,21 +4,20 @@
 #include <iterator>
 #include <utility>
 
-#include "lab/support/messages.h"
 #include "platform/file_system.h"
 #include "value/unicode/text_position.h"
 
 namespace fernwick::lab {
 namespace {
 
-// So many bytes are counted again for each place that is asked for, however long its line.
+// So many bytes are counted again for each location that is asked for, however long its line.
 constexpr std::size_t MarkDistance = 1024;
 
 bool IsInsideCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// The column of a place that lies in the line of the mark.
+// The column of an offset in the line of the mark.
 std::size_t ColumnAt(std::string_view text, const TextMark& mark, std::size_t offset) {
   return mark.column + PositionAt(text.substr(mark.offset), offset - mark.offset).column - 1;
 }
@@ -40,45 +39,43 @@ std::vector<TextMark> MarksOf(std::string_view text) {
 
 }  // namespace
 
-std::string Describe(const FilePlace& place) {
-  if (place.line == 0) return "byte " + std::to_string(place.byte);
-  return std::to_string(place.line) + ":" + std::to_string(place.column);
+std::string Describe(const FileLocation& location) {
+  if (location.line == 0) return "byte " + std::to_string(location.byte);
+  return std::to_string(location.line) + ":" + std::to_string(location.column);
 }
 
-ConfigurationFile::ConfigurationFile(PropertyValue value, Serialisation serialisation,
-                                     PlaceRecorder places)
-    : value_(std::move(value)),
+ConfigurationFile::ConfigurationFile(PropertyList list, Serialisation serialisation,
+                                     LocationBuilder locations)
+    : list_(std::move(list)),
       serialisation_(serialisation),
-      places_(std::move(places)),
-      root_(places_.TakeRoot()),
-      marks_(MarksOf(places_.Text())) {}
+      locations_(std::move(locations)),
+      root_(locations_.TakeRoot()),
+      marks_(MarksOf(locations_.Text())) {}
 
-FilePlace ConfigurationFile::PlaceOf(std::size_t offset) const {
-  if (serialisation_ == Serialisation::Binary) return {0, 0, offset};
+FileLocation ConfigurationFile::LocationOf(std::size_t offset) const {
+  if (serialisation_ == Serialisation::Binary) return {.byte = offset};
   const auto next = std::ranges::upper_bound(marks_, offset, {}, &TextMark::offset);
   const auto& mark = *std::prev(next);
-  return {mark.line, ColumnAt(places_.Text(), mark, offset), 0};
+  return {mark.line, ColumnAt(locations_.Text(), mark, offset)};
 }
 
-ConfigurationLoading LoadConfiguration(const std::string& path) {
+Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path) {
   auto file = ReadWholeFile(path);
-  if (!file.bytes) return {{}, std::move(file.error), LabStatus::UnreadableInput};
-  PlaceRecorder places;
-  auto reading = ReadPropertyList(*std::move(file.bytes), &places);
-  if (!reading.value) return {{}, std::move(reading.error), LabStatus::MalformedInput};
-  return {ConfigurationFile(*std::move(reading.value), reading.serialisation, std::move(places)),
-          {},
-          LabStatus::Done};
+  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+  LocationBuilder locations;
+  auto reading = ReadPropertyList(*std::move(file), &locations);
+  if (!reading.list) return LabError{reading.list.Error(), LabStatus::MalformedInput};
+  return ConfigurationFile(*std::move(reading.list), reading.serialisation, std::move(locations));
 }
 
-const KeyPlace* FindKey(const ValuePlace& dictionary, std::string_view key) {
+const KeyLocation* FindKey(const ValueLocation& dictionary, std::string_view key) {
   const auto& entries = dictionary.entries;
   const auto last = std::find_if(entries.rbegin(), entries.rend(),
-                                 [&](const KeyPlace& entry) { return entry.key.View() == key; });
+                                 [&](const KeyLocation& entry) { return entry.key == key; });
   return last == entries.rend() ? nullptr : &*last;
 }
 
-const ValuePlace* FindElement(const ValuePlace& array, std::size_t index) {
+const ValueLocation* FindElement(const ValueLocation& array, std::size_t index) {
   return index < array.elements.size() ? &array.elements[index] : nullptr;
 }
 

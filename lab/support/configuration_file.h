@@ -1,28 +1,22 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "lab/support/messages.h"
 #include "value/property_list_reader.h"
 #include "value/property_value.h"
-#include "value/value_places.h"
+#include "value/result.h"
+#include "value/value_locations.h"
 
 namespace fernwick::lab {
 
-/// A place in a configuration as people name it. A binary file has no lines: line and column are 0.
-struct FilePlace {
-  std::size_t line;
-  std::size_t column;
-  std::size_t byte;  // in a binary file alone
-};
-
 /// "12:7", line and column; "byte 812" in a binary file.
-std::string Describe(const FilePlace& place);
+std::string Describe(const FileLocation& location);
 
-/// A place in a text from which others are counted: the start of a line, or one further on in a
+/// A position in a text from which others are counted: the start of a line, or one further on in a
 /// long line.
 struct TextMark {
   std::size_t offset;
@@ -30,45 +24,38 @@ struct TextMark {
   std::size_t column;
 };
 
-/// A configuration with the place of everything in it.
+/// A configuration with the location of everything in it. It owns the document that its values and
+/// locations view, which stay valid when it is moved.
 class ConfigurationFile {
  public:
-  /// REQUIRES: `places` were recorded while `value` was read.
-  ConfigurationFile(PropertyValue value, Serialisation serialisation, PlaceRecorder places);
+  /// REQUIRES: `locations` were built while `list` was read.
+  ConfigurationFile(PropertyList list, Serialisation serialisation, LocationBuilder locations);
 
-  const PropertyValue& Value() const { return value_; }
+  const PropertyValue& Value() const { return list_.value; }
   Serialisation Form() const { return serialisation_; }
 
-  /// Where the value at the top stands; all others are inside it.
-  const ValuePlace& Root() const { return root_; }
+  /// The location of the value at the top; all others are inside it.
+  const ValueLocation& Root() const { return root_; }
 
-  /// The place of an offset that Root() or a place in it has.
-  FilePlace PlaceOf(std::size_t offset) const;
+  /// The location of an offset in Root() or in a location inside it, as people name it.
+  FileLocation LocationOf(std::size_t offset) const;
 
  private:
-  PropertyValue value_;
+  PropertyList list_;
   Serialisation serialisation_;
-  PlaceRecorder places_;
-  ValuePlace root_;
+  LocationBuilder locations_;
+  ValueLocation root_;
   std::vector<TextMark> marks_;
 };
 
-/// What became of loading one.
-struct ConfigurationLoading {
-  std::optional<ConfigurationFile> file;
-  std::string error;  // what is wrong, without the path; empty when there is a file
-  int status;         // LabStatus: Done, MalformedInput or UnreadableInput
-};
+/// Reads a configuration with the locations of its values, a dictionary or not.
+Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path);
 
-/// Reads a configuration with the places of its values. Whether it is a dictionary is not looked
-/// at.
-ConfigurationLoading LoadConfiguration(const std::string& path);
+/// The location of the key in a dictionary; of one that occurs twice the last, whose value counts.
+/// Null when it is not known, as for the keys of a dictionary that a binary file shares.
+const KeyLocation* FindKey(const ValueLocation& dictionary, std::string_view key);
 
-/// Where the key stands in a dictionary; of one that occurs twice the last, whose value holds. Null
-/// when it is not told, as for the keys of a dictionary that a binary file shares.
-const KeyPlace* FindKey(const ValuePlace& dictionary, std::string_view key);
-
-/// Where the element stands in an array. Null when it is not told.
-const ValuePlace* FindElement(const ValuePlace& array, std::size_t index);
+/// The location of the element in an array. Null when it is not known.
+const ValueLocation* FindElement(const ValueLocation& array, std::size_t index);
 
 }  // namespace fernwick::lab

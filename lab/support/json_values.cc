@@ -23,7 +23,7 @@ struct ToJsonVisitor {
   Json operator()(const Dictionary& dictionary) const {
     Json::object_t object;  // its own lookup would walk it for every key
     for (const auto& [key, value] : dictionary.Entries()) {
-      object.emplace_back(std::string(key.View()), ToJson(value));
+      object.emplace_back(std::string(key), ToJson(value));
     }
     return object;
   }
@@ -42,8 +42,8 @@ struct ToJsonVisitor {
   }
 
   Json operator()(bool boolean) const { return boolean; }
-  Json operator()(const String& string) const { return std::string(string.text.View()); }
-  Json operator()(const Data& data) const { return {{"data", Hexadecimal(data.bytes.View())}}; }
+  Json operator()(std::string_view string) const { return std::string(string); }
+  Json operator()(const Data& data) const { return {{"data", Hexadecimal(data.bytes)}}; }
   Json operator()(const Date& date) const { return {{"date", FormatDate(date)}}; }
 };
 

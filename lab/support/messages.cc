@@ -1,6 +1,5 @@
 #include "lab/support/messages.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -26,20 +25,26 @@ std::string PrintableText(std::string_view text) {
 }
 
 void PrintError(std::string_view message) {
-  std::fprintf(stderr, "fernwick-lab: %s\n", PrintableText(message).c_str());
+  ProcessConsole().WriteError("fernwick-lab: " + PrintableText(message) + "\n");
 }
 
-int FinishOutput(Output& out) {
-  out.Flush();
-  if (out.Error() == 0) return LabStatus::Done;
-  PrintError(std::string("standard output could not be written: ") + std::strerror(out.Error()));
+int PrintError(const std::string& path, const LabError& error) {
+  PrintError(path + ": " + Describe(error.error));
+  return error.status;
+}
+
+int FinishOutput(Console& console) {
+  console.Flush();
+  const int error = console.OutputError();
+  if (error == 0) return LabStatus::Done;
+  PrintError(std::string("standard output could not be written: ") + std::strerror(error));
   return LabStatus::OutputLost;
 }
 
 int PrintResult(std::string_view text) {
-  Output out(stdout);
-  out.Write(text);
-  return FinishOutput(out);
+  ProcessConsole console;
+  console.Write(text);
+  return FinishOutput(console);
 }
 
 }  // namespace fernwick::lab

@@ -3,7 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/output.h"
+#include "platform/console.h"
+#include "value/result.h"
 
 namespace fernwick::lab {
 
@@ -13,23 +14,32 @@ inline constexpr int Done = 0;
 inline constexpr int BadUsage = 64;
 inline constexpr int MalformedInput = 65;   // a recording or payload that is not well formed
 inline constexpr int UnreadableInput = 66;  // one that cannot be read
-inline constexpr int NoProcess = 71;        // none could be started
-inline constexpr int OutputLost = 74;       // a result could not be written
+inline constexpr int OutOfMemory = 71;
+inline constexpr int OutputLost = 74;  // a result could not be written
 }  // namespace LabStatus
 
-/// A text from a file or a path as a terminal may be shown it: control characters, and bytes that
-/// are not UTF-8, as octal escapes.
+/// Why an input cannot be used, and the exit status for that.
+struct LabError {
+  Error error;
+  int status;  // LabStatus
+};
+
+/// A text from a file or a path as a terminal may show it: control characters, and bytes that are
+/// not UTF-8, as octal escapes.
 std::string PrintableText(std::string_view text);
 
 /// Prints "fernwick-lab: MESSAGE" as one line on standard error. What a file may have put into the
 /// message reaches no terminal raw: control characters are shown as octal escapes.
 void PrintError(std::string_view message);
 
+/// The same with "PATH: what is wrong" as the message. Returns the exit status.
+int PrintError(const std::string& path, const LabError& error);
+
 /// Prints a whole result on standard output. Returns the exit status: LabStatus::Done, or
 /// LabStatus::OutputLost after a line on standard error when it could not be written.
 int PrintResult(std::string_view text);
 
 /// Flushes what was printed. Returns as PrintResult.
-int FinishOutput(Output& out);
+int FinishOutput(Console& console);
 
 }  // namespace fernwick::lab

@@ -28,7 +28,7 @@ std::string ListText(const Array& list, Element element) {
   if (list.size() > LongestList) return "an array of " + std::to_string(list.size());
   std::string text;
   for (const auto& each : list) {
-    const bool isDeep = each.AsArray() != nullptr || each.AsDictionary() != nullptr;
+    const bool isDeep = each.AsArray() || each.AsDictionary();
     text += (text.empty() ? "" : ", ") + (isDeep ? std::string(KindOf(each)) : element(each));
   }
   return "[" + text + "]";
@@ -36,15 +36,15 @@ std::string ListText(const Array& list, Element element) {
 
 template <typename Element>
 std::string TextOf(const PropertyValue& value, Element element) {
-  if (const auto* list = value.AsArray()) return ListText(*list, element);
-  if (value.AsDictionary() != nullptr) return "a dictionary";
+  if (const auto list = value.AsArray()) return ListText(*list, element);
+  if (value.AsDictionary()) return "a dictionary";
   return element(value);
 }
 
 struct KindVisitor {
   std::string_view operator()(const Dictionary&) const { return "a dictionary"; }
   std::string_view operator()(const Array&) const { return "an array"; }
-  std::string_view operator()(const String&) const { return "a string"; }
+  std::string_view operator()(std::string_view) const { return "a string"; }
   std::string_view operator()(const Integer&) const { return "an integer"; }
   std::string_view operator()(double) const { return "a real"; }
   std::string_view operator()(bool) const { return "a boolean"; }
@@ -73,6 +73,7 @@ std::string InlineTextWithHex(const PropertyValue& value) {
 
 std::string_view WordsFor(KeyKind kind) {
   switch (kind) {
+    case KeyKind::NotRead: return "nothing";
     case KeyKind::OneNumber: return "a number";
     case KeyKind::NumberOrList: return "a number or an array of numbers";
     case KeyKind::StringOrList: return "a string or an array of strings";
@@ -86,7 +87,7 @@ std::string_view WordsFor(KeyKind kind) {
 }
 
 std::string_view KindOf(const PropertyValue& value) {
-  return value.Visit([](const auto& held) { return KindVisitor()(held); });
+  return value.Visit([](const auto& each) { return KindVisitor()(each); });
 }
 
 std::string Counted(std::size_t count, std::string_view singular, std::string_view plural) {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "personality/personality_keys.h"
+#include "registry/key_schema.h"
 #include "value/property_value.h"
 
 namespace fernwick::lab {

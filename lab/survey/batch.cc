@@ -6,12 +6,13 @@
 
 #include "lab/support/messages.h"
 #include "lab/survey/progress.h"
+#include "lab/survey/workers.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t MostJobs = 1024;
+constexpr std::size_t MaxJobs = 1024;
 
 }  // namespace
 
@@ -27,8 +28,8 @@ void AddBatchOptions(CommandLine& line, BatchOptions& options) {
                             .least = 1,
                             .valueName = ""});
   line.arguments.push_back({.name = "-j,--jobs",
-                            .target = BoundedNumber{&options.jobs, 1, MostJobs},
-                            .help = "processes at once (default: one a processor)",
+                            .target = BoundedNumber{&options.jobs, 1, MaxJobs},
+                            .help = "threads at once (default: one a processor)",
                             .valueName = "N"});
 }
 
@@ -39,30 +40,22 @@ bool IsPayload(const std::string& payload) {
   return false;
 }
 
-int RunBatch(const BatchOptions& options, const Work& work, Output& out,
-             const std::function<std::string(const WorkResult&)>& take) {
+int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console) {
   Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
   Selection selection(options.paths);
   bool isEmpty = true;
-  std::string error;
-  const auto end = WorkThrough(selection, work, options.jobs, [&](const WorkResult& result) {
-    isEmpty = false;
-    progress.Clear();
-    error = take(result);
-    out.Flush();
-    progress.Step();
-    return error.empty() && out.Error() == 0;
+  WorkInOrder(selection, options.jobs, [&](const Selected& selected) -> Report {
+    return [&, print = work(selected)] {
+      isEmpty = false;
+      progress.Clear();
+      print();
+      console.Flush();
+      progress.Step();
+      return console.OutputError() == 0;
+    };
   });
   progress.Clear();
-  if (out.Error() != 0) return FinishOutput(out);
-  if (!error.empty()) {
-    PrintError(error);
-    return LabStatus::OutputLost;
-  }
-  if (!end.complete) {
-    PrintError("no process could be started: " + end.error);
-    return LabStatus::NoProcess;
-  }
+  if (console.OutputError() != 0) return FinishOutput(console);
   if (!isEmpty) return LabStatus::Done;
   PrintError("there is no recording in what is selected");
   return LabStatus::UnreadableInput;

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "lab/support/command_line.h"
-#include "lab/survey/worker_pool.h"
-#include "platform/output.h"
+#include "lab/survey/selection.h"
+#include "platform/console.h"
 
 namespace fernwick::lab {
 
@@ -17,8 +17,8 @@ struct BatchOptions {
   std::size_t jobs;
 };
 
-/// Adds them to a verb's command line: RECORDING|DIRECTORY|-... and -j N, by default a process for
-/// each processor. Parsing the line fills `options`, which has to outlive it.
+/// Adds them to a verb's command line: RECORDING|DIRECTORY|-... and -j N, by default a thread for
+/// each processor. Parsing the line fills `options`, which must outlive it.
 void AddBatchOptions(CommandLine& line, BatchOptions& options);
 
 /// Says how the recordings are selected, for the help.
@@ -27,11 +27,13 @@ extern const char SelectionHelp[];
 /// Whether the payload can be used at all: a `PAYLOAD/Fernwick` is there. Says so when it is not.
 bool IsPayload(const std::string& payload);
 
-/// Works on all that is selected and hands it to `take`, in order, which may print on `out` and
-/// returns an error that ends everything, empty when there is none. Returns LabStatus::Done, or the
-/// status after a line on standard error: nothing was selected, `out` or `take` failed, or there
-/// was no process to be had. On a terminal, standard error shows how far it has come.
-int RunBatch(const BatchOptions& options, const Work& work, Output& out,
-             const std::function<std::string(const WorkResult&)>& take);
+/// What is done with one computer, on any thread. Returns what prints its result on the console.
+using BatchWork = std::function<std::function<void()>(const Selected& selected)>;
+
+/// Works on all that is selected, on several threads, and prints the results on `console`, one
+/// after the other in the order of the selection. Returns LabStatus::Done, or the status after a
+/// line on standard error: nothing was selected, or `console` failed, which ends everything. On a
+/// terminal, standard error shows how far it has come.
+int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console);
 
 }  // namespace fernwick::lab

@@ -23,7 +23,7 @@ std::string Quoted(std::string_view cell) {
   return quoted + '"';
 }
 
-// A spreadsheet would reckon with a text that begins like a formula, which anyone may have written
+// A spreadsheet would compute a text that begins like a formula, which anyone may have written
 // who recorded a computer; an apostrophe keeps it a text.
 std::string TextCell(std::string_view text) {
   const auto cell = PrintableText(text);
@@ -51,53 +51,62 @@ std::string DiagnosticsOf(const SurveyRow& row) {
   return text;
 }
 
+std::string Line(const Cells& first, const Cells& rest) {
+  std::string line;
+  for (const auto* cells : {&first, &rest}) {
+    for (const auto& cell : *cells) line += Quoted(cell) + ",";
+  }
+  line.pop_back();
+  return line + "\r\n";
+}
+
+std::string Lines(const Cells& first, const SurveyRow& row) {
+  Cells computer = {TextCell(row.file), std::string(NameOf(row.outcome)),
+                    CellOf(row.status), TextCell(row.reason),
+                    CellOf(row.board),  CellOf(row.revision)};
+  computer.insert(computer.begin(), first.begin(), first.end());
+  const auto diagnostics = DiagnosticsOf(row);
+  if (row.matches.empty()) return Line(computer, {"", "", "", "", "", "", diagnostics});
+  std::string lines;
+  for (const auto& match : row.matches) {
+    lines += Line(computer, {TextCell(match.type), CellOf(match.rid), CellOf(match.portAddress),
+                             CellOf(match.installed), CellOf(match.version), CellOf(match.image),
+                             diagnostics});
+  }
+  return lines;
+}
+
 class CsvFormat : public SurveyFormat {
  public:
-  CsvFormat(Output& out, bool isComparison) : out_(out), isComparison_(isComparison) {}
+  CsvFormat(Console& console, bool isComparison)
+      : SurveyFormat(console), isComparison_(isComparison) {}
 
-  void AddRow(const SurveyRow& row) override { Add({}, row); }
+  std::string RowText(const SurveyRow& row) const override { return Lines({}, row); }
 
-  void AddDifference(const SurveyDifference& difference) override {
+  std::string DifferenceText(const SurveyDifference& difference) const override {
     const auto& [expected, found] = difference;
-    if (expected != nullptr) Add({NameOf(difference), "expected"}, *expected);
-    if (found != nullptr) Add({NameOf(difference), "found"}, *found);
+    const auto side = [&](const char* name, const SurveyRow* row) {
+      return row == nullptr ? "" : Lines({NameOf(difference), name}, *row);
+    };
+    return side("expected", expected) + side("found", found);
+  }
+
+  void Add(const std::string& text) override {
+    if (text.empty()) return;
+    if (!hasNames_) Out().Write(Line(isComparison_ ? ComparisonNames : Cells(), Names));
+    hasNames_ = true;
+    Out().Write(text);
   }
 
  private:
-  void Add(const Cells& first, const SurveyRow& row) {
-    if (!hasNames_) Write(isComparison_ ? ComparisonNames : Cells(), Names);
-    hasNames_ = true;
-    Cells computer = {TextCell(row.file), std::string(NameOf(row.outcome)),
-                      CellOf(row.status), TextCell(row.reason),
-                      CellOf(row.board),  CellOf(row.revision)};
-    computer.insert(computer.begin(), first.begin(), first.end());
-    const auto diagnostics = DiagnosticsOf(row);
-    for (const auto& match : row.matches) {
-      Write(computer,
-            {TextCell(match.type), CellOf(match.rid), CellOf(match.portAddress),
-             CellOf(match.installed), CellOf(match.version), CellOf(match.image), diagnostics});
-    }
-    if (row.matches.empty()) Write(computer, {"", "", "", "", "", "", diagnostics});
-  }
-
-  void Write(const Cells& first, const Cells& rest) {
-    std::string line;
-    for (const auto* cells : {&first, &rest}) {
-      for (const auto& cell : *cells) line += Quoted(cell) + ",";
-    }
-    line.pop_back();
-    out_.Write(line + "\r\n");
-  }
-
-  Output& out_;
   bool isComparison_;
   bool hasNames_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<SurveyFormat> MakeCsvFormat(Output& out, bool isComparison) {
-  return std::make_unique<CsvFormat>(out, isComparison);
+std::unique_ptr<SurveyFormat> MakeCsvFormat(Console& console, bool isComparison) {
+  return std::make_unique<CsvFormat>(console, isComparison);
 }
 
 }  // namespace fernwick::lab

@@ -1,18 +1,17 @@
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
-#include "lab/support/isolation.h"
 #include "lab/support/json_stream.h"
 #include "lab/support/messages.h"
+#include "lab/support/tool_run.h"
 #include "lab/support/words.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/payload_diff.h"
+#include "lab/survey/run.h"
 #include "lab/verbs.h"
 #include "registry/board_identity.h"
 
@@ -55,62 +54,28 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], DiffOptions
   return LabStatus::BadUsage;
 }
 
-PayloadRun RunWith(const std::string& payload, const Recording& recording) {
-  PayloadRun run;
-  RecordedRegistry registry(recording);
-  run.run = RunCaptured(registry, {"-p", payload}, &run.recorder);
-  return run;
+// A run that ends abnormally with one of the payloads is a change, with both it is none.
+void CompareRuns(const ToolRun& before, const ToolRun& after, DiffRow& row) {
+  if (before.result.fault && after.result.fault) {
+    row.abnormalEnd = AbnormalEndName;
+  } else if (after.result.fault) {
+    row.changes = {{"ends abnormally", {}, {}, AbnormalEndName}};
+  } else if (before.result.fault) {
+    row.changes = {{"no longer ends abnormally", {}, AbnormalEndName, {}}};
+  } else {
+    row.changes = FindChanges(before, after);
+  }
 }
 
-// What is noted in front of each run: a row that ends abnormally with that payload.
-constexpr char WithOld[] = "old";
-constexpr char WithNew[] = "new";
-
-DiffRow DiffRecording(const std::string& path, const std::vector<std::string>& payloads,
-                      const Note& note) {
-  const auto file = LoadRecording(path);
-  if (!file.recording) return {.file = path, .refusal = file.error.substr(path.size() + 2)};
-  RecordedRegistry registry(*file.recording);
+DiffRow DiffComputer(const Selected& selected, const Options& before, const Options& after) {
+  const auto& path = selected.path;
+  if (!selected.error.empty()) return {.file = path, .refusal = selected.error};
+  const auto recording = LoadRecording(path);
+  if (!recording) return {.file = path, .refusal = Describe(recording.Error().error)};
+  RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);
   DiffRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
-  const auto run = [&](const char* phase, const std::string& payload) {
-    row.abnormalEnd = phase;
-    note(PrintJsonRow(ToJson(row)));
-    return RunWith(payload, *file.recording);
-  };
-  const auto before = run(WithOld, payloads[0]);
-  const auto after = run(WithNew, payloads[1]);
-  row.abnormalEnd.clear();
-  row.changes = FindChanges(before, after);
-  return row;
-}
-
-bool EndsAbnormally(const std::string& path, const std::string& payload) {
-  return SignalThatEnds([&] {
-           const auto file = LoadRecording(path);
-           if (file.recording) RunWith(payload, *file.recording);
-         }) != 0;
-}
-
-// A computer that ends abnormally with the old payload is tried with the new one by itself.
-DiffRow AbnormalRow(const WorkResult& result, const std::vector<std::string>& payloads) {
-  if (result.note.empty()) return {.file = result.path, .abnormalEnd = result.end};
-  auto row = ParseDiffRow(result.note);
-  const auto phase = std::exchange(row.abnormalEnd, {});
-  if (phase == WithNew) {
-    row.changes = {{"ends abnormally", {}, {}, result.end}};
-  } else if (EndsAbnormally(result.path, payloads[1])) {
-    row.abnormalEnd = result.end;
-  } else {
-    row.changes = {{"no longer ends abnormally", {}, result.end, {}}};
-  }
-  return row;
-}
-
-DiffRow RowOf(const WorkResult& result, const std::vector<std::string>& payloads) {
-  if (!result.refusal.empty()) return {.file = result.path, .refusal = result.refusal};
-  auto row = result.answer ? ParseDiffRow(*result.answer) : AbnormalRow(result, payloads);
-  row.file = result.path;
+  CompareRuns(RunTool(*recording, before), RunTool(*recording, after), row);
   return row;
 }
 
@@ -148,22 +113,24 @@ struct DiffTotals {
   }
 };
 
-// The rows that are to be told, as they come.
+// The rows of computers that change, are refused or end abnormally, as they come.
 class DiffReport {
  public:
-  DiffReport(Output& out, bool asJson)
-      : out_(out), asJson_(asJson), stream_([&out](std::string_view text) { out.Write(text); }) {}
+  DiffReport(Console& console, bool asJson)
+      : console_(console),
+        asJson_(asJson),
+        stream_([&console](std::string_view text) { console.Write(text); }) {}
 
   void Add(const DiffRow& row) {
     totals_.Add(row);
     if (row.refusal.empty() && row.abnormalEnd.empty() && row.changes.empty()) return;
-    if (!asJson_) return out_.Write(DescribeRow(row));
+    if (!asJson_) return console_.Write(DescribeRow(row));
     Begin();
     stream_.Add(ToJson(row));
   }
 
   void Finish() {
-    if (!asJson_) return out_.Write(totals_.Text());
+    if (!asJson_) return console_.Write(totals_.Text());
     Begin();
     stream_.End();
     stream_.AddMembers({{"totals", totals_.AsJson()}});
@@ -173,7 +140,7 @@ class DiffReport {
   int Status() const { return totals_.changed == 0 ? 0 : 1; }
 
  private:
-  // Not before there is something to tell: an error leaves standard output empty.
+  // Not before the first row: an error leaves standard output empty.
   void Begin() {
     if (hasBegun_) return;
     stream_.Begin('{');
@@ -181,7 +148,7 @@ class DiffReport {
     hasBegun_ = true;
   }
 
-  Output& out_;
+  Console& console_;
   bool asJson_;
   JsonStream stream_;
   bool hasBegun_ = false;
@@ -190,22 +157,21 @@ class DiffReport {
 
 }  // namespace
 
-int Diff(int argumentCount, char* const arguments[]) {
+VerbEnd Diff(int argumentCount, char* const arguments[]) {
   DiffOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!std::ranges::all_of(options.payloads, IsPayload)) return LabStatus::UnreadableInput;
-  Output out(stdout);
-  DiffReport report(out, options.asJson);
-  const auto work = [&](const std::string& path, const Note& note) {
-    return PrintJsonRow(ToJson(DiffRecording(path, options.payloads, note)));
+  ProcessConsole console;
+  DiffReport report(console, options.asJson);
+  const auto before = ToolOptions(options.payloads[0], false);
+  const auto after = ToolOptions(options.payloads[1], false);
+  const auto work = [&](const Selected& selected) -> std::function<void()> {
+    return [&report, row = DiffComputer(selected, before, after)] { report.Add(row); };
   };
-  const int status = RunBatch(options.batch, work, out, [&](const WorkResult& result) {
-    report.Add(RowOf(result, options.payloads));
-    return std::string();
-  });
+  const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;
   report.Finish();
-  const int lost = FinishOutput(out);
+  const int lost = FinishOutput(console);
   return lost != LabStatus::Done ? lost : report.Status();
 }
 

@@ -12,21 +12,12 @@ Json TextOrNull(const std::string& text) {
   return text.empty() ? Json(nullptr) : Json(text);
 }
 
-std::string TextOf(const Json& value) {
-  return value.is_string() ? value.get<std::string>() : std::string();
-}
-
 Json ChangeToJson(const DiffChange& change) {
   return {{"kind", change.kind},
           {"match", TextOrNull(change.match)},
           {"before", change.before},
           {"after", change.after},
           {"reasons", change.reasons}};
-}
-
-DiffChange ParseChange(const Json& json) {
-  return {TextOf(json["kind"]), TextOf(json["match"]), json["before"], json["after"],
-          json["reasons"].get<std::vector<std::string>>()};
 }
 
 // What came, went or changed. Of a value of a match that one of both lacks, both sides are told.
@@ -57,17 +48,6 @@ Json ToJson(const DiffRow& row) {
           {"refused", TextOrNull(row.refusal)},
           {"abnormalEnd", TextOrNull(row.abnormalEnd)},
           {"changes", std::move(changes)}};
-}
-
-DiffRow ParseDiffRow(std::string_view text) {
-  const auto json = Json::parse(text);
-  DiffRow row{.file = TextOf(json["file"]),
-              .refusal = TextOf(json["refused"]),
-              .abnormalEnd = TextOf(json["abnormalEnd"]),
-              .revision = json["revision"].get<int>()};
-  if (json["board"].is_string()) row.board = TextOf(json["board"]);
-  for (const auto& change : json["changes"]) row.changes.push_back(ParseChange(change));
-  return row;
 }
 
 std::string DescribeRow(const DiffRow& row) {

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "lab/support/json_values.h"
@@ -28,11 +27,8 @@ struct DiffRow {
   std::vector<DiffChange> changes = {};
 };
 
-/// The row as one JSON object, from which ParseDiffRow makes it again.
+/// All keys are always there, in the same order.
 Json ToJson(const DiffRow& row);
-
-/// A row from what ToJson made of one. REQUIRES: it did.
-DiffRow ParseDiffRow(std::string_view text);
 
 /// A changed, refused or abnormal row as lines for people, each with its line feed and safe to
 /// show.

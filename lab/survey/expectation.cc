@@ -9,8 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <tuple>
-
-#include "lab/support/messages.h"
+#include <utility>
 
 namespace fernwick::lab {
 namespace {
@@ -27,15 +26,14 @@ std::string SavedFileOf(const SurveyRow& row) {
 
 }  // namespace
 
-std::string SurveyExpectation::Load(const std::string& path, int& status) {
-  status = LabStatus::UnreadableInput;
-  auto error = Open(path);
-  if (error.empty()) error = ReadPlaces(status);
-  if (!error.empty()) return path + ": " + error;
-  status = LabStatus::Done;
-  std::ranges::sort(places_, {},
-                    [](const Place& place) { return std::tuple(place.hash, place.offset); });
-  return {};
+std::optional<LabError> SurveyExpectation::Load(const std::string& path) {
+  if (auto error = Open(path); !error.empty()) {
+    return LabError{{std::move(error)}, LabStatus::UnreadableInput};
+  }
+  if (auto error = ReadRows()) return error;
+  std::ranges::sort(rows_, {},
+                    [](const SavedRow& row) { return std::tuple(row.hash, row.offset); });
+  return std::nullopt;
 }
 
 std::string SurveyExpectation::Open(const std::string& path) {
@@ -48,23 +46,23 @@ std::string SurveyExpectation::Open(const std::string& path) {
   return S_ISREG(state.st_mode) ? "" : "not a regular file";
 }
 
-std::string SurveyExpectation::ReadPlaces(int& status) {
+std::optional<LabError> SurveyExpectation::ReadRows() {
   char* line = nullptr;
   std::size_t capacity = 0;
   std::uint64_t offset = 0;
-  std::string error;
+  std::optional<LabError> error;
   ssize_t length = 0;
-  while (error.empty() && (length = getline(&line, &capacity, file_.get())) > 0) {
+  while (!error && (length = getline(&line, &capacity, file_.get())) > 0) {
     const auto size = static_cast<std::size_t>(length);
     if (const auto row = ParseSurveyRow({line, size})) {
-      places_.push_back({HashOf(row->file), offset, size});
+      rows_.push_back({HashOf(row->file), offset, size});
       offset += size;
     } else {
-      status = LabStatus::MalformedInput;
-      error = std::to_string(places_.size() + 1) + ": this is no row of a survey";
+      error = {{std::to_string(rows_.size() + 1) + ": this is no row of a survey"},
+               LabStatus::MalformedInput};
     }
   }
-  if (std::ferror(file_.get()) != 0) error = std::strerror(errno);
+  if (std::ferror(file_.get()) != 0) error = {{std::strerror(errno)}, LabStatus::UnreadableInput};
   std::free(line);
   return error;
 }
@@ -72,30 +70,30 @@ std::string SurveyExpectation::ReadPlaces(int& status) {
 std::optional<SurveyRow> SurveyExpectation::TakeFor(const SurveyRow& found) {
   const auto file = SavedFileOf(found);
   const auto hash = HashOf(file);
-  auto place = std::ranges::lower_bound(places_, hash, {}, &Place::hash);
-  for (; place != places_.end() && place->hash == hash; ++place) {
-    if (place->isTaken) continue;
-    auto row = ReadRow(*place);
+  auto saved = std::ranges::lower_bound(rows_, hash, {}, &SavedRow::hash);
+  for (; saved != rows_.end() && saved->hash == hash; ++saved) {
+    if (saved->isTaken) continue;
+    auto row = ReadRow(*saved);
     if (!row || row->file != file) continue;
-    place->isTaken = true;
+    saved->isTaken = true;
     return row;
   }
   return std::nullopt;
 }
 
 void SurveyExpectation::ForEachLeft(const std::function<void(const SurveyRow&)>& take) const {
-  auto left = places_;
-  std::erase_if(left, [](const Place& place) { return place.isTaken; });
-  std::ranges::sort(left, {}, &Place::offset);
-  for (const auto& place : left) {
-    if (const auto row = ReadRow(place)) take(*row);
+  auto left = rows_;
+  std::erase_if(left, [](const SavedRow& saved) { return saved.isTaken; });
+  std::ranges::sort(left, {}, &SavedRow::offset);
+  for (const auto& saved : left) {
+    if (const auto row = ReadRow(saved)) take(*row);
   }
 }
 
-std::optional<SurveyRow> SurveyExpectation::ReadRow(const Place& place) const {
-  std::string line(place.size, '\0');
+std::optional<SurveyRow> SurveyExpectation::ReadRow(const SavedRow& saved) const {
+  std::string line(saved.size, '\0');
   const auto count =
-      pread(fileno(file_.get()), line.data(), line.size(), static_cast<off_t>(place.offset));
+      pread(fileno(file_.get()), line.data(), line.size(), static_cast<off_t>(saved.offset));
   if (count != static_cast<ssize_t>(line.size())) return std::nullopt;
   return ParseSurveyRow(line);
 }

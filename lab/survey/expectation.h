@@ -9,17 +9,18 @@
 #include <string_view>
 #include <vector>
 
+#include "lab/support/messages.h"
 #include "lab/survey/row.h"
 
 namespace fernwick::lab {
 
 /// The rows of a survey that was saved as ndjson. They stay in the file, which must not change
-/// meanwhile; memory holds 32 bytes for each, so that they may stand in any order.
+/// meanwhile; memory holds 32 bytes for each, so that they may be in any order.
 class SurveyExpectation {
  public:
-  /// Returns why the file cannot be used, with the path and, where there is one, the line; empty
-  /// when it can. `status` becomes the LabStatus. To be called once, first.
-  std::string Load(const std::string& path, int& status);
+  /// Returns why the file cannot be used, where there is one with the line; empty when it can. To
+  /// be called once, first.
+  std::optional<LabError> Load(const std::string& path);
 
   /// The next row for the file of this row, which is then taken; none when there is none.
   std::optional<SurveyRow> TakeFor(const SurveyRow& found);
@@ -28,7 +29,7 @@ class SurveyExpectation {
   void ForEachLeft(const std::function<void(const SurveyRow&)>& take) const;
 
  private:
-  struct Place {
+  struct SavedRow {
     std::uint64_t hash;  // of the row's "file"
     std::uint64_t offset;
     std::size_t size;
@@ -39,11 +40,11 @@ class SurveyExpectation {
   };
 
   std::string Open(const std::string& path);
-  std::string ReadPlaces(int& status);
-  std::optional<SurveyRow> ReadRow(const Place& place) const;
+  std::optional<LabError> ReadRows();
+  std::optional<SurveyRow> ReadRow(const SavedRow& saved) const;
 
   std::unique_ptr<std::FILE, Close> file_;
-  std::vector<Place> places_;  // by hash, then by offset
+  std::vector<SavedRow> rows_;  // by hash, then by offset
 };
 
 /// Whether two surveys say the same of a computer.

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
 #include "lab/survey/row.h"
-#include "lab/survey/totals.h"
-#include "platform/output.h"
+#include "platform/console.h"
 
 namespace fernwick::lab {
 
@@ -18,41 +18,51 @@ struct SurveyDifference {
 /// "missing", "additional" or "changed".
 std::string NameOf(const SurveyDifference& difference);
 
-/// How a survey is written. Nothing is before the first row, and a survey that is held against
-/// another shows the differences alone, save in JUnit XML. The output has to outlive the format.
+/// How a survey is written: each computer becomes a text, on any thread, and the texts are added in
+/// their order. Nothing is written before the first text, and a survey that is compared with
+/// another shows the differences alone, except in JUnit XML. The console must outlive the format.
 class SurveyFormat {
  public:
+  explicit SurveyFormat(Console& console) : console_(console) {}
   virtual ~SurveyFormat() = default;
 
-  /// A row of a survey that is held against nothing.
-  virtual void AddRow(const SurveyRow& row) = 0;
+  /// Without side effects: the text of a row of a survey that is compared with none, of a
+  /// difference, and of a row that both surveys have.
+  virtual std::string RowText(const SurveyRow& row) const = 0;
+  virtual std::string DifferenceText(const SurveyDifference& difference) const = 0;
+  virtual std::string ExpectedText(const SurveyRow&) const { return {}; }
 
-  virtual void AddDifference(const SurveyDifference& difference) = 0;
+  /// Adds what one of them returned.
+  virtual void Add(const std::string& text) { Out().Write(text); }
 
-  /// A row that both surveys have.
-  virtual void AddExpected(const SurveyRow&) {}
+  /// To be called once, when nothing more comes: so many computers, of which so many are failures,
+  /// which are the differences or, in a survey that is compared with none, the refused recordings
+  /// and the abnormal ends. REQUIRES: something was added.
+  virtual void Finish([[maybe_unused]] std::size_t computers,
+                      [[maybe_unused]] std::size_t failures) {}
 
-  /// To be called once, when nothing more comes. REQUIRES: something was added.
-  virtual void Finish() {}
+ protected:
+  Console& Out() const { return console_; }
 
-  /// What went wrong beside the output; empty when nothing did.
-  virtual std::string Error() const { return {}; }
+ private:
+  Console& console_;
 };
 
 /// One JSON object a line: a row as it is, a difference as its name and the two rows.
-std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Output& out);
+std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Console& console);
 
 /// A line of comma-separated values for every match, and for a computer without one, after a line
 /// of names. Ends its lines with carriage return and line feed, shows control characters as octal
 /// escapes, and puts an apostrophe before a text that begins like a formula. In a comparison two
 /// columns more come first.
-std::unique_ptr<SurveyFormat> MakeCsvFormat(Output& out, bool isComparison);
+std::unique_ptr<SurveyFormat> MakeCsvFormat(Console& console, bool isComparison);
 
-/// For people: aligned columns, or the lines in which two rows differ.
-std::unique_ptr<SurveyFormat> MakeTableFormat(Output& out);
+/// For people: aligned columns, for which it keeps all texts to the end, or the lines in which two
+/// rows differ.
+std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison);
 
-/// JUnit XML: a test case for each computer, a failure for an unexpected row. Without an
-/// expectation a refused recording and an abnormal end are the failures.
-std::unique_ptr<SurveyFormat> MakeJunitFormat(Output& out);
+/// JUnit XML: a test case for each computer. It keeps all texts to the end, since the counts come
+/// first.
+std::unique_ptr<SurveyFormat> MakeJunitFormat(Console& console);
 
 }  // namespace fernwick::lab

@@ -3,7 +3,6 @@
 
 #include "lab/support/messages.h"
 #include "lab/survey/format.h"
-#include "lab/survey/row_spool.h"
 #include "lab/survey/text.h"
 #include "value/unicode/utf8.h"
 
@@ -28,77 +27,64 @@ std::string XmlText(std::string_view text) {
   return escaped;
 }
 
+std::string Begin(const SurveyRow& row) {
+  return "    <testcase classname=\"" + XmlText(row.board.value_or("-")) + "\" name=\"" +
+         XmlText(row.file) + "\">\n";
+}
+
+std::string FailureTag(std::string_view type, std::string_view message) {
+  return "      <failure type=\"" + XmlText(type) + "\" message=\"" + XmlText(message) + "\"";
+}
+
+std::string LinesOf(const SurveyRow& row) {
+  std::string lines;
+  for (const auto& line : DescribeLines(row)) lines += XmlText(line) + "\n";
+  return lines;
+}
+
+std::string End(const SurveyRow& row) {
+  return "      <system-out>\n" + LinesOf(row) + "      </system-out>\n    </testcase>\n";
+}
+
 class JunitFormat : public SurveyFormat {
  public:
-  explicit JunitFormat(Output& out) : out_(out) {}
+  using SurveyFormat::SurveyFormat;
 
-  void AddRow(const SurveyRow& row) override {
-    Begin(row);
+  std::string RowText(const SurveyRow& row) const override {
     const bool failed = row.outcome == Outcome::Refused || row.outcome == Outcome::AbnormalEnd;
-    if (failed) Fail(std::string(NameOf(row.outcome)), row.reason, {});
-    End(row);
+    if (!failed) return Begin(row) + End(row);
+    return Begin(row) + FailureTag(NameOf(row.outcome), row.reason) + "/>\n" + End(row);
   }
 
-  void AddExpected(const SurveyRow& row) override {
-    Begin(row);
-    End(row);
-  }
+  std::string ExpectedText(const SurveyRow& row) const override { return Begin(row) + End(row); }
 
-  void AddDifference(const SurveyDifference& difference) override {
+  std::string DifferenceText(const SurveyDifference& difference) const override {
     const auto& [expected, found] = difference;
-    const auto& shown = found == nullptr ? *expected : *found;
-    Begin(shown);
-    Fail(NameOf(difference), "not as expected", expected);
-    if (found != nullptr) return End(*found);
-    spool_.Add("    </testcase>");
+    auto text = Begin(found == nullptr ? *expected : *found);
+    text += FailureTag(NameOf(difference), "not as expected");
+    text +=
+        expected == nullptr ? "/>\n" : ">expected:\n" + LinesOf(*expected) + "      </failure>\n";
+    return text + (found == nullptr ? "    </testcase>\n" : End(*found));
   }
 
-  void Finish() override {
-    out_.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n");
-    out_.Write("  <testsuite name=\"fernwick-lab survey\" tests=\"" + std::to_string(cases_) +
-               "\" failures=\"" + std::to_string(failures_) + "\" errors=\"0\" skipped=\"0\">\n");
-    spool_.ForEach([&](std::string_view line) { out_.Write(std::string(line) + "\n"); });
-    out_.Write("  </testsuite>\n</testsuites>\n");
-  }
+  void Add(const std::string& text) override { kept_ += text; }
 
-  std::string Error() const override { return spool_.Error(); }
+  void Finish(std::size_t computers, std::size_t failures) override {
+    Out().Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n");
+    Out().Write("  <testsuite name=\"fernwick-lab survey\" tests=\"" + std::to_string(computers) +
+                "\" failures=\"" + std::to_string(failures) + "\" errors=\"0\" skipped=\"0\">\n");
+    Out().Write(kept_);
+    Out().Write("  </testsuite>\n</testsuites>\n");
+  }
 
  private:
-  void Begin(const SurveyRow& row) {
-    ++cases_;
-    spool_.Add("    <testcase classname=\"" + XmlText(row.board.value_or("-")) + "\" name=\"" +
-               XmlText(row.file) + "\">");
-  }
-
-  void Fail(const std::string& type, const std::string& message, const SurveyRow* expected) {
-    ++failures_;
-    const auto tag =
-        "      <failure type=\"" + XmlText(type) + "\" message=\"" + XmlText(message) + "\"";
-    if (expected == nullptr) return spool_.Add(tag + "/>");
-    AddLines(tag + ">expected:", *expected, "</failure>");
-  }
-
-  void End(const SurveyRow& row) {
-    AddLines("      <system-out>", row, "</system-out>");
-    spool_.Add("    </testcase>");
-  }
-
-  void AddLines(const std::string& start, const SurveyRow& row, const std::string& end) {
-    spool_.Add(start);
-    for (const auto& line : DescribeLines(row)) spool_.Add(XmlText(line));
-    spool_.Add("      " + end);
-  }
-
-  Output& out_;
-  RowSpool spool_;
-  std::size_t cases_ = 0;
-  std::size_t failures_ = 0;
+  std::string kept_;
 };
 
 }  // namespace
 
-std::unique_ptr<SurveyFormat> MakeJunitFormat(Output& out) {
-  return std::make_unique<JunitFormat>(out);
+std::unique_ptr<SurveyFormat> MakeJunitFormat(Console& console) {
+  return std::make_unique<JunitFormat>(console);
 }
 
 }  // namespace fernwick::lab

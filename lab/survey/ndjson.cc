@@ -11,20 +11,17 @@ Json OrNull(const SurveyRow* row) {
 
 class NdjsonFormat : public SurveyFormat {
  public:
-  explicit NdjsonFormat(Output& out) : out_(out) {}
+  using SurveyFormat::SurveyFormat;
 
-  void AddRow(const SurveyRow& row) override { out_.Write(PrintJsonRow(ToJson(row))); }
+  std::string RowText(const SurveyRow& row) const override { return PrintJsonRow(ToJson(row)); }
 
-  void AddDifference(const SurveyDifference& difference) override {
+  std::string DifferenceText(const SurveyDifference& difference) const override {
     const auto& [expected, found] = difference;
-    out_.Write(PrintJsonRow({{"file", (found == nullptr ? expected : found)->file},
-                             {"difference", NameOf(difference)},
-                             {"expected", OrNull(expected)},
-                             {"found", OrNull(found)}}));
+    return PrintJsonRow({{"file", (found == nullptr ? expected : found)->file},
+                         {"difference", NameOf(difference)},
+                         {"expected", OrNull(expected)},
+                         {"found", OrNull(found)}});
   }
-
- private:
-  Output& out_;
 };
 
 }  // namespace
@@ -34,8 +31,8 @@ std::string NameOf(const SurveyDifference& difference) {
   return difference.expected == nullptr ? "additional" : "changed";
 }
 
-std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Output& out) {
-  return std::make_unique<NdjsonFormat>(out);
+std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Console& console) {
+  return std::make_unique<NdjsonFormat>(console);
 }
 
 }  // namespace fernwick::lab

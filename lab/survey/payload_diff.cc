@@ -6,10 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "driver/run.h"
-#include "lab/explain/failure_text.h"
+#include "lab/explain/failed_requirement.h"
 #include "lab/support/words.h"
-#include "lab/survey/matched_pairs.h"
 #include "lab/survey/row.h"
 #include "lab/survey/text.h"
 #include "personality/personality.h"
@@ -19,21 +17,21 @@
 namespace fernwick::lab {
 namespace {
 
-bool HasPlan(const PayloadRun& run) {
-  return run.run.status == ExitStatus::PlanPrinted && !run.recorder.bypassesUpdates;
+bool HasPlan(const ToolRun& run) {
+  return run.result.status == ExitStatus::PlanPrinted && !run.result.bypassesUpdates;
 }
 
 // What the log says, which is why there is no configuration or no plan.
-std::vector<std::string> LogLines(const PayloadRun& run) {
+std::vector<std::string> LogLines(const ToolRun& run) {
   std::vector<std::string> lines;
-  for (auto& [text, count] : CountLines(run.run.standardError)) {
+  for (auto& [text, count] : CountLines(run.standardError)) {
     if (!text.starts_with("** ")) lines.push_back(std::move(text));
   }
   return lines;
 }
 
 // One controller under one key: the same in both runs, whose hardware is the same.
-using MatchKey = std::pair<std::string, std::size_t>;
+using MatchKey = std::pair<std::string_view, std::size_t>;
 
 MatchKey KeyOf(const MatchedPair& pair) {
   return {pair.key->key, pair.controller};
@@ -43,8 +41,8 @@ std::string NameOf(const MatchedPair& pair) {
   const auto of = [&](std::string_view key) {
     return CellText(ToJson(pair.Controller().Find(key)));
   };
-  return pair.key->key + ", controller " + std::to_string(pair.controller + 1) + " (RID " +
-         of("RID") + ", port " + of("Port Address") + ", version " + of("Version") + ")";
+  return std::string(pair.key->key) + ", controller " + std::to_string(pair.controller + 1) +
+         " (RID " + of("RID") + ", port " + of("Port Address") + ", version " + of("Version") + ")";
 }
 
 Json Value(const MatchedPair& pair, std::string_view key) {
@@ -60,85 +58,92 @@ const MatchedPair* Find(const std::vector<MatchedPair>& pairs, const MatchKey& k
   return found == pairs.end() ? nullptr : &*found;
 }
 
+// The index of the one personality with the same image as the pair's, or else the pair's own.
+std::size_t CounterpartIn(Array personalities, const MatchedPair& pair) {
+  const auto* image = pair.match->Find("Firmware");
+  const auto hasImage = [&](const PropertyValue& value) {
+    const auto personality = value.AsDictionary();
+    const auto* other = personality ? personality->Find("Firmware") : nullptr;
+    return image != nullptr && other != nullptr && *image == *other;
+  };
+  if (std::ranges::count_if(personalities, hasImage) != 1) return pair.personality;
+  const auto* found = std::ranges::find_if(personalities, hasImage);
+  return static_cast<std::size_t>(found - personalities.begin());
+}
+
+std::vector<std::string> FailureTexts(TypeSet type, Dictionary personality,
+                                      const RequirementContext& context) {
+  std::vector<std::string> texts;
+  for (const auto& failed : FailedRequirements(type, personality, context)) {
+    texts.push_back("\"" + std::string(failed.requirement->key) + "\" " + FailureText(failed));
+  }
+  return texts;
+}
+
 // Why a personality of one run matches nothing in the other.
-class MissingMatch {
- public:
-  MissingMatch(const MatchedPair& pair, const PayloadRun& without)
-      : pair_(pair), without_(without) {}
-
-  std::vector<std::string> Reasons() const {
-    const auto& matching = without_.recorder.matching;
-    const auto* types = matching.configuration ? matching.configuration->AsDictionary() : nullptr;
-    if (types == nullptr) return LogLines(without_);
-    const auto& type = pair_.key->key;
-    const auto* value = types->Find(type);
-    if (value == nullptr) return {"there is no key \"" + type + "\""};
-    const auto personalities = PersonalitiesOf(type, *value);
-    if (!personalities) {
-      return {"\"" + type + "\" holds " + std::string(KindOf(*value)) + ", which matches nothing"};
-    }
-    const auto key = std::ranges::find(matching.keys, type, &KeyDecisions::key);
-    const auto& decisions = key->controllers[pair_.controller].pairs;
-    const auto place = CounterpartIn(*personalities);
-    if (place >= decisions.size()) return {"there is no such personality"};
-    const auto& decision = decisions[place];
-    if (decision.outcome == PairOutcome::NotAPersonality) return {"it is no dictionary"};
-    std::vector<std::string> reasons;
-    for (const auto& failure : decision.failures) {
-      reasons.push_back("\"" + std::string(failure.key) + "\" " + FailureText({failure, {}, {}}));
-    }
-    return reasons;
+std::vector<std::string> ReasonsWithout(const MatchedPair& pair, const ToolRun& run) {
+  const auto& result = run.result;
+  const auto types =
+      result.configuration ? result.configuration->value.AsDictionary() : std::nullopt;
+  if (!types) return LogLines(run);
+  const auto type = pair.key->key;
+  const auto* value = types->Find(type);
+  if (value == nullptr) return {"there is no key \"" + std::string(type) + "\""};
+  const auto personalities = PersonalitiesOf(type, *value);
+  if (!personalities) {
+    return {"\"" + std::string(type) + "\" holds " + std::string(KindOf(*value)) +
+            ", which matches nothing"};
   }
+  const auto index = CounterpartIn(*personalities, pair);
+  if (index >= personalities->size()) return {"there is no such personality"};
+  const auto personality = (*personalities)[index].AsDictionary();
+  if (!personality) return {"it is no dictionary"};
+  const auto key = std::ranges::find(run.trace.keys, type, &KeyTrace::key);
+  const auto& controller = key->inventory.records[pair.controller];
+  return FailureTexts(TypeNamed(type), *personality,
+                      {controller, result.identity->boardRevision, result.bypassesVersionCheck});
+}
 
- private:
-  // The one personality with the same image, or else the one at the same place.
-  std::size_t CounterpartIn(std::span<const PropertyValue> personalities) const {
-    const auto* image = pair_.match->Find("Firmware");
-    const auto hasImage = [&](const PropertyValue& value) {
-      const auto* personality = value.AsDictionary();
-      const auto* other = personality == nullptr ? nullptr : personality->Find("Firmware");
-      return image != nullptr && other != nullptr && *image == *other;
-    };
-    if (std::ranges::count_if(personalities, hasImage) != 1) return pair_.personality;
-    return static_cast<std::size_t>(std::ranges::find_if(personalities, hasImage) -
-                                    personalities.begin());
-  }
-
-  const MatchedPair& pair_;
-  const PayloadRun& without_;
-};
-
-PlanValues PlanOf(const PayloadRun& run) {
+PlanValues PlanOf(const ToolRun& run) {
   PlanValues plan;
-  for (const auto& match : run.recorder.matches) {
+  for (const auto& match : run.result.matches) {
     FoldPriority(match, plan);
     MergeNvram(match, plan);
   }
   return plan;
 }
 
+Json Variables(const PlanValues& plan) {
+  return ToJson(PropertyValue(Dictionary(plan.nvramToSet)));
+}
+
+Json Names(const PlanValues& plan) {
+  return ToJson(PropertyValue(Array(std::span(plan.nvramToClear))));
+}
+
 // The options argument, which no payload directory is part of.
-std::string OptionsOf(const PayloadRun& run) {
-  InvocationBuilder builder("/", run.recorder.identity->boardIdString);
+std::string OptionsOf(const ToolRun& run) {
+  InvocationBuilder builder("/", run.result.identity->boardIdString);
   PlanValues ignored;
-  for (const auto& match : run.recorder.matches) builder.AddMatch(match, ignored, nullptr);
+  StringConsole console;
+  for (const auto& match : run.result.matches) builder.AddMatch(match, ignored, false, console);
   builder.FinishInvocation();
   return builder.Arguments().back();
 }
 
 class Comparison {
  public:
-  Comparison(const PayloadRun& before, const PayloadRun& after)
+  Comparison(const ToolRun& before, const ToolRun& after)
       : before_(before),
         after_(after),
-        pairsBefore_(MatchedPairs(before.recorder)),
-        pairsAfter_(MatchedPairs(after.recorder)) {}
+        pairsBefore_(MatchedPairs(before)),
+        pairsAfter_(MatchedPairs(after)) {}
 
   std::vector<DiffChange> Changes() && {
     ComparePlans();
     for (const auto& pair : pairsBefore_) {
       if (Find(pairsAfter_, KeyOf(pair)) != nullptr) continue;
-      Add({"loses match", NameOf(pair), Summary(pair), {}, MissingMatch(pair, after_).Reasons()});
+      Add({"loses match", NameOf(pair), Summary(pair), {}, ReasonsWithout(pair, after_)});
     }
     for (const auto& pair : pairsAfter_) CompareMatch(pair);
     CompareOrder();
@@ -164,11 +169,8 @@ class Comparison {
   void CompareMatch(const MatchedPair& after) {
     const auto* before = Find(pairsBefore_, KeyOf(after));
     if (before == nullptr) {
-      return Add({"gains match",
-                  NameOf(after),
-                  {},
-                  Summary(after),
-                  MissingMatch(after, before_).Reasons()});
+      return Add(
+          {"gains match", NameOf(after), {}, Summary(after), ReasonsWithout(after, before_)});
     }
     AddIfDifferent("image", Value(*before, "Firmware"), Value(after, "Firmware"), NameOf(after));
     AddIfDifferent("version", Value(*before, "Version"), Value(after, "Version"), NameOf(after));
@@ -185,7 +187,7 @@ class Comparison {
     auto names = Json::array();
     for (const auto& pair : pairs) {
       if (Find(others, KeyOf(pair)) == nullptr) continue;
-      names.push_back(pair.key->key + " " + std::to_string(pair.controller + 1));
+      names.push_back(std::string(pair.key->key) + " " + std::to_string(pair.controller + 1));
     }
     return names;
   }
@@ -194,9 +196,8 @@ class Comparison {
     const auto before = PlanOf(before_);
     const auto after = PlanOf(after_);
     AddIfDifferent("priority", before.lowestPriority, after.lowestPriority);
-    AddIfDifferent("NVRAM to set", ToJson(before.nvramToSet), ToJson(after.nvramToSet));
-    AddIfDifferent("NVRAM to clear", ToJson(PropertyValue(before.nvramToClear)),
-                   ToJson(PropertyValue(after.nvramToClear)));
+    AddIfDifferent("NVRAM to set", Variables(before), Variables(after));
+    AddIfDifferent("NVRAM to clear", Names(before), Names(after));
     const auto hasOther = [](const DiffChange& change) {
       return change.kind == "order" || change.kind.ends_with(" match");
     };
@@ -204,8 +205,8 @@ class Comparison {
     AddIfDifferent("options", OptionsOf(before_), OptionsOf(after_));
   }
 
-  const PayloadRun& before_;
-  const PayloadRun& after_;
+  const ToolRun& before_;
+  const ToolRun& after_;
   const std::vector<MatchedPair> pairsBefore_;
   const std::vector<MatchedPair> pairsAfter_;
   std::vector<DiffChange> changes_;
@@ -213,7 +214,7 @@ class Comparison {
 
 }  // namespace
 
-std::vector<DiffChange> FindChanges(const PayloadRun& before, const PayloadRun& after) {
+std::vector<DiffChange> FindChanges(const ToolRun& before, const ToolRun& after) {
   return Comparison(before, after).Changes();
 }
 

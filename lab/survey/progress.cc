@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstdio>
+#include "platform/console.h"
 
 namespace fernwick::lab {
 namespace {
@@ -39,13 +39,13 @@ void Progress::Step() {
   if (!IsShown() || now - shown_ < Interval) return;
   shown_ = now;
   const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(now - begin_);
-  std::fprintf(stderr, "\r%s\x1B[K", ProgressText(done_, total_, elapsed).c_str());
-  stands_ = true;
+  ProcessConsole().WriteError("\r" + ProgressText(done_, total_, elapsed) + "\x1B[K");
+  isVisible_ = true;
 }
 
 void Progress::Clear() {
-  if (stands_) std::fputs("\r\x1B[K", stderr);
-  stands_ = false;
+  if (isVisible_) ProcessConsole().WriteError("\r\x1B[K");
+  isVisible_ = false;
 }
 
 }  // namespace fernwick::lab

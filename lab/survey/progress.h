@@ -37,7 +37,7 @@ class Progress {
   std::size_t done_ = 0;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point shown_ = begin_;
-  bool stands_ = false;
+  bool isVisible_ = false;
 };
 
 }  // namespace fernwick::lab

@@ -2,81 +2,57 @@
 
 #include <string_view>
 #include <utility>
-#include <vector>
 
-#include "driver/run.h"
 #include "lab/recordings/recording_file.h"
-#include "lab/support/captured_run.h"
-#include "lab/support/messages.h"
-#include "lab/survey/matched_pairs.h"
+#include "lab/support/tool_run.h"
 #include "registry/board_identity.h"
 
 namespace fernwick::lab {
 namespace {
 
-std::vector<std::string> ToolArguments(const SurveyedTool& tool) {
-  std::vector<std::string> arguments = {"-p", tool.payload};
-  if (tool.bypassVersion) arguments.emplace_back("--bypassVersion");
-  return arguments;
+Outcome OutcomeOf(const RunResult& result) {
+  if (result.fault) return Outcome::AbnormalEnd;
+  if (result.bypassesUpdates) return Outcome::Bypassed;
+  return result.status == ExitStatus::PlanPrinted ? Outcome::Plan : Outcome::NoPlan;
 }
 
-Outcome OutcomeOf(int status, const RunRecorder& run) {
-  if (run.bypassesUpdates) return Outcome::Bypassed;
-  return status == ExitStatus::PlanPrinted ? Outcome::Plan : Outcome::NoPlan;
+SurveyMatch MatchOf(const MatchedPair& pair) {
+  return {.type = std::string(pair.key->key),
+          .rid = ToJson(pair.match->Find("RID")),
+          .portAddress = ToJson(pair.Controller().Find("Port Address")),
+          .installed = ToJson(pair.Controller().Find("Version")),
+          .version = ToJson(pair.match->Find("Version")),
+          .image = ToJson(pair.match->Find("Firmware"))};
 }
 
-SurveyMatch Describe(const MatchedPair& pair) {
-  const auto of = [](const Dictionary& record, std::string_view key) {
-    return ToJson(record.Find(key));
-  };
-  return {.type = pair.key->key,
-          .rid = of(*pair.match, "RID"),
-          .portAddress = of(pair.Controller(), "Port Address"),
-          .installed = of(pair.Controller(), "Version"),
-          .version = of(*pair.match, "Version"),
-          .image = of(*pair.match, "Firmware")};
-}
-
-SurveyRow Refused(const std::string& path, int status, std::string_view error) {
-  const auto prefix = path + ": ";
-  if (error.starts_with(prefix)) error.remove_prefix(prefix.size());
-  return {
-      .file = path, .outcome = Outcome::Refused, .status = status, .reason = std::string(error)};
+SurveyRow Refused(const std::string& path, const LabError& error) {
+  return {.file = path,
+          .outcome = Outcome::Refused,
+          .status = error.status,
+          .reason = Describe(error.error)};
 }
 
 }  // namespace
 
-SurveyRow SurveyRecording(const std::string& path, const SurveyedTool& tool, const Note& note) {
-  auto file = LoadRecording(path);
-  if (!file.recording) return Refused(path, file.status, file.error);
-  RecordedRegistry registry(*std::move(file.recording));
+SurveyRow SurveyComputer(const Selected& selected, const Options& options) {
+  const auto& path = selected.path;
+  if (!selected.error.empty()) return Refused(path, {{selected.error}, LabStatus::UnreadableInput});
+  const auto recording = LoadRecording(path);
+  if (!recording) return Refused(path, recording.Error());
+  RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);
+  const auto run = RunTool(*recording, options);
   SurveyRow row{.file = path,
-                .outcome = Outcome::AbnormalEnd,
+                .outcome = OutcomeOf(run.result),
                 .board = board.boardIdString,
                 .revision = board.boardRevision};
-  note(PrintJsonRow(ToJson(row)));
-  RunRecorder recorder;
-  const auto run = RunCaptured(registry, ToolArguments(tool), &recorder);
-  row.outcome = OutcomeOf(run.status, recorder);
-  row.status = run.status;
-  for (const auto& pair : MatchedPairs(recorder)) row.matches.push_back(Describe(pair));
-  row.diagnostics = CountLines(run.standardError);
-  return row;
-}
-
-SurveyRow RowOf(const WorkResult& result) {
-  SurveyRow row;
-  if (!result.refusal.empty()) {
-    row = Refused(result.path, LabStatus::UnreadableInput, result.refusal);
-  } else if (result.answer) {
-    row = ParseSurveyRow(*result.answer).value_or(SurveyRow{});
-  } else {
-    row = ParseSurveyRow(result.note).value_or(SurveyRow{});
-    row.outcome = Outcome::AbnormalEnd;
-    row.reason = result.end;
+  if (run.result.fault) {
+    row.reason = AbnormalEndName;
+    return row;
   }
-  row.file = result.path;  // the bytes themselves, which JSON may not carry
+  row.status = run.result.status;
+  for (const auto& pair : MatchedPairs(run)) row.matches.push_back(MatchOf(pair));
+  row.diagnostics = CountLines(run.standardError);
   return row;
 }
 

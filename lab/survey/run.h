@@ -1,24 +1,16 @@
 #pragma once
 
-#include <string>
-
+#include "driver/options.h"
 #include "lab/survey/row.h"
-#include "lab/survey/worker.h"
-#include "lab/survey/worker_pool.h"
+#include "lab/survey/selection.h"
 
 namespace fernwick::lab {
 
-/// What a survey runs over every computer.
-struct SurveyedTool {
-  std::string payload;
-  bool bypassVersion = false;
-};
+/// How a process of the tool ends after a fault, as the lab names it.
+inline constexpr char AbnormalEndName[] = "SIGABRT";
 
-/// Runs the tool over a recorded computer. Notes, in JSON, the row of a computer whose run ends
-/// abnormally, before it runs. A run that ends abnormally ends this process.
-SurveyRow SurveyRecording(const std::string& path, const SurveyedTool& tool, const Note& note);
-
-/// The row that came of it in a worker that prints rows in JSON.
-SurveyRow RowOf(const WorkResult& result);
+/// Runs the tool over the computer. What the selection refused is a row too. May be called on any
+/// thread.
+SurveyRow SurveyComputer(const Selected& selected, const Options& options);
 
 }  // namespace fernwick::lab

@@ -5,31 +5,42 @@
 #include <vector>
 
 #include "lab/survey/directory_walk.h"
-#include "lab/survey/line_input.h"
 
 namespace fernwick::lab {
 
-/// The recordings that a command line selects, in its order: a directory stands for every
-/// "*.registry.plist" below it, "-" for the paths, of either, that standard input has, one a line
-/// (empty lines aside), and any other argument for itself.
+/// The recordings that a command line selects, in its order: a directory selects every
+/// "*.registry.plist" below it, "-" the paths, of either, that standard input has, one a line
+/// (empty lines aside), and any other argument itself.
 class Selection {
  public:
-  explicit Selection(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
+  explicit Selection(std::vector<std::string> arguments);
+  ~Selection();
+  Selection(const Selection&) = delete;
+  Selection& operator=(const Selection&) = delete;
 
-  /// None at the end, and as long as standard input has nothing.
+  /// Waits for standard input. None at the end.
   std::optional<Selected> Next();
 
-  /// Whether Next gave nothing because standard input has nothing yet.
-  bool IsWaiting() const { return input_ && input_->IsWaiting(); }
+  /// From any thread: standard input ends here, also for a Next that waits for it.
+  void Stop();
 
  private:
   std::optional<Selected> Select(std::string path);
   std::optional<Selected> NextOfInput();
+  std::optional<std::string> NextLine();
+  bool ReadMore();
 
   std::vector<std::string> arguments_;
   std::size_t next_ = 0;
-  std::optional<LineInput> input_;
   std::optional<DirectoryWalk> walk_;
+  int stop_;  // a descriptor that is readable after Stop
+
+  // Standard input, while it is read.
+  bool readsInput_ = false;
+  bool hasInputEnded_ = false;
+  std::string unread_;     // from taken_ on
+  std::size_t taken_ = 0;  // bytes of unread_ that are not any more
+  std::string inputError_;
 };
 
 /// How many there are; none when standard input is among the arguments, whose end is not known.

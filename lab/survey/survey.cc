@@ -1,11 +1,12 @@
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
+#include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/expectation.h"
 #include "lab/survey/format.h"
@@ -33,7 +34,8 @@ std::string Footer() {
 }
 
 struct SurveyOptions {
-  SurveyedTool tool;
+  std::string payload;
+  bool bypassVersion = false;
   BatchOptions batch;
   std::string format = "table";
   std::optional<std::string> expectation;
@@ -45,12 +47,12 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
                       .footer = Footer(),
                       .arguments = {
                           {.name = "-p,--payload",
-                           .target = &options.tool.payload,
+                           .target = &options.payload,
                            .help = "the payload directory",
                            .least = 1,
                            .valueName = "PAYLOAD"},
                           {.name = "--bypassVersion",
-                           .target = &options.tool.bypassVersion,
+                           .target = &options.bypassVersion,
                            .help = "as the tool's own"},
                           {.name = "--format",
                            .target = &options.format,
@@ -66,35 +68,41 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
   return ParseCommandLine(line, argumentCount, arguments);
 }
 
-std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Output& out) {
-  if (options.format == "ndjson") return MakeNdjsonFormat(out);
-  if (options.format == "csv") return MakeCsvFormat(out, options.expectation.has_value());
-  if (options.format == "junit") return MakeJunitFormat(out);
-  return MakeTableFormat(out);
+std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& console) {
+  const bool isComparison = options.expectation.has_value();
+  if (options.format == "ndjson") return MakeNdjsonFormat(console);
+  if (options.format == "csv") return MakeCsvFormat(console, isComparison);
+  if (options.format == "junit") return MakeJunitFormat(console);
+  return MakeTableFormat(console, isComparison);
 }
 
-// A survey on its way into a format, held against what is expected of it, if anything is.
+// A survey on its way into a format, compared with what is expected of it, if anything is.
 class SurveyReport {
  public:
   SurveyReport(SurveyFormat& format, SurveyExpectation* expectation)
       : format_(format), expectation_(expectation) {}
 
-  void Add(const SurveyRow& row) {
+  // The text to Add with the row. May be called on any thread.
+  std::string TextOf(const SurveyRow& row) const {
+    return expectation_ == nullptr ? format_.RowText(row) : std::string();
+  }
+
+  void Add(const SurveyRow& row, const std::string& text) {
     totals_.Add(row);
-    if (expectation_ == nullptr) return format_.AddRow(row);
+    if (expectation_ == nullptr) return format_.Add(text);
     const auto expected = expectation_->TakeFor(row);
     if (!expected) return Differ({nullptr, &row}, additional_);
     if (!AreSame(*expected, row)) return Differ({&*expected, &row}, changed_);
-    format_.AddExpected(row);
+    format_.Add(format_.ExpectedText(row));
   }
 
   void Finish() {
-    if (expectation_ != nullptr) {
-      expectation_->ForEachLeft([this](const SurveyRow& row) {
-        Differ({&row, nullptr}, missing_);
-      });
+    if (expectation_ == nullptr) {
+      return format_.Finish(totals_.Computers(),
+                            totals_.Count(Outcome::Refused) + totals_.Count(Outcome::AbnormalEnd));
     }
-    format_.Finish();
+    expectation_->ForEachLeft([this](const SurveyRow& row) { Differ({&row, nullptr}, missing_); });
+    format_.Finish(totals_.Computers() + missing_, changed_ + additional_ + missing_);
   }
 
   std::string Totals() const {
@@ -108,7 +116,7 @@ class SurveyReport {
  private:
   void Differ(const SurveyDifference& difference, std::size_t& count) {
     ++count;
-    format_.AddDifference(difference);
+    format_.Add(format_.DifferenceText(difference));
   }
 
   SurveyFormat& format_;
@@ -120,42 +128,35 @@ class SurveyReport {
 };
 
 int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
-  Output out(stdout);
-  const auto format = MakeFormat(options, out);
+  ProcessConsole console;
+  const auto format = MakeFormat(options, console);
   SurveyReport report(*format, expectation);
-  const auto work = [&](const std::string& path, const Note& note) {
-    return PrintJsonRow(ToJson(SurveyRecording(path, options.tool, note)));
+  const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
+  const auto work = [&](const Selected& selected) -> std::function<void()> {
+    auto row = SurveyComputer(selected, toolOptions);
+    auto text = report.TextOf(row);
+    return [&report, row = std::move(row), text = std::move(text)] { report.Add(row, text); };
   };
-  const int status = RunBatch(options.batch, work, out, [&](const WorkResult& result) {
-    report.Add(RowOf(result));
-    return format->Error();
-  });
+  const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;
   report.Finish();
-  if (!format->Error().empty()) {
-    PrintError(format->Error());
-    return LabStatus::OutputLost;
-  }
   const bool isTable = options.format == "table";
-  if (isTable) out.Write(report.Totals());
-  if (const int lost = FinishOutput(out); lost != LabStatus::Done) return lost;
-  if (!isTable) std::fputs(report.Totals().c_str(), stderr);
+  if (isTable) console.Write(report.Totals());
+  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
+  if (!isTable) console.WriteError(report.Totals());
   return report.Status();
 }
 
 }  // namespace
 
-int Survey(int argumentCount, char* const arguments[]) {
+VerbEnd Survey(int argumentCount, char* const arguments[]) {
   SurveyOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
-  if (!IsPayload(options.tool.payload)) return LabStatus::UnreadableInput;
+  if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;
   if (!options.expectation) return RunSurvey(options, nullptr);
   SurveyExpectation expectation;
-  int status = LabStatus::Done;
-  const auto error = expectation.Load(*options.expectation, status);
-  if (error.empty()) return RunSurvey(options, &expectation);
-  PrintError(error);
-  return status;
+  const auto error = expectation.Load(*options.expectation);
+  return error ? PrintError(*options.expectation, *error) : RunSurvey(options, &expectation);
 }
 
 }  // namespace fernwick::lab

@@ -6,7 +6,6 @@
 
 #include "lab/support/messages.h"
 #include "lab/survey/format.h"
-#include "lab/survey/row_spool.h"
 #include "lab/survey/text.h"
 
 namespace fernwick::lab {
@@ -18,8 +17,8 @@ using Cells = std::array<std::string, ColumnCount>;
 const Cells Names = {"FILE", "BOARD", "REV",       "STATUS",  "TYPE",
                      "RID",  "PORT",  "INSTALLED", "VERSION", "IMAGE"};
 
-// A kept line begins with its kind: cells with a tab before each, or a text across the columns. No
-// text that is safe to show holds a tab.
+// A line of a text is either cells with a tab before each or a text across the columns. No text
+// that is safe to show contains a tab.
 constexpr char Separator = '\t';
 
 std::size_t CharacterCount(std::string_view text) {
@@ -41,7 +40,7 @@ void SetMatch(Cells& cells, const SurveyMatch& match) {
   cells[9] = CellText(match.image);
 }
 
-// The lines of one row that the other lacks stand between what both begin and end with.
+// The lines of one row that the other lacks are between what both begin and end with.
 struct ChangedLines {
   std::size_t begin;
   std::size_t expectedEnd;
@@ -62,66 +61,92 @@ ChangedLines FindChange(const Lines& expected, const Lines& found) {
   return change;
 }
 
+std::string CellsLine(const Cells& cells) {
+  std::string line;
+  for (const auto& cell : cells) line += Separator + cell;
+  return line + "\n";
+}
+
+// Takes the cells off the line.
+Cells TakeCells(std::string_view& line) {
+  Cells cells;
+  for (auto& cell : cells) {
+    line.remove_prefix(1);
+    cell = line.substr(0, line.find(Separator));
+    line.remove_prefix(cell.size());
+  }
+  return cells;
+}
+
+// Calls `visit` with each line of the text, without its line feed.
+template <typename Visit>
+void ForEachLine(std::string_view text, Visit visit) {
+  while (!text.empty()) {
+    const auto line = text.substr(0, text.find('\n'));
+    visit(line);
+    text.remove_prefix(line.size() + 1);
+  }
+}
+
 class TableFormat : public SurveyFormat {
  public:
-  explicit TableFormat(Output& out) : out_(out) { Widen(Names); }
-
-  void AddRow(const SurveyRow& row) override {
-    hasRows_ = true;
-    Cells cells = {PrintableText(row.file), CellOf(row.board), CellOf(row.revision),
-                   StatusText(row)};
-    if (row.matches.empty()) Keep(cells);
-    for (const auto& match : row.matches) {
-      SetMatch(cells, match);
-      Keep(cells);
-      for (std::size_t i = 0; i < 4; ++i) cells[i].clear();
-    }
-    if (row.outcome == Outcome::Refused) spool_.Add("    " + PrintableText(row.reason));
-    for (const auto& diagnostic : row.diagnostics) {
-      spool_.Add("    " + DiagnosticText(diagnostic));
-    }
+  TableFormat(Console& console, bool isComparison)
+      : SurveyFormat(console), isComparison_(isComparison) {
+    Widen(Names);
   }
 
-  void AddDifference(const SurveyDifference& difference) override {
+  std::string RowText(const SurveyRow& row) const override {
+    Cells cells = {PrintableText(row.file), CellOf(row.board), CellOf(row.revision),
+                   StatusText(row)};
+    std::string text;
+    if (row.matches.empty()) text += CellsLine(cells);
+    for (const auto& match : row.matches) {
+      SetMatch(cells, match);
+      text += CellsLine(cells);
+      for (std::size_t i = 0; i < 4; ++i) cells[i].clear();
+    }
+    if (row.outcome == Outcome::Refused) text += "    " + PrintableText(row.reason) + "\n";
+    for (const auto& diagnostic : row.diagnostics) {
+      text += "    " + DiagnosticText(diagnostic) + "\n";
+    }
+    return text;
+  }
+
+  std::string DifferenceText(const SurveyDifference& difference) const override {
     const auto& [expected, found] = difference;
-    out_.Write(PrintableText((found == nullptr ? expected : found)->file) + ": " +
-               NameOf(difference) + "\n");
+    auto text = PrintableText((found == nullptr ? expected : found)->file) + ": " +
+                NameOf(difference) + "\n";
     const auto before = expected == nullptr ? Lines() : DescribeLines(*expected);
     const auto after = found == nullptr ? Lines() : DescribeLines(*found);
     const auto [begin, expectedEnd, foundEnd] = FindChange(before, after);
-    for (auto i = begin; i < expectedEnd; ++i) out_.Write("  - " + before[i] + "\n");
-    for (auto i = begin; i < foundEnd; ++i) out_.Write("  + " + after[i] + "\n");
+    for (auto i = begin; i < expectedEnd; ++i) text += "  - " + before[i] + "\n";
+    for (auto i = begin; i < foundEnd; ++i) text += "  + " + after[i] + "\n";
+    return text;
   }
 
-  void Finish() override {
-    if (!hasRows_) return;
+  void Add(const std::string& text) override {
+    if (isComparison_) return Out().Write(text);
+    ForEachLine(text, [this](std::string_view line) {
+      if (line.starts_with(Separator)) Widen(TakeCells(line));
+    });
+    kept_ += text;
+  }
+
+  void Finish(std::size_t, std::size_t) override {
+    if (isComparison_) return;
     WriteCells(Names);
-    spool_.ForEach([&](std::string_view line) {
-      if (!line.starts_with(Separator)) return out_.Write(std::string(line) + "\n");
-      Cells cells;
-      for (auto& cell : cells) {
-        line.remove_prefix(1);
-        cell = line.substr(0, line.find(Separator));
-        line.remove_prefix(cell.size());
-      }
-      WriteCells(cells);
+    ForEachLine(kept_, [this](std::string_view line) {
+      if (line.starts_with(Separator)) return WriteCells(TakeCells(line));
+      Out().Write(line);
+      Out().Write("\n");
     });
   }
-
-  std::string Error() const override { return spool_.Error(); }
 
  private:
   void Widen(const Cells& cells) {
     for (std::size_t i = 0; i < ColumnCount; ++i) {
       widths_[i] = std::max(widths_[i], CharacterCount(cells[i]));
     }
-  }
-
-  void Keep(const Cells& cells) {
-    Widen(cells);
-    std::string line;
-    for (const auto& cell : cells) line += Separator + cell;
-    spool_.Add(line);
   }
 
   void WriteCells(const Cells& cells) {
@@ -131,19 +156,18 @@ class TableFormat : public SurveyFormat {
       line.append(widths_[i] + 2 - CharacterCount(cells[i]), ' ');
     }
     line.resize(line.find_last_not_of(' ') + 1);
-    out_.Write(line + "\n");
+    Out().Write(line + "\n");
   }
 
-  Output& out_;
-  RowSpool spool_;
+  bool isComparison_;
+  std::string kept_;  // the texts of a survey that is compared with none
   std::array<std::size_t, ColumnCount> widths_ = {};
-  bool hasRows_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<SurveyFormat> MakeTableFormat(Output& out) {
-  return std::make_unique<TableFormat>(out);
+std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison) {
+  return std::make_unique<TableFormat>(console, isComparison);
 }
 
 }  // namespace fernwick::lab

@@ -29,7 +29,7 @@ void SurveyTotals::Add(const SurveyRow& row) {
     const auto known = diagnostics.find(text);
     if (known != diagnostics.end()) {
       known->second += count;
-    } else if (diagnostics.size() < MostDiagnostics) {
+    } else if (diagnostics.size() < MaxDiagnostics) {
       diagnostics.emplace(text, count);
     } else {
       otherDiagnostics += count;
@@ -42,9 +42,7 @@ std::size_t SurveyTotals::Computers() const {
 }
 
 std::string Describe(const SurveyTotals& totals) {
-  const auto count = [&](Outcome outcome) {
-    return std::to_string(totals.outcomes[static_cast<std::size_t>(outcome)]);
-  };
+  const auto count = [&](Outcome outcome) { return std::to_string(totals.Count(outcome)); };
   return Counted(totals.Computers(), "computer", "computers") + ": " + count(Outcome::Plan) +
          " with a plan, " + count(Outcome::NoPlan) + " without, " + count(Outcome::Bypassed) +
          " bypassed, " + count(Outcome::Refused) + " refused, " + count(Outcome::AbnormalEnd) +

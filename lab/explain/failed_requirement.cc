@@ -1,0 +1,101 @@
+#include "lab/explain/failed_requirement.h"
+
+#include <algorithm>
+
+#include "lab/support/configuration_file.h"
+#include "lab/support/words.h"
+
+namespace fernwick::lab {
+namespace {
+
+std::optional<PropertyValue> ValueIn(Dictionary dictionary, std::string_view key) {
+  const auto* value = dictionary.Find(key);
+  return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+// A failure and where its personality's value is, in words.
+struct Sides {
+  const FailedRequirement& failure;
+  const std::optional<FileLocation>& location;
+
+  // Ids are known to people in hexadecimal.
+  std::string ValueText(const PropertyValue& value) const {
+    return failure.requirement->key.ends_with("ID") ? InlineTextWithHex(value) : InlineText(value);
+  }
+
+  std::string Wanted() const { return ValueText(failure.wanted.value()) + AtLocation(location); }
+  std::string Found() const { return ValueText(failure.found.value()); }
+
+  // "wants 5 at 9:4", "wants one of [5, 6] at 9:4".
+  std::string Wish() const {
+    return (failure.wanted->AsArray() ? "wants one of " : "wants ") + Wanted();
+  }
+
+  std::string HardwareSide() const {
+    return failure.found ? "the controller has " + Found() : "the controller has none either";
+  }
+
+  std::string Age() const {
+    const char* verdict = failure.wanted->IsNumber() ? " is not" : " is no number and not";
+    return Wanted() + verdict + " newer than the installed " + Found();
+  }
+
+  // The personality may lack its version, which is a failure of its own.
+  std::string Engineering() const {
+    const auto wish = failure.wanted ? Wish() + ", but " : "";
+    return wish + "engineering firmware is installed, marked " + Found();
+  }
+
+  std::string WrongKind() const {
+    const auto* key = fernwick::FindKey(failure.requirement->key);
+    const bool isOfBoard = failure.requirement->hardwareKey.empty();
+    return Wanted() + " is not " + std::string(WordsFor(key->kind)) + "; the " +
+           (isOfBoard ? "board's revision is " : "controller has ") + Found();
+  }
+};
+
+}  // namespace
+
+std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
+                                                  const RequirementContext& context) {
+  std::vector<FailedRequirement> failures;
+  for (const auto& requirement : RequirementsOf(type)) {
+    const auto reason = Test(requirement, personality, context).failure;
+    const auto isSame = [&](const FailedRequirement& failure) {
+      return failure.requirement->key == requirement.key && failure.reason == reason;
+    };
+    if (!reason || std::ranges::any_of(failures, isSame)) continue;
+    failures.push_back({&requirement, *reason, ValueIn(personality, requirement.key),
+                        requirement.hardwareKey.empty()
+                            ? PropertyValue(context.boardRevision)
+                            : ValueIn(context.hardware, requirement.hardwareKey)});
+  }
+  return failures;
+}
+
+std::string FailureText(const FailedRequirement& failure,
+                        const std::optional<FileLocation>& location) {
+  const Sides sides{failure, location};
+  switch (failure.reason) {
+    case FailureReason::PersonalityLacksKey: return "is missing; " + sides.HardwareSide();
+    case FailureReason::HardwareLacksKey: return sides.Wish() + ", but the controller has none";
+    case FailureReason::WrongKind: return sides.WrongKind();
+    case FailureReason::Unequal: return sides.Wish() + ", finds " + sides.Found();
+    case FailureReason::NotNewer: return sides.Age();
+    case FailureReason::EngineeringFirmware: return sides.Engineering();
+    case FailureReason::AboveInstalled:
+      return sides.Wanted() + " is above the installed " + sides.Found();
+    case FailureReason::BelowInstalled:
+      return sides.Wanted() + " is below the installed " + sides.Found();
+    case FailureReason::AboveBoardRevision:
+      return sides.Wanted() + " is above the board's revision " + sides.Found();
+    case FailureReason::BelowBoardRevision: break;
+  }
+  return sides.Wanted() + " is below the board's revision " + sides.Found();
+}
+
+std::string AtLocation(const std::optional<FileLocation>& location) {
+  return location ? " at " + Describe(*location) : "";
+}
+
+}  // namespace fernwick::lab

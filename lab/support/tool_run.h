@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "driver/options.h"
+#include "driver/run.h"
+#include "personality/run_trace.h"
+#include "registry/recorded_registry.h"
+
+namespace fernwick::lab {
+
+/// A run of the tool: its result, all that it printed and why it decided as it did. It views the
+/// recording, which must outlive it, and owns the configuration; moving it keeps all that views it
+/// or what it owns valid.
+struct ToolRun {
+  RunResult result;
+  std::string standardOutput = {};  // after a fault what was flushed before it
+  std::string standardError = {};
+  RunTrace trace = {};
+};
+
+/// The tool's options for "-p PAYLOAD" and, if wanted, "--bypassVersion". To be called while there
+/// is one thread.
+Options ToolOptions(const std::string& payload, bool bypassVersion);
+
+/// Runs the tool over the recorded computer. Nothing reaches this process's own streams. Runs may
+/// take place in several threads, also over one recording.
+ToolRun RunTool(const Recording& recording, const Options& options);
+
+/// A personality and the controller that it matched. Points into the ToolRun.
+struct MatchedPair {
+  const KeyTrace* key;
+  std::size_t controller;   // index in the key's inventory
+  std::size_t personality;  // index in the array; 0 where there is a single one
+  const MatchRecord* match;
+
+  const HardwareRecord& Controller() const { return key->inventory.records[controller]; }
+};
+
+/// The pairs of a run that matched, in the order of the plan. Empty after a fault.
+std::vector<MatchedPair> MatchedPairs(const ToolRun& run);
+
+}  // namespace fernwick::lab
