@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <forward_list>
 #include <memory>
-#include <new>
 #include <span>
 #include <string>
 #include <string_view>

@@ -81,7 +81,7 @@ bool TextCursor::ReadQuoted(std::string_view& string, std::string& decoded) {
     decoded += chunk;
     if (!AppendEscape(decoded)) return false;
   }
-  if (FindInvalidText(string) == NoPlace) return true;
+  if (FindInvalidText(string) == npos) return true;
   return Fail(start, "a string holds a character that XML cannot carry");
 }
 
