@@ -17,9 +17,9 @@
 namespace fernwick {
 namespace {
 
-// What sharing may add to what a file could contain without it, so that a small file cannot stand
-// for a huge value: values are counted each time they are reached, and so are the bytes of keys,
-// strings and data.
+// How far what is reached may exceed the size of the file in bytes, so that a small file cannot
+// expand to a huge value by sharing: values are counted each time they are reached, and so are the
+// bytes of keys, strings and data.
 constexpr std::uint64_t SharedValues = std::uint64_t{1} << 16;
 constexpr std::uint64_t SharedBytes = std::uint64_t{1} << 26;
 
@@ -77,11 +77,11 @@ class BinaryPropertyListReader {
   bool ReadFile(PropertyValue& value) {
     if (!layout_.Read(file_, fault_)) return false;
     states_.resize(static_cast<std::size_t>(layout_.ObjectCount()), State::New);
-    return ReadValue(layout_.TopObject(), TopObjectPlace(), value);
+    return ReadValue(layout_.TopObject(), TopObjectReference(), value);
   }
 
   // Where the trailer names the top object.
-  std::size_t TopObjectPlace() const { return file_.size() - 16; }
+  std::size_t TopObjectReference() const { return file_.size() - 16; }
 
   // Not part of its many callers, which would be the slower for it.
   [[gnu::noinline]] bool Fail(std::size_t offset, const char* message) {

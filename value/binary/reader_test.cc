@@ -611,8 +611,9 @@ TEST(BinaryPropertyList, BytesReachedMayExceedTheSizeOfTheFileBy2To26) {
   };
   for (const auto& [object, container, error] : rows) {
     SCOPED_TRACE(testing::TraceOf(container));
+    const std::vector<std::string> objects = {container, object, True};
     const auto file = [&](std::size_t size) {
-      return FileOfSize(size, {container, object, True}, {.offsetWidth = 4});
+      return FileOfSize(size, objects, {.offsetWidth = 4});
     };
     EXPECT_EQ(ErrorOf(Parse(file(Reached - SharedBytes))), "");
     ExpectRejected(Parse, {{file(Reached - SharedBytes - 1), error + TooManyBytes}});

@@ -9,7 +9,7 @@ bool IsContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// How many bytes a character beyond ASCII takes that begins with `lead`; 0 when none does.
+// The length in bytes of the character beyond ASCII that begins with `lead`; 0 when none does.
 std::size_t SequenceLength(unsigned char lead) {
   if (lead < 0xC2) return 0;  // a continuation, or the start of an overlong form
   if (lead < 0xE0) return 2;

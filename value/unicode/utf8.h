@@ -12,8 +12,8 @@ inline constexpr std::size_t npos = std::string_view::npos;
 /// What is written for a character that cannot be.
 inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
 
-/// One character at the start of a text. A length of 0, and the character 0 with it, says that no
-/// well-formed UTF-8 stands there.
+/// One character at the start of a text. The length 0 and the character 0 say that the text does
+/// not begin with well-formed UTF-8.
 struct DecodedCharacter {
   char32_t character;
   std::size_t length;  // bytes
@@ -26,10 +26,10 @@ DecodedCharacter DecodeUtf8(std::string_view text);
 void AppendUtf8(std::string& text, char32_t character);
 
 /// Whether an XML document can carry the character: tab, line feed, carriage return and everything
-/// from U+0020 on save surrogates, U+FFFE and U+FFFF.
+/// from U+0020 on except surrogates, U+FFFE and U+FFFF.
 bool IsTextCharacter(char32_t character);
 
-/// Whether nothing but ASCII characters that an XML document can carry stands in `text`.
+/// Whether `text` is nothing but ASCII characters that an XML document can carry.
 bool IsPlainAscii(std::string_view text);
 
 /// The offset of the first byte that is not part of well-formed UTF-8, or npos.
