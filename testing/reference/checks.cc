@@ -85,11 +85,11 @@ bool RequirementSetMatch(const Dictionary& personality, const Dictionary& hardwa
     diagnostics += missingKeyMessage;
     return false;
   }
-  const bool isArray = p->AsArray().has_value();
-  if (!isArray && !isSingleValueKind(*p)) return false;
-  if (isArray) {
+  const std::optional<Array> list = p->AsArray();
+  if (!list && !isSingleValueKind(*p)) return false;
+  if (list) {
     bool matches = false;
-    for (const PropertyValue& element : *p->AsArray()) {
+    for (const PropertyValue& element : *list) {
       if (compare(element, *h)) matches = true;
     }
     return matches;

@@ -84,9 +84,10 @@ namespace {
 template <typename Check>
 void MatchEachController(const PropertyValue& personalities, const std::vector<Record>& controllers,
                          std::string_view type, std::vector<Record>& records, Check passes) {
-  if (!personalities.AsArray()) return;
+  const std::optional<Array> list = personalities.AsArray();
+  if (!list) return;
   for (const Record& hardware : controllers) {
-    for (const PropertyValue& personality : *personalities.AsArray()) {
+    for (const PropertyValue& personality : *list) {
       if (!personality.AsDictionary()) continue;
       if (passes(*personality.AsDictionary(), hardware)) {
         records.push_back(BuildMatchRecord(*personality.AsDictionary(), hardware, type));
