@@ -23,6 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using testing::Dict;
+using testing::List;
 using testing::Repeated;
 using testing::TemporaryDirectory;
 
@@ -117,8 +119,8 @@ constexpr char SmallConfig[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 )";
 
 const Dictionary SmallValue = {
-    {"USBC", Array{Dictionary{{"Version", 5}, {"Port UUID", Array{"b0A1"}}}}},
-    {"LegacyUSBC", Dictionary{{"Version", 41.05}}},
+    {"USBC", List({Dict({{"Version", 5}, {"Port UUID", List({"b0A1"})}})})},
+    {"LegacyUSBC", Dict({{"Version", 41.05}})},
 };
 
 TEST(ConfigurationPath, IsTheFileInTheDirectoryOfTheBoard) {
@@ -177,21 +179,21 @@ TEST(Configuration, InBinaryFormLoadsAsInXml) {
 
 TEST(Configuration, InTheOldTextFormIsLoaded) {
   EXPECT_EQ(LoadBytes("{ USBC = ( { \"Port UUID\" = ( b0A1 ); } ); }"),
-            (Loading{Dictionary{{"USBC", Array{Dictionary{{"Port UUID", Array{"b0A1"}}}}}}, ""}));
+            (Loading{Dict({{"USBC", List({Dict({{"Port UUID", List({"b0A1"})}})})}}), ""}));
 }
 
 TEST(Configuration, OfAnyTopLevelKindIsLoadedWithoutComplaint) {
   EXPECT_EQ(LoadBytes("<plist><array><integer>5</integer></array></plist>"),
-            (Loading{Array{5}, ""}));
+            (Loading{List({5}), ""}));
   EXPECT_EQ(LoadBytes("<plist><string>USBC</string></plist>"), (Loading{"USBC", ""}));
   EXPECT_EQ(LoadBytes("<plist><false/></plist>"), (Loading{false, ""}));
-  EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary{}, ""}));
+  EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary(), ""}));
 }
 
 TEST(Configuration, AKeyThatOccursTwiceKeepsItsFirstPlaceAndItsLastValue) {
   EXPECT_EQ(LoadBytes("<dict><key>A</key><integer>1</integer><key>B</key><integer>2</integer>"
                       "<key>A</key><integer>3</integer></dict>"),
-            (Loading{Dictionary{{"A", 3}, {"B", 2}}, ""}));
+            (Loading{Dict({{"A", 3}, {"B", 2}}), ""}));
 }
 
 TEST(Configuration, WithoutAPersonalitiesDirectoryTellsOfNoFiles) {
@@ -368,11 +370,11 @@ TEST(Configuration, AFileOfMoreThanOneGibibyteIsRefused) {
 
 TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
   constexpr std::size_t count = 100000;
-  const Array personalities(count, Dictionary{{"Version", 5}});
+  const Array personalities(count, Dict({{"Version", 5}}));
   EXPECT_EQ(LoadBytes("<dict><key>USBC</key><array>" +
                       Repeated("<dict><key>Version</key><integer>5</integer></dict>", count) +
                       "</array></dict>"),
-            (Loading{Dictionary{{"USBC", personalities}}, ""}));
+            (Loading{Dict({{"USBC", personalities}}), ""}));
 }
 
 TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
@@ -397,7 +399,7 @@ TEST(Configuration, NestedTooDeeplyIsTold) {
 
 TEST(Configuration, NestedAsDeeplyAsMayBeIsLoaded) {
   EXPECT_EQ(LoadBytes(Repeated("<array>", 512) + Repeated("</array>", 512)),
-            (Loading{testing::NestedArrays(511, Array{}), ""}));
+            (Loading{testing::NestedArrays(511, Array()), ""}));
 }
 
 // What is left of a file of which only the beginning arrived is told with the reader's own words.
@@ -418,7 +420,7 @@ TEST(Configuration, IsReadAnewEachTime) {
   payload.Write("Zed-42/Config.plist", SmallConfig);
   EXPECT_EQ(payload.LoadConfig(), (Loading{SmallValue, ""}));
   payload.Write("Zed-42/Config.plist", "<array/>");
-  EXPECT_EQ(payload.LoadConfig(), (Loading{Array{}, ""}));
+  EXPECT_EQ(payload.LoadConfig(), (Loading{Array(), ""}));
   fs::remove(payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NoConfig());
 }

@@ -11,7 +11,9 @@
 namespace fernwick {
 namespace {
 
+using testing::Dict;
 using testing::FullPortRecord;
+using testing::List;
 using testing::NonNumbers;
 using testing::With;
 using testing::Without;
@@ -52,31 +54,31 @@ TEST(MatchRecord, OfNothingAtAllHoldsTheTypeAlone) {
 // Every key that a personality can name, in an order of its own.
 const Personality FullPersonality = {
     {"Firmware", "Grat.bin"},
-    {"Ridge UID", Array{0x5A2, 0x5A3}},
-    {"Ridge Silicon Revision", Array{4}},
+    {"Ridge UID", List({0x5A2, 0x5A3})},
+    {"Ridge Silicon Revision", List({4})},
     {"Ridge Silicon Device ID", 467.0},
-    {"Ridge Silicon Vendor ID", Array{0x5A86, "x"}},
-    {"Port UUID", Array{"b0A1", "c2"}},
+    {"Ridge Silicon Vendor ID", List({0x5A86, "x"})},
+    {"Port UUID", List({"b0A1", "c2"})},
     {"Port OTP Revision", true},
-    {"Port Silicon Revision", Array{7, 8}},
-    {"Port Silicon Device ID", Array{17, 18}},
-    {"Port Silicon Vendor ID", Array{0x4D1}},
-    {"Firmware Mode", Array{0, 1}},
-    {"Device Model Revision", Array{1, 2}},
-    {"Device Model ID", Array{30}},
-    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"Port Silicon Revision", List({7, 8})},
+    {"Port Silicon Device ID", List({17, 18})},
+    {"Port Silicon Vendor ID", List({0x4D1})},
+    {"Firmware Mode", List({0, 1})},
+    {"Device Model Revision", List({1, 2})},
+    {"Device Model ID", List({30})},
+    {"Device Model Name", List({"Grat", "Fjell"})},
     {"MaxBoardRevision", 9},
     {"MinBoardRevision", 0},
     {"Personality Type", "from the file"},
-    {"Port Address", Array{0, 1}},
-    {"RID", Array{1, 2}},
+    {"Port Address", List({0, 1})},
+    {"RID", List({1, 2})},
     {"Existing Max Version", 41.06},
     {"Existing Min Version", 41},
     {"Version", 42.5},
     {"Priority", 7},
-    {"SetNVRAM", Dictionary{{"a", 1}}},
-    {"ClearNVRAM", Array{"b", 2}},
-    {"Note", Dictionary{{"kept", Array{}}}},
+    {"SetNVRAM", Dict({{"a", 1}})},
+    {"ClearNVRAM", List({"b", 2})},
+    {"Note", Dict({{"kept", Array()}})},
 };
 
 // The same, overlaid; "Firmware Mode" is the file's.
@@ -91,10 +93,10 @@ const MatchRecord FullRecord = {
     {"Port Silicon Revision", 7},
     {"Port Silicon Device ID", 18},
     {"Port Silicon Vendor ID", 0x4D1},
-    {"Firmware Mode", Array{0, 1}},
-    {"Device Model Revision", Array{1, 2}},
-    {"Device Model ID", Array{30}},
-    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"Firmware Mode", List({0, 1})},
+    {"Device Model Revision", List({1, 2})},
+    {"Device Model ID", List({30})},
+    {"Device Model Name", List({"Grat", "Fjell"})},
     {"MaxBoardRevision", 9},
     {"MinBoardRevision", 0},
     {"Personality Type", "USBC"},
@@ -104,9 +106,9 @@ const MatchRecord FullRecord = {
     {"Existing Min Version", 41},
     {"Version", 42.5},
     {"Priority", 7},
-    {"SetNVRAM", Dictionary{{"a", 1}}},
-    {"ClearNVRAM", Array{"b", 2}},
-    {"Note", Dictionary{{"kept", Array{}}}},
+    {"SetNVRAM", Dict({{"a", 1}})},
+    {"ClearNVRAM", List({"b", 2})},
+    {"Note", Dict({{"kept", Array()}})},
 };
 
 TEST(MatchRecord, AReplacedKeyKeepsItsPlaceAndAllOthersTheirValue) {
@@ -124,27 +126,27 @@ TEST(MatchRecord, OnlyThunderboltTakesTheFirmwareModeOfTheController) {
 TEST(MatchRecord, AControllerWithoutAnythingLeavesOnlyWhatTheFileMaySay) {
   const MatchRecord left = {
       {"Firmware", "Grat.bin"},
-      {"Firmware Mode", Array{0, 1}},
-      {"Device Model Revision", Array{1, 2}},
-      {"Device Model ID", Array{30}},
-      {"Device Model Name", Array{"Grat", "Fjell"}},
+      {"Firmware Mode", List({0, 1})},
+      {"Device Model Revision", List({1, 2})},
+      {"Device Model ID", List({30})},
+      {"Device Model Name", List({"Grat", "Fjell"})},
       {"MaxBoardRevision", 9},
       {"MinBoardRevision", 0},
       {"Personality Type", "Thunderbolt"},
-      {"Port Address", Array{0, 1}},
+      {"Port Address", List({0, 1})},
       {"Existing Max Version", 41.06},
       {"Existing Min Version", 41},
       {"Version", 42.5},
       {"Priority", 7},
-      {"SetNVRAM", Dictionary{{"a", 1}}},
-      {"ClearNVRAM", Array{"b", 2}},
-      {"Note", Dictionary{{"kept", Array{}}}},
+      {"SetNVRAM", Dict({{"a", 1}})},
+      {"ClearNVRAM", List({"b", 2})},
+      {"Note", Dict({{"kept", Array()}})},
   };
   EXPECT_EQ(BuildMatchRecord(FullPersonality, {}, "Thunderbolt"), left);
 }
 
 TEST(MatchRecord, AVersionThatIsANumberIsKept) {
-  for (const PropertyValue& version : Array{42, 42.0, -1, true, 0xFFFFFFFFFFFFFFFF}) {
+  for (const PropertyValue& version : List({42, 42.0, -1, true, 0xFFFFFFFFFFFFFFFF})) {
     EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {{"Version", 41}}, "USBC"),
               (MatchRecord{{"Version", version}, {"Personality Type", "USBC"}}));
     EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {}, "USBC"),
@@ -196,13 +198,13 @@ TEST(MatchRecord, WithARidAndNoAddressOfTheControllerTheFilesAddressGoes) {
 
 TEST(MatchRecord, WithoutARidTheAddressIsTheFiles) {
   const HardwareRecord controller = {{"Port Address", 3}};
-  EXPECT_EQ(BuildMatchRecord({{"Port Address", Array{9}}}, controller, "USBC"),
-            (MatchRecord{{"Port Address", Array{9}}, {"Personality Type", "USBC"}}));
+  EXPECT_EQ(BuildMatchRecord({{"Port Address", List({9})}}, controller, "USBC"),
+            (MatchRecord{{"Port Address", List({9})}, {"Personality Type", "USBC"}}));
   EXPECT_EQ(BuildMatchRecord({}, controller, "USBC"), (MatchRecord{{"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, ARidOfTheFileIsNeverSeenAndAllowsNoAddress) {
-  EXPECT_EQ(BuildMatchRecord({{"RID", Array{1, 2}}}, {{"Port Address", 3}}, "USBC"),
+  EXPECT_EQ(BuildMatchRecord({{"RID", List({1, 2})}}, {{"Port Address", 3}}, "USBC"),
             (MatchRecord{{"Personality Type", "USBC"}}));
 }
 
@@ -230,14 +232,14 @@ TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
 
 TEST(MatchRecord, AKeyThatTheControllerLacksIsRemoved) {
   for (const auto key : ConstrainedKeys) {
-    EXPECT_EQ(BuildMatchRecord({{key, Array{1, 2}}, {"Note", 1}}, {}, "USBC"),
+    EXPECT_EQ(BuildMatchRecord({{key, List({1, 2})}, {"Note", 1}}, {}, "USBC"),
               (MatchRecord{{"Note", 1}, {"Personality Type", "USBC"}}))
         << key;
   }
 }
 
 TEST(MatchRecord, TheTypeReplacesTheFilesWhateverItsKind) {
-  for (const PropertyValue& type : Array{"USBC", 5, Array{}, Dictionary{}}) {
+  for (const PropertyValue& type : List({"USBC", 5, Array(), Dictionary()})) {
     EXPECT_EQ(BuildMatchRecord({{"Personality Type", type}, {"Note", 1}}, {}, "LegacyUSBC"),
               (MatchRecord{{"Personality Type", "LegacyUSBC"}, {"Note", 1}}));
   }
@@ -253,8 +255,8 @@ TEST(MatchRecord, AFirmwareModeOfFalseIsAddedForThunderboltOnly) {
 }
 
 TEST(MatchRecord, AFirmwareModeOfTheFileStaysWhenTheControllerHasNone) {
-  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", Array{0, 1}}}, {}, "Thunderbolt"),
-            (MatchRecord{{"Firmware Mode", Array{0, 1}}, {"Personality Type", "Thunderbolt"}}));
+  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", List({0, 1})}}, {}, "Thunderbolt"),
+            (MatchRecord{{"Firmware Mode", List({0, 1})}, {"Personality Type", "Thunderbolt"}}));
 }
 
 TEST(MatchRecord, AFirmwareModeOfTheFileStaysUnderTheOtherTypes) {

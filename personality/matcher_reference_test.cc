@@ -23,7 +23,6 @@
 #include "testing/logging_registry.h"
 #include "testing/reference/matcher.h"
 #include "testing/temporary_directory.h"
-#include "testing/version_check_bypass.h"
 #include "value/xml/writer.h"
 
 namespace fernwick {
@@ -32,6 +31,7 @@ namespace {
 using testing::Computer;
 using testing::FittingPersonality;
 using testing::FullController;
+using testing::List;
 using testing::LoggingRegistry;
 using testing::RandomChoice;
 using testing::ValueDomain;
@@ -215,7 +215,7 @@ class RandomPayloads {
   }
 
   const Dictionary candidates_ = With(FittingPersonality, {{"Existing Max Version", 2.5},
-                                                           {"Port Address", Array{2, 0, 1}},
+                                                           {"Port Address", List({2, 0, 1})},
                                                            {"Personality Type", "Grat"},
                                                            {"Firmware", "Grat.bin"},
                                                            {"Priority", 20}});

@@ -7,6 +7,8 @@
 namespace fernwick {
 namespace {
 
+using testing::Dict;
+using testing::List;
 using testing::NonNumbers;
 
 // As a vector; nothing for a value of the wrong shape.
@@ -17,16 +19,16 @@ std::optional<Array> Candidates(std::string_view type, const PropertyValue& valu
 }
 
 TEST(PersonalitiesOf, AnArrayIsItsElementsWhateverTheyAre) {
-  const Array value = {Dictionary{{"Version", 1}}, 5, Array{}};
+  const Array value = {Dict({{"Version", 1}}), 5, Array()};
   for (const char* type : {"LegacyThunderbolt", "Thunderbolt", "USBC"}) {
     EXPECT_EQ(Candidates(type, value), value) << type;
-    EXPECT_EQ(Candidates(type, Array{}), Array{}) << type;
+    EXPECT_EQ(Candidates(type, Array()), Array()) << type;
   }
 }
 
 TEST(PersonalitiesOf, TheLegacyUsbcOneIsTheDictionaryItself) {
   const Dictionary value = {{"Version", 1}};
-  EXPECT_EQ(Candidates("LegacyUSBC", value), Array{value});
+  EXPECT_EQ(Candidates("LegacyUSBC", value), List({value}));
 }
 
 TEST(PersonalitiesOf, AValueOfAnotherShapeIsNothing) {
