@@ -9,12 +9,13 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
-#include "testing/capture.h"
 #include "testing/inputs/binary_property_list_builder.h"
 #include "testing/inputs/corruption.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
+#include "testing/test_console.h"
 #include "testing/unprivileged.h"
 #include "value/property_list_reader.h"
 
@@ -30,12 +31,15 @@ using testing::TemporaryDirectory;
 
 using OptionalText = std::optional<std::string>;
 
-// What loading gave, and all that it logged.
+// What loading returned, and all that it logged.
 struct Loading {
   std::optional<PropertyValue> value;
   std::string log;
+  std::optional<PropertyList> list = {};  // which the value views
 
-  friend bool operator==(const Loading&, const Loading&) = default;
+  friend bool operator==(const Loading& a, const Loading& b) {
+    return a.value == b.value && a.log == b.log;
+  }
 };
 
 void PrintTo(const Loading& loading, std::ostream* out) {
@@ -44,9 +48,13 @@ void PrintTo(const Loading& loading, std::ostream* out) {
 }
 
 Loading Load(const OptionalText& boardIdString, const OptionalText& personalitiesDirectory) {
-  testing::StandardErrorCapture standardError;
-  auto value = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory);
-  return {std::move(value), standardError.TakeText()};
+  testing::TestConsole console;
+  auto list = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+  console.Flush();
+  EXPECT_EQ(console.Output(), "");
+  Loading loading = {{}, console.Error(), std::move(list)};
+  if (loading.list) loading.value = loading.list->value;
+  return loading;
 }
 
 Loading NoFiles(std::string_view boardId) {
@@ -118,10 +126,10 @@ constexpr char SmallConfig[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </plist>
 )";
 
-const Dictionary SmallValue = {
+const Dictionary SmallValue = Dict({
     {"USBC", List({Dict({{"Version", 5}, {"Port UUID", List({"b0A1"})}})})},
     {"LegacyUSBC", Dict({{"Version", 41.05}})},
-};
+});
 
 TEST(ConfigurationPath, IsTheFileInTheDirectoryOfTheBoard) {
   EXPECT_EQ(ConfigurationPath("Zed-42", "/P//Fernwick/"), "/P//Fernwick/Zed-42/Config.plist");
@@ -370,11 +378,11 @@ TEST(Configuration, AFileOfMoreThanOneGibibyteIsRefused) {
 
 TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
   constexpr std::size_t count = 100000;
-  const Array personalities(count, Dict({{"Version", 5}}));
+  const std::vector<PropertyValue> personalities(count, Dict({{"Version", 5}}));
   EXPECT_EQ(LoadBytes("<dict><key>USBC</key><array>" +
                       Repeated("<dict><key>Version</key><integer>5</integer></dict>", count) +
                       "</array></dict>"),
-            (Loading{Dict({{"USBC", personalities}}), ""}));
+            (Loading{Dict({{"USBC", List(personalities)}}), ""}));
 }
 
 TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
@@ -409,7 +417,9 @@ TEST(Configuration, CutShortAnywhereIsTold) {
   for (std::size_t size = 1; size < end; ++size) {
     const auto bytes = testing::Truncated(whole, size);
     const auto reading = ReadPropertyList(bytes);
-    EXPECT_EQ(LoadBytes(bytes), NotRead(reading.error, static_cast<int>(reading.serialisation)))
+    ASSERT_FALSE(reading.list) << size;
+    EXPECT_EQ(LoadBytes(bytes),
+              NotRead(Describe(reading.list.Error()), static_cast<int>(reading.serialisation)))
         << size;
   }
   EXPECT_EQ(LoadBytes(whole.substr(0, end)), (Loading{SmallValue, ""}));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -75,7 +76,8 @@ Outcome MatchIn(Registry& registry, const std::optional<std::string>& boardId,
   testing::TestConsole console;
   auto matching = MatchPersonalities({registry, console, run.bypassVersionCheck}, boardId,
                                      run.boardRevision, directory);
-  EXPECT_EQ(console.Flushes(), std::vector<std::string>());
+  console.Flush();
+  EXPECT_EQ(console.Output(), "");
   if (!matching) return {{}, console.Error(), matching.Error()};
   return {std::move(matching->matches), console.Error(), {}, std::move(matching->configuration)};
 }
@@ -572,7 +574,9 @@ TEST(Matcher, RecordsComeInTheOrderOfTheFilesKeys) {
 }
 
 TEST(Matcher, WithinATypeRecordsComeInInventoryOrder) {
-  const auto forPort = [](int address) { return With({{"Port Address", address}}, PortUpdate); };
+  const auto forPort = [](int address) {
+    return Dict(With({{"Port Address", address}}, PortUpdate));
+  };
   const auto record = [](int address) {
     return With({{"Port Address", address}}, PortRecord(address, "USBC"));
   };
@@ -678,6 +682,9 @@ TEST(Matcher, OnlyTheLowEightBitsOfTheBoardRevisionCount) {
   EXPECT_EQ(Match(OnePort(), usbc, {0xFFFFFF03}), matched);
   EXPECT_EQ(Match(OnePort(), usbc, {2}), Nothing());
   EXPECT_EQ(Match(OnePort(), usbc, {256}), Nothing());
+  const Record zero = {{"MaxBoardRevision", 0}};
+  EXPECT_EQ(Match(OnePort(), Dict({{"USBC", List({Dict(With(zero, PortUpdate))})}}), {256}),
+            Matched({With(zero, PortRecord(0, "USBC"))}));
 }
 
 TEST(Matcher, TheBoardRevisionIsHeldUnderThunderboltToo) {
@@ -758,6 +765,17 @@ TEST(Matcher, AClassThatCannotBeMatchedYieldsNothing) {
   }
 }
 
+TEST(Matcher, AFaultOfAnInventoryIsReturnedWithoutTheMatchesBeforeIt) {
+  auto computer = OnePort();
+  computer.AddThunderbolt("Ridge0", Without(ThunderboltProperties, "UID"));
+  LoggingRegistry registry(computer.Recorded());
+  EXPECT_EQ(Match(registry, Dict({{"USBC", List({Dict(PortUpdate)})},
+                                  {"LegacyThunderbolt", List({Dict(RidgeUpdate)})},
+                                  {"LegacyUSBC", Dict(PortUpdate)}})),
+            (Outcome{.matches = {}, .fault = Fault::MissingUid}));
+  EXPECT_EQ(registry.CallsOf("MatchServicesByClass"), (Calls{PortInventory, ThunderboltInventory}));
+}
+
 TEST(Matcher, EveryCallStartsAfresh) {
   const auto computer = OnePort();
   LoggingRegistry registry(computer.Recorded());
@@ -770,14 +788,15 @@ TEST(Matcher, EveryCallStartsAfresh) {
 
 TEST(Matcher, ManyPortsAndPersonalitiesAllFindTheirMatch) {
   Computer computer;
-  Array personalities;
+  std::vector<PropertyValue> personalities;
   Records expected;
   for (int address = 0; address < 100; ++address) {
     computer.AddPort("Port" + std::to_string(address), PortProperties(address, "a"));
-    personalities.insert(personalities.begin(), With({{"Port Address", address}}, PortUpdate));
+    personalities.emplace_back(Dict(With({{"Port Address", address}}, PortUpdate)));
     expected.push_back(With({{"Port Address", address}}, PortRecord(address, "USBC")));
   }
-  EXPECT_EQ(Match(computer, Dict({{"USBC", personalities}})), Matched(expected));
+  std::ranges::reverse(personalities);
+  EXPECT_EQ(Match(computer, Dict({{"USBC", List(personalities)}})), Matched(expected));
 }
 
 }  // namespace
