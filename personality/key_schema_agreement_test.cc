@@ -58,7 +58,7 @@ const Record Update = {
 bool Applies(TypeSet type, Dictionary personality) {
   testing::TestConsole console;
   const RequirementContext context{.hardware = FullPortRecord, .boardRevision = BoardRevision};
-  return CheckRequirements(type, personality, context, console);
+  return ControllerCheck(type, context).Applies(personality, console);
 }
 
 template <typename Predicate>
