@@ -44,7 +44,7 @@ bool IsSetInNvram(const std::optional<PropertyValue>& variable) {
   if (!variable) return false;
   if (const auto text = variable->AsString()) return IsSetting(*text);
   const auto bytes = variable->AsData();
-  return bytes && FindInvalidUtf8(*bytes) == NoPlace && IsSetting(*bytes);
+  return bytes && FindInvalidUtf8(*bytes) == npos && IsSetting(*bytes);
 }
 
 }  // namespace

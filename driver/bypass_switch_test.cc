@@ -2,40 +2,55 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "testing/abnormal_end.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
-#include "testing/system_log.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Bytes;
 using testing::Computer;
-using testing::ExpectAbnormalEnd;
+using testing::Dict;
+using testing::List;
 using testing::LoggingRegistry;
-using testing::SystemLogOnStandardError;
 
 constexpr char Switch[] = "fernwick_bypass_usbc_updates";
 
-bool IsSet(const Computer& computer) {
+Result<bool, Fault> Read(const Computer& computer) {
   LoggingRegistry registry(computer.Recorded());
   return ReadBypassSwitch(registry, Switch);
 }
 
-bool IsSetByBootArguments(PropertyValue arguments) {
-  Computer computer;
-  computer.Set(computer.Options(), "boot-args", std::move(arguments));
-  return IsSet(computer);
+bool IsSet(const Computer& computer) {
+  const auto isSet = Read(computer);
+  EXPECT_TRUE(isSet) << Describe(isSet.Error());
+  return isSet && *isSet;
 }
 
-bool IsSetByNvram(PropertyValue variable) {
+Computer WithBootArguments(const PropertyValue& arguments) {
   Computer computer;
-  computer.Set(computer.Options(), Switch, std::move(variable));
+  computer.Set(computer.Options(), "boot-args", arguments);
+  return computer;
+}
+
+bool IsSetByBootArguments(const PropertyValue& arguments) {
+  return IsSet(WithBootArguments(arguments));
+}
+
+// The fault that the boot arguments are; nothing when they are none.
+std::optional<Fault> FaultOf(const char* arguments) {
+  const auto isSet = Read(WithBootArguments(arguments));
+  return isSet ? std::nullopt : std::optional(isSet.Error());
+}
+
+bool IsSetByNvram(const PropertyValue& variable) {
+  Computer computer;
+  computer.Set(computer.Options(), Switch, variable);
   return IsSet(computer);
 }
 
@@ -102,24 +117,29 @@ TEST(ReadBypassSwitch, OnlyBlanksSeparateTokens) {
 
 TEST(ReadBypassSwitch, BootArgumentsOfAnotherKindHoldNoTokens) {
   EXPECT_FALSE(IsSetByBootArguments(Bytes("fernwick_bypass_usbc_updates=1")));
-  EXPECT_FALSE(IsSetByBootArguments(Array{"fernwick_bypass_usbc_updates=1"}));
+  EXPECT_FALSE(IsSetByBootArguments(List({"fernwick_bypass_usbc_updates=1"})));
   EXPECT_FALSE(IsSetByBootArguments(Bytes("fernwick_bypass_usbc_updates")));
 }
 
-TEST(ReadBypassSwitch, BareSwitchNameEndsTheProcess) {
-  EXPECT_EXIT(IsSetByBootArguments("fernwick_bypass_usbc_updates"),
-              ::testing::KilledBySignal(SIGABRT), "^$");
+TEST(ReadBypassSwitch, BareSwitchNameIsAFault) {
+  EXPECT_EQ(FaultOf("fernwick_bypass_usbc_updates"), Fault::BareSwitch);
+  EXPECT_EQ(FaultOf("-v fernwick_bypass_usbc_updates fernwick_bypass_usbc_updates=0"),
+            Fault::BareSwitch);
 }
 
-TEST(ReadBypassSwitch, BareSwitchNameTellsTheSystemLogWhy) {
-  const SystemLogOnStandardError shown;
-  ExpectAbnormalEnd([] { IsSetByBootArguments("fernwick_bypass_usbc_updates"); },
-                    "log: a boot argument is a switch name without a value\n");
+TEST(ReadBypassSwitch, BareSwitchNameBehindASettingOneIsAFault) {
+  EXPECT_EQ(FaultOf("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates"),
+            Fault::BareSwitch);
+  EXPECT_EQ(FaultOf("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates="), std::nullopt);
 }
 
-TEST(ReadBypassSwitch, BareSwitchNameBehindASettingOneEndsTheProcess) {
-  EXPECT_EXIT(IsSetByBootArguments("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates"),
-              ::testing::KilledBySignal(SIGABRT), "^$");
+TEST(ReadBypassSwitch, BareSwitchNameLeavesNvramUnread) {
+  const auto computer = WithBootArguments("fernwick_bypass_usbc_updates");
+  LoggingRegistry registry(computer.Recorded());
+  EXPECT_FALSE(ReadBypassSwitch(registry, Switch));
+  EXPECT_EQ(registry.Calls(),
+            (std::vector<std::string>{"LookupEntryByPath IODeviceTree:/options",
+                                      "GetProperty options boot-args", "ReleaseEntry options"}));
 }
 
 TEST(ReadBypassSwitch, NvramDataIsText) {
@@ -149,23 +169,24 @@ TEST(ReadBypassSwitch, NvramOfAnotherKindDoesNotSetIt) {
   EXPECT_FALSE(IsSetByNvram(1));
   EXPECT_FALSE(IsSetByNvram(1.0));
   EXPECT_FALSE(IsSetByNvram(true));
-  EXPECT_FALSE(IsSetByNvram(Array{"1"}));
-  EXPECT_FALSE(IsSetByNvram(Dictionary{{"1", "1"}}));
+  EXPECT_FALSE(IsSetByNvram(List({"1"})));
+  EXPECT_FALSE(IsSetByNvram(Dict({{"1", "1"}})));
 }
 
 TEST(ReadBypassSwitch, BootArgumentThatSetsItLeavesNvramUnread) {
   Computer computer;
   computer.Set(computer.Options(), "boot-args", "fernwick_bypass_usbc_updates=1");
   LoggingRegistry registry(computer.Recorded());
-  EXPECT_TRUE(ReadBypassSwitch(registry, Switch));
+  EXPECT_EQ(ReadBypassSwitch(registry, Switch), (Result<bool, Fault>(true)));
   EXPECT_EQ(registry.Calls(),
             (std::vector<std::string>{"LookupEntryByPath IODeviceTree:/options",
                                       "GetProperty options boot-args", "ReleaseEntry options"}));
 }
 
 TEST(ReadBypassSwitch, WithoutOptionsEntryIsUnset) {
-  LoggingRegistry registry{Recording()};
-  EXPECT_FALSE(ReadBypassSwitch(registry, Switch));
+  const Recording empty;
+  LoggingRegistry registry(empty);
+  EXPECT_EQ(ReadBypassSwitch(registry, Switch), (Result<bool, Fault>(false)));
   EXPECT_EQ(registry.Calls(),
             (std::vector<std::string>{
                 "LookupEntryByPath IODeviceTree:/options", "GetProperty none boot-args",

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/capture.h"
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
@@ -12,10 +16,9 @@ namespace {
 using Flushes = std::vector<std::string>;
 
 Flushes HeaderFlushes(const BoardIdentity& identity, const std::optional<std::string>& directory) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  PrintHeader(out, identity, directory);
-  return capture.Flushes();
+  testing::TestConsole console;
+  PrintHeader(console, identity, directory);
+  return console.Flushes();
 }
 
 TEST(PrintHeader, ShowsTheBoardAndTheDirectory) {
@@ -45,21 +48,24 @@ TEST(PrintHeader, ShowsWhatIsAbsent) {
 struct Listing {
   Flushes flushes;
   std::vector<std::string> matchings;  // which classes were asked for
+  std::optional<Fault> fault;
 };
 
-Listing List(const testing::Computer& computer) {
-  testing::StreamCapture capture;
+Listing ListingOf(const testing::Computer& computer) {
+  testing::TestConsole console;
   testing::LoggingRegistry registry(computer.Recorded());
-  Output out(capture.Stream());
-  PrintHardware(out, registry);
-  return {capture.Flushes(), registry.CallsOf("MatchServicesByClass")};
+  const auto fault = PrintHardware(console, registry);
+  const auto flushes = console.Flushes();
+  console.Flush();
+  EXPECT_EQ(console.Flushes(), flushes);
+  return {flushes, registry.CallsOf("MatchServicesByClass"), fault};
 }
 
 TEST(PrintHardware, ShowsOnlyThePortsWhereThereAreBothKinds) {
   testing::Computer computer;
   computer.AddThunderbolt("ridge0", {{"UID", 7}, {"Depth", 0}, {"Route String", 0}});
   computer.AddPort("hpm0", {{"Address", 56}});
-  const auto listing = List(computer);
+  const auto listing = ListingOf(computer);
   EXPECT_EQ(listing.flushes, (Flushes{"Current hardware:\n\n"
                                       "(\n"
                                       "    {\n"
@@ -68,12 +74,13 @@ TEST(PrintHardware, ShowsOnlyThePortsWhereThereAreBothKinds) {
                                       ")",
                                       "\n\n"}));
   EXPECT_EQ(listing.matchings, std::vector<std::string>{"MatchServicesByClass QuinceHPMDevice"});
+  EXPECT_EQ(listing.fault, std::nullopt);
 }
 
 TEST(PrintHardware, ShowsThunderboltControllersWithoutPorts) {
   testing::Computer computer;
   computer.AddThunderbolt("ridge0", {{"UID", 7}, {"Depth", 0}, {"Route String", 0}});
-  const auto listing = List(computer);
+  const auto listing = ListingOf(computer);
   EXPECT_EQ(listing.flushes, (Flushes{"Current hardware:\n\n"
                                       "(\n"
                                       "    {\n"
@@ -88,8 +95,22 @@ TEST(PrintHardware, ShowsThunderboltControllersWithoutPorts) {
 }
 
 TEST(PrintHardware, SaysThatThereIsNone) {
-  EXPECT_EQ(List(testing::Computer()).flushes,
+  EXPECT_EQ(ListingOf(testing::Computer()).flushes,
             (Flushes{"No supported hardware on this platform?\n", "\n\n"}));
+}
+
+TEST(PrintHardware, OfAFaultPrintsNothing) {
+  testing::Computer ridge;
+  ridge.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  EXPECT_EQ(ListingOf(ridge).fault, Fault::MissingUid);
+  EXPECT_EQ(ListingOf(ridge).flushes, Flushes());
+  testing::Computer port;
+  const auto above = port.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  port.AddService(above, "hpm0", "QuinceHPMDevice", {{"Address", 0}});
+  const auto listing = ListingOf(port);
+  EXPECT_EQ(listing.fault, Fault::MissingUid);
+  EXPECT_EQ(listing.flushes, Flushes());
+  EXPECT_EQ(listing.matchings, std::vector<std::string>{"MatchServicesByClass QuinceHPMDevice"});
 }
 
 }  // namespace

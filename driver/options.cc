@@ -30,7 +30,7 @@ constexpr int EndOfOptions = -1;
 
 // Nothing is normalised: a payload "/a/" gives "/a//Fernwick/".
 std::optional<std::string> PersonalitiesDirectory(std::string_view payload) {
-  if (FindInvalidUtf8(payload) != NoPlace) return std::nullopt;
+  if (FindInvalidUtf8(payload) != npos) return std::nullopt;
   return std::string(payload) + "/Fernwick/";
 }
 

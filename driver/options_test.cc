@@ -1,8 +1,14 @@
 #include "driver/options.h"
 
+#include <getopt.h>
 #include <gtest/gtest.h>
 
-#include "testing/capture.h"
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "testing/command_line.h"
 
 namespace fernwick {
@@ -10,25 +16,18 @@ namespace {
 
 using testing::CommandLine;
 
-struct Parsed {
-  Options options;
-  std::string standardError;
-};
-
-Parsed Parse(const CommandLine& line) {
-  testing::StandardErrorCapture errors;
-  auto options = ParseOptions(line.Count(), line.Vector());
-  return {std::move(options), errors.TakeText()};
+Options Parse(const CommandLine& line) {
+  return ParseOptions(line.Count(), line.Vector());
 }
 
 void ExpectParsed(const CommandLine& line, const Options& expected,
-                  const std::string& standardError = "") {
-  const auto parsed = Parse(line);
-  EXPECT_EQ(parsed.options.accepted, expected.accepted);
-  EXPECT_EQ(parsed.options.verbose, expected.verbose);
-  EXPECT_EQ(parsed.options.bypassVersionCheck, expected.bypassVersionCheck);
-  EXPECT_EQ(parsed.options.personalitiesDirectory, expected.personalitiesDirectory);
-  EXPECT_EQ(parsed.standardError, standardError);
+                  const std::string& diagnostic = "") {
+  const auto options = Parse(line);
+  EXPECT_EQ(options.accepted, expected.accepted);
+  EXPECT_EQ(options.verbose, expected.verbose);
+  EXPECT_EQ(options.bypassVersionCheck, expected.bypassVersionCheck);
+  EXPECT_EQ(options.personalitiesDirectory, expected.personalitiesDirectory);
+  EXPECT_EQ(options.diagnostic, diagnostic);
 }
 
 TEST(ParseOptions, WithoutArgumentsAsksForNothing) {
@@ -46,7 +45,7 @@ TEST(ParseOptions, ShortAndLongForms) {
 
 TEST(ParseOptions, WhatIsLeftOfARejectedArgumentIsForgotten) {
   const CommandLine rejected = {"-zv"};  // which outlives the second, so that its "v" could be read
-  EXPECT_FALSE(Parse(rejected).options.accepted);
+  EXPECT_FALSE(Parse(rejected).accepted);
   ExpectParsed({"-X"}, {});
 }
 
@@ -122,6 +121,79 @@ TEST(ParseOptions, SecondCallStartsAfresh) {
                "fernwick: invalid option -- 'b'\n");
   ExpectParsed({"-v", "-p", "/a"}, {.verbose = true, .personalitiesDirectory = "/a/Fernwick/"});
   ExpectParsed({"-X"}, {});
+}
+
+TEST(ParseOptions, WithoutEvenANameAsksForNothing) {
+  char* const nothing[] = {nullptr};
+  const auto options = ParseOptions(0, nothing);
+  EXPECT_TRUE(options.accepted);
+  EXPECT_FALSE(options.verbose);
+  EXPECT_EQ(options.personalitiesDirectory, std::nullopt);
+}
+
+// What the C library's parser finds wrong with a command line, each in another way.
+const std::vector<std::vector<std::string>> RejectedLines = {
+    {"-b"},
+    {"-vXz"},
+    {"-\xFF"},
+    {"-p"},
+    {"-vp"},
+    {"--payload"},
+    {"--no"},
+    {"--no=\xFF\n%s"},
+    {"--verbose=yes"},
+    {"--verb=yes"},
+    {"--p", "/a"},
+    {"--bypassversion"},
+    {"operand", "-v", "--", "-v", "-b"},
+    {"-v", "operand", "-b", "--no"},
+};
+
+// Ends the process after the parser itself has rejected the line, as a program does that leaves the
+// diagnostics to it.
+[[noreturn]] void ParseAndPrint(const CommandLine& line) {
+  constexpr option longOptions[] = {
+      {"verbose", no_argument, nullptr, 'v'},       {"payload", required_argument, nullptr, 'p'},
+      {"preflight", no_argument, nullptr, 'X'},     {"subupdater", no_argument, nullptr, 's'},
+      {"bypassVersion", no_argument, nullptr, 'b'}, {nullptr, 0, nullptr, 0},
+  };
+  optind = 0;
+  int found = 0;
+  while (found != -1 && found != '?') {
+    found = getopt_long(line.Count(), line.Vector(), "vp:Xs", longOptions, nullptr);
+  }
+  std::_Exit(found == '?' ? 2 : 0);
+}
+
+TEST(ParseOptions, HasTheDiagnosticThatTheParserWouldPrint) {
+  for (const auto& words : RejectedLines) {
+    const CommandLine line(words);
+    const auto options = Parse(line);
+    EXPECT_EXIT(ParseAndPrint(line), ::testing::ExitedWithCode(options.accepted ? 0 : 2),
+                ::testing::Eq(options.diagnostic))
+        << words.front();
+    EXPECT_EQ(options.accepted, words.back() == "-b" && words.front() == "operand")
+        << words.front();
+    EXPECT_EQ(options.diagnostic.empty(), options.accepted) << words.front();
+  }
+}
+
+TEST(ParseOptions, PrintsNothingAndLeavesStandardErrorAsItWas) {
+  const auto parseAndSpeak = [](const CommandLine& line) {
+    Parse(line);
+    std::fputs("still here", stderr);
+    std::fflush(stderr);
+    std::_Exit(0);
+  };
+  for (const auto& words : RejectedLines) {
+    EXPECT_EXIT(parseAndSpeak(CommandLine(words)), ::testing::ExitedWithCode(0),
+                ::testing::Eq("still here"))
+        << words.front();
+  }
+  EXPECT_EXIT(parseAndSpeak({"-v"}), ::testing::ExitedWithCode(0), ::testing::Eq("still here"));
+  std::FILE* const before = stderr;
+  Parse({"-b"});
+  EXPECT_EQ(stderr, before);
 }
 
 }  // namespace

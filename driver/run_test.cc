@@ -2,14 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
 #include "plan/launcher_plist.h"
 #include "testing/call_lists.h"
-#include "testing/capture.h"
 #include "testing/command_line.h"
 #include "testing/computer.h"
 #include "testing/logging_registry.h"
 #include "testing/observed_run.h"
 #include "testing/temporary_directory.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
@@ -19,8 +27,9 @@ using testing::Computer;
 using testing::ObservedRun;
 
 ObservedRun RunOver(const Computer& computer, const CommandLine& line) {
-  return testing::Observe(computer, [&](Registry& registry, std::FILE* stream) {
-    return Run(line.Count(), line.Vector(), registry, stream);
+  const auto options = ParseOptions(line.Count(), line.Vector());
+  return testing::Observe(computer, [&](Registry& registry, Console& console) {
+    return Run(options, registry, console);
   });
 }
 
@@ -287,12 +296,14 @@ TEST(Run, BothSwitchesSetLeaveTheSecondUnread) {
 
 void ExpectPlanned(const ObservedRun& outcome, const std::string& plan) {
   EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.fault, std::nullopt);
   EXPECT_EQ(Joined(outcome.flushes), plan);
   EXPECT_EQ(outcome.standardError, "");
 }
 
 void ExpectNothing(const ObservedRun& outcome) {
   EXPECT_EQ(outcome.status, 13);
+  EXPECT_EQ(outcome.fault, std::nullopt);
   EXPECT_EQ(Joined(outcome.flushes), "");
   EXPECT_EQ(outcome.standardError, "");
 }
@@ -354,34 +365,176 @@ TEST(Run, MatchWithoutAnImageIsReportedAndEndsIt) {
             "fernwick: Error in personality: no firmware image to flash for type LegacyUSBC\n");
 }
 
+// A console on which one of the flushes fails, as on a full disk, and those after it would not.
+class ConsoleWithOneFailure : public Console {
+ public:
+  explicit ConsoleWithOneFailure(std::size_t failing) : failing_(failing) {}
+
+  void WriteError(std::string_view text) override { error_ += text; }
+  void Log(const std::string& message) override { error_ += LogLine(message); }
+
+  const std::string& Output() const { return output_; }
+  const std::string& Error() const { return error_; }
+
+ private:
+  int Send(std::string_view text) override {
+    if (sent_++ == failing_) return ENOSPC;
+    output_ += text;
+    return 0;
+  }
+
+  std::size_t failing_;
+  std::size_t sent_ = 0;
+  std::string output_;
+  std::string error_;
+};
+
+constexpr char OutputLost[] =
+    "fernwick: standard output could not be written: No space left on device\n";
+
+// The status of the run when its standard output fails at any of its flushes. What arrived is what
+// was flushed before that, and standard error has one more line.
+void ExpectStatusOfLostOutput(const std::vector<std::string>& arguments, int status) {
+  const CommandLine line(arguments);
+  const auto options = ParseOptions(line.Count(), line.Vector());
+  const auto computer = OnePort();
+  const auto whole = RunOver(computer, line);
+  EXPECT_FALSE(whole.flushes.empty());
+  std::string arrived;
+  for (std::size_t i = 0; i < whole.flushes.size(); ++i) {
+    testing::LoggingRegistry registry(computer.Recorded());
+    ConsoleWithOneFailure console(i);
+    const auto result = Run(options, registry, console);
+    EXPECT_EQ(result.status, status) << "flush " << i;
+    EXPECT_EQ(result.fault, std::nullopt) << "flush " << i;
+    EXPECT_EQ(console.Output(), arrived) << "flush " << i;
+    EXPECT_EQ(console.Error(), whole.standardError + OutputLost) << "flush " << i;
+    EXPECT_EQ(registry.Calls(), whole.calls) << "flush " << i;
+    arrived += whole.flushes[i];
+  }
+}
+
 TEST(Run, LostPlanIsNoSuccess) {
   const Payload payload(OnePersonality);
-  testing::StandardErrorCapture errors;
-  testing::LoggingRegistry registry(OnePort().Recorded());
-  const CommandLine line{"-p", payload.Path()};
-  std::FILE* fullDisk = testing::OpenFullDisk();
-  EXPECT_EQ(fernwick::Run(line.Count(), line.Vector(), registry, fullDisk), 74);
-  std::fclose(fullDisk);
-  EXPECT_EQ(errors.TakeText(),
-            "fernwick: standard output could not be written: No space left on device\n");
+  ExpectStatusOfLostOutput({"-p", payload.Path()}, 74);
+  ExpectStatusOfLostOutput({"-v", "-p", payload.Path()}, 74);
 }
 
 TEST(Run, LostOutputKeepsAnotherStatus) {
-  testing::StandardErrorCapture errors;
-  testing::LoggingRegistry registry(OnePort().Recorded());
-  const CommandLine line{"-v"};
-  std::FILE* fullDisk = testing::OpenFullDisk();
-  EXPECT_EQ(fernwick::Run(line.Count(), line.Vector(), registry, fullDisk), 13);
-  std::fclose(fullDisk);
-  EXPECT_EQ(errors.TakeText(),
-            std::string(NoBoardFiles) +
-                "fernwick: standard output could not be written: No space left on device\n");
+  ExpectStatusOfLostOutput({"-v"}, 13);
+  ExpectStatusOfLostOutput({"-v", "--no"}, 2);
+  const Payload payload(
+      "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>180</integer></dict></dict>");
+  ExpectStatusOfLostOutput({"-v", "-p", payload.Path()}, 13);
+}
+
+TEST(Run, LostBypassLineIsNoSuccess) {
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "fernwick_bypass_usbc_updates", "1");
+  testing::LoggingRegistry registry(computer.Recorded());
+  ConsoleWithOneFailure console(0);
+  EXPECT_EQ(fernwick::Run({}, registry, console).status, 74);
+  EXPECT_EQ(console.Output(), "");
+  EXPECT_EQ(console.Error(), OutputLost);
+}
+
+TEST(Run, WithoutOutputHasNothingToLose) {
+  const auto computer = OnePort();
+  testing::LoggingRegistry registry(computer.Recorded());
+  ConsoleWithOneFailure console(0);
+  EXPECT_EQ(fernwick::Run({}, registry, console).status, 13);
+  EXPECT_EQ(console.Error(), NoBoardFiles);
+}
+
+TEST(Run, ABareSwitchNameIsAFaultThatPrintsNothing) {
+  for (const char* arguments : {"fernwick_bypass_usbc_updates", "fernwick_bypassversioncheck",
+                                "fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates"}) {
+    auto computer = OnePort();
+    computer.Set(computer.Options(), "boot-args", arguments);
+    for (const CommandLine& line : {CommandLine({"-v"}), CommandLine({"--no"})}) {
+      const auto outcome = RunOver(computer, line);
+      EXPECT_EQ(outcome.fault, Fault::BareSwitch) << arguments;
+      EXPECT_EQ(outcome.flushes, std::vector<std::string>()) << arguments;
+      EXPECT_EQ(outcome.standardError, "") << arguments;
+    }
+  }
+}
+
+// A controller without a unique id beside the port, which a verbose run lists.
+Computer WithoutUid() {
+  auto computer = OnePort();
+  computer.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  return computer;
+}
+
+constexpr char ThunderboltAfterPorts[] =
+    "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>180</integer>"
+    "<key>Existing Max Version</key><integer>170</integer></dict>"
+    "<key>LegacyThunderbolt</key><array/><key>USBC</key><string/></dict>";
+
+TEST(Run, AFaultOfTheMatcherLeavesWhatWasPrinted) {
+  const Payload payload(ThunderboltAfterPorts);
+  auto opening = OpeningFlushes(payload.Path());
+  opening.pop_back();  // there are no matches
+  const auto verbose = RunOver(WithoutUid(), {"-v", "-p", payload.Path()});
+  EXPECT_EQ(verbose.fault, Fault::MissingUid);
+  EXPECT_EQ(verbose.flushes, opening);
+  EXPECT_EQ(verbose.standardError, "** Max firmware version not met.  Aborting\n");
+  const auto silent = RunOver(WithoutUid(), {"-p", payload.Path()});
+  EXPECT_EQ(silent.fault, Fault::MissingUid);
+  EXPECT_EQ(silent.flushes, std::vector<std::string>());
+}
+
+TEST(Run, AFaultOfTheListingLeavesTheHeader) {
+  Computer computer;
+  computer.SetBoard("Zed-42", 3);
+  computer.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  const Payload payload(OnePersonality);
+  const auto outcome = RunOver(computer, {"-v", "-p", payload.Path()});
+  EXPECT_EQ(outcome.fault, Fault::MissingUid);
+  EXPECT_EQ(outcome.flushes, std::vector<std::string>{OpeningFlushes(payload.Path()).front()});
+  EXPECT_EQ(outcome.standardError, "");
+}
+
+// After a fault what waits in the console is not sent.
+TEST(Run, AFaultFlushesNothing) {
+  auto computer = OnePort();
+  computer.Set(computer.Options(), "boot-args", "fernwick_bypassversioncheck");
+  testing::LoggingRegistry registry(computer.Recorded());
+  testing::TestConsole console;
+  console.Write("waiting");
+  EXPECT_EQ(fernwick::Run({}, registry, console).fault, Fault::BareSwitch);
+  EXPECT_EQ(console.Flushes(), std::vector<std::string>());
 }
 
 TEST(ExitStatus, OfAnEmptyPlanIsThatOfWritingNone) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  EXPECT_EQ(WritePlan(out, false, {}, {}), ExitStatus::EmptyPlan);
+  testing::TestConsole console;
+  EXPECT_EQ(WritePlan(console, false, {}, {}), ExitStatus::EmptyPlan);
+}
+
+// Runs of different outcomes at once, many times.
+TEST(Run, RunsInSeveralThreadsAreEachAsIfAlone) {
+  const Payload payload(OlderPersonality);
+  const auto computer = OnePort();
+  const CommandLine plain = {"-v", "-p", payload.Path()};
+  const CommandLine bypassed = {"-v", "--bypassVersion", "-p", payload.Path()};
+  const auto expect = [&](const CommandLine& line) {
+    const auto options = ParseOptions(line.Count(), line.Vector());
+    return [&, options, expected = RunOver(computer, line)] {
+      for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(testing::Observe(computer,
+                                   [&](Registry& registry, Console& console) {
+                                     return fernwick::Run(options, registry, console);
+                                   }),
+                  expected);
+      }
+    };
+  };
+  const auto first = expect(plain);
+  const auto second = expect(bypassed);
+  std::thread threads[] = {std::thread(first), std::thread(second), std::thread(first),
+                           std::thread(second)};
+  for (auto& thread : threads) thread.join();
 }
 
 }  // namespace

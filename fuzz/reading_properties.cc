@@ -45,7 +45,7 @@ std::optional<std::string_view> LineOf(std::string_view text, std::size_t number
 
 void HoldMessage(std::string_view message) {
   Hold(message.size() > 2 && message.starts_with(": "), "a message follows the place");
-  Hold(FindInvalidUtf8(message) == NoPlace, "a message is text");
+  Hold(FindInvalidUtf8(message) == npos, "a message is text");
   Hold(std::ranges::none_of(message, [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }),
        "a message stands on one line");
 }

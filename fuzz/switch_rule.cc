@@ -33,7 +33,7 @@ bool IsSwitchSet(std::string_view bootArguments, const PropertyValue* variable,
   if (variable == nullptr) return false;
   if (const auto text = variable->AsString()) return *text != "0";
   const auto bytes = variable->AsData();
-  return bytes && *bytes != "0" && FindInvalidUtf8(*bytes) == NoPlace;
+  return bytes && *bytes != "0" && FindInvalidUtf8(*bytes) == npos;
 }
 
 }  // namespace fernwick::fuzz

@@ -1,17 +1,21 @@
-// The manual pages tell the truth: what they list is held against what the programs list.
+// What the manual pages list is compared with the schema of keys, the requirements and what the
+// programs list.
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "personality/personality_keys.h"
-#include "registry/record_keys.h"
+#include "personality/requirements.h"
+#include "registry/key_schema.h"
+#include "testing/dictionaries.h"
 #include "testing/files.h"
+#include "testing/inputs/value_domain.h"
 #include "testing/programs/child_process.h"
 #include "testing/programs/manual_page.h"
 #include "testing/programs/program_help.h"
@@ -43,17 +47,32 @@ TEST(Manual, ToolPageListsItsOptionsAndNoOther) {
   EXPECT_EQ(listed, testing::OptionsOfTool(FERNWICK_PROGRAM));
 }
 
-TEST(Manual, ToolPageListsTheDiagnosticsOfTheChecks) {
-  std::set<std::string> written;
-  const std::regex message(R"rx("(\*\* [^"]*)\\n")rx");
-  for (const auto& file : fs::directory_iterator(SourceDirectory / "personality")) {
-    if (file.path().string().ends_with("_test.cc")) continue;
-    const auto source = testing::ReadFile(file.path());
-    for (std::sregex_iterator match(source.begin(), source.end(), message), end; match != end;
-         ++match) {
-      written.insert((*match)[1]);
+// Every diagnostic of a requirement, over every two values that its two sides can have, each
+// without its line feed.
+std::set<std::string> DiagnosticsOf(const Requirement& requirement) {
+  std::vector<std::optional<PropertyValue>> values = {std::nullopt};
+  for (const auto& value : testing::ValueDomain()) values.emplace_back(value);
+  std::set<std::string> diagnostics;
+  for (const auto& wanted : values) {
+    const auto personality = testing::Holding(requirement.key, wanted);
+    for (const auto& found : values) {
+      const auto hardware = testing::Holding(requirement.hardwareKey, found);
+      auto diagnostic = Test(requirement, personality, {hardware}).diagnostic;
+      if (diagnostic.empty()) continue;
+      EXPECT_TRUE(diagnostic.ends_with('\n')) << diagnostic;
+      diagnostic.remove_suffix(1);
+      diagnostics.emplace(diagnostic);
     }
   }
+  return diagnostics;
+}
+
+TEST(Manual, ToolPageListsTheDiagnosticsOfTheChecks) {
+  std::set<std::string> written;
+  for (const auto& requirement : RequirementsOf(Types::Thunderbolt)) {
+    written.merge(DiagnosticsOf(requirement));
+  }
+  EXPECT_EQ(written.size(), 8u);
   std::set<std::string> listed;
   for (const auto& item : ItemsOf(Pages / "fernwick.1")) {
     if (item.section == "DIAGNOSTICS") listed.insert(item.heading);
@@ -91,7 +110,7 @@ std::string NamesOf(TypeSet types) {
   return names;
 }
 
-const char* KindOf(const PersonalityKey& key) {
+const char* KindOf(const Key& key) {
   switch (key.kind) {
     case KeyKind::OneNumber: return "One number.";
     case KeyKind::NumberOrList: return "A number or a list of numbers.";
@@ -101,11 +120,12 @@ const char* KindOf(const PersonalityKey& key) {
     case KeyKind::Priority: return "A number.";
     case KeyKind::NvramDictionary: return "A dictionary.";
     case KeyKind::NameList: return "A list of names.";
+    case KeyKind::NotRead: break;
   }
   return "";
 }
 
-const char* AbsenceOf(const PersonalityKey& key) {
+const char* AbsenceOf(const Key& key) {
   if (key.kind == KeyKind::FileName) return "Without it there is no plan.";
   if (key.kind == KeyKind::Priority) return "Without it 0 is taken.";
   if (key.kind == KeyKind::NvramDictionary) return "Without it nothing is set.";
@@ -117,10 +137,11 @@ const char* AbsenceOf(const PersonalityKey& key) {
                                        : "Without it nothing matches.";
 }
 
-// The first paragraph of a key tells its kind, who reads it and what its absence means.
+// The first paragraph of a key says its kind, which types read it and what its absence means.
 TEST(Manual, ConfigurationPageTellsOfEveryKeyWhatIsTrue) {
   std::map<std::string, std::string> expected;
-  for (const auto& key : PersonalityKeys()) {
+  for (const auto& key : KeySchema()) {
+    if (key.kind == KeyKind::NotRead) continue;
     auto& facts = expected["Qq " + std::string(key.name)];
     facts = KindOf(key);
     if (key.checkedBy != Types::None) facts += " Tested by " + NamesOf(key.checkedBy) + ".";
@@ -151,9 +172,9 @@ std::set<std::string> QuotedIn(const std::string& paragraph) {
 TEST(Manual, RecordingPageNamesEveryPropertyOfAControllerThatIsRead) {
   std::set<std::string> ofPort = {"Route String"};
   std::set<std::string> ofThunderbolt = {"Route String", "Depth"};
-  for (const auto& key : RecordKeys) {
-    if (!key.portProperty.empty()) ofPort.emplace(key.portProperty);
-    if (!key.thunderboltProperty.empty()) ofThunderbolt.emplace(key.thunderboltProperty);
+  for (const auto& key : KeySchema()) {
+    if (!key.port.property.empty()) ofPort.emplace(key.port.property);
+    if (!key.thunderbolt.property.empty()) ofThunderbolt.emplace(key.thunderbolt.property);
   }
   std::map<std::string, std::set<std::string>> told;
   for (const auto& item : ItemsOf(Pages / "fernwick-recording.5")) {

@@ -12,41 +12,34 @@
 #include <utility>
 #include <vector>
 
-#include "personality/legacy_thunderbolt_check.h"
-#include "personality/legacy_usbc_check.h"
-#include "personality/personality.h"
-#include "personality/thunderbolt_check.h"
-#include "personality/usbc_check.h"
-#include "registry/hardware_record.h"
-#include "testing/capture.h"
+#include "personality/requirements.h"
+#include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/fitting_personality.h"
 #include "testing/inputs/random_choice.h"
 #include "testing/inputs/value_domain.h"
 #include "testing/named_rows.h"
 #include "testing/reference/checks.h"
-#include "testing/verdict.h"
-#include "testing/version_check_bypass.h"
 
 namespace fernwick {
 namespace {
 
+using testing::CheckResult;
 using testing::FittingPersonality;
 using testing::FullController;
+using testing::List;
 using testing::Named;
 using testing::RandomChoice;
 using testing::ValueDomain;
-using testing::Verdict;
-using testing::VersionCheckBypass;
 using testing::With;
 
 namespace reference = testing::reference;
 
 using MaybeValue = std::optional<PropertyValue>;
 using Values = std::vector<MaybeValue>;
-using Dictionaries = std::vector<Dictionary>;
+using Records = std::vector<Record>;
 
-constexpr unsigned BoardRevision = 2;
+constexpr std::uint8_t BoardRevision = 2;
 
 // What a check holds against what.
 struct Constraint {
@@ -79,7 +72,7 @@ constexpr Constraint Constraints[] = {
     {"Firmware Mode", "Firmware Mode"},
 };
 
-const Array Present = ValueDomain();
+const std::vector<PropertyValue> Present = ValueDomain();
 
 // The domain and absence.
 const Values Domain = [] {
@@ -88,23 +81,21 @@ const Values Domain = [] {
   return values;
 }();
 
-Dictionary Replacing(const Dictionary& dictionary, std::string_view key, const MaybeValue& value) {
-  Dictionary replaced = dictionary;
+Record Replacing(Record replaced, std::string_view key, const MaybeValue& value) {
   replaced.SetOrRemove(key, value ? &*value : nullptr);
   return replaced;
 }
 
-// Every one of the dictionaries with every one of the values.
-Dictionaries Variants(const Dictionaries& dictionaries, std::string_view key,
-                      const Values& values) {
-  Dictionaries variants;
-  for (const auto& dictionary : dictionaries) {
-    for (const auto& value : values) variants.push_back(Replacing(dictionary, key, value));
+// Every one of the records with every one of the values.
+Records Variants(const Records& records, std::string_view key, const Values& values) {
+  Records variants;
+  for (const auto& record : records) {
+    for (const auto& value : values) variants.push_back(Replacing(record, key, value));
   }
   return variants;
 }
 
-using RealCheck = bool (*)(const Personality&, const HardwareRecord&, unsigned);
+using RealCheck = bool (*)(Dictionary, const RequirementContext&, Console&);
 using ReferenceCheck = bool (*)(const Dictionary&, const Dictionary&, unsigned, bool, std::string&);
 
 struct CheckPair {
@@ -112,47 +103,35 @@ struct CheckPair {
   ReferenceCheck reference;
 };
 
-// The real checks that take a board revision, without a recorder.
-template <auto Check>
-bool Unrecorded(const Personality& personality, const HardwareRecord& hardware, unsigned revision) {
-  return Check(personality, hardware, revision, nullptr);
-}
-
 const std::vector<Named<CheckPair>> Checks = {
     {"LegacyUsbc",
-     {[](const Personality& personality, const HardwareRecord& hardware, unsigned) {
-        return CheckLegacyUsbcRequirements(personality, hardware);
-      },
+     {CheckLegacyUsbcRequirements,
       [](const Dictionary& personality, const Dictionary& hardware, unsigned, bool bypass,
          std::string& diagnostics) {
         return reference::CheckLegacyUsbcRequirements(personality, hardware, bypass, diagnostics);
       }}},
-    {"Usbc", {Unrecorded<CheckUsbcRequirements>, reference::CheckUsbcRequirements}},
+    {"Usbc", {CheckUsbcRequirements, reference::CheckUsbcRequirements}},
     {"LegacyThunderbolt",
-     {[](const Personality& personality, const HardwareRecord& hardware, unsigned) {
-        return CheckLegacyThunderboltRequirements(personality, hardware, 0);
-      },
+     {CheckLegacyThunderboltRequirements,
       [](const Dictionary& personality, const Dictionary& hardware, unsigned, bool bypass,
          std::string& diagnostics) {
         return reference::CheckLegacyThunderboltRequirements(personality, hardware, bypass,
                                                              diagnostics);
       }}},
-    {"Thunderbolt",
-     {Unrecorded<CheckThunderboltRequirements>, reference::CheckThunderboltRequirements}},
+    {"Thunderbolt", {CheckThunderboltRequirements, reference::CheckThunderboltRequirements}},
 };
 
 // Compares the two until they differ for the first time; a test that saw only one verdict fails.
 class ChecksReference : public ::testing::TestWithParam<Named<CheckPair>> {
  protected:
   // With the version check and with it bypassed.
-  void Compare(const Dictionary& personality, const Dictionary& hardware,
+  void Compare(const Record& personality, const Record& hardware,
                unsigned boardRevision = BoardRevision) {
     CompareOnce(personality, hardware, boardRevision, false);
-    const VersionCheckBypass bypass;
     CompareOnce(personality, hardware, boardRevision, true);
   }
 
-  void CompareAll(const Dictionaries& personalities, const Dictionaries& hardware) {
+  void CompareAll(const Records& personalities, const Records& hardware) {
     for (const auto& personality : personalities) {
       for (const auto& record : hardware) Compare(personality, record);
     }
@@ -164,13 +143,15 @@ class ChecksReference : public ::testing::TestWithParam<Named<CheckPair>> {
   }
 
  private:
-  void CompareOnce(const Dictionary& personality, const Dictionary& hardware,
-                   unsigned boardRevision, bool bypass) {
+  // Of the board revision the matcher passes the low 8 bits on; the reference takes them itself.
+  void CompareOnce(const Record& personality, const Record& hardware, unsigned boardRevision,
+                   bool bypass) {
     if (HasFailure()) return;
-    Verdict found;
-    found.applies = GetParam().row.real(personality, hardware, boardRevision);
-    found.diagnostics = standardError_.TakeNewText();
-    Verdict expected;
+    const RequirementContext context = {hardware, static_cast<std::uint8_t>(boardRevision), bypass};
+    CheckResult found;
+    found.applies = GetParam().row.real(personality, context, console_);
+    found.diagnostics = console_.TakeError();
+    CheckResult expected;
     expected.applies = GetParam().row.reference(personality, hardware, boardRevision, bypass,
                                                 expected.diagnostics);
     verdicts_.insert(found.applies);
@@ -183,7 +164,7 @@ class ChecksReference : public ::testing::TestWithParam<Named<CheckPair>> {
                   << "\n  Expected: " << ::testing::PrintToString(expected);
   }
 
-  testing::StandardErrorCapture standardError_;
+  testing::TestConsole console_;
   std::set<bool> verdicts_;
 };
 
@@ -199,8 +180,8 @@ TEST_P(ChecksReference, AgreesOnTheWholeVersionWindowAtOnce) {
   constexpr std::int64_t Inexact = (std::int64_t{1} << 53) + 1;
   constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
   const Values installed = {{}, "5", 5, 5.0, JustAbove, Inexact - 1, Inexact, true, NotANumber};
-  const Values offered = {{}, "6", 4, 5, JustAbove, 6, Inexact, Array{6}, NotANumber};
-  const Values bounds = {{}, "5", 4, 5, JustAbove, 6, Inexact, Array{5}, NotANumber};
+  const Values offered = {{}, "6", 4, 5, JustAbove, 6, Inexact, List({6}), NotANumber};
+  const Values bounds = {{}, "5", 4, 5, JustAbove, 6, Inexact, List({5}), NotANumber};
   const Values engineering = {{}, 0, 64, false, "64"};
   auto personalities = Variants({FittingPersonality}, "Version", offered);
   personalities = Variants(personalities, "Existing Min Version", bounds);
@@ -213,7 +194,7 @@ TEST_P(ChecksReference, AgreesOnTheWholeVersionWindowAtOnce) {
 TEST_P(ChecksReference, AgreesOnTheBoundsOfTheBoardRevision) {
   const auto personalities = Variants(Variants({FittingPersonality}, "MinBoardRevision", Domain),
                                       "MaxBoardRevision", Domain);
-  const HardwareRecord tooNew = With(FullController, {{"Version", 9}});
+  const Record tooNew = With(FullController, {{"Version", 9}});
   for (const unsigned boardRevision : {0u, 1u, 2u, 3u, 255u, 256u, 259u, 0xFFFFFF02u}) {
     for (const auto& personality : personalities)
       Compare(personality, FullController, boardRevision);
@@ -227,36 +208,36 @@ struct Change {
 };
 
 // What is wrong with one constraint, on either side or on both.
-struct Fault {
+struct Flaw {
   std::optional<Change> personality;
   std::optional<Change> hardware;
 };
 
 // The key is missing, of another kind, too small or too great.
-std::vector<Fault> AllFaults() {
-  const Values wrong = {{}, Dictionary{}, 1, 9};
-  std::vector<Fault> faults;
+std::vector<Flaw> AllFlaws() {
+  const Values wrong = {{}, Dictionary(), 1, 9};
+  std::vector<Flaw> flaws;
   for (const auto& [personalityKey, hardwareKey] : Constraints) {
     for (const auto& value : wrong) {
-      faults.push_back({Change{personalityKey, value}, {}});
-      faults.push_back({{}, Change{hardwareKey, value}});
-      faults.push_back({Change{personalityKey, value}, Change{hardwareKey, {}}});
+      flaws.push_back({Change{personalityKey, value}, {}});
+      flaws.push_back({{}, Change{hardwareKey, value}});
+      flaws.push_back({Change{personalityKey, value}, Change{hardwareKey, {}}});
     }
   }
-  return faults;
+  return flaws;
 }
 
-void Apply(const std::optional<Change>& change, Dictionary& dictionary) {
-  if (change) dictionary = Replacing(dictionary, change->key, change->value);
+void Apply(const std::optional<Change>& change, Record& record) {
+  if (change) record = Replacing(record, change->key, change->value);
 }
 
-// Which of two faults is told, or whether both are, shows the order of the steps.
-TEST_P(ChecksReference, AgreesOnAnyTwoFaultsAtOnce) {
-  const auto faults = AllFaults();
-  for (const auto& one : faults) {
-    for (const auto& other : faults) {
-      Dictionary personality = FittingPersonality;
-      Dictionary hardware = FullController;
+// Which of two flaws is told, or whether both are, shows the order of the steps.
+TEST_P(ChecksReference, AgreesOnAnyTwoFlawsAtOnce) {
+  const auto flaws = AllFlaws();
+  for (const auto& one : flaws) {
+    for (const auto& other : flaws) {
+      Record personality = FittingPersonality;
+      Record hardware = FullController;
       Apply(one.personality, personality);
       Apply(one.hardware, hardware);
       Apply(other.personality, personality);
@@ -269,9 +250,9 @@ TEST_P(ChecksReference, AgreesOnAnyTwoFaultsAtOnce) {
 class RandomRecords {
  public:
   // A personality and a controller with up to `changes` changes, each to one key of one of them.
-  std::pair<Dictionary, Dictionary> Pair(std::size_t changes) {
-    Dictionary personality = FittingPersonality;
-    Dictionary hardware = FullController;
+  std::pair<Record, Record> Pair(std::size_t changes) {
+    Record personality = FittingPersonality;
+    Record hardware = FullController;
     for (std::size_t i = choice_.Below(changes + 1); i > 0; --i) {
       const auto& [personalityKey, hardwareKey] = choice_.OneOf(Constraints);
       if (choice_.OnceIn(2)) {
@@ -292,11 +273,11 @@ class RandomRecords {
   MaybeValue Value(const PropertyValue* other) {
     if (other == nullptr || choice_.OnceIn(2)) return choice_.OneOf(Domain);
     if (choice_.OnceIn(2)) return *other;
-    Array array;
-    for (std::size_t i = choice_.Below(3); i > 0; --i) array.push_back(choice_.OneOf(Present));
-    array.push_back(*other);
-    choice_.Shuffle(array);
-    return array;
+    std::vector<PropertyValue> elements;
+    for (std::size_t i = choice_.Below(3); i > 0; --i) elements.push_back(choice_.OneOf(Present));
+    elements.push_back(*other);
+    choice_.Shuffle(elements);
+    return List(elements);
   }
 
   RandomChoice choice_{20260917};

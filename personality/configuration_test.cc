@@ -9,12 +9,13 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
-#include "testing/capture.h"
 #include "testing/inputs/binary_property_list_builder.h"
 #include "testing/inputs/corruption.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
+#include "testing/test_console.h"
 #include "testing/unprivileged.h"
 #include "value/property_list_reader.h"
 
@@ -23,17 +24,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using testing::Dict;
+using testing::List;
 using testing::Repeated;
 using testing::TemporaryDirectory;
 
 using OptionalText = std::optional<std::string>;
 
-// What loading gave, and all that it logged.
+// What loading returned, and all that it logged.
 struct Loading {
   std::optional<PropertyValue> value;
   std::string log;
+  std::optional<PropertyList> list = {};  // which the value views
 
-  friend bool operator==(const Loading&, const Loading&) = default;
+  friend bool operator==(const Loading& a, const Loading& b) {
+    return a.value == b.value && a.log == b.log;
+  }
 };
 
 void PrintTo(const Loading& loading, std::ostream* out) {
@@ -42,9 +48,13 @@ void PrintTo(const Loading& loading, std::ostream* out) {
 }
 
 Loading Load(const OptionalText& boardIdString, const OptionalText& personalitiesDirectory) {
-  testing::StandardErrorCapture standardError;
-  auto value = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory);
-  return {std::move(value), standardError.TakeText()};
+  testing::TestConsole console;
+  auto list = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+  console.Flush();
+  EXPECT_EQ(console.Output(), "");
+  Loading loading = {{}, console.Error(), std::move(list)};
+  if (loading.list) loading.value = loading.list->value;
+  return loading;
 }
 
 Loading NoFiles(std::string_view boardId) {
@@ -116,10 +126,10 @@ constexpr char SmallConfig[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </plist>
 )";
 
-const Dictionary SmallValue = {
-    {"USBC", Array{Dictionary{{"Version", 5}, {"Port UUID", Array{"b0A1"}}}}},
-    {"LegacyUSBC", Dictionary{{"Version", 41.05}}},
-};
+const Dictionary SmallValue = Dict({
+    {"USBC", List({Dict({{"Version", 5}, {"Port UUID", List({"b0A1"})}})})},
+    {"LegacyUSBC", Dict({{"Version", 41.05}})},
+});
 
 TEST(ConfigurationPath, IsTheFileInTheDirectoryOfTheBoard) {
   EXPECT_EQ(ConfigurationPath("Zed-42", "/P//Fernwick/"), "/P//Fernwick/Zed-42/Config.plist");
@@ -177,21 +187,21 @@ TEST(Configuration, InBinaryFormLoadsAsInXml) {
 
 TEST(Configuration, InTheOldTextFormIsLoaded) {
   EXPECT_EQ(LoadBytes("{ USBC = ( { \"Port UUID\" = ( b0A1 ); } ); }"),
-            (Loading{Dictionary{{"USBC", Array{Dictionary{{"Port UUID", Array{"b0A1"}}}}}}, ""}));
+            (Loading{Dict({{"USBC", List({Dict({{"Port UUID", List({"b0A1"})}})})}}), ""}));
 }
 
 TEST(Configuration, OfAnyTopLevelKindIsLoadedWithoutComplaint) {
   EXPECT_EQ(LoadBytes("<plist><array><integer>5</integer></array></plist>"),
-            (Loading{Array{5}, ""}));
+            (Loading{List({5}), ""}));
   EXPECT_EQ(LoadBytes("<plist><string>USBC</string></plist>"), (Loading{"USBC", ""}));
   EXPECT_EQ(LoadBytes("<plist><false/></plist>"), (Loading{false, ""}));
-  EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary{}, ""}));
+  EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary(), ""}));
 }
 
 TEST(Configuration, AKeyThatOccursTwiceKeepsItsFirstPlaceAndItsLastValue) {
   EXPECT_EQ(LoadBytes("<dict><key>A</key><integer>1</integer><key>B</key><integer>2</integer>"
                       "<key>A</key><integer>3</integer></dict>"),
-            (Loading{Dictionary{{"A", 3}, {"B", 2}}, ""}));
+            (Loading{Dict({{"A", 3}, {"B", 2}}), ""}));
 }
 
 TEST(Configuration, WithoutAPersonalitiesDirectoryTellsOfNoFiles) {
@@ -368,11 +378,11 @@ TEST(Configuration, AFileOfMoreThanOneGibibyteIsRefused) {
 
 TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
   constexpr std::size_t count = 100000;
-  const Array personalities(count, Dictionary{{"Version", 5}});
+  const std::vector<PropertyValue> personalities(count, Dict({{"Version", 5}}));
   EXPECT_EQ(LoadBytes("<dict><key>USBC</key><array>" +
                       Repeated("<dict><key>Version</key><integer>5</integer></dict>", count) +
                       "</array></dict>"),
-            (Loading{Dictionary{{"USBC", personalities}}, ""}));
+            (Loading{Dict({{"USBC", List(personalities)}}), ""}));
 }
 
 TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
@@ -397,7 +407,7 @@ TEST(Configuration, NestedTooDeeplyIsTold) {
 
 TEST(Configuration, NestedAsDeeplyAsMayBeIsLoaded) {
   EXPECT_EQ(LoadBytes(Repeated("<array>", 512) + Repeated("</array>", 512)),
-            (Loading{testing::NestedArrays(511, Array{}), ""}));
+            (Loading{testing::NestedArrays(511, Array()), ""}));
 }
 
 // What is left of a file of which only the beginning arrived is told with the reader's own words.
@@ -407,7 +417,9 @@ TEST(Configuration, CutShortAnywhereIsTold) {
   for (std::size_t size = 1; size < end; ++size) {
     const auto bytes = testing::Truncated(whole, size);
     const auto reading = ReadPropertyList(bytes);
-    EXPECT_EQ(LoadBytes(bytes), NotRead(reading.error, static_cast<int>(reading.serialisation)))
+    ASSERT_FALSE(reading.list) << size;
+    EXPECT_EQ(LoadBytes(bytes),
+              NotRead(Describe(reading.list.Error()), static_cast<int>(reading.serialisation)))
         << size;
   }
   EXPECT_EQ(LoadBytes(whole.substr(0, end)), (Loading{SmallValue, ""}));
@@ -418,7 +430,7 @@ TEST(Configuration, IsReadAnewEachTime) {
   payload.Write("Zed-42/Config.plist", SmallConfig);
   EXPECT_EQ(payload.LoadConfig(), (Loading{SmallValue, ""}));
   payload.Write("Zed-42/Config.plist", "<array/>");
-  EXPECT_EQ(payload.LoadConfig(), (Loading{Array{}, ""}));
+  EXPECT_EQ(payload.LoadConfig(), (Loading{Array(), ""}));
   fs::remove(payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NoConfig());
 }

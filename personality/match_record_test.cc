@@ -11,10 +11,17 @@
 namespace fernwick {
 namespace {
 
+using testing::Dict;
 using testing::FullPortRecord;
+using testing::List;
 using testing::NonNumbers;
 using testing::With;
 using testing::Without;
+
+MatchRecord RecordOf(const Record& personality, const HardwareRecord& controller,
+                     std::string_view type) {
+  return BuildMatchRecord(personality, controller, type);
+}
 
 constexpr std::string_view AllTypes[] = {
     PersonalityType::LegacyThunderbolt,
@@ -24,59 +31,58 @@ constexpr std::string_view AllTypes[] = {
 };
 
 TEST(MatchRecord, OfAnEmptyPersonalityHoldsRidVersionAddressAndType) {
-  EXPECT_EQ(BuildMatchRecord({}, FullPortRecord, "USBC"), (MatchRecord{
-                                                              {"RID", 2},
-                                                              {"Version", 41.050000000999994},
-                                                              {"Port Address", 0},
-                                                              {"Personality Type", "USBC"},
-                                                          }));
+  EXPECT_EQ(RecordOf({}, FullPortRecord, "USBC"), (MatchRecord{
+                                                      {"RID", 2},
+                                                      {"Version", 41.050000000999994},
+                                                      {"Port Address", 0},
+                                                      {"Personality Type", "USBC"},
+                                                  }));
 }
 
 TEST(MatchRecord, OfAnEmptyThunderboltPersonalityHoldsTheFirmwareModeToo) {
-  EXPECT_EQ(BuildMatchRecord({}, FullPortRecord, "Thunderbolt"),
-            (MatchRecord{
-                {"RID", 2},
-                {"Version", 41.050000000999994},
-                {"Port Address", 0},
-                {"Personality Type", "Thunderbolt"},
-                {"Firmware Mode", true},
-            }));
+  EXPECT_EQ(RecordOf({}, FullPortRecord, "Thunderbolt"), (MatchRecord{
+                                                             {"RID", 2},
+                                                             {"Version", 41.050000000999994},
+                                                             {"Port Address", 0},
+                                                             {"Personality Type", "Thunderbolt"},
+                                                             {"Firmware Mode", true},
+                                                         }));
 }
 
 TEST(MatchRecord, OfNothingAtAllHoldsTheTypeAlone) {
   for (const auto type : AllTypes) {
-    EXPECT_EQ(BuildMatchRecord({}, {}, type), (MatchRecord{{"Personality Type", type}}));
+    EXPECT_EQ(RecordOf({}, {}, type), (MatchRecord{{"Personality Type", type}}));
   }
 }
 
 // Every key that a personality can name, in an order of its own.
-const Personality FullPersonality = {
+const Record FullPersonality = {
     {"Firmware", "Grat.bin"},
-    {"Ridge UID", Array{0x5A2, 0x5A3}},
-    {"Ridge Silicon Revision", Array{4}},
+    {"Ridge UID", List({0x5A2, 0x5A3})},
+    {"Ridge Silicon Revision", List({4})},
     {"Ridge Silicon Device ID", 467.0},
-    {"Ridge Silicon Vendor ID", Array{0x5A86, "x"}},
-    {"Port UUID", Array{"b0A1", "c2"}},
+    {"Ridge Silicon Vendor ID", List({0x5A86, "x"})},
+    {"Port UUID", List({"b0A1", "c2"})},
     {"Port OTP Revision", true},
-    {"Port Silicon Revision", Array{7, 8}},
-    {"Port Silicon Device ID", Array{17, 18}},
-    {"Port Silicon Vendor ID", Array{0x4D1}},
-    {"Firmware Mode", Array{0, 1}},
-    {"Device Model Revision", Array{1, 2}},
-    {"Device Model ID", Array{30}},
-    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"Port Silicon Revision", List({7, 8})},
+    {"Port Silicon Device ID", List({17, 18})},
+    {"Port Silicon Vendor ID", List({0x4D1})},
+    {"Firmware Mode", List({0, 1})},
+    {"Device Model Revision", List({1, 2})},
+    {"Device Model ID", List({30})},
+    {"Device Model Name", List({"Grat", "Fjell"})},
     {"MaxBoardRevision", 9},
     {"MinBoardRevision", 0},
     {"Personality Type", "from the file"},
-    {"Port Address", Array{0, 1}},
-    {"RID", Array{1, 2}},
+    {"Port Address", List({0, 1})},
+    {"RID", List({1, 2})},
     {"Existing Max Version", 41.06},
     {"Existing Min Version", 41},
     {"Version", 42.5},
     {"Priority", 7},
-    {"SetNVRAM", Dictionary{{"a", 1}}},
-    {"ClearNVRAM", Array{"b", 2}},
-    {"Note", Dictionary{{"kept", Array{}}}},
+    {"SetNVRAM", Dict({{"a", 1}})},
+    {"ClearNVRAM", List({"b", 2})},
+    {"Note", Dict({{"kept", Array()}})},
 };
 
 // The same, overlaid; "Firmware Mode" is the file's.
@@ -91,10 +97,10 @@ const MatchRecord FullRecord = {
     {"Port Silicon Revision", 7},
     {"Port Silicon Device ID", 18},
     {"Port Silicon Vendor ID", 0x4D1},
-    {"Firmware Mode", Array{0, 1}},
-    {"Device Model Revision", Array{1, 2}},
-    {"Device Model ID", Array{30}},
-    {"Device Model Name", Array{"Grat", "Fjell"}},
+    {"Firmware Mode", List({0, 1})},
+    {"Device Model Revision", List({1, 2})},
+    {"Device Model ID", List({30})},
+    {"Device Model Name", List({"Grat", "Fjell"})},
     {"MaxBoardRevision", 9},
     {"MinBoardRevision", 0},
     {"Personality Type", "USBC"},
@@ -104,65 +110,65 @@ const MatchRecord FullRecord = {
     {"Existing Min Version", 41},
     {"Version", 42.5},
     {"Priority", 7},
-    {"SetNVRAM", Dictionary{{"a", 1}}},
-    {"ClearNVRAM", Array{"b", 2}},
-    {"Note", Dictionary{{"kept", Array{}}}},
+    {"SetNVRAM", Dict({{"a", 1}})},
+    {"ClearNVRAM", List({"b", 2})},
+    {"Note", Dict({{"kept", Array()}})},
 };
 
 TEST(MatchRecord, AReplacedKeyKeepsItsPlaceAndAllOthersTheirValue) {
   for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
-    EXPECT_EQ(BuildMatchRecord(FullPersonality, FullPortRecord, type),
+    EXPECT_EQ(RecordOf(FullPersonality, FullPortRecord, type),
               With(FullRecord, {{"Personality Type", type}}));
   }
 }
 
 TEST(MatchRecord, OnlyThunderboltTakesTheFirmwareModeOfTheController) {
-  EXPECT_EQ(BuildMatchRecord(FullPersonality, FullPortRecord, "Thunderbolt"),
+  EXPECT_EQ(RecordOf(FullPersonality, FullPortRecord, "Thunderbolt"),
             With(FullRecord, {{"Personality Type", "Thunderbolt"}, {"Firmware Mode", true}}));
 }
 
 TEST(MatchRecord, AControllerWithoutAnythingLeavesOnlyWhatTheFileMaySay) {
   const MatchRecord left = {
       {"Firmware", "Grat.bin"},
-      {"Firmware Mode", Array{0, 1}},
-      {"Device Model Revision", Array{1, 2}},
-      {"Device Model ID", Array{30}},
-      {"Device Model Name", Array{"Grat", "Fjell"}},
+      {"Firmware Mode", List({0, 1})},
+      {"Device Model Revision", List({1, 2})},
+      {"Device Model ID", List({30})},
+      {"Device Model Name", List({"Grat", "Fjell"})},
       {"MaxBoardRevision", 9},
       {"MinBoardRevision", 0},
       {"Personality Type", "Thunderbolt"},
-      {"Port Address", Array{0, 1}},
+      {"Port Address", List({0, 1})},
       {"Existing Max Version", 41.06},
       {"Existing Min Version", 41},
       {"Version", 42.5},
       {"Priority", 7},
-      {"SetNVRAM", Dictionary{{"a", 1}}},
-      {"ClearNVRAM", Array{"b", 2}},
-      {"Note", Dictionary{{"kept", Array{}}}},
+      {"SetNVRAM", Dict({{"a", 1}})},
+      {"ClearNVRAM", List({"b", 2})},
+      {"Note", Dict({{"kept", Array()}})},
   };
-  EXPECT_EQ(BuildMatchRecord(FullPersonality, {}, "Thunderbolt"), left);
+  EXPECT_EQ(RecordOf(FullPersonality, {}, "Thunderbolt"), left);
 }
 
 TEST(MatchRecord, AVersionThatIsANumberIsKept) {
-  for (const PropertyValue& version : Array{42, 42.0, -1, true, 0xFFFFFFFFFFFFFFFF}) {
-    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {{"Version", 41}}, "USBC"),
+  for (const PropertyValue& version : List({42, 42.0, -1, true, 0xFFFFFFFFFFFFFFFF})) {
+    EXPECT_EQ(RecordOf({{"Version", version}}, {{"Version", 41}}, "USBC"),
               (MatchRecord{{"Version", version}, {"Personality Type", "USBC"}}));
-    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {}, "USBC"),
+    EXPECT_EQ(RecordOf({{"Version", version}}, {}, "USBC"),
               (MatchRecord{{"Version", version}, {"Personality Type", "USBC"}}));
   }
 }
 
 TEST(MatchRecord, AVersionThatIsNanIsKept) {
-  const auto record = BuildMatchRecord({{"Version", std::numeric_limits<double>::quiet_NaN()}},
-                                       {{"Version", 41}}, "USBC");
-  const auto* version = record.Find("Version")->AsReal();
-  ASSERT_NE(version, nullptr);
+  const auto record =
+      RecordOf({{"Version", std::numeric_limits<double>::quiet_NaN()}}, {{"Version", 41}}, "USBC");
+  const auto version = record.Find("Version")->AsReal();
+  ASSERT_TRUE(version.has_value());
   EXPECT_NE(*version, *version);
 }
 
 TEST(MatchRecord, AVersionThatIsNoNumberGivesWayToTheControllers) {
   for (const auto& [name, version] : NonNumbers()) {
-    EXPECT_EQ(BuildMatchRecord({{"Version", version}, {"Note", 1}}, {{"Version", 41}}, "USBC"),
+    EXPECT_EQ(RecordOf({{"Version", version}, {"Note", 1}}, {{"Version", 41}}, "USBC"),
               (MatchRecord{{"Version", 41}, {"Note", 1}, {"Personality Type", "USBC"}}))
         << name;
   }
@@ -170,39 +176,39 @@ TEST(MatchRecord, AVersionThatIsNoNumberGivesWayToTheControllers) {
 
 TEST(MatchRecord, AVersionThatIsNoNumberGoesWhenTheControllerHasNone) {
   for (const auto& [name, version] : NonNumbers()) {
-    EXPECT_EQ(BuildMatchRecord({{"Version", version}}, {}, "USBC"),
+    EXPECT_EQ(RecordOf({{"Version", version}}, {}, "USBC"),
               (MatchRecord{{"Personality Type", "USBC"}}))
         << name;
   }
 }
 
 TEST(MatchRecord, AnAbsentVersionIsTheControllers) {
-  EXPECT_EQ(BuildMatchRecord({{"Note", 1}}, {{"Version", 41}}, "USBC"),
+  EXPECT_EQ(RecordOf({{"Note", 1}}, {{"Version", 41}}, "USBC"),
             (MatchRecord{{"Note", 1}, {"Version", 41}, {"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, WithARidTheAddressIsTheControllers) {
   const HardwareRecord controller = {{"RID", 2}, {"Port Address", 3}};
-  EXPECT_EQ(BuildMatchRecord({}, controller, "USBC"),
+  EXPECT_EQ(RecordOf({}, controller, "USBC"),
             (MatchRecord{{"RID", 2}, {"Port Address", 3}, {"Personality Type", "USBC"}}));
-  EXPECT_EQ(BuildMatchRecord({{"Port Address", 9}}, controller, "USBC"),
+  EXPECT_EQ(RecordOf({{"Port Address", 9}}, controller, "USBC"),
             (MatchRecord{{"Port Address", 3}, {"RID", 2}, {"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, WithARidAndNoAddressOfTheControllerTheFilesAddressGoes) {
-  EXPECT_EQ(BuildMatchRecord({{"Port Address", 9}}, {{"RID", 2}}, "USBC"),
+  EXPECT_EQ(RecordOf({{"Port Address", 9}}, {{"RID", 2}}, "USBC"),
             (MatchRecord{{"RID", 2}, {"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, WithoutARidTheAddressIsTheFiles) {
   const HardwareRecord controller = {{"Port Address", 3}};
-  EXPECT_EQ(BuildMatchRecord({{"Port Address", Array{9}}}, controller, "USBC"),
-            (MatchRecord{{"Port Address", Array{9}}, {"Personality Type", "USBC"}}));
-  EXPECT_EQ(BuildMatchRecord({}, controller, "USBC"), (MatchRecord{{"Personality Type", "USBC"}}));
+  EXPECT_EQ(RecordOf({{"Port Address", List({9})}}, controller, "USBC"),
+            (MatchRecord{{"Port Address", List({9})}, {"Personality Type", "USBC"}}));
+  EXPECT_EQ(RecordOf({}, controller, "USBC"), (MatchRecord{{"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, ARidOfTheFileIsNeverSeenAndAllowsNoAddress) {
-  EXPECT_EQ(BuildMatchRecord({{"RID", Array{1, 2}}}, {{"Port Address", 3}}, "USBC"),
+  EXPECT_EQ(RecordOf({{"RID", List({1, 2})}}, {{"Port Address", 3}}, "USBC"),
             (MatchRecord{{"Personality Type", "USBC"}}));
 }
 
@@ -220,7 +226,7 @@ constexpr std::string_view ConstrainedKeys[] = {
 
 TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
   for (const auto key : ConstrainedKeys) {
-    EXPECT_EQ(BuildMatchRecord({{key, "x"}, {"Note", 1}}, Without(FullPortRecord, "RID"), "USBC"),
+    EXPECT_EQ(RecordOf({{key, "x"}, {"Note", 1}}, Without(FullPortRecord, "RID"), "USBC"),
               (MatchRecord{{key, *FullPortRecord.Find(key)},
                            {"Note", 1},
                            {"Version", 41.050000000999994},
@@ -230,41 +236,41 @@ TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
 
 TEST(MatchRecord, AKeyThatTheControllerLacksIsRemoved) {
   for (const auto key : ConstrainedKeys) {
-    EXPECT_EQ(BuildMatchRecord({{key, Array{1, 2}}, {"Note", 1}}, {}, "USBC"),
+    EXPECT_EQ(RecordOf({{key, List({1, 2})}, {"Note", 1}}, {}, "USBC"),
               (MatchRecord{{"Note", 1}, {"Personality Type", "USBC"}}))
         << key;
   }
 }
 
 TEST(MatchRecord, TheTypeReplacesTheFilesWhateverItsKind) {
-  for (const PropertyValue& type : Array{"USBC", 5, Array{}, Dictionary{}}) {
-    EXPECT_EQ(BuildMatchRecord({{"Personality Type", type}, {"Note", 1}}, {}, "LegacyUSBC"),
+  for (const PropertyValue& type : List({"USBC", 5, Array(), Dictionary()})) {
+    EXPECT_EQ(RecordOf({{"Personality Type", type}, {"Note", 1}}, {}, "LegacyUSBC"),
               (MatchRecord{{"Personality Type", "LegacyUSBC"}, {"Note", 1}}));
   }
 }
 
 TEST(MatchRecord, AFirmwareModeOfFalseIsAddedForThunderboltOnly) {
   const HardwareRecord controller = {{"Firmware Mode", false}};
-  EXPECT_EQ(BuildMatchRecord({}, controller, "Thunderbolt"),
+  EXPECT_EQ(RecordOf({}, controller, "Thunderbolt"),
             (MatchRecord{{"Personality Type", "Thunderbolt"}, {"Firmware Mode", false}}));
   for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
-    EXPECT_EQ(BuildMatchRecord({}, controller, type), (MatchRecord{{"Personality Type", type}}));
+    EXPECT_EQ(RecordOf({}, controller, type), (MatchRecord{{"Personality Type", type}}));
   }
 }
 
 TEST(MatchRecord, AFirmwareModeOfTheFileStaysWhenTheControllerHasNone) {
-  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", Array{0, 1}}}, {}, "Thunderbolt"),
-            (MatchRecord{{"Firmware Mode", Array{0, 1}}, {"Personality Type", "Thunderbolt"}}));
+  EXPECT_EQ(RecordOf({{"Firmware Mode", List({0, 1})}}, {}, "Thunderbolt"),
+            (MatchRecord{{"Firmware Mode", List({0, 1})}, {"Personality Type", "Thunderbolt"}}));
 }
 
 TEST(MatchRecord, AFirmwareModeOfTheFileStaysUnderTheOtherTypes) {
-  EXPECT_EQ(BuildMatchRecord({{"Firmware Mode", 1}}, {{"Firmware Mode", false}}, "USBC"),
+  EXPECT_EQ(RecordOf({{"Firmware Mode", 1}}, {{"Firmware Mode", false}}, "USBC"),
             (MatchRecord{{"Firmware Mode", 1}, {"Personality Type", "USBC"}}));
 }
 
 TEST(MatchRecord, LeavesThePersonalityAsItWas) {
-  const Personality personality = FullPersonality;
-  BuildMatchRecord(personality, FullPortRecord, "Thunderbolt");
+  const Record personality = FullPersonality;
+  RecordOf(personality, FullPortRecord, "Thunderbolt");
   EXPECT_EQ(personality, FullPersonality);
 }
 

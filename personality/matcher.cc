@@ -1,5 +1,6 @@
 #include "personality/matcher.h"
 
+#include <string>
 #include <utility>
 
 #include "personality/configuration.h"
@@ -66,7 +67,7 @@ std::optional<Fault> MatchKey(const KeyMatch& key, const PropertyValue& value) {
     MatchControllers(key, value, *inventory, nullptr);
     return std::nullopt;
   }
-  auto& trace = key.context.trace->keys.emplace_back(KeyTrace{key.typeName});
+  auto& trace = key.context.trace->keys.emplace_back(KeyTrace{std::string(key.typeName)});
   trace.inventory = *std::move(inventory);
   MatchControllers(key, value, trace.inventory, &trace);
   return std::nullopt;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,7 +15,6 @@
 #include "personality/matcher.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
-#include "testing/capture.h"
 #include "testing/computer.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/fitting_personality.h"
@@ -23,28 +23,30 @@
 #include "testing/logging_registry.h"
 #include "testing/reference/matcher.h"
 #include "testing/temporary_directory.h"
-#include "testing/version_check_bypass.h"
+#include "testing/test_console.h"
 #include "value/xml/writer.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Computer;
+using testing::Dict;
 using testing::FittingPersonality;
 using testing::FullController;
+using testing::Kept;
+using testing::List;
 using testing::LoggingRegistry;
 using testing::RandomChoice;
 using testing::ValueDomain;
-using testing::VersionCheckBypass;
 using testing::With;
 
 namespace reference = testing::reference;
 
 using Calls = std::vector<std::string>;
 using Keys = std::vector<std::string>;
-using Records = std::vector<Dictionary>;
+using Records = std::vector<Record>;
 
-const Array Domain = ValueDomain();
+const std::vector<PropertyValue> Domain = ValueDomain();
 
 const Keys Types = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"};
 
@@ -54,21 +56,22 @@ std::string TextOf(const PropertyValue& value) {
   return WriteXmlPropertyList(value);
 }
 
-std::string TextOf(const std::optional<Records>& records) {
-  return records ? TextOf(PropertyValue(Array(records->begin(), records->end()))) : "none";
+std::string TextOf(const Records& records) {
+  std::string text;
+  for (const auto& record : records) text += TextOf(Dictionary(record));
+  return text;
 }
 
 // The keys whose bit is set, each with the value.
-Dictionary SubsetOf(const Keys& keys, unsigned bits, int value) {
-  Dictionary subset;
+Record SubsetOf(const Keys& keys, unsigned bits, int value) {
+  Record subset;
   for (std::size_t i = 0; i < keys.size(); ++i) {
     if ((bits >> i & 1) != 0) subset.Set(keys[i], value);
   }
   return subset;
 }
 
-std::string Describe(const Dictionary& personality, const Dictionary& controller,
-                     std::string_view type) {
+std::string Described(Dictionary personality, Dictionary controller, std::string_view type) {
   return "under " + std::string(type) + ", the personality\n" + TextOf(personality) +
          "\nand the controller\n" + TextOf(controller);
 }
@@ -82,7 +85,7 @@ void CompareSubsets(const Keys& keys) {
       for (const auto& type : Types) {
         ASSERT_EQ(BuildMatchRecord(personality, controller, type),
                   reference::BuildMatchRecord(personality, controller, type))
-            << Describe(personality, controller, type);
+            << Described(personality, controller, type);
       }
     }
   }
@@ -92,7 +95,7 @@ void CompareSubsets(const Keys& keys) {
 // one more key.
 TEST(MatchRecordReference, AgreesOnEverySubsetOfItsKeys) {
   Keys others = {"Personality Type", "Firmware"};
-  for (const auto& entry : FullController.Entries()) others.emplace_back(entry.key.View());
+  for (const auto& entry : FullController.Entries()) others.emplace_back(entry.key);
   for (const auto& other : others) {
     CompareSubsets({"RID", "Version", "Port Address", "Firmware Mode", other});
     CompareSubsets({other, "Firmware Mode", "Port Address", "Version", "RID"});
@@ -103,14 +106,16 @@ TEST(MatchRecordReference, AgreesOnEveryValueUnderEachKey) {
   for (const auto& entry : FullController.Entries()) {
     for (const auto& value : Domain) {
       for (const auto& type : Types) {
-        const auto personality = With(FittingPersonality, {{entry.key.View(), value}});
-        const auto controller = With(FullController, {{entry.key.View(), value}});
-        ASSERT_EQ(TextOf(BuildMatchRecord(personality, FullController, type)),
-                  TextOf(reference::BuildMatchRecord(personality, FullController, type)))
-            << Describe(personality, FullController, type);
-        ASSERT_EQ(TextOf(BuildMatchRecord(FittingPersonality, controller, type)),
-                  TextOf(reference::BuildMatchRecord(FittingPersonality, controller, type)))
-            << Describe(FittingPersonality, controller, type);
+        const auto personality = With(FittingPersonality, {{entry.key, value}});
+        const auto controller = With(FullController, {{entry.key, value}});
+        ASSERT_EQ(
+            TextOf(Dictionary(BuildMatchRecord(personality, FullController, type))),
+            TextOf(Dictionary(reference::BuildMatchRecord(personality, FullController, type))))
+            << Described(personality, FullController, type);
+        ASSERT_EQ(
+            TextOf(Dictionary(BuildMatchRecord(FittingPersonality, controller, type))),
+            TextOf(Dictionary(reference::BuildMatchRecord(FittingPersonality, controller, type))))
+            << Described(FittingPersonality, controller, type);
       }
     }
   }
@@ -118,12 +123,12 @@ TEST(MatchRecordReference, AgreesOnEveryValueUnderEachKey) {
 
 // Properties from which the inventories fill a record that FittingPersonality fits, the version
 // window apart: that of the Thunderbolt controller is a little above 2.
-const Dictionary PortProperties = {
+const Record PortProperties = {
     {"RID", 2},      {"Vendor ID", 2}, {"Device ID", 2}, {"Revision ID", 2},
     {"Revision", 2}, {"Version", 2},   {"UUID", "b0A1"},
 };
 
-const Dictionary ThunderboltProperties = {
+const Record ThunderboltProperties = {
     {"Depth", 0},
     {"Route String", 0},
     {"Vendor ID", 2},
@@ -155,11 +160,11 @@ class RandomPayloads {
     if (choice_.OnceIn(50)) return choice_.OneOf(Domain);
     Keys keys = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC", "usbc", "Other", ""};
     choice_.Shuffle(keys);
-    Dictionary configuration;
+    Record configuration;
     for (std::size_t i = choice_.Below(keys.size() + 1); i > 0; --i) {
-      configuration.Set(keys[i - 1], PersonalitiesFor(keys[i - 1]));
+      configuration.Set(Kept(keys[i - 1]), PersonalitiesFor(keys[i - 1]));
     }
-    return configuration;
+    return Dict(configuration);
   }
 
   unsigned NextBoardRevision() {
@@ -178,9 +183,9 @@ class RandomPayloads {
   }
 
   // One property in three computers is odd or missing; a "UID" is never missing.
-  Dictionary Changed(Dictionary properties) {
+  Record Changed(Record properties) {
     if (!choice_.OnceIn(3)) return properties;
-    const std::string key(choice_.OneOf(properties.Entries()).key.View());
+    const auto key = choice_.OneOf(properties.Entries()).key;
     if (choice_.OnceIn(2) && key != "UID") {
       properties.SetOrRemove(key, nullptr);
     } else {
@@ -194,44 +199,44 @@ class RandomPayloads {
     if (choice_.OnceIn(20)) return choice_.OneOf(Domain);
     const bool isSingle = (key == "LegacyUSBC") != choice_.OnceIn(20);
     if (isSingle) return NextPersonality();
-    Array personalities;
+    std::vector<PropertyValue> personalities;
     for (std::size_t i = choice_.Below(4); i > 0; --i) {
       personalities.push_back(choice_.OnceIn(10) ? choice_.OneOf(Domain) : NextPersonality());
     }
-    return personalities;
+    return List(personalities);
   }
 
   // Some of the keys that fit, in any order, with a few changes.
   PropertyValue NextPersonality() {
     std::vector<DictionaryEntry> entries;
     for (const auto& entry : candidates_.Entries()) {
-      const bool isRequired = entry.key.View().find("Silicon") != std::string_view::npos;
+      const bool isRequired = entry.key.find("Silicon") != std::string_view::npos;
       if (choice_.OnceIn(isRequired ? 40 : 3)) continue;
       entries.push_back(entry);
       if (choice_.OnceIn(25)) entries.back().value = choice_.OneOf(Domain);
     }
     choice_.Shuffle(entries);
-    return Dictionary(std::move(entries));
+    return Dictionary(testing::ValueArena().Copy(std::span<const DictionaryEntry>(entries)));
   }
 
-  const Dictionary candidates_ = With(FittingPersonality, {{"Existing Max Version", 2.5},
-                                                           {"Port Address", Array{2, 0, 1}},
-                                                           {"Personality Type", "Grat"},
-                                                           {"Firmware", "Grat.bin"},
-                                                           {"Priority", 20}});
+  const Record candidates_ = With(FittingPersonality, {{"Existing Max Version", 2.5},
+                                                       {"Port Address", List({2, 0, 1})},
+                                                       {"Personality Type", "Grat"},
+                                                       {"Firmware", "Grat.bin"},
+                                                       {"Priority", 20}});
   RandomChoice choice_{20260918};
 };
 
-// What a matching gives and does, in a form that compares whole.
-struct Matching {
+// What a matching returns and does, in a form that compares whole.
+struct Outcome {
   std::string records;
   Calls inventories;
   std::string standardError;
 
-  friend bool operator==(const Matching&, const Matching&) = default;
+  friend bool operator==(const Outcome&, const Outcome&) = default;
 };
 
-void PrintTo(const Matching& matching, std::ostream* out) {
+void PrintTo(const Outcome& matching, std::ostream* out) {
   *out << matching.records << "\nafter " << ::testing::PrintToString(matching.inventories)
        << ", standard error " << ::testing::PrintToString(matching.standardError);
 }
@@ -239,28 +244,29 @@ void PrintTo(const Matching& matching, std::ostream* out) {
 // Matches for real, over a payload whose configuration for the host's board has this content.
 class RealMatcher {
  public:
-  Matching Match(const Computer& computer, const PropertyValue& configuration,
-                 unsigned boardRevision) {
+  Outcome Match(const Computer& computer, const PropertyValue& configuration,
+                unsigned boardRevision, bool bypassVersionCheck) {
     payload_.Write("Zed-42/Config.plist", TextOf(configuration));
     LoggingRegistry registry(computer.Recorded());
-    const auto records = MatchPersonalities(registry, "Zed-42", boardRevision, payload_.Path());
-    return {TextOf(records), registry.CallsOf("MatchServicesByClass"),
-            standardError_.TakeNewText()};
+    testing::TestConsole console;
+    const auto matching = MatchPersonalities({registry, console, bypassVersionCheck}, "Zed-42",
+                                             boardRevision, payload_.Path());
+    EXPECT_TRUE(matching);
+    return {TextOf(matching->matches), registry.CallsOf("MatchServicesByClass"), console.Error()};
   }
 
  private:
   const testing::TemporaryDirectory payload_;
-  testing::StandardErrorCapture standardError_;
 };
 
 reference::Controllers ControllersOf(const Computer& computer) {
   RecordedRegistry registry(computer.Recorded());
-  return {CollectThunderboltControllers(registry).value_or(Records{}),
-          CollectPortControllers(registry).value_or(Records{})};
+  return {CollectThunderboltControllers(registry)->records,
+          CollectPortControllers(registry)->records};
 }
 
-Matching InTheSameForm(const reference::Matching& matching) {
-  Matching same{TextOf(matching.records), {}, matching.diagnostics};
+Outcome InTheSameForm(const reference::Matching& matching) {
+  Outcome same{TextOf(matching.records.value_or(Records())), {}, matching.diagnostics};
   for (const auto inventory : matching.inventories) {
     same.inventories.push_back(inventory == reference::Inventory::Ports
                                    ? "MatchServicesByClass QuinceHPMDevice"
@@ -284,14 +290,14 @@ TEST(MatcherReference, AgreesOnRandomPayloadsAndComputers) {
     const auto computer = payloads.NextComputer();
     const auto configuration = payloads.NextConfiguration();
     const auto boardRevision = payloads.NextBoardRevision();
-    std::optional<VersionCheckBypass> bypass;
-    if (payloads.NextBypass()) bypass.emplace();
+    const bool bypass = payloads.NextBypass();
 
     const auto controllers = ControllersOf(computer);
-    const auto expected = reference::MatchPersonalities(configuration, boardRevision, controllers,
-                                                        bypass.has_value());
+    const auto expected =
+        reference::MatchPersonalities(configuration, boardRevision, controllers, bypass);
     NoteTypes(expected.records, matchedTypes);
-    ASSERT_EQ(matcher.Match(computer, configuration, boardRevision), InTheSameForm(expected))
+    ASSERT_EQ(matcher.Match(computer, configuration, boardRevision, bypass),
+              InTheSameForm(expected))
         << "of the configuration\n"
         << TextOf(configuration) << "\non a board of revision " << boardRevision
         << (bypass ? ", version check bypassed" : "") << ", with the Thunderbolt controllers\n"

@@ -29,7 +29,7 @@ constexpr Requirement Optional(std::string_view key) {
   return {.key = key, .hardwareKey = key};
 }
 
-constexpr Requirement Required(std::string_view key, const char* missingKeyMessage = nullptr) {
+constexpr Requirement Required(std::string_view key, std::string_view missingKeyMessage = {}) {
   return {.key = key,
           .hardwareKey = key,
           .presence = RequiredKey,
@@ -126,8 +126,8 @@ bool EqualsOrContains(const PropertyValue& wanted, const Requirement& requiremen
 struct Bound {
   bool (*excludes)(const PropertyValue& bound, const PropertyValue& value);
   FailureReason reason;
-  const char* wrongKindMessage = nullptr;
-  const char* notMetMessage = nullptr;
+  std::string_view wrongKindMessage = {};
+  std::string_view notMetMessage = {};
 };
 
 constexpr Bound MinVersionBound = {NumberGreater, FailureReason::AboveInstalled,
@@ -253,7 +253,7 @@ ControllerCheck::ControllerCheck(TypeSet type, const RequirementContext& context
 bool ControllerCheck::Applies(Dictionary personality, Console& console) const {
   for (std::size_t i = 0; i < requirements_.size(); ++i) {
     const auto verdict = TestAgainst(requirements_[i], personality, found_[i], context_);
-    if (verdict.diagnostic != nullptr) console.WriteError(verdict.diagnostic);
+    if (!verdict.diagnostic.empty()) console.WriteError(verdict.diagnostic);
     if (verdict.failure) return false;
   }
   return true;

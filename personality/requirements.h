@@ -69,7 +69,7 @@ struct Requirement {
   KeyPresence presence = KeyPresence::OptionalKey;
   SingleValueKind kind = SingleValueKind::NumberKind;
   bool (*equal)(const PropertyValue&, const PropertyValue&) = NumbersEqual;
-  const char* missingKeyMessage = nullptr;  // the diagnostic when a needed key is missing
+  std::string_view missingKeyMessage = {};  // the diagnostic when a needed key is missing
 };
 
 /// What a requirement is tested against, besides the personality.
@@ -82,7 +82,7 @@ struct RequirementContext {
 /// The result of testing one requirement.
 struct Verdict {
   std::optional<FailureReason> failure = std::nullopt;  // none: the requirement is met
-  const char* diagnostic = nullptr;                     // a line for standard error; null: none
+  std::string_view diagnostic = {};                     // a line for standard error; empty: none
 
   friend bool operator==(const Verdict&, const Verdict&) = default;
 };

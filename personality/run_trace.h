@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <string>
 #include <vector>
 
 #include "registry/hardware_record.h"
@@ -21,12 +21,13 @@ enum class PairOutcome : std::uint8_t {
 /// "LegacyUSBC" is the only one. No outcomes under a key that names no type and where the value
 /// does not have the shape that its type needs.
 struct KeyTrace {
-  std::string_view key;  // views the configuration
+  std::string key;  // of its own: after a fault there is no configuration that it could view
   HardwareInventory inventory = {};
   std::vector<std::vector<PairOutcome>> outcomes = {};  // of the record with the same index
 };
 
-/// Why a run decided as it did, filled while it decides. The tool itself asks for none.
+/// Why a run decided as it did, filled while it decides. The tool itself asks for none. The records
+/// view the registry, which must outlive it; nothing in it views the configuration.
 struct RunTrace {
   std::vector<KeyTrace> keys = {};  // in the order of the file
 };

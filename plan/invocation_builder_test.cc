@@ -5,40 +5,44 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "plan/match_report.h"
 #include "testing/call_lists.h"
-#include "testing/capture.h"
+#include "testing/property_values.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
 
+using testing::Dict;
+using testing::List;
+
 using Words = std::vector<std::string>;
 
-// What a builder makes of the matches, in verbose mode.
+// The result of adding the matches, in verbose mode.
 struct Built {
   Words arguments;
   PlanValues plan;
   std::string verboseText;
   std::string standardError;
-  bool accepted = true;  // whether every match was taken
+  bool accepted = true;  // whether every match was
 };
 
 Built Build(std::initializer_list<MatchRecord> matches,
             const std::string& directory = "/P/Fernwick/",
             const std::optional<std::string>& boardId = "Zed-42") {
   Built built;
-  testing::StreamCapture capture;
-  testing::StandardErrorCapture errors;
-  Output out(capture.Stream());
+  testing::TestConsole console;
   InvocationBuilder builder(directory, boardId);
   for (const auto& match : matches) {
-    built.accepted = built.accepted && builder.AddMatch(match, built.plan, &out);
+    built.accepted = built.accepted && builder.AddMatch(match, built.plan, true, console);
   }
   builder.FinishInvocation();
+  console.Flush();
   built.arguments = builder.Arguments();
-  built.verboseText = capture.Text();
-  built.standardError = errors.TakeText();
+  built.verboseText = console.Output();
+  built.standardError = console.Error();
   return built;
 }
 
@@ -108,21 +112,23 @@ TEST(InvocationBuilder, UnknownTypeAloneNamesTheBareDirectory) {
 }
 
 TEST(InvocationBuilder, UnknownTypeIsSilentWithoutVerboseMode) {
+  testing::TestConsole console;
   PlanValues plan;
   InvocationBuilder builder("/P/Fernwick/", "Zed-42");
-  EXPECT_TRUE(builder.AddMatch(Unknown(), plan, nullptr));
+  EXPECT_TRUE(builder.AddMatch(Unknown(), plan, false, console));
+  console.Flush();
+  EXPECT_EQ(console.Output(), "");
 }
 
 TEST(InvocationBuilder, UnknownTypeIsToldBehindItsReportAndFlushed) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
+  testing::TestConsole console;
   PlanValues plan;
   InvocationBuilder builder("/P/Fernwick/", "Zed-42");
-  PrintMatchReport(out, Unknown());
-  builder.AddMatch(Unknown(), plan, &out);
-  ASSERT_EQ(capture.Flushes().size(), 23u);
-  EXPECT_EQ(capture.Flushes()[21], "\n\n");
-  EXPECT_EQ(capture.Flushes()[22], "\t*** No supported platform type? (was using Serial)***\n");
+  PrintMatchReport(console, Unknown());
+  builder.AddMatch(Unknown(), plan, true, console);
+  ASSERT_EQ(console.Flushes().size(), 23u);
+  EXPECT_EQ(console.Flushes()[21], "\n\n");
+  EXPECT_EQ(console.Flushes()[22], "\t*** No supported platform type? (was using Serial)***\n");
 }
 
 TEST(InvocationBuilder, AbsentFirmwareModeCountsAsZero) {
@@ -132,10 +138,9 @@ TEST(InvocationBuilder, AbsentFirmwareModeCountsAsZero) {
 }
 
 TEST(InvocationBuilder, FirmwareModeIsTakenAsUnsigned32) {
-  const auto optionsOf = [](PropertyValue mode) {
-    return Build({{{"Personality Type", "Thunderbolt"},
-                   {"Firmware Mode", std::move(mode)},
-                   {"Firmware", "a"}}})
+  const auto optionsOf = [](const PropertyValue& mode) {
+    return Build(
+               {{{"Personality Type", "Thunderbolt"}, {"Firmware Mode", mode}, {"Firmware", "a"}}})
         .arguments.back();
   };
   const std::string engaged = "-g -o -sr 0 0 -fs efi-quince-payload0-data -noreset";
@@ -145,7 +150,7 @@ TEST(InvocationBuilder, FirmwareModeIsTakenAsUnsigned32) {
   EXPECT_EQ(optionsOf("2"), engaged);
   EXPECT_EQ(optionsOf(0x100000000), idle);
   EXPECT_EQ(optionsOf(0.9), idle);
-  EXPECT_EQ(optionsOf(Array{1}), idle);
+  EXPECT_EQ(optionsOf(List({1})), idle);
 }
 
 TEST(InvocationBuilder, AbsentRidIsZero) {
@@ -206,10 +211,10 @@ TEST(InvocationBuilder, TypesAreCaseSensitive) {
 
 TEST(InvocationBuilder, MergesNvramAlsoForAnUnknownType) {
   const auto built = Build({{{"Personality Type", "Serial"},
-                             {"SetNVRAM", Dictionary{{"a", 1}}},
-                             {"ClearNVRAM", Array{"b"}}}});
-  EXPECT_EQ(built.plan.nvramToSet, (Dictionary{{"a", 1}}));
-  EXPECT_EQ(built.plan.nvramToClear, (Array{"b"}));
+                             {"SetNVRAM", Dict({{"a", 1}})},
+                             {"ClearNVRAM", List({"b"})}}});
+  EXPECT_EQ(built.plan.nvramToSet, (Record{{"a", 1}}));
+  EXPECT_EQ(built.plan.nvramToClear, (std::vector<PropertyValue>{"b"}));
 }
 
 TEST(InvocationBuilder, DoubledSlashStaysInBothPaths) {
@@ -254,12 +259,11 @@ std::vector<std::string> PrintedFlushes(std::initializer_list<MatchRecord> match
                                         const std::string& directory) {
   PlanValues plan;
   InvocationBuilder builder(directory, "Zed-42");
-  for (const auto& match : matches) builder.AddMatch(match, plan, nullptr);
+  testing::TestConsole console;
+  for (const auto& match : matches) builder.AddMatch(match, plan, false, console);
   builder.FinishInvocation();
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  builder.PrintInvocation(out);
-  return capture.Flushes();
+  builder.PrintInvocation(console);
+  return console.Flushes();
 }
 
 TEST(FlashingUtility, IsOneOfTwoByTheExactType) {

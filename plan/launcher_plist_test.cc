@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "testing/capture.h"
+#include "testing/property_values.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
+
+using testing::List;
 
 struct Written {
   int status;
@@ -13,10 +16,12 @@ struct Written {
 };
 
 Written Write(bool verbose, const std::vector<std::string>& arguments, const PlanValues& plan) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  const int status = WritePlan(out, verbose, arguments, plan);
-  return {status, capture.Flushes()};
+  testing::TestConsole console;
+  const int status = WritePlan(console, verbose, arguments, plan);
+  const auto flushes = console.Flushes();
+  console.Flush();
+  EXPECT_EQ(console.Flushes(), flushes);
+  return {status, flushes};
 }
 
 constexpr char SmallestList[] =
@@ -55,8 +60,8 @@ TEST(WritePlan, WithoutArgumentsWritesNothing) {
 TEST(WritePlan, CarriesNvramSettingsAsTheyAre) {
   PlanValues plan;
   plan.lowestPriority = 0;
-  plan.nvramToSet = Dictionary{{"b", 1.5}, {"a", Array{true}}};
-  plan.nvramToClear = Array{"x", "x", 7};
+  plan.nvramToSet = {{"b", 1.5}, {"a", List({true})}};
+  plan.nvramToClear = {"x", "x", 7};
   EXPECT_EQ(Write(false, {"a & b", "\x01"}, plan).flushes,
             std::vector<std::string>{"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                      "<plist version=\"1.0\">\n"

@@ -5,17 +5,19 @@
 #include <limits>
 #include <string>
 
-#include "testing/capture.h"
-#include "testing/computer.h"
+#include "testing/property_values.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
 
+using testing::Dict;
+using testing::List;
+
 std::string ReportOf(const MatchRecord& match) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  PrintMatchReport(out, match);
-  return capture.Text();
+  testing::TestConsole console;
+  PrintMatchReport(console, match);
+  return console.Output();
 }
 
 // The report of a match that has nothing but what `line` shows: every other line is that of an
@@ -52,10 +54,9 @@ std::string EmptyReportBut(const std::string& line) {
 }
 
 TEST(MatchReport, HeaderIsOneFlushedLine) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  PrintMatchReportHeader(out);
-  EXPECT_EQ(capture.Flushes(), std::vector<std::string>{"Identified the following matches:\n"});
+  testing::TestConsole console;
+  PrintMatchReportHeader(console);
+  EXPECT_EQ(console.Flushes(), std::vector<std::string>{"Identified the following matches:\n"});
 }
 
 TEST(MatchReport, WholeMatch) {
@@ -78,8 +79,8 @@ TEST(MatchReport, WholeMatch) {
                       {"Firmware", "ridge.bin"},
                       {"Version", 43.1},
                       {"Priority", 50},
-                      {"SetNVRAM", Dictionary{{"a", "1"}, {"b", Array{2}}}},
-                      {"ClearNVRAM", Array{"x", "y"}}}),
+                      {"SetNVRAM", Dict({{"a", "1"}, {"b", List({2})}})},
+                      {"ClearNVRAM", List({"x", "y"})}}),
             "\tPERSONALITY_TYPE:               Thunderbolt\n"
             "\tCONFIG_PORT_ADDRESS:            56\n"
             "\tRID:                            3\n"
@@ -144,7 +145,7 @@ TEST(MatchReport, NegativePortAddressPrintsUnsigned) {
 }
 
 TEST(MatchReport, PortAddressThatIsAListShowsZero) {
-  EXPECT_EQ(ReportOf({{"Port Address", Array{1, 2}}}),
+  EXPECT_EQ(ReportOf({{"Port Address", List({1, 2})}}),
             EmptyReportBut("\tCONFIG_PORT_ADDRESS:            0\n"));
 }
 
@@ -154,7 +155,7 @@ TEST(MatchReport, TextThatIsANumberIsRead) {
 }
 
 TEST(MatchReport, ModelNameThatIsAListShowsNull) {
-  EXPECT_EQ(ReportOf({{"Device Model Name", Array{"a"}}}),
+  EXPECT_EQ(ReportOf({{"Device Model Name", List({"a"})}}),
             EmptyReportBut("\tCONFIG_MODEL_NAME:              (null)\n"));
 }
 
@@ -179,13 +180,12 @@ TEST(MatchReport, NvramOfOtherKindsIsDumpedAsItIs) {
 }
 
 TEST(MatchReport, FlushesLineByLine) {
-  testing::StreamCapture capture;
-  Output out(capture.Stream());
-  PrintMatchReport(out, {{"RID", 1}});
-  ASSERT_EQ(capture.Flushes().size(), 22u);
-  EXPECT_EQ(capture.Flushes()[2], "\tRID:                            1\n");
-  EXPECT_EQ(capture.Flushes()[19], "\tCONFIG_NVRAM_TO_SET:\n(null)\n");
-  EXPECT_EQ(capture.Flushes()[21], "\n\n");
+  testing::TestConsole console;
+  PrintMatchReport(console, {{"RID", 1}});
+  ASSERT_EQ(console.Flushes().size(), 22u);
+  EXPECT_EQ(console.Flushes()[2], "\tRID:                            1\n");
+  EXPECT_EQ(console.Flushes()[19], "\tCONFIG_NVRAM_TO_SET:\n(null)\n");
+  EXPECT_EQ(console.Flushes()[21], "\n\n");
 }
 
 }  // namespace

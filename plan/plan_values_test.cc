@@ -3,9 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <vector>
+
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {
+
+using testing::Dict;
+using testing::List;
 
 std::uint32_t LowestOf(std::initializer_list<MatchRecord> matches) {
   PlanValues plan;
@@ -41,8 +47,10 @@ TEST(FoldPriority, TakesLowBitsTextAndOtherKindsAsNumbers) {
   EXPECT_EQ(LowestOf({{{"Priority", -1}}}), 2147483647u);
   EXPECT_EQ(LowestOf({{{"Priority", "12"}}}), 12u);
   EXPECT_EQ(LowestOf({{{"Priority", 3.9}}}), 3u);
-  EXPECT_EQ(LowestOf({{{"Priority", Array{5}}}}), 0u);
+  EXPECT_EQ(LowestOf({{{"Priority", List({5})}}}), 0u);
 }
+
+using Values = std::vector<PropertyValue>;
 
 PlanValues MergedFrom(std::initializer_list<MatchRecord> matches) {
   PlanValues plan;
@@ -51,38 +59,38 @@ PlanValues MergedFrom(std::initializer_list<MatchRecord> matches) {
 }
 
 TEST(MergeNvram, LaterMatchWinsInTheEarlierPlace) {
-  const auto plan = MergedFrom({{{"SetNVRAM", Dictionary{{"a", "1"}, {"b", "1"}}}},
-                                {{"SetNVRAM", Dictionary{{"c", 2}, {"a", 2}}}}});
-  EXPECT_EQ(plan.nvramToSet, (Dictionary{{"a", 2}, {"b", "1"}, {"c", 2}}));
+  const auto plan = MergedFrom(
+      {{{"SetNVRAM", Dict({{"a", "1"}, {"b", "1"}})}}, {{"SetNVRAM", Dict({{"c", 2}, {"a", 2}})}}});
+  EXPECT_EQ(plan.nvramToSet, (Record{{"a", 2}, {"b", "1"}, {"c", 2}}));
 }
 
 TEST(MergeNvram, KeepsDuplicatesToClear) {
-  const auto plan = MergedFrom({{{"ClearNVRAM", Array{"x", "y"}}}, {{"ClearNVRAM", Array{"x"}}}});
-  EXPECT_EQ(plan.nvramToClear, (Array{"x", "y", "x"}));
+  const auto plan = MergedFrom({{{"ClearNVRAM", List({"x", "y"})}}, {{"ClearNVRAM", List({"x"})}}});
+  EXPECT_EQ(plan.nvramToClear, (Values{"x", "y", "x"}));
 }
 
 TEST(MergeNvram, CarriesElementsThatAreNoStrings) {
-  const auto plan = MergedFrom({{{"ClearNVRAM", Array{1, Dictionary{{"a", true}}}}}});
-  EXPECT_EQ(plan.nvramToClear, (Array{1, Dictionary{{"a", true}}}));
+  const auto plan = MergedFrom({{{"ClearNVRAM", List({1, Dict({{"a", true}})})}}});
+  EXPECT_EQ(plan.nvramToClear, (Values{1, Dict({{"a", true}})}));
 }
 
 TEST(MergeNvram, AbsentAddsNothing) {
   const auto plan = MergedFrom({{{"Firmware", "a.bin"}}});
-  EXPECT_EQ(plan.nvramToSet, Dictionary());
-  EXPECT_EQ(plan.nvramToClear, Array());
+  EXPECT_EQ(plan.nvramToSet, Record());
+  EXPECT_EQ(plan.nvramToClear, Values());
 }
 
 TEST(MergeNvram, IgnoresOtherShapes) {
-  const auto plan = MergedFrom({{{"SetNVRAM", Array{"a"}}, {"ClearNVRAM", Dictionary{{"a", 1}}}},
+  const auto plan = MergedFrom({{{"SetNVRAM", List({"a"})}, {"ClearNVRAM", Dict({{"a", 1}})}},
                                 {{"SetNVRAM", "a"}, {"ClearNVRAM", "a"}}});
-  EXPECT_EQ(plan.nvramToSet, Dictionary());
-  EXPECT_EQ(plan.nvramToClear, Array());
+  EXPECT_EQ(plan.nvramToSet, Record());
+  EXPECT_EQ(plan.nvramToClear, Values());
 }
 
 TEST(MergeNvram, SetAndClearOfOneVariableBothStand) {
-  const auto plan = MergedFrom({{{"SetNVRAM", Dictionary{{"a", 1}}}, {"ClearNVRAM", Array{"a"}}}});
-  EXPECT_EQ(plan.nvramToSet, (Dictionary{{"a", 1}}));
-  EXPECT_EQ(plan.nvramToClear, (Array{"a"}));
+  const auto plan = MergedFrom({{{"SetNVRAM", Dict({{"a", 1}})}, {"ClearNVRAM", List({"a"})}}});
+  EXPECT_EQ(plan.nvramToSet, (Record{{"a", 1}}));
+  EXPECT_EQ(plan.nvramToClear, (Values{"a"}));
 }
 
 }  // namespace

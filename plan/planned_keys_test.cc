@@ -1,61 +1,125 @@
-// Which keys of a personality reach the plan.
+// Which keys of a personality and of a match reach the plan: those whose value makes a difference.
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "personality/personality_keys.h"
+#include "personality/personality.h"
 #include "plan/invocation_builder.h"
+#include "plan/launcher_plist.h"
 #include "plan/plan_values.h"
-#include "testing/capture.h"
-#include "testing/lookup_spy.h"
+#include "registry/key_schema.h"
+#include "testing/dictionaries.h"
+#include "testing/inputs/full_port_record.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
 
+using testing::Dict;
+using testing::FullPortRecord;
+using testing::Holding;
+using testing::List;
+using testing::With;
+using testing::Without;
+
 using Names = std::set<std::string>;
 
-// Adds one match to a plan. False when the match ends the run.
-bool Plan(const MatchRecord& match) {
-  const testing::StandardErrorCapture errors;
+constexpr std::string_view AllTypes[] = {
+    PersonalityType::LegacyThunderbolt,
+    PersonalityType::Thunderbolt,
+    PersonalityType::LegacyUsbc,
+    PersonalityType::Usbc,
+};
+
+// The plan of one match as it is printed; nothing when the match ends the run.
+std::optional<std::string> PlanOf(const MatchRecord& match) {
+  testing::TestConsole console;
   PlanValues plan;
   InvocationBuilder builder("/P/Fernwick/", "Zed-42");
   FoldPriority(match, plan);
-  return builder.AddMatch(match, plan, nullptr);
+  if (!builder.AddMatch(match, plan, false, console)) return std::nullopt;
+  builder.FinishInvocation();
+  EXPECT_EQ(WritePlan(console, false, builder.Arguments(), plan), 0);
+  return console.Output();
 }
 
-// What the plan of a match of the type looks up.
-Names KeysPlannedOf(std::string_view type) {
-  const MatchRecord match = {{"Personality Type", type}, {"Firmware", "image.bin"}};
-  const testing::LookupSpy spy(match);
-  EXPECT_TRUE(Plan(match)) << type;
-  return spy.Keys();
+// Every key of the schema with a value that is none of those below, and one that nothing reads.
+Record EveryKey() {
+  Record record = {{"Colour", "blue"}};
+  for (const auto& key : KeySchema()) record.Set(key.name, 50);
+  record.Set("Firmware", "image.bin");
+  record.Set("SetNVRAM", Dict({{"a", 1}}));
+  record.Set("ClearNVRAM", List({"b"}));
+  return record;
 }
 
-// Those of the table, and those that the matcher has set.
-Names KeysExpectedOf(std::string_view type, Names keys) {
-  keys.insert("Personality Type");
-  for (const auto& key : PersonalityKeys()) {
-    if ((key.plannedBy & TypeNamed(type)) != 0) keys.emplace(key.name);
+const std::vector<PropertyValue> OtherValues = {
+    0, 1, 7, -1, 2.5, true, "other.bin", "", List({"x"}), Dict({{"x", 1}}),
+};
+
+// The keys of the record of which another value, or none, changes the plan. `planOf` makes a plan
+// of such a record.
+template <typename PlanOfRecord>
+Names KeysThatChangeThePlan(const Record& record, PlanOfRecord planOf) {
+  const auto plan = planOf(record);
+  EXPECT_TRUE(plan.has_value());
+  Names names;
+  for (const auto& entry : record.Entries()) {
+    bool changes = planOf(Without(record, entry.key)) != plan;
+    for (const auto& value : OtherValues) {
+      changes = changes || planOf(With(record, Holding(entry.key, value))) != plan;
+    }
+    if (changes) names.emplace(entry.key);
   }
-  return keys;
+  return names;
 }
 
-TEST(PlannedKeys, AreExactlyThoseThatThePlanLooksUp) {
-  EXPECT_EQ(KeysPlannedOf("LegacyThunderbolt"), KeysExpectedOf("LegacyThunderbolt", {"RID"}));
-  EXPECT_EQ(KeysPlannedOf("Thunderbolt"), KeysExpectedOf("Thunderbolt", {"RID", "Firmware Mode"}));
-  EXPECT_EQ(KeysPlannedOf("LegacyUSBC"), KeysExpectedOf("LegacyUSBC", {}));
-  EXPECT_EQ(KeysPlannedOf("USBC"), KeysExpectedOf("USBC", {}));
+Names PlannedKeysOf(std::string_view type) {
+  Names names;
+  for (const auto& key : KeySchema()) {
+    if ((key.plannedBy & TypeNamed(type)) != 0) names.emplace(key.name);
+  }
+  return names;
+}
+
+TEST(PlannedKeys, OfAPersonalityAreExactlyThoseThatChangeThePlan) {
+  for (const auto type : AllTypes) {
+    const auto planOf = [=](const Record& personality) {
+      return PlanOf(BuildMatchRecord(personality, FullPortRecord, type));
+    };
+    EXPECT_EQ(KeysThatChangeThePlan(EveryKey(), planOf), PlannedKeysOf(type)) << type;
+  }
+}
+
+// Those of the personality, and those that the matcher sets.
+Names KeysOfMatchesOf(std::string_view type, Names keysOfController) {
+  keysOfController.merge(PlannedKeysOf(type));
+  keysOfController.insert("Personality Type");
+  return keysOfController;
+}
+
+TEST(PlannedKeys, OfAMatchAreTheTypeAndSomeOfTheController) {
+  const auto keysOf = [](std::string_view type) {
+    return KeysThatChangeThePlan(With(EveryKey(), {{"Personality Type", type}}), PlanOf);
+  };
+  EXPECT_EQ(keysOf("LegacyThunderbolt"), KeysOfMatchesOf("LegacyThunderbolt", {"RID"}));
+  EXPECT_EQ(keysOf("Thunderbolt"), KeysOfMatchesOf("Thunderbolt", {"RID", "Firmware Mode"}));
+  EXPECT_EQ(keysOf("LegacyUSBC"), KeysOfMatchesOf("LegacyUSBC", {}));
+  EXPECT_EQ(keysOf("USBC"), KeysOfMatchesOf("USBC", {}));
 }
 
 TEST(PlannedKeys, AreRequiredWhereTheRunEndsWithoutThem) {
-  for (const auto& key : PersonalityKeys()) {
-    if (key.plannedBy == Types::None) continue;
-    MatchRecord match = {{"Personality Type", "LegacyThunderbolt"}};
-    if (key.name != "Firmware") match.Set("Firmware", "image.bin");
-    EXPECT_EQ(Plan(match), (key.requiredBy & Types::LegacyThunderbolt) == 0) << key.name;
+  for (const auto type : AllTypes) {
+    const auto match = With(EveryKey(), {{"Personality Type", type}});
+    for (const auto& key : KeySchema()) {
+      const bool isNeeded = (key.plannedBy & key.requiredBy & TypeNamed(type)) != 0;
+      EXPECT_EQ(PlanOf(Without(match, key.name)).has_value(), !isNeeded) << key.name;
+    }
   }
 }
 

@@ -6,10 +6,13 @@
 #include <limits>
 #include <vector>
 
-#include "testing/computer.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {
+
+using testing::Dict;
+using testing::List;
 
 constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();
@@ -43,8 +46,8 @@ TEST(IntegerOf, TakesEveryKindAsStated) {
       {"", 0},
       {"18446744073709551615", 0x7FFFFFFFFFFFFFFF},
       {"-99999999999999999999", 0x8000000000000000},
-      {Array{1}, 0},
-      {Dictionary{{"a", 1}}, 0},
+      {List({1}), 0},
+      {Dict({{"a", 1}}), 0},
       {testing::Bytes("1"), 0},
       {Date{1}, 0},
   };
@@ -88,8 +91,8 @@ TEST(RealOf, TakesEveryKindAsStated) {
       {"nan", 0.0F},
       {"0x10", 0.0F},
       {"", 0.0F},
-      {Array{1}, 0.0F},
-      {Dictionary{{"a", 1}}, 0.0F},
+      {List({1}), 0.0F},
+      {Dict({{"a", 1}}), 0.0F},
       {testing::Bytes("1"), 0.0F},
       {Date{1}, 0.0F},
   };

@@ -45,7 +45,7 @@ void Console::Print(const char* format, ...) {
 }
 
 void Console::Flush() {
-  if (outputError_ != 0 || buffer_.empty()) return;
+  if (buffer_.empty()) return;  // as it is after a failure
   outputError_ = Send(buffer_);
   buffer_.clear();
 }

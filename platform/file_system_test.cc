@@ -127,18 +127,14 @@ TEST(PathExists, NotForAnOverLongPath) {
   EXPECT_FALSE(PathExists(path));
 }
 
-/// Holds reading the path to the error.
-void ExpectUnreadable(const std::string& path, const std::string& error) {
-  const auto reading = ReadWholeFile(path);
-  EXPECT_EQ(reading.bytes, std::nullopt);
-  EXPECT_EQ(reading.error, error);
+/// Expects that the path cannot be read, with that error.
+void ExpectUnreadable(const std::string& path, const std::string& message) {
+  EXPECT_EQ(ReadWholeFile(path), Result<std::string>(Error{message}));
 }
 
-/// Holds reading the path to these bytes.
+/// Expects that the path can be read and has these bytes.
 void ExpectBytes(const std::string& path, const std::string& bytes) {
-  const auto reading = ReadWholeFile(path);
-  EXPECT_EQ(reading.bytes, bytes);
-  EXPECT_EQ(reading.error, "");
+  EXPECT_EQ(ReadWholeFile(path), Result<std::string>(bytes));
 }
 
 TEST(ReadWholeFile, GivesTheBytesAsTheyAre) {

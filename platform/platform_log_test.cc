@@ -4,15 +4,18 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
-#include "testing/capture.h"
-#include "testing/computer.h"
+#include "testing/property_values.h"
+#include "testing/test_console.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Bytes;
-using testing::StandardErrorCapture;
+using testing::Dict;
+using testing::List;
+using testing::TestConsole;
 
 constexpr std::optional<std::string_view> AbsentText;
 constexpr const PropertyValue* AbsentValue = nullptr;
@@ -56,10 +59,10 @@ TEST(FormatLogMessage, AnotherKindIsItsDump) {
   EXPECT_EQ(TextOf(false), "false");
   EXPECT_EQ(TextOf(Bytes("Zed-42")), "<5a65642d 3432>");
   EXPECT_EQ(TextOf(Date{0}), "1970-01-01T00:00:00Z");
-  EXPECT_EQ(TextOf(Array{}), "()");
-  EXPECT_EQ(TextOf(Dictionary{}), "{}");
-  EXPECT_EQ(TextOf(Array{"a", 1}), "(\n    \"a\",\n    1\n)");
-  EXPECT_EQ(TextOf(Dictionary{{"a", "b"}}), "{\n    \"a\" = \"b\";\n}");
+  EXPECT_EQ(TextOf(Array()), "()");
+  EXPECT_EQ(TextOf(Dictionary()), "{}");
+  EXPECT_EQ(TextOf(List({"a", 1})), "(\n    \"a\",\n    1\n)");
+  EXPECT_EQ(TextOf(Dict({{"a", "b"}})), "{\n    \"a\" = \"b\";\n}");
 }
 
 TEST(FormatLogMessage, ANumberIsDecimal) {
@@ -94,9 +97,10 @@ TEST(FormatLogMessage, ADirectiveWithoutArgumentStays) {
 
 /// What a line of the system log puts on standard error.
 std::string Logged(std::string_view format, std::initializer_list<LogArgument> arguments = {}) {
-  StandardErrorCapture capture;
-  PlatformLog(format, arguments);
-  return capture.TakeText();
+  TestConsole console;
+  PlatformLog(console, format, arguments);
+  EXPECT_EQ(console.Messages(), std::vector{FormatLogMessage(format, arguments)});
+  return console.Error();
 }
 
 TEST(PlatformLog, ReachesStandardErrorAsOneLineUnderTheToolsName) {
@@ -106,7 +110,7 @@ TEST(PlatformLog, ReachesStandardErrorAsOneLineUnderTheToolsName) {
 }
 
 TEST(PlatformLog, TellsValueAndNumber) {
-  const PropertyValue value = Array{"a", true};
+  const PropertyValue value = List({"a", true});
   EXPECT_EQ(Logged("%@ with code %lu", {&value, 100ul}),
             "fernwick: (\n    \"a\",\n    true\n) with code 100\n");
 }
@@ -126,10 +130,10 @@ TEST(PlatformLog, KeepsALongMessageWhole) {
 }
 
 TEST(PlatformLog, KeepsTheOrderOfItsLines) {
-  StandardErrorCapture capture;
-  PlatformLog("first");
-  PlatformLog("second %@", {AbsentText});
-  EXPECT_EQ(capture.TakeText(), "fernwick: first\nfernwick: second (null)\n");
+  TestConsole console;
+  PlatformLog(console, "first");
+  PlatformLog(console, "second %@", {AbsentText});
+  EXPECT_EQ(console.Error(), "fernwick: first\nfernwick: second (null)\n");
 }
 
 }  // namespace

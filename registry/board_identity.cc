@@ -54,7 +54,7 @@ std::optional<std::string> ReadBoardIdString(Registry& registry) {
   registry.ReleaseEntry(root);
   if (!text) return std::nullopt;
   text->resize(std::string_view(text->c_str()).size());
-  if (FindInvalidUtf8(*text) != NoPlace) return std::nullopt;
+  if (FindInvalidUtf8(*text) != npos) return std::nullopt;
   return text;
 }
 

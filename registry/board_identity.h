@@ -16,7 +16,7 @@ struct BoardIdentity {
 };
 
 /// Stores the numeric board id and the board revision, each 0 when the registry has none, and
-/// returns the numeric board id: the hexadecimal number, as strtoull reads it, behind the prefix
+/// returns the numeric board id: the hexadecimal number, as strtoull reads it, after the prefix
 /// "Zed-" of "board-id", and 0 without that prefix.
 std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8_t& boardRevision);
 

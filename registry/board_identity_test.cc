@@ -9,6 +9,7 @@
 #include "testing/computer.h"
 #include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
+#include "testing/recordings.h"
 
 namespace fernwick {
 namespace {
@@ -163,7 +164,7 @@ INSTANTIATE_TEST_SUITE_P(BoardIdentity, BoardRevisionOf, ::testing::ValuesIn(Rev
                          RowName);
 
 TEST(BoardIdentity, WithoutDeviceTreeEverythingIsMissing) {
-  EXPECT_EQ(IdentityOf(Recording()), Expected(0, 0, std::nullopt));
+  EXPECT_EQ(IdentityOf(testing::RecordingOf({})), Expected(0, 0, std::nullopt));
 }
 
 TEST(BoardIdentity, WithoutPropertiesEverythingIsMissing) {
@@ -262,7 +263,8 @@ TEST(BoardIdentity, EachOperationLooksTheRootUpAndReleasesIt) {
 }
 
 TEST(BoardIdentity, AbsentPropertiesChangeNoCall) {
-  LoggingRegistry registry(Computer().Recorded());
+  const Computer computer;
+  LoggingRegistry registry(computer.Recorded());
   ReadIdentity(registry);
   EXPECT_EQ(registry.Calls(), IdentityCalls());
 }
@@ -277,7 +279,8 @@ TEST(BoardIdentity, NothingIsKeptBetweenReads) {
 }
 
 TEST(BoardIdentity, AMissingRootIsReleasedByAllButReadBoardId) {
-  LoggingRegistry registry{Recording()};
+  const Recording recording = testing::RecordingOf({});
+  LoggingRegistry registry(recording);
   ReadIdentity(registry);
   EXPECT_EQ(registry.Calls(), (CallList{"LookupEntryByPath IODeviceTree:/",
                                         "LookupEntryByPath IODeviceTree:/", "ReleaseEntry none",

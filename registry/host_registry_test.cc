@@ -67,8 +67,8 @@ TEST(HostRegistry, MakesNoBoardAndNoInventory) {
   EXPECT_EQ(boardRevision, 0);
   EXPECT_EQ(ReadBoardIdString(registry), std::nullopt);
   EXPECT_EQ(ReadBoardRevision(registry), 0);
-  EXPECT_EQ(CollectPortControllers(registry), HardwareInventory());
-  EXPECT_EQ(CollectThunderboltControllers(registry), HardwareInventory());
+  EXPECT_EQ(CollectPortControllers(registry), InventoryResult(HardwareInventory()));
+  EXPECT_EQ(CollectThunderboltControllers(registry), InventoryResult(HardwareInventory()));
 }
 
 }  // namespace

@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <string>
-#include <vector>
+#include <optional>
 
 #include "testing/call_lists.h"
 #include "testing/computer.h"
@@ -15,84 +14,145 @@
 namespace fernwick {
 namespace {
 
+using testing::Bytes;
 using testing::CallList;
 using testing::Computer;
+using testing::List;
 using testing::LoggingRegistry;
 using testing::Named;
 using testing::NamedValue;
 using testing::NonNumbers;
 using testing::RowName;
 
-HardwareRecord Filled(const Dictionary& properties, HardwareRecord record = {}) {
+constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
+constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
+
+/// The record after "One" was filled from "First" and then "Two" from "Second".
+HardwareRecord Filled(const Record& properties, HardwareRecord record = {}) {
   Computer computer;
   const RegistryEntry entry = computer.AddPort("Port0", properties);
   RecordedRegistry registry(computer.Recorded());
-  FillIntegers(registry, entry, record, {{"First", "One"}, {"Second", "Two"}});
+  FillKey(registry, entry, "One", {"First", Conversion::Signed32}, record);
+  FillKey(registry, entry, "Two", {"Second", Conversion::Signed32}, record);
   return record;
 }
 
-TEST(FillIntegers, WritesTheTargetsInTheirOwnOrder) {
-  EXPECT_EQ(Filled({{"Second", 2}, {"First", 1}, {"Third", 3}}),
-            (Dictionary{{"One", 1}, {"Two", 2}}));
+TEST(FillKey, WritesAKeyWhereThePropertyIs) {
+  EXPECT_EQ(Filled({{"Second", 2}, {"First", 1}, {"Third", 3}}), (Record{{"One", 1}, {"Two", 2}}));
 }
 
-TEST(FillIntegers, LeavesOutWhatIsAbsent) {
-  EXPECT_EQ(Filled({{"Second", 2}}), (Dictionary{{"Two", 2}}));
+TEST(FillKey, LeavesOutWhatIsAbsent) {
+  EXPECT_EQ(Filled({{"Second", 2}}), (Record{{"Two", 2}}));
 }
 
-TEST(FillIntegers, LeavesWhatTheRecordHoldsWhereNothingReads) {
+TEST(FillKey, LeavesTheRecordAsItIsWhereNothingReads) {
   EXPECT_EQ(Filled({{"First", "1"}}, {{"Two", "b"}, {"One", "a"}}),
-            (Dictionary{{"Two", "b"}, {"One", "a"}}));
+            (Record{{"Two", "b"}, {"One", "a"}}));
 }
 
-TEST(FillIntegers, ReplacesWhatTheRecordHoldsAtItsPlace) {
+TEST(FillKey, ReplacesAValueAtItsLocation) {
   EXPECT_EQ(Filled({{"First", 1}, {"Second", 2}}, {{"Two", "b"}, {"Other", "c"}}),
-            (Dictionary{{"Two", 2}, {"Other", "c"}, {"One", 1}}));
+            (Record{{"Two", 2}, {"Other", "c"}, {"One", 1}}));
+}
+
+/// What is written for a property of that value; empty: nothing.
+std::optional<PropertyValue> Converted(PropertyValue property, Conversion conversion) {
+  Computer computer;
+  const RegistryEntry entry = computer.AddPort("Port0", {{"Property", property}});
+  LoggingRegistry registry(computer.Recorded());
+  HardwareRecord record;
+  FillKey(registry, entry, "Key", {"Property", conversion}, record);
+  EXPECT_EQ(registry.Calls(), CallList{"GetProperty Port0 Property"});
+  const auto* written = record.Find("Key");
+  EXPECT_EQ(record.Size(), written == nullptr ? 0u : 1u);
+  return written == nullptr ? std::nullopt : std::optional(*written);
 }
 
 struct WrittenRow {
   PropertyValue property;
-  std::int32_t written;
+  std::int32_t signed32;
+  std::int32_t bcd;
+  std::int32_t lowNibble;
+  bool nonZero;
 };
 
-class FillIntegersFrom : public ::testing::TestWithParam<Named<WrittenRow>> {};
+class FillKeyFrom : public ::testing::TestWithParam<Named<WrittenRow>> {};
 
-TEST_P(FillIntegersFrom, TheLow32BitsAsASignedInteger) {
-  EXPECT_EQ(Filled({{"First", GetParam().row.property}}),
-            (Dictionary{{"One", GetParam().row.written}}));
+TEST_P(FillKeyFrom, ANumberByEachConversion) {
+  const auto& row = GetParam().row;
+  EXPECT_EQ(Converted(row.property, Conversion::Signed32), PropertyValue(row.signed32));
+  EXPECT_EQ(Converted(row.property, Conversion::Bcd), PropertyValue(row.bcd));
+  EXPECT_EQ(Converted(row.property, Conversion::LowNibble), PropertyValue(row.lowNibble));
+  EXPECT_EQ(Converted(row.property, Conversion::NonZero), PropertyValue(row.nonZero));
+  EXPECT_EQ(Converted(row.property, Conversion::Text), std::nullopt);
 }
+
+constexpr std::int32_t MaxBcd = 166666665;
 
 const Named<WrittenRow> WrittenRows[] = {
-    {"Zero", {0, 0}},
-    {"GreatestSigned", {0x7FFFFFFF, 2147483647}},
-    {"Bit31", {0x80000000u, -2147483647 - 1}},
-    {"Bit31And1", {0x80000001u, -2147483647}},
-    {"AllBits", {0xFFFFFFFFu, -1}},
-    {"MinusOne", {-1, -1}},
-    {"Beyond32Bits", {0x200000005, 5}},
-    {"GreatestInteger", {std::numeric_limits<std::uint64_t>::max(), -1}},
-    {"BooleanTrue", {true, 1}},
-    {"BooleanFalse", {false, 0}},
-    {"Real", {5.9, 5}},
-    {"NegativeReal", {-5.9, 0}},
-    {"HugeReal", {1e300, -1}},
-    {"Nan", {std::numeric_limits<double>::quiet_NaN(), 0}},
+    {"Zero", {0, 0, 0, 0, false}},
+    {"Bcd", {0x171, 369, 171, 1, true}},
+    {"GreatestSigned", {0x7FFFFFFF, 2147483647, 86666665, 15, true}},
+    {"Bit31", {0x80000000u, -2147483647 - 1, 80000000, 0, true}},
+    {"Bit31And1", {0x80000001u, -2147483647, 80000001, 1, true}},
+    {"AllBits", {0xFFFFFFFFu, -1, MaxBcd, 15, true}},
+    {"MinusOne", {-1, -1, MaxBcd, 15, true}},
+    {"Beyond32Bits", {0x200000005, 5, 5, 5, true}},
+    {"NothingInTheLow32Bits", {0x200000000, 0, 0, 0, true}},
+    {"GreatestInteger", {AllOnes, -1, MaxBcd, 15, true}},
+    {"BooleanTrue", {true, 1, 1, 1, true}},
+    {"BooleanFalse", {false, 0, 0, 0, false}},
+    {"Real", {21.9, 21, 15, 5, true}},
+    {"NegativeReal", {-5.9, 0, 0, 0, true}},
+    {"HugeReal", {1e300, -1, MaxBcd, 15, true}},
+    {"Nan", {Nan, 0, 0, 0, true}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Inventory, FillIntegersFrom, ::testing::ValuesIn(WrittenRows), RowName);
+INSTANTIATE_TEST_SUITE_P(Inventory, FillKeyFrom, ::testing::ValuesIn(WrittenRows), RowName);
 
-class FillIntegersOf : public ::testing::TestWithParam<NamedValue> {};
+class FillKeyOf : public ::testing::TestWithParam<NamedValue> {};
 
-TEST_P(FillIntegersOf, AKindOtherThanANumberLeavesTheKeyOut) {
-  EXPECT_EQ(Filled({{"First", GetParam().row}, {"Second", 2}}), (Dictionary{{"Two", 2}}));
+TEST_P(FillKeyOf, AKindOtherThanANumberLeavesTheKeyOut) {
+  EXPECT_EQ(Filled({{"First", GetParam().row}, {"Second", 2}}), (Record{{"Two", 2}}));
+  for (const auto conversion :
+       {Conversion::Signed32, Conversion::Bcd, Conversion::LowNibble, Conversion::NonZero}) {
+    EXPECT_EQ(Converted(GetParam().row, conversion), std::nullopt);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Inventory, FillIntegersOf, ::testing::ValuesIn(NonNumbers()), RowName);
+TEST_P(FillKeyOf, AnyKindIsWrittenAsItIs) {
+  EXPECT_EQ(Converted(GetParam().row, Conversion::AsIs), GetParam().row);
+}
+
+INSTANTIATE_TEST_SUITE_P(Inventory, FillKeyOf, ::testing::ValuesIn(NonNumbers()), RowName);
+
+TEST(FillKey, WritesANumberAsItIsWithItsKind) {
+  for (const PropertyValue value :
+       {PropertyValue(AllOnes), PropertyValue(5.9), PropertyValue(true)}) {
+    EXPECT_EQ(Converted(value, Conversion::AsIs), value);
+  }
+}
+
+TEST(FillKey, WritesATextAsItIs) {
+  EXPECT_EQ(Converted("Grat", Conversion::Text), PropertyValue("Grat"));
+  EXPECT_EQ(Converted("", Conversion::Text), PropertyValue(""));
+}
+
+TEST(FillKey, WritesNoTextOfAnotherKind) {
+  for (const PropertyValue value : {PropertyValue(Bytes("Grat")), PropertyValue(List({"Grat"})),
+                                    PropertyValue(Dictionary()), PropertyValue(Date{5})}) {
+    EXPECT_EQ(Converted(value, Conversion::Text), std::nullopt);
+  }
+}
 
 /// The calls of a walk over class "Fan" that looks at "Speed" of every entry.
 CallList WalkCalls(LoggingRegistry& registry) {
-  ForEachService(registry, "Fan",
-                 [&](RegistryEntry entry) { registry.GetProperty(entry, "Speed"); });
+  const auto fault =
+      ForEachService(registry, "Fan", [&](RegistryEntry entry) -> std::optional<Fault> {
+        registry.GetProperty(entry, "Speed");
+        return std::nullopt;
+      });
+  EXPECT_EQ(fault, std::nullopt);
   return registry.Calls();
 }
 
@@ -105,7 +165,8 @@ Computer ComputerWithTwoFans() {
 }
 
 TEST(ForEachService, VisitsTheEntriesAndReleasesTheIteratorAlone) {
-  LoggingRegistry registry(ComputerWithTwoFans().Recorded());
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan", "ResetIterator iterator 1",
                                            "NextEntry iterator 1", "GetProperty Fan1 Speed",
                                            "NextEntry iterator 1", "GetProperty Fan0 Speed",
@@ -113,42 +174,52 @@ TEST(ForEachService, VisitsTheEntriesAndReleasesTheIteratorAlone) {
 }
 
 TEST(ForEachService, WithoutEntriesTheIteratorIsStillRewoundAndReleased) {
-  LoggingRegistry registry(Computer().Recorded());
+  const Computer computer;
+  LoggingRegistry registry(computer.Recorded());
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan", "ResetIterator iterator 1",
                                            "NextEntry iterator 1", "ReleaseEntry iterator 1"}));
 }
 
+TEST(ForEachService, AFaultEndsTheWalkAndStillReleasesTheIterator) {
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
+  const auto fault =
+      ForEachService(registry, "Fan", [&](RegistryEntry entry) -> std::optional<Fault> {
+        registry.GetProperty(entry, "Speed");
+        return Fault::MissingUid;
+      });
+  EXPECT_EQ(fault, Fault::MissingUid);
+  EXPECT_EQ(registry.Calls(), (CallList{"MatchServicesByClass Fan", "ResetIterator iterator 1",
+                                        "NextEntry iterator 1", "GetProperty Fan1 Speed",
+                                        "ReleaseEntry iterator 1"}));
+}
+
 TEST(ForEachService, AFailureWithIteratorReleasesItUnused) {
-  LoggingRegistry registry(ComputerWithTwoFans().Recorded());
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(5, true);
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan", "ReleaseEntry iterator 1"}));
 }
 
 TEST(ForEachService, ANegativeStatusIsAFailure) {
-  LoggingRegistry registry(ComputerWithTwoFans().Recorded());
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(RegistryNotFound, true);
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan", "ReleaseEntry iterator 1"}));
 }
 
 TEST(ForEachService, AFailureWithoutIteratorReleasesNothing) {
-  LoggingRegistry registry(ComputerWithTwoFans().Recorded());
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(5, false);
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan"}));
 }
 
 TEST(ForEachService, SuccessWithoutIteratorReleasesNothing) {
-  LoggingRegistry registry(ComputerWithTwoFans().Recorded());
+  const Computer computer = ComputerWithTwoFans();
+  LoggingRegistry registry(computer.Recorded());
   registry.FailMatching(RegistrySuccess, false);
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan"}));
-}
-
-TEST(NonEmpty, IsNoneForAnEmptyList) {
-  EXPECT_EQ(NonEmpty({}), HardwareInventory());
-}
-
-TEST(NonEmpty, KeepsTheRecordsInTheirOrder) {
-  const std::vector<HardwareRecord> records{{{"RID", 2}}, {}, {{"RID", 1}}};
-  EXPECT_EQ(NonEmpty(records), HardwareInventory(records));
 }
 
 }  // namespace

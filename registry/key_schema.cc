@@ -65,7 +65,7 @@ constexpr Key Keys[] = {
 
 constexpr char DecodedBcd[] = "decoded as BCD";
 
-// How the value is made of the property's, as people are told.
+// How the value is made of the property's, in words for a person.
 constexpr std::string_view Describe(Conversion conversion) {
   switch (conversion) {
     case Bcd:

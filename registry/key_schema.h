@@ -98,7 +98,8 @@ const Key* FindKey(std::string_view name);
 const Key* FindPersonalityKey(std::string_view name);
 
 /// The numbers that a controller which a personality of the type is matched against can have under
-/// the key, as its conversion limits them. None: any number.
+/// the key, as its conversion limits them; empty: any number. REQUIRES: the key is a NumberOrList
+/// and the type one that checks it.
 std::optional<IntegerRange> NumbersOfControllers(const Key& key, TypeSet type);
 
 /// The type that a top-level key of a configuration names, exactly; Types::None when it names none.

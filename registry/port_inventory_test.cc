@@ -7,13 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "testing/abnormal_end.h"
 #include "testing/call_lists.h"
 #include "testing/computer.h"
 #include "testing/failed_matching.h"
 #include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
 #include "testing/property_values.h"
+#include "testing/recordings.h"
 
 namespace fernwick {
 namespace {
@@ -21,8 +21,8 @@ namespace {
 using testing::Bytes;
 using testing::CallList;
 using testing::Computer;
-using testing::ExpectAbnormalEnd;
 using testing::Joined;
+using testing::List;
 using testing::LoggingRegistry;
 using testing::Named;
 using testing::NamedValue;
@@ -34,31 +34,48 @@ using testing::ThunderboltFieldReads;
 constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
 constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
 
-HardwareInventory CollectedFrom(const Computer& computer) {
+using Records = std::vector<HardwareRecord>;
+
+InventoryResult InventoryOf(const Computer& computer) {
   RecordedRegistry registry(computer.Recorded());
   return CollectPortControllers(registry);
 }
 
-/// The inventory of a computer with one port controller and no Thunderbolt controller.
-HardwareInventory InventoryOf(const Dictionary& port) {
+/// The records of the computer's inventory, which has no fault.
+Records CollectedFrom(const Computer& computer) {
+  const auto inventory = InventoryOf(computer);
+  if (!inventory) {
+    ADD_FAILURE() << Describe(inventory.Error());
+    return {};
+  }
+  EXPECT_EQ(inventory->sources.size(), inventory->records.size());
+  return inventory->records;
+}
+
+/// The records of a computer with one port controller and no Thunderbolt controller.
+Records RecordsOf(const Record& port) {
   Computer computer;
   computer.AddPort("Port0", port);
   return CollectedFrom(computer);
 }
 
-/// The inventory of a computer with one port controller below a Thunderbolt controller.
-HardwareInventory InventoryBelow(const Dictionary& ridge, const Dictionary& port) {
+/// A computer with one port controller below a Thunderbolt controller.
+Computer PortBelow(const Record& ridge, const Record& port) {
   Computer computer;
   const RegistryEntry controller = computer.AddThunderbolt("Ridge0", ridge);
   computer.AddService(controller, "Port0", "QuinceHPMDevice", port);
-  return CollectedFrom(computer);
+  return computer;
 }
 
-HardwareInventory Listed(std::vector<HardwareRecord> records) {
+Records RecordsBelow(const Record& ridge, const Record& port) {
+  return CollectedFrom(PortBelow(ridge, port));
+}
+
+Records Listed(Records records) {
   return records;
 }
 
-const Dictionary FullPort{
+const Record FullPort{
     {"UUID", "6B1F"},       {"Version", 0x0171}, {"Address", 0x3F},          {"Revision", 4},
     {"Revision ID", 3},     {"Device ID", 2},    {"Vendor ID", 0x80000001u}, {"RID", 2},
     {"Unrelated", "value"},
@@ -76,11 +93,11 @@ const HardwareRecord FullRecord{
 };
 
 TEST(PortInventory, WritesEveryKeyInItsOrder) {
-  EXPECT_EQ(InventoryOf(FullPort), Listed({FullRecord}));
+  EXPECT_EQ(RecordsOf(FullPort), Listed({FullRecord}));
 }
 
 TEST(PortInventory, ListsAPortWithoutPropertiesAsAnEmptyRecord) {
-  EXPECT_EQ(InventoryOf({}), Listed({{}}));
+  EXPECT_EQ(RecordsOf({}), Listed({{}}));
 }
 
 TEST(PortInventory, KeepsTheOrderOfTheRegistry) {
@@ -113,26 +130,27 @@ TEST(PortInventory, ListsAPortBelowAPortOnItsOwn) {
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 1}}, {{"RID", 2}}}));
 }
 
-TEST(PortInventory, IsNoneWithoutPorts) {
+TEST(PortInventory, IsEmptyWithoutPorts) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", {{"UID", 1}});
-  EXPECT_EQ(CollectedFrom(computer), HardwareInventory());
+  EXPECT_EQ(CollectedFrom(computer), Records());
 }
 
-TEST(PortInventory, IsNoneWithoutServicePlane) {
-  RecordedRegistry registry{Recording()};
-  EXPECT_EQ(CollectPortControllers(registry), HardwareInventory());
+TEST(PortInventory, IsEmptyWithoutServicePlane) {
+  const Recording recording = testing::RecordingOf({});
+  RecordedRegistry registry(recording);
+  EXPECT_EQ(CollectPortControllers(registry), InventoryResult(HardwareInventory()));
 }
 
-TEST(PortInventory, IsNoneWhenAllPortsArePassedOver) {
+TEST(PortInventory, IsEmptyWhenAllPortsArePassedOver) {
   Computer computer;
   computer.AddPort("Port0", {{"Route String", 1}});
   computer.AddPort("Port1", {{"Route String", 0x301}});
-  EXPECT_EQ(CollectedFrom(computer), HardwareInventory());
+  EXPECT_EQ(CollectedFrom(computer), Records());
 }
 
-TEST(PortInventory, IsNoneWhenAllPortsAreDropped) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}}, {{"Address", 0x3F}}), HardwareInventory());
+TEST(PortInventory, IsEmptyWhenAllPortsAreDropped) {
+  EXPECT_EQ(RecordsBelow({{"UID", 1}}, {{"Address", 0x3F}}), Records());
 }
 
 TEST(PortInventory, PropertiesOfOtherEntriesAreNotSearched) {
@@ -153,8 +171,8 @@ class RouteStringOf : public ::testing::TestWithParam<Named<RouteRow>> {};
 TEST_P(RouteStringOf, DecidesWhetherAPortIsTaken) {
   const auto& [route, isTaken] = GetParam().row;
   const HardwareRecord record{{"RID", 1}};
-  EXPECT_EQ(InventoryOf({{"Route String", route}, {"RID", 1}}),
-            isTaken ? Listed({record}) : HardwareInventory());
+  EXPECT_EQ(RecordsOf({{"Route String", route}, {"RID", 1}}),
+            isTaken ? Listed({record}) : Records());
 }
 
 std::vector<Named<RouteRow>> RouteRows() {
@@ -183,21 +201,21 @@ std::vector<Named<RouteRow>> RouteRows() {
 INSTANTIATE_TEST_SUITE_P(PortInventory, RouteStringOf, ::testing::ValuesIn(RouteRows()), RowName);
 
 TEST(PortInventory, VersionIsDecodedFromBcd) {
-  EXPECT_EQ(InventoryOf({{"Version", 0x0171}}), Listed({{{"Version", 171}}}));
-  EXPECT_EQ(InventoryOf({{"Version", 0x1234}}), Listed({{{"Version", 1234}}}));
-  EXPECT_EQ(InventoryOf({{"Version", 0x1A}}), Listed({{{"Version", 20}}}));
-  EXPECT_EQ(InventoryOf({{"Version", 0}}), Listed({{{"Version", 0}}}));
-  EXPECT_EQ(InventoryOf({{"Version", 0xFFFFFFFFu}}), Listed({{{"Version", 166666665}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0x0171}}), Listed({{{"Version", 171}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0x1234}}), Listed({{{"Version", 1234}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0x1A}}), Listed({{{"Version", 20}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0}}), Listed({{{"Version", 0}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0xFFFFFFFFu}}), Listed({{{"Version", 166666665}}}));
 }
 
 TEST(PortInventory, VersionOfAnotherNumberKindIsDecodedToo) {
-  EXPECT_EQ(InventoryOf({{"Version", 369.9}}), Listed({{{"Version", 171}}}));
-  EXPECT_EQ(InventoryOf({{"Version", true}}), Listed({{{"Version", 1}}}));
-  EXPECT_EQ(InventoryOf({{"Version", 0x300000171}}), Listed({{{"Version", 171}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 369.9}}), Listed({{{"Version", 171}}}));
+  EXPECT_EQ(RecordsOf({{"Version", true}}), Listed({{{"Version", 1}}}));
+  EXPECT_EQ(RecordsOf({{"Version", 0x300000171}}), Listed({{{"Version", 171}}}));
 }
 
 TEST(PortInventory, AddressKeepsItsLow32BitsAsASignedInteger) {
-  EXPECT_EQ(InventoryOf({{"Address", 0x3FFFFFFFF}}), Listed({{{"Port Address", -1}}}));
+  EXPECT_EQ(RecordsOf({{"Address", 0x3FFFFFFFF}}), Listed({{{"Port Address", -1}}}));
 }
 
 class OddPortProperty : public ::testing::TestWithParam<NamedValue> {};
@@ -214,16 +232,16 @@ TEST_P(OddPortProperty, LeavesOnlyItsOwnKeyOut) {
   };
   for (const auto& [property, key] : targets) {
     SCOPED_TRACE(property);
-    Dictionary port = FullPort;
+    Record port = FullPort;
     port.Set(property, GetParam().row);
     HardwareRecord record = FullRecord;
     record.SetOrRemove(key, nullptr);
-    EXPECT_EQ(InventoryOf(port), Listed({record}));
+    EXPECT_EQ(RecordsOf(port), Listed({record}));
   }
 }
 
 TEST_P(OddPortProperty, AsAddressBelowAThunderboltControllerListsThePort) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}}, {{"Address", GetParam().row}}),
+  EXPECT_EQ(RecordsBelow({{"UID", 1}}, {{"Address", GetParam().row}}),
             Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
 }
 
@@ -231,7 +249,7 @@ INSTANTIATE_TEST_SUITE_P(PortInventory, OddPortProperty, ::testing::ValuesIn(Non
                          RowName);
 
 /// The inventory of ports that hold these under "UUID", absent where there is nothing.
-HardwareInventory InventoryOfUuids(const std::vector<std::optional<PropertyValue>>& uuids) {
+Records RecordsOfUuids(const std::vector<std::optional<PropertyValue>>& uuids) {
   Computer computer;
   for (const auto& uuid : uuids) {
     const RegistryEntry port = computer.AddPort("Port", {});
@@ -241,26 +259,26 @@ HardwareInventory InventoryOfUuids(const std::vector<std::optional<PropertyValue
 }
 
 TEST(PortInventory, UuidIsWrittenForEveryPortWhenAllHaveOne) {
-  EXPECT_EQ(InventoryOfUuids({"A", "B", "A"}),
+  EXPECT_EQ(RecordsOfUuids({"A", "B", "A"}),
             Listed({{{"Port UUID", "A"}}, {{"Port UUID", "B"}}, {{"Port UUID", "A"}}}));
 }
 
 TEST(PortInventory, UuidEndsForThePassAtTheFirstMissingOne) {
-  EXPECT_EQ(InventoryOfUuids({"A", std::nullopt, "C"}), Listed({{{"Port UUID", "A"}}, {}, {}}));
+  EXPECT_EQ(RecordsOfUuids({"A", std::nullopt, "C"}), Listed({{{"Port UUID", "A"}}, {}, {}}));
 }
 
 TEST(PortInventory, UuidEndsForThePassWhenTheFirstPortHasNone) {
-  EXPECT_EQ(InventoryOfUuids({std::nullopt, "B"}), Listed({{}, {}}));
+  EXPECT_EQ(RecordsOfUuids({std::nullopt, "B"}), Listed({{}, {}}));
 }
 
 TEST(PortInventory, UuidMayBeEmpty) {
-  EXPECT_EQ(InventoryOfUuids({"", "B"}), Listed({{{"Port UUID", ""}}, {{"Port UUID", "B"}}}));
+  EXPECT_EQ(RecordsOfUuids({"", "B"}), Listed({{{"Port UUID", ""}}, {{"Port UUID", "B"}}}));
 }
 
 TEST(PortInventory, UuidThatIsNoStringEndsItForThePass) {
-  const PropertyValue values[] = {Bytes("A"), 5, 5.5, true, Date{5}, Array{"A"}, Dictionary{}};
+  const PropertyValue values[] = {Bytes("A"), 5, 5.5, true, Date{5}, List({"A"}), Dictionary()};
   for (const auto& value : values) {
-    EXPECT_EQ(InventoryOfUuids({"A", value, "C"}), Listed({{{"Port UUID", "A"}}, {}, {}}))
+    EXPECT_EQ(RecordsOfUuids({"A", value, "C"}), Listed({{{"Port UUID", "A"}}, {}, {}}))
         << ::testing::PrintToString(value);
   }
 }
@@ -289,7 +307,7 @@ TEST(PortInventory, ADroppedPortWithoutUuidEndsItForThePass) {
 }
 
 TEST(PortInventory, BelowAThunderboltControllerItsFieldsComeBehindThePortsOwn) {
-  const Dictionary ridge{
+  const Record ridge{
       {"UID", 0x5A7},
       {"Vendor ID", 11},
       {"Device ID", 12},
@@ -301,30 +319,30 @@ TEST(PortInventory, BelowAThunderboltControllerItsFieldsComeBehindThePortsOwn) {
       {"ROM Version", 0x41},
       {"EEPROM Revision", 0x45},
   };
-  Dictionary port = FullPort;
+  Record port = FullPort;
   port.Set("Address", 0);
-  EXPECT_EQ(InventoryBelow(ridge, port), Listed({{{"RID", 2},
-                                                  {"Port Silicon Vendor ID", -2147483647},
-                                                  {"Port Silicon Device ID", 2},
-                                                  {"Port Silicon Revision", 3},
-                                                  {"Port OTP Revision", 4},
-                                                  {"Port Address", 0},
-                                                  {"Version", 41.050000000999994},
-                                                  {"Port UUID", "6B1F"},
-                                                  {"Ridge Silicon Vendor ID", 11},
-                                                  {"Ridge Silicon Device ID", 12},
-                                                  {"Ridge Silicon Revision", 13},
-                                                  {"Device Model Name", "Model"},
-                                                  {"Device Model ID", 14},
-                                                  {"Device Model Revision", 15},
-                                                  {"Firmware Mode", true},
-                                                  {"Ridge UID", 0x5A7},
-                                                  {"Engineering Version", 64}}}));
+  EXPECT_EQ(RecordsBelow(ridge, port), Listed({{{"RID", 2},
+                                                {"Port Silicon Vendor ID", -2147483647},
+                                                {"Port Silicon Device ID", 2},
+                                                {"Port Silicon Revision", 3},
+                                                {"Port OTP Revision", 4},
+                                                {"Port Address", 0},
+                                                {"Version", 41.050000000999994},
+                                                {"Port UUID", "6B1F"},
+                                                {"Ridge Silicon Vendor ID", 11},
+                                                {"Ridge Silicon Device ID", 12},
+                                                {"Ridge Silicon Revision", 13},
+                                                {"Device Model Name", "Model"},
+                                                {"Device Model ID", 14},
+                                                {"Device Model Revision", 15},
+                                                {"Firmware Mode", true},
+                                                {"Ridge UID", 0x5A7},
+                                                {"Engineering Version", 64}}}));
 }
 
 TEST(PortInventory, VersionBelowAThunderboltControllerIsThatControllers) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}, {"ROM Version", 0x41}, {"EEPROM Revision", 0x05}},
-                           {{"Version", 0x0171}, {"Address", 0}}),
+  EXPECT_EQ(RecordsBelow({{"UID", 1}, {"ROM Version", 0x41}, {"EEPROM Revision", 0x05}},
+                         {{"Version", 0x0171}, {"Address", 0}}),
             Listed({{{"Port Address", 0},
                      {"Version", 41.050000000999994},
                      {"RID", 1},
@@ -333,23 +351,23 @@ TEST(PortInventory, VersionBelowAThunderboltControllerIsThatControllers) {
 }
 
 TEST(PortInventory, VersionBelowAThunderboltControllerWithoutRomVersionIsThePorts) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}, {"EEPROM Revision", 0x05}},
-                           {{"Version", 0x0171}, {"Address", 0}}),
-            Listed({{{"Port Address", 0}, {"Version", 171}, {"RID", 1}, {"Ridge UID", 1}}}));
+  EXPECT_EQ(
+      RecordsBelow({{"UID", 1}, {"EEPROM Revision", 0x05}}, {{"Version", 0x0171}, {"Address", 0}}),
+      Listed({{{"Port Address", 0}, {"Version", 171}, {"RID", 1}, {"Ridge UID", 1}}}));
 }
 
 TEST(PortInventory, OwnRidIsKeptBelowAThunderboltController) {
-  EXPECT_EQ(InventoryBelow({{"UID", 0x5A7}}, {{"RID", 2}}),
+  EXPECT_EQ(RecordsBelow({{"UID", 0x5A7}}, {{"RID", 2}}),
             Listed({{{"RID", 2}, {"Ridge UID", 0x5A7}}}));
 }
 
 TEST(PortInventory, OwnRidOfZeroIsKeptBelowAThunderboltController) {
-  EXPECT_EQ(InventoryBelow({{"UID", 0x5A7}}, {{"RID", 0}}),
+  EXPECT_EQ(RecordsBelow({{"UID", 0x5A7}}, {{"RID", 0}}),
             Listed({{{"RID", 0}, {"Ridge UID", 0x5A7}}}));
 }
 
 TEST(PortInventory, WithoutOwnRidThatOfTheThunderboltControllerIsTaken) {
-  EXPECT_EQ(InventoryBelow({{"UID", 0x5A7}}, {}), Listed({{{"RID", 7}, {"Ridge UID", 0x5A7}}}));
+  EXPECT_EQ(RecordsBelow({{"UID", 0x5A7}}, {}), Listed({{{"RID", 7}, {"Ridge UID", 0x5A7}}}));
 }
 
 struct AddressRow {
@@ -361,9 +379,9 @@ class AddressBelow : public ::testing::TestWithParam<Named<AddressRow>> {};
 
 TEST_P(AddressBelow, AThunderboltControllerDecidesWhetherThePortIsListed) {
   const auto& [address, written] = GetParam().row;
-  HardwareInventory expected;
+  Records expected;
   if (written) expected = Listed({{{"Port Address", *written}, {"RID", 1}, {"Ridge UID", 1}}});
-  EXPECT_EQ(InventoryBelow({{"UID", 1}}, {{"Address", address}}), expected);
+  EXPECT_EQ(RecordsBelow({{"UID", 1}}, {{"Address", address}}), expected);
 }
 
 const Named<AddressRow> AddressRows[] = {
@@ -383,17 +401,16 @@ const Named<AddressRow> AddressRows[] = {
 INSTANTIATE_TEST_SUITE_P(PortInventory, AddressBelow, ::testing::ValuesIn(AddressRows), RowName);
 
 TEST(PortInventory, WithoutThunderboltControllerAnyAddressIsListed) {
-  EXPECT_EQ(InventoryOf({{"Address", 0x3F}}), Listed({{{"Port Address", 0x3F}}}));
-  EXPECT_EQ(InventoryOf({{"Address", 0}}), Listed({{{"Port Address", 0}}}));
+  EXPECT_EQ(RecordsOf({{"Address", 0x3F}}), Listed({{{"Port Address", 0x3F}}}));
+  EXPECT_EQ(RecordsOf({{"Address", 0}}), Listed({{{"Port Address", 0}}}));
 }
 
 TEST(PortInventory, AddressAbsentBelowAThunderboltControllerIsListed) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}}, {}), Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
+  EXPECT_EQ(RecordsBelow({{"UID", 1}}, {}), Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
 }
 
 TEST(PortInventory, RouteStringOtherThanZeroBelowAThunderboltControllerIsPassedOver) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}}, {{"Route String", 1}, {"Address", 0}}),
-            HardwareInventory());
+  EXPECT_EQ(RecordsBelow({{"UID", 1}}, {{"Route String", 1}, {"Address", 0}}), Records());
 }
 
 TEST(PortInventory, OfSeveralPortsBelowOneThunderboltControllerOnlyAddressZeroIsListed) {
@@ -448,7 +465,7 @@ TEST(PortInventory, AThunderboltControllerOfADerivedClassIsOne) {
 }
 
 TEST(PortInventory, DoesNotAskWhereTheThunderboltControllerSits) {
-  EXPECT_EQ(InventoryBelow({{"UID", 1}, {"Depth", 2}, {"Route String", 0x301}}, {}),
+  EXPECT_EQ(RecordsBelow({{"UID", 1}, {"Depth", 2}, {"Route String", 0x301}}, {}),
             Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
 }
 
@@ -460,9 +477,14 @@ TEST(PortInventory, APortThatIsItselfAThunderboltControllerIsNotItsOwnAncestor) 
 }
 
 TEST(PortInventory, APortAtTheRootOfTheServicePlaneIsListed) {
-  const RecordedEntry port{"", "QuinceHPMDevice", {{"RID", 1}}};
-  RecordedRegistry registry(Recording{{port}, {{"IOService", {1, {{1, {}}}}}}, {}});
-  EXPECT_EQ(CollectPortControllers(registry), Listed({{{"RID", 1}}}));
+  const Recording recording =
+      testing::RecordingOf({{{"", "QuinceHPMDevice", testing::Dict({{"RID", 1}})}},
+                            {{"IOService", {1, {{1, {}}}}}},
+                            {}});
+  RecordedRegistry registry(recording);
+  const HardwareInventory expected{.records = {{{"RID", 1}}},
+                                   .sources = {{.port = 1, .rid = Origin::Port}}};
+  EXPECT_EQ(CollectPortControllers(registry), InventoryResult(expected));
 }
 
 CallList OwnReads(std::string_view port) {
@@ -482,7 +504,7 @@ const CallList End{"NextEntry iterator 1", "ReleaseEntry iterator 1"};
 
 CallList CollectionCalls(const Computer& computer) {
   LoggingRegistry registry(computer.Recorded());
-  CollectPortControllers(registry);
+  EXPECT_TRUE(CollectPortControllers(registry));
   return registry.Calls();
 }
 
@@ -539,7 +561,7 @@ TEST(PortInventory, ReadsOnlyTheRouteStringOfAPassedOverPort) {
 }
 
 /// The calls over one port two levels below a Thunderbolt controller.
-CallList CallsBelow(const Dictionary& port) {
+CallList CallsBelow(const Record& port) {
   Computer computer;
   const RegistryEntry ridge =
       computer.AddThunderbolt("Ridge0", {{"UID", 1}, {"ROM Version", 0x41}});
@@ -584,7 +606,8 @@ TEST(PortInventory, IsTakenAfreshEachTimeAndFetchesUuidAgain) {
   computer.AddPort("Port1", {});
   LoggingRegistry registry(computer.Recorded());
   const auto first = CollectPortControllers(registry);
-  EXPECT_EQ(first, Listed({{{"Port UUID", "A"}}, {}}));
+  ASSERT_TRUE(first);
+  EXPECT_EQ(first->records, Listed({{{"Port UUID", "A"}}, {}}));
   EXPECT_EQ(CollectPortControllers(registry), first);
   const auto pass = [](const std::string& iterator) {
     const CallList next{"NextEntry " + iterator};
@@ -603,39 +626,69 @@ TEST(PortInventory, IsTakenAfreshEachTimeAndFetchesUuidAgain) {
   EXPECT_EQ(registry.Calls(), Joined({pass("iterator 1"), pass("iterator 2")}));
 }
 
-std::pair<CallList, HardwareInventory> AfterFailedMatching(RegistryStatus status,
-                                                           bool withIterator) {
+std::pair<CallList, InventoryResult> AfterFailedMatching(RegistryStatus status, bool withIterator) {
   Computer computer;
   computer.AddPort("Port0", {});
   return testing::AfterFailedMatching(computer, CollectPortControllers, status, withIterator);
 }
 
-TEST(PortInventory, IsNoneAndReleasesTheIteratorWhenMatchingFails) {
+TEST(PortInventory, IsEmptyAndReleasesTheIteratorWhenMatchingFails) {
   const CallList calls{"MatchServicesByClass QuinceHPMDevice", "ReleaseEntry iterator 1"};
-  EXPECT_EQ(AfterFailedMatching(5, true), std::pair(calls, HardwareInventory()));
-  EXPECT_EQ(AfterFailedMatching(-5, true), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(5, true), std::pair(calls, InventoryResult(HardwareInventory())));
+  EXPECT_EQ(AfterFailedMatching(-5, true), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(PortInventory, IsNoneWhenMatchingFailsWithoutIterator) {
+TEST(PortInventory, IsEmptyWhenMatchingFailsWithoutIterator) {
   const CallList calls{"MatchServicesByClass QuinceHPMDevice"};
-  EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(PortInventory, IsNoneWhenMatchingGivesNoIterator) {
+TEST(PortInventory, IsEmptyWhenMatchingGivesNoIterator) {
   const CallList calls{"MatchServicesByClass QuinceHPMDevice"};
-  EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false),
+            std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(PortInventory, AThunderboltControllerWithoutUidEndsAbnormally) {
-  ExpectAbnormalEnd([] { InventoryBelow({{"ROM Version", 0x41}}, {{"Address", 0}}); });
+TEST(PortInventory, AThunderboltControllerWithoutUidIsAFault) {
+  EXPECT_EQ(InventoryOf(PortBelow({{"ROM Version", 0x41}}, {{"Address", 0}})),
+            InventoryResult(Fault::MissingUid));
 }
 
-TEST(PortInventory, AThunderboltControllerWithoutUidEndsAbnormallyAlsoAboveADroppedPort) {
-  ExpectAbnormalEnd([] { InventoryBelow({}, {{"RID", 2}, {"Address", 0x3F}}); });
+TEST(PortInventory, AThunderboltControllerWithoutUidIsAFaultAlsoAboveADroppedPort) {
+  EXPECT_EQ(InventoryOf(PortBelow({}, {{"RID", 2}, {"Address", 0x3F}})),
+            InventoryResult(Fault::MissingUid));
+}
+
+TEST(PortInventory, AFaultEndsThePassAtTheMissingUidAndReleasesTheIterator) {
+  Computer computer;
+  computer.AddPort("Port0", {{"UUID", "A"}});
+  const RegistryEntry ridge =
+      computer.AddThunderbolt("Ridge0", {{"Vendor ID", 11}, {"ROM Version", 0x41}});
+  const RegistryEntry socket = computer.AddService(ridge, "Socket", "", {});
+  computer.AddService(socket, "Port1", "QuinceHPMDevice", {{"UUID", "B"}});
+  computer.AddPort("Port2", {{"UUID", "C"}});
+  LoggingRegistry registry(computer.Recorded());
+  EXPECT_EQ(CollectPortControllers(registry), InventoryResult(Fault::MissingUid));
+  EXPECT_EQ(
+      registry.Calls(),
+      Joined({Begin,
+              Next,
+              OwnReads("Port0"),
+              PropertyReads("Port0", {"UUID"}),
+              WalkToTheTop("Port0"),
+              Next,
+              OwnReads("Port1"),
+              PropertyReads("Port1", {"UUID"}),
+              {"GetParentEntry Port1 IOService", "ConformsToClass Socket IOThunderboltSwitch",
+               "GetParentEntry Socket IOService", "ConformsToClass Ridge0 IOThunderboltSwitch"},
+              PropertyReads("Ridge0",
+                            {"UID", "Vendor ID", "Device ID", "Revision ID", "Device Model Name",
+                             "Device Model ID", "Device Model Revision", "Firmware Mode", "UID"}),
+              {"ReleaseEntry iterator 1"}}));
 }
 
 TEST(PortInventory, AThunderboltControllerWithoutUidDoesNotMatterToAPassedOverPort) {
-  EXPECT_EQ(InventoryBelow({}, {{"Route String", 1}}), HardwareInventory());
+  EXPECT_EQ(RecordsBelow({}, {{"Route String", 1}}), Records());
 }
 
 TEST(PortInventory, AThunderboltControllerWithoutUidDoesNotMatterBesideThePort) {
@@ -643,6 +696,113 @@ TEST(PortInventory, AThunderboltControllerWithoutUidDoesNotMatterBesideThePort) 
   computer.AddThunderbolt("Ridge0", {});
   computer.AddPort("Port0", {{"RID", 1}});
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 1}}}));
+}
+
+/// The computer's inventory, which has no fault.
+HardwareInventory WholeInventoryOf(const Computer& computer) {
+  const auto inventory = InventoryOf(computer);
+  EXPECT_TRUE(inventory);
+  return inventory ? *inventory : HardwareInventory();
+}
+
+using Sources = std::vector<RecordSource>;
+using Skipped = std::vector<SkippedController>;
+
+TEST(PortInventory, SaysWhereEachValueWasRead) {
+  Computer computer;
+  const auto alone = computer.AddPort("hpm0", {{"RID", 1}, {"Version", 1}, {"UUID", "a"}});
+  const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", 7}, {"ROM Version", 1}});
+  const auto bus = computer.AddService(ridge, "bus", "Bus", {});
+  const auto below = computer.AddService(bus, "hpm1", "QuinceHPMDevice", {{"UUID", "b"}});
+  const auto bare = computer.AddPort("hpm2", {});
+  const auto inventory = WholeInventoryOf(computer);
+  EXPECT_EQ(inventory.sources,
+            (Sources{{.port = alone, .rid = Origin::Port, .version = Origin::Port},
+                     {.port = below,
+                      .thunderbolt = ridge,
+                      .rid = Origin::Thunderbolt,
+                      .version = Origin::Thunderbolt},
+                     {.port = bare}}));
+  EXPECT_EQ(inventory.skipped, Skipped());
+}
+
+TEST(PortInventory, SaysWhoseRidAndVersionAPortBelowAThunderboltControllerHas) {
+  Computer computer;
+  const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", "seven"}});
+  const auto own =
+      computer.AddService(ridge, "hpm0", "QuinceHPMDevice", {{"RID", 1}, {"Version", 1}});
+  const auto bare = computer.AddService(ridge, "hpm1", "QuinceHPMDevice", {{"RID", "1"}});
+  EXPECT_EQ(
+      WholeInventoryOf(computer).sources,
+      (Sources{{.port = own, .thunderbolt = ridge, .rid = Origin::Port, .version = Origin::Port},
+               {.port = bare, .thunderbolt = ridge, .uuidFetched = false}}));
+}
+
+TEST(PortInventory, SaysWhichUuidsAreNotFetched) {
+  Computer computer;
+  const auto first = computer.AddPort("hpm0", {{"UUID", "a"}});
+  const auto second = computer.AddPort("hpm1", {{"UUID", 5}});
+  const auto third = computer.AddPort("hpm2", {{"UUID", "c"}});
+  EXPECT_EQ(WholeInventoryOf(computer).sources,
+            (Sources{{.port = first}, {.port = second}, {.port = third, .uuidFetched = false}}));
+}
+
+TEST(PortInventory, SaysWhyAPortIsSkipped) {
+  Computer computer;
+  const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", 7}});
+  const auto addressed = computer.AddService(ridge, "hpm0", "QuinceHPMDevice", {{"Address", 1}});
+  const auto routed = computer.AddPort("hpm1", {{"Route String", 1}});
+  EXPECT_EQ(WholeInventoryOf(computer),
+            (HardwareInventory{.skipped = {{addressed, SkipReason::AddressBelowThunderbolt},
+                                           {routed, SkipReason::RouteString}}}));
+}
+
+/// A computer whose property "Address" is another one at each read: the next of `addresses`, absent
+/// where that is empty.
+class ChangingAddress : public LoggingRegistry {
+ public:
+  ChangingAddress(const Computer& computer, std::vector<std::optional<PropertyValue>> addresses)
+      : LoggingRegistry(computer.Recorded()), addresses_(std::move(addresses)) {}
+
+  std::optional<PropertyValue> GetProperty(RegistryEntry entry, std::string_view key) override {
+    const auto value = LoggingRegistry::GetProperty(entry, key);
+    return key == "Address" ? addresses_.at(reads_++) : value;
+  }
+
+ private:
+  std::vector<std::optional<PropertyValue>> addresses_;
+  std::size_t reads_ = 0;
+};
+
+/// The records of a port below a Thunderbolt controller whose address is first the one, then the
+/// other.
+Records RecordsOfAddresses(std::optional<PropertyValue> first,
+                           std::optional<PropertyValue> second) {
+  const Computer computer = PortBelow({{"UID", 1}}, {{"Version", 1}});
+  ChangingAddress registry(computer, {first, second});
+  const auto inventory = CollectPortControllers(registry);
+  EXPECT_TRUE(inventory);
+  EXPECT_EQ(registry.CallsOf("GetProperty Port0 Address").size(), 2u);
+  return inventory ? inventory->records : Records();
+}
+
+TEST(PortInventory, TheFirstReadOfTheAddressDecidesAndTheSecondIsWritten) {
+  EXPECT_EQ(RecordsOfAddresses(0, 0x3F),
+            Listed({{{"Port Address", 0x3F}, {"Version", 1}, {"RID", 1}, {"Ridge UID", 1}}}));
+  EXPECT_EQ(RecordsOfAddresses(0x3F, 0), Records());
+}
+
+TEST(PortInventory, AnAddressThatOnlyTheSecondReadFindsIsWrittenAfterTheVersion) {
+  EXPECT_EQ(RecordsOfAddresses(std::nullopt, 0x3F),
+            Listed({{{"Version", 1}, {"Port Address", 0x3F}, {"RID", 1}, {"Ridge UID", 1}}}));
+  EXPECT_EQ(RecordsOfAddresses("0x3F", 0x3F),
+            Listed({{{"Version", 1}, {"Port Address", 0x3F}, {"RID", 1}, {"Ridge UID", 1}}}));
+}
+
+TEST(PortInventory, AnAddressThatOnlyTheFirstReadFindsStaysWritten) {
+  EXPECT_EQ(RecordsOfAddresses(0, std::nullopt),
+            Listed({{{"Port Address", 0}, {"Version", 1}, {"RID", 1}, {"Ridge UID", 1}}}));
+  EXPECT_EQ(RecordsOfAddresses(0x3F, std::nullopt), Records());
 }
 
 }  // namespace

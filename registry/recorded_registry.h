@@ -52,6 +52,7 @@ class RecordedRegistry : public Registry {
  public:
   /// REQUIRES: `recording` outlives the registry and does not change.
   explicit RecordedRegistry(const Recording& recording);
+  explicit RecordedRegistry(const Recording&& recording) = delete;  // it would not live on
   RecordedRegistry(const RecordedRegistry&) = delete;
   RecordedRegistry& operator=(const RecordedRegistry&) = delete;
 

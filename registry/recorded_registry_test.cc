@@ -7,42 +7,37 @@
 #include <vector>
 
 #include "testing/computer.h"
+#include "testing/distinctness.h"
 #include "testing/property_values.h"
+#include "testing/recordings.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Bytes;
 using testing::Computer;
+using testing::Dict;
+using testing::ExpectDistinct;
+using testing::List;
+using testing::RecordingOf;
 
 /// A handle that no registry here has handed out.
 constexpr RegistryEntry UnknownHandle = 999;
 
-// A root and what stands below it.
-const Recording TwoEntries = {{{"Root", "", {}}, {"Port0", "QuinceHPMDevice", {{"RID", 2}}}},
-                              {{"IOService", {1, {{1, {0, {2}}}, {2, {1, {}}}}}}},
-                              {{"QuinceHPMDevice", "Device"}}};
-
-// TwoEntries as `change` leaves it.
-template <typename Change>
-Recording Changed(Change change) {
-  Recording recording = TwoEntries;
-  change(recording);
-  return recording;
+// What tests compare is compared whole.
+TEST(RecordedEntry, DiffersByEachOfItsMembers) {
+  ExpectDistinct<RecordedEntry>({"Port0", "QuinceHPMDevice", Dict({{"RID", 2}})},
+                                {{"Port1", "QuinceHPMDevice", Dict({{"RID", 2}})},
+                                 {"Port0", "", Dict({{"RID", 2}})},
+                                 {"Port0", "QuinceHPMDevice", Dict({{"RID", 3}})}});
 }
 
-TEST(Recording, EqualityHeedsEveryPart) {
-  EXPECT_EQ(Changed([](Recording&) {}), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.entries[1].name = "Port1"; }), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.entries[1].class_ = ""; }), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.entries[1].properties.Set("RID", 3); }), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].root = 2; }), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].placements[2].parent = 2; }),
-            TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.planes["IOService"].placements[1].children = {}; }),
-            TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.superclasses.clear(); }), TwoEntries);
-  EXPECT_NE(Changed([](Recording& r) { r.entries.pop_back(); }), TwoEntries);
+TEST(RecordedPlane, DiffersByEachOfItsMembers) {
+  ExpectDistinct<RecordedPlane>({1, {{1, {0, {2}}}, {2, {1, {}}}}},
+                                {{2, {{1, {0, {2}}}, {2, {1, {}}}}},
+                                 {1, {{1, {0, {2}}}, {2, {2, {}}}}},
+                                 {1, {{1, {0, {}}}, {2, {1, {}}}}},
+                                 {1, {{1, {0, {2}}}}}});
 }
 
 TEST(RecordedRegistryPath, NamesAnEntryOrNothing) {
@@ -90,24 +85,28 @@ TEST(RecordedRegistryPath, NamesAnEntryOrNothing) {
 }
 
 TEST(RecordedRegistryPath, TheNameOfARootIsNoStep) {
-  RecordedRegistry registry(Recording{{{"Root", "", {}}}, {{"IOService", {1, {{1, {}}}}}}, {}});
+  const Recording recording =
+      RecordingOf({{{"Root", "", {}}}, {{"IOService", {1, {{1, {}}}}}}, {}});
+  RecordedRegistry registry(recording);
   EXPECT_EQ(registry.LookupEntryByPath("IOService:/"), 1u);
   EXPECT_EQ(registry.LookupEntryByPath("IOService:/Root"), 0u);
   EXPECT_EQ(registry.LookupEntryByPath("IOService:Root"), 0u);
 }
 
 TEST(RecordedRegistryPath, AnEmptyStepDoesNotNameARootWithoutNameBelowAnotherRoot) {
-  RecordedRegistry registry(
-      Recording{{{}, {}, {"a", "", {}}},
-                {{"IODeviceTree", {2, {{2, {}}}}},
-                 {"IOService", {1, {{1, {0, {2}}}, {2, {1, {3}}}, {3, {2, {}}}}}}},
-                {}});
+  const Recording recording =
+      RecordingOf({{{}, {}, {"a", "", {}}},
+                   {{"IODeviceTree", {2, {{2, {}}}}},
+                    {"IOService", {1, {{1, {0, {2}}}, {2, {1, {3}}}, {3, {2, {}}}}}}},
+                   {}});
+  RecordedRegistry registry(recording);
   EXPECT_EQ(registry.LookupEntryByPath("IOService://"), 0u);
   EXPECT_EQ(registry.LookupEntryByPath("IOService://a"), 0u);
 }
 
 TEST(RecordedRegistryPath, NamesNothingWithoutPlanes) {
-  RecordedRegistry registry{Recording()};
+  const Recording recording = RecordingOf({});
+  RecordedRegistry registry(recording);
   EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/"), 0u);
 }
 
@@ -136,8 +135,8 @@ TEST(RecordedRegistryProperty, OfEveryKindIsGivenUntouched) {
                                   false,
                                   Date{5},
                                   Bytes("\1\0"),
-                                  Array{1, "a"},
-                                  Dictionary{{"a", 1}}};
+                                  List({1, "a"}),
+                                  Dict({{"a", 1}})};
   for (const auto& value : values) {
     Computer computer;
     const RegistryEntry entry = computer.AddPort("Port0", {{"Key", value}});
@@ -147,7 +146,8 @@ TEST(RecordedRegistryProperty, OfEveryKindIsGivenUntouched) {
 }
 
 TEST(RecordedRegistryProperty, IsAbsentForAHandleOfNoEntry) {
-  RecordedRegistry registry(Computer().Recorded());
+  const Computer computer;
+  RecordedRegistry registry(computer.Recorded());
   RegistryEntry iterator = 0;
   registry.MatchServicesByClass("Fan", iterator);
   for (const RegistryEntry handle : {0u, UnknownHandle, iterator}) {
@@ -160,12 +160,12 @@ TEST(RecordedRegistryProperty, IsAbsentForAHandleOfNoEntry) {
 constexpr RegistryEntry ServiceRoot = 1, A = 2, B = 3, C = 4, D = 5, TreeRoot = 6, Other = 7;
 
 Recording TwoPlanes(const std::vector<RegistryEntry>& holders) {
-  Recording recording;
+  Recording recording = RecordingOf({});
   for (const auto* name : {"", "a", "b", "c", "d", "", "other"}) {
     recording.entries.push_back({name, "", {}});
   }
   for (const RegistryEntry holder : holders) {
-    recording.entries[holder - 1].properties.Set("Key", holder);
+    recording.entries[holder - 1].properties = Dict({{"Key", holder}});
   }
   recording.planes["IOService"] = {ServiceRoot,
                                    {{ServiceRoot, {0, {A, D}}},
@@ -214,7 +214,8 @@ TEST(RecordedRegistrySearch, FindsTheOwnPropertyOrTheFirstBelow) {
       {"nowhere", {}, ServiceRoot, "IOService", 1, 0},
   };
   for (const auto& [what, holders, entry, plane, options, found] : rows) {
-    RecordedRegistry registry(TwoPlanes(holders));
+    const Recording recording = TwoPlanes(holders);
+    RecordedRegistry registry(recording);
     std::optional<PropertyValue> expected;
     if (found != 0) expected = found;
     EXPECT_EQ(registry.SearchProperty(entry, plane, "Key", options), expected) << what;
@@ -223,7 +224,8 @@ TEST(RecordedRegistrySearch, FindsTheOwnPropertyOrTheFirstBelow) {
 
 /// The status and the parent that is then in the place.
 std::pair<RegistryStatus, RegistryEntry> ParentOf(RegistryEntry entry, std::string_view plane) {
-  RecordedRegistry registry(TwoPlanes({}));
+  const Recording recording = TwoPlanes({});
+  RecordedRegistry registry(recording);
   RegistryEntry parent = UnknownHandle;
   const RegistryStatus status = registry.GetParentEntry(entry, plane, parent);
   return {status, parent};
@@ -256,10 +258,22 @@ TEST(RecordedRegistryParent, IsMissingForAHandleOfNoEntry) {
 }
 
 TEST(RecordedRegistryParent, MayReplaceTheEntryItself) {
-  RecordedRegistry registry(TwoPlanes({}));
+  const Recording recording = TwoPlanes({});
+  RecordedRegistry registry(recording);
   RegistryEntry entry = B;
   EXPECT_EQ(registry.GetParentEntry(entry, "IOService", entry), RegistrySuccess);
   EXPECT_EQ(entry, A);
+}
+
+// Values belong to the recording, not to the registry.
+TEST(RecordedRegistryProperty, StaysValidAfterTheRegistryEnds) {
+  Computer computer;
+  const RegistryEntry entry = computer.AddPort("Port0", {{"Key", "a longer text"}});
+  const auto value = [&] {
+    RecordedRegistry registry(computer.Recorded());
+    return registry.GetProperty(entry, "Key");
+  }();
+  EXPECT_EQ(value, PropertyValue("a longer text"));
 }
 
 std::vector<RegistryEntry> RestOf(Registry& registry, RegistryEntry iterator) {
@@ -307,7 +321,7 @@ TEST(RecordedRegistryServices, OfNoEntryHaveAnIteratorAllTheSame) {
   EXPECT_EQ(ServicesOf(TwoPlanesOfFans({A}), "Lamp"), std::vector<RegistryEntry>());
   EXPECT_EQ(ServicesOf(TwoPlanesOfFans({A}), "fan"), std::vector<RegistryEntry>());
   EXPECT_EQ(ServicesOf(TwoPlanesOfFans({A}), ""), std::vector<RegistryEntry>());
-  EXPECT_EQ(ServicesOf(Recording(), "Fan"), std::vector<RegistryEntry>());
+  EXPECT_EQ(ServicesOf(RecordingOf({}), "Fan"), std::vector<RegistryEntry>());
 }
 
 TEST(RecordedRegistryServices, OfDerivedClassesComeToo) {
@@ -334,19 +348,22 @@ TEST(RecordedRegistryClass, FollowsTheChainUpwards) {
 }
 
 TEST(RecordedRegistryClass, WithoutADerivationIsItselfAlone) {
-  RecordedRegistry registry(TwoPlanesOfFans({A}));
+  const Recording recording = TwoPlanesOfFans({A});
+  RecordedRegistry registry(recording);
   EXPECT_TRUE(registry.ConformsToClass(A, "Fan"));
   EXPECT_FALSE(registry.ConformsToClass(A, "Device"));
 }
 
 TEST(RecordedRegistryClass, OfAnEntryWithoutOneConformsToNothing) {
-  RecordedRegistry registry(TwoPlanesOfFans({A}));
+  const Recording recording = TwoPlanesOfFans({A});
+  RecordedRegistry registry(recording);
   EXPECT_FALSE(registry.ConformsToClass(B, "Fan"));
   EXPECT_FALSE(registry.ConformsToClass(B, ""));
 }
 
 TEST(RecordedRegistryClass, OfAHandleOfNoEntryConformsToNothing) {
-  RecordedRegistry registry(TwoPlanesOfFans({A}));
+  const Recording recording = TwoPlanesOfFans({A});
+  RecordedRegistry registry(recording);
   const RegistryEntry iterator = Matched(registry, "Fan");
   for (const RegistryEntry handle : {0u, UnknownHandle, iterator}) {
     EXPECT_FALSE(registry.ConformsToClass(handle, "Fan"));
@@ -355,12 +372,14 @@ TEST(RecordedRegistryClass, OfAHandleOfNoEntryConformsToNothing) {
 }
 
 TEST(RecordedRegistryIterator, BeginsAtTheFirstEntryAlsoWithoutReset) {
-  RecordedRegistry registry(TwoPlanesOfFans({A, D}));
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry registry(recording);
   EXPECT_EQ(registry.NextEntry(Matched(registry, "Fan")), A);
 }
 
 TEST(RecordedRegistryIterator, StaysExhausted) {
-  RecordedRegistry registry(TwoPlanesOfFans({A}));
+  const Recording recording = TwoPlanesOfFans({A});
+  RecordedRegistry registry(recording);
   const RegistryEntry iterator = Matched(registry, "Fan");
   EXPECT_EQ(registry.NextEntry(iterator), A);
   EXPECT_EQ(registry.NextEntry(iterator), 0u);
@@ -368,7 +387,8 @@ TEST(RecordedRegistryIterator, StaysExhausted) {
 }
 
 TEST(RecordedRegistryIterator, ResetRewindsItFromAnywhere) {
-  RecordedRegistry registry(TwoPlanesOfFans({A, D}));
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry registry(recording);
   const RegistryEntry iterator = Matched(registry, "Fan");
   const std::vector<RegistryEntry> all{A, D};
   registry.ResetIterator(iterator);
@@ -380,7 +400,8 @@ TEST(RecordedRegistryIterator, ResetRewindsItFromAnywhere) {
 }
 
 TEST(RecordedRegistryIterator, SeveralAtOnceDoNotDisturbEachOther) {
-  RecordedRegistry registry(TwoPlanesOfFans({A, D}));
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry registry(recording);
   const RegistryEntry first = Matched(registry, "Fan");
   const RegistryEntry second = Matched(registry, "Fan");
   EXPECT_NE(first, second);
@@ -393,8 +414,21 @@ TEST(RecordedRegistryIterator, SeveralAtOnceDoNotDisturbEachOther) {
   EXPECT_EQ(registry.NextEntry(second), D);
 }
 
+TEST(RecordedRegistryIterator, OfAnotherRegistryOverTheSameRecordingIsItsOwn) {
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry first(recording);
+  RecordedRegistry second(recording);
+  const RegistryEntry iterator = Matched(first, "Fan");
+  EXPECT_EQ(first.NextEntry(iterator), A);
+  EXPECT_EQ(second.NextEntry(iterator), 0u);
+  EXPECT_EQ(Matched(second, "Fan"), iterator);
+  EXPECT_EQ(second.NextEntry(iterator), A);
+  EXPECT_EQ(first.NextEntry(iterator), D);
+}
+
 TEST(RecordedRegistryIterator, StaysValidAfterItsRelease) {
-  RecordedRegistry registry(TwoPlanesOfFans({A, D}));
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry registry(recording);
   const RegistryEntry iterator = Matched(registry, "Fan");
   EXPECT_EQ(registry.NextEntry(iterator), A);
   registry.ReleaseEntry(iterator);
@@ -403,7 +437,8 @@ TEST(RecordedRegistryIterator, StaysValidAfterItsRelease) {
 }
 
 TEST(RecordedRegistryIterator, OfAHandleOfNoIteratorIsExhausted) {
-  RecordedRegistry registry(TwoPlanesOfFans({A, D}));
+  const Recording recording = TwoPlanesOfFans({A, D});
+  RecordedRegistry registry(recording);
   const RegistryEntry iterator = Matched(registry, "Fan");
   for (const RegistryEntry handle : {0u, A, Other, iterator + 1, UnknownHandle}) {
     registry.ResetIterator(handle);
@@ -413,21 +448,24 @@ TEST(RecordedRegistryIterator, OfAHandleOfNoIteratorIsExhausted) {
 }
 
 TEST(RecordedRegistryEntry, StaysValidAfterItsRelease) {
-  RecordedRegistry registry(TwoPlanes({A}));
+  const Recording recording = TwoPlanes({A});
+  RecordedRegistry registry(recording);
   registry.ReleaseEntry(A);
   EXPECT_EQ(registry.GetProperty(A, "Key"), PropertyValue(A));
   EXPECT_EQ(registry.LookupEntryByPath("IOService:/a"), A);
 }
 
 TEST(RecordedRegistryEntry, HasTheSameHandleByWhateverWayItIsReached) {
-  RecordedRegistry registry(TwoPlanesOfFans({B}));
+  const Recording recording = TwoPlanesOfFans({B});
+  RecordedRegistry registry(recording);
   EXPECT_EQ(registry.LookupEntryByPath("IOService:/a/b"), B);
   EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/d/b"), B);
   EXPECT_EQ(registry.NextEntry(Matched(registry, "Fan")), B);
 }
 
 TEST(RecordedRegistryEntry, ReleasingNoneOrAnUnknownOneDoesNothing) {
-  RecordedRegistry registry(TwoPlanes({A}));
+  const Recording recording = TwoPlanes({A});
+  RecordedRegistry registry(recording);
   registry.ReleaseEntry(0);
   registry.ReleaseEntry(UnknownHandle);
   EXPECT_EQ(registry.GetProperty(A, "Key"), PropertyValue(A));

@@ -18,7 +18,7 @@ std::string Quoted(std::string_view text) {
   return "\"" + Excerpt(text) + "\"";
 }
 
-// What is wrong with a dictionary that may hold no key but those known; empty when nothing is.
+// What is wrong with a dictionary that may have no key but those known; empty when nothing is.
 std::string DescribeUnknownKey(Dictionary dictionary,
                                std::initializer_list<std::string_view> known) {
   for (const auto& entry : dictionary.Entries()) {
@@ -83,7 +83,7 @@ class RecordingReader {
     return ReadClasses(*top) && ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
   }
 
-  // First of all, so that a recording of another version is told by its version.
+  // First of all, so that the error of a recording of another version is its version.
   bool CheckVersion(Dictionary top) {
     const auto* version = top.Find("Recording Version");
     if (version == nullptr) return Fail("\"Recording Version\" is missing");

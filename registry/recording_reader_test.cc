@@ -7,16 +7,22 @@
 #include <string_view>
 #include <vector>
 
-#include "testing/computer.h"
 #include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
+#include "testing/property_values.h"
+#include "testing/recordings.h"
 #include "value/property_list_reader.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Bytes;
+using testing::ContentOf;
+using testing::Dict;
+using testing::Kept;
+using testing::List;
 using testing::Named;
+using testing::RecordingContent;
 using testing::Repeated;
 using testing::RowName;
 using testing::Truncated;
@@ -103,57 +109,67 @@ constexpr std::string_view BothPlanes = R"(<?xml version="1.0" encoding="UTF-8"?
 </plist>
 )";
 
+/// Expects that the recording was read and says this.
+void ExpectContent(const Result<Recording>& reading, const RecordingContent& content) {
+  ASSERT_TRUE(reading) << Describe(reading.Error());
+  EXPECT_EQ(ContentOf(*reading), content);
+}
+
+/// The whole error; empty when there is a recording.
+std::string ErrorOf(const Result<Recording>& reading) {
+  return reading ? "" : Describe(reading.Error());
+}
+
+/// What is read from a property list of this value.
+Result<Recording> Interpreted(PropertyValue value) {
+  return InterpretRecording(PropertyList{.arena = {}, .value = value});
+}
+
 TEST(RecordingReader, ReadsBothPlanesWithALinkBetweenThem) {
-  const Recording expected{
+  const RecordingContent expected{
       {{"Root", "", {}},
-       {"Ridge0", "RidgeSwitchType3", {{"UID", 0x5A3}, {"Depth", 0}}},
+       {"Ridge0", "RidgeSwitchType3", Dict({{"UID", 0x5A3}, {"Depth", 0}})},
        {"Port0", "QuinceHPMDevice", {}},
        {"Port0", "", {}},
-       {"", "", {{"board-rev", Bytes("\3")}}},
+       {"", "", Dict({{"board-rev", Bytes("\3")}})},
        {"options", "", {}},
        {"soc", "", {}}},
       {{"IOService",
         {1, {{1, {0, {7, 4}}}, {7, {1, {2}}}, {2, {7, {3}}}, {3, {2, {}}}, {4, {1, {}}}}}},
        {"IODeviceTree", {5, {{5, {0, {6, 7}}}, {6, {5, {}}}, {7, {5, {}}}}}}},
       {{"RidgeSwitchType3", "RidgeSwitch"}, {"RidgeSwitch", "IOThunderboltSwitch"}}};
-  const auto reading = ReadRecording(std::string(BothPlanes));
-  EXPECT_EQ(reading.error, "");
-  EXPECT_EQ(reading.recording, expected);
+  ExpectContent(ReadRecording(std::string(BothPlanes)), expected);
 }
 
 /// A recording with these planes, and with nothing else.
-Dictionary WithPlanes(Dictionary planes) {
-  return {{"Recording Version", 1}, {"Planes", std::move(planes)}};
+Dictionary WithPlanes(const Record& planes) {
+  return Dict({{"Recording Version", 1}, {"Planes", Dict(planes)}});
 }
 
 /// A recording of one plane with this root.
 Dictionary WithRoot(PropertyValue root) {
-  return WithPlanes({{"IOService", std::move(root)}});
+  return WithPlanes({{"IOService", root}});
 }
 
 /// A recording of one plane whose root has this one child.
 Dictionary WithChild(PropertyValue child) {
-  return WithRoot(Dictionary{{"Children", Array{std::move(child)}}});
+  return WithRoot(Dict({{"Children", List({child})}}));
 }
 
 /// A recording without planes with these classes.
 Dictionary WithClasses(PropertyValue classes) {
-  Dictionary recording = WithPlanes({});
-  recording.Set("Classes", std::move(classes));
-  return recording;
+  return Dict({{"Recording Version", 1}, {"Planes", Dictionary()}, {"Classes", classes}});
 }
 
 struct AcceptedRow {
   PropertyValue value;
-  Recording recording;
+  RecordingContent content;
 };
 
 class AcceptedRecording : public ::testing::TestWithParam<Named<AcceptedRow>> {};
 
 TEST_P(AcceptedRecording, IsRead) {
-  const auto reading = InterpretRecording(GetParam().row.value);
-  EXPECT_EQ(reading.error, "");
-  EXPECT_EQ(reading.recording, GetParam().row.recording);
+  ExpectContent(Interpreted(GetParam().row.value), GetParam().row.content);
 }
 
 /// A plane of a root without children.
@@ -162,104 +178,96 @@ RecordedPlane OnlyRoot(RegistryEntry root) {
 }
 
 /// The recording of one plane whose root has one child.
-Recording RootOver(RecordedEntry child) {
-  return {{{}, std::move(child)}, {{"IOService", {1, {{1, {0, {2}}}, {2, {1, {}}}}}}}, {}};
+RecordingContent RootOver(RecordedEntry child) {
+  return {{{}, child}, {{"IOService", {1, {{1, {0, {2}}}, {2, {1, {}}}}}}}, {}};
 }
 
 const Named<AcceptedRow> AcceptedRows[] = {
     {"NoPlanes", {WithPlanes({}), {}}},
-    {"EmptyClasses", {WithClasses(Dictionary{}), {}}},
-    {"EmptyRoot", {WithRoot(Dictionary{}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+    {"EmptyClasses", {WithClasses(Dictionary()), {}}},
+    {"EmptyRoot", {WithRoot(Dictionary()), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"PlaneOfAnyName",
-     {WithPlanes({{"A plane: /", Dictionary{}}}), {{{}}, {{"A plane: /", OnlyRoot(1)}}, {}}}},
+     {WithPlanes({{"A plane, / \u00E9", Dictionary()}}),
+      {{{}}, {{"A plane, / \u00E9", OnlyRoot(1)}}, {}}}},
     {"RootWithName",
-     {WithRoot(Dictionary{{"Name", "Root"}}),
-      {{{"Root", "", {}}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+     {WithRoot(Dict({{"Name", "Root"}})), {{{"Root", "", {}}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"RootWithClass",
-     {WithRoot(Dictionary{{"Class", "Fan"}}),
-      {{{"", "Fan", {}}}, {{"IOService", OnlyRoot(1)}}, {}}}},
-    {"RootWithEmptyClass",
-     {WithRoot(Dictionary{{"Class", ""}}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+     {WithRoot(Dict({{"Class", "Fan"}})), {{{"", "Fan", {}}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"RootWithUnusedId",
-     {WithRoot(Dictionary{{"ID", "root"}}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+     {WithRoot(Dict({{"ID", "root"}})), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
     {"EmptyChildren",
-     {WithRoot(Dictionary{{"Children", Array{}}}), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
-    {"Child", {WithChild(Dictionary{{"Name", "a"}}), RootOver({"a", "", {}})}},
+     {WithRoot(Dict({{"Children", Array()}})), {{{}}, {{"IOService", OnlyRoot(1)}}, {}}}},
+    {"Child", {WithChild(Dict({{"Name", "a"}})), RootOver({"a", "", {}})}},
     {"ChildOfEveryKey",
-     {WithChild(Dictionary{{"Children", Array{}},
-                           {"ID", "1"},
-                           {"Properties", Dictionary{{"Key", 1}}},
-                           {"Class", "Fan"},
-                           {"Name", "a"}}),
-      RootOver({"a", "Fan", {{"Key", 1}}})}},
+     {WithChild(Dict({{"Children", Array()},
+                      {"ID", "1"},
+                      {"Properties", Dict({{"Key", 1}})},
+                      {"Class", "Fan"},
+                      {"Name", "a"}})),
+      RootOver({"a", "Fan", Dict({{"Key", 1}})})}},
     {"NameOfOtherCharacters",
-     {WithChild(Dictionary{{"Name", " a:b\\\u00E9@0,1. "}}),
-      RootOver({" a:b\\\u00E9@0,1. ", "", {}})}},
+     {WithChild(Dict({{"Name", " a:b\\\u00E9@0,1. "}})), RootOver({" a:b\\\u00E9@0,1. ", "", {}})}},
     {"EmptyProperties",
-     {WithChild(Dictionary{{"Name", "a"}, {"Properties", Dictionary{}}}), RootOver({"a", "", {}})}},
+     {WithChild(Dict({{"Name", "a"}, {"Properties", Dictionary()}})), RootOver({"a", "", {}})}},
     {"PropertiesOfEveryKind",
-     {WithChild(Dictionary{{"Name", "a"},
-                           {"Properties", Dictionary{{"Text", ""},
-                                                     {"Integer", -1},
-                                                     {"Real", 5.5},
-                                                     {"Boolean", true},
-                                                     {"Data", Bytes("a")},
-                                                     {"Date", Date{5}},
-                                                     {"Array", Array{Array{}}},
-                                                     {"Link", Dictionary{{"Link", 1}}}}}}),
-      RootOver({"a",
-                "",
-                {{"Text", ""},
-                 {"Integer", -1},
-                 {"Real", 5.5},
-                 {"Boolean", true},
-                 {"Data", Bytes("a")},
-                 {"Date", Date{5}},
-                 {"Array", Array{Array{}}},
-                 {"Link", Dictionary{{"Link", 1}}}}})}},
+     {WithChild(Dict({{"Name", "a"},
+                      {"Properties", Dict({{"Text", ""},
+                                           {"Integer", -1},
+                                           {"Real", 5.5},
+                                           {"Boolean", true},
+                                           {"Data", Bytes("a")},
+                                           {"Date", Date{5}},
+                                           {"Array", List({Array()})},
+                                           {"Link", Dict({{"Link", 1}})}})}})),
+      RootOver({"a", "",
+                Dict({{"Text", ""},
+                      {"Integer", -1},
+                      {"Real", 5.5},
+                      {"Boolean", true},
+                      {"Data", Bytes("a")},
+                      {"Date", Date{5}},
+                      {"Array", List({Array()})},
+                      {"Link", Dict({{"Link", 1}})}})})}},
     {"SiblingsOfOneName",
-     {WithRoot(
-          Dictionary{{"Children", Array{Dictionary{{"Name", "a"}}, Dictionary{{"Name", "a"}}}}}),
+     {WithRoot(Dict({{"Children", List({Dict({{"Name", "a"}}), Dict({{"Name", "a"}})})}})),
       {{{}, {"a", "", {}}, {"a", "", {}}},
        {{"IOService", {1, {{1, {0, {2, 3}}}, {2, {1, {}}}, {3, {1, {}}}}}}},
        {}}}},
     {"ClassChain",
-     {WithClasses(Dictionary{{"A", "B"}, {"C", "D"}, {"B", "C"}}),
+     {WithClasses(Dict({{"A", "B"}, {"C", "D"}, {"B", "C"}})),
       {{}, {}, {{"A", "B"}, {"B", "C"}, {"C", "D"}}}}},
     {"TwoClassesOfOneSuperclass",
-     {WithClasses(Dictionary{{"A", "C"}, {"B", "C"}, {"C", "D"}}),
+     {WithClasses(Dict({{"A", "C"}, {"B", "C"}, {"C", "D"}})),
       {{}, {}, {{"A", "C"}, {"B", "C"}, {"C", "D"}}}}},
     {"LinkAsRoot",
-     {WithPlanes({{"IODeviceTree", Dictionary{{"ID", "root"}}},
-                  {"IOService", Dictionary{{"Link", "root"}}}}),
+     {WithPlanes(
+          {{"IODeviceTree", Dict({{"ID", "root"}})}, {"IOService", Dict({{"Link", "root"}})}}),
       {{{}}, {{"IODeviceTree", OnlyRoot(1)}, {"IOService", OnlyRoot(1)}}, {}}}},
     {"LinkBeforeItsEntry",
-     {WithPlanes({{"IOService", Dictionary{{"Link", "root"}}},
-                  {"IODeviceTree", Dictionary{{"ID", "root"}}}}),
+     {WithPlanes(
+          {{"IOService", Dict({{"Link", "root"}})}, {"IODeviceTree", Dict({{"ID", "root"}})}}),
       {{{}}, {{"IODeviceTree", OnlyRoot(1)}, {"IOService", OnlyRoot(1)}}, {}}}},
     {"LinkBelowLink",
-     {WithPlanes({{"IODeviceTree",
-                   Dictionary{{"ID", "root"},
-                              {"Children", Array{Dictionary{{"Name", "a"}, {"ID", "a"}}}}}},
-                  {"IOService",
-                   Dictionary{{"Link", "a"}, {"Children", Array{Dictionary{{"Link", "root"}}}}}}}),
+     {WithPlanes(
+          {{"IODeviceTree",
+            Dict({{"ID", "root"}, {"Children", List({Dict({{"Name", "a"}, {"ID", "a"}})})}})},
+           {"IOService", Dict({{"Link", "a"}, {"Children", List({Dict({{"Link", "root"}})})}})}}),
       {{{}, {"a", "", {}}},
        {{"IODeviceTree", {1, {{1, {0, {2}}}, {2, {1, {}}}}}},
         {"IOService", {2, {{2, {0, {1}}}, {1, {2, {}}}}}}},
        {}}}},
     {"ChildrenAreOfThePlaneOfTheirNode",
-     {WithPlanes({{"IODeviceTree",
-                   Dictionary{{"ID", "root"}, {"Children", Array{Dictionary{{"Name", "a"}}}}}},
-                  {"IOService",
-                   Dictionary{{"Link", "root"}, {"Children", Array{Dictionary{{"Name", "b"}}}}}}}),
+     {WithPlanes(
+          {{"IODeviceTree", Dict({{"ID", "root"}, {"Children", List({Dict({{"Name", "a"}})})}})},
+           {"IOService", Dict({{"Link", "root"}, {"Children", List({Dict({{"Name", "b"}})})}})}}),
       {{{}, {"a", "", {}}, {"b", "", {}}},
        {{"IODeviceTree", {1, {{1, {0, {2}}}, {2, {1, {}}}}}},
         {"IOService", {1, {{1, {0, {3}}}, {3, {1, {}}}}}}},
        {}}}},
     {"OneEntryInThreePlanes",
-     {WithPlanes({{"IODeviceTree", Dictionary{{"ID", "root"}}},
-                  {"IOPower", Dictionary{{"Link", "root"}}},
-                  {"IOService", Dictionary{{"Link", "root"}}}}),
+     {WithPlanes({{"IODeviceTree", Dict({{"ID", "root"}})},
+                  {"IOPower", Dict({{"Link", "root"}})},
+                  {"IOService", Dict({{"Link", "root"}})}}),
       {{{}},
        {{"IODeviceTree", OnlyRoot(1)}, {"IOPower", OnlyRoot(1)}, {"IOService", OnlyRoot(1)}},
        {}}}},
@@ -276,33 +284,31 @@ struct RejectedRow {
 class RejectedRecording : public ::testing::TestWithParam<Named<RejectedRow>> {};
 
 TEST_P(RejectedRecording, IsRefusedWholeWithItsPlaceAndFault) {
-  const auto reading = InterpretRecording(GetParam().row.value);
-  EXPECT_EQ(reading.error, GetParam().row.error);
-  EXPECT_FALSE(reading.recording.has_value());
+  EXPECT_EQ(ErrorOf(Interpreted(GetParam().row.value)), GetParam().row.error);
 }
 
 const Named<RejectedRow> TopLevelRows[] = {
-    {"Array", {Array{}, "a recording is a dictionary"}},
+    {"Array", {Array(), "a recording is a dictionary"}},
     {"String", {"text", "a recording is a dictionary"}},
     {"Integer", {1, "a recording is a dictionary"}},
-    {"EmptyDictionary", {Dictionary{}, "\"Recording Version\" is missing"}},
-    {"NoVersion", {Dictionary{{"Planes", Dictionary{}}}, "\"Recording Version\" is missing"}},
+    {"EmptyDictionary", {Dictionary(), "\"Recording Version\" is missing"}},
+    {"NoVersion", {Dict({{"Planes", Dictionary()}}), "\"Recording Version\" is missing"}},
     {"VersionOfAnotherCase",
-     {Dictionary{{"recording version", 1}}, "\"Recording Version\" is missing"}},
+     {Dict({{"recording version", 1}}), "\"Recording Version\" is missing"}},
     {"UnknownKey",
-     {Dictionary{{"Recording Version", 1}, {"Planes", Dictionary{}}, {"Notes", "text"}},
+     {Dict({{"Recording Version", 1}, {"Planes", Dictionary()}, {"Notes", "text"}}),
       "the key \"Notes\" is not known"}},
     {"EmptyKey",
-     {Dictionary{{"Recording Version", 1}, {"", 1}, {"Planes", Dictionary{}}},
+     {Dict({{"Recording Version", 1}, {"", 1}, {"Planes", Dictionary()}}),
       "the key \"\" is not known"}},
     {"KeyOfAnotherCase",
-     {Dictionary{{"Recording Version", 1}, {"Planes", Dictionary{}}, {"classes", Dictionary{}}},
+     {Dict({{"Recording Version", 1}, {"Planes", Dictionary()}, {"classes", Dictionary()}}),
       "the key \"classes\" is not known"}},
-    {"NoPlanes", {Dictionary{{"Recording Version", 1}}, "\"Planes\" is missing"}},
+    {"NoPlanes", {Dict({{"Recording Version", 1}}), "\"Planes\" is missing"}},
     {"PlanesArray",
-     {Dictionary{{"Recording Version", 1}, {"Planes", Array{}}}, "Planes: not a dictionary"}},
+     {Dict({{"Recording Version", 1}, {"Planes", Array()}}), "Planes: not a dictionary"}},
     {"PlanesString",
-     {Dictionary{{"Recording Version", 1}, {"Planes", "IOService"}}, "Planes: not a dictionary"}},
+     {Dict({{"Recording Version", 1}, {"Planes", "IOService"}}), "Planes: not a dictionary"}},
 };
 
 INSTANTIATE_TEST_SUITE_P(TopLevel, RejectedRecording, ::testing::ValuesIn(TopLevelRows), RowName);
@@ -319,50 +325,56 @@ TEST(RecordingReader, RefusesEveryVersionButTheIntegerOne) {
                                     Bytes("\1"),
                                     Date{1},
                                     false,
-                                    Array{1},
-                                    Dictionary{{"Version", 1}},
+                                    List({1}),
+                                    Dict({{"Version", 1}}),
                                     1.5};
   for (const auto& version : versions) {
     const auto reading =
-        InterpretRecording(Dictionary{{"Recording Version", version}, {"Planes", Dictionary{}}});
-    EXPECT_EQ(reading.error, "\"Recording Version\" is not the integer 1");
-    EXPECT_FALSE(reading.recording.has_value());
+        Interpreted(Dict({{"Recording Version", version}, {"Planes", Dictionary()}}));
+    EXPECT_EQ(ErrorOf(reading), "\"Recording Version\" is not the integer 1");
   }
 }
 
 TEST(RecordingReader, TellsAnotherVersionBeforeWhatThatVersionMayHold) {
-  EXPECT_EQ(InterpretRecording(Dictionary{{"Machines", 5}, {"Recording Version", 2}}).error,
+  EXPECT_EQ(ErrorOf(Interpreted(Dict({{"Machines", 5}, {"Recording Version", 2}}))),
             "\"Recording Version\" is not the integer 1");
 }
 
 const Named<RejectedRow> ClassRows[] = {
-    {"Array", {WithClasses(Array{}), "Classes: not a dictionary"}},
+    {"Array", {WithClasses(Array()), "Classes: not a dictionary"}},
     {"String", {WithClasses("Fan"), "Classes: not a dictionary"}},
     {"SuperclassInteger",
-     {WithClasses(Dictionary{{"A", "B"}, {"B", 5}}),
+     {WithClasses(Dict({{"A", "B"}, {"B", 5}})),
       "Classes: the superclass of \"B\" is not a string"}},
     {"SuperclassArray",
-     {WithClasses(Dictionary{{"A", Array{"B"}}}),
-      "Classes: the superclass of \"A\" is not a string"}},
+     {WithClasses(Dict({{"A", List({"B"})}})), "Classes: the superclass of \"A\" is not a string"}},
     {"SuperclassData",
-     {WithClasses(Dictionary{{"A", Bytes("B")}}),
-      "Classes: the superclass of \"A\" is not a string"}},
+     {WithClasses(Dict({{"A", Bytes("B")}})), "Classes: the superclass of \"A\" is not a string"}},
+    {"EmptyClass",
+     {WithClasses(Dict({{"A", "B"}, {"", "C"}})), "Classes: the name of a class is empty"}},
+    {"EmptyClassWithoutSuperclass",
+     {WithClasses(Dict({{"", 5}})), "Classes: the name of a class is empty"}},
+    {"EmptySuperclass",
+     {WithClasses(Dict({{"A", "B"}, {"B", ""}})),
+      "Classes: the name of the superclass of \"B\" is empty"}},
+    {"FirstOfTwoEmptyNames",
+     {WithClasses(Dict({{"A", ""}, {"", "B"}})),
+      "Classes: the name of the superclass of \"A\" is empty"}},
     {"LoopOfOne",
-     {WithClasses(Dictionary{{"A", "A"}}), "Classes: the class \"A\" derives from itself"}},
+     {WithClasses(Dict({{"A", "A"}})), "Classes: the class \"A\" derives from itself"}},
     {"LoopOfTwo",
-     {WithClasses(Dictionary{{"A", "B"}, {"B", "A"}}),
-      "Classes: the class \"A\" derives from itself"}},
+     {WithClasses(Dict({{"A", "B"}, {"B", "A"}})), "Classes: the class \"A\" derives from itself"}},
     {"LoopOfThree",
-     {WithClasses(Dictionary{{"C", "A"}, {"B", "C"}, {"A", "B"}}),
+     {WithClasses(Dict({{"C", "A"}, {"B", "C"}, {"A", "B"}})),
       "Classes: the class \"A\" derives from itself"}},
     {"LoopBehindATail",
-     {WithClasses(Dictionary{{"A", "B"}, {"B", "C"}, {"C", "D"}, {"D", "E"}, {"E", "C"}}),
+     {WithClasses(Dict({{"A", "B"}, {"B", "C"}, {"C", "D"}, {"D", "E"}, {"E", "C"}})),
       "Classes: the class \"C\" derives from itself"}},
     {"TailThatIsReadAfterTheLoop",
-     {WithClasses(Dictionary{{"Z", "A"}, {"A", "B"}, {"B", "A"}}),
+     {WithClasses(Dict({{"Z", "A"}, {"A", "B"}, {"B", "A"}})),
       "Classes: the class \"A\" derives from itself"}},
     {"LoopBesideAGoodChain",
-     {WithClasses(Dictionary{{"A", "B"}, {"B", "C"}, {"X", "X"}}),
+     {WithClasses(Dict({{"A", "B"}, {"B", "C"}, {"X", "X"}})),
       "Classes: the class \"X\" derives from itself"}},
 };
 
@@ -370,156 +382,168 @@ INSTANTIATE_TEST_SUITE_P(Classes, RejectedRecording, ::testing::ValuesIn(ClassRo
 
 /// A chain of classes, "0" deriving from "1" and so on, whose last derives from `end`.
 Dictionary ClassChain(int length, std::string_view end) {
-  Dictionary classes;
-  for (int i = 1; i < length; ++i) classes.Set(std::to_string(i - 1), std::to_string(i));
-  classes.Set(std::to_string(length - 1), end);
-  return classes;
+  const auto name = [](int number) { return Kept(std::to_string(number)); };
+  Record classes;
+  for (int i = 1; i < length; ++i) classes.Set(name(i - 1), name(i));
+  classes.Set(name(length - 1), end);
+  return Dict(classes);
 }
 
 TEST(RecordingReader, AcceptsALongClassChain) {
-  EXPECT_EQ(InterpretRecording(WithClasses(ClassChain(1000, "end"))).error, "");
+  EXPECT_EQ(ErrorOf(Interpreted(WithClasses(ClassChain(1000, "end")))), "");
 }
 
 TEST(RecordingReader, FindsTheLoopAtTheEndOfALongClassChain) {
-  EXPECT_EQ(InterpretRecording(WithClasses(ClassChain(1000, "998"))).error,
+  EXPECT_EQ(ErrorOf(Interpreted(WithClasses(ClassChain(1000, "998")))),
             "Classes: the class \"998\" derives from itself");
 }
+
+const Named<RejectedRow> PlaneRows[] = {
+    {"EmptyName", {WithPlanes({{"", Dictionary()}}), "Planes: the name of a plane is empty"}},
+    {"EmptyNameBeforeItsRoot",
+     {WithPlanes({{"", "root"}}), "Planes: the name of a plane is empty"}},
+    {"EmptyNameOfTheSecond",
+     {WithPlanes({{"IOService", Dictionary()}, {"", Dictionary()}}),
+      "Planes: the name of a plane is empty"}},
+    {"Colon", {WithPlanes({{":", Dictionary()}}), "Planes: the name \":\" contains a \":\""}},
+    {"NameWithAColon",
+     {WithPlanes({{"IOService:/a", Dictionary()}}),
+      "Planes: the name \"IOService:/a\" contains a \":\""}},
+    {"NameWithAColonAtItsEnd",
+     {WithPlanes({{"IOService", Dictionary()}, {"IOPower:", "root"}}),
+      "Planes: the name \"IOPower:\" contains a \":\""}},
+    {"FaultOfAnEarlierPlane",
+     {WithPlanes({{"IOService", "root"}, {"IOPower:", Dictionary()}}),
+      "Planes/IOService: not a dictionary"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Planes, RejectedRecording, ::testing::ValuesIn(PlaneRows), RowName);
 
 constexpr char ChildPath[] = "Planes/IOService/Children[0]: ";
 
 RejectedRow RejectedChild(PropertyValue child, std::string_view fault) {
-  return {WithChild(std::move(child)), ChildPath + std::string(fault)};
+  return {WithChild(child), ChildPath + std::string(fault)};
 }
 
 RejectedRow RejectedRoot(PropertyValue root, std::string_view fault) {
-  return {WithRoot(std::move(root)), "Planes/IOService: " + std::string(fault)};
+  return {WithRoot(root), "Planes/IOService: " + std::string(fault)};
 }
 
 const Named<RejectedRow> NodeRows[] = {
     {"RootString", RejectedRoot("root", "not a dictionary")},
-    {"RootArray", RejectedRoot(Array{}, "not a dictionary")},
+    {"RootArray", RejectedRoot(Array(), "not a dictionary")},
     {"RootOfAPlaneOfAnyName",
      {WithPlanes({{"a\tb\u009B/c", "root"}}), "Planes/a b\\233/c: not a dictionary"}},
     {"ChildString", RejectedChild("child", "not a dictionary")},
-    {"ChildArray", RejectedChild(Array{}, "not a dictionary")},
-    {"RootUnknownKey", RejectedRoot(Dictionary{{"Names", "a"}}, "the key \"Names\" is not known")},
+    {"ChildArray", RejectedChild(Array(), "not a dictionary")},
+    {"RootUnknownKey", RejectedRoot(Dict({{"Names", "a"}}), "the key \"Names\" is not known")},
     {"ChildUnknownKey",
-     RejectedChild(Dictionary{{"Name", "a"}, {"Parent", "b"}}, "the key \"Parent\" is not known")},
+     RejectedChild(Dict({{"Name", "a"}, {"Parent", "b"}}), "the key \"Parent\" is not known")},
     {"ChildKeyOfAnotherCase",
-     RejectedChild(Dictionary{{"Name", "a"}, {"class", "b"}}, "the key \"class\" is not known")},
-    {"NoName", RejectedChild(Dictionary{}, "\"Name\" is missing")},
+     RejectedChild(Dict({{"Name", "a"}, {"class", "b"}}), "the key \"class\" is not known")},
+    {"NoName", RejectedChild(Dictionary(), "\"Name\" is missing")},
     {"NoNameButAllElse",
-     RejectedChild(Dictionary{{"Class", "Fan"}, {"ID", "1"}}, "\"Name\" is missing")},
-    {"EmptyName", RejectedChild(Dictionary{{"Name", ""}}, "\"Name\" is empty")},
-    {"EmptyNameOfARoot", RejectedRoot(Dictionary{{"Name", ""}}, "\"Name\" is empty")},
-    {"NameOfASlash", RejectedChild(Dictionary{{"Name", "/"}}, "\"Name\" holds a \"/\"")},
-    {"NameWithASlash", RejectedChild(Dictionary{{"Name", "a/b"}}, "\"Name\" holds a \"/\"")},
-    {"NameWithASlashOfARoot", RejectedRoot(Dictionary{{"Name", "a/"}}, "\"Name\" holds a \"/\"")},
-    {"NameInteger", RejectedChild(Dictionary{{"Name", 5}}, "\"Name\" is not a string")},
-    {"NameData", RejectedChild(Dictionary{{"Name", Bytes("a")}}, "\"Name\" is not a string")},
-    {"NameIntegerOfARoot", RejectedRoot(Dictionary{{"Name", 5}}, "\"Name\" is not a string")},
+     RejectedChild(Dict({{"Class", "Fan"}, {"ID", "1"}}), "\"Name\" is missing")},
+    {"EmptyName", RejectedChild(Dict({{"Name", ""}}), "\"Name\" is empty")},
+    {"EmptyNameOfARoot", RejectedRoot(Dict({{"Name", ""}}), "\"Name\" is empty")},
+    {"NameOfASlash", RejectedChild(Dict({{"Name", "/"}}), "\"Name\" holds a \"/\"")},
+    {"NameWithASlash", RejectedChild(Dict({{"Name", "a/b"}}), "\"Name\" holds a \"/\"")},
+    {"NameWithASlashOfARoot", RejectedRoot(Dict({{"Name", "a/"}}), "\"Name\" holds a \"/\"")},
+    {"NameInteger", RejectedChild(Dict({{"Name", 5}}), "\"Name\" is not a string")},
+    {"NameData", RejectedChild(Dict({{"Name", Bytes("a")}}), "\"Name\" is not a string")},
+    {"NameIntegerOfARoot", RejectedRoot(Dict({{"Name", 5}}), "\"Name\" is not a string")},
     {"ClassInteger",
-     RejectedChild(Dictionary{{"Name", "a"}, {"Class", 5}}, "\"Class\" is not a string")},
-    {"ClassArray", RejectedRoot(Dictionary{{"Class", Array{"Fan"}}}, "\"Class\" is not a string")},
-    {"PropertiesArray", RejectedChild(Dictionary{{"Name", "a"}, {"Properties", Array{}}},
+     RejectedChild(Dict({{"Name", "a"}, {"Class", 5}}), "\"Class\" is not a string")},
+    {"ClassArray", RejectedRoot(Dict({{"Class", List({"Fan"})}}), "\"Class\" is not a string")},
+    {"EmptyClass", RejectedChild(Dict({{"Name", "a"}, {"Class", ""}}), "\"Class\" is empty")},
+    {"EmptyClassOfARoot", RejectedRoot(Dict({{"Class", ""}}), "\"Class\" is empty")},
+    {"PropertiesArray", RejectedChild(Dict({{"Name", "a"}, {"Properties", Array()}}),
                                       "\"Properties\" is not a dictionary")},
     {"PropertiesString",
-     RejectedRoot(Dictionary{{"Properties", "UID"}}, "\"Properties\" is not a dictionary")},
-    {"IdInteger", RejectedChild(Dictionary{{"Name", "a"}, {"ID", 5}}, "\"ID\" is not a string")},
-    {"EmptyId", RejectedChild(Dictionary{{"Name", "a"}, {"ID", ""}}, "\"ID\" is empty")},
-    {"ChildrenDictionary", RejectedChild(Dictionary{{"Name", "a"}, {"Children", Dictionary{}}},
+     RejectedRoot(Dict({{"Properties", "UID"}}), "\"Properties\" is not a dictionary")},
+    {"IdInteger", RejectedChild(Dict({{"Name", "a"}, {"ID", 5}}), "\"ID\" is not a string")},
+    {"EmptyId", RejectedChild(Dict({{"Name", "a"}, {"ID", ""}}), "\"ID\" is empty")},
+    {"ChildrenDictionary", RejectedChild(Dict({{"Name", "a"}, {"Children", Dictionary()}}),
                                          "\"Children\" is not an array")},
-    {"ChildrenString", RejectedRoot(Dictionary{{"Children", "a"}}, "\"Children\" is not an array")},
-    {"LinkInteger", RejectedChild(Dictionary{{"Link", 5}}, "\"Link\" is not a string")},
-    {"LinkData", RejectedChild(Dictionary{{"Link", Bytes("a")}}, "\"Link\" is not a string")},
+    {"ChildrenString", RejectedRoot(Dict({{"Children", "a"}}), "\"Children\" is not an array")},
+    {"LinkInteger", RejectedChild(Dict({{"Link", 5}}), "\"Link\" is not a string")},
+    {"LinkData", RejectedChild(Dict({{"Link", Bytes("a")}}), "\"Link\" is not a string")},
     {"LinkWithName",
-     RejectedChild(Dictionary{{"Link", "x"}, {"Name", "a"}}, "a link must not have \"Name\"")},
+     RejectedChild(Dict({{"Link", "x"}, {"Name", "a"}}), "a link must not have \"Name\"")},
     {"LinkWithClass",
-     RejectedChild(Dictionary{{"Link", "x"}, {"Class", "Fan"}}, "a link must not have \"Class\"")},
-    {"LinkWithProperties", RejectedChild(Dictionary{{"Link", "x"}, {"Properties", Dictionary{}}},
+     RejectedChild(Dict({{"Link", "x"}, {"Class", "Fan"}}), "a link must not have \"Class\"")},
+    {"LinkWithProperties", RejectedChild(Dict({{"Link", "x"}, {"Properties", Dictionary()}}),
                                          "a link must not have \"Properties\"")},
     {"LinkWithId",
-     RejectedChild(Dictionary{{"Link", "x"}, {"ID", "y"}}, "a link must not have \"ID\"")},
+     RejectedChild(Dict({{"Link", "x"}, {"ID", "y"}}), "a link must not have \"ID\"")},
     {"LinkWithNameAsRoot",
-     RejectedRoot(Dictionary{{"Link", "x"}, {"Name", "a"}}, "a link must not have \"Name\"")},
+     RejectedRoot(Dict({{"Link", "x"}, {"Name", "a"}}), "a link must not have \"Name\"")},
     {"LinkWithUnknownKey",
-     RejectedChild(Dictionary{{"Link", "x"}, {"Parent", "b"}}, "the key \"Parent\" is not known")},
-    {"LinkChildrenDictionary", RejectedChild(Dictionary{{"Link", "x"}, {"Children", Dictionary{}}},
+     RejectedChild(Dict({{"Link", "x"}, {"Parent", "b"}}), "the key \"Parent\" is not known")},
+    {"LinkChildrenDictionary", RejectedChild(Dict({{"Link", "x"}, {"Children", Dictionary()}}),
                                              "\"Children\" is not an array")},
-    {"DanglingLink", RejectedChild(Dictionary{{"Link", "x"}}, "no entry has the ID \"x\"")},
-    {"DanglingLinkAsRoot", RejectedRoot(Dictionary{{"Link", "x"}}, "no entry has the ID \"x\"")},
-    {"EmptyLink", RejectedChild(Dictionary{{"Link", ""}}, "no entry has the ID \"\"")},
+    {"DanglingLink", RejectedChild(Dict({{"Link", "x"}}), "no entry has the ID \"x\"")},
+    {"DanglingLinkAsRoot", RejectedRoot(Dict({{"Link", "x"}}), "no entry has the ID \"x\"")},
+    {"EmptyLink", RejectedChild(Dict({{"Link", ""}}), "no entry has the ID \"\"")},
     {"LinkToANameThatIsNoId",
-     {WithPlanes(
-          {{"IODeviceTree", Dictionary{{"Name", "x"}}}, {"IOService", Dictionary{{"Link", "x"}}}}),
+     {WithPlanes({{"IODeviceTree", Dict({{"Name", "x"}})}, {"IOService", Dict({{"Link", "x"}})}}),
       "Planes/IOService: no entry has the ID \"x\""}},
     {"LinkToAnIdOfAnotherCase",
-     {WithPlanes(
-          {{"IODeviceTree", Dictionary{{"ID", "X"}}}, {"IOService", Dictionary{{"Link", "x"}}}}),
+     {WithPlanes({{"IODeviceTree", Dict({{"ID", "X"}})}, {"IOService", Dict({{"Link", "x"}})}}),
       "Planes/IOService: no entry has the ID \"x\""}},
     {"IdTwiceInAPlane",
-     {WithRoot(Dictionary{
-          {"ID", "x"},
-          {"Children", Array{Dictionary{{"Name", "a"}}, Dictionary{{"Name", "b"}, {"ID", "x"}}}}}),
+     {WithRoot(
+          Dict({{"ID", "x"},
+                {"Children", List({Dict({{"Name", "a"}}), Dict({{"Name", "b"}, {"ID", "x"}})})}})),
       "Planes/IOService/Children[1]: the ID \"x\" is taken by an earlier node"}},
     {"IdTwiceAcrossPlanes",
-     {WithPlanes(
-          {{"IOService", Dictionary{{"ID", "x"}}}, {"IODeviceTree", Dictionary{{"ID", "x"}}}}),
+     {WithPlanes({{"IOService", Dict({{"ID", "x"}})}, {"IODeviceTree", Dict({{"ID", "x"}})}}),
       "Planes/IODeviceTree: the ID \"x\" is taken by an earlier node"}},
     {"TwoLinksToOneEntry",
-     {WithPlanes({{"IODeviceTree", Dictionary{{"ID", "x"}}},
-                  {"IOService", Dictionary{{"Children", Array{Dictionary{{"Link", "x"}},
-                                                              Dictionary{{"Link", "x"}}}}}}}),
+     {WithPlanes({{"IODeviceTree", Dict({{"ID", "x"}})},
+                  {"IOService",
+                   Dict({{"Children", List({Dict({{"Link", "x"}}), Dict({{"Link", "x"}})})}})}}),
       "Planes/IOService/Children[1]: the entry already stands in this plane"}},
     {"LinkBelowALinkToTheSameEntry",
-     {WithPlanes({{"IODeviceTree", Dictionary{{"ID", "x"}}},
-                  {"IOService",
-                   Dictionary{{"Link", "x"}, {"Children", Array{Dictionary{{"Link", "x"}}}}}}}),
+     {WithPlanes(
+          {{"IODeviceTree", Dict({{"ID", "x"}})},
+           {"IOService", Dict({{"Link", "x"}, {"Children", List({Dict({{"Link", "x"}})})}})}}),
       "Planes/IOService/Children[0]: the entry already stands in this plane"}},
     {"LinkBehindTheEntryOfItsPlane",
-     {WithRoot(Dictionary{
-          {"Children", Array{Dictionary{{"Name", "a"}, {"ID", "x"}}, Dictionary{{"Link", "x"}}}}}),
+     {WithRoot(
+          Dict({{"Children", List({Dict({{"Name", "a"}, {"ID", "x"}}), Dict({{"Link", "x"}})})}})),
       "Planes/IOService/Children[1]: the entry already stands in this plane"}},
     {"LinkBeforeTheEntryOfItsPlane",
-     {WithRoot(Dictionary{
-          {"Children", Array{Dictionary{{"Link", "x"}}, Dictionary{{"Name", "a"}, {"ID", "x"}}}}}),
+     {WithRoot(
+          Dict({{"Children", List({Dict({{"Link", "x"}}), Dict({{"Name", "a"}, {"ID", "x"}})})}})),
       "Planes/IOService/Children[0]: the entry already stands in this plane"}},
     {"LinkBelowItsEntry",
-     {WithRoot(Dictionary{{"ID", "x"}, {"Children", Array{Dictionary{{"Link", "x"}}}}}),
+     {WithRoot(Dict({{"ID", "x"}, {"Children", List({Dict({{"Link", "x"}})})}})),
       "Planes/IOService/Children[0]: the entry already stands in this plane"}},
     {"LinkAboveItsEntry",
-     {WithRoot(
-          Dictionary{{"Link", "x"}, {"Children", Array{Dictionary{{"Name", "a"}, {"ID", "x"}}}}}),
+     {WithRoot(Dict({{"Link", "x"}, {"Children", List({Dict({{"Name", "a"}, {"ID", "x"}})})}})),
       "Planes/IOService: the entry already stands in this plane"}},
     {"FaultDeepDown",
-     {WithRoot(Dictionary{
-          {"Children",
-           Array{Dictionary{{"Name", "a"}},
-                 Dictionary{{"Name", "b"},
-                            {"Children", Array{Dictionary{{"Name", "c"}}, Dictionary{{"Name", "d"}},
-                                               Dictionary{}}}}}}}),
+     {WithRoot(Dict(
+          {{"Children", List({Dict({{"Name", "a"}}),
+                              Dict({{"Name", "b"},
+                                    {"Children", List({Dict({{"Name", "c"}}), Dict({{"Name", "d"}}),
+                                                       Dictionary()})}})})}})),
       "Planes/IOService/Children[1]/Children[2]: \"Name\" is missing"}},
     {"FaultBelowALink",
-     {WithPlanes({{"IODeviceTree", Dictionary{{"ID", "x"}}},
-                  {"IOService", Dictionary{{"Link", "x"}, {"Children", Array{Dictionary{}}}}}}),
+     {WithPlanes({{"IODeviceTree", Dict({{"ID", "x"}})},
+                  {"IOService", Dict({{"Link", "x"}, {"Children", List({Dictionary()})}})}}),
       "Planes/IOService/Children[0]: \"Name\" is missing"}},
     {"FirstOfTwoFaults",
-     {WithPlanes({{"IOService", Dictionary{{"Class", 5}}}, {"IODeviceTree", 5}}),
+     {WithPlanes({{"IOService", Dict({{"Class", 5}})}, {"IODeviceTree", 5}}),
       "Planes/IOService: \"Class\" is not a string"}},
 };
 
 INSTANTIATE_TEST_SUITE_P(Nodes, RejectedRecording, ::testing::ValuesIn(NodeRows), RowName);
 
-/// The whole error that the bytes of a file give; empty when they are a recording.
+/// The whole error of a file of these bytes; empty when they are a recording.
 std::string ErrorOfFile(std::string_view bytes) {
-  auto reading = ReadRecording(std::string(bytes));
-  EXPECT_EQ(reading.recording.has_value(), reading.error.empty());
-  return reading.error;
-}
-
-/// The error that the property list's own reader gives.
-std::string PropertyListError(std::string_view bytes) {
-  return ReadPropertyList(std::string(bytes)).error;
+  return ErrorOf(ReadRecording(std::string(bytes)));
 }
 
 const std::string BinaryRecording(
@@ -529,9 +553,7 @@ const std::string BinaryRecording(
     95);
 
 TEST(RecordingReader, ReadsABinaryPropertyList) {
-  const auto reading = ReadRecording(BinaryRecording);
-  EXPECT_EQ(reading.error, "");
-  EXPECT_EQ(reading.recording, (Recording{{{}}, {{"IOService", OnlyRoot(1)}}, {}}));
+  ExpectContent(ReadRecording(BinaryRecording), {{{}}, {{"IOService", OnlyRoot(1)}}, {}});
 }
 
 TEST(RecordingReader, RefusesTheOldTextForm) {
@@ -564,11 +586,9 @@ TEST(RecordingReader, APlaneThatOccursTwiceKeepsItsFirstPlaceAndItsLastRoot) {
       "<key>IODeviceTree</key><dict><key>Name</key><string>first</string></dict>"
       "<key>IOService</key><dict><key>Name</key><string>last</string></dict>"
       "</dict></dict>");
-  EXPECT_EQ(reading.error, "");
-  EXPECT_EQ(reading.recording,
-            (Recording{{{"last", "", {}}, {"first", "", {}}},
-                       {{"IOService", OnlyRoot(1)}, {"IODeviceTree", OnlyRoot(2)}},
-                       {}}));
+  ExpectContent(reading, {{{"last", "", {}}, {"first", "", {}}},
+                          {{"IOService", OnlyRoot(1)}, {"IODeviceTree", OnlyRoot(2)}},
+                          {}});
 }
 
 /// A recording whose root stands above a chain of `depth` children, the last of which has these
@@ -584,9 +604,8 @@ std::string ChainOfChildren(std::size_t depth, const std::string& properties) {
 TEST(RecordingReader, AcceptsTheDeepestNestingThatAFileMayHave) {
   // Three dictionaries around the root's children, two containers for each child, the properties.
   const auto reading = ReadRecording(ChainOfChildren(254, ""));
-  EXPECT_EQ(reading.error, "");
-  ASSERT_TRUE(reading.recording.has_value());
-  EXPECT_EQ(reading.recording->entries.size(), 255u);
+  ASSERT_TRUE(reading) << Describe(reading.Error());
+  EXPECT_EQ(reading->entries.size(), 255u);
   EXPECT_EQ(ErrorOfFile(ChainOfChildren(254, "<key>a</key><array/>")),
             "line 1, column 16653: more than 512 arrays and dictionaries are nested in each other");
 }
@@ -605,9 +624,29 @@ TEST(RecordingReader, PassesOnTheFaultOfAMalformedFile) {
       Truncated(BinaryRecording, BinaryRecording.size() / 2),
   };
   for (const auto& file : files) {
-    EXPECT_EQ(ErrorOfFile(file), PropertyListError(file));
-    EXPECT_NE(ErrorOfFile(file), "");
+    const auto reading = ReadRecording(file);
+    const auto list = ReadPropertyList(file).list;
+    ASSERT_FALSE(reading || list) << file;
+    EXPECT_EQ(reading.Error(), list.Error());
   }
+}
+
+TEST(RecordingReader, SaysWhereAMalformedFileIsWrong) {
+  const auto reading = ReadRecording("<plist>\n<dict>\n</plist>");
+  ASSERT_FALSE(reading);
+  ASSERT_TRUE(reading.Error().location.has_value());
+  EXPECT_EQ(reading.Error().location->line, 3u);
+}
+
+// The recording owns the file that its entries, names and properties view.
+TEST(RecordingReader, ARecordingStaysValidWhenItIsMoved) {
+  auto reading = ReadRecording(std::string(BothPlanes));
+  ASSERT_TRUE(reading);
+  const RecordingContent content = ContentOf(*reading);
+  const Recording moved = *std::move(reading);
+  EXPECT_EQ(ContentOf(moved), content);
+  ASSERT_NE(moved.entries[1].properties.Find("UID"), nullptr);
+  EXPECT_EQ(*moved.entries[1].properties.Find("UID"), PropertyValue(0x5A3));
 }
 
 TEST(RecordingReader, RefusesEveryCutRecording) {

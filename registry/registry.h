@@ -9,7 +9,7 @@
 namespace fernwick {
 
 /// A handle of a registry entry or of an iterator over entries. 0 is none: what every operation
-/// returns when it has nothing to give. A handle stays valid until the process ends, whether or not
+/// returns when there is nothing to return. A handle stays valid until the process ends, whether or not
 /// it is released.
 using RegistryEntry = std::uint32_t;
 
@@ -28,7 +28,7 @@ inline constexpr std::uint32_t SearchRecursively = 1;
 /// The computer's I/O registry: entries with a class and properties, linked in named planes. The
 /// one way in which anything here learns about the hardware; the live registry and a recorded one
 /// keep the same contract. Synchronous, without side effects on the registry, used from one thread.
-/// No operation reports a failure by a message, and none minds a handle of 0.
+/// No operation reports a failure by a message, and each accepts a handle of 0.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -66,7 +66,7 @@ class Registry {
   /// Whether the entry's class is, or derives from, `className`.
   virtual bool ConformsToClass(RegistryEntry entry, std::string_view className) = 0;
 
-  /// Gives the handle of an entry or iterator back; 0 does nothing.
+  /// Releases the handle of an entry or iterator; 0 does nothing.
   virtual void ReleaseEntry(RegistryEntry handle) = 0;
 };
 

@@ -7,14 +7,14 @@
 #include <utility>
 #include <vector>
 
-#include "testing/abnormal_end.h"
 #include "testing/call_lists.h"
 #include "testing/computer.h"
+#include "testing/dictionaries.h"
 #include "testing/failed_matching.h"
 #include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
 #include "testing/property_values.h"
-#include "testing/system_log.h"
+#include "testing/recordings.h"
 #include "value/textual_dump.h"
 
 namespace fernwick {
@@ -23,53 +23,75 @@ namespace {
 using testing::Bytes;
 using testing::CallList;
 using testing::Computer;
-using testing::ExpectAbnormalEnd;
+using testing::Dict;
 using testing::Joined;
+using testing::List;
 using testing::LoggingRegistry;
 using testing::Named;
 using testing::NamedValue;
 using testing::NonNumbers;
 using testing::PropertyReads;
 using testing::RowName;
-using testing::SystemLogOnStandardError;
 using testing::ThunderboltFieldReads;
+using testing::With;
+using testing::Without;
 
 constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
 constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
 
 /// A controller at the root of the topology, with `more` set on it.
-Dictionary OwnController(const Dictionary& more) {
-  Dictionary properties{{"Depth", 0}, {"Route String", 0}, {"UID", 0x5A3}};
-  properties.Merge(more);
-  return properties;
+Record OwnController(const Record& more) {
+  return With({{"Depth", 0}, {"Route String", 0}, {"UID", 0x5A3}}, more);
 }
 
-HardwareInventory CollectedFrom(const Computer& computer) {
+using Records = std::vector<HardwareRecord>;
+
+InventoryResult InventoryOf(const Computer& computer) {
   RecordedRegistry registry(computer.Recorded());
   return CollectThunderboltControllers(registry);
 }
 
-/// The inventory of a computer with one controller.
-HardwareInventory InventoryOf(const Dictionary& properties) {
+/// The records of the computer's inventory, which has no fault.
+Records CollectedFrom(const Computer& computer) {
+  const auto inventory = InventoryOf(computer);
+  if (!inventory) {
+    ADD_FAILURE() << Describe(inventory.Error());
+    return {};
+  }
+  EXPECT_EQ(inventory->sources.size(), inventory->records.size());
+  return inventory->records;
+}
+
+/// The records of a computer with one controller.
+Records RecordsOf(const Record& properties) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", properties);
   return CollectedFrom(computer);
 }
 
-HardwareInventory Listed(std::vector<HardwareRecord> records) {
+Records Listed(Records records) {
   return records;
 }
 
-/// What filling `record` from a controller of those properties makes of it.
-HardwareRecord Filled(const Dictionary& properties, HardwareRecord record = {}) {
+/// `record` after it was filled from a controller of those properties, and the fault, if any.
+std::pair<HardwareRecord, std::optional<Fault>> FilledOrFault(const Record& properties,
+                                                              HardwareRecord record) {
   Computer computer;
   const RegistryEntry controller = computer.AddThunderbolt("Ridge0", properties);
   RecordedRegistry registry(computer.Recorded());
-  FillThunderboltFields(registry, controller, &record);
-  return record;
+  RecordSource source;
+  const auto fault = FillThunderboltFields(registry, controller, &record, source);
+  return {record, fault};
 }
 
-const Dictionary FullProperties{
+/// `record` after it was filled from a controller of those properties, without a fault.
+HardwareRecord Filled(const Record& properties, HardwareRecord record = {}) {
+  const auto [filled, fault] = FilledOrFault(properties, std::move(record));
+  EXPECT_EQ(fault, std::nullopt);
+  return filled;
+}
+
+const Record FullProperties{
     {"EEPROM Revision", 0x45},      {"ROM Version", 0x41},        {"UID", 0x5A3},
     {"Firmware Mode", 2},           {"Device Model Revision", 6}, {"Device Model ID", 5},
     {"Device Model Name", "Model"}, {"Revision ID", 3},           {"Device ID", 2},
@@ -125,31 +147,32 @@ TEST(ThunderboltInventory, ListsEqualControllersTwice) {
 }
 
 TEST(ThunderboltInventory, WritesEveryKeyInItsOrder) {
-  EXPECT_EQ(InventoryOf(OwnController(FullProperties)), Listed({FullRecord}));
+  EXPECT_EQ(RecordsOf(OwnController(FullProperties)), Listed({FullRecord}));
 }
 
-TEST(ThunderboltInventory, IsNoneWithoutControllers) {
-  EXPECT_EQ(CollectedFrom(Computer()), HardwareInventory());
+TEST(ThunderboltInventory, IsEmptyWithoutControllers) {
+  EXPECT_EQ(CollectedFrom(Computer()), Records());
 }
 
-TEST(ThunderboltInventory, IsNoneWithoutServicePlane) {
-  RecordedRegistry registry{Recording()};
-  EXPECT_EQ(CollectThunderboltControllers(registry), HardwareInventory());
+TEST(ThunderboltInventory, IsEmptyWithoutServicePlane) {
+  const Recording recording = testing::RecordingOf({});
+  RecordedRegistry registry(recording);
+  EXPECT_EQ(CollectThunderboltControllers(registry), InventoryResult(HardwareInventory()));
 }
 
-TEST(ThunderboltInventory, IsNoneWhenNoControllerQualifies) {
+TEST(ThunderboltInventory, IsEmptyWhenNoControllerQualifies) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", OwnController({{"Depth", 1}}));
   computer.AddThunderbolt("Ridge1", OwnController({{"Route String", 1}}));
-  EXPECT_EQ(CollectedFrom(computer), HardwareInventory());
+  EXPECT_EQ(CollectedFrom(computer), Records());
 }
 
 TEST(ThunderboltInventory, OmitsAControllerWithoutRouteString) {
-  EXPECT_EQ(InventoryOf({{"Depth", 0}, {"UID", 1}}), HardwareInventory());
+  EXPECT_EQ(RecordsOf({{"Depth", 0}, {"UID", 1}}), Records());
 }
 
 TEST(ThunderboltInventory, OmitsAControllerWithoutDepth) {
-  EXPECT_EQ(InventoryOf({{"Route String", 0}, {"UID", 1}}), HardwareInventory());
+  EXPECT_EQ(RecordsOf({{"Route String", 0}, {"UID", 1}}), Records());
 }
 
 struct PlaceRow {
@@ -161,12 +184,12 @@ class PlaceInTopology : public ::testing::TestWithParam<Named<PlaceRow>> {};
 
 TEST_P(PlaceInTopology, ByDepth) {
   const auto& [value, qualifies] = GetParam().row;
-  EXPECT_EQ(InventoryOf(OwnController({{"Depth", value}})).has_value(), qualifies);
+  EXPECT_EQ(!RecordsOf(OwnController({{"Depth", value}})).empty(), qualifies);
 }
 
 TEST_P(PlaceInTopology, ByRouteString) {
   const auto& [value, qualifies] = GetParam().row;
-  EXPECT_EQ(InventoryOf(OwnController({{"Route String", value}})).has_value(), qualifies);
+  EXPECT_EQ(!RecordsOf(OwnController({{"Route String", value}})).empty(), qualifies);
 }
 
 std::vector<Named<PlaceRow>> PlaceRows() {
@@ -200,7 +223,7 @@ CallList PlaceReads(std::string_view controller) {
 
 CallList CollectionCalls(const Computer& computer) {
   LoggingRegistry registry(computer.Recorded());
-  CollectThunderboltControllers(registry);
+  EXPECT_TRUE(CollectThunderboltControllers(registry));
   return registry.Calls();
 }
 
@@ -257,6 +280,8 @@ TEST(ThunderboltInventory, IsTakenAfreshEachTime) {
   computer.AddThunderbolt("Ridge0", OwnController({{"ROM Version", 1}}));
   LoggingRegistry registry(computer.Recorded());
   const auto first = CollectThunderboltControllers(registry);
+  ASSERT_TRUE(first);
+  EXPECT_EQ(first->records.size(), 1u);
   EXPECT_EQ(CollectThunderboltControllers(registry), first);
   const auto pass = [](const std::string& iterator) {
     return Joined({{"MatchServicesByClass IOThunderboltSwitch", "ResetIterator " + iterator},
@@ -268,32 +293,32 @@ TEST(ThunderboltInventory, IsTakenAfreshEachTime) {
   EXPECT_EQ(registry.Calls(), Joined({pass("iterator 1"), pass("iterator 2")}));
 }
 
-std::pair<CallList, HardwareInventory> AfterFailedMatching(RegistryStatus status,
-                                                           bool withIterator) {
+std::pair<CallList, InventoryResult> AfterFailedMatching(RegistryStatus status, bool withIterator) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", OwnController({}));
   return testing::AfterFailedMatching(computer, CollectThunderboltControllers, status,
                                       withIterator);
 }
 
-TEST(ThunderboltInventory, IsNoneAndReleasesTheIteratorWhenMatchingFails) {
+TEST(ThunderboltInventory, IsEmptyAndReleasesTheIteratorWhenMatchingFails) {
   const CallList calls{"MatchServicesByClass IOThunderboltSwitch", "ReleaseEntry iterator 1"};
-  EXPECT_EQ(AfterFailedMatching(5, true), std::pair(calls, HardwareInventory()));
-  EXPECT_EQ(AfterFailedMatching(-5, true), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(5, true), std::pair(calls, InventoryResult(HardwareInventory())));
+  EXPECT_EQ(AfterFailedMatching(-5, true), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(ThunderboltInventory, IsNoneWhenMatchingFailsWithoutIterator) {
+TEST(ThunderboltInventory, IsEmptyWhenMatchingFailsWithoutIterator) {
   const CallList calls{"MatchServicesByClass IOThunderboltSwitch"};
-  EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(ThunderboltInventory, IsNoneWhenMatchingGivesNoIterator) {
+TEST(ThunderboltInventory, IsEmptyWhenMatchingGivesNoIterator) {
   const CallList calls{"MatchServicesByClass IOThunderboltSwitch"};
-  EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false), std::pair(calls, HardwareInventory()));
+  EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false),
+            std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
 TEST(ThunderboltFields, OfUidAlone) {
-  EXPECT_EQ(Filled({{"UID", 0x5A3}}), (Dictionary{{"RID", 3}, {"Ridge UID", 0x5A3}}));
+  EXPECT_EQ(Filled({{"UID", 0x5A3}}), (Record{{"RID", 3}, {"Ridge UID", 0x5A3}}));
 }
 
 TEST(ThunderboltFields, OfAFullController) {
@@ -302,7 +327,7 @@ TEST(ThunderboltFields, OfAFullController) {
 
 TEST(ThunderboltFields, DoNotAskWhereTheControllerSits) {
   EXPECT_EQ(Filled({{"UID", 0x5A3}, {"Depth", 2}, {"Route String", 0x301}}),
-            (Dictionary{{"RID", 3}, {"Ridge UID", 0x5A3}}));
+            (Record{{"RID", 3}, {"Ridge UID", 0x5A3}}));
 }
 
 TEST(ThunderboltFields, AreNotSearchedInOtherEntries) {
@@ -312,32 +337,38 @@ TEST(ThunderboltFields, AreNotSearchedInOtherEntries) {
   computer.AddService(controller, "Below", "", FullProperties);
   RecordedRegistry registry(computer.Recorded());
   HardwareRecord record;
-  FillThunderboltFields(registry, controller, &record);
-  EXPECT_EQ(record, (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+  RecordSource source;
+  EXPECT_EQ(FillThunderboltFields(registry, controller, &record, source), std::nullopt);
+  EXPECT_EQ(record, (Record{{"RID", 1}, {"Ridge UID", 1}}));
 }
 
 TEST(ThunderboltFields, WithoutARecordReadNothing) {
   Computer computer;
   const RegistryEntry controller = computer.AddThunderbolt("Ridge0", FullProperties);
   LoggingRegistry registry(computer.Recorded());
-  FillThunderboltFields(registry, controller, nullptr);
+  RecordSource source;
+  EXPECT_EQ(FillThunderboltFields(registry, controller, nullptr, source), std::nullopt);
   EXPECT_EQ(registry.Calls(), CallList());
+  EXPECT_EQ(source, RecordSource());
 }
 
 TEST(ThunderboltFields, WithoutARecordAMissingUidDoesNotMatter) {
   Computer computer;
   const RegistryEntry controller = computer.AddThunderbolt("Ridge0", {});
   LoggingRegistry registry(computer.Recorded());
-  FillThunderboltFields(registry, controller, nullptr);
+  RecordSource source;
+  EXPECT_EQ(FillThunderboltFields(registry, controller, nullptr, source), std::nullopt);
   EXPECT_EQ(registry.Calls(), CallList());
+  EXPECT_EQ(source, RecordSource());
 }
 
 /// The calls of filling `record`.
-CallList FillingCalls(const Dictionary& properties, HardwareRecord record) {
+CallList FillingCalls(const Record& properties, HardwareRecord record) {
   Computer computer;
   const RegistryEntry controller = computer.AddThunderbolt("Ridge0", properties);
   LoggingRegistry registry(computer.Recorded());
-  FillThunderboltFields(registry, controller, &record);
+  RecordSource source;
+  EXPECT_EQ(FillThunderboltFields(registry, controller, &record, source), std::nullopt);
   return registry.Calls();
 }
 
@@ -358,12 +389,12 @@ TEST(ThunderboltFields, FetchNoEepromRevisionWhenRomVersionDoesNotRead) {
 }
 
 TEST(ThunderboltFields, NeverReplaceARid) {
-  EXPECT_EQ(Filled({{"UID", 0x5A3}}, {{"RID", 2}}), (Dictionary{{"RID", 2}, {"Ridge UID", 0x5A3}}));
+  EXPECT_EQ(Filled({{"UID", 0x5A3}}, {{"RID", 2}}), (Record{{"RID", 2}, {"Ridge UID", 0x5A3}}));
 }
 
 TEST(ThunderboltFields, NeverReplaceARidOfAnyKind) {
   EXPECT_EQ(Filled({{"UID", 0x5A3}}, {{"RID", "two"}}),
-            (Dictionary{{"RID", "two"}, {"Ridge UID", 0x5A3}}));
+            (Record{{"RID", "two"}, {"Ridge UID", 0x5A3}}));
 }
 
 TEST(ThunderboltFields, ReplaceAllElseAtItsPlace) {
@@ -402,7 +433,7 @@ TEST(ThunderboltFields, LeaveWhatTheRecordHoldsWhereNothingReads) {
   const HardwareRecord before{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}};
   EXPECT_EQ(
       Filled({{"UID", 1}, {"Device Model Name", 5}, {"EEPROM Revision", 5}}, before),
-      (Dictionary{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}, {"Ridge UID", 1}}));
+      (Record{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}, {"Ridge UID", 1}}));
 }
 
 struct UidRow {
@@ -414,7 +445,7 @@ class NumericUid : public ::testing::TestWithParam<Named<UidRow>> {};
 
 TEST_P(NumericUid, GivesRidAndIsKeptWhole) {
   EXPECT_EQ(Filled({{"UID", GetParam().row.uid}}),
-            (Dictionary{{"RID", GetParam().row.rid}, {"Ridge UID", GetParam().row.uid}}));
+            (Record{{"RID", GetParam().row.rid}, {"Ridge UID", GetParam().row.uid}}));
 }
 
 const Named<UidRow> UidRows[] = {
@@ -435,7 +466,7 @@ const Named<UidRow> UidRows[] = {
 INSTANTIATE_TEST_SUITE_P(ThunderboltFields, NumericUid, ::testing::ValuesIn(UidRows), RowName);
 
 TEST(ThunderboltFields, OfANanUid) {
-  EXPECT_EQ(DumpText(Filled({{"UID", Nan}})),
+  EXPECT_EQ(DumpText(Dictionary(Filled({{"UID", Nan}}))),
             "{\n"
             "    \"RID\" = 0;\n"
             "    \"Ridge UID\" = nan;\n"
@@ -445,7 +476,7 @@ TEST(ThunderboltFields, OfANanUid) {
 class OddThunderboltProperty : public ::testing::TestWithParam<NamedValue> {};
 
 TEST_P(OddThunderboltProperty, AsUidGivesNoRidAndIsKeptWhole) {
-  EXPECT_EQ(Filled({{"UID", GetParam().row}}), (Dictionary{{"Ridge UID", GetParam().row}}));
+  EXPECT_EQ(Filled({{"UID", GetParam().row}}), (Record{{"Ridge UID", GetParam().row}}));
 }
 
 TEST_P(OddThunderboltProperty, LeavesOnlyItsOwnKeyOut) {
@@ -456,7 +487,7 @@ TEST_P(OddThunderboltProperty, LeavesOnlyItsOwnKeyOut) {
   };
   for (const auto& [property, key] : targets) {
     SCOPED_TRACE(property);
-    Dictionary properties = FullProperties;
+    Record properties = FullProperties;
     properties.Set(property, GetParam().row);
     HardwareRecord record = FullRecord;
     record.SetOrRemove(key, nullptr);
@@ -466,13 +497,13 @@ TEST_P(OddThunderboltProperty, LeavesOnlyItsOwnKeyOut) {
 
 TEST_P(OddThunderboltProperty, AsRomVersionLeavesBothVersionsOut) {
   EXPECT_EQ(Filled({{"UID", 1}, {"ROM Version", GetParam().row}, {"EEPROM Revision", 0x45}}),
-            (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+            (Record{{"RID", 1}, {"Ridge UID", 1}}));
 }
 
 TEST_P(OddThunderboltProperty, AsEepromRevisionCountsAsZero) {
   EXPECT_EQ(
       Filled({{"UID", 1}, {"ROM Version", 0x23}, {"EEPROM Revision", GetParam().row}}),
-      (Dictionary{
+      (Record{
           {"RID", 1}, {"Ridge UID", 1}, {"Version", 23.000000001}, {"Engineering Version", 0}}));
 }
 
@@ -481,21 +512,20 @@ INSTANTIATE_TEST_SUITE_P(ThunderboltFields, OddThunderboltProperty,
 
 TEST(ThunderboltFields, KeepAnEmptyDeviceModelName) {
   EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", ""}}),
-            (Dictionary{{"RID", 1}, {"Device Model Name", ""}, {"Ridge UID", 1}}));
+            (Record{{"RID", 1}, {"Device Model Name", ""}, {"Ridge UID", 1}}));
 }
 
 TEST(ThunderboltFields, KeepADeviceModelNameAsItStands) {
-  EXPECT_EQ(
-      Filled({{"UID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}}),
-      (Dictionary{{"RID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}, {"Ridge UID", 1}}));
+  EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}}),
+            (Record{{"RID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}, {"Ridge UID", 1}}));
 }
 
 TEST(ThunderboltFields, LeaveOutADeviceModelNameThatIsNoString) {
-  const PropertyValue values[] = {
-      Bytes("Model"), 5, 5.5, true, Array{"Model"}, Date{5}, Dictionary{{"Name", "Model"}}};
+  const PropertyValue values[] = {Bytes("Model"),           5, 5.5, true, List({"Model"}), Date{5},
+                                  Dict({{"Name", "Model"}})};
   for (const auto& value : values) {
     EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", value}}),
-              (Dictionary{{"RID", 1}, {"Ridge UID", 1}}))
+              (Record{{"RID", 1}, {"Ridge UID", 1}}))
         << DumpText(value);
   }
 }
@@ -507,7 +537,7 @@ TEST(ThunderboltFields, HoldFirmwareModeAsABoolean) {
   };
   for (const auto& [value, mode] : rows) {
     EXPECT_EQ(Filled({{"UID", 1}, {"Firmware Mode", value}}),
-              (Dictionary{{"RID", 1}, {"Firmware Mode", mode}, {"Ridge UID", 1}}))
+              (Record{{"RID", 1}, {"Firmware Mode", mode}, {"Ridge UID", 1}}))
         << DumpText(value);
   }
 }
@@ -523,12 +553,12 @@ class FirmwareVersionOf : public ::testing::TestWithParam<Named<VersionRow>> {};
 
 TEST_P(FirmwareVersionOf, RomVersionAndEepromRevision) {
   const auto& row = GetParam().row;
-  Dictionary properties{{"UID", 1}, {"ROM Version", row.rom}};
+  Record properties{{"UID", 1}, {"ROM Version", row.rom}};
   if (row.eeprom) properties.Set("EEPROM Revision", *row.eeprom);
-  EXPECT_EQ(Filled(properties), (Dictionary{{"RID", 1},
-                                            {"Ridge UID", 1},
-                                            {"Version", row.version},
-                                            {"Engineering Version", row.engineering}}));
+  EXPECT_EQ(Filled(properties), (Record{{"RID", 1},
+                                        {"Ridge UID", 1},
+                                        {"Version", row.version},
+                                        {"Engineering Version", row.engineering}}));
 }
 
 const Named<VersionRow> VersionRows[] = {
@@ -561,29 +591,44 @@ INSTANTIATE_TEST_SUITE_P(ThunderboltFields, FirmwareVersionOf, ::testing::Values
 
 TEST(ThunderboltFields, WithoutRomVersionHaveNoVersionWhateverTheEepromRevision) {
   EXPECT_EQ(Filled({{"UID", 1}, {"EEPROM Revision", 0x05}}),
-            (Dictionary{{"RID", 1}, {"Ridge UID", 1}}));
+            (Record{{"RID", 1}, {"Ridge UID", 1}}));
 }
 
-TEST(ThunderboltFields, WithoutUidEndAbnormally) {
-  ExpectAbnormalEnd([] { Filled({}); });
+TEST(ThunderboltFields, WithoutUidAreAFault) {
+  EXPECT_EQ(FilledOrFault({}, {}).second, Fault::MissingUid);
 }
 
-TEST(ThunderboltFields, WithoutUidTellTheSystemLogWhy) {
-  const SystemLogOnStandardError shown;
-  ExpectAbnormalEnd([] { Filled({}); }, "log: a Thunderbolt controller has no UID\n");
+TEST(ThunderboltFields, WithoutUidButAllElseAreAFault) {
+  const auto [record, fault] = FilledOrFault(Without(FullProperties, "UID"), {{"RID", 2}});
+  EXPECT_EQ(fault, Fault::MissingUid);
+  EXPECT_EQ(record.Find("Ridge UID"), nullptr);
 }
 
-TEST(ThunderboltFields, WithoutUidButAllElseEndAbnormally) {
-  Dictionary properties = FullProperties;
-  properties.SetOrRemove("UID", nullptr);
-  ExpectAbnormalEnd([&] { Filled(properties, {{"RID", 2}}); });
-}
-
-TEST(ThunderboltInventory, AnOwnControllerWithoutUidEndsAbnormally) {
+TEST(ThunderboltInventory, AnOwnControllerWithoutUidIsAFault) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", OwnController({}));
   computer.AddThunderbolt("Ridge1", {{"Depth", 0}, {"Route String", 0}});
-  ExpectAbnormalEnd([&] { CollectedFrom(computer); });
+  EXPECT_EQ(InventoryOf(computer), InventoryResult(Fault::MissingUid));
+}
+
+TEST(ThunderboltInventory, AFaultEndsThePassAtTheMissingUidAndReleasesTheIterator) {
+  Computer computer;
+  computer.AddThunderbolt("Ridge0", OwnController({{"ROM Version", 1}}));
+  computer.AddThunderbolt("Ridge1", {{"Depth", 0}, {"Route String", 0}, {"ROM Version", 1}});
+  computer.AddThunderbolt("Ridge2", OwnController({}));
+  LoggingRegistry registry(computer.Recorded());
+  EXPECT_EQ(CollectThunderboltControllers(registry), InventoryResult(Fault::MissingUid));
+  EXPECT_EQ(registry.Calls(),
+            Joined({{"MatchServicesByClass IOThunderboltSwitch", "ResetIterator iterator 1"},
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Ridge0"),
+                    ThunderboltFieldReads("Ridge0"),
+                    {"NextEntry iterator 1"},
+                    PlaceReads("Ridge1"),
+                    PropertyReads("Ridge1", {"UID", "Vendor ID", "Device ID", "Revision ID",
+                                             "Device Model Name", "Device Model ID",
+                                             "Device Model Revision", "Firmware Mode", "UID"}),
+                    {"ReleaseEntry iterator 1"}}));
 }
 
 TEST(ThunderboltInventory, AnotherControllerNeedsNoUid) {
@@ -591,6 +636,27 @@ TEST(ThunderboltInventory, AnotherControllerNeedsNoUid) {
   computer.AddThunderbolt("Ridge0", OwnController({}));
   computer.AddThunderbolt("Ridge1", {{"Depth", 1}, {"Route String", 1}});
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 3}, {"Ridge UID", 0x5A3}}}));
+}
+
+TEST(ThunderboltInventory, SaysWhereEachControllerIsAndWhyOneIsSkipped) {
+  Computer computer;
+  const auto own =
+      computer.AddThunderbolt("ridge0", {{"UID", 7}, {"Depth", 0}, {"Route String", 0}});
+  const auto dock =
+      computer.AddThunderbolt("dock", {{"UID", 7}, {"Depth", 1}, {"Route String", 1}});
+  const auto versioned = computer.AddThunderbolt("ridge1", OwnController({{"ROM Version", 1}}));
+  const auto nameless = computer.AddThunderbolt("ridge2", OwnController({{"UID", "seven"}}));
+  const auto inventory = InventoryOf(computer);
+  ASSERT_TRUE(inventory);
+  EXPECT_EQ(
+      inventory->sources,
+      (std::vector<RecordSource>{
+          {.thunderbolt = own, .rid = Origin::Thunderbolt},
+          {.thunderbolt = versioned, .rid = Origin::Thunderbolt, .version = Origin::Thunderbolt},
+          {.thunderbolt = nameless},
+      }));
+  EXPECT_EQ(inventory->skipped,
+            (std::vector<SkippedController>{{dock, SkipReason::NotAtRootOfTopology}}));
 }
 
 }  // namespace

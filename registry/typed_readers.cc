@@ -5,34 +5,34 @@
 namespace fernwick {
 namespace {
 
-// Reads the number and stores what `convert` makes of it.
-template <typename Place, typename Convert>
+// Reads the number and stores the result of `convert`.
+template <typename T, typename Convert>
 RegistryStatus ReadNumber(Registry& registry, RegistryEntry entry, std::string_view key,
-                          Place& place, Convert convert) {
+                          T& result, Convert convert) {
   const auto value = registry.GetProperty(entry, key);
   const auto number = value ? value->AsNumber() : std::nullopt;
   if (!number) return RegistryNotFound;
-  place = convert(*number);
+  result = convert(*number);
   return RegistrySuccess;
 }
 
 }  // namespace
 
 RegistryStatus ReadBoolProperty(Registry& registry, RegistryEntry entry, std::string_view key,
-                                bool& place) {
-  return ReadNumber(registry, entry, key, place, IsNonZero);
+                                bool& result) {
+  return ReadNumber(registry, entry, key, result, IsNonZero);
 }
 
 RegistryStatus ReadU32Property(Registry& registry, RegistryEntry entry, std::string_view key,
-                               std::uint32_t& place) {
-  return ReadNumber(registry, entry, key, place, [](const Number& number) {
+                               std::uint32_t& result) {
+  return ReadNumber(registry, entry, key, result, [](const Number& number) {
     return static_cast<std::uint32_t>(ToUnsigned64(number));
   });
 }
 
 RegistryStatus ReadU64Property(Registry& registry, RegistryEntry entry, std::string_view key,
-                               std::uint64_t& place) {
-  return ReadNumber(registry, entry, key, place, ToUnsigned64);
+                               std::uint64_t& result) {
+  return ReadNumber(registry, entry, key, result, ToUnsigned64);
 }
 
 std::uint32_t DecodeBcd(std::uint32_t packed) {

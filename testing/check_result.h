@@ -9,6 +9,17 @@
 #include "personality/requirements.h"
 #include "testing/test_console.h"
 
+namespace fernwick {
+
+/// How a failed comparison shows it.
+inline void PrintTo(const Verdict& verdict, std::ostream* out) {
+  *out << (verdict.failure ? "fails, reason " + std::to_string(static_cast<int>(*verdict.failure))
+                           : "is met")
+       << ", diagnostic " << ::testing::PrintToString(verdict.diagnostic);
+}
+
+}  // namespace fernwick
+
 namespace fernwick::testing {
 
 /// What a requirement check answered, and all that it wrote to standard error meanwhile.

@@ -16,6 +16,7 @@ class LoggingRegistry : public Registry {
   /// REQUIRES: `recording` outlives the registry.
   explicit LoggingRegistry(const Recording& recording)
       : recording_(recording), registry_(recording) {}
+  explicit LoggingRegistry(const Recording&& recording) = delete;  // it would not live on
 
   const std::vector<std::string>& Calls() const { return calls_; }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "value/arena.h"
 #include "value/calendar_date.h"
@@ -51,6 +53,11 @@ inline Array List(std::span<const PropertyValue> elements) {
 }
 inline Array List(std::initializer_list<PropertyValue> elements) {
   return List(std::span(elements.begin(), elements.size()));
+}
+
+/// An array of the value, `count` times over.
+inline Array Copies(std::size_t count, PropertyValue value) {
+  return List(std::vector<PropertyValue>(count, value));
 }
 
 /// A dictionary of these entries. A key that occurs twice keeps its first location and its last

@@ -1,7 +1,6 @@
 #include "value/arena.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
 
 namespace fernwick {
@@ -36,7 +35,7 @@ void* Arena::AllocateInNewBlock(std::size_t size) {
   const std::size_t blockSize = std::clamp(size_, SmallestBlock, LargestBlock);
   const bool isLarge = size > blockSize / 4;
   const std::size_t allocated = isLarge ? size : blockSize;
-  char* block = blocks_.emplace_back(new char[std::max<std::size_t>(allocated, 1)]).get();
+  char* block = blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(allocated)).get();
   size_ += allocated;
   if (isLarge) return block;
   next_ = block + size;

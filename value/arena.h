@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <forward_list>
 #include <memory>
-#include <new>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,7 +12,7 @@
 
 namespace fernwick {
 
-/// A bump arena: memory is taken from large blocks by advancing a pointer, and all of it is freed
+/// A bump arena: allocates from large blocks by advancing a pointer, and all of it is freed
 /// at once, with the arena. An allocation costs an addition and a comparison; nothing is freed
 /// before. What it returns stays at its address when the arena is moved. Not for use by two threads
 /// at once.

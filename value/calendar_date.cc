@@ -11,7 +11,7 @@ namespace {
 
 namespace chrono = std::chrono;
 
-constexpr std::string_view Pattern = "0000-00-00T00:00:00Z";  // 0 stands for any digit
+constexpr std::string_view Pattern = "0000-00-00T00:00:00Z";  // 0 is any digit
 
 constexpr std::int64_t SecondsAt(chrono::year_month_day day) {
   return chrono::duration_cast<chrono::seconds>(chrono::sys_days(day).time_since_epoch()).count();

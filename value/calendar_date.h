@@ -8,7 +8,7 @@
 
 namespace fernwick {
 
-/// Reads "YYYY-MM-DDThh:mm:ssZ", a real day of the years 1 to 9999; nothing when the text is
+/// Reads "YYYY-MM-DDThh:mm:ssZ", a real day of the years 1 to 9999; empty when the text is
 /// anything else.
 std::optional<Date> ParseDate(std::string_view text);
 
@@ -16,7 +16,7 @@ std::optional<Date> ParseDate(std::string_view text);
 std::string FormatDate(Date date);
 
 /// A point given as seconds since 2001-01-01T00:00:00Z, cut to whole seconds (toward the past);
-/// nothing when it lies outside the years 1 to 9999.
+/// empty when it is outside the years 1 to 9999.
 std::optional<Date> DateFromSecondsSince2001(double seconds);
 
 /// The other way round, exact.

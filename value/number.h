@@ -15,14 +15,14 @@ class Integer {
   requires(!std::same_as<T, bool>) constexpr Integer(T value)  // NOLINT: an integer is an Integer
       : bits_(static_cast<std::uint64_t>(value)), negative_(value < T{}) {}
 
-  /// The integer −`magnitude`; nothing when it lies below −2^63.
+  /// The integer −`magnitude`; empty when it is below −2^63.
   static constexpr std::optional<Integer> Negated(std::uint64_t magnitude) {
     if (magnitude > std::uint64_t{1} << 63) return std::nullopt;
     return Integer(std::uint64_t{0} - magnitude, magnitude != 0);
   }
 
-  /// The integer of that 64-bit two's-complement form and sign. REQUIRES: no bits below 2^63 are
-  /// those of a negative one.
+  /// The integer of that 64-bit two's-complement form and sign. REQUIRES: the bits of a negative
+  /// one are 2^63 or more.
   static constexpr Integer OfBits(std::uint64_t bits, bool isNegative) {
     return {bits, isNegative};
   }
@@ -46,7 +46,7 @@ class Integer {
   bool negative_;
 };
 
-/// A value that can be reckoned with. A boolean counts as the integer 1 or 0.
+/// A value that can be compared and computed with. A boolean counts as the integer 1 or 0.
 using Number = std::variant<Integer, double>;
 
 /// The exact mathematical order: neither side is rounded, so 2^53+1 is greater than the real 2^53.

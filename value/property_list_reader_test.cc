@@ -3,16 +3,22 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "testing/inputs/binary_property_list_builder.h"
 #include "testing/inputs/corruption.h"
+#include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
+#include "value/binary/writer.h"
 
 namespace fernwick {
 namespace {
 
 using testing::ArrayObject;
 using testing::BinaryFile;
+using testing::Dict;
+using testing::ErrorOf;
+using testing::List;
 using testing::NestedArrays;
 using testing::Repeated;
 
@@ -53,35 +59,35 @@ TEST(PropertyListReader, DetectsTheSerialisationFromTheContentAlone) {
       {Utf8Mark + "\n <true/>", true, Serialisation::Xml},
       {AsUtf16("<true/>", true), true, Serialisation::Xml},
       {AsUtf16(" \n<true/>", false), true, Serialisation::Xml},
-      {"<array/>", Array{}, Serialisation::Xml},
-      {"<array>\n</array>", Array{}, Serialisation::Xml},
+      {"<array/>", Array(), Serialisation::Xml},
+      {"<array>\n</array>", Array(), Serialisation::Xml},
       {"<data>Zg==</data>", testing::Bytes("f"), Serialisation::Xml},
       {"<date>2026-11-20T00:00:00Z</date>", testing::DateOf("2026-11-20T00:00:00Z"),
        Serialisation::Xml},
-      {"<dict\n/>", Dictionary{}, Serialisation::Xml},
+      {"<dict\n/>", Dictionary(), Serialisation::Xml},
       {"<false />", false, Serialisation::Xml},
       {"<integer>1</integer>", 1, Serialisation::Xml},
       {"<real>1</real>", 1.0, Serialisation::Xml},
       {"<string\t>a</string>", "a", Serialisation::Xml},
-      {"{a=b;}", Dictionary{{"a", "b"}}, Serialisation::Text},
-      {"a=b;", Dictionary{{"a", "b"}}, Serialisation::Text},
-      {"(a)", Array{"a"}, Serialisation::Text},
+      {"{a=b;}", Dict({{"a", "b"}}), Serialisation::Text},
+      {"a=b;", Dict({{"a", "b"}}), Serialisation::Text},
+      {"(a)", List({"a"}), Serialisation::Text},
       {"\"<true/>\"", "<true/>", Serialisation::Text},
       {"<>", testing::Bytes(""), Serialisation::Text},
       {"<da7a>", testing::Bytes("\xDA\x7A"), Serialisation::Text},
-      {"// <true/>\n(a)", Array{"a"}, Serialisation::Text},
-      {"\v(a)", Array{"a"}, Serialisation::Text},
-      {Utf8Mark + "(a)", Array{"a"}, Serialisation::Text},
-      {AsUtf16("(a)", true), Array{"a"}, Serialisation::Text},
-      {AsUtf16("(a)", false), Array{"a"}, Serialisation::Text},
-      {"bplist=a;", Dictionary{{"bplist", "a"}}, Serialisation::Text},
+      {"// <true/>\n(a)", List({"a"}), Serialisation::Text},
+      {"\v(a)", List({"a"}), Serialisation::Text},
+      {Utf8Mark + "(a)", List({"a"}), Serialisation::Text},
+      {AsUtf16("(a)", true), List({"a"}), Serialisation::Text},
+      {AsUtf16("(a)", false), List({"a"}), Serialisation::Text},
+      {"bplist=a;", Dict({{"bplist", "a"}}), Serialisation::Text},
   };
   for (const auto& [bytes, value, serialisation] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
     const auto reading = ReadPropertyList(bytes);
-    EXPECT_EQ(reading.error, "");
-    EXPECT_EQ(reading.value, value);
     EXPECT_EQ(reading.serialisation, serialisation);
+    ASSERT_EQ(ErrorOf(reading.list), "");
+    EXPECT_EQ(reading.list->value, value);
   }
 }
 
@@ -137,8 +143,7 @@ TEST(PropertyListReader, FailureCarriesTheSerialisationThatWasDetected) {
   for (const auto& [bytes, error, serialisation] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
     const auto reading = ReadPropertyList(bytes);
-    EXPECT_EQ(reading.error, error);
-    EXPECT_FALSE(reading.value.has_value());
+    EXPECT_EQ(ErrorOf(reading.list), error);
     EXPECT_EQ(reading.serialisation, serialisation);
   }
 }
@@ -148,21 +153,52 @@ TEST(PropertyListReader, AnyTwoBytesAreRefusedOrReadWithoutHarm) {
     for (unsigned second = 0; second < 256; ++second) {
       const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
       const auto reading = ReadPropertyList(bytes);
-      ASSERT_EQ(reading.value.has_value(), reading.error.empty()) << first << ' ' << second;
+      ASSERT_NE(reading.list ? "a value" : reading.list.Error().message, "") << first << ' ' << second;
     }
   }
 }
 
-TEST(PropertyListReader, ValueOutlivesTheBytes) {
-  const auto reading = ReadPropertyList("<array><string>a string of the file</string></array>");
-  EXPECT_EQ(reading.value, PropertyValue(Array{"a string of the file"}));
+// Files so short that a std::string keeps their characters in itself, and longer ones, that are
+// viewed, decoded and transcoded.
+TEST(PropertyListReader, ValueStaysValidWhenTheListIsMoved) {
+  const std::string files[] = {"(ab)",
+                               "('a\\142')",
+                               "(ab) // and as much more as needs memory of its own",
+                               "<array><string>ab</string></array>",
+                               "<array><string>&#97;b</string></array>",
+                               BinaryFile({ArrayObject({1}), testing::AsciiObject("ab")}),
+                               BinaryFile({ArrayObject({1}), testing::Utf16Object(u"ab")}),
+                               AsUtf16("(ab)", true),
+                               AsUtf16("<array><string>ab</string></array>", false)};
+  for (const auto& file : files) {
+    SCOPED_TRACE(::testing::PrintToString(file));
+    PropertyList first;
+    {
+      auto reading = ReadPropertyList(file);
+      ASSERT_EQ(ErrorOf(reading.list), "");
+      first = *std::move(reading.list);
+    }
+    const PropertyList second = std::move(first);
+    EXPECT_EQ(second.value, PropertyValue(List({"ab"})));
+  }
+}
+
+TEST(PropertyListReader, PositionOfAnErrorIsThatInItsFile) {
+  EXPECT_EQ(ReadPropertyList("(\n a b)").list.Error().location,
+            (FileLocation{.line = 2, .column = 4}));
+  EXPECT_EQ(ReadPropertyList("bplist00").list.Error().location, (FileLocation{.byte = 8}));
+  EXPECT_EQ(ReadPropertyList("").list.Error().location, std::nullopt);
 }
 
 TEST(PropertyListReader, EverySerialisationReadsTheSameDepth) {
-  EXPECT_EQ(ReadPropertyList(Repeated("(", 512) + Repeated(")", 512)).value,
-            NestedArrays(511, Array{}));
-  EXPECT_EQ(ReadPropertyList(Repeated("<array>", 512) + Repeated("</array>", 512)).value,
-            NestedArrays(511, Array{}));
+  const PropertyValue deepest = NestedArrays(511, Array());
+  for (const auto& file :
+       {Repeated("(", 512) + Repeated(")", 512),
+        Repeated("<array>", 512) + Repeated("</array>", 512), WriteBinaryPropertyList(deepest)}) {
+    const auto reading = ReadPropertyList(file);
+    ASSERT_EQ(ErrorOf(reading.list), "");
+    EXPECT_EQ(reading.list->value, deepest);
+  }
 }
 
 }  // namespace

@@ -237,8 +237,8 @@ inline const PropertyValue* Dictionary::Find(std::string_view key) const {
 }
 
 /// The entries without repetitions: a key that occurs twice keeps its first location and its last
-/// value. Works in place and returns what is left, at the front. Costs n log n for n entries, since
-/// a file decides how many there are; a few are compared with each other.
+/// value. Works in the given memory and returns what is left, its front. Costs n log n for n
+/// entries, since a file decides how many there are; a few are compared with each other.
 std::span<DictionaryEntry> WithoutRepeatedKeys(std::span<DictionaryEntry> entries);
 
 }  // namespace fernwick

@@ -6,7 +6,7 @@
 
 namespace fernwick {
 
-/// What stands for an absent value in every output.
+/// An absent value in every output.
 inline constexpr char AbsentText[] = "(null)";
 
 /// The readable rendering of a value, four blanks a level, no newline at the end: strings and keys

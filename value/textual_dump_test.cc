@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "testing/property_values.h"
 
@@ -12,6 +13,8 @@ namespace {
 
 using testing::Bytes;
 using testing::DateOf;
+using testing::Dict;
+using testing::List;
 
 struct DumpRow {
   PropertyValue value;
@@ -56,10 +59,10 @@ TEST(TextualDump, StringsStandInDoubleQuotes) {
 
 TEST(TextualDump, OtherControlCharactersAreOctal) {
   ExpectDumps({
-      {std::string("\0", 1), "\"\\000\""},
-      {std::string("\0"
-                   "7",
-                   2),
+      {std::string_view("\0", 1), "\"\\000\""},
+      {std::string_view("\0"
+                        "7",
+                        2),
        "\"\\0007\""},
       {"\x01\x07\x08\x0B\x0C\x1B\x1F", "\"\\001\\007\\010\\013\\014\\033\\037\""},
       {"\x7F", "\"\\177\""},
@@ -85,14 +88,14 @@ TEST(TextualDump, DataHasABlankAfterEveryFourBytes) {
 
 TEST(TextualDump, ContainersAreIndentedByFourBlanksALevel) {
   ExpectDumps({
-      {Array{}, "()"},
-      {Dictionary{}, "{}"},
-      {Array{1}, "(\n    1\n)"},
-      {Array{1, "a", true}, "(\n    1,\n    \"a\",\n    true\n)"},
-      {Dictionary{{"b", 1}, {"a", 2}}, "{\n    \"b\" = 1;\n    \"a\" = 2;\n}"},
-      {Dictionary{{"a \"b\"\n", "c"}}, "{\n    \"a \\\"b\\\"\\n\" = \"c\";\n}"},
-      {Array{Array{}, Dictionary{}}, "(\n    (),\n    {}\n)"},
-      {Dictionary{{"a", Array{Dictionary{{"b", Bytes("c")}}, 1}}, {"d", Dictionary{}}},
+      {Array(), "()"},
+      {Dictionary(), "{}"},
+      {List({1}), "(\n    1\n)"},
+      {List({1, "a", true}), "(\n    1,\n    \"a\",\n    true\n)"},
+      {Dict({{"b", 1}, {"a", 2}}), "{\n    \"b\" = 1;\n    \"a\" = 2;\n}"},
+      {Dict({{"a \"b\"\n", "c"}}), "{\n    \"a \\\"b\\\"\\n\" = \"c\";\n}"},
+      {List({Array(), Dictionary()}), "(\n    (),\n    {}\n)"},
+      {Dict({{"a", List({Dict({{"b", Bytes("c")}}), 1})}, {"d", Dictionary()}}),
        "{\n"
        "    \"a\" = (\n"
        "        {\n"

@@ -112,7 +112,7 @@ class PayloadLinter {
   void LintBoard(const std::string& board) {
     ++result_.boards;
     const auto directory = AppendPathComponent(personalitiesDirectory_, board);
-    if (FindInvalidUtf8(board) != NoPlace) {
+    if (FindInvalidUtf8(board) != npos) {
       Add(LintRuleOf::ImpossibleBoardId, directory,
           "its name is not UTF-8, so no board has it for its identifier");
     }

@@ -22,6 +22,12 @@ struct RejectedRow {
   std::string error;
 };
 
+/// The error as Describe spells it, or an empty text when there is a value.
+template <typename T>
+std::string ErrorOf(const Result<T>& result) {
+  return result ? std::string() : Describe(result.Error());
+}
+
 /// As much of an input as is of use in a failure's trace.
 inline std::string TraceOf(const std::string& input) {
   return ::testing::PrintToString(input.substr(0, 200));

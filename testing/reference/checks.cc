@@ -85,11 +85,11 @@ bool RequirementSetMatch(const Dictionary& personality, const Dictionary& hardwa
     diagnostics += missingKeyMessage;
     return false;
   }
-  const bool isArray = p->AsArray().has_value();
-  if (!isArray && !isSingleValueKind(*p)) return false;
-  if (isArray) {
+  const std::optional<Array> elements = p->AsArray();
+  if (!elements && !isSingleValueKind(*p)) return false;
+  if (elements) {
     bool matches = false;
-    for (const PropertyValue& element : *p->AsArray()) {
+    for (const PropertyValue& element : *elements) {
       if (compare(element, *h)) matches = true;
     }
     return matches;

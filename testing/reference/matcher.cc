@@ -1,6 +1,7 @@
 #include "testing/reference/matcher.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "testing/reference/checks.h"
@@ -84,9 +85,10 @@ namespace {
 template <typename Check>
 void MatchEachController(const PropertyValue& personalities, const std::vector<Record>& controllers,
                          std::string_view type, std::vector<Record>& records, Check passes) {
-  if (!personalities.AsArray()) return;
+  const std::optional<Array> inOrder = personalities.AsArray();
+  if (!inOrder) return;
   for (const Record& hardware : controllers) {
-    for (const PropertyValue& personality : *personalities.AsArray()) {
+    for (const PropertyValue& personality : *inOrder) {
       if (!personality.AsDictionary()) continue;
       if (passes(*personality.AsDictionary(), hardware)) {
         records.push_back(BuildMatchRecord(*personality.AsDictionary(), hardware, type));

@@ -12,12 +12,12 @@ namespace fernwick {
 ///
 ///   "bplist00", the objects, the offset table, a trailer of 32 bytes
 ///
-/// The offset table holds, per object number, the object's place in the file. The trailer holds,
+/// The offset table has the offset of each object in the file, by object number. The trailer has,
 /// from its byte 6 on: the width of a table offset, the width of an object number inside an array
-/// or dictionary (a byte each), the count of objects, the number of the top object and the place of
-/// the offset table (eight bytes each).
+/// or dictionary (a byte each), the count of objects, the number of the top object and the offset
+/// of the offset table (eight bytes each).
 ///
-/// By this beginning a file is told to be one, whatever its version.
+/// What begins with this is a binary property list, whatever its version.
 inline constexpr std::string_view BinarySignature = "bplist0";
 
 /// The table of contents of a file whose header and trailer have been checked against its size.
@@ -32,15 +32,14 @@ class BinaryLayout {
   /// The bytes of an object number inside an array or dictionary, 1 to 8.
   std::size_t ReferenceWidth() const { return referenceWidth_; }
 
-  /// Objects lie below this place.
+  /// Objects are below this offset.
   std::size_t EndOfObjects() const { return offsetTable_; }
 
-  /// The unsigned big-endian number of `width` bytes, 1 to 8, at `offset`. REQUIRES: `offset` lies
-  /// before the trailer, whose 32 bytes stand behind every number, so that eight can be read at
-  /// once.
+  /// The unsigned big-endian number of `width` bytes, 1 to 8, at `offset`. REQUIRES: `offset` is
+  /// before the trailer, whose 32 bytes follow every number, so that eight can be read at once.
   std::uint64_t NumberAt(std::size_t offset, std::size_t width) const;
 
-  /// The place of an object as the table gives it; it may lie anywhere. REQUIRES: object is below
+  /// The offset of an object as the table has it, of whatever size. REQUIRES: object is below
   /// ObjectCount().
   std::uint64_t OffsetOf(std::uint64_t object) const {
     return NumberAt(offsetTable_ + static_cast<std::size_t>(object) * offsetWidth_, offsetWidth_);

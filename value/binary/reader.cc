@@ -17,9 +17,9 @@
 namespace fernwick {
 namespace {
 
-// What sharing may add to what a file could contain without it, so that a small file cannot stand
-// for a huge value: values are counted each time they are reached, and so are the bytes of keys,
-// strings and data.
+// How far what is reached may exceed the size of the file in bytes, so that a small file cannot
+// expand to a huge value by sharing: values are counted each time they are reached, and so are the
+// bytes of keys, strings and data.
 constexpr std::uint64_t SharedValues = std::uint64_t{1} << 16;
 constexpr std::uint64_t SharedBytes = std::uint64_t{1} << 26;
 
@@ -77,11 +77,11 @@ class BinaryPropertyListReader {
   bool ReadFile(PropertyValue& value) {
     if (!layout_.Read(file_, fault_)) return false;
     states_.resize(static_cast<std::size_t>(layout_.ObjectCount()), State::New);
-    return ReadValue(layout_.TopObject(), TopObjectPlace(), value);
+    return ReadValue(layout_.TopObject(), TopObjectReference(), value);
   }
 
   // Where the trailer names the top object.
-  std::size_t TopObjectPlace() const { return file_.size() - 16; }
+  std::size_t TopObjectReference() const { return file_.size() - 16; }
 
   // Not part of its many callers, which would be the slower for it.
   [[gnu::noinline]] bool Fail(std::size_t offset, const char* message) {
@@ -91,7 +91,7 @@ class BinaryPropertyListReader {
   // Counts values before memory is allocated for them.
   bool CountValues(std::size_t offset, std::uint64_t count) {
     if (count > file_.size() + SharedValues - values_) {
-      return Fail(offset, "shared objects stand for too many values");
+      return Fail(offset, "more values than the size of the file allows");
     }
     values_ += count;
     return true;
@@ -100,7 +100,7 @@ class BinaryPropertyListReader {
   // Counts the bytes of a key, a string or data, as many as they are in the file.
   bool CountBytes(std::size_t offset, std::uint64_t count) {
     if (count > file_.size() + SharedBytes - bytes_) {
-      return Fail(offset, "shared objects stand for too many bytes");
+      return Fail(offset, "more bytes of keys, strings and data than the size of the file allows");
     }
     bytes_ += count;
     return true;
@@ -288,8 +288,8 @@ class BinaryPropertyListReader {
   bool DecodeUtf16Text(const Object& object, std::string_view bytes, std::string_view& text) {
     if (!CountText(object, bytes)) return false;
     const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
-    if (transcoded.invalidAt != NoPlace) return Fail(object.offset, "a string is not UTF-16");
-    if (FindInvalidText(transcoded.text) != NoPlace) return FailNotXmlCharacter(object);
+    if (transcoded.invalidAt != npos) return Fail(object.offset, "a string is not UTF-16");
+    if (FindInvalidText(transcoded.text) != npos) return FailNotXmlCharacter(object);
     text = arena_.Copy(transcoded.text);
     decodedTexts_.emplace(object.offset, text);
     return true;

@@ -4,8 +4,8 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "testing/inputs/binary_property_list_builder.h"
@@ -22,13 +22,18 @@ using testing::BigEndian;
 using testing::BinaryFile;
 using testing::BinaryShape;
 using testing::Bytes;
+using testing::Copies;
 using testing::CountedMarker;
 using testing::DataObject;
 using testing::DateObject;
 using testing::DateOf;
+using testing::Dict;
 using testing::DictionaryObject;
+using testing::ErrorOf;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
+using testing::Kept;
+using testing::List;
 using testing::NestedArrays;
 using testing::RealObject;
 using testing::References;
@@ -44,12 +49,13 @@ const std::string Null(1, '\x00');
 const std::string False = "\x08";
 const std::string True = "\x09";
 
-ParseOutcome Parse(std::string file) {
-  return ParseBinaryPropertyList(SourceBuffer(std::move(file)));
+Result<PropertyValue> Parse(std::string file) {
+  auto& arena = testing::ValueArena();
+  return ParseBinaryPropertyList(arena.Adopt(std::move(file)), arena);
 }
 
 // A file of one object, which begins at byte 8.
-ParseOutcome ParseObject(const std::string& object) {
+Result<PropertyValue> ParseObject(const std::string& object) {
   return Parse(BinaryFile({object}));
 }
 
@@ -122,7 +128,7 @@ TEST(BinaryPropertyList, AcceptsReals) {
                                   {RealObject(5e-324), 5e-324},
                                   {RealObject(-Infinity), -Infinity},
                               });
-  EXPECT_TRUE(std::isnan(*ParseObject(RealObject(Nan)).value->AsReal()));
+  EXPECT_TRUE(std::isnan(*ParseObject(RealObject(Nan))->AsReal()));
 }
 
 TEST(BinaryPropertyList, DatesAreCutToWholeSeconds) {
@@ -172,15 +178,15 @@ TEST(BinaryPropertyList, AcceptsStrings) {
                  {
                      {AsciiObject(""), ""},
                      {AsciiObject("a\tb\r\n\x7F"), "a\tb\r\n\x7F"},
-                     {AsciiObject(Repeated("x", 14)), Repeated("x", 14)},
-                     {AsciiObject(Repeated("x", 15)), Repeated("x", 15)},
-                     {AsciiObject(Repeated("x", 64)), Repeated("x", 64)},
-                     {AsciiObject(Repeated("x", 65)), Repeated("x", 65)},
+                     {AsciiObject(Repeated("x", 14)), Kept(Repeated("x", 14))},
+                     {AsciiObject(Repeated("x", 15)), Kept(Repeated("x", 15))},
+                     {AsciiObject(Repeated("x", 64)), Kept(Repeated("x", 64))},
+                     {AsciiObject(Repeated("x", 65)), Kept(Repeated("x", 65))},
                      {Utf16Object(u""), ""},
                      {Utf16Object(u"ab"), "ab"},
                      {Utf16Object(u"\u00E4\u20AC\U0001F600\uFFFD"),
                       "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD"},
-                     {Utf16Object(std::u16string(300, u'\u00E4')), Repeated("\xC3\xA4", 300)},
+                     {Utf16Object(std::u16string(300, u'\u00E4')), Kept(Repeated("\xC3\xA4", 300))},
                  });
 }
 
@@ -234,8 +240,8 @@ TEST(BinaryPropertyList, RejectsKindsThatAreNoValues) {
 
 TEST(BinaryPropertyList, EveryMarkerIsAValueOrRefusedWithoutHarm) {
   for (unsigned marker = 0; marker < 256; ++marker) {
-    const auto outcome = ParseObject(BigEndian(marker, 1) + std::string(64, '\0'));
-    EXPECT_NE(outcome.value.has_value(), !outcome.error.empty()) << marker;
+    const auto value = ParseObject(BigEndian(marker, 1) + std::string(64, '\0'));
+    EXPECT_NE(value ? "a value" : value.Error().message, "") << marker;
   }
 }
 
@@ -293,14 +299,14 @@ TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoIntegerAmongManyObjects)
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
     std::vector<std::string> objects(250, True);
     objects.push_back(container);
-    EXPECT_EQ(Parse(BinaryFile(objects, {.topObject = 250})).error,
+    EXPECT_EQ(ErrorOf(Parse(BinaryFile(objects, {.topObject = 250}))),
               "byte 259: a count is not an integer");
   }
 }
 
 TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoInteger) {
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
-    EXPECT_EQ(Parse(BinaryFile({True, container}, {.topObject = 1})).error,
+    EXPECT_EQ(ErrorOf(Parse(BinaryFile({True, container}, {.topObject = 1}))),
               "byte 10: a count is not an integer");
   }
 }
@@ -309,12 +315,12 @@ TEST(BinaryPropertyList, AcceptsArrays) {
   ExpectAccepted(
       Parse,
       {
-          {BinaryFile({ArrayObject({})}), Array{}},
-          {BinaryFile({ArrayObject({1, 2}), True, AsciiObject("a")}), Array{true, "a"}},
-          {BinaryFile({ArrayObject({2, 1, 2}), True, AsciiObject("a")}), Array{"a", true, "a"}},
-          {BinaryFile({ArrayObject(Same(20, 1)), True}), Array(20, true)},
+          {BinaryFile({ArrayObject({})}), Array()},
+          {BinaryFile({ArrayObject({1, 2}), True, AsciiObject("a")}), List({true, "a"})},
+          {BinaryFile({ArrayObject({2, 1, 2}), True, AsciiObject("a")}), List({"a", true, "a"})},
+          {BinaryFile({ArrayObject(Same(20, 1)), True}), Copies(20, true)},
           {BinaryFile({ArrayObject({1, 1}), ArrayObject({2}), True}),
-           Array{Array{true}, Array{true}}},
+           List({List({true}), List({true})})},
       });
 }
 
@@ -323,17 +329,17 @@ TEST(BinaryPropertyList, AcceptsDictionaries) {
   ExpectAccepted(
       Parse,
       {
-          {BinaryFile({DictionaryObject({}, {})}), Dictionary{}},
+          {BinaryFile({DictionaryObject({}, {})}), Dictionary()},
           {BinaryFile({DictionaryObject({2, 1}, {3, 4}), a, AsciiObject("b"), True, False}),
-           Dictionary{{"b", true}, {"a", false}}},
-          {BinaryFile({DictionaryObject({1}, {1}), a}), Dictionary{{"a", "a"}}},
+           Dict({{"b", true}, {"a", false}})},
+          {BinaryFile({DictionaryObject({1}, {1}), a}), Dict({{"a", "a"}})},
           {BinaryFile({DictionaryObject({1}, {2}), Utf16Object(u"\u00E4"), True}),
-           Dictionary{{"\xC3\xA4", true}}},
+           Dict({{"\xC3\xA4", true}})},
           // A key that occurs twice keeps its first place and its last value.
           {BinaryFile({DictionaryObject({1, 2, 1}, {3, 3, 4}), a, AsciiObject("b"), True, False}),
-           Dictionary{{"a", false}, {"b", true}}},
+           Dict({{"a", false}, {"b", true}})},
           {BinaryFile({DictionaryObject({1, 2}, {3, 4}), a, Utf16Object(u"a"), True, False}),
-           Dictionary{{"a", false}}},
+           Dict({{"a", false}})},
       });
 }
 
@@ -358,14 +364,15 @@ TEST(BinaryPropertyList, RejectsKeysThatAreNoStrings) {
 }
 
 TEST(BinaryPropertyList, EveryWidthOfOffsetAndReferenceReadsTheSame) {
-  const PropertyValue expected = Dictionary{{"a", Array{true, "a"}}};
+  const PropertyValue expected = Dict({{"a", List({true, "a"})}});
   for (std::size_t offsetWidth = 1; offsetWidth <= 8; ++offsetWidth) {
     for (std::size_t referenceWidth = 1; referenceWidth <= 8; ++referenceWidth) {
       const auto file = BinaryFile(
           {True, AsciiObject("a"), ArrayObject({0, 1}, referenceWidth),
            DictionaryObject({1}, {2}, referenceWidth)},
           {.offsetWidth = offsetWidth, .referenceWidth = referenceWidth, .topObject = 3});
-      EXPECT_EQ(Parse(file).value, expected) << offsetWidth << ' ' << referenceWidth;
+      SCOPED_TRACE(std::to_string(offsetWidth) + ' ' + std::to_string(referenceWidth));
+      ExpectAccepted(Parse, {{file, expected}});
     }
   }
 }
@@ -373,14 +380,14 @@ TEST(BinaryPropertyList, EveryWidthOfOffsetAndReferenceReadsTheSame) {
 TEST(BinaryPropertyList, MoreThan256ObjectsNeedWiderReferences) {
   std::vector<std::string> objects;
   References elements;
-  Array expected;
+  std::vector<PropertyValue> expected;
   for (unsigned i = 1; i <= 1000; ++i) {
     elements.push_back(i);
     expected.emplace_back(i);
   }
   objects.push_back(ArrayObject(elements, 2));
   for (unsigned i = 1; i <= 1000; ++i) objects.push_back('\x11' + BigEndian(i, 2));
-  EXPECT_EQ(Parse(BinaryFile(objects, {.referenceWidth = 2})).value, PropertyValue(expected));
+  ExpectAccepted(Parse, {{BinaryFile(objects, {.referenceWidth = 2}), List(expected)}});
 }
 
 TEST(BinaryPropertyList, RejectsDanglingReferences) {
@@ -463,182 +470,202 @@ TEST(BinaryPropertyList, RejectsDeeperNesting) {
                  });
 }
 
-// An array that holds `shared` references to one array of `elements` booleans, and `further`
-// booleans of its own: 1 + shared + further + shared * elements values.
-std::string SharingFile(std::size_t shared, std::size_t elements, std::size_t further) {
-  auto references = Same(shared, 1);
-  references.insert(references.end(), further, 2);
-  return BinaryFile({ArrayObject(references), ArrayObject(Same(elements, 2)), True},
-                    {.offsetWidth = 4});
+// The file of these objects and of as many unused bytes as make it `size` bytes long.
+std::string FileOfSize(std::size_t size, std::vector<std::string> objects,
+                       const BinaryShape& shape) {
+  objects.emplace_back();
+  objects.back().resize(size - BinaryFile(objects, shape).size());
+  return BinaryFile(objects, shape);
 }
 
-TEST(BinaryPropertyList, AcceptsSharingUpTo2To24Values) {
-  const auto outcome = Parse(SharingFile(4095, 4096, 0));
-  EXPECT_EQ(outcome.error, "");
-  ASSERT_TRUE(outcome.value.has_value());
-  EXPECT_EQ(outcome.value->AsArray()->size(), 4095u);
-  EXPECT_EQ(outcome.value->AsArray()->back(), PropertyValue(Array(4096, true)));
-}
+constexpr std::size_t SharedValues = std::size_t{1} << 16;
+constexpr std::size_t SharedBytes = std::size_t{1} << 26;
 
-TEST(BinaryPropertyList, RejectsMoreSharing) {
-  // The shared array begins behind 8 bytes of header and 4 of the first marker and its count.
-  EXPECT_EQ(Parse(SharingFile(4095, 4096, 1)).error, "byte 4108: more than 2^24 values");
+const std::string TooManyValues = "more values than the size of the file allows";
+const std::string TooManyBytes =
+    "more bytes of keys, strings and data than the size of the file allows";
+
+TEST(BinaryPropertyList, ValuesReachedMayExceedTheSizeOfTheFileBy2To16) {
+  // An array of 400 references to one array of 200 booleans.
+  constexpr std::size_t Reached = 1 + 400 + 400 * 200;
+  const std::vector<std::string> objects = {ArrayObject(Same(400, 1)), ArrayObject(Same(200, 2)),
+                                            True};
+  const auto file = [&](std::size_t size) { return FileOfSize(size, objects, {}); };
+  ExpectAccepted(Parse, {{file(Reached - SharedValues), Copies(400, Copies(200, true))}});
+  ExpectRejected(Parse, {{file(Reached - SharedValues - 1), "byte 412: " + TooManyValues}});
 }
 
 TEST(BinaryPropertyList, ValuesOfSharedDictionariesCountEachTimeAndTheirKeysNever) {
-  // 1 + 4095 + further + 4095 * 4096 values.
-  const auto sharing = [](std::size_t further) {
-    auto references = Same(4095, 1);
-    references.insert(references.begin(), further, 2);
-    return Parse(
-        BinaryFile({DictionaryObject(Same(references.size(), 3), references),
-                    DictionaryObject(Same(4096, 3), Same(4096, 2)), True, AsciiObject("a")},
-                   {.offsetWidth = 4}));
-  };
-  const auto outcome = sharing(0);
-  EXPECT_EQ(outcome.error, "");
-  EXPECT_EQ(outcome.value, (Dictionary{{"a", Dictionary{{"a", true}}}}));
-  EXPECT_EQ(sharing(1).error, "byte 8204: more than 2^24 values");
+  constexpr std::size_t Reached = 1 + 400 + 400 * 200;
+  const std::vector<std::string> objects = {DictionaryObject(Same(400, 3), Same(400, 1)),
+                                            DictionaryObject(Same(200, 3), Same(200, 2)), True,
+                                            AsciiObject("a")};
+  const auto file = [&](std::size_t size) { return FileOfSize(size, objects, {}); };
+  ExpectAccepted(Parse, {{file(Reached - SharedValues), Dict({{"a", Dict({{"a", true}})}})}});
+  ExpectRejected(Parse, {{file(Reached - SharedValues - 1), "byte 812: " + TooManyValues}});
 }
 
-TEST(BinaryPropertyList, RejectsMoreValuesInOneArray) {
-  const std::size_t count = std::size_t{1} << 24;  // and the array itself
-  const auto array = CountedMarker(0xA, count) + Repeated("\1", count);
-  EXPECT_EQ(Parse(BinaryFile({array, True}, {.offsetWidth = 4})).error,
-            "byte 8: more than 2^24 values");
+TEST(BinaryPropertyList, FileMayReachAValueForEachOfItsBytes) {
+  const auto array = ArrayObject(Same(100000, 1));
+  ExpectAccepted(Parse, {{BinaryFile({array, True}, {.offsetWidth = 4}), Copies(100000, true)}});
 }
 
-// 50 objects each of which holds the next 200 times, the first `dictionaries` of them as a
-// dictionary, the others as an array; the last of them holds 200 booleans.
-std::vector<std::string> Fanning(std::uint64_t dictionaries) {
-  constexpr std::uint64_t Key = 51;
+// `levels` arrays or dictionaries, the first `dictionaries` of them dictionaries, each with `width`
+// references to the next one, the last one to a boolean.
+std::string Fanning(std::uint64_t levels, std::size_t width, std::uint64_t dictionaries) {
   std::vector<std::string> objects;
-  for (std::uint64_t next = 1; next <= 50; ++next) {
-    const auto references = Same(200, next);
-    objects.push_back(next <= dictionaries ? DictionaryObject(Same(200, Key), references)
+  for (std::uint64_t next = 1; next <= levels; ++next) {
+    const auto references = Same(width, next);
+    objects.push_back(next <= dictionaries ? DictionaryObject(Same(width, levels + 1), references)
                                            : ArrayObject(references));
   }
   objects.push_back(True);
   objects.push_back(AsciiObject("a"));
-  return objects;
+  return BinaryFile(objects);
 }
 
 TEST(BinaryPropertyList, RejectsWhatWouldMultiplyAtEveryLevel) {
-  const auto arrays = Parse(BinaryFile(Fanning(0)));
-  EXPECT_EQ(arrays.error, "byte 9549: more than 2^24 values");
-  EXPECT_FALSE(arrays.value.has_value());
-  const auto dictionaries = Parse(BinaryFile(Fanning(40)));
-  EXPECT_EQ(dictionaries.error, "byte 17549: more than 2^24 values");
-  EXPECT_FALSE(dictionaries.value.has_value());
+  ExpectRejected(Parse, {
+                            {Fanning(50, 200, 0), "byte 9955: " + TooManyValues},
+                            {Fanning(50, 200, 40), "byte 17955: " + TooManyValues},
+                            {Fanning(200, 2, 0), "byte 605: " + TooManyValues},
+                            {Fanning(200, 2, 200), "byte 998: " + TooManyValues},
+                        });
 }
 
-constexpr char TooManyLongBytes[] = "more than 2^30 bytes of long keys, strings and data";
+TEST(BinaryPropertyList, ArraysThatDoubleAreReadAsFarAsTheyAreAllowed) {
+  // 2^16 - 1 values in 15 levels, twice as many and one in 16.
+  PropertyValue expected = true;
+  for (int level = 0; level < 15; ++level) expected = List({expected, expected});
+  ExpectAccepted(Parse, {{Fanning(15, 2, 0), expected}});
+  ExpectRejected(Parse, {{Fanning(16, 2, 0), "byte 53: " + TooManyValues}});
+}
 
-// 2^20 bytes of one string or data: it may be reached 2^10 times in all.
-const std::string& LongBytes() {
+// An array of `count` further arrays, each of which begins four bytes after the one before, and
+// whose 1000 references of one byte are therefore the same bytes as those of the others.
+std::string OverlappingArrays(std::uint64_t count) {
+  // As a marker and its count it is an array of 1000; as references it is these four objects.
+  const auto arrays = Repeated("\xAF\x11\x03\xE8", count + 250);
+  constexpr std::uint64_t Boolean = 8;
+  std::vector<std::uint64_t> offsets(256, Boolean);
+  References elements;
+  for (std::uint64_t number = 1; elements.size() < count; ++number) {
+    if (number == 0xAF || number == 0x11 || number == 0x03 || number == 0xE8) continue;
+    offsets[number] = Boolean + 1 + 4 * elements.size();
+    elements.push_back(number);
+  }
+  offsets[0] = Boolean + 1 + arrays.size();
+  std::string table;
+  for (const auto offset : offsets) table += BigEndian(offset, 2);
+  const auto objects = True + arrays + ArrayObject(elements);
+  return "bplist00" + objects + table + std::string(6, '\0') + "\x02\x01" + BigEndian(256, 8) +
+         BigEndian(0, 8) + BigEndian(8 + objects.size(), 8);
+}
+
+TEST(BinaryPropertyList, ArraysThatShareTheirBytesCountEach) {
+  ExpectAccepted(Parse, {{OverlappingArrays(60), Copies(60, Copies(1000, true))}});
+  // The file has 2556 bytes: 1 + 200 + 67 * 1000 values are reached before the 68th array.
+  ExpectRejected(Parse, {{OverlappingArrays(200), "byte 277: " + TooManyValues}});
+}
+
+TEST(BinaryPropertyList, KeysThatShareTheirBytesAreRead) {
+  // Every byte of the text begins a string of 14 characters, all of them equal.
+  const auto text = Repeated("\x5E", 114);
+  BinaryShape shape;
+  References keys;
+  for (std::uint64_t i = 0; i < 100; ++i) {
+    keys.push_back(3 + i);
+    shape.furtherOffsets.push_back(8 + 3 + 200 + i);
+  }
+  const auto dictionary = DictionaryObject(keys, Same(100, 2));
+  const auto key = Repeated("\x5E", 14);
+  ExpectAccepted(Parse, {{BinaryFile({dictionary, text, True}, shape), Dict({{key, true}})}});
+}
+
+// 2^20 bytes in a file.
+const std::string& Megabyte() {
   static const std::string bytes = Repeated("k", 1 << 20);
   return bytes;
 }
 
-// A dictionary whose keys are all the same long string, `count` of them, with booleans for values.
-std::string SharingOneLongKey(std::size_t count) {
-  return BinaryFile(
-      {DictionaryObject(Same(count, 1), Same(count, 2)), AsciiObject(LongBytes()), True},
-      {.offsetWidth = 4});
+struct SharedBytesRow {
+  std::string object;
+  std::string container;
+  std::string error;
+};
+
+TEST(BinaryPropertyList, BytesReachedMayExceedTheSizeOfTheFileBy2To26) {
+  // Each is reached 66 times: as its value or its key. What a string takes in UTF-8 does not count.
+  const auto utf16 = Utf16Object(std::u16string(1 << 19, u'\u20AC'));
+  const auto array = ArrayObject(Same(66, 1));
+  const auto dictionary = DictionaryObject(Same(66, 1), Same(66, 2));
+  const auto keysAndValues = DictionaryObject(Same(33, 1), Same(33, 1));
+  constexpr std::size_t Reached = 66 << 20;
+  const SharedBytesRow rows[] = {
+      {AsciiObject(Megabyte()), array, "byte 77: "},
+      {DataObject(Megabyte()), array, "byte 77: "},
+      {utf16, array, "byte 77: "},
+      {AsciiObject(Megabyte()), dictionary, "byte 143: "},
+      {utf16, dictionary, "byte 143: "},
+      {AsciiObject(Megabyte()), keysAndValues, "byte 77: "},
+  };
+  for (const auto& [object, container, error] : rows) {
+    SCOPED_TRACE(testing::TraceOf(container));
+    const std::vector<std::string> objects = {container, object, True};
+    const auto file = [&](std::size_t size) {
+      return FileOfSize(size, objects, {.offsetWidth = 4});
+    };
+    EXPECT_EQ(ErrorOf(Parse(file(Reached - SharedBytes))), "");
+    ExpectRejected(Parse, {{file(Reached - SharedBytes - 1), error + TooManyBytes}});
+  }
 }
 
-TEST(BinaryPropertyList, RejectsLongKeysThatAreSharedTooOften) {
-  EXPECT_EQ(Parse(SharingOneLongKey(1024)).error, "");
-  const auto outcome = Parse(SharingOneLongKey(1025));
-  EXPECT_EQ(outcome.error, std::string("byte 2062: ") + TooManyLongBytes);
-  EXPECT_FALSE(outcome.value.has_value());
+TEST(BinaryPropertyList, BytesOfSharedContainersCountEachTimeTheyAreReached) {
+  const std::vector<std::string> objects = {ArrayObject(Same(11, 1)), ArrayObject(Same(6, 2)),
+                                            DataObject(Megabyte())};
+  const auto file = [&](std::size_t size) { return FileOfSize(size, objects, {.offsetWidth = 4}); };
+  constexpr std::size_t Reached = 66 << 20;
+  EXPECT_EQ(ErrorOf(Parse(file(Reached - SharedBytes))), "");
+  ExpectRejected(Parse, {{file(Reached - SharedBytes - 1), "byte 27: " + TooManyBytes}});
 }
 
-// Two dictionaries with the same keys, more of them than are remembered.
-TEST(BinaryPropertyList, KeysOfManyDictionariesAreToldApart) {
+TEST(BinaryPropertyList, StringThatIsSharedIsNotCopied) {
+  const auto value =
+      Parse(BinaryFile({ArrayObject(Same(60, 1)), AsciiObject(Megabyte())}, {.offsetWidth = 4}));
+  ASSERT_EQ(ErrorOf(value), "");
+  const Array array = *value->AsArray();
+  EXPECT_EQ(array[0].AsString(), Megabyte());
+  EXPECT_EQ(array[0].AsString()->data(), array[59].AsString()->data());
+}
+
+// Two dictionaries with the same keys in either order.
+TEST(BinaryPropertyList, KeysOfManyDictionariesAreDistinguished) {
   constexpr std::size_t KeyCount = 600;
   std::vector<std::string> objects = {"", "", "", True};
   References keys;
-  Dictionary expected;
+  std::vector<DictionaryEntry> expected;
   for (std::size_t i = 0; i < KeyCount; ++i) {
     keys.push_back(objects.size());
     objects.push_back(AsciiObject(std::to_string(i)));
-    expected.Set(std::to_string(i), true);
+    expected.push_back({Kept(std::to_string(i)), true});
   }
+  const std::vector<DictionaryEntry> expectedReversed(expected.rbegin(), expected.rend());
   const References reversed(keys.rbegin(), keys.rend());
   objects[0] = ArrayObject({1, 2}, 2);
   objects[1] = DictionaryObject(keys, Same(KeyCount, 3), 2);
   objects[2] = DictionaryObject(reversed, Same(KeyCount, 3), 2);
-  const auto outcome = Parse(BinaryFile(objects, {.offsetWidth = 4, .referenceWidth = 2}));
-  ASSERT_EQ(outcome.error, "");
-  EXPECT_EQ(outcome.value->AsArray()->front(), PropertyValue(expected));
-  const auto entries = outcome.value->AsArray()->back().AsDictionary()->Entries();
-  for (std::size_t i = 0; i < KeyCount; ++i) {
-    EXPECT_EQ(entries[i].key.View(), std::to_string(KeyCount - 1 - i));
-  }
+  ExpectAccepted(Parse, {{BinaryFile(objects, {.offsetWidth = 4, .referenceWidth = 2}),
+                          List({Dictionary(expected), Dictionary(expectedReversed)})}});
 }
 
-TEST(BinaryPropertyList, AKeyOfSeveralDictionariesIsOne) {
-  const auto outcome = Parse(BinaryFile({ArrayObject({1, 2}), DictionaryObject({3}, {4}),
-                                         DictionaryObject({3}, {3}), AsciiObject("a"), True}));
-  ASSERT_EQ(outcome.error, "");
-  const auto keyOf = [](const PropertyValue& value) {
-    return value.AsDictionary()->Entries().front().key.Address();
-  };
-  EXPECT_EQ(keyOf(outcome.value->AsArray()->front()), keyOf(outcome.value->AsArray()->back()));
+TEST(BinaryPropertyList, ContainerThatIsReachedOftenReadsTheSameEachTime) {
+  ExpectAccepted(Parse,
+                 {{BinaryFile({ArrayObject({1, 1, 1, 1}), ArrayObject({2, 2, 2}), ArrayObject({})}),
+                   Copies(4, Copies(3, Array()))}});
 }
 
-// An array of `count` references to the object.
-std::string SharingOneObject(std::size_t count, const std::string& object) {
-  return BinaryFile({ArrayObject(Same(count, 1)), object}, {.offsetWidth = 4});
-}
-
-TEST(BinaryPropertyList, RejectsLongStringsAndDataThatAreSharedTooOften) {
-  const auto utf16 = Utf16Object(std::u16string(1 << 19, u'\u00E4'));  // as long once it is UTF-8
-  for (const auto& object : {AsciiObject(LongBytes()), DataObject(LongBytes()), utf16}) {
-    EXPECT_EQ(Parse(SharingOneObject(1024, object)).error, "");
-    const auto outcome = Parse(SharingOneObject(1025, object));
-    EXPECT_EQ(outcome.error, std::string("byte 1037: ") + TooManyLongBytes);
-    EXPECT_FALSE(outcome.value.has_value());
-  }
-}
-
-TEST(BinaryPropertyList, LongBytesOfSharedContainersCountEachTimeTheyAreReached) {
-  const auto sharing = [](std::size_t count) {
-    return Parse(BinaryFile(
-        {ArrayObject(Same(count, 1)), ArrayObject(Same(128, 2)), DataObject(LongBytes())},
-        {.offsetWidth = 4}));
-  };
-  EXPECT_EQ(sharing(8).error, "");
-  EXPECT_EQ(sharing(9).error, std::string("byte 18: ") + TooManyLongBytes);
-}
-
-TEST(BinaryPropertyList, ShortStringsMayBeSharedWithoutThatBound) {
-  // 2047 times 8192 entries, whose keys and values are one string: of 64 bytes they stand for twice
-  // as much as the bound of longer ones.
-  const auto strings = [](std::size_t length) {
-    return Parse(BinaryFile(
-        {ArrayObject(Same(2047, 1), 2), DictionaryObject(Same(8192, 2), Same(8192, 2), 2),
-         AsciiObject(Repeated("s", length))},
-        {.offsetWidth = 4, .referenceWidth = 2}));
-  };
-  EXPECT_EQ(strings(64).error, "");
-  EXPECT_EQ(strings(65).error, std::string("byte 4106: ") + TooManyLongBytes);
-}
-
-TEST(BinaryPropertyList, ContainerThatIsReachedOftenIsShared) {
-  const auto outcome =
-      Parse(BinaryFile({ArrayObject({1, 1, 1, 1}), ArrayObject({2, 2, 2}), ArrayObject({})}));
-  ASSERT_EQ(outcome.error, "");
-  EXPECT_EQ(*outcome.value, PropertyValue(Array(4, Array(3, Array()))));
-  const auto& array = *outcome.value->AsArray();
-  EXPECT_NE(array[0].AsArray(), array[1].AsArray());  // what is reached once is not kept
-  EXPECT_EQ(array[1].AsArray(), array[2].AsArray());
-  EXPECT_EQ(array[2].AsArray(), array[3].AsArray());
-}
-
-// An array that holds a pair of nested arrays twice and, once more, that pair inside `depth`
-// further arrays: 1 + depth + 2 are nested.
+// An array of a pair of nested arrays twice and, once more, that pair inside `depth` further
+// arrays: 1 + depth + 2 are nested.
 std::string SharedPairBelow(std::uint64_t depth) {
   std::vector<std::string> objects = {ArrayObject({1, 1, 3}, 2), ArrayObject({2}, 2),
                                       ArrayObject({}, 2)};
@@ -648,44 +675,17 @@ std::string SharedPairBelow(std::uint64_t depth) {
   return BinaryFile(objects, {.referenceWidth = 2});
 }
 
-// An array that holds a pair of nested arrays twice, an array around that pair twice and, once
-// more, the latter inside `depth` further arrays: 1 + depth + 3 are nested.
-std::string SharedTripleBelow(std::uint64_t depth) {
-  std::vector<std::string> objects = {ArrayObject({1, 1, 3, 3, 4}, 2), ArrayObject({2}, 2),
-                                      ArrayObject({}, 2), ArrayObject({1}, 2)};
-  for (std::uint64_t i = 1; i <= depth; ++i) {
-    objects.push_back(ArrayObject({i == depth ? 3 : i + 4}, 2));
-  }
-  return BinaryFile(objects, {.referenceWidth = 2});
+TEST(BinaryPropertyList, SharedContainerIsNestedWhereverItIsReached) {
+  EXPECT_EQ(ErrorOf(Parse(SharedPairBelow(509))), "");
+  ExpectRejected(Parse,
+                 {{SharedPairBelow(510),
+                   "byte 18: more than 512 arrays and dictionaries are nested in each other"}});
 }
-
-TEST(BinaryPropertyList, HeightOfASharedContainerReachesIntoSharedOnes) {
-  EXPECT_EQ(Parse(SharedTripleBelow(508)).error, "");
-  EXPECT_EQ(Parse(SharedTripleBelow(509)).error,
-            "byte 23: more than 512 arrays and dictionaries are nested in each other");
-}
-
-TEST(BinaryPropertyList, SharedContainerCountsItsHeightWhereverItIsReached) {
-  EXPECT_EQ(Parse(SharedPairBelow(509)).error, "");
-  EXPECT_EQ(Parse(SharedPairBelow(510)).error,
-            "byte 15: more than 512 arrays and dictionaries are nested in each other");
-}
-
-TEST(BinaryPropertyList, LongStringsMayBeSharedAsValuesOften) {
-  const auto ascii = Repeated("x", 1 << 20);
-  const auto outcome =
-      Parse(BinaryFile({ArrayObject(Same(1000, 1)), AsciiObject(ascii)}, {.offsetWidth = 4}));
-  EXPECT_EQ(outcome.error, "");
-  const auto& array = *outcome.value->AsArray();
-  EXPECT_EQ(array.front().AsString(), ascii);
-  EXPECT_EQ(array.front().AsString()->data(), array.back().AsString()->data());
-}
-
 TEST(BinaryPropertyList, SharedUtf16StringIsDecodedOnce) {
-  const auto outcome =
+  const auto value =
       Parse(BinaryFile({ArrayObject({1, 1, 2}), Utf16Object(u"\u00E4")}, {.furtherOffsets = {12}}));
-  ASSERT_EQ(outcome.error, "");
-  const auto& array = *outcome.value->AsArray();
+  ASSERT_EQ(ErrorOf(value), "");
+  const Array array = *value->AsArray();
   EXPECT_EQ(array[0].AsString(), "\xC3\xA4");
   EXPECT_EQ(array[0].AsString()->data(), array[1].AsString()->data());
   EXPECT_EQ(array[0].AsString()->data(), array[2].AsString()->data());
@@ -694,7 +694,7 @@ TEST(BinaryPropertyList, SharedUtf16StringIsDecodedOnce) {
 TEST(BinaryPropertyList, RejectsStringsThatOverlapToStandForMoreTextThanTheFile) {
   // Every four bytes begin another string of 1000 units, which are U+6F11 and U+03E8 by turns.
   const auto strings = Repeated("\x6F\x11\x03\xE8", 1000);
-  constexpr std::uint64_t Start = 8 + 3 + 2 * 100;  // behind the header and the array
+  constexpr std::uint64_t Start = 8 + 3 + 2 * 100;  // after the header and the array
   BinaryShape shape{.referenceWidth = 2, .topObject = 2};
   References elements;
   for (std::uint64_t i = 0; i < 100; ++i) {
@@ -702,17 +702,17 @@ TEST(BinaryPropertyList, RejectsStringsThatOverlapToStandForMoreTextThanTheFile)
     shape.furtherOffsets.push_back(Start + 4 * i);
   }
   const std::vector<std::string> objects = {ArrayObject(elements, 2), strings};
-  EXPECT_EQ(Parse(BinaryFile(objects, shape)).value,
-            PropertyValue(Repeated("\xE6\xBC\x91\xCF\xA8", 500)));
+  const auto decoded = Repeated("\xE6\xBC\x91\xCF\xA8", 500);
+  ExpectAccepted(Parse, {{BinaryFile(objects, shape), decoded}});
   shape.topObject = 0;
-  EXPECT_EQ(Parse(BinaryFile(objects, shape)).error, "byte 219: strings overlap");
+  ExpectRejected(Parse, {{BinaryFile(objects, shape), "byte 219: strings overlap"}});
 }
 
 // An array of fewer than 15 strings of 2000 bytes each, every four bytes beginning another, in a
 // file of `size` bytes.
 std::string OverlappingStrings(std::uint64_t count, std::size_t size) {
   const auto strings = Repeated("\x6F\x11\x03\xE8", 1000);
-  const std::uint64_t start = 8 + 1 + 2 * count;  // behind the header and the array
+  const std::uint64_t start = 8 + 1 + 2 * count;  // after the header and the array
   BinaryShape shape{.referenceWidth = 2};
   References elements;
   for (std::uint64_t i = 0; i < count; ++i) {
@@ -720,14 +720,13 @@ std::string OverlappingStrings(std::uint64_t count, std::size_t size) {
     shape.furtherOffsets.push_back(start + 4 * i);
   }
   const auto array = ArrayObject(elements, 2);
-  const auto filler = size - BinaryFile({array, strings, ""}, shape).size();
-  return BinaryFile({array, strings, std::string(filler, '\0')}, shape);
+  return FileOfSize(size, {array, strings}, shape);
 }
 
 TEST(BinaryPropertyList, StringsThatOverlapMayStandForAsMuchTextAsTheFileIsLong) {
-  EXPECT_EQ(Parse(OverlappingStrings(3, 6000)).error, "");
-  EXPECT_EQ(Parse(OverlappingStrings(3, 5999)).error, "byte 23: strings overlap");
-  EXPECT_EQ(Parse(OverlappingStrings(4, 6000)).error, "byte 29: strings overlap");
+  EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(3, 6000))), "");
+  EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(3, 5999))), "byte 23: strings overlap");
+  EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(4, 6000))), "byte 29: strings overlap");
 }
 
 const std::string& SampleFile() {
@@ -750,11 +749,9 @@ const std::string& SampleFile() {
 
 TEST(BinaryPropertyList, TruncationAtAnyLengthIsRefused) {
   const auto& file = SampleFile();
-  ASSERT_EQ(Parse(file).error, "");
+  ASSERT_EQ(ErrorOf(Parse(file)), "");
   for (std::size_t size = 8; size < file.size(); ++size) {
-    const auto outcome = Parse(Truncated(file, size));
-    EXPECT_FALSE(outcome.value.has_value()) << size;
-    EXPECT_NE(outcome.error, "") << size;
+    EXPECT_NE(ErrorOf(Parse(Truncated(file, size))), "") << size;
   }
 }
 
@@ -762,20 +759,22 @@ TEST(BinaryPropertyList, AnyByteMayBeAnyOtherWithoutHarm) {
   const auto& file = SampleFile();
   for (std::size_t at = 0; at < file.size(); ++at) {
     for (unsigned byte = 0; byte < 256; ++byte) {
-      const auto outcome = Parse(WithByte(file, at, static_cast<unsigned char>(byte)));
-      ASSERT_EQ(outcome.value.has_value(), outcome.error.empty()) << at << ' ' << byte;
+      const auto changed = WithByte(file, at, static_cast<unsigned char>(byte));
+      Arena arena;
+      const auto value = ParseBinaryPropertyList(changed, arena);
+      ASSERT_NE(value ? "a value" : value.Error().message, "") << at << ' ' << byte;
     }
   }
 }
 
 TEST(BinaryPropertyList, AsciiStringsAndDataViewTheFile) {
-  const auto file =
-      SourceBuffer(BinaryFile({ArrayObject({1, 2}), AsciiObject("text"), DataObject("data")}));
-  const auto outcome = ParseBinaryPropertyList(file);
-  ASSERT_EQ(outcome.error, "");
-  const auto& array = *outcome.value->AsArray();
-  EXPECT_EQ(array[0].AsString()->data(), file.View().data() + 12);
-  EXPECT_EQ(array[1].AsData()->data(), file.View().data() + 17);
+  const auto file = BinaryFile({ArrayObject({1, 2}), AsciiObject("text"), DataObject("data")});
+  Arena arena;
+  const auto value = ParseBinaryPropertyList(file, arena);
+  ASSERT_EQ(ErrorOf(value), "");
+  const Array array = *value->AsArray();
+  EXPECT_EQ(array[0].AsString()->data(), file.data() + 12);
+  EXPECT_EQ(array[1].AsData()->data(), file.data() + 17);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ void AppendBigEndian(std::string& bytes, std::uint64_t number, std::size_t width
   for (std::size_t i = width; i-- > 0;) bytes.push_back(static_cast<char>(number >> (8 * i)));
 }
 
-// The exponent of the fewest bytes, 1, 2, 4 or 8, that hold the number.
+// The exponent of the fewest bytes, 1, 2, 4 or 8, that are enough for the number.
 unsigned WidthExponent(std::uint64_t number) {
   unsigned exponent = 0;
   while (exponent < 3 && number >> (8u << exponent) != 0) ++exponent;
@@ -73,7 +73,7 @@ std::string DoubleObject(char marker, double number) {
   return object;
 }
 
-// A marker with the count in it, or behind it as an integer from 15 on.
+// A marker with the count in it, or after it as an integer from 15 on.
 std::string CountedMarker(unsigned kind, std::uint64_t count) {
   if (count < 15) return {Marker(kind, static_cast<unsigned>(count))};
   return Marker(kind, 15) + UnsignedObject(count);

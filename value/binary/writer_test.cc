@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "testing/inputs/binary_property_list_builder.h"
 #include "testing/inputs/corruption.h"
+#include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
 #include "value/property_list_reader.h"
 
@@ -21,10 +21,15 @@ using testing::AsciiObject;
 using testing::BigEndian;
 using testing::BinaryFile;
 using testing::Bytes;
+using testing::Copies;
 using testing::DataObject;
 using testing::DateObject;
 using testing::DateOf;
+using testing::Dict;
 using testing::DictionaryObject;
+using testing::ErrorOf;
+using testing::Kept;
+using testing::List;
 using testing::RealObject;
 using testing::References;
 using testing::Repeated;
@@ -32,20 +37,20 @@ using testing::Utf16Object;
 
 void ExpectReadsBack(const PropertyValue& value) {
   const auto reading = ReadPropertyList(WriteBinaryPropertyList(value));
-  EXPECT_EQ(reading.error, "");
   EXPECT_EQ(reading.serialisation, Serialisation::Binary);
-  EXPECT_EQ(reading.value, value);
+  ASSERT_EQ(ErrorOf(reading.list), "");
+  EXPECT_EQ(reading.list->value, value);
 }
 
 TEST(BinaryWriter, WritesObjectsInTheOrderInWhichTheyAreReached) {
-  EXPECT_EQ(WriteBinaryPropertyList(Dictionary{{"a", Array{true, false}}, {"b", "c"}}),
+  EXPECT_EQ(WriteBinaryPropertyList(Dict({{"a", List({true, false})}, {"b", "c"}})),
             BinaryFile({DictionaryObject({1, 2}, {3, 6}), AsciiObject("a"), AsciiObject("b"),
                         ArrayObject({4, 5}), "\x09", "\x08", AsciiObject("c")},
                        {.offsetWidth = 1}));
 }
 
 TEST(BinaryWriter, SharesEqualStrings) {
-  EXPECT_EQ(WriteBinaryPropertyList(Array{"x", Dictionary{{"x", "x"}}}),
+  EXPECT_EQ(WriteBinaryPropertyList(List({"x", Dict({{"x", "x"}})})),
             BinaryFile({ArrayObject({1, 2}), AsciiObject("x"), DictionaryObject({1}, {1})},
                        {.offsetWidth = 1}));
 }
@@ -77,8 +82,8 @@ TEST(BinaryWriter, SpellsEveryLeafAsShortAsMayBe) {
       {0.5, RealObject(0.5)},
       {"", AsciiObject("")},
       {"a\x7F", AsciiObject("a\x7F")},
-      {Repeated("s", 14), AsciiObject(Repeated("s", 14))},
-      {Repeated("s", 15), AsciiObject(Repeated("s", 15))},
+      {Kept(Repeated("s", 14)), AsciiObject(Repeated("s", 14))},
+      {Kept(Repeated("s", 15)), AsciiObject(Repeated("s", 15))},
       {"a\u00E9\uFFFD\U0001F600", Utf16Object(u"a\u00E9\uFFFD\U0001F600")},
       {"\uFFFF\U00010000\U00010001", Utf16Object(u"\uFFFF\U00010000\U00010001")},
       {"\U000103FF\U00010400\U0010FFFF", Utf16Object(u"\U000103FF\U00010400\U0010FFFF")},
@@ -95,25 +100,22 @@ TEST(BinaryWriter, SpellsEveryLeafAsShortAsMayBe) {
 TEST(BinaryWriter, TakesWiderReferencesFromTheTwoHundredAndFiftySeventhObjectOn) {
   References elements;
   std::vector<std::string> objects{""};
-  Array array;
   for (std::uint64_t i = 1; i <= 256; ++i) {
     elements.push_back(i);
     objects.emplace_back("\x09");
-    array.push_back(true);
   }
   objects[0] = ArrayObject(elements, 2);
-  EXPECT_EQ(WriteBinaryPropertyList(array),
+  EXPECT_EQ(WriteBinaryPropertyList(Copies(256, true)),
             BinaryFile(objects, {.offsetWidth = 2, .referenceWidth = 2}));
   elements.pop_back();
   objects.pop_back();
-  array.pop_back();
   objects[0] = ArrayObject(elements, 1);
-  EXPECT_EQ(WriteBinaryPropertyList(array), BinaryFile(objects, {.offsetWidth = 2}));
+  EXPECT_EQ(WriteBinaryPropertyList(Copies(255, true)), BinaryFile(objects, {.offsetWidth = 2}));
 }
 
 TEST(BinaryWriter, ReadsBackEveryKindOfValue) {
-  ExpectReadsBack(Dictionary{});
-  ExpectReadsBack(Array{});
+  ExpectReadsBack(Dictionary());
+  ExpectReadsBack(Array());
   ExpectReadsBack("");
   ExpectReadsBack(Bytes(""));
   ExpectReadsBack(Bytes(std::string("\0\xFF", 2)));
@@ -127,18 +129,18 @@ TEST(BinaryWriter, ReadsBackEveryKindOfValue) {
 
 TEST(BinaryWriter, ReadsBackCountsAroundEveryWidth) {
   for (const std::size_t count : {1u, 14u, 15u, 255u, 256u, 257u, 65535u, 65536u, 65537u}) {
-    ExpectReadsBack(Repeated("s", count));
-    ExpectReadsBack(Repeated("\xC3\xA4", count));
+    ExpectReadsBack(Kept(Repeated("s", count)));
+    ExpectReadsBack(Kept(Repeated("\xC3\xA4", count)));
     ExpectReadsBack(Bytes(Repeated("d", count)));
-    ExpectReadsBack(Array(count, 7));
+    ExpectReadsBack(Copies(count, 7));
   }
 }
 
 TEST(BinaryWriter, ReadsBackDictionariesOfManyKeys) {
   for (const std::size_t count : {14u, 15u, 127u, 128u, 40000u}) {
     std::vector<DictionaryEntry> entries;
-    for (std::size_t i = 0; i < count; ++i) entries.emplace_back(std::to_string(i), i);
-    ExpectReadsBack(Dictionary(std::move(entries)));
+    for (std::size_t i = 0; i < count; ++i) entries.push_back({Kept(std::to_string(i)), i});
+    ExpectReadsBack(Dictionary(entries));
   }
 }
 

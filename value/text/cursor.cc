@@ -19,7 +19,7 @@ bool IsOctalDigit(char c) {
   return c >= '0' && c <= '7';
 }
 
-// The character of a one-letter escape; an unknown one stands for itself.
+// The character of a one-letter escape; the character itself for an unknown one.
 char SimpleEscape(char letter) {
   switch (letter) {
     case 'a': return '\a';
@@ -64,7 +64,6 @@ bool TextCursor::Take(char c) {
 bool TextCursor::ReadQuoted(std::string_view& string, std::string& decoded) {
   const std::size_t start = at_++;
   const char ends[] = {text_[start], '\\'};
-  const std::size_t first = at_;
   bool viewsText = true;
   decoded.clear();
   for (;;) {
@@ -72,20 +71,23 @@ bool TextCursor::ReadQuoted(std::string_view& string, std::string& decoded) {
     if (end == std::string_view::npos) return Fail(start, "a quoted string does not end");
     const auto chunk = text_.substr(at_, end - at_);
     at_ = end + 1;
+    if (text_[end] == ends[0] && viewsText) {
+      string = chunk;
+      break;
+    }
+    decoded += chunk;
     if (text_[end] == ends[0]) {
-      decoded += chunk;
-      string = viewsText ? text_.substr(first, end - first) : decoded;
+      string = decoded;
       break;
     }
     viewsText = false;
-    decoded += chunk;
     if (!AppendEscape(decoded)) return false;
   }
-  if (FindInvalidText(string) == NoPlace) return true;
+  if (FindInvalidText(string) == npos) return true;
   return Fail(start, "a string holds a character that XML cannot carry");
 }
 
-// REQUIRES: the cursor stands behind a backslash.
+// REQUIRES: a backslash has just been consumed.
 bool TextCursor::AppendEscape(std::string& decoded) {
   if (AtEnd()) return Fail(at_ - 1, "an escape does not end");
   if (IsOctalDigit(text_[at_])) return AppendOctal(decoded);
@@ -125,7 +127,7 @@ bool TextCursor::AppendUnicode(std::string& decoded) {
   return true;
 }
 
-// REQUIRES: the cursor stands at the "U".
+// REQUIRES: "U" comes next.
 bool TextCursor::ReadUtf16Unit(char32_t& unit) {
   const std::size_t start = at_ - 1;
   ++at_;

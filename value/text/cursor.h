@@ -8,8 +8,8 @@
 
 namespace fernwick {
 
-/// Takes the tokens of the old text form, one after the other. What skips or reads and returns a
-/// boolean answers false when it met a fault, which Fault() then names. Offsets are in bytes.
+/// Reads the tokens of the old text form, one after the other. What skips or reads and returns a
+/// boolean returns false when it met a fault, which Fault() then returns. Offsets are in bytes.
 class TextCursor {
  public:
   /// Views the text. REQUIRES: well-formed UTF-8.
@@ -20,13 +20,13 @@ class TextCursor {
   bool LookingAt(char c) const { return !AtEnd() && text_[at_] == c; }
   bool LookingAtQuote() const { return LookingAt('"') || LookingAt('\''); }
 
-  /// White space and comments. REQUIRES: the cursor does not stand inside an unquoted string.
+  /// White space and comments. REQUIRES: the cursor is not inside an unquoted string.
   bool SkipBlanks();
 
-  /// Takes `c` if it comes next, and returns whether it did.
+  /// Consumes `c` if it comes next, and returns whether it did.
   bool Take(char c);
 
-  /// A quoted string. It views the text where no escape stands in it, and `decoded` otherwise.
+  /// A quoted string. It views the text where it has no escape, and `decoded` otherwise.
   /// REQUIRES: LookingAtQuote().
   bool ReadQuoted(std::string_view& string, std::string& decoded);
 

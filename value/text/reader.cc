@@ -195,7 +195,7 @@ class TextPropertyListReader {
 Result<PropertyValue> ParseTextPropertyList(const SourceText& source, Arena& arena,
                                             LocationBuilder* locations) {
   const std::size_t invalid = FindInvalidUtf8(source.text);
-  if (invalid != NoPlace) return ErrorAt(source.text, invalid, "the text is not UTF-8");
+  if (invalid != npos) return ErrorAt(source.text, invalid, "the text is not UTF-8");
   if (source.endsInInvalidUtf16) {
     return ErrorAt(source.text, source.text.size(), "the text is not UTF-16");
   }

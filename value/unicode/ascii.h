@@ -41,7 +41,7 @@ constexpr bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-/// What is left of `text` behind its leading ASCII white space.
+/// `text` without its leading ASCII white space.
 constexpr std::string_view SkipAsciiWhiteSpace(std::string_view text) {
   while (!text.empty() && IsAsciiWhiteSpace(text.front())) text.remove_prefix(1);
   return text;

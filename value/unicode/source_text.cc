@@ -15,7 +15,7 @@ SourceText DecodeUtf16(std::string_view bytes, ByteOrder order, Arena& arena) {
   auto [text, invalidAt] = TranscodeUtf16(bytes, order);
   return {.text = arena.Adopt(std::move(text)),
           .hasByteOrderMark = true,
-          .endsInInvalidUtf16 = invalidAt != NoPlace};
+          .endsInInvalidUtf16 = invalidAt != npos};
 }
 
 }  // namespace

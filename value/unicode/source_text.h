@@ -7,7 +7,7 @@
 
 namespace fernwick {
 
-/// The text of a file, decoded as far as its byte-order mark tells how.
+/// The text of a file, decoded as far as its byte-order mark determines the encoding.
 struct SourceText {
   std::string_view text;            // without the byte-order mark
   bool hasByteOrderMark = false;    // then the text is UTF-8, whatever it says of itself

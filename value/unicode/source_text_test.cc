@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace fernwick {
 namespace {
-
-SourceText Decode(std::string bytes) {
-  return DecodeSource(SourceBuffer(std::move(bytes)));
-}
 
 struct SourceRow {
   std::string bytes;
@@ -54,7 +52,8 @@ TEST(SourceText, FollowsTheByteOrderMarkAndNothingElse) {
   };
   for (const auto& [bytes, text, hasByteOrderMark, endsInInvalidUtf16] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
-    const auto source = Decode(bytes);
+    Arena arena;
+    const auto source = DecodeSource(bytes, arena);
     EXPECT_EQ(source.text, text);
     EXPECT_EQ(source.hasByteOrderMark, hasByteOrderMark);
     EXPECT_EQ(source.endsInInvalidUtf16, endsInInvalidUtf16);
@@ -62,26 +61,23 @@ TEST(SourceText, FollowsTheByteOrderMarkAndNothingElse) {
 }
 
 TEST(SourceText, BytesThatNeedNoTranscodingAreNotCopied) {
-  const auto buffer = SourceBuffer(
+  const std::string_view bytes =
       "\xEF\xBB\xBF"
-      "abc");
-  const auto source = DecodeSource(buffer);
-  EXPECT_EQ(source.buffer.View().data(), buffer.View().data());
-  EXPECT_EQ(source.text.data(), buffer.View().data() + 3);
+      "abc";
+  Arena arena;
+  EXPECT_EQ(DecodeSource(bytes, arena).text.data(), bytes.data() + 3);
+  EXPECT_EQ(arena.Size(), 0u);
 }
 
-TEST(SourceText, TranscodedTextLivesInItsOwnBuffer) {
-  const auto source = Decode({"\xFE\xFF\0a", 4});
-  EXPECT_EQ(source.buffer.View(), "a");
-  EXPECT_EQ(source.text.data(), source.buffer.View().data());
-}
-
-TEST(SourceText, OwnedSourceHoldsItsText) {
-  const auto source = OwnedSource("abc");
-  EXPECT_EQ(source.text, "abc");
-  EXPECT_EQ(source.text.data(), source.buffer.View().data());
-  EXPECT_FALSE(source.hasByteOrderMark);
-  EXPECT_FALSE(source.endsInInvalidUtf16);
+TEST(SourceText, TranscodedTextIsKeptInTheArena) {
+  Arena arena;
+  SourceText source;
+  {
+    const std::string bytes("\xFE\xFF\0a", 4);
+    source = DecodeSource(bytes, arena);
+  }
+  const Arena moved = std::move(arena);
+  EXPECT_EQ(source.text, "a");
 }
 
 }  // namespace

@@ -52,8 +52,9 @@ TEST(TextPosition, LooksAtNothingBehindTheText) {
   EXPECT_EQ(position.column, 1u);
 }
 
-TEST(TextPosition, DescriptionNamesLineColumnAndMessage) {
-  EXPECT_EQ(DescribeAt("a\nbcd", 4, "what is wrong"), "line 2, column 3: what is wrong");
+TEST(TextPosition, ErrorHasTheLineTheColumnAndTheMessage) {
+  EXPECT_EQ(ErrorAt("a\nbcd", 4, "what is wrong"),
+            (Error{"what is wrong", FileLocation{.line = 2, .column = 3}}));
 }
 
 TEST(Excerpt, TextOfFortyBytesStaysWhole) {

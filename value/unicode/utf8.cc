@@ -9,7 +9,7 @@ bool IsContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// How many bytes a character beyond ASCII takes that begins with `lead`; 0 when none does.
+// The length in bytes of the character beyond ASCII that begins with `lead`; 0 when none does.
 std::size_t SequenceLength(unsigned char lead) {
   if (lead < 0xC2) return 0;  // a continuation, or the start of an overlong form
   if (lead < 0xE0) return 2;
@@ -68,7 +68,7 @@ std::size_t FindFirstRejected(std::string_view text, Accepts accepts) {
       at += length;
     }
   }
-  return NoPlace;
+  return npos;
 }
 
 char32_t UnitAt(std::string_view bytes, std::size_t at, ByteOrder order) {
@@ -147,7 +147,7 @@ char32_t CombineSurrogates(char32_t high, char32_t low) {
 }
 
 TranscodedText TranscodeUtf16(std::string_view bytes, ByteOrder order) {
-  TranscodedText result{{}, NoPlace};
+  TranscodedText result{{}, npos};
   result.text.reserve(bytes.size() / 2);
   for (std::size_t at = 0; at < bytes.size(); at += 2) {
     result.invalidAt = at;
@@ -162,7 +162,7 @@ TranscodedText TranscodeUtf16(std::string_view bytes, ByteOrder order) {
     }
     AppendUtf8(result.text, character);
   }
-  result.invalidAt = NoPlace;
+  result.invalidAt = npos;
   return result;
 }
 

@@ -6,14 +6,14 @@
 
 namespace fernwick {
 
-/// What the readers give for a place that does not exist.
-inline constexpr std::size_t NoPlace = std::string_view::npos;
+/// The offset of what is not there, as std::string_view has it.
+inline constexpr std::size_t npos = std::string_view::npos;
 
 /// What is written for a character that cannot be.
 inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
 
-/// One character at the start of a text. A length of 0, and the character 0 with it, says that no
-/// well-formed UTF-8 stands there.
+/// One character at the start of a text. The length 0 and the character 0 say that the text does
+/// not begin with well-formed UTF-8.
 struct DecodedCharacter {
   char32_t character;
   std::size_t length;  // bytes
@@ -26,17 +26,17 @@ DecodedCharacter DecodeUtf8(std::string_view text);
 void AppendUtf8(std::string& text, char32_t character);
 
 /// Whether an XML document can carry the character: tab, line feed, carriage return and everything
-/// from U+0020 on save surrogates, U+FFFE and U+FFFF.
+/// from U+0020 on except surrogates, U+FFFE and U+FFFF.
 bool IsTextCharacter(char32_t character);
 
-/// Whether nothing but ASCII characters that an XML document can carry stands in `text`.
+/// Whether `text` is nothing but ASCII characters that an XML document can carry.
 bool IsPlainAscii(std::string_view text);
 
-/// The offset of the first byte that is not part of well-formed UTF-8, or NoPlace.
+/// The offset of the first byte that is not part of well-formed UTF-8, or npos.
 std::size_t FindInvalidUtf8(std::string_view text);
 
 /// The offset of the first character that is not well-formed or that an XML document cannot carry,
-/// or NoPlace.
+/// or npos.
 std::size_t FindInvalidText(std::string_view text);
 
 /// Whether a unit of UTF-16 is the first or the second of a pair.
@@ -52,7 +52,7 @@ enum class ByteOrder { BigEndian, LittleEndian };
 /// UTF-16 as UTF-8, as far as it is well-formed.
 struct TranscodedText {
   std::string text;       // everything before the first fault
-  std::size_t invalidAt;  // offset of the fault in the UTF-16 bytes, or NoPlace
+  std::size_t invalidAt;  // offset of the fault in the UTF-16 bytes, or npos
 };
 
 /// Transcodes without looking for a byte-order mark. A lone surrogate or an odd last byte is a

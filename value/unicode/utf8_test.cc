@@ -104,8 +104,8 @@ TEST(Utf8, FindsTheStartOfACharacterThatTheEndCutsShort) {
 
 TEST(Utf8, FindsNothingInWellFormedText) {
   for (const std::string text : {"", "plain", "a longer, plain text", "\xC3\xA4\xF0\x9F\x98\x80"}) {
-    EXPECT_EQ(FindInvalidUtf8(text), NoPlace) << text;
-    EXPECT_EQ(FindInvalidText(text), NoPlace) << text;
+    EXPECT_EQ(FindInvalidUtf8(text), npos) << text;
+    EXPECT_EQ(FindInvalidText(text), npos) << text;
   }
 }
 
@@ -119,14 +119,14 @@ TEST(Utf8, LooksAtNothingBehindTheText) {
   ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
   for (std::size_t size = 0; size < 20; ++size) {
     std::memset(end - size, 'x', size);
-    EXPECT_EQ(FindInvalidText({end - size, size}), NoPlace) << size;
+    EXPECT_EQ(FindInvalidText({end - size, size}), npos) << size;
   }
   munmap(pages, 2 * page);
 }
 
 TEST(Utf8, ControlCharactersAreUtf8) {
   for (char control = 0; control < 0x20; ++control) {
-    EXPECT_EQ(FindInvalidUtf8(Repeated(std::string(1, control), 9)), NoPlace) << int{control};
+    EXPECT_EQ(FindInvalidUtf8(Repeated(std::string(1, control), 9)), npos) << int{control};
   }
 }
 
@@ -153,7 +153,7 @@ TEST(Utf8, FindsWhatXmlCannotCarryBehindAnyLength) {
     for (std::size_t before = 0; before < 20; ++before) {
       const auto text = Repeated("x", before) + Encoded(character) + Repeated("y", 20);
       EXPECT_EQ(FindInvalidText(text), before) << std::hex << unsigned{character};
-      EXPECT_EQ(FindInvalidUtf8(text), NoPlace) << std::hex << unsigned{character};
+      EXPECT_EQ(FindInvalidUtf8(text), npos) << std::hex << unsigned{character};
     }
   }
 }
@@ -162,7 +162,7 @@ TEST(Utf8, FindsNothingWrongWithLineEndsTabsAndDeleteAnywhere) {
   for (const std::string character : {"\t", "\n", "\r", "\x7F", " "}) {
     for (std::size_t before = 0; before < 20; ++before) {
       const auto text = Repeated("x", before) + character + Repeated("y", 20);
-      EXPECT_EQ(FindInvalidText(text), NoPlace) << ::testing::PrintToString(text);
+      EXPECT_EQ(FindInvalidText(text), npos) << ::testing::PrintToString(text);
     }
   }
 }
@@ -204,16 +204,16 @@ struct TranscodedRow {
 };
 
 const TranscodedRow TranscodedRows[] = {
-    {"", "", NoPlace},
-    {{"\0a\0b", 4}, "ab", NoPlace},
-    {{"\0\0", 2}, {"\0", 1}, NoPlace},
-    {{"\x00\xE4\x20\xAC", 4}, "\xC3\xA4\xE2\x82\xAC", NoPlace},
+    {"", "", npos},
+    {{"\0a\0b", 4}, "ab", npos},
+    {{"\0\0", 2}, {"\0", 1}, npos},
+    {{"\x00\xE4\x20\xAC", 4}, "\xC3\xA4\xE2\x82\xAC", npos},
     {{"\xD8\x3D\xDE\x00\0a", 6},
      "\xF0\x9F\x98\x80"
      "a",
-     NoPlace},
-    {{"\xDB\xFF\xDF\xFF", 4}, "\xF4\x8F\xBF\xBF", NoPlace},
-    {{"\xFF\xFE", 2}, "\xEF\xBF\xBE", NoPlace},
+     npos},
+    {{"\xDB\xFF\xDF\xFF", 4}, "\xF4\x8F\xBF\xBF", npos},
+    {{"\xFF\xFE", 2}, "\xEF\xBF\xBE", npos},
     {{"\0a\0", 3}, "a", 2},                // an odd last byte
     {{"\0", 1}, "", 0},                    //
     {{"\0a\xD8\x3D", 4}, "a", 2},          // a high surrogate at the end

@@ -23,7 +23,7 @@ constexpr auto DigitOf = [] {
   return table;
 }();
 
-// Writes the three bytes of a group's low 24 bits. Returns the place behind them.
+// Writes the three bytes of a group's low 24 bits. Returns the end of what it wrote.
 char* WriteGroup(std::uint32_t group, char* out) {
   *out++ = static_cast<char>(group >> 16);
   *out++ = static_cast<char>(group >> 8);
@@ -31,8 +31,8 @@ char* WriteGroup(std::uint32_t group, char* out) {
   return out;
 }
 
-// Decodes as many whole groups of four digits as follow each other from `at` on, which moves behind
-// them. The bytes are written from `out` on; returns the place behind them.
+// Decodes as many whole groups of four digits as follow each other from `at` on, and moves `at`
+// past them. The bytes are written from `out` on; returns the end of what it wrote.
 char* DecodeGroups(std::string_view text, std::size_t& at, char* out) {
   const auto digit = [&](std::size_t i) -> std::uint32_t {
     return DigitOf[static_cast<unsigned char>(text[at + i])];

@@ -6,7 +6,7 @@
 
 namespace fernwick {
 
-/// Decodes the standard alphabet with its padding; XML white space may stand anywhere. Nothing when
+/// Decodes the standard alphabet with its padding; XML white space may be anywhere. Empty when
 /// the text is anything else.
 std::optional<std::string> DecodeBase64(std::string_view text);
 

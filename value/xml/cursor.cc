@@ -79,7 +79,7 @@ bool XmlCursor::SkipAnyMiscellany() {
   }
 }
 
-// Moves behind `closing`. REQUIRES: the cursor stands at `opening`.
+// Moves past `closing`. REQUIRES: `opening` comes next.
 bool XmlCursor::SkipPast(std::string_view opening, std::string_view closing, const char* what) {
   const std::size_t end = document_.find(closing, at_ + opening.size());
   if (end == std::string_view::npos) return Fail(at_, std::string(what) + " does not end");
@@ -280,7 +280,7 @@ bool XmlCursor::AppendCdataSection(std::string& decoded) {
   return true;
 }
 
-// Resolves the reference at text[at] and moves `at` behind it. REQUIRES: text begins the document.
+// Resolves the reference at text[at] and moves `at` past it. REQUIRES: text begins the document.
 bool XmlCursor::AppendReference(std::string_view text, std::size_t& at, std::string& decoded) {
   const std::size_t start = at;
   const std::size_t end = text.find_first_of("; \t\n\r<&", start + 1);

@@ -17,9 +17,10 @@ struct XmlStartTag {
   bool isEmptyElement = false;  // "<name/>"
 };
 
-/// Walks through the markup of one XML document and holds it to being well-formed. It knows nothing
-/// of property lists and builds nothing. What skips or reads answers false when it met a fault,
-/// which Fault() then names; nothing more is read after that. Offsets are in bytes.
+/// Reads the markup of one XML document, one piece after the other, and checks that it is
+/// well-formed. It knows nothing of property lists and builds nothing. What skips or reads returns
+/// false when it met a fault, which Fault() then returns; nothing more is read after that. Offsets
+/// are in bytes.
 class XmlCursor {
  public:
   /// Views the document. REQUIRES: UTF-8 of characters that XML can carry.
@@ -29,7 +30,7 @@ class XmlCursor {
   bool AtEnd() const { return at_ == document_.size(); }
   bool LookingAt(std::string_view literal) const { return Rest().starts_with(literal); }
 
-  /// The XML declaration, the document type declaration and all that may stand around them.
+  /// The XML declaration, the document type declaration and all that may be around them.
   bool SkipProlog();
 
   /// White space, comments and processing instructions.
@@ -38,7 +39,7 @@ class XmlCursor {
     return BeginsWithXmlTag(Rest()) || SkipAnyMiscellany();
   }
 
-  /// REQUIRES: the cursor stands at "<", and not at "</".
+  /// REQUIRES: "<" comes next, and not "</".
   bool ReadStartTag(XmlStartTag& tag) { return TakePlainStartTag(tag) || ReadAnyStartTag(tag); }
 
   /// The end tag of the element `name`.
@@ -46,7 +47,7 @@ class XmlCursor {
 
   /// The character data up to the next start or end tag, with references and CDATA sections
   /// resolved, line ends as line feeds, comments and processing instructions left out. The result
-  /// views the document where it stands there unchanged, and `decoded` otherwise.
+  /// views the document where it is there unchanged, and `decoded` otherwise.
   bool ReadCharacters(std::string_view& characters, std::string& decoded) {
     return TakePlainCharacters(characters) || ReadAnyCharacters(characters, decoded);
   }
@@ -60,7 +61,7 @@ class XmlCursor {
  private:
   std::string_view Rest() const { return document_.substr(at_); }
 
-  // Plain markup is taken on the way; each of these takes nothing when it meets something else,
+  // The fast path for plain markup: each of these consumes nothing when something else comes next,
   // which is left to the operations named "Any".
   bool TakePlainStartTag(XmlStartTag& tag);
   bool TakePlainEndTag(std::string_view name);

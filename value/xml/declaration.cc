@@ -50,7 +50,7 @@ class DeclarationReader {
   }
 
   // White space, `name`, "=" and a quoted value that `accepts`. When the name does not come next,
-  // nothing is taken; when it does and the rest is wrong, the reader stays at the fault.
+  // nothing is consumed; when it does and the rest is wrong, the reader stays at the fault.
   template <typename Accepts>
   bool TakeField(std::string_view name, Accepts accepts, std::string_view& value) {
     if (metMalformedField_) return false;

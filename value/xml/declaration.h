@@ -16,7 +16,7 @@ struct XmlDeclaration {
 /// Whether an XML declaration, well-formed or not, begins at the start of `document`.
 bool HasXmlDeclaration(std::string_view document);
 
-/// Reads the declaration at the very start of `document`, if there is one. The bytes behind it are
+/// Reads the declaration at the very start of `document`, if there is one. The bytes after it are
 /// not looked at, so that it can be read before the encoding is known. False with a fault when the
 /// declaration is malformed.
 bool ReadXmlDeclaration(std::string_view document, XmlDeclaration& declaration, ParseFault& fault);

@@ -57,7 +57,7 @@ Result<std::string_view> DecodeXmlDocument(const SourceText& source, Arena& aren
   if (!source.hasByteOrderMark) decoded = FollowDeclaration(source.text, arena);
   if (!decoded) return decoded;
   const std::size_t invalid = FindInvalidText(*decoded);
-  if (invalid != NoPlace) return InvalidText(*decoded, invalid);
+  if (invalid != npos) return InvalidText(*decoded, invalid);
   if (source.endsInInvalidUtf16) {
     return ErrorAt(*decoded, decoded->size(), "the text is not UTF-16");
   }

@@ -3,16 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+
+#include "testing/inputs/parse_tables.h"
+#include "testing/property_values.h"
 
 namespace fernwick {
 namespace {
+
+using testing::ErrorOf;
 
 const std::string Utf8Mark = "\xEF\xBB\xBF";
 const std::string BigEndianMark = "\xFE\xFF";
 const std::string LittleEndianMark = "\xFF\xFE";
 
 SourceText Source(std::string bytes) {
-  return DecodeSource(SourceBuffer(std::move(bytes)));
+  auto& arena = testing::ValueArena();
+  return DecodeSource(arena.Adopt(std::move(bytes)), arena);
 }
 
 std::string Declaring(const std::string& encoding, const std::string& rest) {
@@ -58,17 +65,20 @@ TEST(XmlEncoding, FollowsTheMarkOrElseTheDeclaration) {
   };
   for (const auto& [bytes, text] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
-    SourceText decoded;
-    EXPECT_EQ(DecodeXmlDocument(Source(bytes), decoded), "");
-    EXPECT_EQ(decoded.text, text);
+    Arena arena;
+    const auto decoded = DecodeXmlDocument(Source(bytes), arena);
+    ASSERT_EQ(ErrorOf(decoded), "");
+    EXPECT_EQ(*decoded, text);
   }
 }
 
 TEST(XmlEncoding, DocumentInUtf8IsNotCopied) {
   const auto source = Source(Declaring("UTF-8", ""));
-  SourceText decoded;
-  EXPECT_EQ(DecodeXmlDocument(source, decoded), "");
-  EXPECT_EQ(decoded.text.data(), source.text.data());
+  Arena arena;
+  const auto decoded = DecodeXmlDocument(source, arena);
+  ASSERT_EQ(ErrorOf(decoded), "");
+  EXPECT_EQ(decoded->data(), source.text.data());
+  EXPECT_EQ(arena.Size(), 0u);
 }
 
 struct UndecodableRow {
@@ -119,8 +129,8 @@ TEST(XmlEncoding, RejectsWhatItDoesNotDeclareOrXmlCannotCarry) {
   };
   for (const auto& [bytes, error] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
-    SourceText decoded;
-    EXPECT_EQ(DecodeXmlDocument(Source(bytes), decoded), error);
+    Arena arena;
+    EXPECT_EQ(ErrorOf(DecodeXmlDocument(Source(bytes), arena)), error);
   }
 }
 

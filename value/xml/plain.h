@@ -8,9 +8,9 @@
 
 namespace fernwick {
 
-/// XML as nearly all of it is written: a tag has nothing but its name in it, text nothing that
-/// stands for something else. These tell how much of that a text begins with. They are short enough
-/// to be part of their caller, and whatever is not plain, faults included, is none of theirs.
+/// The fast path for XML as nearly all of it is written: a tag is nothing but its name, and text
+/// has no references. These functions return how much of that a text begins with. They are short
+/// enough to be inlined; what is not plain, faults included, is left to the caller.
 
 /// How many characters of white space the text begins with.
 inline std::size_t XmlWhiteSpaceLength(std::string_view text) {

@@ -4,8 +4,8 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <string>
+#include <utility>
 
 #include "testing/inputs/corruption.h"
 #include "testing/inputs/parse_tables.h"
@@ -16,19 +16,23 @@ namespace {
 
 using testing::Bytes;
 using testing::DateOf;
+using testing::Dict;
+using testing::ErrorOf;
 using testing::ExpectAccepted;
 using testing::ExpectRejected;
+using testing::List;
 using testing::NestedArrays;
 using testing::RejectedRow;
 using testing::Repeated;
 using testing::Truncated;
 
-ParseOutcome Parse(std::string document) {
-  return ParseXmlPropertyList(DecodeSource(SourceBuffer(std::move(document))));
+Result<PropertyValue> Parse(std::string document) {
+  auto& arena = testing::ValueArena();
+  return ParseXmlPropertyList(DecodeSource(arena.Adopt(std::move(document)), arena), arena);
 }
 
 // As they stand inside <plist> on a line of its own, so that columns count from the value.
-ParseOutcome ParseInPlist(const std::string& value) {
+Result<PropertyValue> ParseInPlist(const std::string& value) {
   return Parse("<plist>\n" + value + "\n</plist>");
 }
 
@@ -51,13 +55,13 @@ TEST(XmlPropertyList, AcceptsEveryKindOfValue) {
           {"<data>Zm9v</data>", Bytes("foo")},
           {"<data/>", Bytes("")},
           {"<date>2026-11-20T00:00:00Z</date>", DateOf("2026-11-20T00:00:00Z")},
-          {"<array/>", Array{}},
-          {"<array></array>", Array{}},
-          {"<dict/>", Dictionary{}},
-          {"<dict>\n</dict>", Dictionary{}},
-          {"<array><true/><array/><string>a</string></array>", Array{true, Array{}, "a"}},
+          {"<array/>", Array()},
+          {"<array></array>", Array()},
+          {"<dict/>", Dictionary()},
+          {"<dict>\n</dict>", Dictionary()},
+          {"<array><true/><array/><string>a</string></array>", List({true, Array(), "a"})},
           {"<dict><key>b</key><true/><key>a</key><dict><key/><true/></dict></dict>",
-           Dictionary{{"b", true}, {"a", Dictionary{{"", true}}}}},
+           Dict({{"b", true}, {"a", Dict({{"", true}})}})},
       });
 }
 
@@ -68,17 +72,17 @@ TEST(XmlPropertyList, PlistAndDeclarationMayBeMissing) {
                      {"<plist><true/></plist>", true},
                      {"<?xml version='1.0'?><true/>", true},
                      {"<?xml version='1.0'?>" + Dtd + "<plist version='1.0'><true/></plist>", true},
-                     {Dtd + "<array/>", Array{}},
+                     {Dtd + "<array/>", Array()},
                      {"\n\t <true/>\n\t ", true},
                      {"<string>a</string>", "a"},
-                     {"<dict><key>a</key><true/></dict>", Dictionary{{"a", true}}},
+                     {"<dict><key>a</key><true/></dict>", Dict({{"a", true}})},
                  });
 }
 
 TEST(XmlPropertyList, RepeatedKeyKeepsItsFirstPlaceAndItsLastValue) {
   ExpectAccepted(ParseInPlist, {{"<dict><key>a</key><integer>1</integer><key>b</key><integer>2"
                                  "</integer><key>a</key><integer>3</integer></dict>",
-                                 Dictionary{{"a", 3}, {"b", 2}}}});
+                                 Dict({{"a", 3}, {"b", 2}})}});
 }
 
 TEST(XmlPropertyList, MarkupThatMeansNothingIsIgnored) {
@@ -87,9 +91,8 @@ TEST(XmlPropertyList, MarkupThatMeansNothingIsIgnored) {
       {
           {"<!-- a --><?b c?><plist><!-- d --><?e?><true/><!-- f --></plist><!-- g --><?h?>", true},
           {"<plist version='1.0' other=\"&amp;\"><string a='b'>c</string ></plist >", "c"},
-          {"<array><!-- <true/> --><true/><?x <false/>?></array>", Array{true}},
-          {"<dict><!-- a --><key>a</key><!-- b --><true/><!-- c --></dict>",
-           Dictionary{{"a", true}}},
+          {"<array><!-- <true/> --><true/><?x <false/>?></array>", List({true})},
+          {"<dict><!-- a --><key>a</key><!-- b --><true/><!-- c --></dict>", Dict({{"a", true}})},
           {"<integer>4<!-- the answer -->2</integer>", 42},
           {"<true><!-- yes --></true>", true},
           {"<data>Zm<?x?>9v</data>", Bytes("foo")},
@@ -109,8 +112,8 @@ TEST(XmlPropertyList, TextKeepsItsWhiteSpaceAndResolvesItsReferences) {
                      {"<string>a<![CDATA[b]]>c<!-- d -->e</string>", "abce"},
                      {"<string>]]&gt;</string>", "]]>"},
                      {"<string>\xC3\xA4\x7F\xC2\x85</string>", "\xC3\xA4\x7F\xC2\x85"},
-                     {"<dict><key> &lt;a&gt; </key><true/></dict>", Dictionary{{" <a> ", true}}},
-                     {"<dict><key><![CDATA[a]]></key><true/></dict>", Dictionary{{"a", true}}},
+                     {"<dict><key> &lt;a&gt; </key><true/></dict>", Dict({{" <a> ", true}})},
+                     {"<dict><key><![CDATA[a]]></key><true/></dict>", Dict({{"a", true}})},
                  });
 }
 
@@ -163,10 +166,10 @@ TEST(XmlPropertyList, AcceptsReals) {
 }
 
 TEST(XmlPropertyList, AcceptsNan) {
-  const auto outcome = Parse("<real>NaN</real>");
-  ASSERT_EQ(outcome.error, "");
-  ASSERT_NE(outcome.value->AsReal(), nullptr);
-  EXPECT_TRUE(std::isnan(*outcome.value->AsReal()));
+  const auto value = Parse("<real>NaN</real>");
+  ASSERT_EQ(ErrorOf(value), "");
+  ASSERT_TRUE(value->AsReal().has_value());
+  EXPECT_TRUE(std::isnan(*value->AsReal()));
 }
 
 TEST(XmlPropertyList, RejectsOtherReals) {
@@ -511,11 +514,12 @@ TEST(XmlPropertyList, AcceptsNestingUpTo512) {
   ExpectAccepted(Parse, {{Repeated("<array>", 512) + "<true/>" + Repeated("</array>", 512),
                           NestedArrays(512, true)}});
   EXPECT_EQ(
-      Parse(Repeated("<dict><key>a</key>", 511) + "<array/>" + Repeated("</dict>", 511)).error, "");
+      ErrorOf(Parse(Repeated("<dict><key>a</key>", 511) + "<array/>" + Repeated("</dict>", 511))),
+      "");
 }
 
 TEST(XmlPropertyList, NestingCountsWhatIsOpenNotWhatWas) {
-  EXPECT_EQ(Parse("<array>" + Repeated("<array/><dict></dict>", 1000) + "</array>").error, "");
+  EXPECT_EQ(ErrorOf(Parse("<array>" + Repeated("<array/><dict></dict>", 1000) + "</array>")), "");
 }
 
 TEST(XmlPropertyList, RejectsDeeperNesting) {
@@ -537,37 +541,35 @@ TEST(XmlPropertyList, TruncationAtAnyLengthIsRefused) {
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + Dtd +
       "\n<plist version=\"1.0\">\n<dict>\n\t<key>a</key>\n\t<array>\n\t\t<integer>1</integer>\n\t\t"
       "<string>&lt;<![CDATA[b]]><!-- c --></string>\n\t\t<true/>\n\t</array>\n</dict>\n</plist>";
-  ASSERT_EQ(Parse(document).error, "");
+  ASSERT_EQ(ErrorOf(Parse(document)), "");
   for (std::size_t size = 0; size < document.size(); ++size) {
-    const auto outcome = Parse(Truncated(document, size));
-    EXPECT_FALSE(outcome.value.has_value()) << size;
-    EXPECT_NE(outcome.error, "") << size;
+    EXPECT_NE(ErrorOf(Parse(Truncated(document, size))), "") << size;
   }
 }
 
 TEST(XmlPropertyList, StringThatNeedsNoDecodingViewsTheSource) {
-  const SourceBuffer buffer("<string>plain</string>");
-  const auto outcome = ParseXmlPropertyList(DecodeSource(buffer));
-  ASSERT_EQ(outcome.error, "");
-  EXPECT_EQ(outcome.value->AsString()->data(), buffer.View().data() + 8);
+  const std::string_view document = "<string>plain</string>";
+  Arena arena;
+  const auto value = ParseXmlPropertyList({.text = document}, arena);
+  ASSERT_EQ(ErrorOf(value), "");
+  EXPECT_EQ(value->AsString()->data(), document.data() + 8);
 }
 
-TEST(XmlPropertyList, EqualKeysAreOne) {
-  const auto outcome = Parse(
-      "<array><dict><key>a</key><true/><key>b</key><true/></dict>"
-      "<dict><key>b</key><true/></dict></array>");
-  ASSERT_EQ(outcome.error, "");
-  const auto keyOf = [&](std::size_t dictionary, std::size_t entry) {
-    return outcome.value->AsArray()->at(dictionary).AsDictionary()->Entries()[entry].key;
-  };
-  EXPECT_EQ(keyOf(1, 0).View(), "b");
-  EXPECT_EQ(keyOf(1, 0).Address(), keyOf(0, 1).Address());
+TEST(XmlPropertyList, StringThatNeedsDecodingIsKeptInTheArena) {
+  Arena arena;
+  const auto value =
+      ParseXmlPropertyList({.text = "<dict><key>a&amp;b</key><string>c&amp;d</string>"
+                                    "<key>e&amp;f</key><data>Zm9v</data></dict>"},
+                           arena);
+  ASSERT_EQ(ErrorOf(value), "");
+  EXPECT_EQ(*value, PropertyValue(Dict({{"a&b", "c&d"}, {"e&f", Bytes("foo")}})));
 }
 
-TEST(XmlPropertyList, ValueOutlivesTheSource) {
-  const auto outcome =
-      Parse("<array><string>plain text</string><string>a &amp; b</string></array>");
-  EXPECT_EQ(outcome.value, PropertyValue(Array{"plain text", "a & b"}));
+TEST(XmlPropertyList, EntriesOfNestedDictionariesDoNotMix) {
+  ExpectAccepted(Parse,
+                 {{"<dict><key>a</key><true/><key>b</key><dict><key>a</key><false/></dict>"
+                   "<key>a</key><array><dict><key>b</key><true/></dict></array></dict>",
+                   Dict({{"a", List({Dict({{"b", true}})})}, {"b", Dict({{"a", false}})}})}});
 }
 
 }  // namespace

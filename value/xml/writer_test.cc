@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
 #include "value/property_list_reader.h"
 
@@ -13,6 +14,8 @@ namespace {
 
 using testing::Bytes;
 using testing::DateOf;
+using testing::Dict;
+using testing::List;
 using testing::NestedArrays;
 
 // The whole output for a value whose own lines are `lines`.
@@ -46,14 +49,14 @@ const WrittenRow WrittenRows[] = {
     {Bytes(std::string(90, '\0')), "<data>" + std::string(120, 'A') + "</data>"},
     {DateOf("2026-11-20T00:00:00Z"), "<date>2026-11-20T00:00:00Z</date>"},
     {DateOf("0001-01-01T00:00:00Z"), "<date>0001-01-01T00:00:00Z</date>"},
-    {Array{}, "<array/>"},
-    {Dictionary{}, "<dict/>"},
-    {Array{1, "a"}, "<array>\n\t<integer>1</integer>\n\t<string>a</string>\n</array>"},
-    {Array{Array{}, Dictionary{}}, "<array>\n\t<array/>\n\t<dict/>\n</array>"},
-    {Dictionary{{"b", 1}, {"a", 2}},
+    {Array(), "<array/>"},
+    {Dictionary(), "<dict/>"},
+    {List({1, "a"}), "<array>\n\t<integer>1</integer>\n\t<string>a</string>\n</array>"},
+    {List({Array(), Dictionary()}), "<array>\n\t<array/>\n\t<dict/>\n</array>"},
+    {Dict({{"b", 1}, {"a", 2}}),
      "<dict>\n\t<key>b</key>\n\t<integer>1</integer>\n\t<key>a</key>\n\t<integer>2</integer>\n"
      "</dict>"},
-    {Dictionary{{"", Array{Dictionary{{"a", true}}}}},
+    {Dict({{"", List({Dict({{"a", true}})})}}),
      "<dict>\n\t<key></key>\n\t<array>\n\t\t<dict>\n\t\t\t<key>a</key>\n\t\t\t<true/>\n\t\t</"
      "dict>\n"
      "\t</array>\n</dict>"},
@@ -65,7 +68,7 @@ const WrittenRow WrittenRows[] = {
     {" \n\t ", "<string> \n\t </string>"},
     {"\x7F\xC2\x85\xC3\xA4\xF0\x9F\x98\x80",
      "<string>\x7F\xC2\x85\xC3\xA4\xF0\x9F\x98\x80</string>"},
-    {Dictionary{{"<&>\r", true}}, "<dict>\n\t<key>&lt;&amp;&gt;&#13;</key>\n\t<true/>\n</dict>"},
+    {Dict({{"<&>\r", true}}), "<dict>\n\t<key>&lt;&amp;&gt;&#13;</key>\n\t<true/>\n</dict>"},
 };
 
 TEST(PropertyListWriter, WritesOneElementALine) {
@@ -78,15 +81,17 @@ TEST(PropertyListWriter, WhatItWritesReadsBackEqual) {
   for (const auto& [value, lines] : WrittenRows) {
     SCOPED_TRACE(lines);
     const auto reading = ReadPropertyList(WriteXmlPropertyList(value));
-    EXPECT_EQ(reading.error, "");
-    EXPECT_EQ(reading.value, value);
     EXPECT_EQ(reading.serialisation, Serialisation::Xml);
+    ASSERT_EQ(testing::ErrorOf(reading.list), "");
+    EXPECT_EQ(reading.list->value, value);
   }
 }
 
 TEST(PropertyListWriter, DeepestValueReadsBackEqual) {
   const auto value = NestedArrays(512, true);
-  EXPECT_EQ(ReadPropertyList(WriteXmlPropertyList(value)).value, value);
+  const auto reading = ReadPropertyList(WriteXmlPropertyList(value));
+  ASSERT_EQ(testing::ErrorOf(reading.list), "");
+  EXPECT_EQ(reading.list->value, value);
 }
 
 TEST(PropertyListWriter, WritesNanWithItsSign) {
@@ -118,7 +123,7 @@ TEST(PropertyListWriter, ReplacesWhatXmlCannotCarry) {
   for (const auto& [text, written] : rows) {
     SCOPED_TRACE(::testing::PrintToString(text));
     EXPECT_EQ(WriteXmlPropertyList(text), Framed("<string>" + written + "</string>"));
-    EXPECT_EQ(WriteXmlPropertyList(Dictionary{{text, true}}),
+    EXPECT_EQ(WriteXmlPropertyList(Dict({{text, true}})),
               Framed("<dict>\n\t<key>" + written + "</key>\n\t<true/>\n</dict>"));
   }
 }

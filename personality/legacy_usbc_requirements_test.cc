@@ -1,36 +1,37 @@
-#include "personality/legacy_usbc_check.h"
-
 #include <gtest/gtest.h>
 
 #include <optional>
 
-#include "personality/personality.h"
-#include "registry/hardware_record.h"
+#include "personality/requirements.h"
+#include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
-#include "testing/verdict.h"
-#include "testing/version_check_bypass.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Applies;
+using testing::CheckResult;
 using testing::DoesNotApply;
+using testing::List;
 using testing::NonNumbers;
-using testing::Verdict;
-using testing::VerdictOf;
-using testing::VersionCheckBypass;
+using testing::ResultOf;
 using testing::With;
 
-Verdict Check(const Personality& personality, const HardwareRecord& hardware) {
-  return VerdictOf(CheckLegacyUsbcRequirements, personality, hardware);
+CheckResult Check(const Record& personality, const Record& hardware) {
+  return ResultOf(CheckLegacyUsbcRequirements, personality, {hardware});
 }
 
-const Personality Update = {{"Version", 5}};
-const HardwareRecord Port = {{"Port Address", 2}, {"Version", 4}};
+// The same with the version check bypassed.
+CheckResult Bypassed(const Record& personality, const Record& hardware) {
+  return ResultOf(CheckLegacyUsbcRequirements, personality, {hardware, 0, true});
+}
+
+const Record Update = {{"Version", 5}};
+const Record Port = {{"Port Address", 2}, {"Version", 4}};
 
 // Whether an update for these addresses applies to the port at address 2.
-Verdict ForAddress(const PropertyValue& address) {
+CheckResult ForAddress(const PropertyValue& address) {
   return Check(With(Update, {{"Port Address", address}}), Port);
 }
 
@@ -52,11 +53,10 @@ TEST(LegacyUsbcCheck, AnOlderInstalledVersionIsAccepted) {
 }
 
 TEST(LegacyUsbcCheck, BypassedEqualAndOlderVersionsGoOnToTheBounds) {
-  const VersionCheckBypass bypass;
-  const Personality update = {{"Version", 5}, {"Existing Max Version", 4}};
-  EXPECT_EQ(Check(update, {{"Version", 5}}),
+  const Record update = {{"Version", 5}, {"Existing Max Version", 4}};
+  EXPECT_EQ(Bypassed(update, {{"Version", 5}}),
             DoesNotApply("** Max firmware version not met.  Aborting\n"));
-  EXPECT_EQ(Check(update, {{"Version", 4}}), Applies());
+  EXPECT_EQ(Bypassed(update, {{"Version", 4}}), Applies());
 }
 
 TEST(LegacyUsbcCheck, APersonalityWithoutVersionIsRejectedSilently) {
@@ -64,8 +64,7 @@ TEST(LegacyUsbcCheck, APersonalityWithoutVersionIsRejectedSilently) {
 }
 
 TEST(LegacyUsbcCheck, BypassedAPersonalityWithoutVersionIsAccepted) {
-  const VersionCheckBypass bypass;
-  EXPECT_EQ(Check({}, Port), Applies());
+  EXPECT_EQ(Bypassed({}, Port), Applies());
 }
 
 TEST(LegacyUsbcCheck, EngineeringVersionZeroOrAbsentIsAccepted) {
@@ -79,8 +78,7 @@ TEST(LegacyUsbcCheck, EngineeringFirmwareIsRejectedSilently) {
 }
 
 TEST(LegacyUsbcCheck, BypassedTheEngineeringVersionIsIgnored) {
-  const VersionCheckBypass bypass;
-  EXPECT_EQ(Check(Update, With(Port, {{"Engineering Version", 64}})), Applies());
+  EXPECT_EQ(Bypassed(Update, With(Port, {{"Engineering Version", 64}})), Applies());
 }
 
 TEST(LegacyUsbcCheck, AMinimumEqualToTheInstalledVersionIsMet) {
@@ -102,11 +100,10 @@ TEST(LegacyUsbcCheck, AnInstalledVersionBelowTheMinimumIsTold) {
 }
 
 TEST(LegacyUsbcCheck, AMinimumGivenAsTextIsToldBypassedOrNot) {
-  const Personality update = With(Update, {{"Existing Min Version", "5"}});
-  const Verdict bad = DoesNotApply("** minversion bad object type in personality\n");
+  const Record update = With(Update, {{"Existing Min Version", "5"}});
+  const CheckResult bad = DoesNotApply("** minversion bad object type in personality\n");
   EXPECT_EQ(Check(update, Port), bad);
-  const VersionCheckBypass bypass;
-  EXPECT_EQ(Check(update, Port), bad);
+  EXPECT_EQ(Bypassed(update, Port), bad);
 }
 
 TEST(LegacyUsbcCheck, AMaximumGivenAsTextIsTold) {
@@ -121,11 +118,10 @@ TEST(LegacyUsbcCheck, OfTwoBadBoundsOnlyTheMinimumIsTold) {
 }
 
 TEST(LegacyUsbcCheck, BypassedWithoutAnInstalledVersionTheAddressDecides) {
-  const VersionCheckBypass bypass;
-  const HardwareRecord port = {{"Port Address", 2}};
-  EXPECT_EQ(Check(With(Update, {{"Port Address", 2}}), port),
+  const Record port = {{"Port Address", 2}};
+  EXPECT_EQ(Bypassed(With(Update, {{"Port Address", 2}}), port),
             Applies("** No current firmware version?\n"));
-  EXPECT_EQ(Check(With(Update, {{"Port Address", 3}}), port),
+  EXPECT_EQ(Bypassed(With(Update, {{"Port Address", 3}}), port),
             DoesNotApply("** No current firmware version?\n"));
 }
 
@@ -135,15 +131,15 @@ TEST(LegacyUsbcCheck, AFailedWindowIsToldAndTheAddressNotLookedAt) {
 }
 
 TEST(LegacyUsbcCheck, AnEmptyListOfAddressesIsRejected) {
-  EXPECT_EQ(ForAddress(Array{}), DoesNotApply());
+  EXPECT_EQ(ForAddress(Array()), DoesNotApply());
 }
 
 TEST(LegacyUsbcCheck, AListThatHoldsTheAddressIsAccepted) {
-  EXPECT_EQ(ForAddress(Array{1, 2}), Applies());
+  EXPECT_EQ(ForAddress(List({1, 2})), Applies());
 }
 
 TEST(LegacyUsbcCheck, AListWithoutTheAddressIsRejected) {
-  EXPECT_EQ(ForAddress(Array{1, 3}), DoesNotApply());
+  EXPECT_EQ(ForAddress(List({1, 3})), DoesNotApply());
 }
 
 TEST(LegacyUsbcCheck, AnIntegerAddressEqualsARealOne) {
@@ -160,7 +156,7 @@ TEST(LegacyUsbcCheck, AnAddressGivenAsTextIsRejected) {
 TEST(LegacyUsbcCheck, AnAddressThatIsNoNumberIsRejectedSilently) {
   for (const auto& [name, address] : NonNumbers()) {
     EXPECT_EQ(
-        Check(With(Update, {{"Port Address", Array{address}}}), With(Port, {{"Port Address", 5}})),
+        Check(With(Update, {{"Port Address", List({address})}}), With(Port, {{"Port Address", 5}})),
         DoesNotApply())
         << name;
   }
@@ -177,15 +173,15 @@ TEST(LegacyUsbcCheck, WithoutAnAddressInThePersonalityAnyPortIsAccepted) {
 }
 
 TEST(LegacyUsbcCheck, KeysOfTheOtherChecksAreIgnored) {
-  const Personality update = With(Update, {{"RID", 9},
-                                           {"MinBoardRevision", 9},
-                                           {"Port Silicon Vendor ID", "x"},
-                                           {"Port Silicon Revision", 9},
-                                           {"Port OTP Revision", 9},
-                                           {"Port UUID", "x"},
-                                           {"Ridge UID", 9},
-                                           {"Device Model Name", 9},
-                                           {"Firmware Mode", 9}});
+  const Record update = With(Update, {{"RID", 9},
+                                      {"MinBoardRevision", 9},
+                                      {"Port Silicon Vendor ID", "x"},
+                                      {"Port Silicon Revision", 9},
+                                      {"Port OTP Revision", 9},
+                                      {"Port UUID", "x"},
+                                      {"Ridge UID", 9},
+                                      {"Device Model Name", 9},
+                                      {"Firmware Mode", 9}});
   EXPECT_EQ(Check(update, Port), Applies());
 }
 

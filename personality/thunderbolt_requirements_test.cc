@@ -1,27 +1,24 @@
-#include "personality/thunderbolt_check.h"
-
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
-#include "personality/legacy_thunderbolt_check.h"
-#include "personality/personality.h"
-#include "registry/hardware_record.h"
+#include "personality/requirements.h"
+#include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
-#include "testing/verdict.h"
-#include "testing/version_check_bypass.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Applies;
 using testing::Bytes;
+using testing::CheckResult;
+using testing::Dict;
 using testing::DoesNotApply;
+using testing::List;
 using testing::NonNumbers;
-using testing::Verdict;
-using testing::VerdictOf;
-using testing::VersionCheckBypass;
+using testing::ResultOf;
 using testing::With;
 using testing::Without;
 
@@ -31,7 +28,7 @@ constexpr char NoVersionTwice[] =
     "** No current firmware version?\n";
 
 // A port below a Thunderbolt controller.
-const HardwareRecord Port = {
+const Record Port = {
     {"RID", 2},
     {"Port Silicon Vendor ID", 0x4D1},
     {"Port Silicon Device ID", 18},
@@ -49,7 +46,7 @@ const HardwareRecord Port = {
     {"Engineering Version", 0},
 };
 
-const Personality Update = {
+const Record Update = {
     {"Version", 42},
     {"Port Silicon Vendor ID", 0x4D1},
     {"Port Silicon Device ID", 18},
@@ -65,9 +62,15 @@ constexpr const char* DeviceModelNumbers[] = {
     "Firmware Mode",
 };
 
-Verdict Check(const Personality& personality, const HardwareRecord& hardware,
-              unsigned boardRevision = 3) {
-  return VerdictOf(CheckThunderboltRequirements, personality, hardware, boardRevision);
+CheckResult Check(const Record& personality, const Record& hardware,
+                  std::uint8_t boardRevision = 3) {
+  return ResultOf(CheckThunderboltRequirements, personality, {hardware, boardRevision});
+}
+
+// The same with the version check bypassed.
+CheckResult Bypassed(const Record& personality, const Record& hardware,
+                     std::uint8_t boardRevision = 3) {
+  return ResultOf(CheckThunderboltRequirements, personality, {hardware, boardRevision, true});
 }
 
 TEST(ThunderboltCheck, WithoutADeviceModelTheTwoOtherChecksDecide) {
@@ -106,7 +109,7 @@ TEST(ThunderboltCheck, EachOfTheSixSiliconKeysIsNeededInThePersonality) {
 }
 
 TEST(ThunderboltCheck, APortBelowNoThunderboltControllerIsRejectedSilently) {
-  const HardwareRecord port = {
+  const Record port = {
       {"RID", 2},
       {"Port Silicon Vendor ID", 0x4D1},
       {"Port Silicon Device ID", 18},
@@ -119,32 +122,28 @@ TEST(ThunderboltCheck, APortBelowNoThunderboltControllerIsRejectedSilently) {
 TEST(ThunderboltCheck, EngineeringFirmwareIsRejectedThoughTheLegacyThunderboltCheckAcceptsIt) {
   const auto port = With(Port, {{"Engineering Version", 64}});
   EXPECT_EQ(Check(Update, port), DoesNotApply());
-  EXPECT_EQ(VerdictOf(CheckLegacyThunderboltRequirements, Update, port, 0), Applies());
+  EXPECT_EQ(ResultOf(CheckLegacyThunderboltRequirements, Update, {port}), Applies());
 }
 
 TEST(ThunderboltCheck, BypassedEngineeringFirmwareIsAccepted) {
-  const VersionCheckBypass bypass;
-  EXPECT_EQ(Check(Update, With(Port, {{"Engineering Version", 64}})), Applies());
+  EXPECT_EQ(Bypassed(Update, With(Port, {{"Engineering Version", 64}})), Applies());
 }
 
 TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceAndMayMatch) {
-  const VersionCheckBypass bypass;
-  EXPECT_EQ(Check(Update, Without(Port, "Version")), Applies(NoVersionTwice));
+  EXPECT_EQ(Bypassed(Update, Without(Port, "Version")), Applies(NoVersionTwice));
 }
 
 TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldOnceWhenTheUsbcCheckFails) {
-  const VersionCheckBypass bypass;
   const auto port = Without(Port, "Version");
-  EXPECT_EQ(Check(With(Update, {{"RID", 3}}), port), DoesNotApply(NoVersion));
-  EXPECT_EQ(Check(Without(Update, "Port Silicon Revision"), port),
+  EXPECT_EQ(Bypassed(With(Update, {{"RID", 3}}), port), DoesNotApply(NoVersion));
+  EXPECT_EQ(Bypassed(Without(Update, "Port Silicon Revision"), port),
             DoesNotApply(std::string(NoVersion) + "** Missing port silicon revision key(s)\n"));
 }
 
 TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceWhenALaterStepFails) {
-  const VersionCheckBypass bypass;
   const auto port = Without(Port, "Version");
-  EXPECT_EQ(Check(With(Update, {{"Ridge UID", 3}}), port), DoesNotApply(NoVersionTwice));
-  EXPECT_EQ(Check(With(Update, {{"Device Model ID", 3}}), port), DoesNotApply(NoVersionTwice));
+  EXPECT_EQ(Bypassed(With(Update, {{"Ridge UID", 3}}), port), DoesNotApply(NoVersionTwice));
+  EXPECT_EQ(Bypassed(With(Update, {{"Device Model ID", 3}}), port), DoesNotApply(NoVersionTwice));
 }
 
 TEST(ThunderboltCheck, AFailedWindowIsToldOnce) {
@@ -161,14 +160,13 @@ TEST(ThunderboltCheck, AFailedWindowIsToldOnce) {
 TEST(ThunderboltCheck, MissingPortKeysAreToldAsForUsbc) {
   EXPECT_EQ(Check(With(Update, {{"Port OTP Revision", 1}}), Port),
             DoesNotApply("** Missing port OTP revision key(s) **\n"));
-  EXPECT_EQ(Check(With(Update, {{"Port UUID", Array{"b0A1"}}}), Port),
+  EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"b0A1"})}}), Port),
             DoesNotApply("** Missing port UUID(s)\n"));
 }
 
 TEST(ThunderboltCheck, TheBoardRevisionIsHandedOn) {
   const auto update = With(Update, {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}});
   EXPECT_EQ(Check(update, Port, 3), Applies());
-  EXPECT_EQ(Check(update, Port, 259), Applies());
   EXPECT_EQ(Check(update, Port, 4), DoesNotApply());
 }
 
@@ -177,12 +175,12 @@ TEST(ThunderboltCheck, ASingleModelNameMatchesItsEqual) {
 }
 
 TEST(ThunderboltCheck, AListThatHoldsTheModelNameMatches) {
-  EXPECT_EQ(Check(With(Update, {{"Device Model Name", Array{"Fjell", "Grat"}}}), Port), Applies());
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", List({"Fjell", "Grat"})}}), Port), Applies());
 }
 
 TEST(ThunderboltCheck, AModelNameInOtherLetterCaseDoesNotMatch) {
   EXPECT_EQ(Check(With(Update, {{"Device Model Name", "grat"}}), Port), DoesNotApply());
-  EXPECT_EQ(Check(With(Update, {{"Device Model Name", Array{"GRAT"}}}), Port), DoesNotApply());
+  EXPECT_EQ(Check(With(Update, {{"Device Model Name", List({"GRAT"})}}), Port), DoesNotApply());
 }
 
 TEST(ThunderboltCheck, AModelNameThatIsANumberIsRejectedSilently) {
@@ -193,8 +191,8 @@ TEST(ThunderboltCheck, AModelNameThatIsANumberIsRejectedSilently) {
 
 TEST(ThunderboltCheck, AModelNameOfAnyOtherKindIsRejectedSilently) {
   for (const PropertyValue& name :
-       Array{true, 5.0, Bytes("Grat"), Dictionary{{"Grat", "Grat"}}, Array{}, Array{5},
-             testing::NestedArrays(2, "Grat"), testing::DateOf("2026-11-20T00:00:00Z")}) {
+       List({true, 5.0, Bytes("Grat"), Dict({{"Grat", "Grat"}}), Array(), List({5}),
+             testing::NestedArrays(2, "Grat"), testing::DateOf("2026-11-20T00:00:00Z")})) {
     EXPECT_EQ(Check(With(Update, {{"Device Model Name", name}}), Port), DoesNotApply())
         << ::testing::PrintToString(name);
   }
@@ -223,16 +221,16 @@ TEST(ThunderboltCheck, ADeviceModelNumberMatchesItsEqualAloneOrInAList) {
   for (const auto* key : DeviceModelNumbers) {
     const PropertyValue value = *Port.Find(key);
     EXPECT_EQ(Check(With(Update, {{key, value}}), Port), Applies()) << key;
-    EXPECT_EQ(Check(With(Update, {{key, Array{"x", value, -7}}}), Port), Applies()) << key;
+    EXPECT_EQ(Check(With(Update, {{key, List({"x", value, -7})}}), Port), Applies()) << key;
   }
 }
 
 TEST(ThunderboltCheck, AnyOtherDeviceModelNumberIsRejectedSilently) {
   for (const auto* key : DeviceModelNumbers) {
     EXPECT_EQ(Check(With(Update, {{key, -7}}), Port), DoesNotApply()) << key;
-    EXPECT_EQ(Check(With(Update, {{key, Array{}}}), Port), DoesNotApply()) << key;
+    EXPECT_EQ(Check(With(Update, {{key, Array()}}), Port), DoesNotApply()) << key;
     for (const auto& [name, value] : NonNumbers()) {
-      EXPECT_EQ(Check(With(Update, {{key, Array{value}}}), With(Port, {{key, 5}})), DoesNotApply())
+      EXPECT_EQ(Check(With(Update, {{key, List({value})}}), With(Port, {{key, 5}})), DoesNotApply())
           << key << ": " << name;
     }
   }
@@ -240,11 +238,11 @@ TEST(ThunderboltCheck, AnyOtherDeviceModelNumberIsRejectedSilently) {
 
 TEST(ThunderboltCheck, FirmwareModeIsComparedAsZeroOrOne) {
   const auto inMode = [](bool mode) { return With(Port, {{"Firmware Mode", mode}}); };
-  for (const PropertyValue& on : Array{true, 1, 1.0}) {
+  for (const PropertyValue& on : List({true, 1, 1.0})) {
     EXPECT_EQ(Check(With(Update, {{"Firmware Mode", on}}), inMode(true)), Applies());
     EXPECT_EQ(Check(With(Update, {{"Firmware Mode", on}}), inMode(false)), DoesNotApply());
   }
-  for (const PropertyValue& off : Array{false, 0, 0.0}) {
+  for (const PropertyValue& off : List({false, 0, 0.0})) {
     EXPECT_EQ(Check(With(Update, {{"Firmware Mode", off}}), inMode(false)), Applies());
     EXPECT_EQ(Check(With(Update, {{"Firmware Mode", off}}), inMode(true)), DoesNotApply());
   }
@@ -252,7 +250,7 @@ TEST(ThunderboltCheck, FirmwareModeIsComparedAsZeroOrOne) {
 }
 
 TEST(ThunderboltCheck, FirmwareModesZeroAndOneAcceptEither) {
-  const auto update = With(Update, {{"Firmware Mode", Array{0, 1}}});
+  const auto update = With(Update, {{"Firmware Mode", List({0, 1})}});
   EXPECT_EQ(Check(update, With(Port, {{"Firmware Mode", true}})), Applies());
   EXPECT_EQ(Check(update, With(Port, {{"Firmware Mode", false}})), Applies());
 }
