@@ -6,9 +6,8 @@ Each function looks for the fault by itself, at the byte that our reader names.
 import re
 import struct
 
-MAXIMUM_VALUES = 2**24
-MAXIMUM_LONG_BYTES = 2**30
-SHORT_TEXT = 64
+SHARED_VALUES = 2**16  # how far what is reached may exceed the size of the document
+SHARED_BYTES = 2**26
 UNCARRIABLE = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
 
 
@@ -62,15 +61,16 @@ class File:
         return start - at + count * width
 
     def tally(self, at, known):
-        """The values and the long bytes that the object at `at` stands for."""
+        """The values and the bytes of keys, strings and data that are reached from the object at
+        `at`, itself included, each time that they are."""
         if at not in known:
             what = kind(self.document, at)
-            parts = map(self.place, self.references(at)) if what in (0xA, 0xD) else ()
-            tallies = [self.tally(part, known) for part in parts]
+            parts = self.references(at) if what in (0xA, 0xD) else []
+            tallies = [self.tally(self.place(part), known) for part in parts]
+            keys = len(parts) // 2 if what == 0xD else 0  # which are no values
             size = len(self.contents(at)) if what in (4, 5, 6) else 0
-            halved = 2 if what == 0xD else 1  # a key and its value are one value
-            known[at] = (1 + sum(values for values, _ in tallies) // halved,
-                         sum(size for _, size in tallies) + (size if size > SHORT_TEXT else 0))
+            known[at] = (1 - keys + sum(values for values, _ in tallies),
+                         size + sum(size for _, size in tallies))
         return known[at]
 
 
@@ -191,14 +191,14 @@ def is_too_deep(document, _at):
     return False
 
 
-def holds_too_many_values(document, _at):
+def reaches_too_many_values(document, _at):
     file = File(document)
-    return file.tally(file.place(file.top), {})[0] > MAXIMUM_VALUES
+    return file.tally(file.place(file.top), {})[0] > len(document) + SHARED_VALUES
 
 
-def holds_too_many_long_bytes(document, _at):
+def reaches_too_many_bytes(document, _at):
     file = File(document)
-    return file.tally(file.place(file.top), {})[1] > MAXIMUM_LONG_BYTES
+    return file.tally(file.place(file.top), {})[1] > len(document) + SHARED_BYTES
 
 
 def has_overlapping_strings(document, _at):

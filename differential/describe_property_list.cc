@@ -1,8 +1,8 @@
-// Reads property lists and prints a line for each: what the reader makes of it, exact to the bit.
+// Reads property lists and prints a line for each: the result of the reader, exact to the bit.
 //
 //   describe_property_list FILE...    reads the files
-//   describe_property_list            reads documents from standard input, each behind a line that
-//                                     tells its size in bytes
+//   describe_property_list            reads documents from standard input, each after a line with
+//                                     its size in bytes
 //
 // A line is the code of the serialisation, a blank, and the value or "error" with its text:
 //
@@ -10,7 +10,8 @@
 //   integer 17   real real(bits in hexadecimal)   boolean true   date date(seconds since 1970)
 //
 // A byte of a string that is not printable ASCII, a quote or a backslash is written as \xHH. A line
-// ends after LongestDescription bytes: objects that are shared can stand for any amount of text.
+// ends after LongestDescription bytes: objects that are shared can add up to many times the size of
+// their file.
 #include <bit>
 #include <cstdint>
 #include <cstdio>
@@ -29,7 +30,7 @@ namespace {
 
 constexpr std::size_t LongestDescription = 200'000;
 
-// Writes what it is given until the description is long enough.
+// Writes what it is called with until the description is long enough.
 class Description {
  public:
   const std::string& Text() const { return text_; }
@@ -61,19 +62,19 @@ class Description {
     }
   }
 
-  void Content(const Dictionary& dictionary) {
+  void Content(Dictionary dictionary) {
     std::string_view separator;
     Append("{");
     for (const auto& [key, value] : dictionary.Entries()) {
       Append(std::exchange(separator, ", "));
-      Quoted(key.View());
+      Quoted(key);
       Append(": ");
       Value(value);
     }
     Append("}");
   }
 
-  void Content(const Array& array) {
+  void Content(Array array) {
     std::string_view separator;
     Append("[");
     for (const auto& value : array) {
@@ -85,7 +86,7 @@ class Description {
 
   void Content(const Data& data) {
     Append("<");
-    for (const char byte : data.bytes.View()) Hexadecimal(static_cast<unsigned char>(byte), 2);
+    for (const char byte : data.bytes) Hexadecimal(static_cast<unsigned char>(byte), 2);
     Append(">");
   }
 
@@ -95,23 +96,23 @@ class Description {
     Append(")");
   }
 
-  void Content(const String& string) { Quoted(string.text.View()); }
+  void Content(std::string_view string) { Quoted(string); }
   void Content(const Integer& integer) { Append(FormatInteger(integer)); }
-  void Content(const bool& boolean) { Append(boolean ? "true" : "false"); }
+  void Content(bool boolean) { Append(boolean ? "true" : "false"); }
   void Content(const Date& date) { Append("date(" + std::to_string(date.seconds) + ")"); }
 
   std::string text_;
 };
 
-void Describe(std::string document) {
-  const auto [value, error, serialisation] = ReadPropertyList(std::move(document));
+void DescribeDocument(std::string document) {
+  const auto [serialisation, list] = ReadPropertyList(std::move(document));
   Description description;
-  if (value) {
-    description.Value(*value);
+  if (list) {
+    description.Value(list->value);
   } else {
-    description.Quoted(error);
+    description.Quoted(Describe(list.Error()));
   }
-  std::cout << static_cast<unsigned long>(serialisation) << (value ? " " : " error ")
+  std::cout << static_cast<unsigned long>(serialisation) << (list ? " " : " error ")
             << description.Text() << '\n';
 }
 
@@ -122,7 +123,7 @@ bool DescribeFile(const char* path) {
     std::cerr << "describe_property_list: cannot read " << path << '\n';
     return false;
   }
-  Describe(std::move(document));
+  DescribeDocument(std::move(document));
   return true;
 }
 
@@ -135,7 +136,7 @@ bool DescribeStandardInput() {
       std::cerr << "describe_property_list: a document is cut short\n";
       return false;
     }
-    Describe(std::move(document));
+    DescribeDocument(std::move(document));
   }
   return std::cin.eof();
 }

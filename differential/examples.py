@@ -28,9 +28,9 @@ def shared_arrays(levels, times):
     return binary_file(objects + [b"\x09"], offset_width=2, reference_width=2)
 
 
-def long_bytes():
-    """An array of 1025 references to a string of 2^20 bytes."""
-    references = b"\xaf\x11\x04\x01" + b"\x01" * 1025
+def shared_bytes():
+    """An array of 66 references to a string of 2^20 bytes."""
+    references = b"\xaf\x10\x42" + b"\x01" * 66
     return binary_file([references, b"\x5f\x12\x00\x10\x00\x00" + b"a" * 2**20], offset_width=4)
 
 

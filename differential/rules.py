@@ -18,8 +18,8 @@ from typing import Callable, NamedTuple
 import binary_grounds as binary
 import xml_grounds as xml
 from descriptions import LONGEST_DESCRIPTION, Outcome, describe_leaf, tokens_of
-from examples import (array_in_itself, binary_file, long_bytes, nested_xml, overlapping_strings,
-                      overlapping_trailer, shared_arrays, wide_text)
+from examples import (array_in_itself, binary_file, nested_xml, overlapping_strings,
+                      overlapping_trailer, shared_arrays, shared_bytes, wide_text)
 from readers import read_plistlib
 
 PLISTLIB = "plistlib"
@@ -152,13 +152,15 @@ BINARY_REFUSALS = [
     in_binary("nesting", BOTH, "more than 512 .* are nested in each other", binary.is_too_deep,
               "The depth is bounded, so that no file exhausts the stack of whoever walks it.",
               shared_arrays(513, 1)),
-    in_binary("value-count", (PLISTLIB,), "more than 2\\^24 values", binary.holds_too_many_values,
-              "What is shared counts each time: a small file cannot stand for a huge value.",
-              shared_arrays(25, 2)),
-    in_binary("long-bytes", (PLISTLIB,), "more than 2\\^30 bytes of long keys, strings and data",
-              binary.holds_too_many_long_bytes,
-              "What is shared counts each time: a small file cannot stand for a huge value.",
-              long_bytes()),
+    in_binary("value-count", BOTH, "more values than the size of the file allows",
+              binary.reaches_too_many_values,
+              "What is shared counts each time: a small file cannot expand to a huge value.",
+              shared_arrays(17, 2)),
+    in_binary("byte-count", BOTH,
+              "more bytes of keys, strings and data than the size of the file allows",
+              binary.reaches_too_many_bytes,
+              "What is shared counts each time: a small file cannot expand to a huge value.",
+              shared_bytes()),
     in_binary("overlap", BOTH, "strings overlap", binary.has_overlapping_strings,
               "Strings over the same bytes, each transcoded, could stand for any amount of text.",
               overlapping_strings()),

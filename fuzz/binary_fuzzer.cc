@@ -9,10 +9,11 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;
-  const auto bytes = fuzz::InputText(data, size);
-  if (!bytes.starts_with(BinarySignature)) return 0;
-  const auto outcome = ParseBinaryPropertyList(SourceBuffer(std::string(bytes)));
-  fuzz::HoldReading(outcome.value, outcome.error);
-  fuzz::HoldPlaceInFile(outcome.error, size);
+  const auto file = fuzz::InputText(data, size);
+  if (!file.starts_with(BinarySignature)) return 0;
+  Arena arena;
+  const auto reading = ParseBinaryPropertyList(file, arena);
+  fuzz::CheckReading(reading);
+  fuzz::CheckLocationInFile(reading, size);
   return 0;
 }

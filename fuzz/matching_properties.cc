@@ -1,14 +1,10 @@
 #include "fuzz/matching_properties.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <optional>
 #include <vector>
 
-#include "fuzz/hold.h"
+#include "fuzz/require.h"
 #include "fuzz/same_value.h"
-#include "fuzz/standard_error.h"
-#include "personality/bypass_flags.h"
 #include "personality/matcher.h"
 #include "registry/board_identity.h"
 #include "registry/port_inventory.h"
@@ -18,52 +14,51 @@
 namespace fernwick::fuzz {
 namespace {
 
-using Records = std::optional<std::vector<Dictionary>>;
+namespace reference = testing::reference;
 
 bool IsThunderbolt(const DictionaryEntry& entry) {
-  return entry.key.View() == PersonalityType::LegacyThunderbolt;
+  return entry.key == PersonalityType::LegacyThunderbolt;
 }
 
-// Those that the configuration asks for, and no others: taking them could be a fault.
-testing::reference::Controllers ControllersFor(Registry& registry,
-                                               const Dictionary& configuration) {
-  testing::reference::Controllers controllers;
+// Those that the configuration asks for, and no others: those could be a fault.
+reference::Controllers ControllersFor(Registry& registry, Dictionary configuration) {
+  reference::Controllers controllers;
   const auto entries = configuration.Entries();
   if (std::ranges::any_of(entries, IsThunderbolt)) {
-    controllers.thunderbolt =
-        CollectThunderboltControllers(registry).value_or(Records::value_type());
+    controllers.thunderbolt = CollectThunderboltControllers(registry)->records;
   }
   if (!std::ranges::all_of(entries, IsThunderbolt)) {
-    controllers.ports = CollectPortControllers(registry).value_or(Records::value_type());
+    controllers.ports = CollectPortControllers(registry)->records;
   }
   return controllers;
 }
 
-bool Same(const Records& a, const Records& b) {
-  if (!a || !b) return a.has_value() == b.has_value();
-  return SameValue(Array(a->begin(), a->end()), Array(b->begin(), b->end()));
+bool Same(const std::vector<Record>& a, const std::vector<Record>& b) {
+  return std::ranges::equal(a, b, [](const Record& x, const Record& y) {
+    return SameValue(Dictionary(x), Dictionary(y));
+  });
 }
 
 }  // namespace
 
-void HoldMatching(const Recording& recording, const std::string& personalitiesDirectory,
-                  const Dictionary& configuration) {
+void CheckMatching(const Recording& recording, const std::string& personalitiesDirectory,
+                   Dictionary configuration) {
   RecordedRegistry registry(recording);
-  const auto boardIdString = ReadBoardIdString(registry);
-  std::uint64_t boardId = 0;
-  std::uint8_t boardRevision = 0;
-  ReadBoardId(registry, boardId, boardRevision);
+  const auto identity = ReadBoardIdentity(registry);
   const auto controllers = ControllersFor(registry, configuration);
   for (const bool isBypassed : {true, false}) {
-    BypassVersionCheck = isBypassed;
-    TakeStandardError();
-    const auto records =
-        MatchPersonalities(registry, boardIdString, boardRevision, personalitiesDirectory);
-    const auto diagnostics = TakeStandardError();
-    const auto expected = testing::reference::MatchPersonalities(
-        PropertyValue(configuration), boardRevision, controllers, isBypassed);
-    Hold(Same(records, expected.records), "the matcher gives the records of the plain one");
-    Hold(diagnostics == expected.diagnostics, "and writes the same diagnostics");
+    StringConsole console;
+    const auto matching =
+        MatchPersonalities({registry, console, isBypassed}, identity.boardIdString,
+                           identity.boardRevision, personalitiesDirectory);
+    Require(bool(matching), "what is no fault in a run is none in the matcher");
+    const auto expected = reference::MatchPersonalities(
+        PropertyValue(configuration), identity.boardRevision, controllers, isBypassed);
+    Require(expected.records.has_value() == !matching->matches.empty(),
+            "the matcher finds a match when the plain one does");
+    Require(!expected.records || Same(matching->matches, *expected.records),
+            "the matcher returns the records of the plain one");
+    Require(console.Error() == expected.diagnostics, "and writes the same diagnostics");
   }
 }
 

@@ -6,11 +6,11 @@
 
 namespace fernwick::fuzz {
 
-/// Holds the matcher over the computer to what its plain second implementation makes of the same
+/// Checks the matcher over the computer against its plain second implementation over the same
 /// controllers: the records and every diagnostic, with and without the version check.
-/// `configuration` is what stands in the directory for the computer's board. REQUIRES: taking the
-/// inventories that the configuration asks for does not end abnormally.
-void HoldMatching(const Recording& recording, const std::string& personalitiesDirectory,
-                  const Dictionary& configuration);
+/// `configuration` is the one in the directory for the computer's board. REQUIRES: no inventory
+/// that the configuration asks for is a fault.
+void CheckMatching(const Recording& recording, const std::string& personalitiesDirectory,
+                   Dictionary configuration);
 
 }  // namespace fernwick::fuzz

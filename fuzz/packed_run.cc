@@ -5,7 +5,7 @@
 namespace fernwick::fuzz {
 namespace {
 
-// Takes everything up to the first `separator`, and that one, off the start of `text`.
+// Removes everything up to the first `separator`, and that one, from the start of `text`.
 std::string_view TakeUpTo(std::string_view& text, char separator) {
   const auto end = text.find(separator);
   if (end == std::string_view::npos) return std::exchange(text, {});
@@ -33,11 +33,11 @@ std::string Pack(const PackedRun& run) {
 std::vector<std::string> WordsOf(std::string_view options, std::string_view payload) {
   std::vector<std::string> words;
   while (!options.empty()) {
-    // An argument of a program cannot hold a zero byte.
+    // An argument of a program cannot contain a zero byte.
     auto word = TakeUpTo(options, ' ');
     std::string argument(TakeUpTo(word, '\0'));
-    const auto place = argument.find('@');
-    if (place != std::string::npos) argument.replace(place, 1, payload);
+    const auto at = argument.find('@');
+    if (at != std::string::npos) argument.replace(at, 1, payload);
     words.push_back(std::move(argument));
   }
   return words;

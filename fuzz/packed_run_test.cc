@@ -31,7 +31,7 @@ TEST(PackedRun, SplitsTheCommandLineAtEveryBlank) {
   EXPECT_EQ(WordsOf("-v  -p a\tb", "/p"), Words({"-v", "", "-p", "a\tb"}));
 }
 
-TEST(PackedRun, PutsThePayloadInPlaceOfTheFirstSignOfAWord) {
+TEST(PackedRun, ReplacesTheFirstSignOfAWordByThePayload) {
   EXPECT_EQ(WordsOf("-p @ --payload=@/ @@", "/p"), Words({"-p", "/p", "--payload=/p/", "/p@"}));
 }
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <fstream>
 
-#include "fuzz/hold.h"
+#include "fuzz/require.h"
 
 namespace fernwick::fuzz {
 namespace {
@@ -32,7 +32,7 @@ void Payload::AddBoard(std::string_view boardId) {
     return;
   }
   const auto& name = *boards_.emplace(boardId).first;
-  Hold(symlink(Board, (Path() + "/Fernwick/" + name).c_str()) == 0, "a board can be added");
+  Require(symlink(Board, (Path() + "/Fernwick/" + name).c_str()) == 0, "a board can be added");
 }
 
 }  // namespace fernwick::fuzz

@@ -9,9 +9,8 @@
 
 namespace fernwick::fuzz {
 
-/// A payload on disk whose one configuration is that of any number of boards: it is written anew
-/// for every input, and a directory would be made for every board that an input thinks of. Removed
-/// at the end.
+/// A payload on disk whose one configuration is that of any number of boards: it is written again
+/// for every input, which may name any board, without a directory for each. Removed at the end.
 class Payload {
  public:
   Payload();

@@ -1,14 +1,12 @@
 // The one reader of property lists, which detects what it reads: that it detects it by the rule,
-// and gives what the reader of that serialisation gives.
+// and returns what the reader of that serialisation returns.
 
-#include <algorithm>
-#include <cctype>
 #include <string>
 #include <string_view>
 
-#include "fuzz/hold.h"
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
+#include "fuzz/require.h"
 #include "fuzz/same_value.h"
 #include "value/binary/reader.h"
 #include "value/property_list_reader.h"
@@ -26,7 +24,7 @@ std::string_view OpenedElement(std::string_view text) {
   return text.substr(0, text.find_first_of(" \t\r\n>/"));
 }
 
-// The rule of detection, spelled anew.
+// The rule of detection a second time.
 Serialisation SerialisationOf(std::string_view file, std::string_view text) {
   if (file.empty()) return Serialisation::None;
   if (file.substr(0, 7) == "bplist0") return Serialisation::Binary;
@@ -44,37 +42,34 @@ Serialisation SerialisationOf(std::string_view file, std::string_view text) {
   return Serialisation::Text;
 }
 
-ParseOutcome ReadAs(Serialisation serialisation, const SourceBuffer& file,
-                    const SourceText& source) {
+Result<PropertyValue> ReadAs(Serialisation serialisation, std::string_view file,
+                             const SourceText& source, Arena& arena) {
   switch (serialisation) {
-    case Serialisation::None: return {{}, "the file is empty"};
-    case Serialisation::Text: return ParseTextPropertyList(source);
-    case Serialisation::Xml: return ParseXmlPropertyList(source);
-    case Serialisation::Binary: return ParseBinaryPropertyList(file);
+    case Serialisation::None: break;
+    case Serialisation::Text: return ParseTextPropertyList(source, arena);
+    case Serialisation::Xml: return ParseXmlPropertyList(source, arena);
+    case Serialisation::Binary: return ParseBinaryPropertyList(file, arena);
   }
-  return {};
+  return Error{"the file is empty"};
 }
 
-void HoldPlace(const PropertyListReading& reading, std::size_t size, std::string_view text) {
-  switch (reading.serialisation) {
-    case Serialisation::None: return Hold(size == 0, "only an empty file has no serialisation");
-    case Serialisation::Binary: return HoldPlaceInFile(reading.error, size);
-    case Serialisation::Text:
-    case Serialisation::Xml: return HoldPlaceInText(reading.error, text);
+void TestReader(std::string_view file) {
+  Arena arena;
+  const auto source = DecodeSource(file, arena);
+  const auto reading = ReadPropertyList(std::string(file));
+  Require(reading.serialisation == SerialisationOf(file, source.text), "detection is by the rule");
+  const auto direct = ReadAs(reading.serialisation, file, source, arena);
+  CheckReading(direct);
+  if (reading.serialisation == Serialisation::Binary) {
+    CheckLocationInFile(direct, file.size());
+  } else if (reading.serialisation != Serialisation::None) {
+    CheckLocationInText(direct, source.text);
   }
-}
-
-void TestReader(std::string_view bytes) {
-  const auto file = SourceBuffer(std::string(bytes));
-  const auto source = DecodeSource(file);
-  const auto reading = ReadPropertyList(std::string(bytes));
-  Hold(reading.serialisation == SerialisationOf(bytes, source.text), "detection is by the rule");
-  HoldReading(reading.value, reading.error);
-  HoldPlace(reading, bytes.size(), source.text);
-  const auto direct = ReadAs(reading.serialisation, file, source);
-  Hold(direct.error == reading.error, "both readers give one error");
-  if (reading.value && IsSmall(*reading.value)) {
-    Hold(SameValue(*direct.value, *reading.value), "both readers give one value");
+  Require(bool(direct) == bool(reading.list), "both readers return a value or both an error");
+  if (!direct) {
+    Require(direct.Error() == reading.list.Error(), "both readers return one error");
+  } else if (IsSmall(*direct)) {
+    Require(SameValue(*direct, reading.list->value), "both readers return one value");
   }
 }
 

@@ -1,9 +1,11 @@
 #include "fuzz/reading_properties.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
+#include <string>
+#include <utility>
 
-#include "fuzz/hold.h"
+#include "fuzz/require.h"
 #include "fuzz/same_value.h"
 #include "fuzz/text_form.h"
 #include "value/binary/writer.h"
@@ -14,21 +16,11 @@
 namespace fernwick::fuzz {
 namespace {
 
-void HoldReadsBack(std::string bytes, const PropertyValue& value, Serialisation serialisation) {
+void CheckReadsBack(std::string bytes, const PropertyValue& value, Serialisation serialisation) {
   const auto reading = ReadPropertyList(std::move(bytes));
-  Hold(reading.serialisation == serialisation, "what was written is detected as what it is");
-  Hold(reading.value.has_value(), "what was written can be read");
-  Hold(SameValue(*reading.value, value), "what was written reads back the same");
-}
-
-// Takes `word` and the number behind it off the start of `text`; 0 when they do not stand there.
-std::size_t TakeNumber(std::string_view& text, std::string_view word) {
-  std::size_t number = 0;
-  if (!text.starts_with(word)) return 0;
-  text.remove_prefix(word.size());
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  return error == std::errc() ? number : 0;
+  Require(reading.serialisation == serialisation, "what was written is detected as what it is");
+  Require(bool(reading.list), "what was written can be read");
+  Require(SameValue(reading.list->value, value), "what was written reads back the same");
 }
 
 // Line `number` of `text`, counted from 1, with what ends it.
@@ -43,40 +35,47 @@ std::optional<std::string_view> LineOf(std::string_view text, std::size_t number
   }
 }
 
-void HoldMessage(std::string_view message) {
-  Hold(message.size() > 2 && message.starts_with(": "), "a message follows the place");
-  Hold(FindInvalidUtf8(message) == npos, "a message is text");
-  Hold(std::ranges::none_of(message, [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }),
-       "a message stands on one line");
+void CheckMessage(std::string_view message) {
+  Require(!message.empty(), "an error has a message");
+  Require(FindInvalidUtf8(message) == npos, "a message is text");
+  Require(std::ranges::none_of(message, [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }),
+          "a message is one line");
+}
+
+// Every error of a reader has a location.
+FileLocation LocationOf(const Error& error) {
+  Require(error.location.has_value(), "an error has a location");
+  return *error.location;
 }
 
 }  // namespace
 
-void HoldReading(const std::optional<PropertyValue>& value, const std::string& error) {
-  Hold(value.has_value() == error.empty(), "there is either a value or an error");
-  if (!value || !IsSmall(*value)) return;
-  HoldReadsBack(WriteXmlPropertyList(*value), *value, Serialisation::Xml);
-  HoldReadsBack(WriteBinaryPropertyList(*value), *value, Serialisation::Binary);
-  if (FitsTextForm(*value)) HoldReadsBack(WriteTextForm(*value), *value, Serialisation::Text);
+void CheckReading(const Result<PropertyValue>& reading) {
+  if (!reading) return CheckMessage(reading.Error().message);
+  if (!IsSmall(*reading)) return;
+  CheckReadsBack(WriteXmlPropertyList(*reading), *reading, Serialisation::Xml);
+  CheckReadsBack(WriteBinaryPropertyList(*reading), *reading, Serialisation::Binary);
+  if (FitsTextForm(*reading)) {
+    CheckReadsBack(WriteTextForm(*reading), *reading, Serialisation::Text);
+  }
 }
 
-void HoldPlaceInText(std::string_view error, std::string_view text) {
-  if (error.empty()) return;
-  const auto lineNumber = TakeNumber(error, "line ");
-  Hold(lineNumber > 0, "an error tells its line");
-  const auto line = LineOf(text, lineNumber);
-  Hold(line.has_value(), "the line of an error is in the text");
-  const auto column = TakeNumber(error, ", column ");
-  // In bytes, of which a line has at least as many as characters; the end is a place, too.
-  Hold(column > 0 && column <= line->size() + 1, "the column of an error is in its line");
-  HoldMessage(error);
+void CheckLocationInText(const Result<PropertyValue>& reading, std::string_view text) {
+  if (reading) return;
+  const auto location = LocationOf(reading.Error());
+  Require(location.line > 0, "an error in a text has a line");
+  const auto line = LineOf(text, location.line);
+  Require(line.has_value(), "the line of an error is in the text");
+  // In bytes, of which a line has at least as many as characters; the end is a location, too.
+  Require(location.column > 0 && location.column <= line->size() + 1,
+          "the column of an error is in its line");
 }
 
-void HoldPlaceInFile(std::string_view error, std::size_t fileSize) {
-  if (error.empty()) return;
-  Hold(error.starts_with("byte "), "an error tells its byte");
-  Hold(TakeNumber(error, "byte ") <= fileSize, "the byte of an error is in the file");
-  HoldMessage(error);
+void CheckLocationInFile(const Result<PropertyValue>& reading, std::size_t fileSize) {
+  if (reading) return;
+  const auto location = LocationOf(reading.Error());
+  Require(location.line == 0 && location.column == 0, "an error in a binary file has no line");
+  Require(location.byte <= fileSize, "the byte of an error is in the file");
 }
 
 }  // namespace fernwick::fuzz

@@ -1,12 +1,12 @@
-// A recorded computer: what is refused, and that the registry of one that is not gives what was
+// A recorded computer: what is refused, and that the registry of one that is not returns what was
 // recorded.
 
 #include <cstring>
 #include <string>
 
-#include "fuzz/hold.h"
 #include "fuzz/input.h"
 #include "fuzz/recording_properties.h"
+#include "fuzz/require.h"
 #include "fuzz/same_value.h"
 #include "fuzz/value_mutator.h"
 #include "registry/recording_reader.h"
@@ -17,25 +17,28 @@ namespace fernwick::fuzz {
 namespace {
 
 // Whether it is read from XML or from binary makes no difference to a recording.
-void HoldSameFromBinary(std::string_view bytes, const RecordingReading& recording) {
+void CheckSameFromBinary(std::string_view bytes, const Result<Recording>& recording) {
   const auto reading = ReadPropertyList(std::string(bytes));
-  if (!reading.value || reading.serialisation == Serialisation::Text || !IsSmall(*reading.value)) {
+  if (!reading.list || reading.serialisation == Serialisation::Text ||
+      !IsSmall(reading.list->value)) {
     return;
   }
-  const auto again = ReadRecording(WriteBinaryPropertyList(*reading.value));
-  Hold(again.error == recording.error, "both serialisations give one error");
-  if (!recording.recording) return;
-  Hold(again.recording->planes == recording.recording->planes, "both give the same planes");
-  Hold(again.recording->superclasses == recording.recording->superclasses, "and the same classes");
+  const auto again = ReadRecording(WriteBinaryPropertyList(reading.list->value));
+  Require(bool(again) == bool(recording),
+          "both serialisations return a recording or both an error");
+  if (!recording) {
+    return Require(again.Error() == recording.Error(), "both serialisations return one error");
+  }
+  Require(again->planes == recording->planes, "both return the same planes");
+  Require(again->superclasses == recording->superclasses, "and the same classes");
 }
 
 void TestRecording(std::string_view bytes) {
-  const auto reading = ReadRecording(std::string(bytes));
-  Hold(reading.recording.has_value() == reading.error.empty(), "there is a recording or an error");
-  HoldSameFromBinary(bytes, reading);
-  if (!reading.recording) return;
-  HoldWellFormed(*reading.recording);
-  HoldOperations(*reading.recording);
+  const auto recording = ReadRecording(std::string(bytes));
+  CheckSameFromBinary(bytes, recording);
+  if (!recording) return Require(!recording.Error().message.empty(), "an error has a message");
+  CheckWellFormed(*recording);
+  CheckOperations(*recording);
 }
 
 }  // namespace

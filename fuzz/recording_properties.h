@@ -4,12 +4,12 @@
 
 namespace fernwick::fuzz {
 
-/// Holds a recording to what one is: names where there must be some, planes that hang together,
-/// classes that derive from something other than themselves.
-void HoldWellFormed(const Recording& recording);
+/// Checks that a recording is well-formed: names where there must be some, planes that are trees,
+/// chains of classes that end.
+void CheckWellFormed(const Recording& recording);
 
-/// Holds every operation of the recorded registry to what can plainly be read in the recording. Of
-/// a large one, the first few entries of each plane are looked at.
-void HoldOperations(const Recording& recording);
+/// Checks every operation of the recorded registry against what can plainly be read in the
+/// recording. Of a large one, the first few entries of each plane are looked at.
+void CheckOperations(const Recording& recording);
 
 }  // namespace fernwick::fuzz

@@ -1,4 +1,4 @@
-// A whole run: fuzz/packed_run.h tells how an input holds one.
+// A whole run: fuzz/packed_run.h says how an input contains one.
 
 #include <algorithm>
 #include <cstring>
@@ -7,22 +7,17 @@
 #include <vector>
 
 #include "driver/options.h"
-#include "fuzz/abnormal_end.h"
-#include "fuzz/foreseen_fault.h"
-#include "fuzz/hold.h"
+#include "driver/run.h"
 #include "fuzz/input.h"
 #include "fuzz/matching_properties.h"
 #include "fuzz/packed_run.h"
 #include "fuzz/payload.h"
+#include "fuzz/require.h"
 #include "fuzz/run_properties.h"
-#include "fuzz/same_value.h"
-#include "fuzz/standard_error.h"
 #include "fuzz/value_mutator.h"
-#include "personality/configuration.h"
 #include "registry/board_identity.h"
 #include "registry/recording_reader.h"
 #include "testing/command_line.h"
-#include "value/property_list_reader.h"
 
 namespace fernwick::fuzz {
 namespace {
@@ -34,52 +29,44 @@ Options OptionsOf(const Arguments& arguments) {
   return ParseOptions(commandLine.Count(), commandLine.Vector());
 }
 
-// A command line that is rejected loads none.
-std::optional<PropertyValue> ConfigurationFor(const Recording& recording, const Options& options) {
-  if (!options.accepted) return std::nullopt;
-  RecordedRegistry registry(recording);
-  return LoadPersonalityConfiguration(ReadBoardIdString(registry), options.personalitiesDirectory);
+RunOutcome OutcomeOf(const RunResult& result, const StringConsole& console) {
+  return {result.status, result.fault, console.Output(), console.Error()};
 }
 
-// Runs the tool twice, unless it is foreseen to end abnormally.
-std::optional<RunOutcome> TryRun(const Recording& recording, const Arguments& arguments,
-                                 const Outlook& outlook) {
-  if (!outlook.fault.empty()) {
-    HoldAbnormalEnd([&] { RunTool(recording, arguments); }, outlook.fault);
-    return std::nullopt;
-  }
-  auto outcome = RunTool(recording, arguments);
-  Hold(RunTool(recording, arguments) == outcome, "a run that is repeated gives the same");
-  return outcome;
+RunOutcome RunTool(const Recording& recording, const Options& options, RunTrace* trace) {
+  RecordedRegistry registry(recording);
+  StringConsole console;
+  return OutcomeOf(Run(options, registry, console, trace), console);
 }
 
 void TestRun(const Recording& recording, const Arguments& arguments) {
   const auto options = OptionsOf(arguments);
-  const auto configuration = ConfigurationFor(recording, options);
-  RunRequest request{options.accepted, options.verbose,
-                     configuration ? configuration->AsDictionary() : nullptr};
-  const auto outlook = ForeseeRun(recording, request);
-  const auto outcome = TryRun(recording, arguments, outlook);
-  if (outcome && !outlook.isBypassed && request.configuration != nullptr) {
-    HoldMatching(recording, *options.personalitiesDirectory, *request.configuration);
-  }
-  request.verbose = true;
+  RecordedRegistry registry(recording);
+  StringConsole console;
+  const auto result = Run(options, registry, console);
+  const auto outcome = OutcomeOf(result, console);
+  RunTrace trace;
+  Require(RunTool(recording, options, &trace) == outcome, "a run that is traced ends the same");
+
   Arguments verboseArguments = arguments;
   verboseArguments.insert(verboseArguments.begin(), "-v");
-  const auto verbose = TryRun(recording, verboseArguments, ForeseeRun(recording, request));
-  if (outcome && verbose) HoldOutcomes(*outcome, *verbose, outlook.isBypassed);
+  const auto verbose = RunTool(recording, OptionsOf(verboseArguments), nullptr);
+  CheckOutcomes(outcome, verbose, result.bypassesUpdates);
+
+  const auto configuration =
+      result.configuration ? result.configuration->value.AsDictionary() : std::nullopt;
+  if (configuration) CheckMatching(recording, *options.personalitiesDirectory, *configuration);
 }
 
 void TestPackedRun(std::string_view input) {
   static Payload payload;
   const auto run = Unpack(input);
-  const auto reading = ReadRecording(std::string(run.recording));
-  if (!reading.recording) return;
-  TakeStandardError();
+  const auto recording = ReadRecording(std::string(run.recording));
+  if (!recording) return;
   payload.Configure(run.configuration);
-  RecordedRegistry registry(*reading.recording);
+  RecordedRegistry registry(*recording);
   if (const auto boardId = ReadBoardIdString(registry)) payload.AddBoard(*boardId);
-  TestRun(*reading.recording, WordsOf(run.options, payload.Path()));
+  TestRun(*recording, WordsOf(run.options, payload.Path()));
 }
 
 std::string MutateOptions(std::string_view options, ValueMutator& mutator) {

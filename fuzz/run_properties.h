@@ -1,27 +1,24 @@
 #pragma once
 
+#include <optional>
 #include <string>
-#include <vector>
 
-#include "registry/recorded_registry.h"
+#include "platform/fault.h"
 
 namespace fernwick::fuzz {
 
-/// What a run gave.
+/// How a run ended and what it printed.
 struct RunOutcome {
-  int status;
-  std::string standardOutput;
-  std::string standardError;
+  int status = 0;
+  std::optional<Fault> fault = std::nullopt;
+  std::string standardOutput = {};
+  std::string standardError = {};
 
   friend bool operator==(const RunOutcome&, const RunOutcome&) = default;
 };
 
-/// One run of the tool over the computer, `arguments` behind its own name.
-RunOutcome RunTool(const Recording& recording, const std::vector<std::string>& arguments);
-
-/// Holds a run to what is printed when: the plan and nothing else, or nothing at all.
-/// `outcome` is that of the arguments as they are, `verbose` that of the same with "-v" before
-/// them.
-void HoldOutcomes(const RunOutcome& outcome, const RunOutcome& verbose, bool isBypassed);
+/// Checks what a run prints when: the plan and nothing else, or nothing at all. `outcome` is that
+/// of a command line as it is, `verbose` that of the same with "-v" before it.
+void CheckOutcomes(const RunOutcome& outcome, const RunOutcome& verbose, bool bypassesUpdates);
 
 }  // namespace fernwick::fuzz

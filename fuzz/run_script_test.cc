@@ -27,7 +27,7 @@ constexpr char Usage[] =
     "the\n"
     "target's seeds and of the inputs in fuzz/regressions/TARGET, and that is all.\n";
 
-/// Tells its limits and what its input directories are, then what a run without findings tells.
+// Writes down its limits and its input directories, then prints what a run without findings does.
 constexpr char FindsNothing[] = R"sh(#!/bin/sh
 for argument; do
   case $argument in
@@ -35,7 +35,7 @@ for argument; do
     -*) ;;
     *) basename "$(dirname "$argument")" ;;
   esac
-done > "$0.told"
+done > "$0.called"
 echo '#5	DONE   cov: 12 ft: 34 corp: 3/9b lim: 4 exec/s: 0 rss: 31Mb'
 echo 'Done 5 runs in 2 second(s)'
 echo 'stat::number_of_executed_units: 5'
@@ -43,7 +43,7 @@ echo 'stat::number_of_executed_units: 5'
 
 constexpr char FindsSomething[] = R"sh(#!/bin/sh
 echo '#2	NEW    cov: 7 ft: 8 corp: 1/1b lim: 4 exec/s: 0 rss: 31Mb'
-echo 'fuzz: does not hold: a thing'
+echo 'fuzz: property violated: a thing'
 echo "artifact_prefix='/x/'; Test unit written to /x/crash-1"
 echo 'stat::number_of_executed_units: 2'
 exit 77
@@ -104,15 +104,15 @@ TEST_F(FuzzRun, GoesOnFromTheCorpusForSoManySeconds) {
             "target             executions  seconds   corpus  coverage\n"
             "calm                        5        2        0        12\n");
   EXPECT_EQ(outcome.standardError, "");
-  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.told")), "-max_total_time=3\ncorpus\nseeds\n");
+  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.called")), "-max_total_time=3\ncorpus\nseeds\n");
 }
 
 TEST_F(FuzzRun, RunsOnceOverTheSeedsIn0Seconds) {
   EXPECT_EQ(Run({".", "0", "calm"}).status, "0");
-  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.told")), "-runs=0\nseeds\n");
+  EXPECT_EQ(testing::ReadFile(Path("calm_fuzzer.called")), "-runs=0\nseeds\n");
 }
 
-TEST_F(FuzzRun, RunsEveryTargetAlsoBehindOneThatFindsSomething) {
+TEST_F(FuzzRun, RunsEveryTargetAlsoAfterOneThatFindsSomething) {
   const auto outcome = Run({".", "1", "wild", "calm"});
   EXPECT_EQ(outcome.status, "1");
   EXPECT_EQ(outcome.standardOutput,
@@ -123,7 +123,7 @@ TEST_F(FuzzRun, RunsEveryTargetAlsoBehindOneThatFindsSomething) {
             "wild                        2        -        0         7\n"
             "calm                        5        2        0        12\n");
   EXPECT_EQ(outcome.standardError,
-            "fuzz: does not hold: a thing\n"
+            "fuzz: property violated: a thing\n"
             "artifact_prefix='/x/'; Test unit written to /x/crash-1\n"
             "stat::number_of_executed_units: 2\n"
             "\n"
@@ -134,7 +134,7 @@ TEST_F(FuzzRun, RunsEveryTargetAlsoBehindOneThatFindsSomething) {
                 "  replay it:  " +
                 Path("wild_fuzzer") +
                 " /x/crash-1\n"
-                "  when it is mended, keep it, under a name that tells what it showed:\n"
+                "  when it is fixed, keep it, under a name that says what it showed:\n"
                 "              cp /x/crash-1 " FERNWICK_SOURCE_DIRECTORY
                 "/fuzz/regressions/wild/NAME\n"
                 "\n");

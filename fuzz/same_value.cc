@@ -12,38 +12,42 @@ bool SameReal(double a, double b) {
   return a == b && std::signbit(a) == std::signbit(b);
 }
 
-bool SameEntries(const Dictionary& a, const Dictionary& b) {
+bool SameElements(Array a, Array b) {
+  return std::ranges::equal(a, b, SameValue);
+}
+
+bool SameEntries(Dictionary a, Dictionary b) {
   return std::ranges::equal(a.Entries(), b.Entries(), [](const auto& x, const auto& y) {
     return x.key == y.key && SameValue(x.value, y.value);
   });
 }
 
-// Counts down what a value may stand for.
+// Counts down the values and bytes that a small value may have.
 class Budget {
  public:
   bool Covers(const PropertyValue& value) {
-    if (!Take(1)) return false;
-    if (const auto text = value.AsString()) return Take(text->size());
-    if (const auto bytes = value.AsData()) return Take(bytes->size());
-    if (const auto* array = value.AsArray()) return CoversAll(*array);
-    if (const auto* dictionary = value.AsDictionary()) return CoversEntries(*dictionary);
+    if (!Spend(1)) return false;
+    if (const auto text = value.AsString()) return Spend(text->size());
+    if (const auto bytes = value.AsData()) return Spend(bytes->size());
+    if (const auto array = value.AsArray()) return CoversAll(*array);
+    if (const auto dictionary = value.AsDictionary()) return CoversEntries(*dictionary);
     return true;
   }
 
  private:
-  bool Take(std::size_t amount) {
+  bool Spend(std::size_t amount) {
     if (amount > left_) return false;
     left_ -= amount;
     return true;
   }
 
-  bool CoversAll(const Array& array) {
+  bool CoversAll(Array array) {
     return std::ranges::all_of(array, [this](const auto& element) { return Covers(element); });
   }
 
-  bool CoversEntries(const Dictionary& dictionary) {
+  bool CoversEntries(Dictionary dictionary) {
     return std::ranges::all_of(dictionary.Entries(), [this](const auto& entry) {
-      return Take(entry.key.View().size()) && Covers(entry.value);
+      return Spend(entry.key.size()) && Covers(entry.value);
     });
   }
 
@@ -54,9 +58,10 @@ class Budget {
 
 bool SameValue(const PropertyValue& a, const PropertyValue& b) {
   if (a.AsReal() && b.AsReal()) return SameReal(*a.AsReal(), *b.AsReal());
-  if (a.AsArray() && b.AsArray()) return std::ranges::equal(*a.AsArray(), *b.AsArray(), SameValue);
-  if (a.AsDictionary() && b.AsDictionary())
+  if (a.AsArray() && b.AsArray()) return SameElements(*a.AsArray(), *b.AsArray());
+  if (a.AsDictionary() && b.AsDictionary()) {
     return SameEntries(*a.AsDictionary(), *b.AsDictionary());
+  }
   return a == b;
 }
 

@@ -8,8 +8,9 @@ namespace fernwick::fuzz {
 /// is the same as itself also when it is NaN, and a zero only as one of its own sign.
 bool SameValue(const PropertyValue& a, const PropertyValue& b);
 
-/// Whether the value, each part of it counted every time it is reached, is small enough to be
-/// written out: a few bytes of shared objects can stand for millions of values.
+/// Whether the value has at most 2^16 values and bytes of text, keys and data in all, and is
+/// therefore quickly written out: a small binary file may share objects that add up to many times
+/// its size.
 bool IsSmall(const PropertyValue& value);
 
 }  // namespace fernwick::fuzz

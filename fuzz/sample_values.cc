@@ -12,6 +12,9 @@ namespace {
 
 using testing::Bytes;
 using testing::DateOf;
+using testing::Dict;
+using testing::Kept;
+using testing::List;
 
 std::vector<PropertyValue> SampleLeaves() {
   using Limits = std::numeric_limits<double>;
@@ -44,33 +47,42 @@ std::vector<PropertyValue> SampleLeaves() {
   };
 }
 
+std::vector<PropertyValue> MakeSampleValues() {
+  auto values = SampleLeaves();
+  Record entries;
+  for (const auto& leaf : values) {
+    entries.Set(Kept("Key " + std::to_string(entries.Size())), leaf);
+  }
+  const Dictionary dictionary = Dict(entries);
+  auto elements = values;
+  elements.push_back(Array());
+  elements.push_back(Dictionary());
+  elements.push_back(Dict({{"Nested", List({1, List({2, Dict({{"\u00E9", dictionary}})})})}}));
+  values.push_back(dictionary);
+  values.push_back(List(elements));
+  return values;
+}
+
 }  // namespace
 
-std::vector<PropertyValue> SampleValues() {
-  auto values = SampleLeaves();
-  Dictionary dictionary;
-  for (const auto& leaf : values) dictionary.Set("Key " + std::to_string(dictionary.Size()), leaf);
-  Array array(values.begin(), values.end());
-  array.push_back(Array{});
-  array.push_back(Dictionary{});
-  array.push_back(Dictionary{{"Nested", Array{1, Array{2, Dictionary{{"\u00E9", dictionary}}}}}});
-  values.push_back(std::move(dictionary));
-  values.push_back(std::move(array));
+const std::vector<PropertyValue>& SampleValues() {
+  static const auto values = MakeSampleValues();
   return values;
 }
 
 PropertyValue SampleRecording() {
-  const Dictionary properties{{"UID", 1}, {"Depth", 0}, {"Route String", 0}};
-  const Dictionary first{{"Name", "Ridge"}, {"Class", "Left"}, {"ID", "1"}};
-  const Dictionary second{{"Name", "Ridge"}, {"Class", "Side"}, {"Properties", properties}};
-  const Dictionary services{{"ID", "root"}, {"Children", Array{first, second}}};
-  const Dictionary link{{"Link", "root"}, {"Children", Array{Dictionary{{"Link", "1"}}}}};
-  const Dictionary tree{{"Name", "tree"}, {"Children", Array{link}}};
-  return Dictionary{
+  const Dictionary properties = Dict({{"UID", 1}, {"Depth", 0}, {"Route String", 0}});
+  const Dictionary first = Dict({{"Name", "Ridge"}, {"Class", "Left"}, {"ID", "1"}});
+  const Dictionary second =
+      Dict({{"Name", "Ridge"}, {"Class", "Side"}, {"Properties", properties}});
+  const Dictionary services = Dict({{"ID", "root"}, {"Children", List({first, second})}});
+  const Dictionary link = Dict({{"Link", "root"}, {"Children", List({Dict({{"Link", "1"}})})}});
+  const Dictionary tree = Dict({{"Name", "tree"}, {"Children", List({link})}});
+  return Dict({
       {"Recording Version", 1},
-      {"Classes", Dictionary{{"Left", "Side"}, {"Side", "IOThunderboltSwitch"}}},
-      {"Planes", Dictionary{{"IOService", services}, {"IODeviceTree", tree}}},
-  };
+      {"Classes", Dict({{"Left", "Side"}, {"Side", "IOThunderboltSwitch"}})},
+      {"Planes", Dict({{"IOService", services}, {"IODeviceTree", tree}})},
+  });
 }
 
 }  // namespace fernwick::fuzz

@@ -1,7 +1,8 @@
-// Makes what the fuzz targets begin with out of the project itself: OUTPUT/seeds/TARGET/ and the
+// Makes what the fuzz targets begin with from the project itself: OUTPUT/seeds/TARGET/ and the
 // dictionary OUTPUT/TARGET.dict.
 
 #include <cstdio>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -44,10 +45,13 @@ Texts FilesOfProject(const fs::path& source, std::string_view ending) {
   return texts;
 }
 
+// Those of the files that can be read. They live as long as the process.
 std::vector<PropertyValue> ValuesOf(const Texts& files) {
+  static std::deque<PropertyList> lists;
   std::vector<PropertyValue> values;
   for (const auto& file : files) {
-    if (auto value = ReadPropertyList(file).value) values.push_back(*std::move(value));
+    auto reading = ReadPropertyList(file);
+    if (reading.list) values.push_back(lists.emplace_back(*std::move(reading.list)).value);
   }
   return values;
 }
@@ -60,7 +64,7 @@ class SeedMaker {
     const auto directory = output_ / "seeds" / target;
     fs::create_directories(directory);
     for (const auto& seed : seeds) {
-      // Named after the contents, so that a seed that is made again takes its own place.
+      // Named after the contents, so that a seed that is made again replaces itself.
       std::ofstream(directory / std::to_string(std::hash<std::string>()(seed)), std::ios::binary)
           << seed;
     }
@@ -93,7 +97,7 @@ Texts Written(const std::vector<PropertyValue>& values, Write write) {
   return texts;
 }
 
-// Everything that the containers hold, in one.
+// The elements of all containers, in one.
 template <typename Container>
 Container Joined(std::initializer_list<Container> parts) {
   Container joined;
@@ -130,7 +134,7 @@ void MakeRecordingSeeds(SeedMaker& maker, const Texts& recordings) {
   maker.AddWords("recording", WordsIn(values));
 }
 
-// Every computer with every configuration: which board it is of, the target does not mind.
+// Every computer with every configuration: the target does not depend on the board.
 void MakeRunSeeds(SeedMaker& maker, const Texts& recordings, const Texts& configurations) {
   constexpr std::string_view CommandLines[] = {"-p @", "-p @ --bypassVersion", "-v -X -s -p@/",
                                                "--payload=@", ""};

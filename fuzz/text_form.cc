@@ -20,10 +20,10 @@ class TextWriter {
   const std::string& Text() const { return text_; }
 
  private:
-  void WriteContent(const Dictionary& dictionary) {
+  void WriteContent(Dictionary dictionary) {
     text_ += "{ ";
     for (const auto& [key, value] : dictionary.Entries()) {
-      WriteQuoted(key.View());
+      WriteQuoted(key);
       text_ += " = ";
       Write(value);
       text_ += ";\n";
@@ -31,7 +31,7 @@ class TextWriter {
     text_ += "}";
   }
 
-  void WriteContent(const Array& array) {
+  void WriteContent(Array array) {
     text_ += "( ";
     for (const auto& element : array) {
       Write(element);
@@ -42,11 +42,11 @@ class TextWriter {
 
   void WriteContent(const Data& data) {
     text_ += '<';
-    for (const char byte : data.bytes.View()) Append("%02x", byte & 0xFF);
+    for (const char byte : data.bytes) Append("%02x", byte & 0xFF);
     text_ += '>';
   }
 
-  void WriteContent(const String& string) { WriteQuoted(string.text.View()); }
+  void WriteContent(std::string_view string) { WriteQuoted(string); }
   void WriteContent(const Date& date) { WriteQuoted(FormatDate(date)); }
   void WriteContent(const Integer& integer) { WriteQuoted(FormatInteger(integer)); }
   void WriteContent(double real) { WriteQuoted(FormatReal(real)); }
@@ -91,8 +91,8 @@ bool EntryFits(const DictionaryEntry& entry) {
 }  // namespace
 
 bool FitsTextForm(const PropertyValue& value) {
-  if (const auto* array = value.AsArray()) return std::ranges::all_of(*array, FitsTextForm);
-  if (const auto* dictionary = value.AsDictionary()) {
+  if (const auto array = value.AsArray()) return std::ranges::all_of(*array, FitsTextForm);
+  if (const auto dictionary = value.AsDictionary()) {
     return std::ranges::all_of(dictionary->Entries(), EntryFits);
   }
   return value.AsString() || value.AsData();

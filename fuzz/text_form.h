@@ -6,7 +6,7 @@
 
 namespace fernwick::fuzz {
 
-/// Whether the old text form can hold the value: strings, data and what holds nothing else.
+/// Whether the old text form can represent the value: strings, data and containers of these alone.
 bool FitsTextForm(const PropertyValue& value);
 
 /// The value in the old text form, numbers and dates as quoted text, booleans as YES and NO,

@@ -8,9 +8,12 @@ namespace fernwick::fuzz {
 namespace {
 
 using testing::Bytes;
+using testing::Dict;
+using testing::List;
 
-TEST(TextForm, WritesStringsDataAndWhatHoldsThem) {
-  const Dictionary value{{"a b", Array{"c", Bytes("\x0F\xBD"), Array{}}}, {"d", Dictionary{}}};
+TEST(TextForm, WritesStringsDataAndContainers) {
+  const Dictionary value =
+      Dict({{"a b", List({"c", Bytes("\x0F\xBD"), Array()})}, {"d", Dictionary()}});
   EXPECT_TRUE(FitsTextForm(value));
   EXPECT_EQ(WriteTextForm(value), "{ \"a b\" = ( \"c\",\n<0fbd>,\n( ),\n);\n\"d\" = { };\n}");
 }
@@ -21,12 +24,12 @@ TEST(TextForm, EscapesWhatIsNotPlainAscii) {
 }
 
 TEST(TextForm, WritesEverythingElseAsText) {
-  const Array value{-1, 0.5, true, false, testing::DateOf("2026-11-20T00:00:00Z")};
+  const Array value = List({-1, 0.5, true, false, testing::DateOf("2026-11-20T00:00:00Z")});
   EXPECT_EQ(WriteTextForm(value), "( \"-1\",\n\"0.5\",\nYES,\nNO,\n\"2026-11-20T00:00:00Z\",\n)");
   for (const auto& element : value) {
     EXPECT_FALSE(FitsTextForm(element));
-    EXPECT_FALSE(FitsTextForm(Array{"a", element}));
-    EXPECT_FALSE(FitsTextForm(Dictionary{{"a", element}}));
+    EXPECT_FALSE(FitsTextForm(List({"a", element})));
+    EXPECT_FALSE(FitsTextForm(Dict({{"a", element}})));
   }
 }
 

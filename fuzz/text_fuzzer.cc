@@ -1,7 +1,5 @@
 // The reader of the old text form, whatever a file begins with.
 
-#include <string>
-
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
 #include "value/text/reader.h"
@@ -9,9 +7,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;
-  const auto source = DecodeSource(SourceBuffer(std::string(fuzz::InputText(data, size))));
-  const auto outcome = ParseTextPropertyList(source);
-  fuzz::HoldReading(outcome.value, outcome.error);
-  fuzz::HoldPlaceInText(outcome.error, source.text);
+  Arena arena;
+  const auto source = DecodeSource(fuzz::InputText(data, size), arena);
+  const auto reading = ParseTextPropertyList(source, arena);
+  fuzz::CheckReading(reading);
+  fuzz::CheckLocationInText(reading, source.text);
   return 0;
 }

@@ -1,12 +1,13 @@
 #include "fuzz/value_mutator.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "fuzz/same_value.h"
 #include "fuzz/sample_values.h"
-#include "testing/property_values.h"
 #include "value/binary/writer.h"
 #include "value/property_list_reader.h"
 #include "value/xml/writer.h"
@@ -22,19 +23,19 @@ constexpr std::size_t LongestText = 256;
 template <typename Visit>
 void ForEachPart(const PropertyValue& value, Visit visit) {
   visit(value);
-  if (const auto* array = value.AsArray()) {
+  if (const auto array = value.AsArray()) {
     for (const auto& element : *array) ForEachPart(element, visit);
   }
-  if (const auto* dictionary = value.AsDictionary()) {
+  if (const auto dictionary = value.AsDictionary()) {
     for (const auto& entry : dictionary->Entries()) ForEachPart(entry.value, visit);
   }
 }
 
-// By way of XML a mutated text becomes one that a property list can hold. Too deep a value becomes
-// nothing.
+// By way of XML a mutated text becomes one that a property list can contain. Too deep a value
+// becomes nothing.
 std::string AsBinary(std::string xml) {
   const auto reading = ReadPropertyList(std::move(xml));
-  return reading.value ? WriteBinaryPropertyList(*reading.value) : std::string();
+  return reading.list ? WriteBinaryPropertyList(reading.list->value) : std::string();
 }
 
 }  // namespace
@@ -43,13 +44,14 @@ ValueMutator::ValueMutator(unsigned seed)
     : random_(seed), values_(SampleValues()), keys_{"", "Key"} {}
 
 void ValueMutator::ShowPropertyList(std::string_view bytes) {
-  const auto reading = ReadPropertyList(std::string(bytes));
-  if (!reading.value || !IsSmall(*reading.value)) return;
-  ForEachPart(*reading.value, [this](const PropertyValue& part) {
+  auto reading = ReadPropertyList(std::string(bytes));
+  if (!reading.list || !IsSmall(reading.list->value)) return;
+  shown_.push_back(*std::move(reading.list));
+  ForEachPart(shown_.back().value, [this](const PropertyValue& part) {
     values_.push_back(part);
-    const auto* dictionary = part.AsDictionary();
-    if (dictionary == nullptr) return;
-    for (const auto& entry : dictionary->Entries()) keys_.emplace_back(entry.key.View());
+    const auto dictionary = part.AsDictionary();
+    if (!dictionary) return;
+    for (const auto& entry : dictionary->Entries()) keys_.push_back(entry.key);
   });
 }
 
@@ -67,70 +69,78 @@ PropertyValue ValueMutator::MutateOne(const PropertyValue& value) {
 // A copy in which the part at `target` is another.
 PropertyValue ValueMutator::Replaced(const PropertyValue& value, const PropertyValue* target) {
   if (&value == target) return Pick(4) == 0 ? AnyValue() : Changed(value);
-  if (const auto* array = value.AsArray()) {
-    Array copy;
+  if (const auto array = value.AsArray()) {
+    std::vector<PropertyValue> copy;
     for (const auto& element : *array) copy.push_back(Replaced(element, target));
-    return copy;
+    return ArrayOf(copy);
   }
-  if (const auto* dictionary = value.AsDictionary()) {
+  if (const auto dictionary = value.AsDictionary()) {
     std::vector<DictionaryEntry> copy;
-    for (const auto& [key, held] : dictionary->Entries()) {
-      copy.emplace_back(key, Replaced(held, target));
+    for (const auto& entry : dictionary->Entries()) {
+      copy.push_back({entry.key, Replaced(entry.value, target)});
     }
-    return Dictionary(std::move(copy));
+    return DictionaryOf(copy);
   }
   return value;
 }
 
 PropertyValue ValueMutator::Changed(const PropertyValue& value) {
-  if (const auto* dictionary = value.AsDictionary()) return ChangedDictionary(*dictionary);
-  if (const auto* array = value.AsArray()) return ChangedArray(*array);
+  if (const auto dictionary = value.AsDictionary()) return ChangedDictionary(*dictionary);
+  if (const auto array = value.AsArray()) return ChangedArray(*array);
   if (const auto text = value.AsString()) return ChangedText(*text);
-  if (const auto bytes = value.AsData()) return testing::Bytes(ChangedText(*bytes));
+  if (const auto bytes = value.AsData()) return Data{ChangedText(*bytes)};
   if (const auto integer = value.AsInteger()) {
     const auto bits = static_cast<std::int64_t>(integer->Bits());
     const std::int64_t numbers[] = {bits ^ (std::int64_t{1} << Pick(63)), bits >> 1, -1, 0, 1};
     return numbers[Pick(std::size(numbers))];
   }
-  if (const auto* real = value.AsReal()) return *real + (Pick(2) == 0 ? 0.01 : -1.0);
-  if (const auto* boolean = value.AsBoolean()) return !*boolean;
+  if (const auto real = value.AsReal()) return *real + (Pick(2) == 0 ? 0.01 : -1.0);
+  if (const auto boolean = value.AsBoolean()) return !*boolean;
   return AnyValue();
 }
 
-PropertyValue ValueMutator::ChangedDictionary(const Dictionary& dictionary) {
+PropertyValue ValueMutator::ChangedDictionary(Dictionary dictionary) {
   const auto entries = dictionary.Entries();
-  if (entries.empty() || Pick(2) == 0) {
-    Dictionary larger = dictionary;
-    larger.Set(AnyKey(), AnyValue());
-    return larger;
-  }
   std::vector<DictionaryEntry> copy(entries.begin(), entries.end());
+  if (entries.empty() || Pick(2) == 0) {
+    copy.push_back({AnyKey(), AnyValue()});
+    return DictionaryOf(copy);
+  }
   const auto chosen = Pick(copy.size());
   switch (Pick(3)) {
-    case 0: copy[chosen].key = DictionaryKey(AnyKey()); break;
+    case 0: copy[chosen].key = AnyKey(); break;
     case 1: std::swap(copy[chosen], copy[Pick(copy.size())]); break;
     default: copy.erase(copy.begin() + static_cast<std::ptrdiff_t>(chosen));
   }
-  return Dictionary(std::move(copy));
+  return DictionaryOf(copy);
 }
 
 PropertyValue ValueMutator::ChangedArray(Array array) {
-  if (array.empty() || Pick(3) == 0) {
-    array.push_back(AnyValue());
-    return array;
+  std::vector<PropertyValue> copy(array.begin(), array.end());
+  if (copy.empty() || Pick(3) == 0) {
+    copy.push_back(AnyValue());
+    return ArrayOf(copy);
   }
-  const auto chosen = Pick(array.size());
+  const auto chosen = Pick(copy.size());
   switch (Pick(3)) {
-    case 0: array.push_back(PropertyValue(array[chosen])); break;
-    case 1: std::swap(array[chosen], array[Pick(array.size())]); break;
-    default: array.erase(array.begin() + static_cast<std::ptrdiff_t>(chosen));
+    case 0: copy.push_back(PropertyValue(copy[chosen])); break;
+    case 1: std::swap(copy[chosen], copy[Pick(copy.size())]); break;
+    default: copy.erase(copy.begin() + static_cast<std::ptrdiff_t>(chosen));
   }
-  return array;
+  return ArrayOf(copy);
 }
 
-std::string ValueMutator::ChangedText(std::string_view text) {
+Array ValueMutator::ArrayOf(const std::vector<PropertyValue>& elements) {
+  return arena_.Copy(std::span(elements));
+}
+
+Dictionary ValueMutator::DictionaryOf(std::vector<DictionaryEntry>& entries) {
+  return arena_.Copy(std::span<const DictionaryEntry>(WithoutRepeatedKeys(entries)));
+}
+
+std::string_view ValueMutator::ChangedText(std::string_view text) {
   if (Pick(3) == 0) return AnyKey();
-  return MutatedBytes(text, LongestText);
+  return arena_.Copy(MutatedBytes(text, LongestText));
 }
 
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {
@@ -145,8 +155,8 @@ std::string MutatePropertyList(std::string_view bytes, std::size_t capacity,
                                ValueMutator& mutator) {
   if (mutator.Pick(8) == 0) return MutatedBytes(bytes, capacity);
   const auto reading = ReadPropertyList(std::string(bytes));
-  if (!reading.value || !IsSmall(*reading.value)) return MutatedBytes(bytes, capacity);
-  auto written = WriteXmlPropertyList(mutator.Mutate(*reading.value));
+  if (!reading.list || !IsSmall(reading.list->value)) return MutatedBytes(bytes, capacity);
+  auto written = WriteXmlPropertyList(mutator.Mutate(reading.list->value));
   if (reading.serialisation == Serialisation::Binary) written = AsBinary(std::move(written));
   return written.size() <= capacity ? written : MutatedBytes(bytes, capacity);
 }

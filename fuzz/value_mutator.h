@@ -1,18 +1,20 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
+#include <deque>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "value/property_value.h"
+#include "value/arena.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick::fuzz {
 
-/// Changes property lists as values, so that what comes of it is again a property list and gets
-/// past the reader. What it puts in comes from the values that it was shown, from the sample values
-/// and from the fuzzing engine's own mutations of texts.
+/// Changes property lists as values, so that the result is again a property list and gets past the
+/// reader. What it puts in comes from the values that it was shown, from the sample values and from
+/// the fuzzing engine's own mutations of texts.
 class ValueMutator {
  public:
   explicit ValueMutator(unsigned seed);
@@ -21,7 +23,7 @@ class ValueMutator {
   /// read, or is too large, shows nothing.
   void ShowPropertyList(std::string_view bytes);
 
-  /// The value changed in a few places.
+  /// The value changed at a few locations. It views what `value` does and what this owns.
   PropertyValue Mutate(PropertyValue value);
 
   /// A number below `count`. REQUIRES: count is not 0.
@@ -31,15 +33,19 @@ class ValueMutator {
   PropertyValue MutateOne(const PropertyValue& value);
   PropertyValue Replaced(const PropertyValue& value, const PropertyValue* target);
   PropertyValue Changed(const PropertyValue& value);
-  PropertyValue ChangedDictionary(const Dictionary& dictionary);
+  PropertyValue ChangedDictionary(Dictionary dictionary);
   PropertyValue ChangedArray(Array array);
-  std::string ChangedText(std::string_view text);
-  const PropertyValue& AnyValue() { return values_[Pick(values_.size())]; }
-  const std::string& AnyKey() { return keys_[Pick(keys_.size())]; }
+  Array ArrayOf(const std::vector<PropertyValue>& elements);
+  Dictionary DictionaryOf(std::vector<DictionaryEntry>& entries);
+  std::string_view ChangedText(std::string_view text);
+  PropertyValue AnyValue() { return values_[Pick(values_.size())]; }
+  std::string_view AnyKey() { return keys_[Pick(keys_.size())]; }
 
   std::minstd_rand random_;
+  Arena arena_;                     // of what is changed
+  std::deque<PropertyList> shown_;  // what the values and keys view, besides the samples
   std::vector<PropertyValue> values_;
-  std::vector<std::string> keys_;
+  std::vector<std::string_view> keys_;
 };
 
 /// What the fuzzing engine by itself would make of the first `capacity` bytes: as many at most.

@@ -7,7 +7,7 @@
 namespace fernwick::fuzz {
 namespace {
 
-// The tags of an XML document, and what else of markup stands between "<" and ">" in it.
+// The tags of an XML document, and what other markup is between "<" and ">" in it.
 Words MarkupOf(const std::string& document) {
   Words words;
   std::size_t open = document.find('<');
@@ -24,12 +24,12 @@ void AddWordsOf(const PropertyValue& value, Words& words) {
   constexpr std::size_t LongestWord = 32;
   const auto text = value.AsString();
   if (text && !text->empty() && text->size() <= LongestWord) words.insert(std::string(*text));
-  if (const auto* array = value.AsArray()) {
+  if (const auto array = value.AsArray()) {
     for (const auto& element : *array) AddWordsOf(element, words);
   }
-  if (const auto* dictionary = value.AsDictionary()) {
+  if (const auto dictionary = value.AsDictionary()) {
     for (const auto& entry : dictionary->Entries()) {
-      words.insert(std::string(entry.key.View()));
+      words.insert(std::string(entry.key));
       AddWordsOf(entry.value, words);
     }
   }

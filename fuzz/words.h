@@ -11,7 +11,7 @@ namespace fernwick::fuzz {
 /// The words of a dictionary of the fuzzing engine, each once.
 using Words = std::set<std::string>;
 
-/// What stands between values in each serialisation. Of XML, also every tag that writes the
+/// What is between values in each serialisation. Of XML, also every tag that writes the
 /// samples.
 Words XmlWords(const std::vector<PropertyValue>& samples);
 Words TextWords();

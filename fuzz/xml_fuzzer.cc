@@ -1,7 +1,5 @@
 // The XML reader, whatever a file begins with.
 
-#include <string>
-
 #include "fuzz/input.h"
 #include "fuzz/reading_properties.h"
 #include "value/unicode/source_text.h"
@@ -9,9 +7,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace fernwick;
-  const auto source = DecodeSource(SourceBuffer(std::string(fuzz::InputText(data, size))));
-  const auto outcome = ParseXmlPropertyList(source);
-  fuzz::HoldReading(outcome.value, outcome.error);
-  fuzz::HoldPlaceInText(outcome.error, source.text);
+  Arena arena;
+  const auto source = DecodeSource(fuzz::InputText(data, size), arena);
+  const auto reading = ParseXmlPropertyList(source, arena);
+  fuzz::CheckReading(reading);
+  fuzz::CheckLocationInText(reading, source.text);
   return 0;
 }

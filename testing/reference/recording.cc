@@ -1,6 +1,6 @@
-#include "fuzz/plain_recording.h"
+#include "testing/reference/recording.h"
 
-namespace fernwick::fuzz {
+namespace fernwick::testing::reference {
 namespace {
 
 void AppendSubtree(const RecordedPlane& plane, RegistryEntry entry, Entries& entries) {
@@ -20,14 +20,14 @@ Entries SubtreeOf(const RecordedPlane& plane, RegistryEntry entry) {
   return entries;
 }
 
-std::optional<std::string> SuperclassOf(const Recording& recording, std::string_view name) {
+std::optional<std::string_view> SuperclassOf(const Recording& recording, std::string_view name) {
   const auto found = recording.superclasses.find(name);
   if (found == recording.superclasses.end()) return std::nullopt;
   return found->second;
 }
 
 bool Conforms(const Recording& recording, RegistryEntry entry, std::string_view className) {
-  std::optional<std::string> name = EntryOf(recording, entry).class_;
+  std::optional<std::string_view> name = EntryOf(recording, entry).class_;
   if (name->empty()) return false;
   for (; name; name = SuperclassOf(recording, *name)) {
     if (*name == className) return true;
@@ -43,4 +43,4 @@ Entries ServicesOfClass(const Recording& recording, std::string_view className) 
   return entries;
 }
 
-}  // namespace fernwick::fuzz
+}  // namespace fernwick::testing::reference

@@ -1,4 +1,4 @@
-#include "fuzz/hold.h"
+#include "fuzz/require.h"
 
 #include <unistd.h>
 
@@ -7,10 +7,9 @@
 
 namespace fernwick::fuzz {
 
-void Hold(bool property, std::string_view name) {
+void Require(bool property, std::string_view name) {
   if (property) return;
-  // Not through the stream, which a target may have put aside.
-  const std::string line = "fuzz: does not hold: " + std::string(name) + "\n";
+  const std::string line = "fuzz: property violated: " + std::string(name) + "\n";
   [[maybe_unused]] const auto written = write(STDERR_FILENO, line.data(), line.size());
   std::abort();
 }

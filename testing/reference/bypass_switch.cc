@@ -1,11 +1,11 @@
-#include "fuzz/switch_rule.h"
+#include "testing/reference/bypass_switch.h"
 
 #include <optional>
 #include <string>
 
 #include "value/unicode/utf8.h"
 
-namespace fernwick::fuzz {
+namespace fernwick::testing::reference {
 namespace {
 
 bool SetsSwitch(const std::string& bootArguments, std::string_view name) {
@@ -22,7 +22,7 @@ bool SetsSwitch(const std::string& bootArguments, std::string_view name) {
 
 }  // namespace
 
-bool HoldsBareName(std::string_view bootArguments, std::string_view name) {
+bool HasBareName(std::string_view bootArguments, std::string_view name) {
   const auto padded = " " + std::string(bootArguments) + " ";
   return padded.find(" " + std::string(name) + " ") != std::string::npos;
 }
@@ -36,4 +36,4 @@ bool IsSwitchSet(std::string_view bootArguments, const PropertyValue* variable,
   return bytes && *bytes != "0" && FindInvalidUtf8(*bytes) == npos;
 }
 
-}  // namespace fernwick::fuzz
+}  // namespace fernwick::testing::reference

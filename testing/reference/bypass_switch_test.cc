@@ -1,21 +1,21 @@
-#include "fuzz/switch_rule.h"
+#include "testing/reference/bypass_switch.h"
 
 #include <gtest/gtest.h>
 
 #include "testing/property_values.h"
 
-namespace fernwick::fuzz {
+namespace fernwick::testing::reference {
 namespace {
 
-TEST(SwitchRule, TellsABareNameFromEveryOtherToken) {
+TEST(ReferenceBypassSwitch, BareNameIsATokenWithoutAValue) {
   for (const char* text : {"a", "a b", "b a", "  a  ", "a=1 a"})
-    EXPECT_TRUE(HoldsBareName(text, "a"));
-  for (const char* text : {"", "a=", "b=a", "A", "ab", "ba", "a\tb", "a="}) {
-    EXPECT_FALSE(HoldsBareName(text, "a")) << text;
+    EXPECT_TRUE(HasBareName(text, "a"));
+  for (const char* text : {"", "a=", "b=a", "A", "ab", "ba", "a\tb"}) {
+    EXPECT_FALSE(HasBareName(text, "a")) << text;
   }
 }
 
-TEST(SwitchRule, TakesAnyValueOfATokenButTheCharacter0) {
+TEST(ReferenceBypassSwitch, AnyValueOfATokenButTheCharacter0SetsIt) {
   for (const char* text : {"a=", "a=1", "a=00", "a==0", "b a=1", "a=0 a=1", "a=1 a=0",
                            "a=0 "
                            " a= "}) {
@@ -26,7 +26,7 @@ TEST(SwitchRule, TakesAnyValueOfATokenButTheCharacter0) {
   }
 }
 
-TEST(SwitchRule, ReadsTheVariableAsTextOrUtf8) {
+TEST(ReferenceBypassSwitch, VariableIsAStringOrDataInUtf8) {
   const PropertyValue setting[] = {"", "1", testing::Bytes(""), testing::Bytes({"0\0", 2})};
   for (const auto& variable : setting) EXPECT_TRUE(IsSwitchSet("a=0", &variable, "a"));
   const PropertyValue other[] = {"0", 1, true, testing::Bytes("0"), testing::Bytes("\xFF")};
@@ -34,4 +34,4 @@ TEST(SwitchRule, ReadsTheVariableAsTextOrUtf8) {
 }
 
 }  // namespace
-}  // namespace fernwick::fuzz
+}  // namespace fernwick::testing::reference
