@@ -1,11 +1,12 @@
 #include "bench/documents.h"
 
-#include <array>
+#include <span>
 #include <string_view>
 #include <utility>
 
 #include "testing/inputs/random_choice.h"
 #include "value/binary/writer.h"
+#include "value/record.h"
 #include "value/xml/writer.h"
 
 namespace fernwick::bench {
@@ -27,12 +28,19 @@ constexpr std::string_view Words[] = {
     "slate",  "serial", "bus",   "channel", "endpoint",   "hub",   "mux",     "display",
 };
 
+// Makes the parts of a document in an arena, which they view.
 class Maker {
  public:
-  explicit Maker(std::uint64_t seed) : choice_(seed) {}
+  Maker(std::uint64_t seed, Arena& arena) : choice_(seed), arena_(arena) {}
+
+  Array ArrayOf(const std::vector<PropertyValue>& elements) {
+    return arena_.Copy(std::span(elements));
+  }
+
+  Dictionary DictionaryOf(const Record& record) { return arena_.Copy(record.Entries()); }
 
   PropertyValue Personality() {
-    Dictionary personality;
+    Record personality;
     personality.Set("Version", static_cast<double>(choice_.Below(9000)) / 100);
     personality.Set("Existing Min Version", choice_.Below(40));
     personality.Set("Port Silicon Vendor ID", std::uint64_t{0x3C05});
@@ -40,64 +48,65 @@ class Maker {
     personality.Set("Port Silicon Revision", choice_.Below(8));
     personality.Set("Ridge Silicon Vendor ID", std::uint64_t{0x2A01});
     personality.Set("Ridge Silicon Device ID", 0x300 + choice_.Below(0x40));
-    personality.Set("Ridge Silicon Revision", Array{choice_.Below(4), 4 + choice_.Below(4)});
+    personality.Set("Ridge Silicon Revision", ArrayOf({choice_.Below(4), 4 + choice_.Below(4)}));
     personality.Set("RID", choice_.Below(4));
-    personality.Set("Device Model Name", Word() + " " + Number(20));
+    personality.Set("Device Model Name", Kept(Word() + " " + Number(20)));
     personality.Set("Firmware Mode", choice_.OnceIn(8));
     personality.Set("MinBoardRevision", choice_.Below(6));
-    personality.Set("Firmware", Word() + "-" + Word() + "-" + Number(90) + ".bin");
+    personality.Set("Firmware", Kept(Word() + "-" + Word() + "-" + Number(90) + ".bin"));
     personality.Set("Priority", choice_.Below(100));
     if (choice_.OnceIn(2)) {
-      personality.Set("SetNVRAM", Dictionary{{"fernwick-staged", Number(90) + "." + Number(90)}});
-      personality.Set("ClearNVRAM", Array{"fernwick-last-error"});
+      const auto version = Kept(Number(90) + "." + Number(90));
+      personality.Set("SetNVRAM", DictionaryOf({{"fernwick-staged", version}}));
+      personality.Set("ClearNVRAM", ArrayOf({"fernwick-last-error"}));
     }
-    return personality;
+    return DictionaryOf(personality);
   }
 
   // A node with `entries` - 1 others below it, in a tree as deep as a registry's.
   PropertyValue Node(std::size_t entries) {
-    Dictionary node;
-    node.Set("Name", Word() + Number(100));
+    Record node;
+    node.Set("Name", Kept(Word() + Number(100)));
     node.Set("Class", ClassName());
     node.Set("Properties", Properties());
-    Array children;
+    std::vector<PropertyValue> children;
     for (std::size_t left = entries - 1; left > 0;) {
       const std::size_t below = left < 8 ? left : 1 + choice_.Below(left);
       children.push_back(Node(below));
       left -= below;
     }
-    if (!children.empty()) node.Set("Children", std::move(children));
-    return node;
+    if (!children.empty()) node.Set("Children", ArrayOf(children));
+    return DictionaryOf(node);
   }
 
  private:
   PropertyValue Properties() {
-    Dictionary properties;
+    Record properties;
     for (std::size_t left = 4 + choice_.Below(16); left > 0; --left) {
       properties.Set(PropertyName(), Property());
     }
-    return properties;
+    return DictionaryOf(properties);
   }
 
-  std::string PropertyName() {
-    if (choice_.OnceIn(2)) return std::string(choice_.OneOf(CommonProperties));
-    return Word() + "-" + Word();
+  std::string_view PropertyName() {
+    if (choice_.OnceIn(2)) return choice_.OneOf(CommonProperties);
+    return Kept(Word() + "-" + Word());
   }
 
   PropertyValue Property() {
     switch (choice_.Below(16)) {
-      case 0: return Array{choice_.Below(256), choice_.Below(256)};
-      case 1: return Dictionary{{"Power State", choice_.Below(4)}, {"Max Power State", 4}};
-      case 2: return String{SharedBytes(Word() + " \xE2\x80\x93 " + Word())};
-      case 3: return Word() + " & " + Word();
+      case 0: return ArrayOf({choice_.Below(256), choice_.Below(256)});
+      case 1: return DictionaryOf({{"Power State", choice_.Below(4)}, {"Max Power State", 4}});
+      case 2: return Kept(Word() + " \xE2\x80\x93 " + Word());
+      case 3: return Kept(Word() + " & " + Word());
       case 4:
       case 5:
-      case 6: return Data{SharedBytes(Bytes(4 << choice_.Below(5)))};
+      case 6: return Data{Kept(Bytes(4 << choice_.Below(5)))};
       case 7:
       case 8: return choice_.OnceIn(2);
       case 9:
       case 10: return ClassName();
-      case 11: return Identifier();
+      case 11: return Kept(Identifier());
       default: return choice_.Below(std::size_t{1} << (1 + choice_.Below(40)));
     }
   }
@@ -119,58 +128,65 @@ class Maker {
     return text;
   }
 
-  std::string ClassName() { return "Quince" + Word() + "Device" + Word(); }
+  std::string_view Kept(const std::string& text) { return arena_.Copy(text); }
+  std::string_view ClassName() { return Kept("Quince" + Word() + "Device" + Word()); }
   std::string Word() { return std::string(choice_.OneOf(Words)); }
   std::string Number(std::size_t below) { return std::to_string(choice_.Below(below)); }
 
   RandomChoice choice_;
+  Arena& arena_;
 };
 
 // The value of as many parts as make XML of about `size` bytes.
-PropertyValue Sized(std::size_t size, PropertyValue (*make)(std::size_t, std::uint64_t)) {
+PropertyList Sized(std::size_t size, PropertyList (*make)(std::size_t, std::uint64_t)) {
   constexpr std::size_t Sample = 1000;
-  const std::size_t sampleSize = WriteXmlPropertyList(make(Sample, Seed)).size();
+  const std::size_t sampleSize = WriteXmlPropertyList(make(Sample, Seed).value).size();
   return make(size * Sample / sampleSize, Seed);
 }
 
 }  // namespace
 
-PropertyValue Configuration(std::size_t personalities, std::uint64_t seed) {
+PropertyList Configuration(std::size_t personalities, std::uint64_t seed) {
   constexpr std::string_view Types[] = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"};
-  Maker maker(seed);
-  Dictionary configuration;
+  PropertyList list;
+  Maker maker(seed, list.arena);
+  Record configuration;
   for (std::size_t i = 0; i < std::size(Types); ++i) {
-    Array ofType;
+    std::vector<PropertyValue> ofType;
     for (std::size_t p = i; p < personalities; p += std::size(Types)) {
       ofType.push_back(maker.Personality());
     }
-    configuration.Set(Types[i], std::move(ofType));
+    configuration.Set(Types[i], maker.ArrayOf(ofType));
   }
-  return configuration;
+  list.value = maker.DictionaryOf(configuration);
+  return list;
 }
 
-PropertyValue Recording(std::size_t entries, std::uint64_t seed) {
-  Maker maker(seed);
-  Array children;
+PropertyList Recording(std::size_t entries, std::uint64_t seed) {
+  PropertyList list;
+  Maker maker(seed, list.arena);
+  std::vector<PropertyValue> children;
   constexpr std::size_t Together = 200;  // entries below one child of the root
   for (std::size_t made = 0; made < entries; made += Together) {
     children.push_back(maker.Node(Together));
   }
-  return Dictionary{
-      {"Recording Version", 1},
-      {"Planes", Dictionary{{"IOService", Dictionary{{"Children", std::move(children)}}}}}};
+  const auto root = maker.DictionaryOf({{"Children", maker.ArrayOf(children)}});
+  list.value = maker.DictionaryOf(
+      {{"Recording Version", 1}, {"Planes", maker.DictionaryOf({{"IOService", root}})}});
+  return list;
 }
 
 std::vector<Document> DocumentsOf(std::size_t megabytes) {
   const std::size_t size = megabytes * 1'000'000;
-  const std::pair<const char*, PropertyValue> values[] = {
-      {"configuration", Sized(size, Configuration)},
-      {"recording", Sized(size, Recording)},
+  const std::pair<const char*, PropertyList (*)(std::size_t, std::uint64_t)> kinds[] = {
+      {"configuration", Configuration},
+      {"recording", Recording},
   };
   std::vector<Document> documents;
-  for (const auto& [kind, value] : values) {
+  for (const auto& [kind, make] : kinds) {
+    const auto list = Sized(size, make);
     documents.push_back({kind + (" of " + std::to_string(megabytes) + " MB"),
-                         WriteXmlPropertyList(value), WriteBinaryPropertyList(value)});
+                         WriteXmlPropertyList(list.value), WriteBinaryPropertyList(list.value)});
   }
   return documents;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "value/property_value.h"
+#include "value/property_list_reader.h"
 
 namespace fernwick::bench {
 
@@ -17,11 +17,11 @@ struct Document {
 };
 
 /// A configuration of so many personalities, divided among the four types.
-PropertyValue Configuration(std::size_t personalities, std::uint64_t seed);
+PropertyList Configuration(std::size_t personalities, std::uint64_t seed);
 
 /// A recorded computer with so many entries below the root of its registry, rounded up to a
 /// multiple of 200.
-PropertyValue Recording(std::size_t entries, std::uint64_t seed);
+PropertyList Recording(std::size_t entries, std::uint64_t seed);
 
 /// A configuration and a recording, whose XML is about `megabytes` (of 10^6 bytes) long each. The
 /// same in every run.

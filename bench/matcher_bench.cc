@@ -1,5 +1,5 @@
 // Times the requirement checks as the matcher runs them: every personality against every
-// controller, each pair rejected. Takes the flags of Google Benchmark; "items" are pairs.
+// controller, each pair rejected. Accepts the flags of Google Benchmark; "items" are pairs.
 
 #include <benchmark/benchmark.h>
 
@@ -12,17 +12,14 @@
 #include <utility>
 #include <vector>
 
-#include "personality/checked_values.h"
-#include "personality/personality.h"
-#include "personality/thunderbolt_check.h"
-#include "registry/hardware_record.h"
+#include "personality/requirements.h"
 #include "value/property_list_reader.h"
 #include "value/xml/writer.h"
 
 namespace fernwick::bench {
 namespace {
 
-constexpr unsigned BoardRevision = 3;
+constexpr std::uint8_t BoardRevision = 3;
 
 // The keys that a personality names, and in which the controllers of a computer differ from what it
 // wants: one personality after the other is rejected by another of them.
@@ -38,16 +35,18 @@ PropertyValue Differing(std::string_view key) {
 }
 
 // One that fits every controller but for the key.
-Personality PersonalityOf(std::size_t index, std::string_view deciding) {
-  Personality personality = {
+Record PersonalityOf(std::size_t index, std::string_view deciding) {
+  static const PropertyValue rids[] = {0, 1, 2, 3};
+  static const PropertyValue revisions[] = {1, 2, 3};
+  Record personality = {
       {"Version", 44},
       {"Priority", static_cast<std::int64_t>(index % 100)},
       {"Firmware", "ridge-44.00.bin"},
       {"Port Address", 0},
-      {"RID", Array{0, 1, 2, 3}},
+      {"RID", Array(rids)},
       {"Port Silicon Vendor ID", 0x4D1},
       {"Port Silicon Device ID", 18},
-      {"Port Silicon Revision", Array{1, 2, 3}},
+      {"Port Silicon Revision", Array(revisions)},
       {"Ridge Silicon Vendor ID", 0x5A86},
       {"Ridge Silicon Device ID", 0x1D3},
       {"Ridge Silicon Revision", 4},
@@ -80,11 +79,12 @@ HardwareRecord ControllerOf(std::size_t index) {
   };
 }
 
-// As they come from a file, whose text they share.
-PropertyValue AsRead(Array personalities) {
-  auto reading = ReadPropertyList(WriteXmlPropertyList(std::move(personalities)));
-  if (!reading.value) std::abort();
-  return *std::move(reading.value);
+// As they come from a file, whose text they view.
+PropertyList AsRead(const std::vector<Record>& personalities) {
+  const std::vector<PropertyValue> values(personalities.begin(), personalities.end());
+  auto reading = ReadPropertyList(WriteXmlPropertyList(Array(values)));
+  if (!reading.list) std::abort();
+  return *std::move(reading.list);
 }
 
 std::vector<HardwareRecord> Controllers(std::size_t count) {
@@ -94,42 +94,45 @@ std::vector<HardwareRecord> Controllers(std::size_t count) {
 }
 
 // One controller after the other, an iteration for each, so that a measurement takes no longer for
-// many of them and others that use the computer disturb it no more.
-void RejectAll(benchmark::State& state, const Array& personalities,
+// many of them and is disturbed no more by what else the computer does.
+void RejectAll(benchmark::State& state, Array personalities,
                const std::vector<HardwareRecord>& controllers) {
-  CheckedKeyMemo memo;
+  StringConsole console;
   static std::size_t next = 0;  // each measurement goes on with another
   for (auto _ : state) {
-    const CheckedValues controller = controllers[next++ % controllers.size()];
+    const ControllerCheck check(
+        Types::Thunderbolt,
+        {.hardware = controllers[next++ % controllers.size()], .boardRevision = BoardRevision});
     for (const auto& personality : personalities) {
-      const CheckedValues wanted(*personality.AsDictionary(), memo);
-      if (CheckThunderboltRequirements(wanted, controller, BoardRevision)) std::abort();
+      if (check.Applies(*personality.AsDictionary(), console)) std::abort();
     }
   }
+  if (!console.Error().empty()) std::abort();  // a diagnostic would be what is measured
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(personalities.size()));
 }
 
 void RejectBy(benchmark::State& state, std::string_view key) {
-  Array personalities;
-  for (std::size_t i = 0; i < 10; ++i) personalities.emplace_back(PersonalityOf(i, key));
-  RejectAll(state, *AsRead(std::move(personalities)).AsArray(), Controllers(10));
+  std::vector<Record> personalities;
+  for (std::size_t i = 0; i < 10; ++i) personalities.push_back(PersonalityOf(i, key));
+  const auto list = AsRead(personalities);
+  RejectAll(state, *list.value.AsArray(), Controllers(10));
 }
 
 // Kept, as the largest take seconds to make and repetitions come in turn.
-const PropertyValue& PersonalitiesByAll(std::size_t count) {
-  static std::map<std::size_t, PropertyValue> made;
+Array PersonalitiesByAll(std::size_t count) {
+  static std::map<std::size_t, PropertyList> made;
   const auto known = made.find(count);
-  if (known != made.end()) return known->second;
-  Array personalities;
+  if (known != made.end()) return *known->second.value.AsArray();
+  std::vector<Record> personalities;
   for (std::size_t i = 0; i < count; ++i) {
-    personalities.emplace_back(PersonalityOf(i, Deciding[i % std::size(Deciding)]));
+    personalities.push_back(PersonalityOf(i, Deciding[i % std::size(Deciding)]));
   }
-  return made.emplace(count, AsRead(std::move(personalities))).first->second;
+  return *made.emplace(count, AsRead(personalities)).first->second.value.AsArray();
 }
 
 void RejectByAll(benchmark::State& state) {
-  const auto& personalities = PersonalitiesByAll(static_cast<std::size_t>(state.range(0)));
-  RejectAll(state, *personalities.AsArray(), Controllers(static_cast<std::size_t>(state.range(1))));
+  const auto personalities = PersonalitiesByAll(static_cast<std::size_t>(state.range(0)));
+  RejectAll(state, personalities, Controllers(static_cast<std::size_t>(state.range(1))));
 }
 
 void RegisterAll() {

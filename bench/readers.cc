@@ -21,8 +21,8 @@
 namespace fernwick::bench {
 namespace {
 
-// The processor time of this thread, in seconds: what else the computer does counts less with it
-// than with the time of day.
+// The processor time of this thread, in seconds: other work of the computer disturbs it less than
+// the time of day.
 double Now() {
   timespec time;
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -39,7 +39,7 @@ double Ours(std::string file) {
   const double start = Now();
   const auto reading = ReadPropertyList(std::move(file));
   const double end = Now();
-  Require(reading.value.has_value(), "fernwick");
+  Require(bool(reading.list), "fernwick");
   return end - start;
 }
 

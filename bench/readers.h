@@ -12,9 +12,8 @@ struct Reader {
   bool readsXml;
   bool readsBinary;
 
-  /// Reads `file`, and returns how many seconds of processor time that took; to copy the file,
-  /// where the reader takes it over, and to release what was read is not counted. Ends the program
-  /// when the file cannot be read.
+  /// Reads `file`, and returns how many seconds of processor time that took; copying the file and
+  /// releasing what was read are not counted. Ends the program when the file cannot be read.
   double (*secondsToRead)(std::string file);
 };
 

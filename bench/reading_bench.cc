@@ -1,9 +1,9 @@
-// Reads a property list once, as a process does that is started for it, and tells what that takes:
-// what earlier reads would leave behind helps one reader and not another.
+// Reads a property list once, as a process does that is started for it, and prints the time and
+// memory of that: memory left by earlier reads would help one reader and not another.
 //
 // usage: reading_bench readers
 //          The name of each reader, a tab and the forms that it reads; then what is left out, as
-//          its package is missing, with nothing behind the tab.
+//          its package is missing, with nothing after the tab.
 //        reading_bench make DIRECTORY MEGABYTES
 //          Writes the documents there, as "configuration of 1 MB, XML".
 //        reading_bench read READER FILE
@@ -61,9 +61,9 @@ bool MakeDocuments(const std::string& directory, std::size_t megabytes) {
 bool Read(std::string_view name, const std::string& path) {
   const auto reader = std::ranges::find(Readers(), name, &Reader::name);
   auto file = ReadWholeFile(path);
-  if (reader == Readers().end() || !file.bytes) return false;
+  if (reader == Readers().end() || !file) return false;
   const double before = HighWaterMark();
-  const double seconds = reader->secondsToRead(std::move(*file.bytes));
+  const double seconds = reader->secondsToRead(*std::move(file));
   std::cout << seconds << ' ' << HighWaterMark() - before << '\n';
   return true;
 }

@@ -78,7 +78,8 @@ void CheckQuiet(const RunOutcome& outcome, const RunOutcome& verbose) {
 void CheckFaults(const RunOutcome& outcome, const RunOutcome& verbose) {
   if (outcome.fault) {
     Require(verbose.fault == outcome.fault, "being verbose avoids no fault");
-    Require(outcome.standardOutput.empty(), "a run with a fault prints no plan");
+    // Unless it is verbose itself.
+    Require(outcome.standardOutput.empty() || outcome == verbose, "a fault leaves no plan");
   } else {
     // The listing may take an inventory that the configuration does not ask for.
     Require(verbose.fault == Fault::MissingUid, "the listing meets no other fault");
