@@ -28,260 +28,269 @@ std::string DescribeUnknownKey(Dictionary dictionary,
   return {};
 }
 
-class RecordingReader {
- public:
-  Result<Recording> Read(PropertyList list) {
-    if (!ReadTopLevel(list.value)) return Error{std::move(error_)};
-    recording_.list = std::move(list);
-    return std::move(recording_);
-  }
+constexpr std::size_t NoNode = ~std::size_t{0};
 
- private:
-  static constexpr std::size_t NoNode = ~std::size_t{0};
+// A node of a plane's tree. Nodes are numbered in the order of the file.
+struct Node {
+  std::size_t plane;    // index in planeNames
+  std::size_t parent;   // NoNode at a plane's root
+  std::size_t ordinal;  // among its parent's children
+  RegistryEntry entry;  // 0: a link that is not resolved yet
+};
 
-  // Where a node is. Nodes are numbered in the order of the file.
-  struct Node {
-    std::size_t plane;    // index in planeNames_
-    std::size_t parent;   // NoNode at a plane's root
-    std::size_t ordinal;  // among its parent's children
-    RegistryEntry entry;  // 0: a link that is not resolved yet
-  };
+struct Link {
+  std::size_t node;
+  std::string_view target;  // the ID of the entry
+};
 
-  struct Link {
-    std::size_t node;
-    std::string_view target;  // the ID of the entry
-  };
+// An entry that links can refer to.
+struct IdentifiedEntry {
+  RegistryEntry entry;
+  std::size_t plane;  // the one that defines it
+};
 
-  // An entry that links can refer to.
-  struct IdentifiedEntry {
-    RegistryEntry entry;
-    std::size_t plane;  // the one that defines it
-  };
-
-  bool Fail(std::string message) {
-    error_ = std::move(message);
-    return false;
-  }
-
-  bool FailAt(std::size_t node, std::string_view message) {
-    return Fail(PathOf(node) + ": " + std::string(message));
-  }
+// All nodes of all planes, as the file has them.
+struct NodeTable {
+  std::vector<std::string_view> planeNames = {};  // the last one is being read
+  std::vector<Node> nodes = {};
+  std::vector<Link> links = {};
+  std::map<std::string_view, IdentifiedEntry> entriesById = {};
 
   // Put together only for a message: a recording may have millions of nodes.
   std::string PathOf(std::size_t number) const {
-    const auto& node = nodes_[number];
-    if (node.parent == NoNode) return "Planes/" + Excerpt(planeNames_[node.plane]);
+    const auto& node = nodes[number];
+    if (node.parent == NoNode) return "Planes/" + Excerpt(planeNames[node.plane]);
     return PathOf(node.parent) + "/Children[" + std::to_string(node.ordinal) + "]";
   }
 
-  bool ReadTopLevel(const PropertyValue& value) {
-    const auto top = value.AsDictionary();
-    if (!top) return Fail("a recording is a dictionary");
-    if (!CheckVersion(*top)) return false;
-    auto unknown = DescribeUnknownKey(*top, {"Recording Version", "Classes", "Planes"});
-    if (!unknown.empty()) return Fail(std::move(unknown));
-    return ReadClasses(*top) && ReadPlanes(*top) && ResolveLinks() && PlaceEntries();
+  std::string FaultAt(std::size_t node, std::string_view message) const {
+    return PathOf(node) + ": " + std::string(message);
   }
+};
 
-  // First of all, so that the error of a recording of another version is its version.
-  bool CheckVersion(Dictionary top) {
-    const auto* version = top.Find("Recording Version");
-    if (version == nullptr) return Fail("\"Recording Version\" is missing");
-    if (version->AsInteger() == Integer(1)) return true;
-    return Fail("\"Recording Version\" is not the integer 1");
-  }
+// Each function from here on returns what is wrong, or an empty text.
 
-  bool ReadClasses(Dictionary top) {
-    const auto* value = top.Find("Classes");
-    if (value == nullptr) return true;
-    const auto classes = value->AsDictionary();
-    if (!classes) return Fail("Classes: not a dictionary");
-    for (const auto& [key, superclass] : classes->Entries()) {
-      const auto name = superclass.AsString();
-      if (key.empty()) return Fail("Classes: the name of a class is empty");
-      if (!name) {
-        return Fail("Classes: the superclass of " + Quoted(key) + " is not a string");
+// First of all, so that the error of a recording of another version is its version.
+std::string CheckVersion(Dictionary top) {
+  const auto* version = top.Find("Recording Version");
+  if (version == nullptr) return "\"Recording Version\" is missing";
+  if (version->AsInteger() == Integer(1)) return {};
+  return "\"Recording Version\" is not the integer 1";
+}
+
+// Walks every chain once: what an earlier walk has seen to end need not be walked again.
+std::string CheckClassChains(const Recording& recording) {
+  std::map<std::string_view, std::string_view> walks;  // class to the start of its walk
+  for (const auto& [start, ignored] : recording.superclasses) {
+    std::string_view name = start;
+    for (;;) {
+      const auto [walk, isNew] = walks.emplace(name, start);
+      if (!isNew && walk->second == start) {
+        return "Classes: the class " + Quoted(name) + " derives from itself";
       }
-      if (name->empty()) {
-        return Fail("Classes: the name of the superclass of " + Quoted(key) + " is empty");
-      }
-      recording_.superclasses.emplace(key, *name);
+      const auto superclass = recording.superclasses.find(name);
+      if (!isNew || superclass == recording.superclasses.end()) break;
+      name = superclass->second;
     }
-    return CheckClassChains();
   }
+  return {};
+}
 
-  // Walks every chain once: what an earlier walk has seen to end need not be walked again.
-  bool CheckClassChains() {
-    std::map<std::string_view, std::string_view> walks;  // class to the start of its walk
-    for (const auto& [start, ignored] : recording_.superclasses) {
-      std::string_view name = start;
-      for (;;) {
-        const auto [walk, isNew] = walks.emplace(name, start);
-        if (!isNew && walk->second == start) {
-          return Fail("Classes: the class " + Quoted(name) + " derives from itself");
-        }
-        const auto superclass = recording_.superclasses.find(name);
-        if (!isNew || superclass == recording_.superclasses.end()) break;
-        name = superclass->second;
-      }
+std::string ReadClasses(Dictionary top, Recording& recording) {
+  const auto* value = top.Find("Classes");
+  if (value == nullptr) return {};
+  const auto classes = value->AsDictionary();
+  if (!classes) return "Classes: not a dictionary";
+  for (const auto& [key, superclass] : classes->Entries()) {
+    const auto name = superclass.AsString();
+    if (key.empty()) return "Classes: the name of a class is empty";
+    if (!name) return "Classes: the superclass of " + Quoted(key) + " is not a string";
+    if (name->empty()) {
+      return "Classes: the name of the superclass of " + Quoted(key) + " is empty";
     }
-    return true;
+    recording.superclasses.emplace(key, *name);
   }
+  return CheckClassChains(recording);
+}
 
-  bool ReadPlanes(Dictionary top) {
-    const auto* value = top.Find("Planes");
-    if (value == nullptr) return Fail("\"Planes\" is missing");
-    const auto planes = value->AsDictionary();
-    if (!planes) return Fail("Planes: not a dictionary");
-    for (const auto& [name, root] : planes->Entries()) {
-      if (name.empty()) return Fail("Planes: the name of a plane is empty");
-      if (name.find(':') != std::string_view::npos) {
-        return Fail("Planes: the name " + Quoted(name) + " contains a \":\"");
-      }
-      planeNames_.push_back(name);
-      if (!ReadNode(root, NoNode, 0)) return false;
-    }
-    return true;
-  }
+// Reads the nodes of one plane into the table and their entries into the recording.
+class NodeReader {
+ public:
+  NodeReader(NodeTable& table, std::vector<RecordedEntry>& entries)
+      : table_(table), entries_(entries) {}
 
-  bool ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
-    const std::size_t number = nodes_.size();
-    nodes_.push_back({planeNames_.size() - 1, parent, ordinal, 0});
+  std::string ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
+    const std::size_t number = table_.nodes.size();
+    table_.nodes.push_back({table_.planeNames.size() - 1, parent, ordinal, 0});
     const auto node = value.AsDictionary();
-    if (!node) return FailAt(number, "not a dictionary");
+    if (!node) return table_.FaultAt(number, "not a dictionary");
     const bool isLink = node->Find("Link") != nullptr;
-    const bool read = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
-    return read && ReadChildren(number, *node);
+    auto fault = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
+    return fault.empty() ? ReadChildren(number, *node) : fault;
   }
 
-  bool ReadLink(std::size_t number, Dictionary node) {
+ private:
+  std::string ReadLink(std::size_t number, Dictionary node) {
     for (const std::string_view key : {"Name", "Class", "Properties", "ID"}) {
-      if (node.Find(key) != nullptr) return FailAt(number, "a link must not have " + Quoted(key));
+      if (node.Find(key) != nullptr) {
+        return table_.FaultAt(number, "a link must not have " + Quoted(key));
+      }
     }
     std::string_view target;
-    if (!CheckKeys(number, node, {"Link", "Children"}) || !ReadText(number, node, "Link", target)) {
-      return false;
-    }
-    links_.push_back({number, target});
-    return true;
+    auto fault = CheckKeys(number, node, {"Link", "Children"});
+    if (fault.empty()) fault = ReadText(number, node, "Link", target);
+    if (fault.empty()) table_.links.push_back({number, target});
+    return fault;
   }
 
-  bool ReadEntry(std::size_t number, Dictionary node) {
+  std::string ReadEntry(std::size_t number, Dictionary node) {
     RecordedEntry entry;
-    if (!CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"}) ||
-        !ReadName(number, node, entry.name) || !ReadClass(number, node, entry.class_) ||
-        !ReadProperties(number, node, entry.properties)) {
-      return false;
-    }
-    recording_.entries.push_back(entry);
-    nodes_[number].entry = static_cast<RegistryEntry>(recording_.entries.size());
+    auto fault = CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"});
+    if (fault.empty()) fault = ReadName(number, node, entry.name);
+    if (fault.empty()) fault = ReadClass(number, node, entry.class_);
+    if (fault.empty()) fault = ReadProperties(number, node, entry.properties);
+    if (!fault.empty()) return fault;
+    entries_.push_back(entry);
+    table_.nodes[number].entry = static_cast<RegistryEntry>(entries_.size());
     return ReadId(number, node);
   }
 
-  bool CheckKeys(std::size_t number, Dictionary node,
-                 std::initializer_list<std::string_view> known) {
+  std::string CheckKeys(std::size_t number, Dictionary node,
+                        std::initializer_list<std::string_view> known) const {
     const auto unknown = DescribeUnknownKey(node, known);
-    if (!unknown.empty()) return FailAt(number, unknown);
-    return true;
+    return unknown.empty() ? unknown : table_.FaultAt(number, unknown);
   }
 
-  // The string under `key`, left as it was when the key is absent.
-  bool ReadText(std::size_t number, Dictionary node, std::string_view key, std::string_view& text) {
+  // The string under `key`; `text` is left as it was when the key is absent.
+  std::string ReadText(std::size_t number, Dictionary node, std::string_view key,
+                       std::string_view& text) const {
     const auto* value = node.Find(key);
-    if (value == nullptr) return true;
+    if (value == nullptr) return {};
     const auto string = value->AsString();
-    if (!string) return FailAt(number, Quoted(key) + " is not a string");
+    if (!string) return table_.FaultAt(number, Quoted(key) + " is not a string");
     text = *string;
-    return true;
+    return {};
   }
 
-  bool ReadName(std::size_t number, Dictionary node, std::string_view& name) {
+  std::string ReadName(std::size_t number, Dictionary node, std::string_view& name) const {
     if (node.Find("Name") == nullptr) {
-      if (nodes_[number].parent != NoNode) return FailAt(number, "\"Name\" is missing");
-      return true;
+      const bool isRoot = table_.nodes[number].parent == NoNode;
+      return isRoot ? std::string() : table_.FaultAt(number, "\"Name\" is missing");
     }
-    if (!ReadText(number, node, "Name", name)) return false;
-    if (name.empty()) return FailAt(number, "\"Name\" is empty");
-    if (name.find('/') != std::string::npos) return FailAt(number, "\"Name\" holds a \"/\"");
-    return true;
+    auto fault = ReadText(number, node, "Name", name);
+    if (!fault.empty()) return fault;
+    if (name.empty()) return table_.FaultAt(number, "\"Name\" is empty");
+    if (name.find('/') == std::string_view::npos) return {};
+    return table_.FaultAt(number, "\"Name\" holds a \"/\"");
   }
 
-  bool ReadClass(std::size_t number, Dictionary node, std::string_view& name) {
-    if (!ReadText(number, node, "Class", name)) return false;
-    const bool isEmpty = name.empty() && node.Find("Class") != nullptr;
-    return !isEmpty || FailAt(number, "\"Class\" is empty");
+  std::string ReadClass(std::size_t number, Dictionary node, std::string_view& name) const {
+    auto fault = ReadText(number, node, "Class", name);
+    if (!fault.empty() || !name.empty() || node.Find("Class") == nullptr) return fault;
+    return table_.FaultAt(number, "\"Class\" is empty");
   }
 
-  bool ReadProperties(std::size_t number, Dictionary node, Dictionary& properties) {
+  std::string ReadProperties(std::size_t number, Dictionary node, Dictionary& properties) const {
     const auto* value = node.Find("Properties");
-    if (value == nullptr) return true;
-    if (!value->AsDictionary()) {
-      return FailAt(number, "\"Properties\" is not a dictionary");
-    }
-    properties = *value->AsDictionary();
-    return true;
+    if (value == nullptr) return {};
+    const auto dictionary = value->AsDictionary();
+    if (!dictionary) return table_.FaultAt(number, "\"Properties\" is not a dictionary");
+    properties = *dictionary;
+    return {};
   }
 
-  bool ReadId(std::size_t number, Dictionary node) {
-    if (node.Find("ID") == nullptr) return true;
+  std::string ReadId(std::size_t number, Dictionary node) {
+    if (node.Find("ID") == nullptr) return {};
     std::string_view id;
-    if (!ReadText(number, node, "ID", id)) return false;
-    if (id.empty()) return FailAt(number, "\"ID\" is empty");
-    const IdentifiedEntry identified{nodes_[number].entry, nodes_[number].plane};
-    if (entriesById_.emplace(id, identified).second) return true;
-    return FailAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
+    auto fault = ReadText(number, node, "ID", id);
+    if (!fault.empty()) return fault;
+    if (id.empty()) return table_.FaultAt(number, "\"ID\" is empty");
+    const auto& [plane, parent, ordinal, entry] = table_.nodes[number];
+    if (table_.entriesById.emplace(id, IdentifiedEntry{entry, plane}).second) return {};
+    return table_.FaultAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
   }
 
-  bool ReadChildren(std::size_t number, Dictionary node) {
+  std::string ReadChildren(std::size_t number, Dictionary node) {
     const auto* value = node.Find("Children");
-    if (value == nullptr) return true;
+    if (value == nullptr) return {};
     const auto children = value->AsArray();
-    if (!children) return FailAt(number, "\"Children\" is not an array");
+    if (!children) return table_.FaultAt(number, "\"Children\" is not an array");
     for (std::size_t i = 0; i < children->size(); ++i) {
-      if (!ReadNode((*children)[i], number, i)) return false;
+      auto fault = ReadNode((*children)[i], number, i);
+      if (!fault.empty()) return fault;
     }
-    return true;
+    return {};
   }
 
-  bool ResolveLinks() {
-    for (const auto& [number, id] : links_) {
-      const auto target = entriesById_.find(id);
-      if (target == entriesById_.end()) return FailAt(number, "no entry has the ID " + Quoted(id));
-      if (target->second.plane == nodes_[number].plane) return FailTwiceInPlane(number);
-      nodes_[number].entry = target->second.entry;
-    }
-    return true;
-  }
-
-  bool FailTwiceInPlane(std::size_t number) {
-    return FailAt(number, "the entry already stands in this plane");
-  }
-
-  bool PlaceEntries() {
-    for (std::size_t number = 0; number < nodes_.size(); ++number) {
-      const auto& node = nodes_[number];
-      auto& plane = recording_.planes[planeNames_[node.plane]];
-      const bool isRoot = node.parent == NoNode;
-      const RegistryEntry parent = isRoot ? 0 : nodes_[node.parent].entry;
-      if (!plane.placements.try_emplace(node.entry, RecordedPlane::Placement{parent, {}}).second) {
-        return FailTwiceInPlane(number);
-      }
-      if (isRoot) {
-        plane.root = node.entry;
-      } else {
-        plane.placements[parent].children.push_back(node.entry);
-      }
-    }
-    return true;
-  }
-
-  Recording recording_;
-  std::string error_;
-  std::vector<std::string_view> planeNames_;  // the last one is being read
-  std::vector<Node> nodes_;
-  std::vector<Link> links_;
-  std::map<std::string_view, IdentifiedEntry> entriesById_;
+  NodeTable& table_;
+  std::vector<RecordedEntry>& entries_;
 };
+
+std::string ReadPlanes(Dictionary top, NodeTable& table, std::vector<RecordedEntry>& entries) {
+  const auto* value = top.Find("Planes");
+  if (value == nullptr) return "\"Planes\" is missing";
+  const auto planes = value->AsDictionary();
+  if (!planes) return "Planes: not a dictionary";
+  NodeReader reader(table, entries);
+  for (const auto& [name, root] : planes->Entries()) {
+    if (name.empty()) return "Planes: the name of a plane is empty";
+    if (name.find(':') != std::string_view::npos) {
+      return "Planes: the name " + Quoted(name) + " contains a \":\"";
+    }
+    table.planeNames.push_back(name);
+    auto fault = reader.ReadNode(root, NoNode, 0);
+    if (!fault.empty()) return fault;
+  }
+  return {};
+}
+
+constexpr char TwiceInPlane[] = "the entry already stands in this plane";
+
+std::string ResolveLinks(NodeTable& table) {
+  for (const auto& [number, id] : table.links) {
+    const auto target = table.entriesById.find(id);
+    if (target == table.entriesById.end()) {
+      return table.FaultAt(number, "no entry has the ID " + Quoted(id));
+    }
+    auto& node = table.nodes[number];
+    if (target->second.plane == node.plane) return table.FaultAt(number, TwiceInPlane);
+    node.entry = target->second.entry;
+  }
+  return {};
+}
+
+std::string PlaceEntries(const NodeTable& table, Recording& recording) {
+  for (std::size_t number = 0; number < table.nodes.size(); ++number) {
+    const auto& node = table.nodes[number];
+    auto& plane = recording.planes[table.planeNames[node.plane]];
+    const bool isRoot = node.parent == NoNode;
+    const RegistryEntry parent = isRoot ? 0 : table.nodes[node.parent].entry;
+    if (!plane.placements.try_emplace(node.entry, RecordedPlane::Placement{parent, {}}).second) {
+      return table.FaultAt(number, TwiceInPlane);
+    }
+    if (isRoot) {
+      plane.root = node.entry;
+    } else {
+      plane.placements[parent].children.push_back(node.entry);
+    }
+  }
+  return {};
+}
+
+std::string ReadTopLevel(const PropertyValue& value, Recording& recording) {
+  const auto top = value.AsDictionary();
+  if (!top) return "a recording is a dictionary";
+  NodeTable table;
+  auto fault = CheckVersion(*top);
+  if (fault.empty()) {
+    fault = DescribeUnknownKey(*top, {"Recording Version", "Classes", "Planes"});
+  }
+  if (fault.empty()) fault = ReadClasses(*top, recording);
+  if (fault.empty()) fault = ReadPlanes(*top, table, recording.entries);
+  if (fault.empty()) fault = ResolveLinks(table);
+  if (fault.empty()) fault = PlaceEntries(table, recording);
+  return fault;
+}
 
 }  // namespace
 
@@ -298,7 +307,11 @@ Result<Recording> InterpretRecording(PropertyListReading reading) {
 }
 
 Result<Recording> InterpretRecording(PropertyList list) {
-  return RecordingReader().Read(std::move(list));
+  Recording recording;
+  auto fault = ReadTopLevel(list.value, recording);
+  if (!fault.empty()) return Error{std::move(fault)};
+  recording.list = std::move(list);
+  return recording;
 }
 
 }  // namespace fernwick

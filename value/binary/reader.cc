@@ -55,63 +55,26 @@ struct Object {
   std::uint8_t Size() const { return marker & 0xF; }
 };
 
-// What is known of an object.
-enum class State : std::uint8_t {
-  New,
-  Open,   // a container around what is being read
-  Known,  // an ASCII string that has been checked
-};
-
-class BinaryPropertyListReader {
+// The objects of a file by their numbers: where each is and what its marker says. Keeps the first
+// fault of the whole reading.
+class BinaryObjects {
  public:
-  BinaryPropertyListReader(std::string_view file, Arena& arena, LocationBuilder* locations)
-      : file_(file), arena_(arena), locations_(locations) {}
+  explicit BinaryObjects(std::string_view file) : file_(file) {}
 
-  Result<PropertyValue> Read() {
-    PropertyValue value;
-    if (ReadFile(value)) return value;
-    return Error{fault_.Message(), FileLocation{.byte = fault_.Offset()}};
-  }
+  // Checks the header and the trailer.
+  bool ReadLayout() { return layout_.Read(file_, fault_); }
 
- private:
-  bool ReadFile(PropertyValue& value) {
-    if (!layout_.Read(file_, fault_)) return false;
-    states_.resize(static_cast<std::size_t>(layout_.ObjectCount()), State::New);
-    return ReadValue(layout_.TopObject(), TopObjectReference(), value);
-  }
-
-  // Where the trailer names the top object.
-  std::size_t TopObjectReference() const { return file_.size() - 16; }
+  std::string_view File() const { return file_; }
+  const BinaryLayout& Layout() const { return layout_; }
+  const ParseFault& Fault() const { return fault_; }
 
   // Not part of its many callers, which would be the slower for it.
   [[gnu::noinline]] bool Fail(std::size_t offset, const char* message) {
     return fault_.Set(offset, message);
   }
 
-  // Counts values before memory is allocated for them.
-  bool CountValues(std::size_t offset, std::uint64_t count) {
-    if (count > file_.size() + SharedValues - values_) {
-      return Fail(offset, "more values than the size of the file allows");
-    }
-    values_ += count;
-    return true;
-  }
-
-  // Counts the bytes of a key, a string or data, as many as they are in the file.
-  bool CountBytes(std::size_t offset, std::uint64_t count) {
-    if (count > file_.size() + SharedBytes - bytes_) {
-      return Fail(offset, "more bytes of keys, strings and data than the size of the file allows");
-    }
-    bytes_ += count;
-    return true;
-  }
-
-  // Counts the bytes of a UTF-16 string that is decoded for the first time. Strings that do not
-  // overlap fit into the file together; those that do could make it decode to any amount of text.
-  bool CountText(const Object& object, std::string_view bytes) {
-    if (bytes.size() > file_.size() - textBytes_) return Fail(object.offset, "strings overlap");
-    textBytes_ += bytes.size();
-    return true;
+  bool FailUnknown(const Object& object) {
+    return Fail(object.offset, "an unknown kind of object");
   }
 
   // Finds the object that `referrer` (a byte offset) names.
@@ -140,6 +103,7 @@ class BinaryPropertyListReader {
     return count != CountFollows || ReadExtendedCount(object, count);
   }
 
+ private:
   bool ReadExtendedCount(Object& object, std::uint64_t& count) {
     std::string_view bytes;
     if (!Bytes(object, 1, bytes)) return false;
@@ -155,91 +119,77 @@ class BinaryPropertyListReader {
     return true;
   }
 
-  bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
-    Object object{};
-    if (!Locate(number, referrer, object)) return false;
-    if (locations_ != nullptr) locations_->BeginValue(object.offset);
-    if (!ReadContents(object, value)) return false;
-    if (locations_ != nullptr) locations_->EndValue();
-    return true;
-  }
+  std::string_view file_;
+  BinaryLayout layout_;
+  ParseFault fault_;
+};
 
-  bool ReadContents(const Object& object, PropertyValue& value) {
-    switch (object.Kind()) {
-      case ObjectKind::Simple: return ReadSimple(object, value);
-      case ObjectKind::Integer: return ReadInteger(object, value);
-      case ObjectKind::Real: return ReadReal(object, value);
-      case ObjectKind::Date: return ReadDate(object, value);
-      case ObjectKind::Data: return ReadData(object, value);
-      case ObjectKind::AsciiString:
-      case ObjectKind::Utf16String: return ReadString(object, value);
-      case ObjectKind::Array:
-      case ObjectKind::Dictionary: return ReadContainer(object, value);
-      case ObjectKind::Uid: return Fail(object.offset, "a UID is no property-list value");
-      case ObjectKind::Set: return Fail(object.offset, "a set is no property-list value");
-    }
-    return FailUnknown(object);
-  }
+bool ReadSimple(BinaryObjects& objects, const Object& object, PropertyValue& value) {
+  if (object.marker == NullMarker)
+    return objects.Fail(object.offset, "null is no property-list value");
+  if (object.marker != FalseMarker && object.marker != TrueMarker)
+    return objects.FailUnknown(object);
+  value = object.marker == TrueMarker;
+  return true;
+}
 
-  bool FailUnknown(const Object& object) {
-    return Fail(object.offset, "an unknown kind of object");
+bool ReadWideInteger(BinaryObjects& objects, const Object& object, std::string_view bytes,
+                     PropertyValue& value) {
+  constexpr std::uint64_t SignBit = std::uint64_t{1} << 63;
+  const std::uint64_t high = BigEndianNumber(bytes.substr(0, 8));
+  const std::uint64_t low = BigEndianNumber(bytes.substr(8));
+  const bool isNegative = high == ~std::uint64_t{0} && low >= SignBit;
+  if (high != 0 && !isNegative) {
+    return objects.Fail(object.offset, "an integer lies outside -2^63 to 2^64-1");
   }
+  value = isNegative ? Integer(static_cast<std::int64_t>(low)) : Integer(low);
+  return true;
+}
 
-  bool ReadSimple(const Object& object, PropertyValue& value) {
-    if (object.marker == NullMarker) return Fail(object.offset, "null is no property-list value");
-    if (object.marker != FalseMarker && object.marker != TrueMarker) return FailUnknown(object);
-    value = object.marker == TrueMarker;
-    return true;
-  }
+// One, two and four bytes are unsigned, eight and sixteen signed.
+bool ReadInteger(BinaryObjects& objects, const Object& object, PropertyValue& value) {
+  if (object.Size() > 4) return objects.FailUnknown(object);
+  const std::size_t width = std::size_t{1} << object.Size();
+  std::string_view bytes;
+  if (!objects.Bytes(object, width, bytes)) return false;
+  if (width == 16) return ReadWideInteger(objects, object, bytes, value);
+  const std::uint64_t bits = objects.Layout().NumberAt(object.contents, width);
+  value = width == 8 ? Integer(static_cast<std::int64_t>(bits)) : Integer(bits);
+  return true;
+}
 
-  // One, two and four bytes are unsigned, eight and sixteen signed.
-  bool ReadInteger(const Object& object, PropertyValue& value) {
-    if (object.Size() > 4) return FailUnknown(object);
-    const std::size_t width = std::size_t{1} << object.Size();
-    std::string_view bytes;
-    if (!Bytes(object, width, bytes)) return false;
-    if (width == 16) return ReadWideInteger(object, bytes, value);
-    const std::uint64_t bits = layout_.NumberAt(object.contents, width);
-    value = width == 8 ? Integer(static_cast<std::int64_t>(bits)) : Integer(bits);
-    return true;
-  }
+bool ReadReal(BinaryObjects& objects, const Object& object, PropertyValue& value) {
+  std::string_view bytes;
+  if (object.Size() != 2 && object.Size() != 3) return objects.FailUnknown(object);
+  if (!objects.Bytes(object, std::size_t{1} << object.Size(), bytes)) return false;
+  const std::uint64_t bits = objects.Layout().NumberAt(object.contents, bytes.size());
+  value = object.Size() == 3 ? std::bit_cast<double>(bits)
+                             : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
+  return true;
+}
 
-  bool ReadWideInteger(const Object& object, std::string_view bytes, PropertyValue& value) {
-    constexpr std::uint64_t SignBit = std::uint64_t{1} << 63;
-    const std::uint64_t high = BigEndianNumber(bytes.substr(0, 8));
-    const std::uint64_t low = BigEndianNumber(bytes.substr(8));
-    const bool isNegative = high == ~std::uint64_t{0} && low >= SignBit;
-    if (high != 0 && !isNegative) {
-      return Fail(object.offset, "an integer lies outside -2^63 to 2^64-1");
-    }
-    value = isNegative ? Integer(static_cast<std::int64_t>(low)) : Integer(low);
-    return true;
-  }
+bool ReadDate(BinaryObjects& objects, const Object& object, PropertyValue& value) {
+  std::string_view bytes;
+  if (object.marker != DateMarker) return objects.FailUnknown(object);
+  if (!objects.Bytes(object, 8, bytes)) return false;
+  const auto date = DateFromSecondsSince2001(std::bit_cast<double>(BigEndianNumber(bytes)));
+  if (!date) return objects.Fail(object.offset, "a date lies outside the years 1 to 9999");
+  value = *date;
+  return true;
+}
 
-  bool ReadReal(const Object& object, PropertyValue& value) {
-    std::string_view bytes;
-    if (object.Size() != 2 && object.Size() != 3) return FailUnknown(object);
-    if (!Bytes(object, std::size_t{1} << object.Size(), bytes)) return false;
-    const std::uint64_t bits = layout_.NumberAt(object.contents, bytes.size());
-    value = object.Size() == 3 ? std::bit_cast<double>(bits)
-                               : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
-    return true;
-  }
+// Reads keys, strings and data, and counts their bytes each time one is reached.
+class BinaryTexts {
+ public:
+  BinaryTexts(BinaryObjects& objects, Arena& arena) : objects_(objects), arena_(arena) {}
 
-  bool ReadDate(const Object& object, PropertyValue& value) {
-    std::string_view bytes;
-    if (object.marker != DateMarker) return FailUnknown(object);
-    if (!Bytes(object, 8, bytes)) return false;
-    const auto date = DateFromSecondsSince2001(std::bit_cast<double>(BigEndianNumber(bytes)));
-    if (!date) return Fail(object.offset, "a date lies outside the years 1 to 9999");
-    value = *date;
-    return true;
-  }
+  // REQUIRES: the layout has been read; called once, before all else.
+  void Prepare() { isChecked_.resize(static_cast<std::size_t>(objects_.Layout().ObjectCount())); }
 
   bool ReadData(Object object, PropertyValue& value) {
     std::uint64_t size = 0;
     std::string_view bytes;
-    if (!ReadCount(object, size) || !Bytes(object, size, bytes)) return false;
+    if (!objects_.ReadCount(object, size) || !objects_.Bytes(object, size, bytes)) return false;
     if (!CountBytes(object.offset, size)) return false;
     value = Data{bytes};
     return true;
@@ -257,28 +207,51 @@ class BinaryPropertyListReader {
     return isAscii ? ReadAsciiText(object, text) : ReadUtf16Text(object, text);
   }
 
+ private:
+  // Counts the bytes of a key, a string or data, as many as they are in the file.
+  bool CountBytes(std::size_t offset, std::uint64_t count) {
+    if (count > objects_.File().size() + SharedBytes - bytes_) {
+      return objects_.Fail(offset,
+                           "more bytes of keys, strings and data than the size of the file allows");
+    }
+    bytes_ += count;
+    return true;
+  }
+
+  // Counts the bytes of a UTF-16 string that is decoded for the first time. Strings that do not
+  // overlap fit into the file together; those that do could make it decode to any amount of text.
+  bool CountText(const Object& object, std::string_view bytes) {
+    if (bytes.size() > objects_.File().size() - textBytes_)
+      return objects_.Fail(object.offset, "strings overlap");
+    textBytes_ += bytes.size();
+    return true;
+  }
+
   bool ReadAsciiText(Object object, std::string_view& text) {
     std::uint64_t size = 0;
-    if (!ReadCount(object, size) || !Bytes(object, size, text)) return false;
+    if (!objects_.ReadCount(object, size) || !objects_.Bytes(object, size, text)) return false;
     if (!CountBytes(object.offset, size)) return false;
-    if (states_[object.number] == State::New) {
+    if (!isChecked_[object.number]) {
       if (!IsPlainAscii(text)) return FailUnusualAscii(object, text);
-      states_[object.number] = State::Known;
+      isChecked_[object.number] = true;
     }
     return true;
   }
 
   bool FailUnusualAscii(const Object& object, std::string_view bytes) {
     const bool isAscii = std::ranges::none_of(bytes, [](char byte) { return (byte & 0x80) != 0; });
-    return isAscii ? FailNotXmlCharacter(object) : Fail(object.offset, "a string is not ASCII");
+    return isAscii ? FailNotXmlCharacter(object)
+                   : objects_.Fail(object.offset, "a string is not ASCII");
   }
 
   bool ReadUtf16Text(Object object, std::string_view& text) {
     std::uint64_t units = 0;
     std::string_view bytes;
-    if (!ReadCount(object, units)) return false;
-    if (units > file_.size()) return Fail(object.offset, "an object is cut short");
-    if (!Bytes(object, units * 2, bytes) || !CountBytes(object.offset, bytes.size())) return false;
+    if (!objects_.ReadCount(object, units)) return false;
+    if (units > objects_.File().size())
+      return objects_.Fail(object.offset, "an object is cut short");
+    if (!objects_.Bytes(object, units * 2, bytes) || !CountBytes(object.offset, bytes.size()))
+      return false;
     const auto known = decodedTexts_.find(object.offset);
     if (known == decodedTexts_.end()) return DecodeUtf16Text(object, bytes, text);
     text = known->second;
@@ -288,7 +261,7 @@ class BinaryPropertyListReader {
   bool DecodeUtf16Text(const Object& object, std::string_view bytes, std::string_view& text) {
     if (!CountText(object, bytes)) return false;
     const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
-    if (transcoded.invalidAt != npos) return Fail(object.offset, "a string is not UTF-16");
+    if (transcoded.invalidAt != npos) return objects_.Fail(object.offset, "a string is not UTF-16");
     if (FindInvalidText(transcoded.text) != npos) return FailNotXmlCharacter(object);
     text = arena_.Copy(transcoded.text);
     decodedTexts_.emplace(object.offset, text);
@@ -296,19 +269,85 @@ class BinaryPropertyListReader {
   }
 
   bool FailNotXmlCharacter(const Object& object) {
-    return Fail(object.offset, "a string holds a character that XML cannot carry");
+    return objects_.Fail(object.offset, "a string holds a character that XML cannot carry");
+  }
+
+  BinaryObjects& objects_;
+  Arena& arena_;
+  std::uint64_t bytes_ = 0;      // of keys, strings and data reached so far
+  std::uint64_t textBytes_ = 0;  // of UTF-16 strings decoded so far
+  std::vector<bool> isChecked_;  // by object: an ASCII string that needs no second look
+  // UTF-16 strings that have been decoded, by their offset. Ordered, as a file chooses the offsets
+  // and could make hashes collide.
+  std::map<std::size_t, std::string_view> decodedTexts_;
+};
+
+class BinaryPropertyListReader {
+ public:
+  BinaryPropertyListReader(std::string_view file, Arena& arena, LocationBuilder* locations)
+      : objects_(file), texts_(objects_, arena), arena_(arena), locations_(locations) {}
+
+  Result<PropertyValue> Read() {
+    PropertyValue value;
+    if (ReadFile(value)) return value;
+    return Error{objects_.Fault().Message(), FileLocation{.byte = objects_.Fault().Offset()}};
+  }
+
+ private:
+  bool ReadFile(PropertyValue& value) {
+    if (!objects_.ReadLayout()) return false;
+    texts_.Prepare();
+    isOpen_.resize(static_cast<std::size_t>(objects_.Layout().ObjectCount()));
+    return ReadValue(objects_.Layout().TopObject(), TopObjectReference(), value);
+  }
+
+  // Where the trailer names the top object.
+  std::size_t TopObjectReference() const { return objects_.File().size() - 16; }
+
+  bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
+    Object object{};
+    if (!objects_.Locate(number, referrer, object)) return false;
+    if (locations_ != nullptr) locations_->BeginValue(object.offset);
+    if (!ReadContents(object, value)) return false;
+    if (locations_ != nullptr) locations_->EndValue();
+    return true;
+  }
+
+  bool ReadContents(const Object& object, PropertyValue& value) {
+    switch (object.Kind()) {
+      case ObjectKind::Simple: return ReadSimple(objects_, object, value);
+      case ObjectKind::Integer: return ReadInteger(objects_, object, value);
+      case ObjectKind::Real: return ReadReal(objects_, object, value);
+      case ObjectKind::Date: return ReadDate(objects_, object, value);
+      case ObjectKind::Data: return texts_.ReadData(object, value);
+      case ObjectKind::AsciiString:
+      case ObjectKind::Utf16String: return texts_.ReadString(object, value);
+      case ObjectKind::Array:
+      case ObjectKind::Dictionary: return ReadContainer(object, value);
+      case ObjectKind::Uid: return objects_.Fail(object.offset, "a UID is no property-list value");
+      case ObjectKind::Set: return objects_.Fail(object.offset, "a set is no property-list value");
+    }
+    return objects_.FailUnknown(object);
+  }
+
+  // Counts values before memory is allocated for them.
+  bool CountValues(std::size_t offset, std::uint64_t count) {
+    if (count > objects_.File().size() + SharedValues - values_) {
+      return objects_.Fail(offset, "more values than the size of the file allows");
+    }
+    values_ += count;
+    return true;
   }
 
   // A container is read each time it is reached: how often that is, CountValues bounds.
   bool ReadContainer(const Object& object, PropertyValue& value) {
-    auto& state = states_[object.number];
-    if (state == State::Open) return Fail(object.offset, "an object contains itself");
-    if (nesting_ == MaximumNesting) return Fail(object.offset, NestedTooDeeply);
+    if (isOpen_[object.number]) return objects_.Fail(object.offset, "an object contains itself");
+    if (nesting_ == MaximumNesting) return objects_.Fail(object.offset, NestedTooDeeply);
     ++nesting_;
-    state = State::Open;
+    isOpen_[object.number] = true;
     const bool isArray = object.Kind() == ObjectKind::Array;
     if (!(isArray ? ReadArray(object, value) : ReadDictionary(object, value))) return false;
-    state = State::New;
+    isOpen_[object.number] = false;
     --nesting_;
     return true;
   }
@@ -317,17 +356,18 @@ class BinaryPropertyListReader {
   // references each.
   bool ReadReferences(Object object, std::uint64_t perElement, std::uint64_t& count,
                       std::size_t& references) {
-    if (!ReadCount(object, count)) return false;
-    if (count > file_.size()) return Fail(object.offset, "an object is cut short");
-    const std::uint64_t size = count * perElement * layout_.ReferenceWidth();
+    if (!objects_.ReadCount(object, count)) return false;
+    if (count > objects_.File().size())
+      return objects_.Fail(object.offset, "an object is cut short");
+    const std::uint64_t size = count * perElement * objects_.Layout().ReferenceWidth();
     std::string_view bytes;
     references = object.contents;
-    return Bytes(object, size, bytes) && CountValues(object.offset, count);
+    return objects_.Bytes(object, size, bytes) && CountValues(object.offset, count);
   }
 
   std::uint64_t ReferenceAt(std::size_t references, std::uint64_t index) const {
-    const std::size_t width = layout_.ReferenceWidth();
-    return layout_.NumberAt(references + static_cast<std::size_t>(index) * width, width);
+    const std::size_t width = objects_.Layout().ReferenceWidth();
+    return objects_.Layout().NumberAt(references + static_cast<std::size_t>(index) * width, width);
   }
 
   bool ReadArray(const Object& object, PropertyValue& value) {
@@ -361,28 +401,22 @@ class BinaryPropertyListReader {
 
   bool ReadKey(std::uint64_t number, std::size_t referrer, std::string_view& key) {
     Object object{};
-    if (!Locate(number, referrer, object)) return false;
+    if (!objects_.Locate(number, referrer, object)) return false;
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
-      return Fail(object.offset, "a key is not a string");
+      return objects_.Fail(object.offset, "a key is not a string");
     }
-    if (!ReadText(object, key)) return false;
+    if (!texts_.ReadText(object, key)) return false;
     if (locations_ != nullptr) locations_->Key(key, object.offset);
     return true;
   }
 
-  std::string_view file_;
+  BinaryObjects objects_;
+  BinaryTexts texts_;
   Arena& arena_;
   LocationBuilder* locations_;  // may be null
-  BinaryLayout layout_;
-  ParseFault fault_;
-  std::uint64_t values_ = 1;     // reached so far; the top object is referred to by no other
-  std::uint64_t bytes_ = 0;      // of keys, strings and data reached so far
-  std::uint64_t textBytes_ = 0;  // of UTF-16 strings decoded so far
+  std::uint64_t values_ = 1;    // reached so far; the top object is referred to by no other
   std::size_t nesting_ = 0;
-  std::vector<State> states_;  // by object
-  // UTF-16 strings that have been decoded, by their offset. Ordered, as a file chooses the offsets
-  // and could make hashes collide.
-  std::map<std::size_t, std::string_view> decodedTexts_;
+  std::vector<bool> isOpen_;  // by object: a container around what is being read
 };
 
 }  // namespace

@@ -12,10 +12,53 @@
 namespace fernwick {
 namespace {
 
+// Reads strings, quoted or not, and data. They view the text or the arena.
+class TextLeaves {
+ public:
+  TextLeaves(TextCursor& cursor, Arena& arena) : cursor_(cursor), arena_(arena) {}
+
+  bool ReadLeaf(PropertyValue& value) {
+    std::string_view string;
+    if (!cursor_.LookingAt('<')) {
+      if (!ReadString(string, "a value")) return false;
+      value = string;
+      return true;
+    }
+    std::string bytes;
+    if (!cursor_.ReadData(bytes)) return false;
+    value = Data{arena_.Copy(bytes)};
+    return true;
+  }
+
+  // `what` names in a message what was expected.
+  bool ReadString(std::string_view& kept, const char* what) {
+    if (!cursor_.LookingAtQuote()) {
+      kept = cursor_.ReadUnquoted();
+      if (!kept.empty()) return true;
+      return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
+    }
+    std::string_view string;
+    if (!cursor_.ReadQuoted(string, scratch_)) return false;
+    kept = string.data() == scratch_.data() ? arena_.Copy(string) : string;
+    return true;
+  }
+
+ private:
+  TextCursor& cursor_;
+  Arena& arena_;
+  std::string scratch_;
+};
+
+Dictionary MakeDictionary(std::vector<DictionaryEntry>& entries, Arena& arena) {
+  return arena.Copy(std::span<const DictionaryEntry>(WithoutRepeatedKeys(entries)));
+}
+
+using MaybeValue = std::optional<PropertyValue>;  // empty: the cursor has the fault
+
 class TextPropertyListReader {
  public:
   TextPropertyListReader(std::string_view text, Arena& arena, LocationBuilder* locations)
-      : text_(text), cursor_(text), arena_(arena), locations_(locations) {}
+      : text_(text), cursor_(text), leaves_(cursor_, arena), arena_(arena), locations_(locations) {}
 
   Result<PropertyValue> Read() {
     const auto value = ReadTopLevel();
@@ -24,10 +67,8 @@ class TextPropertyListReader {
   }
 
  private:
-  using MaybeValue = std::optional<PropertyValue>;  // nothing: the fault is set
-
-  MaybeValue Fail(std::size_t offset, std::string message) {
-    cursor_.Fail(offset, std::move(message));
+  MaybeValue Fail(std::size_t offset, const char* message) {
+    cursor_.Fail(offset, message);
     return std::nullopt;
   }
 
@@ -40,7 +81,7 @@ class TextPropertyListReader {
     }
     const bool isQuoted = cursor_.LookingAtQuote();
     std::string_view string;
-    if (!ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
+    if (!leaves_.ReadString(string, "a value") || !cursor_.SkipBlanks()) return std::nullopt;
     BeginValue(start);
     if (cursor_.LookingAt('=')) return ReadBarePairs(start, string);
     EndValue();
@@ -64,7 +105,7 @@ class TextPropertyListReader {
     LocateKey(start, firstKey);
     if (!ReadPairs(firstKey, entries)) return std::nullopt;
     EndValue();
-    return ExpectEnd(MakeDictionary(entries));
+    return ExpectEnd(MakeDictionary(entries, arena_));
   }
 
   void BeginValue(std::size_t offset) {
@@ -87,23 +128,16 @@ class TextPropertyListReader {
   }
 
   MaybeValue ReadContents() {
-    if (cursor_.LookingAt('{')) return ReadNested(&TextPropertyListReader::ReadDictionary);
-    if (cursor_.LookingAt('(')) return ReadNested(&TextPropertyListReader::ReadArray);
-    if (cursor_.LookingAt('<')) {
-      std::string bytes;
-      if (!cursor_.ReadData(bytes)) return std::nullopt;
-      return Data{arena_.Copy(bytes)};
+    const bool isDictionary = cursor_.LookingAt('{');
+    if (isDictionary || cursor_.LookingAt('(')) {
+      if (nesting_ == MaximumNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
+      ++nesting_;
+      const auto container = isDictionary ? ReadDictionary() : ReadArray();
+      --nesting_;
+      return container;
     }
-    std::string_view string;
-    if (!ReadString(string, "a value")) return std::nullopt;
-    return string;
-  }
-
-  MaybeValue ReadNested(MaybeValue (TextPropertyListReader::*read)()) {
-    if (nesting_ == MaximumNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
-    ++nesting_;
-    auto value = (this->*read)();
-    --nesting_;
+    PropertyValue value;
+    if (!leaves_.ReadLeaf(value)) return std::nullopt;
     return value;
   }
 
@@ -131,11 +165,10 @@ class TextPropertyListReader {
     if (!cursor_.SkipBlanks()) return std::nullopt;
     if (!AtEndOfPairs()) {
       std::string_view key;
-      if (!ReadKey(key)) return std::nullopt;
-      if (!ReadPairs(key, entries)) return std::nullopt;
+      if (!ReadKey(key) || !ReadPairs(key, entries)) return std::nullopt;
     }
     if (!cursor_.Take('}')) return Fail(start, "a dictionary does not end");
-    return MakeDictionary(entries);
+    return MakeDictionary(entries, arena_);
   }
 
   bool AtEndOfPairs() const { return cursor_.AtEnd() || cursor_.LookingAt('}'); }
@@ -159,35 +192,17 @@ class TextPropertyListReader {
 
   bool ReadKey(std::string_view& key) {
     const std::size_t start = cursor_.Offset();
-    if (!ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
+    if (!leaves_.ReadString(key, "a key") || !cursor_.SkipBlanks()) return false;
     LocateKey(start, key);
     return true;
   }
 
-  bool ReadString(std::string_view& kept, const char* what) {
-    if (!cursor_.LookingAtQuote()) {
-      const auto string = cursor_.ReadUnquoted();
-      if (string.empty())
-        return cursor_.Fail(cursor_.Offset(), std::string(what) + " was expected");
-      kept = string;
-      return true;
-    }
-    std::string_view string;
-    if (!cursor_.ReadQuoted(string, scratch_)) return false;
-    kept = string.data() == scratch_.data() ? arena_.Copy(string) : string;
-    return true;
-  }
-
-  Dictionary MakeDictionary(std::vector<DictionaryEntry>& entries) {
-    return arena_.Copy(std::span<const DictionaryEntry>(WithoutRepeatedKeys(entries)));
-  }
-
   std::string_view text_;
   TextCursor cursor_;
+  TextLeaves leaves_;
   Arena& arena_;
   LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
-  std::string scratch_;
 };
 
 }  // namespace

@@ -17,10 +17,122 @@
 namespace fernwick {
 namespace {
 
+// The elements of a property list.
+enum class Element { None, String, Integer, Real, Boolean, Data, Date, Array, Dictionary };
+
+// The most frequent come first.
+Element ElementNamed(std::string_view name) {
+  if (name == "string") return Element::String;
+  if (name == "integer") return Element::Integer;
+  if (name == "dict") return Element::Dictionary;
+  if (name == "array") return Element::Array;
+  if (name == "true" || name == "false") return Element::Boolean;
+  if (name == "real") return Element::Real;
+  if (name == "data") return Element::Data;
+  return name == "date" ? Element::Date : Element::None;
+}
+
+bool FailUnknownElement(XmlCursor& cursor, const XmlStartTag& tag) {
+  if (tag.name == "key") {
+    return cursor.Fail(tag.offset, "<key> stands where a value was expected");
+  }
+  return cursor.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
+}
+
+std::optional<PropertyValue> ParseBoolean(std::string_view name, std::string_view text) {
+  if (!text.empty()) return std::nullopt;
+  return name == "true";
+}
+
+// Reads the elements that contain text alone: keys and leaves.
+class XmlLeaves {
+ public:
+  XmlLeaves(XmlCursor& cursor, Arena& arena) : cursor_(cursor), arena_(arena) {}
+
+  // The text of a <key>, its end tag included.
+  bool ReadKey(const XmlStartTag& tag, std::string_view& key) {
+    if (!ReadKeptText(tag, key)) return false;
+    key = Shared(key);
+    return true;
+  }
+
+  // The value of a leaf, its end tag included.
+  bool ReadLeaf(Element element, const XmlStartTag& tag, PropertyValue& value) {
+    std::string_view text;
+    if (element == Element::String) {
+      if (!ReadKeptText(tag, text)) return false;
+      value = text;
+      return true;
+    }
+    if (!ReadText(tag, text)) return false;
+    const auto parsed = Parse(element, tag.name, text);
+    if (!parsed) {
+      return cursor_.Fail(tag.offset,
+                          "\"" + Excerpt(text) + "\" is not a valid " + std::string(tag.name));
+    }
+    value = *parsed;
+    return true;
+  }
+
+ private:
+  std::optional<PropertyValue> Parse(Element element, std::string_view name,
+                                     std::string_view text) {
+    switch (element) {
+      case Element::Integer: return ParseInteger(text);
+      case Element::Real: return ParseReal(text);
+      case Element::Date: return ParseDate(text);
+      case Element::Data: return ParseData(text);
+      default: return ParseBoolean(name, text);
+    }
+  }
+
+  std::optional<PropertyValue> ParseData(std::string_view text) {
+    const auto bytes = DecodeBase64(text);
+    if (!bytes) return std::nullopt;
+    return Data{arena_.Copy(*bytes)};
+  }
+
+  // The text of a leaf element, its end tag included. It views the document or scratch_.
+  bool ReadText(const XmlStartTag& tag, std::string_view& text) {
+    text = {};
+    if (tag.isEmptyElement) return true;
+    if (!cursor_.ReadCharacters(text, scratch_)) return false;
+    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
+      return cursor_.Fail(cursor_.Offset(),
+                          "<" + std::string(tag.name) + "> holds something other than text");
+    }
+    return cursor_.ReadEndTag(tag.name);
+  }
+
+  // As ReadText, but the text views the document or the arena.
+  bool ReadKeptText(const XmlStartTag& tag, std::string_view& text) {
+    if (!ReadText(tag, text)) return false;
+    if (text.data() == scratch_.data()) text = arena_.Copy(text);
+    return true;
+  }
+
+  // Mostly the same view for equal keys: a file repeats its keys, and what compares many of them
+  // finds them in the processor's cache.
+  std::string_view Shared(std::string_view key) {
+    auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
+    if (recent != key) recent = key;
+    return recent;
+  }
+
+  XmlCursor& cursor_;
+  Arena& arena_;
+  std::string scratch_;
+  std::array<std::string_view, 256> recentKeys_;  // by hash
+};
+
 class XmlPropertyListReader {
  public:
   XmlPropertyListReader(std::string_view document, Arena& arena, LocationBuilder* locations)
-      : document_(document), cursor_(document), arena_(arena), locations_(locations) {}
+      : document_(document),
+        cursor_(document),
+        leaves_(cursor_, arena),
+        arena_(arena),
+        locations_(locations) {}
 
   Result<PropertyValue> Read() {
     if (ReadDocument()) return values_.back();
@@ -28,23 +140,6 @@ class XmlPropertyListReader {
   }
 
  private:
-  // Reads the content of an element and appends its value to values_.
-  using ContentReader = bool (XmlPropertyListReader::*)(const XmlStartTag&);
-
-  // Null for what is no property-list element. The most frequent come first.
-  static ContentReader ReaderOf(std::string_view element) {
-    using Reader = XmlPropertyListReader;
-    if (element == "string") return &Reader::ReadString;
-    if (element == "integer") return &Reader::ReadInteger;
-    if (element == "dict") return &Reader::ReadDictionary;
-    if (element == "array") return &Reader::ReadArray;
-    if (element == "true" || element == "false") return &Reader::ReadBoolean;
-    if (element == "real") return &Reader::ReadReal;
-    if (element == "data") return &Reader::ReadData;
-    if (element == "date") return &Reader::ReadDate;
-    return nullptr;
-  }
-
   bool ReadDocument() {
     if (!cursor_.SkipProlog()) return false;
     XmlStartTag tag;
@@ -84,16 +179,19 @@ class XmlPropertyListReader {
   }
 
   bool ReadElement(const XmlStartTag& tag) {
-    const auto read = ReaderOf(tag.name);
-    if (read != nullptr) {
-      if (locations_ != nullptr) locations_->BeginValue(tag.offset);
-      if (!(this->*read)(tag)) return false;
-      if (locations_ != nullptr) locations_->EndValue();
-      return true;
-    }
-    if (tag.name == "key")
-      return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
-    return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
+    const auto element = ElementNamed(tag.name);
+    if (element == Element::None) return FailUnknownElement(cursor_, tag);
+    if (locations_ != nullptr) locations_->BeginValue(tag.offset);
+    if (!ReadContent(element, tag)) return false;
+    if (locations_ != nullptr) locations_->EndValue();
+    return true;
+  }
+
+  // Reads the content of an element, its end tag included, and appends its value to values_.
+  bool ReadContent(Element element, const XmlStartTag& tag) {
+    if (element == Element::Dictionary) return ReadDictionary(tag);
+    if (element == Element::Array) return ReadArray(tag);
+    return leaves_.ReadLeaf(element, tag, values_.emplace_back());
   }
 
   bool Open(const XmlStartTag& tag) {
@@ -110,24 +208,25 @@ class XmlPropertyListReader {
 
   bool ReadArray(const XmlStartTag& tag) {
     const std::size_t first = values_.size();
-    if (!ReadContents(tag, &XmlPropertyListReader::ReadValue)) return false;
+    if (!ReadContents(tag, [this] { return ReadValue(); })) return false;
     return Produce(Array(TakeFrom(values_, first)));
   }
 
   bool ReadDictionary(const XmlStartTag& tag) {
     const std::size_t first = entries_.size();
-    if (!ReadContents(tag, &XmlPropertyListReader::ReadEntry)) return false;
+    if (!ReadContents(tag, [this] { return ReadEntry(); })) return false;
     const auto unique = WithoutRepeatedKeys(std::span(entries_).subspan(first));
     entries_.resize(first + unique.size());
     return Produce(Dictionary(TakeFrom(entries_, first)));
   }
 
   // Everything inside a container, each part by `readPart`, and its end tag.
-  bool ReadContents(const XmlStartTag& tag, bool (XmlPropertyListReader::*readPart)()) {
+  template <typename ReadPart>
+  bool ReadContents(const XmlStartTag& tag, ReadPart readPart) {
     if (!Open(tag)) return false;
     for (bool more = !tag.isEmptyElement; more;) {
       if (!AtNextElement(more)) return false;
-      if (more && !(this->*readPart)()) return false;
+      if (more && !readPart()) return false;
     }
     --nesting_;
     return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
@@ -149,76 +248,13 @@ class XmlPropertyListReader {
       return cursor_.Fail(tag.offset,
                           "<" + Excerpt(tag.name) + "> stands where <key> was expected");
     }
-    if (!ReadKeptText(tag, text) || !cursor_.SkipMiscellany()) return false;
-    text = Shared(text);
+    if (!leaves_.ReadKey(tag, text) || !cursor_.SkipMiscellany()) return false;
     if (locations_ != nullptr) locations_->Key(text, tag.offset);
     if (cursor_.LookingAt("</")) return cursor_.Fail(tag.offset, "a key has no value");
     if (!ReadValue()) return false;
     entries_.push_back({text, values_.back()});
     values_.pop_back();
     return true;
-  }
-
-  // The text of a leaf element, its end tag included. It views the document or scratch_.
-  bool ReadText(const XmlStartTag& tag, std::string_view& text) {
-    text = {};
-    if (tag.isEmptyElement) return true;
-    if (!cursor_.ReadCharacters(text, scratch_)) return false;
-    if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
-      return cursor_.Fail(cursor_.Offset(),
-                          "<" + std::string(tag.name) + "> holds something other than text");
-    }
-    return cursor_.ReadEndTag(tag.name);
-  }
-
-  // As ReadText, but the text views the document or the arena.
-  bool ReadKeptText(const XmlStartTag& tag, std::string_view& text) {
-    if (!ReadText(tag, text)) return false;
-    if (text.data() == scratch_.data()) text = arena_.Copy(text);
-    return true;
-  }
-
-  // Mostly the same view for equal keys: a file repeats its keys, and what compares many of them
-  // finds them in the processor's cache.
-  std::string_view Shared(std::string_view key) {
-    auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
-    if (recent != key) recent = key;
-    return recent;
-  }
-
-  bool ReadString(const XmlStartTag& tag) {
-    std::string_view text;
-    return ReadKeptText(tag, text) && Produce(text);
-  }
-
-  // A leaf whose text `parse` turns into a value or refuses.
-  template <typename Parse>
-  bool ReadParsed(const XmlStartTag& tag, Parse parse) {
-    std::string_view text;
-    if (!ReadText(tag, text)) return false;
-    auto value = parse(text);
-    if (value) return Produce(*value);
-    return cursor_.Fail(tag.offset,
-                        "\"" + Excerpt(text) + "\" is not a valid " + std::string(tag.name));
-  }
-
-  bool ReadInteger(const XmlStartTag& tag) { return ReadParsed(tag, ParseInteger); }
-  bool ReadReal(const XmlStartTag& tag) { return ReadParsed(tag, ParseReal); }
-  bool ReadDate(const XmlStartTag& tag) { return ReadParsed(tag, ParseDate); }
-
-  bool ReadData(const XmlStartTag& tag) {
-    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
-      const auto bytes = DecodeBase64(text);
-      if (!bytes) return std::nullopt;
-      return Data{arena_.Copy(*bytes)};
-    });
-  }
-
-  bool ReadBoolean(const XmlStartTag& tag) {
-    return ReadParsed(tag, [&](std::string_view text) -> std::optional<PropertyValue> {
-      if (!text.empty()) return std::nullopt;
-      return tag.name == "true";
-    });
   }
 
   bool Produce(PropertyValue value) {
@@ -228,11 +264,10 @@ class XmlPropertyListReader {
 
   std::string_view document_;
   XmlCursor cursor_;
+  XmlLeaves leaves_;
   Arena& arena_;
   LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
-  std::string scratch_;
-  std::array<std::string_view, 256> recentKeys_;  // by hash
   // Stacks of what has been read of the arrays and dictionaries that are still open, innermost
   // last: each goes into the arena in one piece when it is closed.
   std::vector<PropertyValue> values_;
