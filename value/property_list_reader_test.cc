@@ -153,7 +153,8 @@ TEST(PropertyListReader, AnyTwoBytesAreRefusedOrReadWithoutHarm) {
     for (unsigned second = 0; second < 256; ++second) {
       const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
       const auto reading = ReadPropertyList(bytes);
-      ASSERT_NE(reading.list ? "a value" : reading.list.Error().message, "") << first << ' ' << second;
+      ASSERT_NE(reading.list ? "a value" : reading.list.Error().message, "")
+          << first << ' ' << second;
     }
   }
 }
