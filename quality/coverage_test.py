@@ -67,7 +67,8 @@ class Coverage(unittest.TestCase):
     def test_a_marker_of_another_miss_is_a_fault(self):
         self.expect([(1, 5, []), (2, 0, []), (5, 0, [])], 1,
                     "driver/a.cc:2: the line missed: FAULT: 1 of 2 branches marked\n", MISSES[1],
-                    TABLE.replace("2   66.66 %         2      1   50.00", "1   33.33 %         0      0  100.00"))
+                    TABLE.replace("2   66.66 %         2      1   50.00",
+                                  "1   33.33 %         0      0  100.00"))
 
     def test_a_share_is_never_rounded_up_to_the_whole(self):
         lines = [(1, 5, [])] * 99999 + REACHED

@@ -183,12 +183,11 @@ def main():
     outcomes = dict(line.rstrip().split("=") for line in log)
     counts = dict.fromkeys(["killed", "not compiling", "equal", "survived", "untried"], 0)
     for path in arguments.file or source_files():
-        source = pathlib.Path(path).read_text()
+        source = (COPY / path).read_text()
         file = File(path, source, mutations.mutations_of(source))
-        chosen = {n: f"{path} {n}" for n in range(len(file.mutations))}
-        if not arguments.file and not arguments.all:
-            lines = changed_lines(arguments.since, tree, path)
-            chosen = {n: name for n, name in chosen.items() if file.mutations[n].line in lines}
+        is_whole = arguments.file or arguments.all
+        lines = range(source.count("\n") + 2) if is_whole else changed_lines(arguments.since, tree, path)
+        chosen = {n: f"{path} {n}" for n, mutation in enumerate(file.mutations) if mutation.line in lines}
 
         def record(number, outcome):
             outcomes[chosen[number]] = outcome

@@ -51,8 +51,8 @@ class Mutate(unittest.TestCase):
     def expect(self, arguments, status, output):
         """Runs the script and compares its exit status and what it prints."""
         command = [sys.executable, "-B", QUALITY / "mutate.py", *arguments.split()]
-        done = subprocess.run(command, cwd=self.root, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        self.assertEqual((done.stdout, done.returncode), (output, status), arguments)
+        done = subprocess.run(command, cwd=self.root, capture_output=True, text=True)
+        self.assertEqual((done.stdout + done.stderr, done.returncode), (output, status), arguments)
 
     def test_survivors_are_printed_and_an_ended_run_is_continued(self):
         untried = "8 mutants: 0 killed, 0 not compiling, 0 equal, 0 survived, 8 untried\n"
@@ -64,8 +64,8 @@ class Mutate(unittest.TestCase):
 
     def test_wrong_usage_is_refused(self):
         self.expect("--none", 64, "mutate: unrecognized arguments: --none\n")
-        self.expect("--file value/size_test.cc", 64, "mutate: value/size_test.cc is not a source file of value, "
-                    "platform, registry, personality, plan, driver\n")
+        self.expect("--file value/size_test.cc", 64, "mutate: value/size_test.cc is not a source file of "
+                    "value, platform, registry, personality, plan, driver\n")
 
 
 class Mutations(unittest.TestCase):
@@ -74,17 +74,15 @@ class Mutations(unittest.TestCase):
                 ("return a == b;", "== becomes !="),
                 ("return a < b;", "< becomes <=", "< becomes >="),
                 ("while (a ||\n    b) F();", "|| becomes &&"),
-                ("n = b - c;", "- becomes +"),
                 ("return !true;", "! dropped", "true becomes false"),
                 ("n = 0 / 0x1Fu;", "0 becomes 0 + 1", "0x1Fu becomes 0x1Fu + 1", "0x1Fu becomes 0x1Fu - 1"),
-                ("c = 'a';", "'a' becomes static_cast<char>('a' + 1)"),
+                ("c = n - 'a';", "- becomes +", "'a' becomes static_cast<char>('a' + 1)"),
                 ('s = "xy\\n" + "";', '+ becomes -', '"xy\\n" becomes "yy\\n"', '"" becomes "x"'),
                 ('s = R"-(a")-" "b";', 'R"-(a")-" "b" becomes R"-(x")-" "b"'),
                 ("if (F(a)) return;", "condition negated"),
                 ("if (const auto* a = F()) G();", "a negated"),
                 ("n = F(a, b) ? c : d;", "condition negated"),
-                ("std::vector<T> F(T&& a, T<U>* b);",),
-                ('// a == 1\n#if X == 1 && \\\n    Y\n#endif\nstatic_assert(sizeof(a) == 4, "size");',)):
+                ('std::vector<T> F(T&& a, T<U>* b);  // a == 1\n#if a == 1 && \\\n  b\nstatic_assert(n == 4);',)):
             found = [mutation.description for mutation in mutations.mutations_of(source)]
             self.assertEqual(sorted(found), sorted(expected), source)
 

@@ -1,12 +1,12 @@
-// Included first into every file of the build in which mutants are tried (quality/mutate.py). A file is
-// compiled once with all its mutants; the environment variable MUTANT chooses one when it is run.
+// The first file that is included in the build of quality/mutate.py. All mutants of a file are
+// compiled together; at run time the environment variable MUTANT chooses one.
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace mutant {
 
-/// Whether this mutant is the chosen one. Its number is appended to the file that MUTANT_NOTES names.
+/// Whether this mutant is chosen. Its number is appended to the file that MUTANT_NOTES names.
 inline bool IsChosen(int number) {
   static const char* const chosen = std::getenv("MUTANT");
   static const char* const path = std::getenv("MUTANT_NOTES");
@@ -21,6 +21,8 @@ inline bool IsChosen(int number) {
 }
 
 /// The same; false where the compiler evaluates the expression.
-constexpr bool On(int number) { return !__builtin_is_constant_evaluated() && IsChosen(number); }
+constexpr bool On(int number) {
+  return !__builtin_is_constant_evaluated() && IsChosen(number);
+}
 
 }  // namespace mutant

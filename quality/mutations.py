@@ -37,9 +37,7 @@ LEVELS = {token: level for level, tokens in enumerate(
      "== !=", "< <= > >=", "<=>", "<< >>", "+ -", "* / %"]) for token in tokens.split()}
 EXPRESSION_END, OPERAND = 1, 99
 OPENING, CLOSING = set("([{"), set(")]}")
-
-# The compiler evaluates the first, and the second shows in no result.
-SKIPPED = {"static_assert", "reserve"}
+SKIPPED = {"static_assert", "reserve"}  # the compiler evaluates one, and no result shows the other
 
 
 def apply(source, mutations, on="::mutant::On({})"):
