@@ -1,5 +1,5 @@
-# What is held of the source itself, and the tests of the scripts that hold it.
-# The system's own: others may lack the standard library that the scripts are written for.
+# Checks of the source itself, and the tests of the scripts in quality/.
+# Only the system's Python is sure to have its complete standard library.
 set(Python3_ROOT_DIR /usr)
 set(Python3_FIND_STRATEGY LOCATION)
 find_package(Python3 REQUIRED COMPONENTS Interpreter)

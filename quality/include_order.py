@@ -1,18 +1,17 @@
 #!/usr/bin/python3
-"""Holds the #include lines of the source to the order of the folders.
+"""Checks the #include lines of the source against the order of the folders.
 
-CMakeLists.txt says once what each folder uses: fernwick_folder(NAME [DEPENDENCY...]). From that
-follows what a file may include:
+CMakeLists.txt states what each folder uses: fernwick_folder(NAME [DEPENDENCY...]). A file may include:
 
   - its own folder and the dependencies of its folder;
-  - as a test (NAME_test.cc) also testing/;
-  - in a folder whose rooms have an order (ROOMS), of that folder its own room, the rooms before it and
-    headers that are in none;
-  - outside those folders (golden/, fuzz/, ...) whatever it likes, but then no folder includes it;
+  - if it is a test (NAME_test.cc), also testing/;
+  - in a folder whose rooms have an order (ROOMS), only its own room, the rooms before it and headers that
+    are in no room;
+  - outside those folders (golden/, fuzz/, ...) every folder; but no folder includes such a file.
 
-and no file includes itself, be it by way of others.
+There are no cycles.
 
-usage: include_order.py [ROOT]    prints one line a fault; exit status 1 when there is one
+usage: include_order.py [ROOT]    prints one line for each fault; exit status 1 if there is one
 """
 
 import pathlib
@@ -64,8 +63,8 @@ def room_of(path):
 
 
 def rank_of(path, rooms):
-    """Where a file is in the order of its folder: what is in no room comes last, as main.cc does,
-    but for a header, which every room may include."""
+    """The rank of a file in the order of its folder. A file that is in no room, as main.cc, comes last; but
+    such a header comes first, because every room may include it."""
     if room_of(path) in rooms:
         return rooms.index(room_of(path))
     return -1 if path.endswith(".h") else len(rooms)
@@ -78,7 +77,7 @@ def may_include_in_folder(path, included):
 
 
 def room_faults(includes):
-    """Rooms that the order of their folder does not name."""
+    """Rooms that are missing in the order of their folder."""
     for folder, room in sorted({(folder_of(path), room_of(path)) for path in includes if room_of(path)}):
         if room not in ROOMS.get(folder, [room]):
             yield f"{folder}/{room}/ is not in the order of the rooms of {folder}/"
@@ -97,7 +96,7 @@ def may_include(path, included, folders):
 
 
 def include_faults(includes, folders):
-    """Includes of files that are not there or that the order forbids."""
+    """Includes of files that do not exist or that the order forbids."""
     for path, used in includes.items():
         for included in used:
             if included not in includes:
@@ -110,7 +109,7 @@ def include_faults(includes, folders):
 
 
 def find_cycle(includes):
-    """A chain of files, each included by the one before, that comes back to its first; or none."""
+    """A cycle of files, each included by the one before: the first is also the last. None if there is none."""
     done = set()
 
     def visit(path, chain):
@@ -129,10 +128,10 @@ def find_cycle(includes):
 
 
 def find_faults(root):
-    """Every fault of the source below `root`, a line each."""
+    """Every fault of the source below `root`, one line each."""
     folders, includes = read_folders(root), read_includes(root)
     if not folders or not includes:
-        return [f"{root}: holds no folders with source"]
+        return [f"{root}: no folders with source"]
     faults = [*declaration_faults(folders), *room_faults(includes), *include_faults(includes, folders)]
     cycle = find_cycle(includes)
     if cycle:

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tests of include_order.py over source made up for each."""
+"""Tests of include_order.py, each over a source of a few files."""
 
 import pathlib
 import tempfile
@@ -37,15 +37,15 @@ class IncludeOrder(unittest.TestCase):
         files = {"value/a.cc": '# include "plan/b.h"\n', "plan/b.h": ""}
         self.assertEqual(faults_of(files), ['value/a.cc: value/ must not include "plan/b.h"'])
 
-    def test_only_tests_include_what_tests_share(self):
+    def test_only_tests_include_testing(self):
         files = {"plan/b.cc": '#include "testing/t.h"\n', "testing/t.h": ""}
         self.assertEqual(faults_of(files), ['plan/b.cc: plan/ must not include "testing/t.h"'])
 
-    def test_what_tests_share_keeps_to_its_own_dependencies(self):
+    def test_testing_includes_only_its_own_dependencies(self):
         files = {"testing/t.cc": '#include "plan/b.h"\n', "plan/b.h": ""}
         self.assertEqual(faults_of(files), ['testing/t.cc: testing/ must not include "plan/b.h"'])
 
-    def test_no_folder_includes_what_stands_outside(self):
+    def test_no_folder_includes_a_file_outside(self):
         files = {"plan/b_test.cc": '#include "golden/g.h"\n', "golden/g.h": ""}
         self.assertEqual(faults_of(files), ['plan/b_test.cc: plan/ must not include "golden/g.h"'])
 

@@ -1,6 +1,6 @@
-// Linked into every program of a coverage build: the counters are written at a regular exit alone,
-// but some lines are there to end the process in another way. Each way out writes them first. The
-// linker leads the calls here (--wrap).
+// Linked into every program of a coverage build. The counters are written only when a process exits
+// regularly; these functions write them also before it ends in another way, so that the lines that
+// do that are counted. The linker redirects the calls (--wrap).
 
 extern "C" {
 

@@ -1,174 +1,212 @@
 #!/usr/bin/python3 -B
-"""Changes the source in one place at a time and tells which changes no test notices.
+"""Changes the source in one place at a time and prints the changes that no test notices.
 
-Each comparison, constant, condition and literal of value/, registry/, personality/, plan/ and driver/
-is changed by itself. A mutant that compiles is killed by the first test that fails or hangs; one that
-passes every test survives: a test is missing, the code at that place is needless, or the change makes
-no difference, which quality/equivalent_mutants.txt then gives the reason for.
+A mutant is tried with the tests of its folder, then of the folders of the tool that use it, then with the
+golden cases. The first test that fails or takes too long kills it. If none does, it survives: a test is
+missing, the code is needless, or the change makes no difference. A reviewer decides.
 
-The outcomes are kept in build-mutation/, so that a run that was cut off goes on where it was.
+Everything is built in build-mutation/. Outcomes are appended to a file there, from which another run over the
+same source continues. The exit status is 1 if a mutant survives.
 """
 
 import argparse
-import atexit
+import collections
 import concurrent.futures
+import itertools
+import math
 import os
 import pathlib
-import queue
-import random
+import re
 import shutil
+import subprocess
 import sys
 import tempfile
+import time
 
-from mutation_build import Build, BuildError
-from mutation_results import (FOLDERS, LEAST_SCORE, Mutant, Results, count_verdicts, is_listed,
-                              read_equivalents, score, stale_entries, table, verdict)
-from mutation_trial import SwitchedFiles, Trial
-from mutations import mutations_of
+import include_order
+import mutations
 
-WRONG_USAGE = 64
-
-
-class Arguments(argparse.ArgumentParser):
-    def error(self, message):
-        self.exit(WRONG_USAGE, f"mutate: {message}\n")
-
-
-def parse_arguments(arguments):
-    parser = Arguments(prog="mutate", description=__doc__,
-                       formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--file", nargs="+", metavar="PATH", default=[],
-                        help="only the mutants of these files, as in value/number.cc")
-    parser.add_argument("--sample", type=int, metavar="N",
-                        help="only N mutants, picked at random")
-    parser.add_argument("--seed", type=int, metavar="S", default=0, help="picks another sample")
-    parser.add_argument("--rerun-survivors", action="store_true",
-                        help="try those again that survived and are not listed as equivalent")
-    parser.add_argument("--fresh", action="store_true", help="forget every outcome first")
-    parser.add_argument("--jobs", type=int, metavar="N", default=os.cpu_count(),
-                        help="how many mutants are tried at the same time (default: %(default)s)")
-    parser.add_argument("--list", action="store_true", help="print the mutants and try none")
-    parser.add_argument("--root", type=pathlib.Path, help=argparse.SUPPRESS,
-                        default=pathlib.Path(__file__).resolve().parents[1])
-    parsed = parser.parse_args(arguments)
-    if parsed.jobs < 1:
-        parser.error("--jobs takes a number above 0")
-    return parsed
+FOLDERS = ["value", "platform", "registry", "personality", "plan", "driver"]
+PROGRAM_TESTS = ["golden_test", "programs_test"]
+SWITCH = pathlib.Path(__file__).resolve().parent / "mutation_switch.h"
+# In the working directory, the root of the source: a copy in which files are changed, and its build.
+COPY, BUILD = pathlib.Path("build-mutation/source"), pathlib.Path("build-mutation/build")
+# The mutations of a file are known by their offsets in the list.
+File = collections.namedtuple("File", "path source mutations")
 
 
-def source_files(root):
-    """The files that are changed, by their paths from the root."""
-    paths = [path for folder in FOLDERS for path in sorted((root / folder).rglob("*"))]
-    return [
-        str(path.relative_to(root)) for path in paths
-        if path.suffix in (".cc", ".h") and not path.stem.endswith("_test")
-    ]
+def run(*command, **variables):
+    """Runs a command and returns what it prints. Raises CalledProcessError with that if it fails."""
+    return subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          env={**os.environ, **variables}).stdout
 
 
-def mutants_of(root, path):
-    source = (root / path).read_text()
-    return [
-        Mutant(path, source, mutation, number)
-        for number, mutation in enumerate(mutations_of(source))
-    ]
+def set_up():
+    """Makes the copy equal to what git has or would add, and configures the build. Files that are equal already
+    are not written: they need not be compiled. Returns the name of the source as a tree of git."""
+    COPY.mkdir(parents=True, exist_ok=True)
+    index = str(BUILD.with_name("index").resolve())
+    run("git", "add", "--all", GIT_INDEX_FILE=index + "-new")
+    tree = run("git", "write-tree", GIT_INDEX_FILE=index + "-new").strip()
+    run("git", f"--work-tree={COPY}", "read-tree", "--reset", "-u", tree, GIT_INDEX_FILE=index)
+    clang = ["-DCMAKE_CXX_COMPILER=clang++"] if shutil.which("clang++") else []  # compiles faster
+    run("cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DBUILD_SHARED_LIBS=ON",
+        "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1",
+        f"-DCMAKE_CXX_FLAGS=-w -include {SWITCH}", *clang)
+    return tree
 
 
-def choose(mutants, arguments):
-    """Those mutants that the arguments ask for."""
-    if arguments.file:
-        mutants = [mutant for mutant in mutants if mutant.path in arguments.file]
-    if arguments.sample is not None and arguments.sample < len(mutants):
-        picked = random.Random(arguments.seed).sample(range(len(mutants)), arguments.sample)
-        mutants = [mutants[i] for i in sorted(picked)]
-    return mutants
+def build(target, path, text):
+    """Builds a target with this text as a file. Returns what the compiler prints if it fails, or nothing."""
+    if (COPY / path).read_text() != text:
+        (COPY / path).write_text(text)
+    try:
+        return run("ninja", "-C", BUILD, f"-j{os.cpu_count()}", "--quiet", target) and ""
+    except subprocess.CalledProcessError as error:
+        return error.stdout or "failed"
 
 
-def fast_directory():
-    """Where files that are written for every mutant cost least; None for the usual place."""
-    return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+def compiled_tool():
+    """What the source of the tool was last compiled to."""
+    files = [BUILD / f"libfernwick_{folder}.so" for folder in FOLDERS] + [BUILD / "fernwick"]
+    return [file.read_bytes() for file in files if file.exists()]
 
 
-def try_all(build, mutants, results, jobs):
-    """Tries each mutant and adds its outcome to the results."""
-    trials = queue.SimpleQueue()
-    files = SwitchedFiles(build)
-    for _ in range(jobs):
-        scratch = tempfile.mkdtemp(prefix="fernwick-mutant-", dir=fast_directory())
-        atexit.register(shutil.rmtree, scratch, ignore_errors=True)
-        trials.put(Trial(build, files, pathlib.Path(scratch)))
-
-    def try_one(mutant):
-        trial = trials.get()
-        try:
-            outcome, tests = trial.run(mutant)
-        finally:
-            trials.put(trial)
-        results.add(mutant, outcome, tests)
-
-    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-        tried = [pool.submit(try_one, mutant) for mutant in mutants]
-        try:
-            for count, one in enumerate(concurrent.futures.as_completed(tried), 1):
-                one.result()
-                if count % 100 == 0 or count == len(tried):
-                    print(f"mutate: {count} of {len(tried)} tried", file=sys.stderr, flush=True)
-        except BaseException:
-            pool.shutdown(cancel_futures=True)
-            raise
+def test_programs(path):
+    """The test programs for the mutants of a file, first that of its folder."""
+    own, used = path.split("/")[0], include_order.read_folders(COPY)
+    folders = [own] + [folder for folder in FOLDERS if own in used.get(folder, [])]
+    return [f"{folder}_test" for folder in folders if any(COPY.glob(f"{folder}/**/*_test.cc"))] + \
+        [program for program in PROGRAM_TESTS if (COPY / f"golden/{program}.cc").exists()]
 
 
-def report(chosen, mutants, results, equivalents):
-    """Prints survivors, stale entries and the table. Returns whether all is well."""
-    survivors = [each for each in chosen if verdict(each, results, equivalents) == "survived"]
-    for survivor in survivors:
-        print(f"survived: {survivor}")
-    stale = list(stale_entries(equivalents, mutants, results))
-    for entry in stale:
-        print(f"listed as equivalent without need: {entry.file}: {entry.line}\n"
-              f"  as: {entry.mutant}")
-    rows = count_verdicts(chosen, results, equivalents)
-    print(table(rows), end="")
-    is_enough = len(chosen) < len(mutants) or score(dict(rows)["all"]) >= LEAST_SCORE
-    return not survivors and not stale and is_enough
+def fails(program, limit, **variables):
+    """Whether a test fails, or takes more than `limit` seconds of processor time or 2 GiB of memory."""
+    command = (f"exec timeout -s KILL {60 + 10 * limit} "  # it may wait for something
+               f"prlimit --cpu={limit} --as={2 << 30} --core=0 "
+               f"'{(BUILD / program).resolve()}' --gtest_fail_fast </dev/null >/dev/null 2>&1")
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as scratch:
+        os.chmod(scratch, 0o755)  # some tests continue as another user
+        return subprocess.call(command, shell=True, cwd=scratch,
+                               env={**os.environ, "TMPDIR": scratch, **variables}) != 0
 
 
-def try_untried(arguments, mutants, equivalents):
-    """Brings the build up to date and tries what the arguments ask for. Returns all results."""
-    build = Build(arguments.root, arguments.root / "build-mutation", arguments.jobs)
-    build.bring_up_to_date()
-    path = build.directory / "results.jsonl"
-    if arguments.fresh:
-        path.unlink(missing_ok=True)
-    results = Results(path)
-    wanted = {"untried"} | ({"survived"} if arguments.rerun_survivors else set())
-    left = [each for each in mutants if verdict(each, results, equivalents) in wanted]
-    # A header takes many files with it, and what is taken to survive takes every test: last.
-    left.sort(key=lambda each: (is_listed(each, equivalents), each.path.endswith(".h")))
-    try_all(build, left, results, arguments.jobs)
-    return results
+def build_all(program, file, left_out):
+    """Builds a test program with all mutations of a file but those of the lines `left_out`, to which the lines
+    that do not work so are added. Returns the numbers that its tests reach, and how long a test may take."""
+    while True:
+        held = {n: mutation for n, mutation in enumerate(file.mutations) if mutation.line not in left_out}
+        errors = build(program, file.path, mutations.apply(file.source, held))
+        begin = time.monotonic()
+        with tempfile.NamedTemporaryFile("r") as notes:
+            if not errors and not fails(program, 600, MUTANT_NOTES=notes.name):
+                return set(map(int, notes.read().split())), math.ceil(2 + 5 * (time.monotonic() - begin))
+        if not held:
+            sys.exit(f"mutate: {program} does not build or pass without a change\n{errors}")
+        lines = {int(line) for line in re.findall(rf"{re.escape(file.path)}:(\d+):", errors)}
+        left_out |= lines if lines - left_out else {mutation.line for mutation in file.mutations}
+
+
+def try_file(file, numbers, record, expired):
+    """Tries mutants of a file and records the outcome of each, until the time has expired."""
+    left, reached, left_out, limits = set(numbers), set(), set(), {}
+    for program in test_programs(file.path):
+        noted, limits[program] = build_all(program, file, left_out)
+        reached |= noted
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            tried = sorted(left & noted)
+            killed = pool.map(lambda number: not expired() and fails(
+                program, limits[program], MUTANT=str(number)), tried)
+            for number in itertools.compress(tried, killed):
+                record(number, "killed")
+                left.remove(number)
+        if not left or expired():
+            break
+    if left and not expired():
+        build("fernwick", file.path, file.source)
+        tool = compiled_tool()
+        for number in sorted(left):
+            passed = number in reached and file.mutations[number].line not in left_out
+            if not expired():
+                record(number, try_alone(file, number, tool, {} if passed else limits))
+    (COPY / file.path).write_text(file.source)
+
+
+def try_alone(file, number, tool, limits):
+    """The outcome of a mutant that is compiled by itself. `tool` is what the unchanged source is compiled to,
+    `limits` has the test programs that the mutant has not passed yet, and how long each may take."""
+    text = mutations.apply(file.source, {number: file.mutations[number]}, "true")
+    if build("fernwick", file.path, text):
+        return "not compiling"
+    if compiled_tool() == tool:
+        return "equal"
+    killed = any(build(program, file.path, text) or fails(program, limit) for program, limit in limits.items())
+    return "killed" if killed else "survived"
+
+
+def source_files():
+    """The files that are changed; last the headers, which take longest."""
+    paths = [path for folder in FOLDERS for path in sorted(pathlib.Path(folder).rglob("*.*"))]
+    return [str(path) for suffix in (".cc", ".h") for path in paths
+            if path.suffix == suffix and not path.stem.endswith("_test")]
+
+
+def changed_lines(commit, tree, path):
+    """The numbers of the lines of a file in a tree that a commit does not have."""
+    diff = run("git", "diff", "--unified=0", "--no-ext-diff", "--no-color", commit, tree, "--", path)
+    hunks = re.findall(r"^@@ .*\+(\d+)(?:,(\d+))? @@", diff, re.MULTILINE)
+    return {int(first) + i for first, count in hunks for i in range(int(count or 1))}
+
+
+def parse_arguments():
+    parser = argparse.ArgumentParser(prog="./dev mutate", description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.error = lambda message: parser.exit(64, f"mutate: {message}\n")
+    which = parser.add_mutually_exclusive_group()
+    which.add_argument("--since", metavar="COMMIT", default="HEAD~1",
+                       help="only the lines that are not in COMMIT (default: %(default)s)")
+    which.add_argument("--file", nargs="+", metavar="PATH", help="only these files, as in value/number.cc")
+    which.add_argument("--all", action="store_true", help="every file")
+    parser.add_argument("--minutes", type=float, metavar="N", default=math.inf, help="end after N minutes")
+    arguments = parser.parse_args()
+    if unknown := set(arguments.file or []) - set(source_files()):
+        parser.error(f"{unknown.pop()} is not a source file of {', '.join(FOLDERS)}")
+    return arguments
 
 
 def main():
-    arguments = parse_arguments(sys.argv[1:])
-    files = source_files(arguments.root)
-    for path in arguments.file:
-        if path not in files:
-            print(f"mutate: {path} is no source file of {', '.join(FOLDERS)}", file=sys.stderr)
-            return WRONG_USAGE
-    mutants = [mutant for path in files for mutant in mutants_of(arguments.root, path)]
-    chosen = choose(mutants, arguments)
-    if arguments.list:
-        print("".join(f"{mutant}\n" for mutant in chosen), end="")
-        return 0
-    try:
-        equivalents = read_equivalents(
-            (arguments.root / "quality/equivalent_mutants.txt").read_text())
-        results = try_untried(arguments, chosen, equivalents)
-    except (BuildError, ValueError) as error:
-        print(f"mutate: {error}", file=sys.stderr)
-        return 1
-    return 0 if report(chosen, mutants, results, equivalents) else 1
+    arguments = parse_arguments()
+    deadline = time.monotonic() + 60 * arguments.minutes
+    tree = set_up()
+    log = BUILD.with_name(f"results-{tree}").open("a+", buffering=1)
+    log.seek(0)
+    outcomes = dict(line.rstrip().split("=") for line in log)
+    counts = dict.fromkeys(["killed", "not compiling", "equal", "survived", "untried"], 0)
+    for path in arguments.file or source_files():
+        source = (COPY / path).read_text()
+        file = File(path, source, mutations.mutations_of(source))
+        is_whole = arguments.file or arguments.all
+        lines = range(source.count("\n") + 2) if is_whole else changed_lines(arguments.since, tree, path)
+        chosen = {n: f"{path} {n}" for n, mutation in enumerate(file.mutations) if mutation.line in lines}
+
+        def record(number, outcome):
+            outcomes[chosen[number]] = outcome
+            log.write(f"{chosen[number]}={outcome}\n")
+
+        untried = [number for number, name in chosen.items() if name not in outcomes]
+        if untried and time.monotonic() < deadline:
+            try_file(file, untried, record, lambda: time.monotonic() > deadline)
+        for number, name in chosen.items():
+            counts[outcomes.get(name, "untried")] += 1
+            if outcomes.get(name) == "survived":
+                line, description, _ = file.mutations[number]
+                print(f"{path}:{line}: {source.splitlines()[line - 1].strip()}\n  {description}", flush=True)
+    print(f"{sum(counts.values())} mutants: " + ", ".join(f"{n} {name}" for name, n in counts.items()))
+    return 1 if counts["survived"] else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except subprocess.CalledProcessError as error:
+        sys.exit(f"mutate: {error}\n{error.stdout}")

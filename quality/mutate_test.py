@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Runs mutate.py over a source of a few lines, from the build to the closing table."""
+"""Tests of mutate.py and mutations.py, over a source of a few lines in which some mutants survive."""
 
 import pathlib
 import subprocess
@@ -7,108 +7,93 @@ import sys
 import tempfile
 import unittest
 
-QUALITY = pathlib.Path(__file__).resolve().parent
+import mutations
 
-SOURCE = {
-    "CMakeLists.txt": f"""\
+QUALITY = pathlib.Path(__file__).resolve().parent
+SIZE = '#include "value/limit.h"\n\nconst char* Size(int n) {\n  return n < Limit ? "small" : "large";\n}\n'
+FILES = {
+    ".gitignore": "/build*/\n",
+    "CMakeLists.txt": """\
 cmake_minimum_required(VERSION 3.25)
 project(small LANGUAGES CXX)
 set(CMAKE_CXX_STANDARD 20)
-enable_testing()
-find_package(GTest REQUIRED)
-include(GoogleTest)
-include({QUALITY.parent}/cmake/Folders.cmake)
-fernwick_folder(value)
-fernwick_folder(testing)
+include_directories(.)
+add_library(fernwick_value value/room/size.cc)
+link_libraries(fernwick_value)
+add_executable(value_test value/size_test.cc)
+add_executable(fernwick value/size_test.cc)
 """,
-    "quality/equivalent_mutants.txt": "# None yet.\n",
-    "testing/testing.cc": "",
-    "value/limit.h": "#pragma once\n\nconstexpr int Limit = 3;\n",
-    "value/room/text.h": '#pragma once\n#include <string>\n\nstd::string Shorten(std::string text);\n',
-    "value/room/text.cc": """\
-#include "value/room/text.h"
-
-#include "value/limit.h"
-
-std::string Shorten(std::string text) {
-  while (text.size() > Limit) text.pop_back();
-  return "<" + text;
+    "value/limit.h": "constexpr int Limit = 3;\nconstexpr int Unused = 5;\n",
+    "value/room/size.cc": SIZE,
+    "value/size_test.cc":
+        "const char* Size(int n);\nint main() { return Size(1)[1] != 'm' || Size(3)[0] != 'l'; }\n",
 }
-""",
-    "value/room/text_test.cc": """\
-#include "value/room/text.h"
-
-#include <gtest/gtest.h>
-
-TEST(Text, LongIsShortened) {
-  EXPECT_EQ(Shorten("abcde").front(), '<');
-  EXPECT_LT(Shorten("abcde").size(), 5u);
-}
-""",
-}
-
-EQUIVALENT = """
-file: value/room/text.cc
-line: while (text.size() > Limit) text.pop_back();
-mutant: while (text.size() >= Limit) text.pop_back();
-reason: Not so, but this test wants an entry.
-"""
-
-NEEDLESS = """
-file: value/room/text.cc
-line: return "<" + text;
-mutant: return "x" + text;
-reason: Not so, and a test tells it.
-"""
-
 SURVIVORS = """\
-survived: value/limit.h:3: constexpr int Limit = 3;
-  as: constexpr int Limit = 2;
-survived: value/room/text.cc:6: while (text.size() > Limit) text.pop_back();
-  as: while (text.size() >= Limit) text.pop_back();
-folder  mutants  not compiling  killed  timed out  equivalent  survived  untried   score
-value         6              1       3          0           0         2        0  60.0 %
-all           6              1       3          0           0         2        0  60.0 %
+value/room/size.cc:4: return n < Limit ? "small" : "large";
+  "small" becomes "xmall"
+value/limit.h:1: constexpr int Limit = 3;
+  3 becomes 3 - 1
+8 mutants: 4 killed, 0 not compiling, 2 equal, 2 survived, 0 untried
 """
-
-LISTED = """\
-listed as equivalent without need: value/room/text.cc: return "<" + text;
-  as: return "x" + text;
-folder  mutants  not compiling  killed  timed out  equivalent  survived  untried   score
-value         4              1       2          0           1         0        0  66.7 %
-all           4              1       2          0           1         0        0  66.7 %
-"""
-
-
-def write(root, files):
-    for path, text in files.items():
-        (root / path).parent.mkdir(parents=True, exist_ok=True)
-        (root / path).write_text(text)
-
-
-def mutate(root, *arguments):
-    """The exit status and standard output of mutate.py over the source at `root`."""
-    command = [sys.executable, "-B", QUALITY / "mutate.py", "--root", root, "--jobs", "1"]
-    done = subprocess.run(command + list(arguments), capture_output=True, text=True)
-    return done.returncode, done.stdout
 
 
 class Mutate(unittest.TestCase):
-    def test_kills_and_lets_live(self):
-        with tempfile.TemporaryDirectory() as directory:
-            root = pathlib.Path(directory)
-            write(root, SOURCE)
-            self.assertEqual(mutate(root), (1, SURVIVORS))
-            write(root, {"quality/equivalent_mutants.txt": EQUIVALENT + NEEDLESS})
-            self.assertEqual(mutate(root, "--file", "value/room/text.cc"), (1, LISTED))
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.root = pathlib.Path(directory.name)
+        for path, text in FILES.items():
+            (self.root / path).parent.mkdir(parents=True, exist_ok=True)
+            (self.root / path).write_text(text)
+        subprocess.run("git init -q && git add . && git -c user.name=a -c user.email=a commit -qm Start",
+                       shell=True, cwd=self.root, check=True)
+
+    def expect(self, arguments, status, output):
+        """Runs the script and compares its exit status and what it prints."""
+        command = [sys.executable, "-B", QUALITY / "mutate.py", *arguments.split()]
+        done = subprocess.run(command, cwd=self.root, capture_output=True, text=True)
+        self.assertEqual((done.stdout + done.stderr, done.returncode), (output, status), arguments)
+
+    def test_survivors_are_printed_and_an_ended_run_is_continued(self):
+        untried = "8 mutants: 0 killed, 0 not compiling, 0 equal, 0 survived, 8 untried\n"
+        self.expect("--all --minutes 0", 0, untried)
+        self.expect("--all", 1, SURVIVORS)
+        self.expect("--all --minutes 0", 1, SURVIVORS)
+        (self.root / "value/room/size.cc").write_text(SIZE + "class C {\n  virtual void F() = 0;\n};\n")
+        self.expect("--since HEAD", 0, "1 mutants: 0 killed, 1 not compiling, 0 equal, 0 survived, 0 untried\n")
+
+    def test_wrong_usage_is_refused(self):
+        self.expect("--none", 64, "mutate: unrecognized arguments: --none\n")
+        self.expect("--file value/size_test.cc", 64, "mutate: value/size_test.cc is not a source file of "
+                    "value, platform, registry, personality, plan, driver\n")
 
 
-class CommandLine(unittest.TestCase):
-    def test_an_unknown_file_is_refused(self):
-        self.assertEqual(mutate(QUALITY.parent, "--file", "value/none.cc"), (64, ""))
+class Mutations(unittest.TestCase):
+    def test_each_kind_of_change(self):
+        for source, *expected in (
+                ("return a == b;", "== becomes !="),
+                ("return a < b;", "< becomes <=", "< becomes >="),
+                ("while (a ||\n    b) F();", "|| becomes &&"),
+                ("return !true;", "! dropped", "true becomes false"),
+                ("n = 0 / 0x1Fu;", "0 becomes 0 + 1", "0x1Fu becomes 0x1Fu + 1", "0x1Fu becomes 0x1Fu - 1"),
+                ("c = n - 'a';", "- becomes +", "'a' becomes static_cast<char>('a' + 1)"),
+                ('s = "xy\\n" + "";', '+ becomes -', '"xy\\n" becomes "yy\\n"', '"" becomes "x"'),
+                ('s = R"-(a")-" "b";', 'R"-(a")-" "b" becomes R"-(x")-" "b"'),
+                ("if (F(a)) return;", "condition negated"),
+                ("if (const auto* a = F()) G();", "a negated"),
+                ("n = F(a, b) ? c : d;", "condition negated"),
+                ('std::vector<T> F(T&& a, T<U>* b);  // a == 1\n#if a == 1 && \\\n  b\nstatic_assert(n == 4);',)):
+            found = [mutation.description for mutation in mutations.mutations_of(source)]
+            self.assertEqual(sorted(found), sorted(expected), source)
 
-    def test_an_unknown_option_is_refused(self):
-        self.assertEqual(mutate(QUALITY.parent, "--none"), (64, ""))
+    def test_all_mutations_of_an_expression_can_be_made_together(self):
+        source = "return a < b && !F(c, 1);"
+        text = mutations.apply(source, dict(enumerate(mutations.mutations_of(source))))
+        self.assertEqual(
+            text.replace("::mutant::On", "").replace("static_cast<bool>", ""),
+            "return ((2) != (((1) != (((2) != (([](auto&& l, auto&& r) -> decltype(auto) { if constexpr "
+            "(requires { l <= r; }) { if ((0)) return l <= r; } return l < r; }(a , /*<*/ b)))))) && "
+            "((2) != (((3) != (!F(c, ((4) ? 1 + 1 : ((5) ? 1 - 1 : 1)))))))));")
 
 
 if __name__ == "__main__":

@@ -23,6 +23,8 @@ std::partial_ordering CompareWithReal(const Integer& integer, double real) {
   if (real < -TwoTo63) return std::partial_ordering::greater;
   const auto order = integer <=> WholePart(real);
   if (order != std::strong_ordering::equal) return order;
+  // coverage: 1 of 6 branches: Two reals are unordered only where one is NaN, which is excluded
+  // above.
   return std::trunc(real) <=> real;  // the integers agree; what is left of the real decides
 }
 
