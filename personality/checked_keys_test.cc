@@ -1,4 +1,5 @@
-// The schema of keys says of the requirements what is true of them.
+// The schema of keys agrees with the requirements and with the match record: the lab explains and
+// judges personalities by the schema.
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "personality/match_record.h"
 #include "personality/requirements.h"
 #include "registry/key_schema.h"
 #include "testing/dictionaries.h"
@@ -15,7 +17,10 @@ namespace fernwick {
 namespace {
 
 using testing::Dict;
+using testing::Holding;
 using testing::List;
+using testing::With;
+using testing::Without;
 using Names = std::set<std::string>;
 
 // A value under each key that is checked, as a single value where that can match.
@@ -108,6 +113,18 @@ TEST(CheckedKeys, AreRequiredWhereAPersonalityWithoutAnyLacksThem) {
   }
 }
 
+// Also through the check as a whole: without a required key nothing matches, without another one
+// the update does.
+TEST(CheckedKeys, AreRequiredWhereNothingMatchesWithoutThem) {
+  for (const auto& key : KeySchema()) {
+    for (const TypeSet type : AllTypes) {
+      const bool isRequired = (key.checkedBy & key.requiredBy & type) != 0;
+      EXPECT_EQ(Applies(type, Without(Update, key.name)), !isRequired)
+          << key.name << " under " << type;
+    }
+  }
+}
+
 // Every form of a value that some key accepts or might be thought to.
 std::vector<PropertyValue> FormsOf(const PropertyValue& single) {
   return {single,
@@ -143,7 +160,7 @@ TEST(CheckedKeys, HaveTheKindThatTheChecksAccept) {
     const auto list = value->AsArray();
     const auto single = list ? (*list)[0] : *value;
     for (const auto& form : FormsOf(single)) {
-      const auto update = testing::With(Update, testing::Holding(key.name, form));
+      const auto update = With(Update, Holding(key.name, form));
       for (const auto type : AllTypes) {
         const bool isChecked = (key.checkedBy & type) != 0;
         EXPECT_EQ(Applies(type, update), !isChecked || Accepts(key.kind, form, single))
@@ -153,25 +170,29 @@ TEST(CheckedKeys, HaveTheKindThatTheChecksAccept) {
   }
 }
 
-TEST(FindPersonalityKey, FindsWhatPersonalitiesHaveByItsExactName) {
+TEST(MatchValue, IsOfTheSideThatTheSchemaNames) {
   for (const auto& key : KeySchema()) {
-    EXPECT_EQ(FindKey(key.name), &key) << key.name;
-    const bool isOfRecordsAlone = key.name == "Engineering Version";
-    EXPECT_EQ(FindPersonalityKey(key.name), isOfRecordsAlone ? nullptr : &key) << key.name;
+    if (key.inMatch == MatchValue::ByOwnRule) continue;
+    const Record personality = {{key.name, "of the personality"}};
+    for (const auto& controller : {Record{{key.name, "of the controller"}}, Record()}) {
+      const auto match = BuildMatchRecord(personality, controller, PersonalityType::Usbc);
+      const auto* expected =
+          (key.inMatch == MatchValue::OfController ? controller : personality).Find(key.name);
+      const auto* value = match.Find(key.name);
+      ASSERT_EQ(value != nullptr, expected != nullptr) << key.name;
+      if (value != nullptr) {
+        EXPECT_EQ(*value, *expected) << key.name;
+      }
+    }
   }
-  EXPECT_EQ(FindPersonalityKey("version"), nullptr);
-  EXPECT_EQ(FindPersonalityKey("Version "), nullptr);
-  EXPECT_EQ(FindPersonalityKey(""), nullptr);
-  EXPECT_EQ(FindPersonalityKey("Personality Type"), nullptr);
 }
 
-TEST(TypeNamed, IsExact) {
-  EXPECT_EQ(TypeNamed("LegacyThunderbolt"), Types::LegacyThunderbolt);
-  EXPECT_EQ(TypeNamed("Thunderbolt"), Types::Thunderbolt);
-  EXPECT_EQ(TypeNamed("LegacyUSBC"), Types::LegacyUsbc);
-  EXPECT_EQ(TypeNamed("USBC"), Types::Usbc);
-  EXPECT_EQ(TypeNamed("usbc"), Types::None);
-  EXPECT_EQ(TypeNamed(""), Types::None);
+TEST(MatchValue, IsNotAddedWhereThePersonalityLacksTheKey) {
+  for (const auto& key : KeySchema()) {
+    if (key.inMatch == MatchValue::ByOwnRule) continue;
+    const auto match = BuildMatchRecord(Record(), Record{{key.name, 5}}, PersonalityType::Usbc);
+    EXPECT_EQ(match.Find(key.name), nullptr) << key.name;
+  }
 }
 
 }  // namespace
