@@ -17,7 +17,10 @@ namespace fernwick {
 namespace {
 
 using testing::Dict;
+using testing::Holding;
 using testing::List;
+using testing::With;
+using testing::Without;
 using Names = std::set<std::string>;
 
 // A value under each key that is checked, as a single value where that can match.
@@ -157,7 +160,7 @@ TEST(CheckedKeys, HaveTheKindThatTheChecksAccept) {
     const auto list = value->AsArray();
     const auto single = list ? (*list)[0] : *value;
     for (const auto& form : FormsOf(single)) {
-      const auto update = testing::With(Update, testing::Holding(key.name, form));
+      const auto update = With(Update, Holding(key.name, form));
       for (const auto type : AllTypes) {
         const bool isChecked = (key.checkedBy & type) != 0;
         EXPECT_EQ(Applies(type, update), !isChecked || Accepts(key.kind, form, single))
