@@ -136,23 +136,8 @@ class TextPropertyListReader {
       --nesting_;
       return container;
     }
-<<<<<<< HEAD
     PropertyValue value;
     if (!leaves_.ReadLeaf(value)) return std::nullopt;
-=======
-    std::string_view string;
-    if (!ReadString(string, "a value")) return std::nullopt;
-    return string;
-  }
-
-  MaybeValue ReadNested(MaybeValue (TextPropertyListReader::*read)()) {
-    if (nesting_ == MaximumNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
-    ++nesting_;
-    // coverage: 1 of 2 branches: A member function called by pointer may be virtual, which the
-    // compiler tests; these are not.
-    auto value = (this->*read)();
-    --nesting_;
->>>>>>> 5b64dcd783f839beab0e06b275deaf0402fdda93
     return value;
   }
 

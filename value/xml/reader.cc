@@ -179,7 +179,6 @@ class XmlPropertyListReader {
   }
 
   bool ReadElement(const XmlStartTag& tag) {
-<<<<<<< HEAD
     const auto element = ElementNamed(tag.name);
     if (element == Element::None) return FailUnknownElement(cursor_, tag);
     if (locations_ != nullptr) locations_->BeginValue(tag.offset);
@@ -193,20 +192,6 @@ class XmlPropertyListReader {
     if (element == Element::Dictionary) return ReadDictionary(tag);
     if (element == Element::Array) return ReadArray(tag);
     return leaves_.ReadLeaf(element, tag, values_.emplace_back());
-=======
-    const auto read = ReaderOf(tag.name);
-    if (read != nullptr) {
-      if (locations_ != nullptr) locations_->BeginValue(tag.offset);
-      // coverage: 1 of 4 branches: A member function called by pointer may be virtual, which the
-      // compiler tests; these are not.
-      if (!(this->*read)(tag)) return false;
-      if (locations_ != nullptr) locations_->EndValue();
-      return true;
-    }
-    if (tag.name == "key")
-      return cursor_.Fail(tag.offset, "<key> stands where a value was expected");
-    return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
->>>>>>> 5b64dcd783f839beab0e06b275deaf0402fdda93
   }
 
   bool Open(const XmlStartTag& tag) {
@@ -241,13 +226,7 @@ class XmlPropertyListReader {
     if (!Open(tag)) return false;
     for (bool more = !tag.isEmptyElement; more;) {
       if (!AtNextElement(more)) return false;
-<<<<<<< HEAD
       if (more && !readPart()) return false;
-=======
-      // coverage: 1 of 8 branches: A member function called by pointer may be virtual, which the
-      // compiler tests; these are not.
-      if (more && !(this->*readPart)()) return false;
->>>>>>> 5b64dcd783f839beab0e06b275deaf0402fdda93
     }
     --nesting_;
     return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
