@@ -12,8 +12,8 @@ MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecor
   setFromController("RID");
   const auto* version = match.Find("Version");
   if (version == nullptr || !version->IsNumber()) setFromController("Version");
-  // The condition is "RID" and not "Port Address", deliberately: a controller with a RID gives its
-  // address even to a personality without one; without a RID the file's address stays.
+  // The condition is "RID" and not "Port Address", deliberately: the address of a controller with a
+  // RID is set even where the personality has none; without a RID the file's address stays.
   if (match.Find("RID") != nullptr) setFromController("Port Address");
   for (const auto& key : KeySchema()) {
     const bool isOfController = key.inMatch == MatchValue::OfController;
