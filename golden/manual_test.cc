@@ -138,7 +138,7 @@ const char* AbsenceOf(const Key& key) {
 }
 
 // The first paragraph of a key says its kind, which types read it and what its absence means.
-TEST(Manual, ConfigurationPageTellsOfEveryKeyWhatIsTrue) {
+TEST(Manual, ConfigurationPageDescribesEveryKeyCorrectly) {
   std::map<std::string, std::string> expected;
   for (const auto& key : KeySchema()) {
     if (key.kind == KeyKind::NotRead) continue;

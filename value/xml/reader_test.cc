@@ -80,7 +80,7 @@ TEST(XmlPropertyList, PlistAndDeclarationMayBeMissing) {
                  });
 }
 
-TEST(XmlPropertyList, RepeatedKeyKeepsItsFirstPlaceAndItsLastValue) {
+TEST(XmlPropertyList, RepeatedKeyKeepsItsFirstPositionAndItsLastValue) {
   ExpectAccepted(ParseInPlist, {{"<dict><key>a</key><integer>1</integer><key>b</key><integer>2"
                                  "</integer><key>a</key><integer>3</integer></dict>",
                                  Dict({{"a", 3}, {"b", 2}})}});
@@ -291,7 +291,7 @@ TEST(XmlPropertyList, RejectsWhatFollowsTheRoot) {
       });
 }
 
-TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
+TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItIs) {
   const auto endless = [](const std::string& before) {
     return RejectedRow{before + "<!-- ", "line 1, column " + std::to_string(before.size() + 1) +
                                              ": a comment does not end"};
@@ -310,7 +310,7 @@ TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
 }
 
 // Whatever would make a value of what is left when reading went on behind the fault.
-TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItStands) {
+TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItIs) {
   const auto hyphens = [](const std::string& before, const std::string& behind) {
     return RejectedRow{
         before + "<!--a--" + behind,
@@ -414,7 +414,7 @@ TEST(XmlPropertyList, RejectsAMalformedProlog) {
                  });
 }
 
-TEST(XmlPropertyList, RejectsAPlistThatDoesNotHoldOneValue) {
+TEST(XmlPropertyList, RejectsAPlistThatDoesNotContainOneValue) {
   ExpectRejected(Parse,
                  {
                      {"<plist/>", "line 1, column 1: <plist> holds no value"},
