@@ -114,7 +114,7 @@ ChildOutcome ReplayWithRace(const std::string& moment, const std::string& action
 }
 
 // It was there when it was looked for.
-TEST(Configuration, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
+TEST(Configuration, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
   const auto usual = UsualOutcome();
   const World halved;
   Halve(halved.Configuration());
@@ -152,12 +152,12 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
   }
 }
 
-TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadGivesNoPlan) {
+TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadEndsInNoPlan) {
   ExpectOutcome(ReplayWithRace("read", "swell", "Config.plist"),
                 NoPlan("the file is larger than 1 GiB, format: 0"));
 }
 
-TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
+TEST(Recording, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
   const auto refused = [](const std::string& status, const std::string& error) {
     return ChildOutcome{status, "", "fernwick-lab: computer.registry.plist: " + error + "\n"};
   };
@@ -189,14 +189,14 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadGivesAPlanOrNone) {
 
 // One allocation after the other fails, until the program makes no more. The lab's own status holds
 // while it reads the recording, the tool's from then on.
-TEST(Process, ThatCannotBeStartedIsTold) {
+TEST(Process, ThatCannotBeStartedIsReported) {
   const World world;
   ExpectOutcome(
       world.RunWith("FERNWICK_NO_PROCESS=", "explain"),
       {"71", "", "fernwick-lab: no process could be started: Resource temporarily unavailable\n"});
 }
 
-TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
+TEST(Memory, ThatRunsOutAtAnyPointEndsInAPlanOrNone) {
   if (testing::CountingCoverage) GTEST_SKIP();
   const auto usual = UsualOutcome();
   const ChildOutcome beforeTheTool{"66", "", OutOfMemory};
@@ -222,7 +222,7 @@ TEST(Memory, ThatRunsOutAtAnyPlaceGivesAPlanOrNone) {
 #endif
 
 // From less than the program needs to start to more than it needs at all.
-TEST(Memory, OfAnyLimitGivesAPlanOrNone) {
+TEST(Memory, OfAnyLimitEndsInAPlanOrNone) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const World world;
   world.WriteConfiguration(testing::ReadFile(world.Configuration()) +
@@ -273,7 +273,7 @@ TEST(Size, OfARecordingAtItsBounds) {
   ExpectOutcome(world.Replay(), {"66", "", told + "the file is larger than 1 GiB\n"});
 }
 
-TEST(Payload, OfANameThatIsNotUtf8IsNone) {
+TEST(Payload, OfANameThatIsNotUtf8IsAbsent) {
   const World world;
   const std::string name = "payload-\xFF";
   std::filesystem::create_directory(world.Path() + "/" + name);
@@ -292,7 +292,7 @@ TEST(Streams, ThatThePlanDoesNotNeedMayBeMissing) {
   }
 }
 
-TEST(Streams, ThatAreAllClosedAreNoSuccess) {
+TEST(Streams, ThatAreAllClosedAreAFailure) {
   ExpectOutcome(World().ReplayByShell("exec ", "<&- >&- 2>&-"), {"74", "", ""});
 }
 
@@ -306,7 +306,7 @@ TEST(Streams, WithoutStandardErrorARefusalKeepsItsStatus) {
 }
 
 // The file may not grow beyond 64 blocks of 512 bytes.
-TEST(Plan, ThatTheDiskHasNoRoomForIsNoSuccess) {
+TEST(Plan, ThatTheDiskHasNoRoomForIsAFailure) {
   if (testing::CountingCoverage) GTEST_SKIP();
   const World world;
   EnlargePlan(world);
@@ -318,7 +318,7 @@ TEST(Plan, ThatTheDiskHasNoRoomForIsNoSuccess) {
             whole.standardOutput.substr(0, std::size_t{64} * 512));
 }
 
-TEST(Plan, ThatItsReaderLeavesInTheMiddleIsNoSuccess) {
+TEST(Plan, WhoseReaderClosesEarlyIsAFailure) {
   const World world;
   EnlargePlan(world);
   ExpectOutcome(

@@ -91,7 +91,7 @@ TEST_F(ManyComputers, AreNotTouchedByThoseThatEndAbnormallyNorByTheNumberOfJobs)
   }
 }
 
-TEST_F(ManyComputers, StandInTheSameTableWhateverTheNumberOfJobs) {
+TEST_F(ManyComputers, AreInTheSameTableWhateverTheNumberOfJobs) {
   const auto one = Survey("computers computers computers", "-j1");
   EXPECT_EQ(one.status, "0");
   for (const char* jobs : {"-j2", "-j9"}) {
@@ -117,7 +117,7 @@ std::vector<std::size_t> PeakMemories(const testing::FedProgram& survey) {
 }
 
 // What the kernel counts is exact but for a few pages a processor; the rows alone are far more.
-TEST_F(ManyComputers, TakeNoMoreMemoryThanFewDo) {
+TEST_F(ManyComputers, UseNoMoreMemoryThanFewDo) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP() << "keeps what is freed";
   constexpr std::size_t Bound = 1024;
   testing::FedProgram survey(

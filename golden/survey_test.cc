@@ -179,7 +179,7 @@ class ExpectedSurvey : public ::testing::Test {
   testing::TemporaryDirectory directory_;
 };
 
-TEST_F(ExpectedSurvey, ThatIsFoundInAnyOrderIsNoDifference) {
+TEST_F(ExpectedSurvey, ThatIsFoundInAnyOrderIsNotADifference) {
   ExpectOutcome(
       SurveyAgainst(Rows[4] + Rows[2] + Rows[0] + Rows[3] + Rows[1], "table"),
       {"0", Totals + std::string("not as expected: 0 changed, 0 additional, 0 missing\n"), ""});
@@ -226,7 +226,7 @@ TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
                  Totals + std::string("not as expected: 0 changed, 1 additional, 1 missing\n")});
 }
 
-TEST_F(ExpectedSurvey, AsJunitFailsWhatDiffersAlone) {
+TEST_F(ExpectedSurvey, AsJunitFailsOnlyWhatDiffers) {
   const auto outcome = SurveyAgainst(Rows[0] + Rows[1] + Rows[2] + Rows[3] + Rows[4], "junit");
   EXPECT_EQ(outcome.status, "0");
   const std::string head =
@@ -236,7 +236,7 @@ TEST_F(ExpectedSurvey, AsJunitFailsWhatDiffersAlone) {
   EXPECT_EQ(outcome.standardOutput.substr(0, head.size()), head);
 }
 
-TEST_F(ExpectedSurvey, ThatIsNoneIsRefusedWithItsPlace) {
+TEST_F(ExpectedSurvey, ThatIsMalformedIsRefusedWithItsLocation) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("saved.ndjson", Rows[0] + "{\"file\":\"x\"}\n");
   ExpectOutcome(SurveyEachOutcome({"--expect", path}),
@@ -262,7 +262,7 @@ TEST(Survey, NeedsAPayload) {
       {"64", "", "fernwick-lab: --payload is required; see fernwick-lab survey --help\n"});
 }
 
-TEST(Survey, TakesTheVersionBypass) {
+TEST(Survey, AcceptsTheVersionBypass) {
   const std::vector<std::string> arguments = {
       "-p", "../examples/payload", "../examples/up-to-date.registry.plist", "--format", "csv"};
   auto bypassing = arguments;
@@ -315,7 +315,7 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
       "matches\n");
 }
 
-TEST(Survey, AsCsvHasNoCellThatASpreadsheetReckonsWith) {
+TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
   const testing::TemporaryDirectory directory;
   directory.Write("=1+1.registry.plist",
                   "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
@@ -331,7 +331,7 @@ TEST(Survey, AsCsvHasNoCellThatASpreadsheetReckonsWith) {
 }
 
 // The limit is above what the program needs and below what the recording does.
-TEST(Survey, MakesARowOfARecordingThatExhaustsMemory) {
+TEST(Survey, HasARowForARecordingThatExhaustsMemory) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP();
   const testing::TemporaryDirectory directory;
   const auto large = directory.Write("b.registry.plist", "");

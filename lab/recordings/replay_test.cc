@@ -66,7 +66,7 @@ TEST(Replay, RefusesARecordingThatCannotBeRead) {
             "fernwick-lab: " + directory.Path() + "/none: No such file or directory\n");
 }
 
-TEST(Replay, WithoutARecordingTellsItsUsage) {
+TEST(Replay, WithoutARecordingPrintsItsUsage) {
   EXPECT_EQ(ReplayOf({}).status, 64);
   EXPECT_EQ(ReplayOf({}).standardError, ReplayHelp);
   EXPECT_EQ(ReplayOf({"-v"}).status, 64);
