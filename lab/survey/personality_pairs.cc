@@ -1,4 +1,4 @@
-// A join in several passes. The exact passes are hash joins on a key made of the personality, each
+// A join in several passes. The exact passes are hash joins on a key of the personality, each
 // less strict than the one before: the purpose (what the controller must be: type, silicon, RID,
 // address, UUID, model) with the version bounds and the image, with either, alone. What is left is
 // joined by similarity: of all pairs of compatible personalities, which accept a common value under
@@ -115,7 +115,7 @@ std::vector<Traits> TraitsOf(Array personalities) {
   return all;
 }
 
-// How alike two personalities are; nullopt when no controller can be meant by both.
+// How alike two personalities are; nullopt when no controller matches both.
 std::optional<int> Similarity(const Traits& before, const Traits& after) {
   int similarity = before.image == after.image ? 1 : 0;
   for (std::size_t i = 0; i < PurposeKeys.size(); ++i) {

@@ -10,7 +10,7 @@
 namespace fernwick::lab {
 
 /// For each personality of the old array the index of the one of the new array that has the same
-/// purpose: it is meant for the same controllers, though image, version and version bounds may have
+/// purpose: it selects the same controllers, though image, version and version bounds may have
 /// changed. Empty where the new array has none. No two have the same counterpart. Elements that are
 /// not dictionaries have no counterpart.
 using PersonalityPairs = std::vector<std::optional<std::size_t>>;
