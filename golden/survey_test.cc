@@ -293,7 +293,7 @@ TEST(Survey, WhoseOutputIsLostDoesNotWaitForStandardInput) {
     const auto outcome = testing::RunChild(
         {"/bin/bash", "-c",
          "exec 3<> <(:); echo recordings/bypass-nvram.registry.plist >&3; \"$0\" survey -p "
-         "../examples/payload \"$1\" - <&3 >/dev/full; echo $?",
+         "../examples/payload --format ndjson \"$1\" - <&3 >/dev/full; echo $?",
          FERNWICK_LAB_PROGRAM, jobs},
         FERNWICK_GOLDEN_DIRECTORY);
     ExpectOutcome(outcome, {"0", "74\n",
