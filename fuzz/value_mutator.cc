@@ -17,7 +17,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 namespace fernwick::fuzz {
 namespace {
 
-constexpr std::size_t LongestText = 256;
+constexpr std::size_t MaxTextSize = 256;
 
 // Calls `visit` with the value and everything in it.
 template <typename Visit>
@@ -140,7 +140,7 @@ Dictionary ValueMutator::DictionaryOf(std::vector<DictionaryEntry>& entries) {
 
 std::string_view ValueMutator::ChangedText(std::string_view text) {
   if (Pick(3) == 0) return AnyKey();
-  return arena_.Copy(MutatedBytes(text, LongestText));
+  return arena_.Copy(MutatedBytes(text, MaxTextSize));
 }
 
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {

@@ -153,7 +153,7 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
 }
 
 TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadEndsInNoPlan) {
-  ExpectOutcome(ReplayWithRace("read", "swell", "Config.plist"),
+  ExpectOutcome(ReplayWithRace("read", "enlarge", "Config.plist"),
                 NoPlan("the file is larger than 1 GiB, format: 0"));
 }
 
@@ -266,11 +266,11 @@ TEST(Size, OfAConfigurationAtItsBounds) {
 
 TEST(Size, OfARecordingAtItsBounds) {
   const World world;
-  const std::string told = "fernwick-lab: computer.registry.plist: ";
+  const std::string prefix = "fernwick-lab: computer.registry.plist: ";
   std::filesystem::resize_file(world.Recording(), 0);
-  ExpectOutcome(world.Replay(), {"65", "", told + "the file is empty\n"});
+  ExpectOutcome(world.Replay(), {"65", "", prefix + "the file is empty\n"});
   std::filesystem::resize_file(world.Recording(), Gibibyte + 1);
-  ExpectOutcome(world.Replay(), {"66", "", told + "the file is larger than 1 GiB\n"});
+  ExpectOutcome(world.Replay(), {"66", "", prefix + "the file is larger than 1 GiB\n"});
 }
 
 TEST(Payload, OfANameThatIsNotUtf8IsAbsent) {

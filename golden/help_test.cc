@@ -30,16 +30,16 @@ std::string HelpOf(const std::vector<std::string>& verb) {
 }
 
 // What stands indented behind a line: the first words, or all of each line.
-std::vector<std::string> IndentedBehind(const std::string& heading, const std::string& help) {
+std::vector<std::string> IndentedAfter(const std::string& heading, const std::string& help) {
   std::vector<std::string> found;
-  bool isBehind = false;
+  bool isAfter = false;
   std::istringstream lines(help);
   for (std::string line; std::getline(lines, line);) {
     if (line == heading) {
-      isBehind = true;
+      isAfter = true;
     } else if (!line.starts_with("  ")) {
-      isBehind = false;
-    } else if (isBehind) {
+      isAfter = false;
+    } else if (isAfter) {
       found.push_back(line.substr(2));
     }
   }
@@ -48,7 +48,7 @@ std::vector<std::string> IndentedBehind(const std::string& heading, const std::s
 
 std::vector<std::string> Verbs() {
   std::vector<std::string> verbs;
-  for (const auto& line : IndentedBehind("verbs:", HelpOf({}))) {
+  for (const auto& line : IndentedAfter("verbs:", HelpOf({}))) {
     verbs.push_back(line.substr(0, line.find(' ')));
   }
   return verbs;
@@ -98,7 +98,7 @@ TEST(Help, OfEachVerbBeginsWithWhatItDoes) {
 TEST(Help, OfEachVerbHasExamplesThatWork) {
   for (const auto& verb : Verbs()) {
     const Bench bench;
-    const auto examples = IndentedBehind("Example:", HelpOf({verb}));
+    const auto examples = IndentedAfter("Example:", HelpOf({verb}));
     EXPECT_FALSE(examples.empty()) << verb;
     for (const auto& example : examples) {
       EXPECT_TRUE(example.starts_with("fernwick-lab " + verb + " ")) << example;

@@ -54,9 +54,9 @@ std::set<std::string> DiagnosticsOf(const Requirement& requirement) {
   for (const auto& value : testing::ValueDomain()) values.emplace_back(value);
   std::set<std::string> diagnostics;
   for (const auto& wanted : values) {
-    const auto personality = testing::Holding(requirement.key, wanted);
+    const auto personality = testing::SingleEntry(requirement.key, wanted);
     for (const auto& found : values) {
-      const auto hardware = testing::Holding(requirement.hardwareKey, found);
+      const auto hardware = testing::SingleEntry(requirement.hardwareKey, found);
       auto diagnostic = Test(requirement, personality, {hardware}).diagnostic;
       if (diagnostic.empty()) continue;
       EXPECT_TRUE(diagnostic.ends_with('\n')) << diagnostic;
@@ -152,11 +152,11 @@ TEST(Manual, ConfigurationPageDescribesEveryKeyCorrectly) {
       EXPECT_EQ(key.requiredBy, key.checkedBy) << key.name;
     }
   }
-  std::map<std::string, std::string> told;
+  std::map<std::string, std::string> documented;
   for (const auto& item : ItemsOf(Pages / "fernwick-config.5")) {
-    if (item.heading.starts_with("Qq ")) told[item.heading] = item.paragraph;
+    if (item.heading.starts_with("Qq ")) documented[item.heading] = item.paragraph;
   }
-  EXPECT_EQ(told, expected);
+  EXPECT_EQ(documented, expected);
 }
 
 std::set<std::string> QuotedIn(const std::string& paragraph) {
@@ -176,15 +176,15 @@ TEST(Manual, RecordingPageNamesEveryPropertyOfAControllerThatIsRead) {
     if (!key.port.property.empty()) ofPort.emplace(key.port.property);
     if (!key.thunderbolt.property.empty()) ofThunderbolt.emplace(key.thunderbolt.property);
   }
-  std::map<std::string, std::set<std::string>> told;
+  std::map<std::string, std::set<std::string>> documented;
   for (const auto& item : ItemsOf(Pages / "fernwick-recording.5")) {
     if (item.heading.starts_with("Entries of class ")) {
-      told[item.heading.substr(17)] = QuotedIn(item.paragraph);
+      documented[item.heading.substr(17)] = QuotedIn(item.paragraph);
     }
   }
   const std::map<std::string, std::set<std::string>> expected = {
       {"Qq IOThunderboltSwitch", ofThunderbolt}, {"Qq QuinceHPMDevice", ofPort}};
-  EXPECT_EQ(told, expected);
+  EXPECT_EQ(documented, expected);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "testing/programs/child_process.h"
-#include "testing/programs/fed_program.h"
+#include "testing/programs/piped_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -57,7 +57,7 @@ class ManyComputers : public ::testing::Test {
   }
 
   // Surveys so many more that come to their end, and returns the number of bytes of their rows.
-  static std::size_t SurveyMore(testing::FedProgram& survey, std::size_t count) {
+  static std::size_t SurveyMore(testing::PipedProcess& survey, std::size_t count) {
     constexpr std::size_t AtOnce = 25;  // fewer than a pipe holds either way
     static_assert(AtOnce < Faulty);
     std::size_t bytes = 0;
@@ -110,7 +110,7 @@ TEST_F(ManyComputers, ComeFromStandardInputTheSame) {
 }
 
 // In KiB, of the survey and its workers.
-std::vector<std::size_t> PeakMemories(const testing::FedProgram& survey) {
+std::vector<std::size_t> PeakMemories(const testing::PipedProcess& survey) {
   std::vector<std::size_t> peaks = {testing::PeakMemory(survey.Process())};
   for (const auto worker : survey.Children()) peaks.push_back(testing::PeakMemory(worker));
   return peaks;
@@ -120,7 +120,7 @@ std::vector<std::size_t> PeakMemories(const testing::FedProgram& survey) {
 TEST_F(ManyComputers, UseNoMoreMemoryThanFewDo) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP() << "keeps what is freed";
   constexpr std::size_t Bound = 1024;
-  testing::FedProgram survey(
+  testing::PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "payload", "--format", "ndjson", "-j2", "-"},
       directory_.Path());
   SurveyMore(survey, 1000);

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "testing/programs/child_process.h"
-#include "testing/programs/fed_program.h"
 #include "testing/programs/many_computers.h"
+#include "testing/programs/piped_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -20,8 +20,8 @@ namespace {
 
 using testing::ChildOutcome;
 using testing::ExpectOutcome;
-using testing::FedProgram;
 using testing::OutputTarget;
+using testing::PipedProcess;
 
 // Runs in golden/.
 ChildOutcome Survey(std::vector<std::string> arguments,
@@ -358,7 +358,7 @@ TEST(Survey, HasARowForARecordingThatExhaustsMemory) {
 class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const char*>> {
  protected:
   // The worker, once its standard output leads nowhere: then it is ready.
-  static pid_t AwaitWorker(const FedProgram& survey) {
+  static pid_t AwaitWorker(const PipedProcess& survey) {
     for (;;) {
       for (const auto worker : survey.Children()) {
         std::error_code gone;
@@ -379,7 +379,7 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
   }
 
   // The temporary files that the survey has opened under a name that would stay.
-  static std::vector<std::string> LastingFiles(const FedProgram& survey) {
+  static std::vector<std::string> NamedTemporaryFiles(const PipedProcess& survey) {
     const auto inherited = OpenFiles("self");
     auto files = OpenFiles(std::to_string(survey.Process()));
     std::erase_if(files, [&](const std::string& file) {
@@ -392,7 +392,7 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
 
 TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
   const auto [number, format] = GetParam();
-  FedProgram survey(
+  PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "-j1", "--format", format, "-"},
       FERNWICK_GOLDEN_DIRECTORY);
   const std::string path = "recordings/bypass-nvram.registry.plist\n";
@@ -400,7 +400,7 @@ TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
   const auto worker = AwaitWorker(survey);
   kill(worker, SIGSTOP);
   survey.Write(path);  // which is never answered
-  EXPECT_EQ(LastingFiles(survey), std::vector<std::string>{});
+  EXPECT_EQ(NamedTemporaryFiles(survey), std::vector<std::string>{});
   kill(survey.Process(), number);
   EXPECT_EQ(survey.Wait(), "SIG" + std::string(sigabbrev_np(number)));
 }
@@ -410,7 +410,7 @@ INSTANTIATE_TEST_SUITE_P(ByEachSignal, InterruptedSurvey,
                                             ::testing::Values("ndjson", "table", "junit")));
 
 TEST(Survey, ThatIsInterruptedHasShownTheRowsBefore) {
-  FedProgram survey(
+  PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "--format", "ndjson", "-"},
       FERNWICK_GOLDEN_DIRECTORY);
   survey.Write("recordings/bypass-nvram.registry.plist\n");

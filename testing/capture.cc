@@ -33,7 +33,7 @@ void StandardErrorCapture::Restore() {
   savedDescriptor_ = -1;
 }
 
-// Reads beside the offset at which standard error goes on writing.
+// Reads without moving the offset at which standard error goes on writing.
 std::string StandardErrorCapture::TakeNewText() {
   std::string text;
   char piece[4096];

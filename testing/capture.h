@@ -21,7 +21,7 @@ class StandardErrorCapture {
   /// calls of the subject. REQUIRES: what was written was flushed.
   std::string TakeNewText();
 
-  /// Ends the capture. All that came, what TakeNewText gave included.
+  /// Ends the capture. Returns all that came, what TakeNewText returned included.
   std::string TakeText();
 
  private:

@@ -74,7 +74,7 @@ TEST(ConfigurationFile, ThatIsNoPropertyListIsToldWithThePlace) {
   const auto loading = Load("<plist><dict></plist>");
   EXPECT_FALSE(loading.file.has_value());
   EXPECT_EQ(loading.status, 65);
-  EXPECT_EQ(loading.error, "line 1, column 14: </plist> stands where </dict> was expected");
+  EXPECT_EQ(loading.error, "line 1, column 14: </plist> found where </dict> was expected");
 }
 
 TEST(ConfigurationFile, ThatCannotBeReadIsTold) {
