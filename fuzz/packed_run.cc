@@ -9,9 +9,9 @@ namespace {
 std::string_view SplitFront(std::string_view& text, char separator) {
   const auto end = text.find(separator);
   if (end == std::string_view::npos) return std::exchange(text, {});
-  const auto taken = text.substr(0, end);
+  const auto front = text.substr(0, end);
   text.remove_prefix(end + 1);
-  return taken;
+  return front;
 }
 
 }  // namespace

@@ -31,8 +31,8 @@ void ForEachPart(const PropertyValue& value, Visit visit) {
   }
 }
 
-// By way of XML a mutated text becomes one that a property list can contain. Too deep a value
-// becomes nothing.
+// Converting from XML replaces what a property list cannot contain in a mutated text. A value that
+// is nested too deeply results in an empty text.
 std::string AsBinary(std::string xml) {
   const auto reading = ReadPropertyList(std::move(xml));
   return reading.list ? WriteBinaryPropertyList(reading.list->value) : std::string();

@@ -1,8 +1,9 @@
-// Preloaded into a program by faults_test.cc: makes the world change, or fail, at a chosen moment.
+// Fault injection, preloaded into a program by faults_test.cc: replaces functions of the C library,
+// and changes a file or makes a call fail at a chosen moment.
 //
 //   FERNWICK_FAULT=MOMENT:ACTION:NAME   when a file whose path ends in NAME comes to MOMENT (open,
 //                                       fstat, read, reread), ACTION happens to that path first
-//   FERNWICK_FAILING_ALLOCATION=N       the Nth allocation gives nothing
+//   FERNWICK_FAILING_ALLOCATION=N       the Nth allocation fails
 //   FERNWICK_NO_PROCESS=                no process can be started
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -24,8 +25,8 @@ struct Fault {
   std::string_view moment, action, name;
 };
 
-// What stands up to the next ":", which is taken off `text` with it.
-std::string_view TakeField(std::string_view& text) {
+// Removes the text up to the next ":" and the ":" from the front of `text`, and returns the former.
+std::string_view SplitFront(std::string_view& text) {
   const auto field = text.substr(0, text.find(':'));
   text.remove_prefix(field.size() < text.size() ? field.size() + 1 : text.size());
   return field;
@@ -34,7 +35,7 @@ std::string_view TakeField(std::string_view& text) {
 Fault ChosenFault() {
   const char* value = std::getenv("FERNWICK_FAULT");
   std::string_view text = value == nullptr ? "" : value;
-  return {TakeField(text), TakeField(text), text};
+  return {SplitFront(text), SplitFront(text), text};
 }
 
 char openedPath[4096];  // of the file that the fault is about
@@ -60,7 +61,7 @@ void Halve(const char* path) {
   if (stat(path, &status) != 0 || truncate(path, status.st_size / 2) != 0) std::abort();
 }
 
-// Sets errno where the call itself is to fail, and returns false then.
+// Changes the file. Where the call itself is to fail, sets errno and returns false.
 bool Act(std::string_view action, const char* path) {
   if (action == "empty" && truncate(path, 0) != 0) std::abort();
   if (action == "halve") Halve(path);

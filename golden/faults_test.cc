@@ -1,4 +1,4 @@
-// The programs in a world that fails or changes under them: each ends with a plan that is whole and
+// The programs while files change and calls fail under them: each ends with a complete plan and
 // the status 0, or with a message, another status and no plan.
 
 #include <gtest/gtest.h>
@@ -64,10 +64,10 @@ class World {
   }
 #endif
 
-  // A replay by a shell that does first, and adds to the command, what is given.
-  ChildOutcome ReplayByShell(const std::string& before, const std::string& behind) const {
+  // A replay by a shell that runs `before` first and appends `after` to the command.
+  ChildOutcome ReplayByShell(const std::string& before, const std::string& after) const {
     return RunChild(
-        {"/bin/sh", "-c", before + "\"$0\" replay computer.registry.plist -p . " + behind,
+        {"/bin/sh", "-c", before + "\"$0\" replay computer.registry.plist -p . " + after,
          FERNWICK_LAB_PROGRAM},
         Path());
   }
@@ -78,7 +78,7 @@ class World {
   std::string configuration_;
 };
 
-// What a world gives that nothing happens to.
+// The outcome without a fault.
 ChildOutcome UsualOutcome() {
   auto usual = World().Replay();
   EXPECT_EQ(usual.status, "0");
@@ -187,8 +187,8 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
   }
 }
 
-// One allocation after the other fails, until the program makes no more. The lab's own status holds
-// while it reads the recording, the tool's from then on.
+// Each allocation in turn fails, until there are no more. The status is the lab's own
+// while it reads the recording, and the tool's from then on.
 TEST(Process, ThatCannotBeStartedIsReported) {
   const World world;
   ExpectOutcome(
@@ -233,7 +233,7 @@ TEST(Memory, OfAnyLimitEndsInAPlanOrNone) {
     SCOPED_TRACE(kibibytes);
     const auto found =
         world.ReplayByShell("ulimit -v " + std::to_string(kibibytes) + "; exec ", "");
-    // Where not even the program's own file finds room, the system ends it before it begins.
+    // Where the limit is too low to load the program, the system ends it before it begins.
     const bool starts = found.status != "127" && found.status != "SIGSEGV";
     if (found == usual) {
       met.emplace_back("plan");

@@ -1,4 +1,4 @@
-// Each verb's --help says what the verb does and holds examples, and these work.
+// Each verb's --help describes the verb and contains examples, and these work.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ std::string HelpOf(const std::vector<std::string>& verb) {
   return outcome.standardOutput;
 }
 
-// What stands indented behind a line: the first words, or all of each line.
+// The indented lines after a heading: the first words, or all of each line.
 std::vector<std::string> IndentedAfter(const std::string& heading, const std::string& help) {
   std::vector<std::string> found;
   bool isAfter = false;
@@ -54,7 +54,7 @@ std::vector<std::string> Verbs() {
   return verbs;
 }
 
-// What the examples speak of: two computers, by themselves and in a directory, payloads for them,
+// The files of the examples: two computers, by themselves and in a directory, payloads for them,
 // and a directory to write to.
 class Bench {
  public:
@@ -64,8 +64,8 @@ class Bench {
     for (const auto& [name, example] :
          {std::pair("desk", "ports-only"), std::pair("lap", "thunderbolt-only")}) {
       const auto recording = Examples / (std::string(example) + ".registry.plist");
-      for (const char* place : {"/", "/computers/"}) {
-        fs::copy(recording, directory_.Path() + place + name + ".registry.plist");
+      for (const char* directory : {"/", "/computers/"}) {
+        fs::copy(recording, directory_.Path() + directory + name + ".registry.plist");
       }
     }
     for (const char* payload : {"/payload", "/payload-1", "/payload-2"}) {

@@ -119,7 +119,7 @@ TEST(Lint, ReportsWhatCannotBeReadFirst) {
        ""});
 }
 
-// Which is another thing than that it is not there.
+// Different from a file that is missing.
 TEST(Lint, ReportsAConfigurationThatCannotBeInspected) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/A/README", "");

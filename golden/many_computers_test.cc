@@ -1,4 +1,4 @@
-// A survey of more computers than memory should have to hold.
+// A survey of many computers, whose memory must not grow with their number.
 
 #include "testing/programs/many_computers.h"
 
@@ -58,7 +58,7 @@ class ManyComputers : public ::testing::Test {
 
   // Surveys so many more that come to their end, and returns the number of bytes of their rows.
   static std::size_t SurveyMore(testing::PipedProcess& survey, std::size_t count) {
-    constexpr std::size_t AtOnce = 25;  // fewer than a pipe holds either way
+    constexpr std::size_t AtOnce = 25;  // both directions fit into a pipe
     static_assert(AtOnce < Faulty);
     std::size_t bytes = 0;
     for (std::size_t done = 0; done < count; done += AtOnce) {

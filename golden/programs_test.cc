@@ -1,4 +1,4 @@
-// The programs as processes: what only the end of a process can show.
+// The programs as processes: what can only be observed at the end of a process.
 
 #include <gtest/gtest.h>
 

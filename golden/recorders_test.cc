@@ -1,4 +1,4 @@
-// That no recorder changes a byte of what the tool prints, over all golden cases.
+// Checks that a trace does not change a byte of what the tool prints, over all golden cases.
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -158,7 +158,7 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        Totals});
 }
 
-// A saved survey in which one row is changed, one is missing and one is too much.
+// A saved survey in which one row is changed, one is missing and one is added.
 class ExpectedSurvey : public ::testing::Test {
  protected:
   ChildOutcome SurveyAgainst(const std::string& saved, const std::string& format) {
@@ -354,10 +354,10 @@ TEST(Survey, HasARowForARecordingThatExhaustsMemory) {
                           "abnormally; 0 matches\n"});
 }
 
-// Whatever signal it is, and with a worker that has nothing to do or one in the midst of its work.
+// For each signal, with an idle worker and with a busy one.
 class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const char*>> {
  protected:
-  // The worker, once its standard output leads nowhere: then it is ready.
+  // The worker, once its standard output is /dev/null: then it is ready.
   static pid_t AwaitWorker(const PipedProcess& survey) {
     for (;;) {
       for (const auto worker : survey.Children()) {
@@ -378,7 +378,7 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
     return files;
   }
 
-  // The temporary files that the survey has opened under a name that would stay.
+  // The temporary files that the survey has open and that still have a name.
   static std::vector<std::string> NamedTemporaryFiles(const PipedProcess& survey) {
     const auto inherited = OpenFiles("self");
     auto files = OpenFiles(std::to_string(survey.Process()));

@@ -20,7 +20,7 @@
 // the file; ASCII strings and data are views of the file, UTF-16 strings are transcoded once for
 // each offset and cached.
 //
-// Objects may be shared, so the graph may stand for a tree that is exponentially larger than the
+// Objects may be shared, so the graph may expand to a tree that is exponentially larger than the
 // file. Each value and each byte of text is therefore counted whenever it is reached, and the
 // counts are limited by the size of the file plus a constant. A cycle is found by a flag for each
 // object that is being read. Time and memory are linear in what is reached, and so in the size of

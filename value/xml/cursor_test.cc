@@ -36,7 +36,7 @@ void ExpectFaults(const std::vector<FaultRow>& rows, Operate operate) {
   }
 }
 
-// Contains `operate` to taking each text and nothing of the "<end>" after it.
+// Checks that `operate` consumes each text and nothing of the "<end>" after it.
 template <typename Operate>
 void ExpectConsumesWhole(const std::vector<std::string>& texts, Operate operate) {
   for (const auto& text : texts) {
