@@ -80,6 +80,10 @@ TEST(Excerpt, BytesThatAreNotTextStayAsTheyAre) {
   EXPECT_EQ(Excerpt(Repeated("\x80", 41)), "...");
 }
 
+TEST(Excerpt, OtherControlCharactersAreOctal) {
+  EXPECT_EQ(Excerpt("a\x1B[0m\x7F\xC2\x85"), "a\\033[0m\\177\\205");
+}
+
 TEST(Excerpt, WhiteSpaceBecomesBlanksSoThatAMessageStaysOneLine) {
   EXPECT_EQ(Excerpt("a\nb\r\n\tc"), "a b   c");
   EXPECT_EQ(Excerpt(Repeated("\n", 41)), Repeated(" ", 40) + "...");

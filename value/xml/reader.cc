@@ -123,8 +123,9 @@ class XmlLeaves {
   // The view of an equal key from the cache, which the key replaces where there is none.
   std::string_view Shared(std::string_view key) {
     auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
-    if (recent != key) recent = key;
-    return recent;
+    if (recent == key) return recent;
+    recent = key;
+    return key;
   }
 
   XmlCursor& cursor_;

@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "testing/inputs/corruption.h"
 #include "testing/inputs/parse_tables.h"
@@ -562,6 +563,34 @@ TEST(XmlPropertyList, StringThatNeedsDecodingIsKeptInTheArena) {
                            arena);
   ASSERT_EQ(ErrorOf(value), "");
   EXPECT_EQ(*value, PropertyValue(Dict({{"a&b", "c&d"}, {"e&f", Bytes("foo")}})));
+}
+
+TEST(XmlPropertyList, EqualKeysAreOneView) {
+  const auto value = Parse(
+      "<array><dict><key>a</key><true/><key>b&amp;c</key><true/></dict>"
+      "<dict><key>b&amp;c</key><true/><key>a</key><true/></dict></array>");
+  ASSERT_EQ(ErrorOf(value), "");
+  const Array array = *value->AsArray();
+  const auto first = array[0].AsDictionary()->Entries();
+  const auto second = array[1].AsDictionary()->Entries();
+  EXPECT_EQ(second[1].key, "a");
+  EXPECT_EQ(second[1].key.data(), first[0].key.data());
+  EXPECT_EQ(second[0].key, "b&c");
+  EXPECT_EQ(second[0].key.data(), first[1].key.data());
+}
+
+// More keys than are remembered, and some that replace each other.
+TEST(XmlPropertyList, KeysOfManyDictionariesAreDistinguished) {
+  std::string document = "<array>";
+  std::vector<PropertyValue> expected;
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 1000; ++i) {
+      const auto key = testing::Kept("key" + std::to_string(i));
+      document += "<dict><key>" + std::string(key) + "</key><true/></dict>";
+      expected.push_back(Dict({{key, true}}));
+    }
+  }
+  ExpectAccepted(Parse, {{document + "</array>", List(expected)}});
 }
 
 TEST(XmlPropertyList, EntriesOfNestedDictionariesDoNotMix) {
