@@ -11,7 +11,7 @@ declare -gA _fernwick_lab_options=(
   [redact]="--key --help"
 )
 
-# The tool's own, which stand behind the recording of "replay".
+# The tool's own, which come after the recording of "replay".
 _fernwick_lab_tool_options="-v --verbose -p --payload -X --preflight -s --subupdater --bypassVersion"
 
 _fernwick_lab_words() {
@@ -31,7 +31,7 @@ _fernwick_lab_boards() {
   mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
 }
 
-# What stands behind an option, whose name is $2. Fails where the option takes no value.
+# The value of an option, whose name is $2. Fails where the option has no value.
 _fernwick_lab_value() {
   case "$1 $2" in
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
@@ -55,7 +55,7 @@ _fernwick_lab() {
     _fernwick_lab_words "${!_fernwick_lab_options[*]} --help" "$current"
     return
   fi
-  # "--format=csv" is taken apart at the "=".
+  # "--format=csv" is split at the "=".
   if [[ $current == = ]]; then
     current=
   elif [[ $previous == = ]]; then

@@ -1,4 +1,4 @@
-// The shells complete what the lab takes: what each offers is held against the help of the lab.
+// Compares what each shell completes with what the lab's help lists.
 
 #include <gtest/gtest.h>
 

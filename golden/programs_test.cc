@@ -1,4 +1,4 @@
-// The programs as processes: what only the end of a process can show.
+// The programs as processes: what can only be observed at the end of a process.
 
 #include <gtest/gtest.h>
 
@@ -172,7 +172,7 @@ TEST(Replay, OfAMalformedRecordingPrintsNothing) {
   const auto outcome =
       RunChild({FERNWICK_LAB_PROGRAM, "replay", "broken.plist", "-v"}, directory.Path());
   ExpectOutcome(outcome, {"65", "",
-                          "fernwick-lab: broken.plist: line 3, column 1: </plist> stands where "
+                          "fernwick-lab: broken.plist: line 3, column 1: </plist> found where "
                           "</dict> was expected\n"});
 }
 
