@@ -1,8 +1,8 @@
 #!/usr/bin/python3 -B
-"""Mutation testing: makes one small change of the source at a time and prints the changes that no test detects.
+"""Changes the source in one place at a time and prints the changes that no test notices.
 
 A mutant is tried with the tests of its folder, then of the folders of the tool that use it, then with the
-golden cases. The first test that fails or runs too long kills it. If none does, it survives: a test is
+golden cases. The first test that fails or takes too long kills it. If none does, it survives: a test is
 missing, the code is needless, or the change makes no difference. A reviewer decides.
 
 Everything is built in build-mutation/. Outcomes are appended to a file there, from which another run over the
@@ -81,7 +81,7 @@ def test_programs(path):
 
 
 def fails(program, limit, **variables):
-    """Whether a test fails, or uses more than `limit` seconds of processor time or 2 GiB of memory."""
+    """Whether a test fails, or takes more than `limit` seconds of processor time or 2 GiB of memory."""
     command = (f"exec timeout -s KILL {60 + 10 * limit} "  # it may wait for something
                f"prlimit --cpu={limit} --as={2 << 30} --core=0 "
                f"'{(BUILD / program).resolve()}' --gtest_fail_fast </dev/null >/dev/null 2>&1")
@@ -93,7 +93,7 @@ def fails(program, limit, **variables):
 
 def build_all(program, file, left_out):
     """Builds a test program with all mutations of a file but those of the lines `left_out`, to which the lines
-    that do not work so are added. Returns the numbers that its tests reach, and the time limit of a test."""
+    that do not work so are added. Returns the numbers that its tests reach, and how long a test may take."""
     while True:
         included = {n: mutation for n, mutation in enumerate(file.mutations) if mutation.line not in left_out}
         errors = build(program, file.path, mutations.apply(file.source, included))
@@ -133,9 +133,9 @@ def try_file(file, numbers, record, expired):
 
 
 def try_alone(file, number, tool, limits):
-    """The outcome of a mutant that is compiled by itself. `tool` is what the unchanged source is compiled to,
-    `limits` has the test programs that the mutant has not passed yet, and the time limit of each."""
-    text = mutations.apply(file.source, {number: file.mutations[number]}, "true")
+    """The outcome of a mutant that is compiled by itself. `tool` is what the unchanged source is compiled to;
+    `limits` has the test programs that the mutant has not passed yet, and how long each may take."""
+    text = mutations.apply(file.source, {number: file.mutations[number]}, "true", "true")
     if build("fernwick", file.path, text):
         return "not compiling"
     if compiled_tool() == tool:
@@ -145,7 +145,7 @@ def try_alone(file, number, tool, limits):
 
 
 def source_files():
-    """The files that are changed; the headers last, since they are the slowest."""
+    """The files that are changed; last the headers, which take longest."""
     paths = [path for folder in FOLDERS for path in sorted(pathlib.Path(folder).rglob("*.*"))]
     return [str(path) for suffix in (".cc", ".h") for path in paths
             if path.suffix == suffix and not path.stem.endswith("_test")]
