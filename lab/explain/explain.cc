@@ -17,13 +17,14 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Tells which personality of a payload matches which controller of a recorded computer and, of "
+    "Prints which personality of a payload matches which controller of a recorded computer and, "
+    "for "
     "every other pair, why not: all requirements that fail, near misses first.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
-std::string FaultOfDirectory(const std::string& path) {
+std::string DirectoryFault(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (directory < 0) return std::strerror(errno);
   close(directory);
@@ -59,7 +60,7 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto recording = LoadRecording(path);
   if (!recording) return PrintError(path, recording.Error());
-  if (const auto fault = FaultOfDirectory(payload); !fault.empty()) {
+  if (const auto fault = DirectoryFault(payload); !fault.empty()) {
     return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
   }
   const auto explanation = Explain(*recording, ToolOptions(payload, bypassVersion));
