@@ -1,7 +1,6 @@
-#include "lab/survey/matched_pairs.h"
-
 #include <gtest/gtest.h>
 
+#include "lab/survey/matched_pairs.h"
 #include "testing/property_values.h"
 
 namespace fernwick::lab {
