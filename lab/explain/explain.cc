@@ -10,6 +10,7 @@
 #include "lab/explain/print.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -48,7 +49,10 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "RECORDING",
+           .target = &path,
+           .help = "the recorded computer; - is standard input",
+           .least = 1},
           {.name = "-p,--payload",
            .target = &payload,
            .help = "the payload directory",
@@ -58,8 +62,8 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecording(path);
-  if (!recording) return PrintError(path, recording.Error());
+  const auto recording = LoadRecordingOperand(path);
+  if (!recording) return PrintError(InputName(path), recording.Error());
   if (const auto fault = DirectoryFault(payload); !fault.empty()) {
     return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
   }

@@ -55,7 +55,7 @@ Json BoardAsJson(const BoardIdentity& board) {
 
 }  // namespace
 
-ShownComputer LookAt(Recording recording) {
+ShownComputer Inspect(Recording recording) {
   RecordedRegistry registry(recording);
   auto board = ReadBoardIdentity(registry);
   auto thunderbolt = FindThunderboltControllers(recording);

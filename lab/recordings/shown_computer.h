@@ -10,8 +10,8 @@
 
 namespace fernwick::lab {
 
-/// What there is to show of a recorded computer. The controllers view the recording, also after a
-/// move.
+/// A recorded computer and what the tool reads of it. The controllers view the recording, also
+/// after a move.
 struct ShownComputer {
   Recording recording;
   BoardIdentity board;
@@ -19,10 +19,11 @@ struct ShownComputer {
   Controllers ports;
 };
 
-/// Takes both inventories as a run would. A run that would end abnormally does not end this one.
-ShownComputer LookAt(Recording recording);
+/// Collects both inventories as a run would. A fault that would end the run is only noted.
+ShownComputer Inspect(Recording recording);
 
-/// As a text for people, the plane `wanted` alone or every plane, which then go by name.
+/// As a text for people, with the plane `wanted` alone or, if it is empty, every plane in the order
+/// of their names.
 std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted);
 
 /// The same in JSON.
