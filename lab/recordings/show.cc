@@ -38,13 +38,13 @@ VerbEnd Show(int argumentCount, char* const arguments[]) {
                                 {.name = "--json", .target = &asJson, .help = "print JSON"},
                             }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  auto recording = LoadRecordingOperand(path);
+  const auto recording = LoadRecordingOperand(path);
   if (!recording) return PrintError(InputName(path), recording.Error());
   if (plane && !recording->planes.contains(*plane)) {
     PrintError(InputName(path) + ": there is no plane \"" + *plane + "\"");
     return LabStatus::BadUsage;
   }
-  const auto computer = Inspect(*std::move(recording));
+  const auto computer = Inspect(*recording);
   return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
 }
 

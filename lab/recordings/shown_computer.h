@@ -10,17 +10,16 @@
 
 namespace fernwick::lab {
 
-/// A recorded computer and what the tool reads of it. The controllers view the recording, also
-/// after a move.
+/// A recorded computer and what the tool reads of it. It views the recording, which must outlive it.
 struct ShownComputer {
-  Recording recording;
+  const Recording& recording;
   BoardIdentity board;
   Controllers thunderbolt;
   Controllers ports;
 };
 
 /// Collects both inventories as a run would. A fault that would end the run is only noted.
-ShownComputer Inspect(Recording recording);
+ShownComputer Inspect(const Recording& recording);
 
 /// As a text for people, with the plane `wanted` alone or, if it is empty, every plane in the order
 /// of their names.
