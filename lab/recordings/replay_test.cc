@@ -4,6 +4,7 @@
 #include "testing/capture.h"
 #include "testing/command_line.h"
 #include "testing/programs/many_computers.h"
+#include "testing/standard_input.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -75,6 +76,14 @@ TEST(Replay, RefusesARecordingThatCannotBeRead) {
   EXPECT_EQ(replayed.status, 66);
   EXPECT_EQ(replayed.standardError,
             "fernwick-lab: " + directory.Path() + "/none: No such file or directory\n");
+}
+
+TEST(Replay, ReadsTheRecordingFromStandardInput) {
+  testing::StandardInputPipe input;
+  input.Write(Empty);
+  input.End();
+  EXPECT_EQ(ReplayOf({"-"}).status, 13);
+  EXPECT_EQ(ReplayOf({"-"}).standardError, "fernwick-lab: standard input: the file is empty\n");
 }
 
 TEST(Replay, WithoutARecordingPrintsItsUsage) {

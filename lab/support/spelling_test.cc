@@ -61,5 +61,10 @@ TEST(NearestSpelling, IsTheNearestAndOfThoseTheFirst) {
   EXPECT_EQ(NearestSpelling("Device XD", Alike), "Device ID");
 }
 
+TEST(SuggestionFor, IsAQuestionOrEmpty) {
+  EXPECT_EQ(SuggestionFor("Verison", Known), " (did you mean \"Version\"?)");
+  EXPECT_EQ(SuggestionFor("Firmware", Known), "");
+}
+
 }  // namespace
 }  // namespace fernwick::lab
