@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -81,6 +83,15 @@ TEST(Convert, ReadsStandardInputAndWritesStandardOutput) {
             RunLab({"show", name, "--json"}));
 }
 
+TEST(Explain, ReadsStandardInput) {
+  const std::string name = "up-to-date.registry.plist";
+  const auto outcome = testing::RunChild(
+      {"/bin/sh", "-c", std::string(FERNWICK_LAB_PROGRAM) + " explain - -p payload < " + name},
+      Examples.string());
+  EXPECT_EQ(outcome.standardOutput + outcome.standardError + Done,
+            RunLab({"explain", name, "-p", "payload"}));
+}
+
 TEST(Convert, ReplacesAFileOnlyWhenForced) {
   const TemporaryDirectory directory;
   const auto out = directory.Write("out", "old");
@@ -106,6 +117,39 @@ TEST(Convert, OfAMalformedFileWritesNothing) {
 TEST(Convert, ReportsAnOutputThatCannotBeWritten) {
   EXPECT_EQ(RunLab({"convert", "ports-only.registry.plist", "/nowhere/out", "--to", "xml"}),
             "fernwick-lab: /nowhere/out: No such file or directory\n[status 74]\n");
+}
+
+using Json = nlohmann::json;
+
+// The names of all members but those of properties, planes and hardware records, which are data.
+void CollectMembers(const Json& json, std::set<std::string>& members) {
+  for (const auto& [name, value] : json.items()) {
+    if (json.is_object()) members.insert(name);
+    const bool isData =
+        name == "properties" || name == "thunderboltControllers" || name == "portControllers";
+    if (name == "planes") {
+      for (const auto& root : value) CollectMembers(root, members);
+    } else if (value.is_structured() && (!isData || value.contains("endsRunAbnormally"))) {
+      CollectMembers(value, members);
+    }
+  }
+}
+
+TEST(Show, HasItsJsonDocumented) {
+  std::set<std::string> members;
+  for (const char* recording :
+       {"ports-below-thunderbolt.registry.plist", "../golden/recordings/no-uid.registry.plist"}) {
+    const auto outcome =
+        testing::RunChild({FERNWICK_LAB_PROGRAM, "show", recording, "--json"}, Examples.string());
+    ASSERT_EQ(outcome.status, "0") << outcome.standardError;
+    CollectMembers(Json::parse(outcome.standardOutput), members);
+  }
+  EXPECT_EQ(members.size(), 14u);
+  const auto document = ReadFile(fs::path(FERNWICK_SOURCE_DIRECTORY) / "docs" / "json.md");
+  const auto section = document.substr(document.find("## show\n"));
+  for (const auto& member : members) {
+    EXPECT_NE(section.find("`" + member + "`"), std::string::npos) << member;
+  }
 }
 
 TEST(Redact, LeavesThePlansAsTheyWere) {

@@ -25,7 +25,7 @@ std::string PersonalityText(const ExplainedKey& key, std::size_t index);
 /// "hpm0 below ridge0".
 std::string ControllerName(const ExplainedController& controller);
 
-/// What tells similar controllers apart: ": RID 0, address 56, version 171".
+/// What distinguishes similar controllers: ": RID 0, address 56, version 171".
 std::string Traits(Dictionary record);
 
 /// "Zed-1A07 (0x1A07), revision 2".

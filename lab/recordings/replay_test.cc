@@ -33,7 +33,7 @@ TEST(Replay, RunsTheToolUnderItsOwnName) {
   EXPECT_EQ(replayed.standardError, "fernwick: unrecognized option '--no'\n");
 }
 
-TEST(Replay, HandsTheStatusOfTheToolOn) {
+TEST(Replay, ReturnsTheStatusOfTheTool) {
   const testing::TemporaryDirectory directory;
   const auto replayed = ReplayOf({directory.Write("empty.registry.plist", Empty)});
   EXPECT_EQ(replayed.status, 13);
@@ -42,7 +42,7 @@ TEST(Replay, HandsTheStatusOfTheToolOn) {
             "fernwick: Unexpected format for config plist file.  Aborting\n");
 }
 
-TEST(Replay, HandsAFaultOfTheToolOn) {
+TEST(Replay, ReturnsAFaultOfTheTool) {
   const testing::TemporaryDirectory directory;
   const testing::CommandLine line = {
       directory.Write("faulty.registry.plist", testing::FaultyRecording())};
@@ -52,7 +52,7 @@ TEST(Replay, HandsAFaultOfTheToolOn) {
   EXPECT_EQ(errors.TakeText(), "");
 }
 
-TEST(Replay, TwiceInOneProcessIsLikeOnce) {
+TEST(Replay, TwiceInOneProcessHasTheSameResult) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("empty.registry.plist", Empty);
   const auto first = ReplayOf({path, "-X", "--no"});

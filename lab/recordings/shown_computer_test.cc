@@ -17,7 +17,7 @@ testing::Computer SmallComputer() {
   return computer;
 }
 
-TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
+TEST(ShowAsText, IsATreeWithTheControllersMarkedAndTheirInventories) {
   const auto computer = SmallComputer();
   EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), "IOService"),
             "Board Zed-2B (0x2B), revision 3\n"
@@ -40,7 +40,7 @@ TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
             "      \"Ridge UID\" = 21\n");
 }
 
-TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
+TEST(ShowAsText, ContainsEveryPlaneWhenNoneIsNamed) {
   testing::Computer computer;
   computer.Set(computer.Board(), "map", testing::Dict({{"a", 1}}));
   EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), std::nullopt),
@@ -61,7 +61,7 @@ TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
             "USB-C port controllers as the tool sees them: none\n");
 }
 
-TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
+TEST(ShowAsText, ReportsAnInventoryThatEndsTheRun) {
   testing::Computer computer;
   computer.AddThunderbolt("r\x1B", {{"Depth", 0}, {"Route String", 0}});
   EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), "IOService"),
@@ -79,7 +79,7 @@ TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
             "USB-C port controllers as the tool sees them: none\n");
 }
 
-TEST(ShowAsJson, HoldsTheSame) {
+TEST(ShowAsJson, ContainsTheSame) {
   const auto computer = SmallComputer();
   const auto json = ShowAsJson(Inspect(computer.Recorded()), "IOService");
   EXPECT_EQ(
@@ -97,7 +97,7 @@ TEST(ShowAsJson, HoldsTheSame) {
       "\n");
 }
 
-TEST(ShowAsJson, TellsAnInventoryThatEndsTheRun) {
+TEST(ShowAsJson, ReportsAnInventoryThatEndsTheRun) {
   testing::Computer computer;
   computer.AddThunderbolt("ridge", {{"Depth", 0}, {"Route String", 0}});
   const auto json = ShowAsJson(Inspect(computer.Recorded()), "none");

@@ -42,7 +42,7 @@ struct CommandLine {
 /// Parses the arguments after the verb. Returns nullopt when the verb can go on. Otherwise returns
 /// the process's exit status, having printed the help on standard output (-h, --help) or one line
 /// on standard error that says what is wrong (LabStatus::BadUsage); an option that does not exist
-/// is named before anything else, with the one that was probably meant.
+/// is named before anything else, with the most similar one.
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]);
 
