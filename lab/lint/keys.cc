@@ -2,7 +2,7 @@
 
 #include "lab/lint/checks.h"
 #include "lab/lint/shape_rules.h"
-#include "lab/lint/spelling.h"
+#include "lab/support/spelling.h"
 
 namespace fernwick::lab {
 namespace {
