@@ -4,8 +4,8 @@ declare -gA _fernwick_lab_options=(
   [replay]="--help"
   [explain]="-p --payload --bypassVersion --json --help"
   [lint]="--format --fail-level --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --expect -j --jobs --help"
-  [diff]="-p --payload --json -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
+  [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
@@ -37,6 +37,8 @@ _fernwick_lab_value() {
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
+    'survey --fail-on') _fernwick_lab_words 'refused abnormal no-plan' "$3" ;;
+    'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;

@@ -99,7 +99,8 @@ TEST(Survey, AsCsvIsALineForEveryMatchOrComputer) {
       SurveyEachOutcome({"--format", "csv"}),
       {"0",
        "file,outcome,status,reason,board,revision,type,rid,port "
-       "address,installed,version,image,diagnostics\r\n"
+       "address,installed,version,image,diagnostics,image "
+       "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,2,,23."
        "020000001,24,ridge-24.00.bin,\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,3,,23."
@@ -216,7 +217,8 @@ TEST_F(ExpectedSurvey, AsNdjsonHasBothRows) {
 TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
   const std::string names =
       "difference,side,file,outcome,status,reason,board,revision,type,rid,port "
-      "address,installed,version,image,diagnostics\r\n";
+      "address,installed,version,image,diagnostics,image "
+      "missing,priority,SetNVRAM,ClearNVRAM,options\r\n";
   ExpectOutcome(SurveyAgainst(missingRow_ + Rows[0] + Rows[1] + Rows[2] + Rows[4], "csv"),
                 {"1",
                  names + "additional,found,none.registry.plist,refused,66,No such file or "
@@ -317,7 +319,8 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
             "\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
   EXPECT_EQ(outcome("csv"),
             "file,outcome,status,reason,board,revision,type,rid,port "
-            "address,installed,version,image,diagnostics\r\n"
+            "address,installed,version,image,diagnostics,image "
+            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
             "\"./a\\033[31m,\"\"\\377\\012.registry.plist\",refused,65,\"\"\"Recording "
             "Version\"\" is missing\",,,,,,,,,\r\n");
   EXPECT_EQ(
@@ -341,7 +344,8 @@ TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
                               OutputTarget::Captured, directory.Path());
   EXPECT_EQ(outcome.standardOutput,
             "file,outcome,status,reason,board,revision,type,rid,port "
-            "address,installed,version,image,diagnostics\r\n"
+            "address,installed,version,image,diagnostics,image "
+            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
             "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,\r\n");
 }
 
@@ -360,7 +364,8 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
       directory.Path());
   ExpectOutcome(outcome, {"71",
                           "file,outcome,status,reason,board,revision,type,rid,port "
-                          "address,installed,version,image,diagnostics\r\n"
+                          "address,installed,version,image,diagnostics,image "
+                          "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
                           "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,\r\n",
                           "fernwick: out of memory\n"});
 }
