@@ -24,6 +24,9 @@ void LintValues(const LocatedPersonality& personality, ConfigurationFindings& fi
 /// it seems.
 void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
+/// Whether a controller can report the personality's "Version" once it is installed.
+void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
 /// Whether any board revision lies within the personality's bounds.
 void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFindings& findings);
 

@@ -3,6 +3,7 @@
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
 #include "lab/lint/nvram.h"
+#include "lab/lint/rid.h"
 #include "lab/lint/shadowing.h"
 
 namespace fernwick::lab {
@@ -11,7 +12,9 @@ namespace {
 void LintPersonality(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   LintKeys(personality, findings);
   LintValues(personality, findings);
+  LintRidAndUid(personality, findings);
   LintVersions(personality, findings);
+  LintSettling(personality, findings);
   LintBoardRevisions(personality, findings);
   LintPriority(personality, findings);
   LintFirmwareMode(personality, findings);

@@ -24,9 +24,9 @@ constexpr auto SortedRules = [] {
       &MissingKey,
       // What stands under them.
       &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
-      &UnreachableNumber, &RidOutOfRange, &DoubtfulRid, &NanBound,
+      &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound,
       // What can match, and what is reached.
-      &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
+      &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed, &UnreportableVersion,
       &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality,
       &ShadowingNotExamined,
       // What the plan takes.

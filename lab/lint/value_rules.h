@@ -98,6 +98,17 @@ inline constexpr LintRule RidOutOfRange = {
     "<key>RID</key><integer>1</integer>",
 };
 
+inline constexpr LintRule RidNotOfUid = {
+    "rid-not-of-uid",
+    Severity::Error,
+    "\"RID\" and \"Ridge UID\" exclude each other",
+    "The RID of a Thunderbolt controller is the low four bits of its unique id, so no controller "
+    "matches a personality whose \"RID\" is not the low four bits of any \"Ridge UID\".",
+    "Write the low four bits of the unique id, or leave \"RID\" out.",
+    "<key>Ridge UID</key><integer>0x5A3</integer>\n<key>RID</key><integer>5</integer>",
+    "<key>Ridge UID</key><integer>0x5A3</integer>\n<key>RID</key><integer>3</integer>",
+};
+
 inline constexpr LintRule DoubtfulRid = {
     "doubtful-rid",
     Severity::Warning,

@@ -34,8 +34,8 @@ bool IsInside(const PropertyValue& installed, const Window& window) {
          (maximum == nullptr || !NumberLess(*maximum, installed));
 }
 
-bool IsEmpty(const Window& window, TypeSet type) {
-  const auto lowest = LowestInstalledVersions(type, ValueOf(window.minimum));
+bool IsEmpty(const Window& window, VersionScales scales) {
+  const auto lowest = LowestInstalledVersions(scales, ValueOf(window.minimum));
   return std::ranges::none_of(lowest, [&](const auto& v) { return IsInside(v, window); });
 }
 
@@ -51,10 +51,12 @@ std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum) {
   return next;
 }
 
-void LintMaximum(const Window& window, TypeSet type, ConfigurationFindings& findings) {
+void LintMaximum(const Window& window, TypeSet type, VersionScales scales,
+                 ConfigurationFindings& findings) {
   // A whole number may be meant for a port that has a version of its own, and there it means what
   // it says.
   const bool hasThunderboltVersion = type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+  if (!scales.thunderbolt) return;
   if (!hasThunderboltVersion && IsWhole(*window.maximum->value)) return;
   const auto missed = VersionJustAbove(*window.maximum->value);
   if (!missed || !IsInside(*missed, {window.version, window.minimum, nullptr})) return;
@@ -65,7 +67,8 @@ void LintMaximum(const Window& window, TypeSet type, ConfigurationFindings& find
                    Shown(*missed));
 }
 
-void LintWindow(const Window& window, TypeSet type, ConfigurationFindings& findings) {
+void LintWindow(const Window& window, TypeSet type, VersionScales scales,
+                ConfigurationFindings& findings) {
   const auto& [version, minimum, maximum] = window;
   if (minimum != nullptr && maximum != nullptr && NumberGreater(*minimum->value, *maximum->value)) {
     findings.Add(LintRuleOf::VersionBoundsCrossed, maximum->valueOffset,
@@ -76,12 +79,15 @@ void LintWindow(const Window& window, TypeSet type, ConfigurationFindings& findi
     findings.Add(LintRuleOf::VersionNotAboveMinimum, version->valueOffset,
                  "\"Version\" " + Shown(*version->value) +
                      " is not above \"Existing Min Version\" " + Shown(*minimum->value));
-  } else if (IsEmpty(window, type)) {
+  } else if (IsEmpty(window, scales)) {
     const auto* place = maximum != nullptr ? maximum : version;
     findings.Add(LintRuleOf::EmptyVersionWindow, place->valueOffset,
-                 "no version that can be installed lies in the window of this personality");
+                 scales.thunderbolt
+                     ? "no version that can be installed is in the window of this personality"
+                     : "no version that can be installed is in the window of this personality: at "
+                       "its addresses are only ports with whole numbers");
   } else if (maximum != nullptr) {
-    LintMaximum(window, type, findings);
+    LintMaximum(window, type, scales, findings);
   }
 }
 
@@ -92,6 +98,10 @@ bool IsBadBound(const LocatedEntry* bound) {
 // A bound that is NaN is as good as none.
 const LocatedEntry* WithoutNan(const LocatedEntry* bound) {
   return bound != nullptr && NumbersEqual(*bound->value, *bound->value) ? bound : nullptr;
+}
+
+VersionScales ScalesOf(const LocatedPersonality& personality) {
+  return VersionScalesOf(personality.type, ValueOf(personality.Find("Port Address")));
 }
 
 void LintRevisionBound(const LocatedEntry* bound, ConfigurationFindings& findings) {
@@ -113,7 +123,19 @@ void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& 
   if (IsBadBound(version)) version = nullptr;
   const Window window = {version, WithoutNan(minimum), WithoutNan(maximum)};
   if (version == nullptr && window.minimum == nullptr && window.maximum == nullptr) return;
-  LintWindow(window, personality.type, findings);
+  LintWindow(window, personality.type, ScalesOf(personality), findings);
+}
+
+void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* version = personality.Find("Version");
+  if (version == nullptr || !version->value->IsNumber()) return;
+  if (!NumberGreater(*version->value, 0)) return;  // is above no installed version
+  const auto scales = ScalesOf(personality);
+  if (IsReportable(*version->value, scales)) return;
+  findings.Add(LintRuleOf::UnreportableVersion, version->valueOffset,
+               "\"Version\" is " + Shown(*version->value) + ", but a controller reports " +
+                   std::string(scales.thunderbolt ? "hundredths up to .63" : "whole numbers") +
+                   ": the update never settles");
 }
 
 void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFindings& findings) {
