@@ -6,7 +6,7 @@
 namespace fernwick::lab {
 
 // What lint looks for in a configuration, most of it in one personality at a time. Defined in
-// shape.cc, keys.cc, values.cc, versions.cc and plan.cc, in this order.
+// shape.cc, keys.cc, values.cc, versions.cc, plan.cc and nvram_names.cc, in this order.
 
 /// The top of the configuration and the shape of what is under its types.
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
@@ -38,5 +38,9 @@ void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindin
 
 /// The shapes of the personality's NVRAM settings.
 void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
+/// The names of the NVRAM variables that the personality sets and clears: those through which the
+/// plan passes its images, the bypass switches, "boot-args", and empty ones.
+void LintNvramNames(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

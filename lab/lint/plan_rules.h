@@ -173,7 +173,9 @@ inline constexpr LintRule NvramConflict = {
     Severity::Warning,
     "an NVRAM variable is set to different values",
     "Personalities that can match on the same computer set it to different values; the plan keeps "
-    "that of the last match, which hangs on the controllers that are there.",
+    "that of the last match, which depends on the controllers that are there. Personalities for "
+    "different board revisions or device models never match on one computer, and those of one type "
+    "that accept the same controllers are steps of one upgrade.",
     "Set one value in all of them, or use a variable for each.",
     "<dict>... <key>staged</key><string>left</string> ...</dict>\n"
     "<dict>... <key>staged</key><string>right</string> ...</dict>",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "lab/lint/nvram_rules.h"
 #include "lab/lint/payload_rules.h"
 #include "lab/lint/plan_rules.h"
 #include "lab/lint/shape_rules.h"
@@ -27,13 +28,14 @@ constexpr auto SortedRules = [] {
       &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound,
       // What can match, and what is reached.
       &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed, &UnreportableVersion,
-      &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality,
+      &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality, &TwoImagesForOneController,
       &ShadowingNotExamined,
       // What the plan takes.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
       &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
-      &NvramConflict};
+      &NvramConflict, &NvramEmptyName, &NvramPayloadVariable, &NvramBypassSwitch,
+      &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
   std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
   return rules;
 }();

@@ -106,6 +106,21 @@ inline constexpr LintRule ShadowedPersonality = {
     "<dict>... <key>RID</key><integer>1</integer> ...</dict>\n<dict>... any RID ...</dict>",
 };
 
+inline constexpr LintRule TwoImagesForOneController = {
+    "two-images-for-one-controller",
+    Severity::Error,
+    "personalities of two types plan two images for one controller",
+    "Each type is matched by itself. A controller that fits a LegacyThunderbolt and a Thunderbolt "
+    "personality, or a LegacyUSBC and a USBC one, gets the images of both in one plan; which of "
+    "them it has in the end depends on their order.",
+    "Keep one of the two, or let them differ in a key that both types read: the address, the "
+    "silicon, or the window of the installed version.",
+    "<key>LegacyUSBC</key><dict>... any \"Port Address\" ...</dict>\n"
+    "<key>USBC</key><array><dict>... any \"Port Address\" ...</dict></array>",
+    "<key>LegacyUSBC</key><dict>... \"Port Address\" 0x20 ...</dict>\n"
+    "<key>USBC</key><array><dict>... \"Port Address\" 0x38 ...</dict></array>",
+};
+
 inline constexpr LintRule ShadowingNotExamined = {
     "shadowing-not-examined",
     Severity::Note,
