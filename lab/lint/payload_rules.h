@@ -38,6 +38,38 @@ inline constexpr LintRule ImpossibleBoardId = {
     "payload/Fernwick/Zed-42/Config.plist",
 };
 
+inline constexpr LintRule DoubtfulBoardId = {
+    "doubtful-board-id",
+    Severity::Warning,
+    "the directory's name is unlike a board identifier",
+    "A computer looks for the directory that has exactly its board identifier for a name, and "
+    "identifiers are \"Zed-\" and upper-case hexadecimal digits. A copy, a backup, the letter O "
+    "for a zero, lower case, a blank or a missing prefix leave the board without updates.",
+    "Rename the directory to the identifier, or move a copy out of the payload.",
+    "payload/Fernwick/Zed-1AO5/Config.plist",
+    "payload/Fernwick/Zed-1A05/Config.plist",
+};
+
+inline constexpr LintRule SameBoardTwice = {
+    "same-board-twice",
+    Severity::Warning,
+    "two board directories differ only in leading zeros",
+    "Both names are the same number. A computer looks for exactly one of them.",
+    "Keep the one that is the board's identifier.",
+    "payload/Fernwick/Zed-0A05/Config.plist\npayload/Fernwick/Zed-A05/Config.plist",
+    "payload/Fernwick/Zed-0A05/Config.plist",
+};
+
+inline constexpr LintRule NestedBoard = {
+    "nested-board",
+    Severity::Error,
+    "a board directory is inside another one",
+    "Board directories are looked for in Fernwick/ only, not in its sub-directories.",
+    "Move the directory into Fernwick/.",
+    "payload/Fernwick/Zed-42/Zed-43/Config.plist",
+    "payload/Fernwick/Zed-43/Config.plist",
+};
+
 inline constexpr LintRule NoConfiguration = {
     "no-configuration",
     Severity::Error,

@@ -17,7 +17,8 @@ constexpr auto SortedRules = [] {
   using namespace LintRuleOf;
   std::array rules = {
       // The payload and its files.
-      &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &NoConfiguration, &UnreadableFile,
+      &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &DoubtfulBoardId, &SameBoardTwice,
+      &NestedBoard, &NoConfiguration, &UnreadableFile,
       &MalformedPropertyList,
       // The shape of a configuration, and its keys.
       &NotADictionary, &DuplicateKey, &UnknownType, &MisspeltType, &WrongTypeShape, &EmptyType,
