@@ -90,8 +90,8 @@ std::string Suggestion(const std::string& meant, const std::vector<std::string>&
 }  // namespace
 
 bool IsNoBoard(std::string_view directory) {
-  constexpr std::string_view Names[] = {".git", ".svn", ".hg",           ".bzr",
-                                        ".jj",  "CVS",  "RidgeFlash.efi", "PortFlash.efi"};
+  constexpr std::string_view Names[] = {".git", ".svn",           ".hg",          ".bzr", ".jj",
+                                        "CVS",  "RidgeFlash.efi", "PortFlash.efi"};
   return std::ranges::find(Names, directory) != std::end(Names);
 }
 

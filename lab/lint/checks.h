@@ -6,7 +6,8 @@
 namespace fernwick::lab {
 
 // What lint looks for in a configuration, most of it in one personality at a time. Defined in
-// shape.cc, keys.cc, values.cc, versions.cc, plan.cc and nvram_names.cc, in this order.
+// shape.cc, keys.cc, values.cc, doubtful_values.cc,
+// versions.cc, plan.cc and nvram_names.cc, in this order.
 
 /// The top of the configuration and the shape of what is under its types.
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
@@ -19,6 +20,10 @@ void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& find
 
 /// Values with which nothing matches under their key.
 void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
+/// Values that can match but are probably not what is meant: UUIDs and model names in another form
+/// than the registry's, booleans, reals for a unique id, repeated elements.
+void LintDoubtfulValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// Whether any installed version lies in the personality's window, and whether its maximum is what
 /// it seems.

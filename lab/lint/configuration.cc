@@ -4,6 +4,7 @@
 
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
+#include "lab/lint/gaps.h"
 #include "lab/lint/nvram.h"
 #include "lab/lint/overlap.h"
 #include "lab/lint/rid.h"
@@ -15,6 +16,7 @@ namespace {
 void LintPersonality(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   LintKeys(personality, findings);
   LintValues(personality, findings);
+  LintDoubtfulValues(personality, findings);
   LintRidAndUid(personality, findings);
   LintVersions(personality, findings);
   LintSettling(personality, findings);
@@ -53,6 +55,7 @@ std::vector<ConfigurationFindings::Row> LintConfiguration(const LintSubject& sub
     LintReach(subject, type, live, findings);
   }
   LintOverlaps(subject, live, findings);
+  LintGaps(subject, live, findings);
   LintImages(subject, files, findings);
   LintNvramVariables(subject, live, findings);
   return findings.TakeSorted();

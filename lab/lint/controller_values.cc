@@ -101,6 +101,14 @@ std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
   return versions;
 }
 
+std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const PropertyValue& version,
+                                                const PropertyValue* maximum) {
+  return PartitionPoint(
+      scales.thunderbolt ? ThunderboltVersions : PortVersions, [&](const PropertyValue& v) {
+        return NumberGreater(version, v) && (maximum == nullptr || !NumberLess(*maximum, v));
+      });
+}
+
 bool IsReportable(const PropertyValue& version, VersionScales scales) {
   return std::ranges::any_of(LowestInstalledVersions(scales, &version), [&](const auto& next) {
     if (const auto real = next.AsReal()) return !NumberGreater(*real - Tolerance, version);

@@ -41,6 +41,12 @@ VersionScales VersionScalesOf(TypeSet type, const PropertyValue* portAddress);
 std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
                                                    const PropertyValue* minimum);
 
+/// The lowest version of the scales that is not below `version` or is above the maximum, which may
+/// be absent (null): where a window ends. nullopt when there is none. REQUIRES: both are numbers
+/// other than NaN, and one scale.
+std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const PropertyValue& version,
+                                                const PropertyValue* maximum);
+
 /// Whether a controller that has `version` installed can report it: it is a version of one of the
 /// scales, give or take the 1e-9 that is added to those of Thunderbolt controllers.
 bool IsReportable(const PropertyValue& version, VersionScales scales);

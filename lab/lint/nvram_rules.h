@@ -34,7 +34,8 @@ inline constexpr LintRule NvramBypassSwitch = {
     Severity::Error,
     "a personality sets a bypass switch",
     "\"fernwick_bypass_usbc_updates\" ends every later run without a plan, and "
-    "\"fernwick_bypassversioncheck\" makes every later run flash older images as well. Both stay set "
+    "\"fernwick_bypassversioncheck\" makes every later run flash older images as well. Both stay "
+    "set "
     "until somebody clears them. Any value but the single character 0 sets them, as a variable of "
     "their name or in \"boot-args\".",
     "Leave the switches to the person at the computer.",

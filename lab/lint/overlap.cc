@@ -1,5 +1,6 @@
-// Intersection of what two personalities accept, key by key: of sets by merging their sorted values,
-// of version windows by looking for one version that is inside both. Linear in the number of values.
+// Intersection of what two personalities accept, key by key: of sets by merging their sorted
+// values, of version windows by looking for one version that is inside both. Linear in the number
+// of values.
 
 #include "lab/lint/overlap.h"
 
@@ -63,14 +64,14 @@ const PropertyValue* GreaterOf(const PropertyValue* a, const PropertyValue* b) {
 bool WindowsMeet(const Acceptance& a, const Acceptance& b) {
   const auto versions =
       LowestInstalledVersions(a.scales & b.scales, GreaterOf(a.minimum, b.minimum));
-  return std::ranges::any_of(
-      versions, [&](const auto& v) { return IsInside(v, a) && IsInside(v, b); });
+  return std::ranges::any_of(versions,
+                             [&](const auto& v) { return IsInside(v, a) && IsInside(v, b); });
 }
 
 bool AreSameValues(const std::optional<AcceptedValues>& a, const std::optional<AcceptedValues>& b) {
   if (!a || !b) return !a && !b;
-  return std::ranges::equal(
-      *a, *b, [](auto* x, auto* y) { return !IsBefore(x, y) && !IsBefore(y, x); });
+  return std::ranges::equal(*a, *b,
+                            [](auto* x, auto* y) { return !IsBefore(x, y) && !IsBefore(y, x); });
 }
 
 TypeSet PartnerOf(TypeSet type) {

@@ -72,9 +72,10 @@ void LintRidAndUid(const LocatedPersonality& personality, ConfigurationFindings&
   if (Contradict(personality)) {
     const bool isCertain = personality.type == Types::LegacyThunderbolt;
     if (!isCertain && personality.type != Types::Thunderbolt) return;
-    findings.Add(isCertain ? LintRuleOf::RidNotOfUid : LintRuleOf::DoubtfulRid, rid->valueOffset,
-                 "\"RID\" is not the low 4 bits of any \"Ridge UID\" of this personality" +
-                     std::string(isCertain ? "" : ", so only a port with an RID of its own matches"));
+    findings.Add(
+        isCertain ? LintRuleOf::RidNotOfUid : LintRuleOf::DoubtfulRid, rid->valueOffset,
+        "\"RID\" is not the low 4 bits of any \"Ridge UID\" of this personality" +
+            std::string(isCertain ? "" : ", so only a port with an RID of its own matches"));
     return;
   }
   if (personality.type != Types::LegacyThunderbolt) return;

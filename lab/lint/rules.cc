@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "lab/lint/doubtful_rules.h"
 #include "lab/lint/nvram_rules.h"
 #include "lab/lint/payload_rules.h"
 #include "lab/lint/plan_rules.h"
@@ -18,18 +19,19 @@ constexpr auto SortedRules = [] {
   std::array rules = {
       // The payload and its files.
       &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &DoubtfulBoardId, &SameBoardTwice,
-      &NestedBoard, &NoConfiguration, &UnreadableFile,
-      &MalformedPropertyList,
+      &NestedBoard, &NoConfiguration, &UnreadableFile, &MalformedPropertyList,
       // The shape of a configuration, and its keys.
       &NotADictionary, &DuplicateKey, &UnknownType, &MisspeltType, &WrongTypeShape, &EmptyType,
-      &PersonalityNotADictionary, &MisspeltKey, &UnreadKey, &KeyNotReadByType, &ReservedKey,
-      &MissingKey,
+      &PersonalityNotADictionary, &MisspeltKey, &SimilarKey, &UnreadKey, &KeyNotReadByType,
+      &ReservedKey, &MissingKey,
       // What stands under them.
       &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
-      &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound,
+      &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound, &DoubtfulUuid,
+      &DoubtfulModelName, &RealUid, &BooleanForNumber, &RepeatedElement,
       // What can match, and what is reached.
-      &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed, &UnreportableVersion,
-      &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality, &TwoImagesForOneController,
+      &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
+      &UnreportableVersion, &EmptyBoardRevisionRange, &BoardRevisionOutOfRange,
+      &ShadowedPersonality, &TwoImagesForOneController, &VersionGap, &BoardRevisionGap,
       &ShadowingNotExamined,
       // What the plan takes.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,

@@ -95,6 +95,18 @@ inline constexpr LintRule MisspeltKey = {
     "<key>Existing Max Version</key>",
 };
 
+inline constexpr LintRule SimilarKey = {
+    "similar-key",
+    Severity::Warning,
+    "a key of a personality is similar to one that is read",
+    "The key is not read, but it is the name of a registry property, or has words of a key that "
+    "is. If it was meant to constrain the personality, the constraint is lost and the image goes "
+    "to controllers that it was not made for.",
+    "Write the key as the finding says, or remove it.",
+    "<key>Max Version</key><integer>150</integer>",
+    "<key>Existing Max Version</key><integer>150</integer>",
+};
+
 inline constexpr LintRule UnreadKey = {
     "unread-key",
     Severity::Note,

@@ -106,6 +106,31 @@ inline constexpr LintRule ShadowedPersonality = {
     "<dict>... <key>RID</key><integer>1</integer> ...</dict>\n<dict>... any RID ...</dict>",
 };
 
+inline constexpr LintRule VersionGap = {
+    "version-gap",
+    Severity::Warning,
+    "between the steps of an upgrade are versions that none accepts",
+    "Personalities of one type that accept the same controllers and differ in the window of the "
+    "installed version are steps of one upgrade. A controller whose version is in none of the "
+    "windows, but between two of them, is never updated.",
+    "Let the window begin where the one before it ends. A step ends below its \"Version\" or at "
+    "its "
+    "\"Existing Max Version\".",
+    "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 160 ...</dict>",
+    "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 150 ...</dict>",
+};
+
+inline constexpr LintRule BoardRevisionGap = {
+    "board-revision-gap",
+    Severity::Warning,
+    "board revisions between those of two personalities are left out",
+    "Personalities of one type accept the same controllers on boards of some revisions and of "
+    "later ones, but not of those between, which are never updated.",
+    "Let the revisions begin where those before them end.",
+    "<dict>... \"MaxBoardRevision\" 3 ...</dict>\n<dict>... \"MinBoardRevision\" 5 ...</dict>",
+    "<dict>... \"MaxBoardRevision\" 3 ...</dict>\n<dict>... \"MinBoardRevision\" 4 ...</dict>",
+};
+
 inline constexpr LintRule TwoImagesForOneController = {
     "two-images-for-one-controller",
     Severity::Error,
