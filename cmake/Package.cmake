@@ -20,7 +20,7 @@ own Thunderbolt and USB-C port controllers, decides which firmware of an
 update payload applies to them, and prints the plan for the next boot. It
 flashes nothing, writes no file and sets no variable.
 
-fernwick-lab runs it over recorded computers, tells why a firmware is chosen
-or not, and finds mistakes in payloads.")
+fernwick-lab runs it over recorded computers, explains why a firmware is
+chosen or not, and finds mistakes in payloads.")
 
 include(CPack)

@@ -54,7 +54,7 @@ bool IsSetByNvram(const PropertyValue& variable) {
   return IsSet(computer);
 }
 
-TEST(ReadBypassSwitch, TokenBehindAnotherSetsIt) {
+TEST(ReadBypassSwitch, TokenAfterAnotherSetsIt) {
   EXPECT_TRUE(IsSetByBootArguments("debug=0x44 fernwick_bypass_usbc_updates=1"));
 }
 
@@ -71,7 +71,7 @@ TEST(ReadBypassSwitch, LaterZeroDoesNotClearIt) {
       IsSetByBootArguments("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates=0"));
 }
 
-TEST(ReadBypassSwitch, LaterOneSetsItBehindAZero) {
+TEST(ReadBypassSwitch, LaterOneSetsItAfterAZero) {
   EXPECT_TRUE(
       IsSetByBootArguments("fernwick_bypass_usbc_updates=0 fernwick_bypass_usbc_updates=1"));
 }
@@ -105,7 +105,7 @@ TEST(ReadBypassSwitch, BareTokensOfOtherNamesAreHarmless) {
   EXPECT_FALSE(IsSetByBootArguments("-v fernwick_bypassversioncheck =1 = "));
 }
 
-TEST(ReadBypassSwitch, BlanksInARowGiveEmptyTokens) {
+TEST(ReadBypassSwitch, BlanksInARowYieldEmptyTokens) {
   EXPECT_TRUE(IsSetByBootArguments("  a  fernwick_bypass_usbc_updates=1  "));
   EXPECT_FALSE(IsSetByBootArguments(""));
   EXPECT_FALSE(IsSetByBootArguments(" "));
@@ -115,7 +115,7 @@ TEST(ReadBypassSwitch, OnlyBlanksSeparateTokens) {
   EXPECT_FALSE(IsSetByBootArguments("a\tfernwick_bypass_usbc_updates=1"));
 }
 
-TEST(ReadBypassSwitch, BootArgumentsOfAnotherKindHoldNoTokens) {
+TEST(ReadBypassSwitch, BootArgumentsOfAnotherKindContainNoTokens) {
   EXPECT_FALSE(IsSetByBootArguments(Bytes("fernwick_bypass_usbc_updates=1")));
   EXPECT_FALSE(IsSetByBootArguments(List({"fernwick_bypass_usbc_updates=1"})));
   EXPECT_FALSE(IsSetByBootArguments(Bytes("fernwick_bypass_usbc_updates")));
@@ -127,7 +127,7 @@ TEST(ReadBypassSwitch, BareSwitchNameIsAFault) {
             Fault::BareSwitch);
 }
 
-TEST(ReadBypassSwitch, BareSwitchNameBehindASettingOneIsAFault) {
+TEST(ReadBypassSwitch, BareSwitchNameAfterASettingOneIsAFault) {
   EXPECT_EQ(FaultOf("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates"),
             Fault::BareSwitch);
   EXPECT_EQ(FaultOf("fernwick_bypass_usbc_updates=1 fernwick_bypass_usbc_updates="), std::nullopt);

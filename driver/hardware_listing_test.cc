@@ -94,7 +94,7 @@ TEST(PrintHardware, ShowsThunderboltControllersWithoutPorts) {
                                       "MatchServicesByClass IOThunderboltSwitch"}));
 }
 
-TEST(PrintHardware, SaysThatThereIsNone) {
+TEST(PrintHardware, ReportsThatThereIsNone) {
   EXPECT_EQ(ListingOf(testing::Computer()).flushes,
             (Flushes{"No supported hardware on this platform?\n", "\n\n"}));
 }

@@ -85,7 +85,7 @@ TEST(ParseOptions, StopsAtTheFirstBadOption) {
   ExpectParsed({"--no", "-v"}, {.accepted = false}, "fernwick: unrecognized option '--no'\n");
 }
 
-TEST(ParseOptions, FlagTakesNoValue) {
+TEST(ParseOptions, FlagAcceptsNoValue) {
   ExpectParsed({"--verbose=yes"}, {.accepted = false},
                "fernwick: option '--verbose' doesn't allow an argument\n");
 }
@@ -105,7 +105,7 @@ TEST(ParseOptions, IgnoresOperandsAmongTheOptions) {
   ExpectParsed({"operand", "-v", "other"}, {.verbose = true});
 }
 
-TEST(ParseOptions, TakesNothingBehindTheDoubleDash) {
+TEST(ParseOptions, ParsesNothingAfterTheDoubleDash) {
   ExpectParsed({"--", "-v"}, {});
 }
 
@@ -116,7 +116,7 @@ TEST(ParseOptions, LeavesTheCallersVectorAsItIs) {
 }
 
 // The parser keeps its place between calls unless it is told to forget it.
-TEST(ParseOptions, SecondCallStartsAfresh) {
+TEST(ParseOptions, CallsAreIndependent) {
   ExpectParsed({"-vXb", "-p", "/a"}, {.accepted = false, .verbose = true},
                "fernwick: invalid option -- 'b'\n");
   ExpectParsed({"-v", "-p", "/a"}, {.verbose = true, .personalitiesDirectory = "/a/Fernwick/"});

@@ -34,7 +34,7 @@ TEST(PrepareProcess, TurnsABrokenPipeIntoAFailedWrite) {
   EXPECT_EXIT(writeToBrokenPipe(), ::testing::ExitedWithCode(0), "^$");
 }
 
-TEST(PrepareProcess, KeepsLaterFilesFromTakingAClosedStreamsPlace) {
+TEST(PrepareProcess, KeepsLaterFilesFromUsingAClosedStreamsDescriptor) {
   const auto openBehindClosedStreams = [] {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(stream);
     PrepareProcess();
@@ -52,7 +52,7 @@ TEST(PrepareProcess, LeavesOpenStreamsAsTheyAre) {
   EXPECT_EXIT(writeToStandardError(), ::testing::ExitedWithCode(0), "^here$");
 }
 
-TEST(EndWhenOutOfMemory, SaysSoAndEndsWithTheLastStatusGiven) {
+TEST(EndWhenOutOfMemory, ReportsItAndEndsWithTheStatusSetLast) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP();
   const auto exhaustMemory = [] {
     EndWhenOutOfMemory(66);
@@ -108,7 +108,7 @@ TEST(LogAndAbort, AbortsWithNothingOnTheStreams) {
 }
 
 // Also after a line that the run logged, which reached standard error.
-TEST(LogAndAbort, SaysInTheSystemLogAloneWhichFaultItWas) {
+TEST(LogAndAbort, ReportsTheFaultInTheSystemLogOnly) {
   for (const auto fault : AllFaults) {
     const auto end = [fault] {
       ProcessConsole().Log("an earlier line");

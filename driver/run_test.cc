@@ -128,14 +128,14 @@ TEST(Run, VerboseBeforeABadOptionShowsTheStatus) {
   EXPECT_EQ(outcome.standardError, "fernwick: unrecognized option '--no'\n");
 }
 
-TEST(Run, VerboseBehindABadOptionShowsNothing) {
+TEST(Run, VerboseAfterABadOptionShowsNothing) {
   const auto outcome = RunOver(OnePort(), {"--no", "-v"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(Joined(outcome.flushes), "");
   EXPECT_EQ(outcome.standardError, "fernwick: unrecognized option '--no'\n");
 }
 
-TEST(Run, RejectedCommandLineReadsTheSwitchesAlone) {
+TEST(Run, RejectedCommandLineReadsOnlyTheSwitches) {
   EXPECT_EQ(RunOver(OnePort(), {"--no"}).calls,
             (std::vector<std::string>{
                 "LookupEntryByPath IODeviceTree:/options", "GetProperty options boot-args",
@@ -175,7 +175,7 @@ std::string PlanFor(const std::string& payload) {
          "</plist>\n";
 }
 
-TEST(Run, WithoutVerbosePrintsThePropertyListAlone) {
+TEST(Run, WithoutVerbosePrintsOnlyThePropertyList) {
   const Payload payload(OnePersonality);
   const auto outcome = RunOver(OnePort(), {"-p", payload.Path()});
   EXPECT_EQ(outcome.status, 0);
@@ -325,7 +325,7 @@ TEST(Run, VersionSwitchThatIsANumberOrABooleanLiftsNothing) {
   ExpectNothing(RunOver(computer, {"-p", payload.Path()}));
 }
 
-TEST(Run, LongBypassOptionLiftsTheVersionCheckOfItsOwnRunAlone) {
+TEST(Run, LongBypassOptionDisablesTheVersionCheckOfItsOwnRunOnly) {
   const Payload payload(OlderPersonality);
   ExpectPlanned(RunOver(OnePort(), {"--bypassVersion", "-p", payload.Path()}),
                 PlanFor(payload.Path()));
@@ -414,7 +414,7 @@ void ExpectStatusOfLostOutput(const std::vector<std::string>& arguments, int sta
   }
 }
 
-TEST(Run, LostPlanIsNoSuccess) {
+TEST(Run, LostPlanIsAFailure) {
   const Payload payload(OnePersonality);
   ExpectStatusOfLostOutput({"-p", payload.Path()}, 74);
   ExpectStatusOfLostOutput({"-v", "-p", payload.Path()}, 74);
@@ -428,7 +428,7 @@ TEST(Run, LostOutputKeepsAnotherStatus) {
   ExpectStatusOfLostOutput({"-v", "-p", payload.Path()}, 13);
 }
 
-TEST(Run, LostBypassLineIsNoSuccess) {
+TEST(Run, LostBypassLineIsAFailure) {
   auto computer = OnePort();
   computer.Set(computer.Options(), "fernwick_bypass_usbc_updates", "1");
   testing::LoggingRegistry registry(computer.Recorded());
@@ -507,7 +507,7 @@ TEST(Run, AFaultFlushesNothing) {
   EXPECT_EQ(console.Flushes(), std::vector<std::string>());
 }
 
-TEST(ExitStatus, OfAnEmptyPlanIsThatOfWritingNone) {
+TEST(ExitStatus, OfAnEmptyPlanIsThatOfNotWritingOne) {
   testing::TestConsole console;
   EXPECT_EQ(WritePlan(console, false, {}, {}), ExitStatus::EmptyPlan);
 }

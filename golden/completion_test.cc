@@ -85,12 +85,12 @@ TEST_P(Completion, OffersTheOptionsOfEachVerbAndNoOther) {
   }
 }
 
-TEST_P(Completion, OffersTheToolsOptionsBehindTheRecordingOfReplay) {
+TEST_P(Completion, OffersTheToolsOptionsAfterTheRecordingOfReplay) {
   EXPECT_EQ(Offered({"replay", "desk.registry.plist", "-"}),
             testing::OptionsOfTool(FERNWICK_PROGRAM));
 }
 
-TEST_P(Completion, OffersTheWordsThatAnOptionTakes) {
+TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
   int count = 0;
   for (const auto& [verb, options] : testing::VerbsAndOptions(FERNWICK_LAB_PROGRAM)) {
     for (const auto& [option, words] : testing::ChoicesOf(FERNWICK_LAB_PROGRAM, verb)) {

@@ -30,7 +30,7 @@ ChildOutcome DiffExamples(std::vector<std::string> arguments,
 
 const std::string Payload = "../examples/payload";
 
-TEST(Diff, OfTheSamePayloadIsNone) {
+TEST(Diff, OfTheSamePayloadIsEmpty) {
   ExpectOutcome(DiffExamples({"-p", Payload, "-p", Payload, "../examples", "none",
                               "recordings/bare-switch.registry.plist"}),
                 {"0",
@@ -57,7 +57,7 @@ constexpr char Lost[] =
     "1 computer: 1 changed (0 gained a plan, 1 lost it), 0 unchanged, 0 refused, 0 ended "
     "abnormally\n";
 
-TEST(Diff, TellsWhatAComputerLoses) {
+TEST(Diff, ReportsWhatAComputerLoses) {
   ExpectOutcome(DiffExamples({"-p", Payload, "-p", "payloads/older",
                               "../examples/thunderbolt-only.registry.plist"}),
                 {"1", Lost, ""});
@@ -105,7 +105,7 @@ TEST(Diff, AsJsonHasTheRowsAndTheTotals) {
 }
 
 // The inventory that ends the run is taken for one of the payloads alone.
-TEST(Diff, TellsAnAbnormalEndThatComesOrGoes) {
+TEST(Diff, ReportsAnAbnormalEndThatAppearsOrDisappears) {
   const testing::TemporaryDirectory directory;
   directory.Write("with/Fernwick/Zed-42/Config.plist",
                   "<dict><key>LegacyThunderbolt</key><array/></dict>");
@@ -145,7 +145,7 @@ TEST(Diff, WhoseOutputIsLostStops) {
       {"74", "", "fernwick-lab: standard output could not be written: No space left on device\n"});
 }
 
-TEST(Diff, GivesTheSameBytesWhateverTheNumberOfJobs) {
+TEST(Diff, PrintsTheSameBytesWhateverTheNumberOfJobs) {
   const testing::TemporaryDirectory directory;
   testing::WriteManyComputers(directory, testing::UnderAddressSanitizer ? 100 : 400, 37);
   directory.Write("other/Fernwick/Zed-0/Config.plist", "<dict/>");

@@ -145,7 +145,7 @@ TEST(Documents, NameOnlyTestsThatExist) {
   EXPECT_GT(count, 30);
 }
 
-TEST(Documents, TellHowToExtendByTestsAndFilesThatExist) {
+TEST(Documents, ExplainHowToExtendByTestsAndFilesThatExist) {
   const auto known = AllTestNames();
   const auto document = testing::ReadFile(SourceDirectory / "docs/extending.md");
   const std::regex test(R"(`([A-Z]\w+\.[A-Z]\w+)`)");
@@ -175,7 +175,7 @@ std::set<std::string> WordsFound(const std::string& text, const std::regex& patt
   return words;
 }
 
-TEST(Documents, TellTheReasonForEveryPackageThatDevInstalls) {
+TEST(Documents, ExplainWhyDevInstallsEachPackage) {
   const auto readme = testing::ReadFile(SourceDirectory / "README.md");
   const auto start = readme.find("| Package | Why |");
   ASSERT_NE(start, std::string::npos);

@@ -37,7 +37,7 @@ ChildOutcome RunVerb(std::string verb, std::vector<std::string> arguments, std::
   return RunLab(arguments);
 }
 
-TEST(Explain, OfAConfigurationThatCannotBeReadIsNoSuccess) {
+TEST(Explain, OfAConfigurationThatCannotBeReadIsAFailure) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Path() + "/Fernwick/Zed-42/Config.plist";
   fs::create_directories(path);
@@ -112,7 +112,7 @@ TEST(Explain, AgreesWithTheRunOfEveryGoldenCase) {
   EXPECT_GE(count, 35);
 }
 
-TEST(Explain, OfWhatIsNotThereIsToldInOneLine) {
+TEST(Explain, OfAMissingFileIsReportedInOneLine) {
   const std::string recording = "recordings/typical.registry.plist";
   ExpectOutcome(RunLab({"explain", "none", "-p", "payloads/older"}),
                 {"66", "", "fernwick-lab: none: No such file or directory\n"});
@@ -124,19 +124,19 @@ TEST(Explain, OfWhatIsNotThereIsToldInOneLine) {
                 {"66", "", "fernwick-lab: " + recording + ": Not a directory\n"});
 }
 
-TEST(Explain, OfARecordingThatIsNoneIsToldInOneLine) {
+TEST(Explain, OfAMalformedRecordingIsReportedInOneLine) {
   const std::string path = "payloads/older/Fernwick/Zed-42/Config.plist";
   ExpectOutcome(RunLab({"explain", path, "-p", "payloads/older"}),
                 {"65", "", "fernwick-lab: " + path + ": \"Recording Version\" is missing\n"});
 }
 
-TEST(Explain, WithoutAPayloadTellsItsUsage) {
+TEST(Explain, WithoutAPayloadPrintsItsUsage) {
   ExpectOutcome(
       RunLab({"explain", "recordings/typical.registry.plist"}),
       {"64", "", "fernwick-lab: --payload is required; see fernwick-lab explain --help\n"});
 }
 
-TEST(Explain, ThatCannotBeWrittenIsNoSuccess) {
+TEST(Explain, ThatCannotBeWrittenIsAFailure) {
   ExpectOutcome(
       testing::RunChild({FERNWICK_LAB_PROGRAM, "explain", "recordings/typical.registry.plist", "-p",
                          "payloads/older"},

@@ -3,7 +3,6 @@
 //   FERNWICK_FAULT=MOMENT:ACTION:NAME   when a file whose path ends in NAME comes to MOMENT (open,
 //                                       fstat, read, reread), ACTION happens to that path first
 //   FERNWICK_FAILING_ALLOCATION=N       the Nth allocation gives nothing
-//   FERNWICK_NO_PROCESS=                no process can be started
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -126,12 +125,6 @@ ssize_t read(int file, void* bytes, std::size_t size) {
     if (!Arrive(readCount == 1 ? "read" : "reread", openedPath)) return -1;
   }
   return Real<ssize_t(int, void*, std::size_t)>("read")(file, bytes, size);
-}
-
-pid_t fork() noexcept {
-  if (std::getenv("FERNWICK_NO_PROCESS") == nullptr) return Real<pid_t()>("fork")();
-  errno = EAGAIN;
-  return -1;
 }
 
 void* malloc(std::size_t size) {

@@ -44,7 +44,7 @@ class Install : public ::testing::Test {
   testing::TemporaryDirectory prefix_;
 };
 
-TEST_F(Install, BringsTheProgramsWhatTellsOfThemAndNothingElse) {
+TEST_F(Install, InstallsTheProgramsTheirDocumentationAndNothingElse) {
   std::set<std::string> expected = {
       "bin/fernwick",
       "bin/fernwick-lab",
@@ -66,7 +66,7 @@ TEST_F(Install, BringsTheProgramsWhatTellsOfThemAndNothingElse) {
   EXPECT_EQ(FilesBelow(prefix_.Path(), prefix_.Path()), expected);
 }
 
-TEST_F(Install, BringsExamplesThatRun) {
+TEST_F(Install, InstallsExamplesThatRun) {
   const std::vector<std::string> arguments = {"survey", "-p", "examples/payload", "examples"};
   const auto run = [&](const std::string& program, const std::string& directory) {
     std::vector<std::string> command = {program};

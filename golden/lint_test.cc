@@ -35,7 +35,7 @@ constexpr char ExamplesAsText[] =
     "number can match [wrong-kind]\n"
     "5 boards: 1 error, 1 warning, 0 notes\n";
 
-TEST(Lint, OfTheExamplesFindsTheTextThatIsNoVersion) {
+TEST(Lint, OfTheExamplesFindsTheTextThatIsNotAVersion) {
   ExpectOutcome(Lint({"examples/payload"}), {"1", ExamplesAsText, ""});
 }
 
@@ -88,7 +88,7 @@ TEST(Lint, PrintsJson) {
                  ""});
 }
 
-TEST(Lint, GoesOnBehindAMalformedConfiguration) {
+TEST(Lint, GoesOnAfterAMalformedConfiguration) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/A/Config.plist", "bplist00");
   directory.Write("p/Fernwick/B/Config.plist", "<dict>\n</plist>");
@@ -106,7 +106,7 @@ TEST(Lint, GoesOnBehindAMalformedConfiguration) {
        ""});
 }
 
-TEST(Lint, TellsWhatCannotBeReadAboveAll) {
+TEST(Lint, ReportsWhatCannotBeReadFirst) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/A/Config.plist/x", "");
   directory.Write("p/Fernwick/B/Config.plist", "");
@@ -120,7 +120,7 @@ TEST(Lint, TellsWhatCannotBeReadAboveAll) {
 }
 
 // Which is another thing than that it is not there.
-TEST(Lint, TellsAConfigurationThatCannotBeLookedAt) {
+TEST(Lint, ReportsAConfigurationThatCannotBeInspected) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/A/README", "");
   std::filesystem::create_symlink("Config.plist", directory.Path() + "/p/Fernwick/A/Config.plist");
@@ -132,7 +132,7 @@ TEST(Lint, TellsAConfigurationThatCannotBeLookedAt) {
                  ""});
 }
 
-TEST(Lint, TellsADirectoryThatCannotBeListed) {
+TEST(Lint, ReportsADirectoryThatCannotBeListed) {
   // Where leaks are looked for, or counters are to be written at the end, a process must keep the
   // rights that it began with.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
@@ -158,7 +158,7 @@ TEST(Lint, OfNoPayloadPrintsNothing) {
   ExpectOutcome(Lint({""}), {"66", "", "fernwick-lab: : No such file or directory\n"});
 }
 
-TEST(Lint, OfABoardThatIsNotThereLooksAtNone) {
+TEST(Lint, OfAMissingBoardReadsNoConfiguration) {
   ExpectOutcome(
       Lint({"examples/payload", "Zed-1A09", "Zed-42"}),
       {"66", "", "fernwick-lab: examples/payload/Fernwick/Zed-42: No such file or directory\n"});
@@ -214,7 +214,7 @@ TEST(Lint, ExplainsNoOtherRule) {
                  "--list\n"});
 }
 
-TEST(Lint, ThatCannotBeWrittenIsNoSuccess) {
+TEST(Lint, ThatCannotBeWrittenIsAFailure) {
   ExpectOutcome(
       Lint({"examples/payload"}, FERNWICK_SOURCE_DIRECTORY, OutputTarget::FullDisk),
       {"74", "", "fernwick-lab: standard output could not be written: No space left on device\n"});

@@ -48,24 +48,24 @@ ChildOutcome RunTool(std::vector<std::string> arguments,
   return RunChild(arguments, FERNWICK_GOLDEN_DIRECTORY, target);
 }
 
-TEST(Output, ClosedIsNoSuccess) {
+TEST(Output, ClosedIsAFailure) {
   ExpectOutcome(
       RunLab({"replay", Recording, "-p", Payload}, OutputTarget::Closed),
       {"74", "", "fernwick: standard output could not be written: Bad file descriptor\n"});
 }
 
-TEST(Output, FullDiskIsNoSuccess) {
+TEST(Output, FullDiskIsAFailure) {
   ExpectOutcome(
       RunLab({"replay", Recording, "-p", Payload}, OutputTarget::FullDisk),
       {"74", "", "fernwick: standard output could not be written: No space left on device\n"});
 }
 
-TEST(Output, BrokenPipeIsNoSuccess) {
+TEST(Output, BrokenPipeIsAFailure) {
   ExpectOutcome(RunLab({"replay", Recording, "-p", Payload}, OutputTarget::BrokenPipe),
                 {"74", "", "fernwick: standard output could not be written: Broken pipe\n"});
 }
 
-TEST(Output, FullDiskIsNoSuccessInVerboseMode) {
+TEST(Output, FullDiskIsAFailureInVerboseMode) {
   ExpectOutcome(
       RunLab({"replay", Recording, "-v", "-p", Payload}, OutputTarget::FullDisk),
       {"74", "", "fernwick: standard output could not be written: No space left on device\n"});
@@ -79,7 +79,7 @@ TEST(Output, FullDiskKeepsTheStatusOfARejectedCommandLine) {
                      "fernwick: standard output could not be written: No space left on device\n"});
 }
 
-TEST(Show, ThatCannotBePrintedIsNoSuccess) {
+TEST(Show, ThatCannotBePrintedIsAFailure) {
   for (const char* form : {"--json", "--plane=IOService"}) {
     ExpectOutcome(
         RunLab({"show", Recording, form}, OutputTarget::FullDisk),
@@ -124,7 +124,7 @@ TEST(Tool, RunsOverARegistryWithoutEntries) {
                  "fernwick: Unexpected format for config plist file.  Aborting\n"});
 }
 
-TEST(Lab, WithoutAVerbTellsItsUsage) {
+TEST(Lab, WithoutAVerbPrintsItsUsage) {
   ExpectOutcome(RunLab({}), {"64", "", Usage});
 }
 
@@ -132,7 +132,7 @@ TEST(Lab, HelpIsAResult) {
   ExpectOutcome(RunLab({"--help"}), {"0", Usage, ""});
 }
 
-TEST(Lab, HelpThatCannotBeWrittenIsNoSuccess) {
+TEST(Lab, HelpThatCannotBeWrittenIsAFailure) {
   const std::string lost =
       "fernwick-lab: standard output could not be written: No space left on device\n";
   ExpectOutcome(RunLab({"--help"}, OutputTarget::FullDisk), {"74", "", lost});
@@ -144,7 +144,7 @@ TEST(Lab, RefusesAnUnknownVerb) {
                 {"64", "", "fernwick-lab: there is no verb \"reply\"; see fernwick-lab --help\n"});
 }
 
-TEST(Replay, WithoutARecordingTellsItsUsage) {
+TEST(Replay, WithoutARecordingPrintsItsUsage) {
   const auto help = RunLab({"replay", "--help"});
   EXPECT_EQ(help.status, "0");
   EXPECT_EQ(help.standardError, "");

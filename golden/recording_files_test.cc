@@ -75,7 +75,7 @@ TEST(Convert, OfABadRecordingWritesNothing) {
   EXPECT_FALSE(fs::exists(out));
 }
 
-TEST(Convert, ToAPlaceThatCannotBeWrittenSaysSo) {
+TEST(Convert, ReportsAnOutputThatCannotBeWritten) {
   EXPECT_EQ(RunLab({"convert", "ports-only.registry.plist", "/nowhere/out", "--to", "xml"}),
             "fernwick-lab: /nowhere/out: No such file or directory\n[status 74]\n");
 }
@@ -101,7 +101,7 @@ TEST(Redact, KeepsTheSerialisation) {
   EXPECT_TRUE(ReadFile(out).starts_with("bplist00"));
 }
 
-TEST(Redact, TakesFurtherKeys) {
+TEST(Redact, AcceptsFurtherKeys) {
   const TemporaryDirectory directory;
   const auto out = directory.Path() + "/out";
   EXPECT_EQ(
@@ -109,7 +109,7 @@ TEST(Redact, TakesFurtherKeys) {
       "replaced \"Address\": 4\nreplaced \"Revision\": 4\nreplaced \"UUID\": 3\n[status 0]\n");
 }
 
-TEST(Redact, WithNothingToReplaceSaysSo) {
+TEST(Redact, ReportsThatNothingWasReplaced) {
   const TemporaryDirectory directory;
   const auto out = directory.Path() + "/out";
   EXPECT_EQ(RunLab({"redact", "no-supported-hardware.registry.plist", out}),
@@ -125,7 +125,7 @@ TEST(Redact, WithOneBadRecordingWritesNone) {
   EXPECT_TRUE(fs::is_empty(directory.Path() + "/out"));
 }
 
-TEST(Redact, ToAPlaceThatCannotBeLookedAtSaysSo) {
+TEST(Redact, ReportsAnOutputThatCannotBeInspected) {
   const TemporaryDirectory directory;
   const std::string one = "ports-only.registry.plist";
   const auto loop = directory.Path() + "/loop";

@@ -1,5 +1,5 @@
-# Before a package is put together: every file and directory of it gets the one time that the
-# environment names, so that packages of one commit do not differ by when they were made.
+# Runs before a package is created: sets the time of every file and directory in it to
+# SOURCE_DATE_EPOCH, so packages of the same commit are the same, whenever they are built.
 
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   message(FATAL_ERROR "SOURCE_DATE_EPOCH is not set; \"./dev package\" sets it")

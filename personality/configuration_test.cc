@@ -146,7 +146,7 @@ TEST(BoardDirectory, IsThePersonalitiesDirectoryWithTheIdentifierAppended) {
   EXPECT_EQ(BoardDirectory("Zed-42", "Fernwick/"), "Fernwick/Zed-42");
 }
 
-TEST(BoardDirectory, TakesAnyIdentifierAsItIs) {
+TEST(BoardDirectory, AcceptsAnyIdentifierAsItIs) {
   EXPECT_EQ(BoardDirectory("", "/P/Fernwick/"), "/P/Fernwick");
   EXPECT_EQ(BoardDirectory("/", "/P/Fernwick/"), "/P/Fernwick/");
   EXPECT_EQ(BoardDirectory("/Zed-42", "/P/Fernwick/"), "/P/Fernwick/Zed-42");
@@ -198,35 +198,35 @@ TEST(Configuration, OfAnyTopLevelKindIsLoadedWithoutComplaint) {
   EXPECT_EQ(LoadBytes("<plist><dict/></plist>"), (Loading{Dictionary(), ""}));
 }
 
-TEST(Configuration, AKeyThatOccursTwiceKeepsItsFirstPlaceAndItsLastValue) {
+TEST(Configuration, AKeyThatOccursTwiceKeepsItsFirstPositionAndItsLastValue) {
   EXPECT_EQ(LoadBytes("<dict><key>A</key><integer>1</integer><key>B</key><integer>2</integer>"
                       "<key>A</key><integer>3</integer></dict>"),
             (Loading{Dict({{"A", 3}, {"B", 2}}), ""}));
 }
 
-TEST(Configuration, WithoutAPersonalitiesDirectoryTellsOfNoFiles) {
+TEST(Configuration, WithoutAPersonalitiesDirectoryReportsThatThereAreNoFiles) {
   EXPECT_EQ(Load("Zed-42", std::nullopt), NoFiles("Zed-42"));
 }
 
-TEST(Configuration, WithoutABoardIdentifierTellsOfNoFilesForNull) {
+TEST(Configuration, WithoutABoardIdentifierReportsThatThereAreNoFilesForNull) {
   const Payload payload;
   EXPECT_EQ(Load(std::nullopt, payload.PersonalitiesDirectory()), NoFiles("(null)"));
   EXPECT_EQ(Load(std::nullopt, std::nullopt), NoFiles("(null)"));
 }
 
-TEST(Configuration, OfAnotherBoardTellsOfNoFiles) {
+TEST(Configuration, OfAnotherBoardReportsThatThereAreNoFiles) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
   EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoFiles("Zed-43"));
   EXPECT_EQ(Load("Zed-4", payload.PersonalitiesDirectory()), NoFiles("Zed-4"));
 }
 
-TEST(Configuration, OfAPayloadThatIsNotThereTellsOfNoFiles) {
+TEST(Configuration, OfAMissingPayloadReportsThatThereAreNoFiles) {
   const TemporaryDirectory directory;
   EXPECT_EQ(Load("Zed-42", directory.Path() + "/Fernwick/"), NoFiles("Zed-42"));
 }
 
-TEST(Configuration, ABoardIdentifierIsToldAsItIs) {
+TEST(Configuration, ABoardIdentifierIsReportedAsItIs) {
   for (const std::string boardId : {"%@ %lu %s %n", "two\nlines",
                                     "Z\xC3\xA9"
                                     "d",
@@ -235,7 +235,7 @@ TEST(Configuration, ABoardIdentifierIsToldAsItIs) {
   }
 }
 
-TEST(Configuration, AnOverLongBoardIdentifierTellsOfNoFiles) {
+TEST(Configuration, AnOverLongBoardIdentifierReportsThatThereAreNoFiles) {
   const Payload payload;
   const std::string boardId(5000, 'Z');
   EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId));
@@ -249,7 +249,7 @@ TEST(Configuration, AnEmptyBoardIdentifierNamesThePersonalitiesDirectory) {
   EXPECT_EQ(Load("/", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
 }
 
-TEST(Configuration, AnEmptyBoardIdentifierWithoutAPayloadIsToldAsNothing) {
+TEST(Configuration, AnEmptyBoardIdentifierWithoutAPayloadIsReportedAsEmpty) {
   EXPECT_EQ(Load("", std::nullopt), NoFiles(""));
 }
 
@@ -271,7 +271,7 @@ TEST(Configuration, ThePersonalitiesDirectoryMayEndInAnyNumberOfSlashes) {
   EXPECT_EQ(Load("Zed-42", directory + "//"), (Loading{SmallValue, ""}));
 }
 
-TEST(Configuration, MissingFromTheBoardsDirectoryIsTold) {
+TEST(Configuration, MissingFromTheBoardsDirectoryIsReported) {
   EXPECT_EQ(Payload().LoadConfig(), NoConfig());
 }
 
@@ -282,7 +282,7 @@ TEST(Configuration, OfAnotherNameIsMissing) {
   EXPECT_EQ(payload.LoadConfig(), NoConfig());
 }
 
-TEST(Configuration, ABoardDirectoryThatIsAPlainFileExistsAndHoldsNone) {
+TEST(Configuration, ABoardDirectoryThatIsAPlainFileExistsWithoutAConfiguration) {
   const Payload payload;
   payload.Write("Zed-43", SmallConfig);
   EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig());
@@ -294,13 +294,13 @@ TEST(Configuration, ABoardDirectoryBelowAPlainFileDoesNotExist) {
   EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x"));
 }
 
-TEST(Configuration, ADanglingLinkInPlaceOfTheBoardDirectoryDoesNotExist) {
+TEST(Configuration, ADanglingLinkInsteadOfTheBoardDirectoryDoesNotExist) {
   const Payload payload;
   fs::create_symlink("nowhere", payload.PersonalitiesDirectory() + "Zed-43");
   EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoFiles("Zed-43"));
 }
 
-TEST(Configuration, ADanglingLinkInPlaceOfTheFileDoesNotExist) {
+TEST(Configuration, ADanglingLinkInsteadOfTheFileDoesNotExist) {
   const Payload payload;
   fs::create_symlink("nowhere", payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NoConfig());
@@ -320,25 +320,25 @@ TEST(Configuration, IsReadThroughLinks) {
   EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), (Loading{SmallValue, ""}));
 }
 
-TEST(Configuration, ADirectoryInItsPlaceIsNotRead) {
+TEST(Configuration, ADirectoryIsNotRead) {
   const Payload payload;
   fs::create_directory(payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NotRead("Is a directory", 0));
 }
 
-TEST(Configuration, AFifoInItsPlaceIsNotWaitedFor) {
+TEST(Configuration, AFifoIsNotWaitedFor) {
   const Payload payload;
   ASSERT_EQ(mkfifo(payload.ConfigPath().c_str(), 0600), 0);
   EXPECT_EQ(payload.LoadConfig(), NotRead("not a regular file", 0));
 }
 
-TEST(Configuration, ADeviceInItsPlaceIsNotRead) {
+TEST(Configuration, ADeviceIsNotRead) {
   const Payload payload;
   fs::create_symlink("/dev/zero", payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NotRead("not a regular file", 0));
 }
 
-TEST(Configuration, AFileThatMayNotBeReadIsTold) {
+TEST(Configuration, AFileThatMayNotBeReadIsReported) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
   payload.LetAnyoneIn();
@@ -347,7 +347,7 @@ TEST(Configuration, AFileThatMayNotBeReadIsTold) {
   EXPECT_EQ(payload.LoadConfig(), NotRead("Permission denied", 0));
 }
 
-TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHoldsNone) {
+TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHasNoConfiguration) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
   payload.LetAnyoneIn();
@@ -359,7 +359,7 @@ TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHoldsNone) {
   fs::permissions(payload.BoardDirectoryPath(), fs::perms::owner_all);
 }
 
-TEST(Configuration, AFileThatFailsWhileItIsReadIsTold) {
+TEST(Configuration, AFileThatFailsWhileItIsReadIsReported) {
   const Payload payload;
   fs::create_symlink("/proc/self/mem", payload.ConfigPath());
   EXPECT_EQ(payload.LoadConfig(), NotRead("Input/output error", 0));
@@ -385,20 +385,20 @@ TEST(Configuration, OfManyPersonalitiesIsLoadedWhole) {
             (Loading{Dict({{"USBC", List(personalities)}}), ""}));
 }
 
-TEST(Configuration, OfOtherContentIsToldWithTheCodeOfTheTextForm) {
+TEST(Configuration, OtherContentIsReportedWithTheCodeOfTheTextForm) {
   EXPECT_EQ(LoadBytes("This is no list.\n"), NotRead("line 1, column 6: \"=\" was expected", 1));
 }
 
-TEST(Configuration, OfBrokenXmlIsToldWithTheCodeOfXml) {
+TEST(Configuration, BrokenXmlIsReportedWithTheCodeOfXml) {
   EXPECT_EQ(LoadBytes("<plist>\n<dict>\n"),
             NotRead("line 3, column 1: the document ends too early", 100));
 }
 
-TEST(Configuration, OfBrokenBinaryIsToldWithTheCodeOfBinary) {
+TEST(Configuration, BrokenBinaryIsReportedWithTheCodeOfBinary) {
   EXPECT_EQ(LoadBytes("bplist00"), NotRead("byte 8: the file is cut short", 200));
 }
 
-TEST(Configuration, NestedTooDeeplyIsTold) {
+TEST(Configuration, NestedTooDeeplyIsReported) {
   EXPECT_EQ(
       LoadBytes(Repeated("<array>", 600) + Repeated("</array>", 600)),
       NotRead("line 1, column 3585: more than 512 arrays and dictionaries are nested in each other",
@@ -411,7 +411,7 @@ TEST(Configuration, NestedAsDeeplyAsMayBeIsLoaded) {
 }
 
 // What is left of a file of which only the beginning arrived is told with the reader's own words.
-TEST(Configuration, CutShortAnywhereIsTold) {
+TEST(Configuration, CutShortAnywhereIsReported) {
   const std::string_view whole = SmallConfig;
   const std::size_t end = whole.find("</plist>") + 8;
   for (std::size_t size = 1; size < end; ++size) {
@@ -425,7 +425,7 @@ TEST(Configuration, CutShortAnywhereIsTold) {
   EXPECT_EQ(LoadBytes(whole.substr(0, end)), (Loading{SmallValue, ""}));
 }
 
-TEST(Configuration, IsReadAnewEachTime) {
+TEST(Configuration, IsReadAgainEachTime) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
   EXPECT_EQ(payload.LoadConfig(), (Loading{SmallValue, ""}));

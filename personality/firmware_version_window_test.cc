@@ -86,7 +86,7 @@ CheckResult Bounded(const PropertyValue& installed, const Record& bounds) {
   return Window(With({{"Version", 100}}, bounds), {{"Version", installed}});
 }
 
-TEST(FirmwareVersionWindow, TakesOnlyAStrictlyNewerVersion) {
+TEST(FirmwareVersionWindow, AcceptsOnlyAStrictlyNewerVersion) {
   EXPECT_EQ(Replacing(4, 5), Applies());
   EXPECT_EQ(Replacing(5, 5), DoesNotApply());
   EXPECT_EQ(Replacing(6, 5), DoesNotApply());
@@ -119,7 +119,7 @@ TEST(FirmwareVersionWindow, AnAbsentVersionFailsSilently) {
   EXPECT_EQ(Replacing(Absent, Absent), DoesNotApply());
 }
 
-TEST(FirmwareVersionWindow, AVersionThatIsNoNumberFailsSilently) {
+TEST(FirmwareVersionWindow, AVersionThatIsNotANumberFailsSilently) {
   for (const auto& [name, version] : NonNumbers()) {
     EXPECT_EQ(Replacing(1, version), DoesNotApply()) << name;
     EXPECT_EQ(Replacing(version, 3), DoesNotApply()) << name;
@@ -140,7 +140,7 @@ TEST(FirmwareVersionWindow, EngineeringFirmwareIsRejectedOnlyByTheGate) {
   }
 }
 
-TEST(FirmwareVersionWindow, EngineeringVersionZeroIsNoObstacle) {
+TEST(FirmwareVersionWindow, EngineeringVersionZeroIsAccepted) {
   for (const PropertyValue& engineering : List({0, 0.0, false, 0.5, -0.5, NotANumber})) {
     const auto hardware = With(Version4, {{"Engineering Version", engineering}});
     EXPECT_EQ(GatedWindow(Version5, hardware), Applies()) << ::testing::PrintToString(engineering);
@@ -152,7 +152,7 @@ TEST(FirmwareVersionWindow, ThePersonalitysEngineeringVersionIsNotRead) {
   EXPECT_EQ(Window(With(Version5, {{"Engineering Version", 64}}), Version4), Applies());
 }
 
-TEST(FirmwareVersionWindow, BypassedTakesAnyVersion) {
+TEST(FirmwareVersionWindow, BypassedAcceptsAnyVersion) {
   EXPECT_EQ(BypassedReplacing(4, 5), Applies());
   EXPECT_EQ(BypassedReplacing(5, 5), Applies());
   EXPECT_EQ(BypassedReplacing(6, 5), Applies());
@@ -164,13 +164,13 @@ TEST(FirmwareVersionWindow, BypassedTakesAnyVersion) {
   }
 }
 
-TEST(FirmwareVersionWindow, BypassedDoesNotMindEngineeringFirmware) {
+TEST(FirmwareVersionWindow, BypassedAcceptsEngineeringFirmware) {
   const auto hardware = With(Version4, {{"Engineering Version", 64}});
   EXPECT_EQ(GatedWindow(Version5, hardware, VersionCheck::Bypassed), Applies());
   EXPECT_EQ(GatedWindow({}, hardware, VersionCheck::Bypassed), Applies());
 }
 
-TEST(FirmwareVersionWindow, BypassedStillHoldsTheBounds) {
+TEST(FirmwareVersionWindow, BypassedStillChecksTheBounds) {
   EXPECT_EQ(BypassedWindow({{"Existing Min Version", 5}}, Version4), DoesNotApply(MinimumNotMet));
   EXPECT_EQ(BypassedWindow({{"Existing Max Version", 3}}, Version4), DoesNotApply(MaximumNotMet));
   EXPECT_EQ(BypassedWindow({{"Existing Min Version", 4}, {"Existing Max Version", 4}}, Version4),
@@ -186,7 +186,7 @@ TEST(FirmwareVersionWindow, BypassedWithoutAnInstalledVersionSatisfiesItWhatever
             Applies(NoVersion));
 }
 
-TEST(FirmwareVersionWindow, BypassedWithAnInstalledVersionThatIsNoNumberLiesWithinEveryBound) {
+TEST(FirmwareVersionWindow, BypassedWithAnInstalledVersionThatIsNotANumberIsWithinEveryBound) {
   for (const auto& [name, version] : NonNumbers()) {
     EXPECT_EQ(BypassedWindow({{"Existing Min Version", 9}, {"Existing Max Version", 1}},
                              {{"Version", version}}),
@@ -204,13 +204,13 @@ TEST(FirmwareVersionWindow, BothBoundsAreInclusive) {
   EXPECT_EQ(Bounded(5, {{"Existing Min Version", 5.0}, {"Existing Max Version", 5.0}}), Applies());
 }
 
-TEST(FirmwareVersionWindow, AVersionBelowTheMinimumIsTold) {
+TEST(FirmwareVersionWindow, AVersionBelowTheMinimumIsReported) {
   EXPECT_EQ(Bounded(4, {{"Existing Min Version", 5}}), DoesNotApply(MinimumNotMet));
   EXPECT_EQ(Bounded(4.999, {{"Existing Min Version", 5}}), DoesNotApply(MinimumNotMet));
   EXPECT_EQ(Bounded(-1, {{"Existing Min Version", false}}), DoesNotApply(MinimumNotMet));
 }
 
-TEST(FirmwareVersionWindow, AVersionAboveTheMaximumIsTold) {
+TEST(FirmwareVersionWindow, AVersionAboveTheMaximumIsReported) {
   EXPECT_EQ(Bounded(6, {{"Existing Max Version", 5}}), DoesNotApply(MaximumNotMet));
   EXPECT_EQ(Bounded(5.5, {{"Existing Max Version", 5}}), DoesNotApply(MaximumNotMet));
   EXPECT_EQ(Bounded(41.050000000999994, {{"Existing Max Version", 41.05}}),
@@ -233,19 +233,19 @@ TEST(FirmwareVersionWindow, ABoundThatIsNanExcludesNothing) {
       Applies());
 }
 
-TEST(FirmwareVersionWindow, AMinimumThatIsNoNumberIsTold) {
+TEST(FirmwareVersionWindow, AMinimumThatIsNotANumberIsReported) {
   for (const auto& [name, bound] : NonNumbers()) {
     EXPECT_EQ(Bounded(5, {{"Existing Min Version", bound}}), DoesNotApply(BadMinimum)) << name;
   }
 }
 
-TEST(FirmwareVersionWindow, AMaximumThatIsNoNumberIsTold) {
+TEST(FirmwareVersionWindow, AMaximumThatIsNotANumberIsReported) {
   for (const auto& [name, bound] : NonNumbers()) {
     EXPECT_EQ(Bounded(5, {{"Existing Max Version", bound}}), DoesNotApply(BadMaximum)) << name;
   }
 }
 
-TEST(FirmwareVersionWindow, TellsNothingOfTheMaximumWhenTheMinimumFails) {
+TEST(FirmwareVersionWindow, ReportsTheMinimumOnlyWhenBothBoundsFail) {
   EXPECT_EQ(Bounded(5, {{"Existing Max Version", "1"}, {"Existing Min Version", "9"}}),
             DoesNotApply(BadMinimum));
   EXPECT_EQ(Bounded(5, {{"Existing Max Version", 4}, {"Existing Min Version", "9"}}),

@@ -108,12 +108,12 @@ TEST(LegacyThunderboltCheck, AMinimumWithoutTheStoredFractionAcceptsTheSameVersi
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 41.05}}), Controller), Applies());
 }
 
-TEST(LegacyThunderboltCheck, AVersionBelowTheMinimumIsTold) {
+TEST(LegacyThunderboltCheck, AVersionBelowTheMinimumIsReported) {
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 41.06}}), Controller),
             DoesNotApply("** Min firmware version not met.  Aborting\n"));
 }
 
-TEST(LegacyThunderboltCheck, BoundsThatAreNoNumbersAreTold) {
+TEST(LegacyThunderboltCheck, BoundsThatAreNotNumbersAreReported) {
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", "41"}}), Controller),
             DoesNotApply("** minversion bad object type in personality\n"));
   EXPECT_EQ(Check(With(Update, {{"Existing Max Version", "42"}}), Controller),
@@ -138,7 +138,7 @@ TEST(LegacyThunderboltCheck, ARidgeSiliconKeyThatNeitherHasIsRejectedSilently) {
   }
 }
 
-TEST(LegacyThunderboltCheck, ARidListAcceptsTheControllersThatItHolds) {
+TEST(LegacyThunderboltCheck, ARidListAcceptsTheControllersThatItContains) {
   const auto update = With(Update, {{"RID", List({0, 1})}});
   EXPECT_EQ(Check(update, With(Controller, {{"RID", 0}})), Applies());
   EXPECT_EQ(Check(update, With(Controller, {{"RID", 1}})), Applies());
@@ -169,7 +169,7 @@ TEST(LegacyThunderboltCheck, ARidgeUidThatTheControllerLacksIsRejectedSilently) 
             DoesNotApply());
 }
 
-TEST(LegacyThunderboltCheck, ARidgeUidGivenAsTextIsRejectedSilently) {
+TEST(LegacyThunderboltCheck, ARidgeUidThatIsTextIsRejectedSilently) {
   EXPECT_EQ(Check(With(Update, {{"Ridge UID", "1443"}}), Controller), DoesNotApply());
   EXPECT_EQ(
       Check(With(Update, {{"Ridge UID", "0x5A3"}}), With(Controller, {{"Ridge UID", "0x5A3"}})),
@@ -189,7 +189,7 @@ TEST(LegacyThunderboltCheck, ARidgeUidOf64BitsIsComparedExactly) {
             DoesNotApply());
 }
 
-TEST(LegacyThunderboltCheck, AKeyThatIsNoNumberIsRejectedSilently) {
+TEST(LegacyThunderboltCheck, AKeyThatIsNotANumberIsRejectedSilently) {
   for (const auto* key : ConstrainingKeys) {
     for (const auto& [name, value] : NonNumbers()) {
       EXPECT_EQ(Check(With(Update, {{key, List({value})}}), With(Controller, {{key, 5}})),
@@ -205,7 +205,7 @@ TEST(LegacyThunderboltCheck, AnotherNumberIsRejectedSilentlyUnderEachKey) {
   }
 }
 
-TEST(LegacyThunderboltCheck, AListThatHoldsTheControllersValueIsAcceptedUnderEachKey) {
+TEST(LegacyThunderboltCheck, AListThatContainsTheControllersValueIsAcceptedUnderEachKey) {
   for (const auto* key : ConstrainingKeys) {
     const Array list = List({-7, *Controller.Find(key), "x"});
     EXPECT_EQ(Check(With(Update, {{key, list}}), Controller), Applies()) << key;

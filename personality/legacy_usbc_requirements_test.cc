@@ -89,29 +89,29 @@ TEST(LegacyUsbcCheck, AMaximumEqualToTheInstalledVersionIsMet) {
   EXPECT_EQ(Check({{"Version", 6}, {"Existing Max Version", 5}}, {{"Version", 5}}), Applies());
 }
 
-TEST(LegacyUsbcCheck, AnInstalledVersionAboveTheMaximumIsTold) {
+TEST(LegacyUsbcCheck, AnInstalledVersionAboveTheMaximumIsReported) {
   EXPECT_EQ(Check({{"Version", 6}, {"Existing Max Version", 5}}, {{"Version", 5.5}}),
             DoesNotApply("** Max firmware version not met.  Aborting\n"));
 }
 
-TEST(LegacyUsbcCheck, AnInstalledVersionBelowTheMinimumIsTold) {
+TEST(LegacyUsbcCheck, AnInstalledVersionBelowTheMinimumIsReported) {
   EXPECT_EQ(Check({{"Version", 6}, {"Existing Min Version", 5}}, {{"Version", 4.5}}),
             DoesNotApply("** Min firmware version not met.  Aborting\n"));
 }
 
-TEST(LegacyUsbcCheck, AMinimumGivenAsTextIsToldBypassedOrNot) {
+TEST(LegacyUsbcCheck, AMinimumThatIsTextIsReportedBypassedOrNot) {
   const Record update = With(Update, {{"Existing Min Version", "5"}});
   const CheckResult bad = DoesNotApply("** minversion bad object type in personality\n");
   EXPECT_EQ(Check(update, Port), bad);
   EXPECT_EQ(Bypassed(update, Port), bad);
 }
 
-TEST(LegacyUsbcCheck, AMaximumGivenAsTextIsTold) {
+TEST(LegacyUsbcCheck, AMaximumThatIsTextIsReported) {
   EXPECT_EQ(Check(With(Update, {{"Existing Max Version", "5"}}), Port),
             DoesNotApply("** maxversion bad object type in personality\n"));
 }
 
-TEST(LegacyUsbcCheck, OfTwoBadBoundsOnlyTheMinimumIsTold) {
+TEST(LegacyUsbcCheck, OfTwoBadBoundsOnlyTheMinimumIsReported) {
   EXPECT_EQ(
       Check(With(Update, {{"Existing Max Version", "5"}, {"Existing Min Version", "5"}}), Port),
       DoesNotApply("** minversion bad object type in personality\n"));
@@ -125,7 +125,7 @@ TEST(LegacyUsbcCheck, BypassedWithoutAnInstalledVersionTheAddressDecides) {
             DoesNotApply("** No current firmware version?\n"));
 }
 
-TEST(LegacyUsbcCheck, AFailedWindowIsToldAndTheAddressNotLookedAt) {
+TEST(LegacyUsbcCheck, AFailedWindowIsReportedAndTheAddressNotRead) {
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 5}, {"Port Address", 2}}), Port),
             DoesNotApply("** Min firmware version not met.  Aborting\n"));
 }
@@ -134,7 +134,7 @@ TEST(LegacyUsbcCheck, AnEmptyListOfAddressesIsRejected) {
   EXPECT_EQ(ForAddress(Array()), DoesNotApply());
 }
 
-TEST(LegacyUsbcCheck, AListThatHoldsTheAddressIsAccepted) {
+TEST(LegacyUsbcCheck, AListThatContainsTheAddressIsAccepted) {
   EXPECT_EQ(ForAddress(List({1, 2})), Applies());
 }
 
@@ -149,11 +149,11 @@ TEST(LegacyUsbcCheck, AnIntegerAddressEqualsARealOne) {
   EXPECT_EQ(ForAddress(2.5), DoesNotApply());
 }
 
-TEST(LegacyUsbcCheck, AnAddressGivenAsTextIsRejected) {
+TEST(LegacyUsbcCheck, AnAddressThatIsTextIsRejected) {
   EXPECT_EQ(ForAddress("2"), DoesNotApply());
 }
 
-TEST(LegacyUsbcCheck, AnAddressThatIsNoNumberIsRejectedSilently) {
+TEST(LegacyUsbcCheck, AnAddressThatIsNotANumberIsRejectedSilently) {
   for (const auto& [name, address] : NonNumbers()) {
     EXPECT_EQ(
         Check(With(Update, {{"Port Address", List({address})}}), With(Port, {{"Port Address", 5}})),

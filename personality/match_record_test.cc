@@ -30,7 +30,7 @@ constexpr std::string_view AllTypes[] = {
     PersonalityType::Usbc,
 };
 
-TEST(MatchRecord, OfAnEmptyPersonalityHoldsRidVersionAddressAndType) {
+TEST(MatchRecord, OfAnEmptyPersonalityContainsRidVersionAddressAndType) {
   EXPECT_EQ(RecordOf({}, FullPortRecord, "USBC"), (MatchRecord{
                                                       {"RID", 2},
                                                       {"Version", 41.050000000999994},
@@ -39,7 +39,7 @@ TEST(MatchRecord, OfAnEmptyPersonalityHoldsRidVersionAddressAndType) {
                                                   }));
 }
 
-TEST(MatchRecord, OfAnEmptyThunderboltPersonalityHoldsTheFirmwareModeToo) {
+TEST(MatchRecord, OfAnEmptyThunderboltPersonalityContainsTheFirmwareModeToo) {
   EXPECT_EQ(RecordOf({}, FullPortRecord, "Thunderbolt"), (MatchRecord{
                                                              {"RID", 2},
                                                              {"Version", 41.050000000999994},
@@ -49,7 +49,7 @@ TEST(MatchRecord, OfAnEmptyThunderboltPersonalityHoldsTheFirmwareModeToo) {
                                                          }));
 }
 
-TEST(MatchRecord, OfNothingAtAllHoldsTheTypeAlone) {
+TEST(MatchRecord, OfNothingAtAllContainsOnlyTheType) {
   for (const auto type : AllTypes) {
     EXPECT_EQ(RecordOf({}, {}, type), (MatchRecord{{"Personality Type", type}}));
   }
@@ -115,19 +115,19 @@ const MatchRecord FullRecord = {
     {"Note", Dict({{"kept", Array()}})},
 };
 
-TEST(MatchRecord, AReplacedKeyKeepsItsPlaceAndAllOthersTheirValue) {
+TEST(MatchRecord, AReplacedKeyKeepsItsPositionAndAllOthersTheirValue) {
   for (const std::string_view type : {"USBC", "LegacyUSBC", "LegacyThunderbolt"}) {
     EXPECT_EQ(RecordOf(FullPersonality, FullPortRecord, type),
               With(FullRecord, {{"Personality Type", type}}));
   }
 }
 
-TEST(MatchRecord, OnlyThunderboltTakesTheFirmwareModeOfTheController) {
+TEST(MatchRecord, OnlyThunderboltUsesTheFirmwareModeOfTheController) {
   EXPECT_EQ(RecordOf(FullPersonality, FullPortRecord, "Thunderbolt"),
             With(FullRecord, {{"Personality Type", "Thunderbolt"}, {"Firmware Mode", true}}));
 }
 
-TEST(MatchRecord, AControllerWithoutAnythingLeavesOnlyWhatTheFileMaySay) {
+TEST(MatchRecord, AnEmptyControllerLeavesOnlyWhatTheFileMaySet) {
   const MatchRecord left = {
       {"Firmware", "Grat.bin"},
       {"Firmware Mode", List({0, 1})},
@@ -166,7 +166,7 @@ TEST(MatchRecord, AVersionThatIsNanIsKept) {
   EXPECT_NE(*version, *version);
 }
 
-TEST(MatchRecord, AVersionThatIsNoNumberGivesWayToTheControllers) {
+TEST(MatchRecord, AVersionThatIsNotANumberIsReplacedByTheControllers) {
   for (const auto& [name, version] : NonNumbers()) {
     EXPECT_EQ(RecordOf({{"Version", version}, {"Note", 1}}, {{"Version", 41}}, "USBC"),
               (MatchRecord{{"Version", 41}, {"Note", 1}, {"Personality Type", "USBC"}}))
@@ -174,7 +174,7 @@ TEST(MatchRecord, AVersionThatIsNoNumberGivesWayToTheControllers) {
   }
 }
 
-TEST(MatchRecord, AVersionThatIsNoNumberGoesWhenTheControllerHasNone) {
+TEST(MatchRecord, AVersionThatIsNotANumberIsRemovedWhenTheControllerHasNone) {
   for (const auto& [name, version] : NonNumbers()) {
     EXPECT_EQ(RecordOf({{"Version", version}}, {}, "USBC"),
               (MatchRecord{{"Personality Type", "USBC"}}))
@@ -195,7 +195,7 @@ TEST(MatchRecord, WithARidTheAddressIsTheControllers) {
             (MatchRecord{{"Port Address", 3}, {"RID", 2}, {"Personality Type", "USBC"}}));
 }
 
-TEST(MatchRecord, WithARidAndNoAddressOfTheControllerTheFilesAddressGoes) {
+TEST(MatchRecord, WithARidAndNoAddressOfTheControllerTheFilesAddressIsRemoved) {
   EXPECT_EQ(RecordOf({{"Port Address", 9}}, {{"RID", 2}}, "USBC"),
             (MatchRecord{{"RID", 2}, {"Personality Type", "USBC"}}));
 }
@@ -207,7 +207,7 @@ TEST(MatchRecord, WithoutARidTheAddressIsTheFiles) {
   EXPECT_EQ(RecordOf({}, controller, "USBC"), (MatchRecord{{"Personality Type", "USBC"}}));
 }
 
-TEST(MatchRecord, ARidOfTheFileIsNeverSeenAndAllowsNoAddress) {
+TEST(MatchRecord, ARidOfTheFileIsIgnoredAndAllowsNoAddress) {
   EXPECT_EQ(RecordOf({{"RID", List({1, 2})}}, {{"Port Address", 3}}, "USBC"),
             (MatchRecord{{"Personality Type", "USBC"}}));
 }
@@ -224,7 +224,7 @@ constexpr std::string_view ConstrainedKeys[] = {
     "Ridge UID",
 };
 
-TEST(MatchRecord, AKeyThatThePersonalityNamesTakesTheControllersValue) {
+TEST(MatchRecord, AKeyThatThePersonalityNamesHasTheControllersValue) {
   for (const auto key : ConstrainedKeys) {
     EXPECT_EQ(RecordOf({{key, "x"}, {"Note", 1}}, Without(FullPortRecord, "RID"), "USBC"),
               (MatchRecord{{key, *FullPortRecord.Find(key)},

@@ -237,7 +237,7 @@ TEST(Matcher, AThunderboltPersonalityIsNotTriedOnAThunderboltController) {
             Nothing());
 }
 
-TEST(Matcher, ReadsAConfigurationAsItStandsInAFile) {
+TEST(Matcher, ReadsAConfigurationAsItIsInAFile) {
   const auto computer = OnePort();
   LoggingRegistry registry(computer.Recorded());
   EXPECT_EQ(MatchText(registry, R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -329,7 +329,7 @@ TEST(Matcher, OnePersonalityMatchesEachPortThatItFits) {
             Matched({record(0, "a0"), record(2, "a2")}));
 }
 
-TEST(Matcher, EachPortTakesTheFirstPersonalityThatFitsIt) {
+TEST(Matcher, EachPortMatchesTheFirstPersonalityThatFitsIt) {
   const auto forPort1 = With(PortUpdate, {{"Firmware", "One.bin"}, {"Port Address", 1}});
   EXPECT_EQ(Match(ThreePorts(), Dict({{"USBC", List({Dict(forPort1), Dict(PortUpdate)})}})),
             Matched({PortRecord(0, "USBC"),
@@ -362,7 +362,7 @@ TEST(Matcher, APortWithoutARidLeavesTheAddressToTheFile) {
                       {"Personality Type", "LegacyUSBC"}}}));
 }
 
-TEST(Matcher, AThunderboltControllerHasARidButNoAddressSoTheFilesAddressGoes) {
+TEST(Matcher, AThunderboltControllerHasARidButNoAddressSoTheFilesAddressIsRemoved) {
   EXPECT_EQ(
       Match(OneThunderbolt(),
             Dict({{"LegacyThunderbolt", List({Dict(With(RidgeUpdate, {{"Port Address", 5}}))})}})),
@@ -377,7 +377,7 @@ TEST(Matcher, BypassedAPersonalityWithoutVersionReportsTheInstalledOne) {
                       {"Personality Type", "LegacyUSBC"}}}));
 }
 
-TEST(Matcher, BypassedAVersionThatIsNoNumberGivesWayToTheInstalledOne) {
+TEST(Matcher, BypassedAVersionThatIsNotANumberIsReplacedByTheInstalledOne) {
   for (const auto& [name, version] : NonNumbers()) {
     EXPECT_EQ(Match(OnePort(), Dict({{"LegacyUSBC", Dict({{"Version", version}})}}), Bypassed),
               Matched({{{"Version", 171},
@@ -388,7 +388,7 @@ TEST(Matcher, BypassedAVersionThatIsNoNumberGivesWayToTheInstalledOne) {
   }
 }
 
-TEST(Matcher, BypassedAPortWithoutAVersionIsToldForEachPair) {
+TEST(Matcher, BypassedAPortWithoutAVersionIsReportedForEachPair) {
   Computer computer;
   computer.AddPort("Port0", {{"Address", 0}});
   computer.AddPort("Port1", {{"Address", 1}});
@@ -398,7 +398,7 @@ TEST(Matcher, BypassedAPortWithoutAVersionIsToldForEachPair) {
                     "** No current firmware version?\n"));
 }
 
-TEST(Matcher, BypassedAPortBelowThunderboltWithoutAVersionIsToldTwice) {
+TEST(Matcher, BypassedAPortBelowThunderboltWithoutAVersionIsReportedTwice) {
   Computer computer;
   const auto ridge =
       computer.AddThunderbolt("Ridge0", Without(ThunderboltProperties, "ROM Version"));
@@ -432,7 +432,7 @@ TEST(Matcher, DeviceModelKeysStayAsTheFileHasThem) {
             Matched({With(With(model, {{"Firmware Mode", false}}), CombinedRecord)}));
 }
 
-TEST(Matcher, ATopLevelThatIsNoDictionaryIsToldAndNothingIsAskedOfTheRegistry) {
+TEST(Matcher, ATopLevelThatIsNotADictionaryIsReportedAndTheRegistryIsNotRead) {
   for (const PropertyValue& top : List({List({Dict(PortUpdate)}), Array(), "USBC", 5, 5.5, true,
                                         testing::Bytes("x"), Date{5}})) {
     const auto computer = OnePort();
@@ -443,7 +443,7 @@ TEST(Matcher, ATopLevelThatIsNoDictionaryIsToldAndNothingIsAskedOfTheRegistry) {
   }
 }
 
-TEST(Matcher, AConfigurationThatDoesNotParseIsToldTwice) {
+TEST(Matcher, AConfigurationThatDoesNotParseIsReportedTwice) {
   const auto computer = OnePort();
   LoggingRegistry registry(computer.Recorded());
   EXPECT_EQ(MatchText(registry, "bplist00"),
@@ -495,7 +495,7 @@ const Dictionary EmptyTypes = Dict({
     {"Another", 5},
 });
 
-TEST(Matcher, TakesAnInventoryOfItsOwnForEachKeyInFileOrder) {
+TEST(Matcher, CollectsAnInventoryOfItsOwnForEachKeyInFileOrder) {
   EXPECT_EQ(InventoriesOf(PortBelowThunderbolt(), EmptyTypes),
             (Calls{PortInventory, PortInventory, ThunderboltInventory, PortInventory, PortInventory,
                    PortInventory}));
@@ -513,7 +513,7 @@ TEST(Matcher, OverAnEmptyComputerAsksForNothingButTheInventories) {
                    "NextEntry iterator 2", "ReleaseEntry iterator 2"}));
 }
 
-TEST(Matcher, AValueOfTheWrongShapeStillTakesItsInventory) {
+TEST(Matcher, AValueOfTheWrongShapeStillCollectsAnInventory) {
   EXPECT_EQ(InventoriesOf(PortBelowThunderbolt(), Dict({{"LegacyThunderbolt", Dict(RidgeUpdate)},
                                                         {"Thunderbolt", "x"},
                                                         {"LegacyUSBC", List({Dict(PortUpdate)})},
@@ -521,7 +521,7 @@ TEST(Matcher, AValueOfTheWrongShapeStillTakesItsInventory) {
             (Calls{ThunderboltInventory, PortInventory, PortInventory, PortInventory}));
 }
 
-TEST(Matcher, AnInventoryIsTakenOnceHoweverManyPersonalitiesThereAre) {
+TEST(Matcher, AnInventoryIsCollectedOnceHoweverManyPersonalitiesThereAre) {
   EXPECT_EQ(
       InventoriesOf(ThreePorts(),
                     Dict({{"USBC", List({Dict(PortUpdate), Dict(PortUpdate), Dict(PortUpdate)})}})),
@@ -584,7 +584,7 @@ TEST(Matcher, WithinATypeRecordsComeInInventoryOrder) {
             Matched({record(0), record(1), record(2)}));
 }
 
-TEST(Matcher, EachInventoryReadsTheUuidsAnew) {
+TEST(Matcher, EachInventoryReadsTheUuidsAgain) {
   const auto update = With(PortUpdate, {{"Port UUID", List({"a0"})}});
   Computer computer;
   computer.AddPort("Port0", PortProperties(0, "a0"));
@@ -608,7 +608,7 @@ const Record TooNew = With(PortUpdate, {{"Existing Min Version", 172}});
 constexpr char MaximumNotMet[] = "** Max firmware version not met.  Aborting\n";
 constexpr char MinimumNotMet[] = "** Min firmware version not met.  Aborting\n";
 
-TEST(Matcher, EachPortIsHeldAgainstThePersonalitiesInArrayOrder) {
+TEST(Matcher, EachPortIsTestedAgainstThePersonalitiesInArrayOrder) {
   Computer computer;
   computer.AddPort("Port0", PortProperties(0, "a0"));
   computer.AddPort("Port1", PortProperties(1, "a1"));
@@ -617,7 +617,7 @@ TEST(Matcher, EachPortIsHeldAgainstThePersonalitiesInArrayOrder) {
             Nothing(once + once));
 }
 
-TEST(Matcher, PersonalitiesBehindTheOneThatFitsAreNotTried) {
+TEST(Matcher, PersonalitiesAfterTheOneThatFitsAreNotTried) {
   EXPECT_EQ(
       Match(OnePort(), Dict({{"USBC", List({Dict(TooOld), Dict(PortUpdate), Dict(TooNew)})}})),
       Matched({PortRecord(0, "USBC")}, MaximumNotMet));
@@ -633,7 +633,7 @@ TEST(Matcher, ThePersonalityIsTriedOnEveryPortThoughItFailedOnOne) {
       Matched({With({{"Existing Min Version", 170}}, PortRecord(1, "LegacyUSBC"))}, MinimumNotMet));
 }
 
-TEST(Matcher, APersonalityThatIsNoDictionaryIsPassedOver) {
+TEST(Matcher, APersonalityThatIsNotADictionaryIsPassedOver) {
   for (const auto& [name, value] : NonNumbers()) {
     if (value.AsDictionary()) continue;
     EXPECT_EQ(Match(OnePort(), Dict({{"USBC", List({value, 5, Dict(PortUpdate)})}})),
@@ -687,7 +687,7 @@ TEST(Matcher, OnlyTheLowEightBitsOfTheBoardRevisionCount) {
             Matched({With(zero, PortRecord(0, "USBC"))}));
 }
 
-TEST(Matcher, TheBoardRevisionIsHeldUnderThunderboltToo) {
+TEST(Matcher, TheBoardRevisionIsCheckedUnderThunderboltToo) {
   const Record bounds = {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}};
   const Dictionary thunderbolt =
       Dict({{"Thunderbolt", List({Dict(With(bounds, CombinedUpdate))})}});
@@ -696,7 +696,7 @@ TEST(Matcher, TheBoardRevisionIsHeldUnderThunderboltToo) {
   EXPECT_EQ(Match(PortBelowThunderbolt(), thunderbolt, {4}), Nothing());
 }
 
-TEST(Matcher, TheLegacyTypesDoNotMindTheBoardRevision) {
+TEST(Matcher, TheLegacyTypesIgnoreTheBoardRevision) {
   const Record bounds = {{"MinBoardRevision", 9}};
   EXPECT_EQ(Match(PortBelowThunderbolt(),
                   Dict({{"LegacyThunderbolt", List({Dict(With(bounds, RidgeUpdate))})}}), {3}),
@@ -705,7 +705,7 @@ TEST(Matcher, TheLegacyTypesDoNotMindTheBoardRevision) {
             Matched({With(bounds, PortRecord(0, "LegacyUSBC"))}));
 }
 
-TEST(Matcher, EngineeringFirmwareFitsLegacyThunderboltAlone) {
+TEST(Matcher, EngineeringFirmwareFitsLegacyThunderboltOnly) {
   Computer computer;
   const auto ridge =
       computer.AddThunderbolt("Ridge0", With(ThunderboltProperties, {{"EEPROM Revision", 0x45}}));
@@ -738,7 +738,7 @@ TEST(Matcher, ARidgeUidIsTheRegistrysOwnValueInTheRecord) {
             Matched({With(With({{"Ridge UID", 0xFFFFFFFFFFFFFFFF}}, RidgeRecord), {{"RID", 15}})}));
 }
 
-TEST(Matcher, AnAddressedPortBelowThunderboltIsNoCandidate) {
+TEST(Matcher, AnAddressedPortBelowThunderboltIsNotACandidate) {
   Computer computer;
   const auto ridge = computer.AddThunderbolt("Ridge0", ThunderboltProperties);
   computer.AddService(ridge, "Port0", "QuinceHPMDevice", PortProperties(0x3F, "b0A1"));
@@ -776,7 +776,7 @@ TEST(Matcher, AFaultOfAnInventoryIsReturnedWithoutTheMatchesBeforeIt) {
   EXPECT_EQ(registry.CallsOf("MatchServicesByClass"), (Calls{PortInventory, ThunderboltInventory}));
 }
 
-TEST(Matcher, EveryCallStartsAfresh) {
+TEST(Matcher, CallsAreIndependent) {
   const auto computer = OnePort();
   LoggingRegistry registry(computer.Recorded());
   const Dictionary configuration = Dict({{"USBC", List({Dict(PortUpdate)})}});

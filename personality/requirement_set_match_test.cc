@@ -78,12 +78,12 @@ TEST(RequirementSetMatch, AnOptionalKeyThatThePersonalityLacksSetsNoConstraint) 
   EXPECT_EQ(Matching(SilentOptional, Absent, Absent), Met);
 }
 
-TEST(RequirementSetMatch, ARequiredKeyThatThePersonalityLacksIsTold) {
+TEST(RequirementSetMatch, ARequiredKeyThatThePersonalityLacksIsReported) {
   EXPECT_EQ(Matching(Required, Absent, Absent), PersonalityLacks(Missing));
   EXPECT_EQ(Matching(Required, Absent, 2), PersonalityLacks(Missing));
 }
 
-TEST(RequirementSetMatch, AKeyThatTheHardwareLacksIsToldUnderBothPolicies) {
+TEST(RequirementSetMatch, AKeyThatTheHardwareLacksIsReportedUnderBothPolicies) {
   EXPECT_EQ(Matching(Optional, 2, Absent), HardwareLacks(Missing));
   EXPECT_EQ(Matching(Required, 2, Absent), HardwareLacks(Missing));
 }
@@ -136,7 +136,7 @@ TEST(RequirementSetMatch, ASingleValueOfAnotherKindFailsSilently) {
   }
 }
 
-TEST(RequirementSetMatch, AnArrayMatchesWhenOneElementDoesWhereverItStands) {
+TEST(RequirementSetMatch, AnArrayMatchesWhenOneElementDoesWhereverItIs) {
   EXPECT_EQ(Matching(Optional, List({2}), 2), Met);
   EXPECT_EQ(Matching(Optional, List({1, 2}), 2), Met);
   EXPECT_EQ(Matching(Optional, List({2, 1}), 2), Met);
@@ -167,7 +167,7 @@ TEST(RequirementSetMatch, ElementsOfAnotherKindNeverMatch) {
   EXPECT_EQ(Matching(Text, List({2, 2.0, true, Bytes("2"), List({"2"})}), "2"), Unequal);
 }
 
-TEST(RequirementSetMatch, ElementsOfAnotherKindDoNotSpoilTheOthers) {
+TEST(RequirementSetMatch, ElementsOfAnotherKindDoNotAffectTheOthers) {
   for (const auto& [name, value] : NonNumbers()) {
     EXPECT_EQ(Matching(Optional, List({value, 2}), 2), Met) << name;
   }
@@ -195,7 +195,7 @@ TEST(RequirementSetMatch, ASingleStringMatchesItsEqualWhereStringsAreExpected) {
   EXPECT_EQ(Matching(Text, "2", 2), Unequal);
 }
 
-TEST(RequirementSetMatch, KindNumberWithStringComparisonTakesNothingButAnArrayOfStrings) {
+TEST(RequirementSetMatch, KindNumberWithStringComparisonAcceptsOnlyAnArrayOfStrings) {
   EXPECT_EQ(Matching(NumberComparedAsText, "A1", "A1"), WrongKind);
   EXPECT_EQ(Matching(NumberComparedAsText, 2, 2), Unequal);
   EXPECT_EQ(Matching(NumberComparedAsText, 2, "2"), Unequal);

@@ -96,7 +96,7 @@ TEST(Comparisons, NanIsUnorderedWithEveryNumber) {
   }
 }
 
-TEST(Comparisons, AnOperandThatIsNoNumberMakesEachFalse) {
+TEST(Comparisons, AnOperandThatIsNotANumberMakesEachFalse) {
   for (const auto& [name, other] : NonNumbers()) {
     for (const PropertyValue& number : List({5, 5.0, true, -1, 9})) {
       EXPECT_EQ(Compared(other, number), NoneOfThem) << name;
@@ -117,7 +117,7 @@ TEST(StringsEqual, ComparesTheExactCharacters) {
   EXPECT_FALSE(StringsEqual("", "Ridge"));
 }
 
-TEST(StringsEqual, AnOperandThatIsNoStringMakesItFalse) {
+TEST(StringsEqual, AnOperandThatIsNotAStringMakesItFalse) {
   for (const PropertyValue& other :
        List({2, 2.0, true, Bytes("2"), List({"2"}), Dict({{"2", "2"}}), Date{2}})) {
     EXPECT_FALSE(StringsEqual(other, "2")) << ::testing::PrintToString(other);
@@ -220,7 +220,7 @@ TEST(RequirementsOf, EachTypeAreThoseOfTheTypesItIncludesAndItsOwnInOrder) {
       Described(Joined({LegacyUsbcRows, OwnUsbcRows, LegacyThunderboltRows, OwnThunderboltRows})));
 }
 
-TEST(RequirementsOf, NoTypeAreNone) {
+TEST(RequirementsOf, NoTypeAreEmpty) {
   EXPECT_TRUE(RequirementsOf(Types::None).empty());
 }
 
@@ -355,7 +355,7 @@ TEST(Test, FailsOnAKindThatMatchesNothing) {
                        "Thunderbolt"}}));
 }
 
-TEST(Test, FailsOnBoundsThatAreNoNumbers) {
+TEST(Test, FailsOnBoundsThatAreNotNumbers) {
   for (const auto& [name, value] : NonNumbers()) {
     for (const char* key : {"Existing Min Version", "Existing Max Version"}) {
       EXPECT_EQ(WhyNotThunderbolt(With(Update, Holding(key, value))),

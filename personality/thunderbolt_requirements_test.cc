@@ -129,24 +129,24 @@ TEST(ThunderboltCheck, BypassedEngineeringFirmwareIsAccepted) {
   EXPECT_EQ(Bypassed(Update, With(Port, {{"Engineering Version", 64}})), Applies());
 }
 
-TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceAndMayMatch) {
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsReportedTwiceAndMayMatch) {
   EXPECT_EQ(Bypassed(Update, Without(Port, "Version")), Applies(NoVersionTwice));
 }
 
-TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldOnceWhenTheUsbcCheckFails) {
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsReportedOnceWhenTheUsbcCheckFails) {
   const auto port = Without(Port, "Version");
   EXPECT_EQ(Bypassed(With(Update, {{"RID", 3}}), port), DoesNotApply(NoVersion));
   EXPECT_EQ(Bypassed(Without(Update, "Port Silicon Revision"), port),
             DoesNotApply(std::string(NoVersion) + "** Missing port silicon revision key(s)\n"));
 }
 
-TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsToldTwiceWhenALaterStepFails) {
+TEST(ThunderboltCheck, BypassedAMissingInstalledVersionIsReportedTwiceWhenALaterStepFails) {
   const auto port = Without(Port, "Version");
   EXPECT_EQ(Bypassed(With(Update, {{"Ridge UID", 3}}), port), DoesNotApply(NoVersionTwice));
   EXPECT_EQ(Bypassed(With(Update, {{"Device Model ID", 3}}), port), DoesNotApply(NoVersionTwice));
 }
 
-TEST(ThunderboltCheck, AFailedWindowIsToldOnce) {
+TEST(ThunderboltCheck, AFailedWindowIsReportedOnce) {
   EXPECT_EQ(Check(With(Update, {{"Existing Min Version", 41.06}}), Port),
             DoesNotApply("** Min firmware version not met.  Aborting\n"));
   EXPECT_EQ(Check(With(Update, {{"Existing Max Version", 41.05}}), Port),
@@ -157,7 +157,7 @@ TEST(ThunderboltCheck, AFailedWindowIsToldOnce) {
             DoesNotApply("** maxversion bad object type in personality\n"));
 }
 
-TEST(ThunderboltCheck, MissingPortKeysAreToldAsForUsbc) {
+TEST(ThunderboltCheck, MissingPortKeysAreReportedAsForUsbc) {
   EXPECT_EQ(Check(With(Update, {{"Port OTP Revision", 1}}), Port),
             DoesNotApply("** Missing port OTP revision key(s) **\n"));
   EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"b0A1"})}}), Port),
@@ -174,7 +174,7 @@ TEST(ThunderboltCheck, ASingleModelNameMatchesItsEqual) {
   EXPECT_EQ(Check(With(Update, {{"Device Model Name", "Grat"}}), Port), Applies());
 }
 
-TEST(ThunderboltCheck, AListThatHoldsTheModelNameMatches) {
+TEST(ThunderboltCheck, AListThatContainsTheModelNameMatches) {
   EXPECT_EQ(Check(With(Update, {{"Device Model Name", List({"Fjell", "Grat"})}}), Port), Applies());
 }
 

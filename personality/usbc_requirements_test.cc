@@ -84,7 +84,7 @@ TEST(UsbcCheck, NothingAtAllDoesNotApply) {
   EXPECT_EQ(Check(Update, {}), DoesNotApply());
 }
 
-TEST(UsbcCheck, BypassedNothingAtAllIsToldOnlyOfTheVersion) {
+TEST(UsbcCheck, BypassedWithEmptyRecordsOnlyTheVersionIsReported) {
   EXPECT_EQ(Bypassed({}, {}), DoesNotApply(NoVersion));
 }
 
@@ -93,7 +93,7 @@ TEST(UsbcCheck, AVersionThatIsNotNewerIsRejectedSilentlyAlsoWithoutASiliconRevis
   EXPECT_EQ(Check(update, Port), DoesNotApply());
 }
 
-TEST(UsbcCheck, TheWindowIsHeldFirst) {
+TEST(UsbcCheck, TheWindowIsCheckedFirst) {
   EXPECT_EQ(
       Check(With(Without(Update, "Port Silicon Revision"), {{"Existing Min Version", 172}}), Port),
       DoesNotApply("** Min firmware version not met.  Aborting\n"));
@@ -111,7 +111,7 @@ TEST(UsbcCheck, AnotherAddressIsRejectedSilently) {
             DoesNotApply());
 }
 
-TEST(UsbcCheck, ARidIsHeldSilently) {
+TEST(UsbcCheck, ARidIsCheckedSilently) {
   EXPECT_EQ(Check(With(Update, {{"RID", 2}}), Port), Applies());
   EXPECT_EQ(Check(With(Update, {{"RID", List({1, 2})}}), Port), Applies());
   EXPECT_EQ(Check(With(Update, {{"RID", 3}}), Port), DoesNotApply());
@@ -154,7 +154,7 @@ TEST(UsbcCheck, ABoardRevisionOf255IsNotNegative) {
   EXPECT_EQ(Check(With(Update, {{"MaxBoardRevision", 254}}), Port, 255), DoesNotApply());
 }
 
-TEST(UsbcCheck, ABoundThatIsNoNumberIsRejectedSilently) {
+TEST(UsbcCheck, ABoundThatIsNotANumberIsRejectedSilently) {
   for (const auto& [name, bound] : NonNumbers()) {
     EXPECT_EQ(Check(With(Update, {{"MinBoardRevision", bound}}), Port, 5), DoesNotApply()) << name;
     EXPECT_EQ(Check(With(Update, {{"MaxBoardRevision", bound}}), Port, 5), DoesNotApply()) << name;
@@ -188,7 +188,7 @@ TEST(UsbcCheck, AMissingDeviceIsRejectedSilently) {
   EXPECT_EQ(Check(Update, Without(Port, "Port Silicon Device ID")), DoesNotApply());
 }
 
-TEST(UsbcCheck, AMissingSiliconRevisionIsToldWhicheverLacksIt) {
+TEST(UsbcCheck, AMissingSiliconRevisionIsReportedWhicheverLacksIt) {
   const auto update = Without(Update, "Port Silicon Revision");
   const auto port = Without(Port, "Port Silicon Revision");
   EXPECT_EQ(Check(update, Port), DoesNotApply(MissingRevision));
@@ -200,7 +200,7 @@ TEST(UsbcCheck, AnotherSiliconRevisionIsRejectedSilently) {
   EXPECT_EQ(Check(With(Update, {{"Port Silicon Revision", 8}}), Port), DoesNotApply());
 }
 
-TEST(UsbcCheck, ADeviceGivenAsTextIsRejectedSilently) {
+TEST(UsbcCheck, ADeviceThatIsTextIsRejectedSilently) {
   EXPECT_EQ(Check(With(Update, {{"Port Silicon Device ID", "18"}}), Port), DoesNotApply());
 }
 
@@ -208,7 +208,7 @@ TEST(UsbcCheck, AnEmptyListOfDevicesIsRejected) {
   EXPECT_EQ(Check(With(Update, {{"Port Silicon Device ID", Array()}}), Port), DoesNotApply());
 }
 
-TEST(UsbcCheck, AListThatHoldsTheDeviceIsAccepted) {
+TEST(UsbcCheck, AListThatContainsTheDeviceIsAccepted) {
   EXPECT_EQ(Check(With(Update, {{"Port Silicon Device ID", List({17, 18})}}), Port), Applies());
 }
 
@@ -218,12 +218,12 @@ TEST(UsbcCheck, ANegativeDeviceIsItself) {
   EXPECT_EQ(Check(With(Update, {{"Port Silicon Device ID", 0x80000001}}), port), DoesNotApply());
 }
 
-TEST(UsbcCheck, AnOtpRevisionThatThePortLacksIsTold) {
+TEST(UsbcCheck, AnOtpRevisionThatThePortLacksIsReported) {
   EXPECT_EQ(Check(With(Update, {{"Port OTP Revision", 2}}), Without(Port, "Port OTP Revision")),
             DoesNotApply(MissingOtpRevision));
 }
 
-TEST(UsbcCheck, AnOtpRevisionGivenAsTextThatThePortLacksIsToldTheSame) {
+TEST(UsbcCheck, ATextOtpRevisionThatThePortLacksIsReportedTheSame) {
   EXPECT_EQ(Check(With(Update, {{"Port OTP Revision", "2"}}), Without(Port, "Port OTP Revision")),
             DoesNotApply(MissingOtpRevision));
 }
@@ -242,7 +242,7 @@ TEST(UsbcCheck, ASingleUuidIsRejectedSilentlyAlsoWhenItIsThePorts) {
   EXPECT_EQ(Check(With(Update, {{"Port UUID", "b0A1"}}), Port), DoesNotApply());
 }
 
-TEST(UsbcCheck, AListThatHoldsThePortsUuidIsAccepted) {
+TEST(UsbcCheck, AListThatContainsThePortsUuidIsAccepted) {
   EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"b0A1"})}}), Port), Applies());
   EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"c2", 5, "b0A1"})}}), Port), Applies());
 }
@@ -251,7 +251,7 @@ TEST(UsbcCheck, AUuidInOtherLetterCaseIsRejected) {
   EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"B0A1", "b0a1"})}}), Port), DoesNotApply());
 }
 
-TEST(UsbcCheck, AUuidThatThePortLacksIsTold) {
+TEST(UsbcCheck, AUuidThatThePortLacksIsReported) {
   const auto port = Without(Port, "Port UUID");
   EXPECT_EQ(Check(With(Update, {{"Port UUID", List({"b0A1"})}}), port), DoesNotApply(MissingUuid));
   EXPECT_EQ(Check(With(Update, {{"Port UUID", "b0A1"}}), port), DoesNotApply(MissingUuid));
@@ -262,7 +262,7 @@ TEST(UsbcCheck, WithoutAUuidInThePersonalityAnyPortIsAccepted) {
   EXPECT_EQ(Check(Update, Without(Port, "Port UUID")), Applies());
 }
 
-TEST(UsbcCheck, AUuidThatIsNoListOfStringsIsRejectedSilently) {
+TEST(UsbcCheck, AUuidThatIsNotAListOfStringsIsRejectedSilently) {
   for (const PropertyValue& uuid :
        List({5, 5.0, true, Bytes("b0A1"), Dict({{"b0A1", "b0A1"}}), Array(), List({5}),
              List({Bytes("b0A1")}), testing::NestedArrays(2, "b0A1")})) {
@@ -289,7 +289,7 @@ TEST(UsbcCheck, ANumberKeyOfAnotherKindIsRejectedSilently) {
   }
 }
 
-TEST(UsbcCheck, ANumberKeyHoldsAListOfEveryKindOfNumber) {
+TEST(UsbcCheck, ANumberKeyAcceptsAListOfEveryKindOfNumber) {
   for (const auto* key : NumberKeys) {
     EXPECT_EQ(Check(With(FullUpdate, {{key, List({"x", *Port.Find(key), -7})}}), Port), Applies())
         << key;
@@ -298,7 +298,7 @@ TEST(UsbcCheck, ANumberKeyHoldsAListOfEveryKindOfNumber) {
 
 // Each row spoils one more requirement, from the last to the first; only the first that fails
 // tells.
-TEST(UsbcCheck, OnlyTheFirstFailureIsTold) {
+TEST(UsbcCheck, OnlyTheFirstFailureIsReported) {
   Record update = FullUpdate;
   Record port = Without(Port, "Port UUID");
   EXPECT_EQ(Check(update, port), DoesNotApply(MissingUuid));
@@ -315,7 +315,7 @@ TEST(UsbcCheck, OnlyTheFirstFailureIsTold) {
             DoesNotApply("** Max firmware version not met.  Aborting\n"));
 }
 
-TEST(UsbcCheck, BypassedWithoutAnInstalledVersionBothThingsAreTold) {
+TEST(UsbcCheck, BypassedWithoutAnInstalledVersionBothAreReported) {
   EXPECT_EQ(Bypassed(FullUpdate, Without(Without(Port, "Version"), "Port UUID")),
             DoesNotApply(std::string(NoVersion) + MissingUuid));
   EXPECT_EQ(Bypassed(FullUpdate, Without(Port, "Version")), Applies(NoVersion));

@@ -105,7 +105,7 @@ TEST(InvocationBuilder, OneLegacyUsbcMatchHasTwelveArguments) {
                              {"-g -os -o u -f efi-quince-payload0-data -noreset"}}));
 }
 
-TEST(InvocationBuilder, UnknownTypeAloneNamesTheBareDirectory) {
+TEST(InvocationBuilder, MatchesOfAnUnknownTypeOnlyNameTheBareDirectory) {
   const auto built = Build({Unknown()});
   EXPECT_EQ(built.arguments, testing::Joined({Head("/P/Fernwick/"), Trailer, {"-noreset"}}));
   EXPECT_EQ(built.verboseText, "\t*** No supported platform type? (was using Serial)***\n");
@@ -120,7 +120,7 @@ TEST(InvocationBuilder, UnknownTypeIsSilentWithoutVerboseMode) {
   EXPECT_EQ(console.Output(), "");
 }
 
-TEST(InvocationBuilder, UnknownTypeIsToldBehindItsReportAndFlushed) {
+TEST(InvocationBuilder, UnknownTypeIsLoggedAfterItsReportAndFlushed) {
   testing::TestConsole console;
   PlanValues plan;
   InvocationBuilder builder("/P/Fernwick/", "Zed-42");
@@ -137,7 +137,7 @@ TEST(InvocationBuilder, AbsentFirmwareModeCountsAsZero) {
             "-g -o -sr 1 0 -ee efi-quince-payload0-data -noreset");
 }
 
-TEST(InvocationBuilder, FirmwareModeIsTakenAsUnsigned32) {
+TEST(InvocationBuilder, FirmwareModeIsReadAsUnsigned32) {
   const auto optionsOf = [](const PropertyValue& mode) {
     return Build(
                {{{"Personality Type", "Thunderbolt"}, {"Firmware Mode", mode}, {"Firmware", "a"}}})
@@ -251,7 +251,7 @@ TEST(InvocationBuilder, RefusesAnImageWithoutABoardToLookItUpFor) {
             "fernwick: Error in personality: no firmware image to flash for type USBC\n");
 }
 
-TEST(InvocationBuilder, WithoutMatchesHoldsTheOptionsArgumentAlone) {
+TEST(InvocationBuilder, WithoutMatchesOnlyContainsTheOptionsArgument) {
   EXPECT_EQ(Build({}).arguments, (Words{"-noreset"}));
 }
 
@@ -282,7 +282,7 @@ TEST(PrintInvocation, QuotesTheOptionsAndEndsAtTheirQuote) {
                    "\"-g -os -o u -f efi-quince-payload0-data -noreset\"\n"}));
 }
 
-TEST(PrintInvocation, LeavesNoBlankBehindAQuotedArgument) {
+TEST(PrintInvocation, LeavesNoBlankAfterAQuotedArgument) {
   EXPECT_EQ(PrintedFlushes({Usbc("a.bin")}, "/my P/Fernwick/"),
             (Words{"Hallow Invocation:\n",
                    "\t/usr/sbin/hallow -verbose -mount / -firmware "

@@ -39,7 +39,7 @@ constexpr char SmallestList[] =
     "</dict>\n"
     "</plist>\n";
 
-TEST(WritePlan, WithoutNvramSettingsHoldsThreeEntries) {
+TEST(WritePlan, WithoutNvramSettingsContainsThreeEntries) {
   const auto written = Write(false, {"-noreset"}, {});
   EXPECT_EQ(written.status, 0);
   EXPECT_EQ(written.flushes, std::vector<std::string>{SmallestList});

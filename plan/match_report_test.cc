@@ -134,7 +134,7 @@ TEST(MatchReport, RidgeUidZeroKeepsItsPrefix) {
             EmptyReportBut("\tCONFIG_RIDGE_UID:               0x0\n"));
 }
 
-TEST(MatchReport, RidgeUidTakesAll64Bits) {
+TEST(MatchReport, RidgeUidShowsAll64Bits) {
   EXPECT_EQ(ReportOf({{"Ridge UID", -1}}),
             EmptyReportBut("\tCONFIG_RIDGE_UID:               0xFFFFFFFFFFFFFFFF\n"));
 }

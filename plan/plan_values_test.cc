@@ -42,7 +42,7 @@ TEST(FoldPriority, WithoutMatchesIsTheInitialValue) {
   EXPECT_EQ(LowestOf({}), 2147483647u);
 }
 
-TEST(FoldPriority, TakesLowBitsTextAndOtherKindsAsNumbers) {
+TEST(FoldPriority, ReadsLowBitsTextAndOtherKindsAsNumbers) {
   EXPECT_EQ(LowestOf({{{"Priority", 0x100000007}}}), 7u);
   EXPECT_EQ(LowestOf({{{"Priority", -1}}}), 2147483647u);
   EXPECT_EQ(LowestOf({{{"Priority", "12"}}}), 12u);
@@ -58,7 +58,7 @@ PlanValues MergedFrom(std::initializer_list<MatchRecord> matches) {
   return plan;
 }
 
-TEST(MergeNvram, LaterMatchWinsInTheEarlierPlace) {
+TEST(MergeNvram, LaterMatchWinsInTheEarlierPosition) {
   const auto plan = MergedFrom(
       {{{"SetNVRAM", Dict({{"a", "1"}, {"b", "1"}})}}, {{"SetNVRAM", Dict({{"c", 2}, {"a", 2}})}}});
   EXPECT_EQ(plan.nvramToSet, (Record{{"a", 2}, {"b", "1"}, {"c", 2}}));
@@ -69,7 +69,7 @@ TEST(MergeNvram, KeepsDuplicatesToClear) {
   EXPECT_EQ(plan.nvramToClear, (Values{"x", "y", "x"}));
 }
 
-TEST(MergeNvram, CarriesElementsThatAreNoStrings) {
+TEST(MergeNvram, CarriesElementsThatAreNotStrings) {
   const auto plan = MergedFrom({{{"ClearNVRAM", List({1, Dict({{"a", true}})})}}});
   EXPECT_EQ(plan.nvramToClear, (Values{1, Dict({{"a", true}})}));
 }
@@ -87,7 +87,7 @@ TEST(MergeNvram, IgnoresOtherShapes) {
   EXPECT_EQ(plan.nvramToClear, Values());
 }
 
-TEST(MergeNvram, SetAndClearOfOneVariableBothStand) {
+TEST(MergeNvram, SetAndClearOfOneVariableAreBothKept) {
   const auto plan = MergedFrom({{{"SetNVRAM", Dict({{"a", 1}})}, {"ClearNVRAM", List({"a"})}}});
   EXPECT_EQ(plan.nvramToSet, (Record{{"a", 1}}));
   EXPECT_EQ(plan.nvramToClear, (Values{"a"}));

@@ -22,7 +22,7 @@ struct IntegerCase {
   std::uint64_t expected;
 };
 
-TEST(IntegerOf, TakesEveryKindAsStated) {
+TEST(IntegerOf, ConvertsEveryKindAsStated) {
   const std::vector<IntegerCase> cases = {
       {0, 0},
       {-1, 0xFFFFFFFFFFFFFFFF},
@@ -75,7 +75,7 @@ struct RealCase {
   float expected;
 };
 
-TEST(RealOf, TakesEveryKindAsStated) {
+TEST(RealOf, ConvertsEveryKindAsStated) {
   const std::vector<RealCase> cases = {
       {3, 3.0F},
       {-3, -3.0F},
@@ -117,7 +117,7 @@ TEST(RealOf, IsZeroForAnAbsentValue) {
   EXPECT_EQ(RealOf(nullptr), 0.0F);
 }
 
-TEST(TextOf, IsTheTextOfAStringAlone) {
+TEST(TextOf, IsTheTextOfAStringOnly) {
   const PropertyValue string("text");
   const PropertyValue number(1);
   EXPECT_EQ(TextOf(&string), "text");

@@ -67,7 +67,7 @@ TEST(AppendPathComponent, PutsExactlyOneSlashBetween) {
   }
 }
 
-TEST(PathExists, ForWhateverStandsThere) {
+TEST(PathExists, ForFilesOfEveryKind) {
   const TemporaryDirectory directory;
   const std::string file = directory.Write("directory/file", "");
   const std::string fifo = directory.Path() + "/fifo";
@@ -137,13 +137,13 @@ void ExpectBytes(const std::string& path, const std::string& bytes) {
   EXPECT_EQ(ReadWholeFile(path), Result<std::string>(bytes));
 }
 
-TEST(ReadWholeFile, GivesTheBytesAsTheyAre) {
+TEST(ReadWholeFile, ReturnsTheBytesAsTheyAre) {
   const TemporaryDirectory directory;
   const std::string bytes("a\0b\r\n\xFF\x1A\0", 8);
   ExpectBytes(directory.Write("file", bytes), bytes);
 }
 
-TEST(ReadWholeFile, OfAnEmptyFileGivesNoBytes) {
+TEST(ReadWholeFile, OfAnEmptyFileReturnsNoBytes) {
   const TemporaryDirectory directory;
   ExpectBytes(directory.Write("file", ""), "");
 }
@@ -165,7 +165,7 @@ TEST(ReadWholeFile, FollowsLinks) {
   ExpectBytes(link, "text");
 }
 
-TEST(ReadWholeFile, OfAFileThatClaimsToBeEmptyGivesAllOfIt) {
+TEST(ReadWholeFile, OfAFileThatClaimsToBeEmptyReturnsAllOfIt) {
   const std::string path = "/proc/sys/kernel/ostype";
   struct stat status;
   ASSERT_EQ(stat(path.c_str(), &status), 0);
@@ -173,42 +173,42 @@ TEST(ReadWholeFile, OfAFileThatClaimsToBeEmptyGivesAllOfIt) {
   ExpectBytes(path, "Linux\n");
 }
 
-TEST(ReadWholeFile, OfAMissingFileTellsSo) {
+TEST(ReadWholeFile, ReportsAMissingFile) {
   const TemporaryDirectory directory;
   ExpectUnreadable(directory.Path() + "/missing", std::strerror(ENOENT));
   ExpectUnreadable("", std::strerror(ENOENT));
 }
 
-TEST(ReadWholeFile, OfADanglingLinkTellsThatItIsMissing) {
+TEST(ReadWholeFile, ReportsADanglingLinkAsMissing) {
   const TemporaryDirectory directory;
   const std::string link = directory.Path() + "/link";
   fs::create_symlink("missing", link);
   ExpectUnreadable(link, std::strerror(ENOENT));
 }
 
-TEST(ReadWholeFile, OfALinkToItselfTellsSo) {
+TEST(ReadWholeFile, ReportsALinkToItself) {
   const TemporaryDirectory directory;
   const std::string link = directory.Path() + "/link";
   fs::create_symlink("link", link);
   ExpectUnreadable(link, std::strerror(ELOOP));
 }
 
-TEST(ReadWholeFile, ThroughAFileTellsSo) {
+TEST(ReadWholeFile, ReportsAPathThroughAFile) {
   const TemporaryDirectory directory;
   ExpectUnreadable(directory.Write("file", "") + "/other", std::strerror(ENOTDIR));
 }
 
-TEST(ReadWholeFile, OfAnOverLongPathTellsSo) {
+TEST(ReadWholeFile, ReportsAnOverLongPath) {
   const TemporaryDirectory directory;
   ExpectUnreadable(directory.Path() + "/" + std::string(256, 'a'), std::strerror(ENAMETOOLONG));
 }
 
-TEST(ReadWholeFile, OfADirectoryTellsSo) {
+TEST(ReadWholeFile, ReportsADirectory) {
   const TemporaryDirectory directory;
   ExpectUnreadable(directory.Path(), std::strerror(EISDIR));
 }
 
-TEST(ReadWholeFile, OfAFileWithoutPermissionTellsSo) {
+TEST(ReadWholeFile, ReportsAFileWithoutPermission) {
   const TemporaryDirectory directory;
   const std::string file = directory.Write("file", "text");
   fs::permissions(file, fs::perms::none);
@@ -223,12 +223,12 @@ TEST(ReadWholeFile, OfAFifoWithoutWriterDoesNotWait) {
   ExpectUnreadable(fifo, "not a regular file");
 }
 
-TEST(ReadWholeFile, OfADeviceTellsThatItIsNoFile) {
+TEST(ReadWholeFile, ReportsADeviceAsNotAFile) {
   ExpectUnreadable("/dev/null", "not a regular file");
   ExpectUnreadable("/dev/zero", "not a regular file");
 }
 
-TEST(ReadWholeFile, OfASocketTellsThatItCannotBeOpened) {
+TEST(ReadWholeFile, ReportsASocketAsOneThatCannotBeOpened) {
   const TemporaryDirectory directory;
   const std::string path = directory.Path() + "/socket";
   sockaddr_un address{};

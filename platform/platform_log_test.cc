@@ -72,7 +72,7 @@ TEST(FormatLogMessage, ANumberIsDecimal) {
             "18446744073709551615");
 }
 
-TEST(FormatLogMessage, TakesItsArgumentsInTheirOrder) {
+TEST(FormatLogMessage, UsesItsArgumentsInTheirOrder) {
   const PropertyValue type = "USBC";
   EXPECT_EQ(FormatLogMessage("%@ of %@, code %lu: %@!",
                              {&type, std::string_view("Zed-42"), 100ul, AbsentValue}),
@@ -109,7 +109,7 @@ TEST(PlatformLog, ReachesStandardErrorAsOneLineUnderTheToolsName) {
       "fernwick: Error reading plist: No files to support boardID: Zed-42\n");
 }
 
-TEST(PlatformLog, TellsValueAndNumber) {
+TEST(PlatformLog, FormatsValueAndNumber) {
   const PropertyValue value = List({"a", true});
   EXPECT_EQ(Logged("%@ with code %lu", {&value, 100ul}),
             "fernwick: (\n    \"a\",\n    true\n) with code 100\n");

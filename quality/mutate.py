@@ -95,13 +95,13 @@ def build_all(program, file, left_out):
     """Builds a test program with all mutations of a file but those of the lines `left_out`, to which the lines
     that do not work so are added. Returns the numbers that its tests reach, and how long a test may take."""
     while True:
-        held = {n: mutation for n, mutation in enumerate(file.mutations) if mutation.line not in left_out}
-        errors = build(program, file.path, mutations.apply(file.source, held))
+        included = {n: mutation for n, mutation in enumerate(file.mutations) if mutation.line not in left_out}
+        errors = build(program, file.path, mutations.apply(file.source, included))
         begin = time.monotonic()
         with tempfile.NamedTemporaryFile("r") as notes:
             if not errors and not fails(program, 600, MUTANT_NOTES=notes.name):
                 return set(map(int, notes.read().split())), math.ceil(2 + 5 * (time.monotonic() - begin))
-        if not held:
+        if not included:
             sys.exit(f"mutate: {program} does not build or pass without a change\n{errors}")
         lines = {int(line) for line in re.findall(rf"{re.escape(file.path)}:(\d+):", errors)}
         left_out |= lines if lines - left_out else {mutation.line for mutation in file.mutations}

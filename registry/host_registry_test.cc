@@ -32,7 +32,7 @@ TEST(HostRegistry, HasNoParents) {
   EXPECT_EQ(parent, 0u);
 }
 
-TEST(HostRegistry, MatchesNoServiceAndGivesNoIterator) {
+TEST(HostRegistry, MatchesNoServiceAndReturnsNoIterator) {
   HostRegistry registry;
   RegistryEntry iterator = 7;
   EXPECT_EQ(registry.MatchServicesByClass(PortControllerClass, iterator), RegistryNotFound);
@@ -58,7 +58,7 @@ TEST(HostRegistry, ReleasingNothingDoesNothing) {
   EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/"), 0u);
 }
 
-TEST(HostRegistry, MakesNoBoardAndNoInventory) {
+TEST(HostRegistry, HasNoBoardAndNoInventory) {
   HostRegistry registry;
   std::uint64_t boardId = 7;
   std::uint8_t boardRevision = 7;

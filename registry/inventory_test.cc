@@ -164,7 +164,7 @@ Computer ComputerWithTwoFans() {
   return computer;
 }
 
-TEST(ForEachService, VisitsTheEntriesAndReleasesTheIteratorAlone) {
+TEST(ForEachService, VisitsTheEntriesAndReleasesOnlyTheIterator) {
   const Computer computer = ComputerWithTwoFans();
   LoggingRegistry registry(computer.Recorded());
   EXPECT_EQ(WalkCalls(registry), (CallList{"MatchServicesByClass Fan", "ResetIterator iterator 1",

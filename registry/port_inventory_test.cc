@@ -168,7 +168,7 @@ struct RouteRow {
 
 class RouteStringOf : public ::testing::TestWithParam<Named<RouteRow>> {};
 
-TEST_P(RouteStringOf, DecidesWhetherAPortIsTaken) {
+TEST_P(RouteStringOf, DecidesWhetherAPortIsListed) {
   const auto& [route, isTaken] = GetParam().row;
   const HardwareRecord record{{"RID", 1}};
   EXPECT_EQ(RecordsOf({{"Route String", route}, {"RID", 1}}),
@@ -275,7 +275,7 @@ TEST(PortInventory, UuidMayBeEmpty) {
   EXPECT_EQ(RecordsOfUuids({"", "B"}), Listed({{{"Port UUID", ""}}, {{"Port UUID", "B"}}}));
 }
 
-TEST(PortInventory, UuidThatIsNoStringEndsItForThePass) {
+TEST(PortInventory, UuidThatIsNotAStringEndsItForThePass) {
   const PropertyValue values[] = {Bytes("A"), 5, 5.5, true, Date{5}, List({"A"}), Dictionary()};
   for (const auto& value : values) {
     EXPECT_EQ(RecordsOfUuids({"A", value, "C"}), Listed({{{"Port UUID", "A"}}, {}, {}}))
@@ -306,7 +306,7 @@ TEST(PortInventory, ADroppedPortWithoutUuidEndsItForThePass) {
   EXPECT_EQ(CollectedFrom(computer), Listed({{}}));
 }
 
-TEST(PortInventory, BelowAThunderboltControllerItsFieldsComeBehindThePortsOwn) {
+TEST(PortInventory, BelowAThunderboltControllerItsFieldsComeAfterThePortsOwn) {
   const Record ridge{
       {"UID", 0x5A7},
       {"Vendor ID", 11},
@@ -366,7 +366,7 @@ TEST(PortInventory, OwnRidOfZeroIsKeptBelowAThunderboltController) {
             Listed({{{"RID", 0}, {"Ridge UID", 0x5A7}}}));
 }
 
-TEST(PortInventory, WithoutOwnRidThatOfTheThunderboltControllerIsTaken) {
+TEST(PortInventory, WithoutOwnRidThatOfTheThunderboltControllerIsUsed) {
   EXPECT_EQ(RecordsBelow({{"UID", 0x5A7}}, {}), Listed({{{"RID", 7}, {"Ridge UID", 0x5A7}}}));
 }
 
@@ -446,7 +446,7 @@ TEST(PortInventory, WalksUpAnyNumberOfLevels) {
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
 }
 
-TEST(PortInventory, TakesTheNearestOfTwoThunderboltControllers) {
+TEST(PortInventory, UsesTheNearestOfTwoThunderboltControllers) {
   Computer computer;
   const RegistryEntry upper = computer.AddThunderbolt("Ridge0", {{"UID", 1}, {"Vendor ID", 11}});
   const RegistryEntry lower =
@@ -541,7 +541,7 @@ TEST(PortInventory, ReadsAPortWithoutPropertiesInTheSameOrder) {
                     WalkToTheTop("Port0"), End}));
 }
 
-TEST(PortInventory, UuidIsNotEvenFetchedBehindTheFirstMissingOne) {
+TEST(PortInventory, UuidIsNotEvenFetchedAfterTheFirstMissingOne) {
   Computer computer;
   computer.AddPort("Port0", {{"UUID", "A"}});
   computer.AddPort("Port1", {{"UUID", 5}});
@@ -600,7 +600,7 @@ TEST(PortInventory, WithoutPortsOnlyTheIteratorIsAsked) {
   EXPECT_EQ(CollectionCalls(Computer()), Joined({Begin, End}));
 }
 
-TEST(PortInventory, IsTakenAfreshEachTimeAndFetchesUuidAgain) {
+TEST(PortInventory, IsCollectedAgainEachTimeAndFetchesUuidAgain) {
   Computer computer;
   computer.AddPort("Port0", {{"UUID", "A"}});
   computer.AddPort("Port1", {});
@@ -643,7 +643,7 @@ TEST(PortInventory, IsEmptyWhenMatchingFailsWithoutIterator) {
   EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(PortInventory, IsEmptyWhenMatchingGivesNoIterator) {
+TEST(PortInventory, IsEmptyWhenMatchingReturnsNoIterator) {
   const CallList calls{"MatchServicesByClass QuinceHPMDevice"};
   EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false),
             std::pair(calls, InventoryResult(HardwareInventory())));
@@ -708,7 +708,7 @@ HardwareInventory WholeInventoryOf(const Computer& computer) {
 using Sources = std::vector<RecordSource>;
 using Skipped = std::vector<SkippedController>;
 
-TEST(PortInventory, SaysWhereEachValueWasRead) {
+TEST(PortInventory, RecordsWhereEachValueWasRead) {
   Computer computer;
   const auto alone = computer.AddPort("hpm0", {{"RID", 1}, {"Version", 1}, {"UUID", "a"}});
   const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", 7}, {"ROM Version", 1}});
@@ -726,7 +726,7 @@ TEST(PortInventory, SaysWhereEachValueWasRead) {
   EXPECT_EQ(inventory.skipped, Skipped());
 }
 
-TEST(PortInventory, SaysWhoseRidAndVersionAPortBelowAThunderboltControllerHas) {
+TEST(PortInventory, RecordsWhoseRidAndVersionAPortBelowAThunderboltControllerHas) {
   Computer computer;
   const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", "seven"}});
   const auto own =
@@ -738,7 +738,7 @@ TEST(PortInventory, SaysWhoseRidAndVersionAPortBelowAThunderboltControllerHas) {
                {.port = bare, .thunderbolt = ridge, .uuidFetched = false}}));
 }
 
-TEST(PortInventory, SaysWhichUuidsAreNotFetched) {
+TEST(PortInventory, RecordsWhichUuidsAreNotFetched) {
   Computer computer;
   const auto first = computer.AddPort("hpm0", {{"UUID", "a"}});
   const auto second = computer.AddPort("hpm1", {{"UUID", 5}});
@@ -747,7 +747,7 @@ TEST(PortInventory, SaysWhichUuidsAreNotFetched) {
             (Sources{{.port = first}, {.port = second}, {.port = third, .uuidFetched = false}}));
 }
 
-TEST(PortInventory, SaysWhyAPortIsSkipped) {
+TEST(PortInventory, RecordsWhyAPortIsSkipped) {
   Computer computer;
   const auto ridge = computer.AddThunderbolt("ridge0", {{"UID", 7}});
   const auto addressed = computer.AddService(ridge, "hpm0", "QuinceHPMDevice", {{"Address", 1}});

@@ -84,7 +84,7 @@ TEST(RecordedRegistryPath, NamesAnEntryOrNothing) {
   for (const auto& [path, entry] : rows) EXPECT_EQ(registry.LookupEntryByPath(path), entry) << path;
 }
 
-TEST(RecordedRegistryPath, TheNameOfARootIsNoStep) {
+TEST(RecordedRegistryPath, TheNameOfARootIsNotAStep) {
   const Recording recording =
       RecordingOf({{{"Root", "", {}}}, {{"IOService", {1, {{1, {}}}}}}, {}});
   RecordedRegistry registry(recording);
@@ -124,7 +124,7 @@ TEST(RecordedRegistryProperty, IsTheEntrysOwnOfTheExactKey) {
   EXPECT_EQ(registry.GetProperty(entry, ""), std::nullopt);
 }
 
-TEST(RecordedRegistryProperty, OfEveryKindIsGivenUntouched) {
+TEST(RecordedRegistryProperty, OfEveryKindIsReturnedUntouched) {
   const PropertyValue values[] = {"text",
                                   "",
                                   5,
@@ -245,7 +245,7 @@ TEST(RecordedRegistryParent, IsMissingAtTheRoot) {
   EXPECT_EQ(ParentOf(TreeRoot, "IODeviceTree"), NoParent);
 }
 
-TEST(RecordedRegistryParent, IsMissingWhereTheEntryDoesNotStand) {
+TEST(RecordedRegistryParent, IsMissingWhereTheEntryIsNotPresent) {
   EXPECT_EQ(ParentOf(A, "IODeviceTree"), NoParent);
   EXPECT_EQ(ParentOf(Other, "IOService"), NoParent);
   EXPECT_EQ(ParentOf(A, "IOPower"), NoParent);

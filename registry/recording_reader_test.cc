@@ -283,7 +283,7 @@ struct RejectedRow {
 
 class RejectedRecording : public ::testing::TestWithParam<Named<RejectedRow>> {};
 
-TEST_P(RejectedRecording, IsRefusedWholeWithItsPlaceAndFault) {
+TEST_P(RejectedRecording, IsRefusedWholeWithItsLocationAndFault) {
   EXPECT_EQ(ErrorOf(Interpreted(GetParam().row.value)), GetParam().row.error);
 }
 
@@ -335,7 +335,7 @@ TEST(RecordingReader, RefusesEveryVersionButTheIntegerOne) {
   }
 }
 
-TEST(RecordingReader, TellsAnotherVersionBeforeWhatThatVersionMayHold) {
+TEST(RecordingReader, ReportsAnotherVersionBeforeWhatThatVersionMayContain) {
   EXPECT_EQ(ErrorOf(Interpreted(Dict({{"Machines", 5}, {"Recording Version", 2}}))),
             "\"Recording Version\" is not the integer 1");
 }
@@ -568,7 +568,7 @@ TEST(RecordingReader, RefusesTheOldTextForm) {
   }
 }
 
-TEST(RecordingReader, RefusesWhatIsNoDictionary) {
+TEST(RecordingReader, RefusesWhatIsNotADictionary) {
   EXPECT_EQ(ErrorOfFile("<plist><array/></plist>"), "a recording is a dictionary");
   EXPECT_EQ(ErrorOfFile("<string/>"), "a recording is a dictionary");
 }
@@ -579,7 +579,7 @@ TEST(RecordingReader, ReadsVersionOneHoweverItIsSpelled) {
             "");
 }
 
-TEST(RecordingReader, APlaneThatOccursTwiceKeepsItsFirstPlaceAndItsLastRoot) {
+TEST(RecordingReader, APlaneThatOccursTwiceKeepsItsFirstPositionAndItsLastRoot) {
   const auto reading = ReadRecording(
       "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
       "<key>IOService</key><string>never looked at</string>"
@@ -631,7 +631,7 @@ TEST(RecordingReader, PassesOnTheFaultOfAMalformedFile) {
   }
 }
 
-TEST(RecordingReader, SaysWhereAMalformedFileIsWrong) {
+TEST(RecordingReader, ReportsWhereAFileIsMalformed) {
   const auto reading = ReadRecording("<plist>\n<dict>\n</plist>");
   ASSERT_FALSE(reading);
   ASSERT_TRUE(reading.Error().location.has_value());

@@ -275,7 +275,7 @@ TEST(ThunderboltInventory, ReadsDepthAndRouteStringOfEveryController) {
                     {"NextEntry iterator 1", "ReleaseEntry iterator 1"}}));
 }
 
-TEST(ThunderboltInventory, IsTakenAfreshEachTime) {
+TEST(ThunderboltInventory, IsCollectedAgainEachTime) {
   Computer computer;
   computer.AddThunderbolt("Ridge0", OwnController({{"ROM Version", 1}}));
   LoggingRegistry registry(computer.Recorded());
@@ -311,13 +311,13 @@ TEST(ThunderboltInventory, IsEmptyWhenMatchingFailsWithoutIterator) {
   EXPECT_EQ(AfterFailedMatching(5, false), std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(ThunderboltInventory, IsEmptyWhenMatchingGivesNoIterator) {
+TEST(ThunderboltInventory, IsEmptyWhenMatchingReturnsNoIterator) {
   const CallList calls{"MatchServicesByClass IOThunderboltSwitch"};
   EXPECT_EQ(AfterFailedMatching(RegistrySuccess, false),
             std::pair(calls, InventoryResult(HardwareInventory())));
 }
 
-TEST(ThunderboltFields, OfUidAlone) {
+TEST(ThunderboltFields, OfOnlyUid) {
   EXPECT_EQ(Filled({{"UID", 0x5A3}}), (Record{{"RID", 3}, {"Ridge UID", 0x5A3}}));
 }
 
@@ -397,7 +397,7 @@ TEST(ThunderboltFields, NeverReplaceARidOfAnyKind) {
             (Record{{"RID", "two"}, {"Ridge UID", 0x5A3}}));
 }
 
-TEST(ThunderboltFields, ReplaceAllElseAtItsPlace) {
+TEST(ThunderboltFields, ReplaceAllElseAtItsPosition) {
   const HardwareRecord before{
       {"Engineering Version", "old"},
       {"Version", 171},
@@ -429,7 +429,7 @@ TEST(ThunderboltFields, ReplaceAllElseAtItsPlace) {
   EXPECT_EQ(Filled(FullProperties, before), after);
 }
 
-TEST(ThunderboltFields, LeaveWhatTheRecordHoldsWhereNothingReads) {
+TEST(ThunderboltFields, KeepWhatTheRecordContainsWhereNothingIsRead) {
   const HardwareRecord before{{"Version", 171}, {"Device Model Name", "Port"}, {"RID", 2}};
   EXPECT_EQ(
       Filled({{"UID", 1}, {"Device Model Name", 5}, {"EEPROM Revision", 5}}, before),
@@ -443,7 +443,7 @@ struct UidRow {
 
 class NumericUid : public ::testing::TestWithParam<Named<UidRow>> {};
 
-TEST_P(NumericUid, GivesRidAndIsKeptWhole) {
+TEST_P(NumericUid, YieldsRidAndIsKeptWhole) {
   EXPECT_EQ(Filled({{"UID", GetParam().row.uid}}),
             (Record{{"RID", GetParam().row.rid}, {"Ridge UID", GetParam().row.uid}}));
 }
@@ -475,7 +475,7 @@ TEST(ThunderboltFields, OfANanUid) {
 
 class OddThunderboltProperty : public ::testing::TestWithParam<NamedValue> {};
 
-TEST_P(OddThunderboltProperty, AsUidGivesNoRidAndIsKeptWhole) {
+TEST_P(OddThunderboltProperty, AsUidYieldsNoRidAndIsKeptWhole) {
   EXPECT_EQ(Filled({{"UID", GetParam().row}}), (Record{{"Ridge UID", GetParam().row}}));
 }
 
@@ -515,12 +515,12 @@ TEST(ThunderboltFields, KeepAnEmptyDeviceModelName) {
             (Record{{"RID", 1}, {"Device Model Name", ""}, {"Ridge UID", 1}}));
 }
 
-TEST(ThunderboltFields, KeepADeviceModelNameAsItStands) {
+TEST(ThunderboltFields, KeepADeviceModelNameAsItIs) {
   EXPECT_EQ(Filled({{"UID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}}),
             (Record{{"RID", 1}, {"Device Model Name", " M\u00F6del\n/\"3\" "}, {"Ridge UID", 1}}));
 }
 
-TEST(ThunderboltFields, LeaveOutADeviceModelNameThatIsNoString) {
+TEST(ThunderboltFields, LeaveOutADeviceModelNameThatIsNotAString) {
   const PropertyValue values[] = {Bytes("Model"),           5, 5.5, true, List({"Model"}), Date{5},
                                   Dict({{"Name", "Model"}})};
   for (const auto& value : values) {
@@ -530,7 +530,7 @@ TEST(ThunderboltFields, LeaveOutADeviceModelNameThatIsNoString) {
   }
 }
 
-TEST(ThunderboltFields, HoldFirmwareModeAsABoolean) {
+TEST(ThunderboltFields, HaveFirmwareModeAsABoolean) {
   const std::pair<PropertyValue, bool> rows[] = {
       {2, true},           {0, false},   {true, true}, {false, false}, {-1, true},      {0.5, true},
       {0x100000000, true}, {0.0, false}, {Nan, true},  {-0.0, false},  {AllOnes, true},
@@ -638,7 +638,7 @@ TEST(ThunderboltInventory, AnotherControllerNeedsNoUid) {
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"RID", 3}, {"Ridge UID", 0x5A3}}}));
 }
 
-TEST(ThunderboltInventory, SaysWhereEachControllerIsAndWhyOneIsSkipped) {
+TEST(ThunderboltInventory, RecordsWhereEachControllerIsAndWhyOneIsSkipped) {
   Computer computer;
   const auto own =
       computer.AddThunderbolt("ridge0", {{"UID", 7}, {"Depth", 0}, {"Route String", 0}});

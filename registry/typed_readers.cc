@@ -7,8 +7,8 @@ namespace {
 
 // Reads the number and stores the result of `convert`.
 template <typename T, typename Convert>
-RegistryStatus ReadNumber(Registry& registry, RegistryEntry entry, std::string_view key,
-                          T& result, Convert convert) {
+RegistryStatus ReadNumber(Registry& registry, RegistryEntry entry, std::string_view key, T& result,
+                          Convert convert) {
   const auto value = registry.GetProperty(entry, key);
   const auto number = value ? value->AsNumber() : std::nullopt;
   if (!number) return RegistryNotFound;

@@ -124,7 +124,7 @@ TEST_P(OtherProperty, IsNotFoundAndLeavesAPresetZero) {
             Outcome<std::uint64_t>(RegistryNotFound, 0));
 }
 
-TEST_P(OtherProperty, LeavesAnyPlaceAsItWas) {
+TEST_P(OtherProperty, LeavesTheResultAsItWas) {
   const auto& value = GetParam().row;
   EXPECT_EQ(ReadValue(ReadBoolProperty, value, true), Outcome<bool>(RegistryNotFound, true));
   EXPECT_EQ(ReadValue(ReadU32Property, value, 0xA5A5A5A5u),
@@ -204,7 +204,7 @@ struct BcdRow {
 
 class DecodeBcdOf : public ::testing::TestWithParam<Named<BcdRow>> {};
 
-TEST_P(DecodeBcdOf, WeighsEachDigitByItsPlace) {
+TEST_P(DecodeBcdOf, WeighsEachDigitByItsPosition) {
   EXPECT_EQ(DecodeBcd(GetParam().row.packed), GetParam().row.decoded);
 }
 

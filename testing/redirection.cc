@@ -30,6 +30,7 @@ Redirection::~Redirection() {
 
 void Redirection::End() {
   if (saved_ < 0) return;
+  std::fflush(nullptr);
   dup2(saved_, descriptor_);
   close(saved_);
   saved_ = -1;

@@ -5,7 +5,8 @@
 namespace fernwick::testing {
 
 /// Sends what this process writes to a file descriptor, such as STDOUT_FILENO, elsewhere, until the
-/// end of its scope. REQUIRES: no stream of the C library is written to meanwhile.
+/// end of its scope. What waits in the streams of the C library is flushed at its beginning and
+/// end.
 class Redirection {
  public:
   /// Into memory.

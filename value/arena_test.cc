@@ -37,7 +37,9 @@ class ManyTexts {
 
  private:
   static std::string TextOf(std::size_t i) {
-    return std::string(i, static_cast<char>('a' + i % 26));
+    std::string text;
+    text.assign(i, static_cast<char>('a' + i % 26));
+    return text;
   }
 
   std::vector<std::string_view> texts_;

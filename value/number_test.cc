@@ -19,6 +19,12 @@ TEST(Number, IntegerEqualsRealOfTheSameValue) {
   EXPECT_EQ(CompareNumbers(2.0, Integer(2)), std::partial_ordering::equivalent);
 }
 
+TEST(Number, RealsCompareAsTheyAre) {
+  EXPECT_EQ(CompareNumbers(0.25, 0.5), std::partial_ordering::less);
+  EXPECT_EQ(CompareNumbers(0.5, 0.25), std::partial_ordering::greater);
+  EXPECT_EQ(CompareNumbers(0.0, -0.0), std::partial_ordering::equivalent);
+}
+
 TEST(Number, FractionDecidesWhenWholePartsAgree) {
   EXPECT_EQ(CompareNumbers(Integer(23), 23.1), std::partial_ordering::less);
   EXPECT_EQ(CompareNumbers(23.1, Integer(23)), std::partial_ordering::greater);

@@ -195,7 +195,7 @@ std::string KindsOf(const PropertyValue& value) {
   return kinds;
 }
 
-TEST(PropertyValue, EachKindAnswersToItsOwnAccessorAlone) {
+TEST(PropertyValue, OnlyTheAccessorOfItsKindReturnsAValue) {
   EXPECT_EQ(KindsOf(Dictionary()), "d");
   EXPECT_EQ(KindsOf(Array()), "a");
   EXPECT_EQ(KindsOf("1"), "s");

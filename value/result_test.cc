@@ -21,7 +21,9 @@ TEST(Error, EqualityIsThatOfMessageAndLocation) {
   const Error error{"a", FileLocation{.line = 1, .column = 2}};
   EXPECT_EQ(error, (Error{"a", FileLocation{.line = 1, .column = 2}}));
   EXPECT_NE(error, (Error{"b", FileLocation{.line = 1, .column = 2}}));
+  EXPECT_NE(error, (Error{"a", FileLocation{.line = 2, .column = 2}}));
   EXPECT_NE(error, (Error{"a", FileLocation{.line = 1, .column = 3}}));
+  EXPECT_NE(error, (Error{"a", FileLocation{.line = 1, .column = 2, .byte = 1}}));
   EXPECT_NE(error, (Error{"a"}));
 }
 

@@ -25,7 +25,7 @@ void ExpectDumps(std::initializer_list<DumpRow> rows) {
   for (const auto& [value, text] : rows) EXPECT_EQ(DumpText(value), text);
 }
 
-TEST(TextualDump, NumbersBooleansAndDatesStandBare) {
+TEST(TextualDump, NumbersBooleansAndDatesAreBare) {
   ExpectDumps({
       {0, "0"},
       {-5, "-5"},
@@ -45,7 +45,7 @@ TEST(TextualDump, NumbersBooleansAndDatesStandBare) {
   });
 }
 
-TEST(TextualDump, StringsStandInDoubleQuotes) {
+TEST(TextualDump, StringsAreInDoubleQuotes) {
   ExpectDumps({
       {"", "\"\""},
       {"a b", "\"a b\""},
@@ -70,7 +70,7 @@ TEST(TextualDump, OtherControlCharactersAreOctal) {
   });
 }
 
-TEST(TextualDump, WhatIsNoUtf8IsReplaced) {
+TEST(TextualDump, TextThatIsNotUtf8IsReplaced) {
   ExpectDumps({{"a\xFFz", "\"a\xEF\xBF\xBDz\""}, {"\xC3", "\"\xEF\xBF\xBD\""}});
 }
 

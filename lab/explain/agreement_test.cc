@@ -1,17 +1,18 @@
-// That an explanation and the run agree, and that no recorder changes a byte of what the tool
-// prints: over random pairs of a computer and a payload.
+// That an explanation and the run agree, and that a trace changes no byte of what the tool prints:
+// over random pairs of a computer and a payload.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "lab/explain/explanation.h"
 #include "lab/explain/print.h"
-#include "lab/support/abnormal_end.h"
-#include "lab/support/captured_run.h"
 #include "lab/support/words.h"
 #include "plan/value_conversions.h"
 #include "registry/thunderbolt_inventory.h"
@@ -22,16 +23,6 @@
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
-
-bool operator==(const CapturedRun& a, const CapturedRun& b) {
-  return a.status == b.status && a.standardOutput == b.standardOutput &&
-         a.standardError == b.standardError;
-}
-
-void PrintTo(const CapturedRun& run, std::ostream* out) {
-  *out << "status " << run.status << "\n" << run.standardOutput << run.standardError;
-}
-
 namespace {
 
 using testing::RandomPair;
@@ -39,12 +30,11 @@ using testing::ReportedMatch;
 
 constexpr int FullCount = 10000;
 
-// The sanitizers, and counters that each process writes at its end, make a run take twenty times as
-// long.
+// The sanitizers, and the counters of coverage, make a run take many times as long.
 constexpr bool IsSlow = testing::UnderAddressSanitizer || testing::CountingCoverage;
 constexpr int PairCount = IsSlow ? FullCount / 10 : FullCount;
 
-// How often everything that can be told was told.
+// How often there was everything that can be explained.
 using Counts = std::map<std::string, int, std::less<>>;
 
 void Count(std::string_view what, Counts& counts) {
@@ -56,33 +46,37 @@ void CountAll(const Explanation& explanation, Counts& counts) {
   for (const auto& key : explanation.keys) {
     if (key.type == Types::None) Count("no type", counts);
     if (key.type != Types::None && !key.hasShape) Count("wrong shape", counts);
-    for (const auto& omission : key.omitted) Count(NameOf(omission.why), counts);
+    for (const auto& skip : key.skipped) Count(NameOf(skip.reason), counts);
     for (const auto& personality : key.personalities) {
       if (!personality.unread.empty()) Count("unread", counts);
     }
     for (const auto& controller : key.controllers) {
       for (const auto& pair : controller.pairs) {
         Count(NameOf(pair.outcome), counts);
-        for (const auto& failure : pair.failures) {
-          Count(NameOf(failure.requirement.shortfall), counts);
-        }
+        for (const auto& failure : pair.failures) Count(NameOf(failure.failed.reason), counts);
         if (pair.failures.size() > 1) Count("several failures", counts);
       }
     }
   }
 }
 
-// What the explanation calls matched, as the report of the run would show it: up to the match that
-// ends the run.
+// The pairs that the explanation calls matched, as the report of the run would show them: up to the
+// match that ends the run.
 std::vector<ReportedMatch> ExplainedMatches(const Explanation& explanation) {
   std::vector<ReportedMatch> matches;
-  for (const auto& [key, controller, pair] : MatchedPairs(explanation)) {
-    if (matches.size() > explanation.plannedMatchCount) break;
-    const auto& firmware = key->personalities[pair->personality].firmware;
-    const auto rid = Integer32Of(controller->record.Find("RID"));
-    matches.push_back({key->key, std::to_string(rid),
-                       std::string(TextOf(firmware ? &*firmware : nullptr).value_or("(null)"))});
+  for (const auto& key : explanation.keys) {
+    for (const auto& controller : key.controllers) {
+      for (const auto& pair : controller.pairs) {
+        if (pair.outcome != PairOutcome::Matched) continue;
+        const auto& firmware = key.personalities[pair.personality].firmware;
+        const auto rid = Integer32Of(controller.record.Find("RID"));
+        matches.push_back(
+            {std::string(key.key), std::to_string(rid),
+             std::string(TextOf(firmware ? &*firmware : nullptr).value_or("(null)"))});
+      }
+    }
   }
+  matches.resize(std::min(matches.size(), explanation.run.result.plannedMatches + 1));
   return matches;
 }
 
@@ -98,22 +92,33 @@ bool HasControllerWithoutUid(const Recording& recording) {
   });
 }
 
-// One pair after the other, each as a payload in a directory.
+// How a run ended and all that it printed.
+struct Seen {
+  int status;
+  std::optional<Fault> fault;
+  std::string standardOutput;
+  std::string standardError;
+
+  friend bool operator==(const Seen&, const Seen&) = default;
+};
+
+Seen SeenOf(const ToolRun& run) {
+  return {run.result.status, run.result.fault, run.standardOutput, run.standardError};
+}
+
+// One pair, its configuration as a payload in a directory.
 class Bench {
  public:
-  void Hold(const RandomPair& pair) {
-    recording_ = pair.computer.Recorded();
-    directory_.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(pair.configuration));
-    arguments_ = {"-p", directory_.Path()};
-    if (pair.bypassVersion) arguments_.emplace_back("--bypassVersion");
-    explanation_ = Explain(recording_, directory_.Path(), pair.bypassVersion);
+  explicit Bench(RandomPair pair) : pair_(std::move(pair)) {
+    directory_.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(pair_.configuration));
+    options_ = ToolOptions(directory_.Path(), pair_.bypassVersion);
+    explanation_ = Explain(pair_.computer.Recorded(), options_);
   }
 
   const Explanation& Explained() const { return explanation_; }
 
-  // Whatever the explanation is, it can be told, and both ways of telling it have a line for each
-  // failure.
-  void ExpectToldWhole() {
+  // Whatever the explanation is, it can be printed, and both forms have a line for each failure.
+  void ExpectPrintedWhole() {
     std::string text;
     std::string json;
     PrintExplanationText(explanation_, false, [&](std::string_view piece) { text += piece; });
@@ -129,43 +134,40 @@ class Bench {
   }
 
   void ExpectAgreement() {
-    if (explanation_.end == RunEnd::Abnormal) return ExpectAbnormalEnd();
-    const auto quiet = Run({}, nullptr);
-    EXPECT_EQ(explanation_.run, quiet);
+    const auto quiet = RunWithoutTrace();
+    EXPECT_EQ(explanation_.run.result.fault, quiet.fault);
+    EXPECT_EQ(SeenOf(RunTool(pair_.computer.Recorded(), options_)), quiet);
+    if (quiet.fault) return;
+    EXPECT_EQ(SeenOf(explanation_.run), quiet);
     const bool isPlanned = explanation_.end == RunEnd::Planned;
     EXPECT_EQ(Occurrences("<string>-payload</string>", quiet.standardOutput),
-              isPlanned ? explanation_.matchCount : 0u);
+              isPlanned ? explanation_.run.result.matches.size() : 0u);
     // The verbose listing takes an inventory that no key of the configuration may ask for.
-    if (HasControllerWithoutUid(recording_)) return;
-    const auto verbose = Run({"-v"}, nullptr);
-    RunRecorder recorder;
-    EXPECT_EQ(Run({"-v"}, &recorder), verbose);
+    if (HasControllerWithoutUid(pair_.computer.Recorded())) return;
+    options_.verbose = true;
+    const auto verbose = RunWithoutTrace();
+    EXPECT_EQ(SeenOf(RunTool(pair_.computer.Recorded(), options_)), verbose);
     EXPECT_EQ(ExplainedMatches(explanation_), testing::ReportedMatches(verbose.standardOutput));
   }
 
  private:
-  void ExpectAbnormalEnd() {
-    RunRecorder recorder;
-    EXPECT_EQ(FaultThatEnds([&] { Run({}, nullptr); }), explanation_.fault);
-    EXPECT_EQ(FaultThatEnds([&] { Run({}, &recorder); }), explanation_.fault);
+  Seen RunWithoutTrace() {
+    RecordedRegistry registry(pair_.computer.Recorded());
+    StringConsole console;
+    const auto result = Run(options_, registry, console);
+    return {result.status, result.fault, console.Output(), console.Error()};
   }
 
-  CapturedRun Run(std::vector<std::string> options, RunRecorder* recorder) {
-    options.insert(options.end(), arguments_.begin(), arguments_.end());
-    RecordedRegistry registry(recording_);
-    return RunCaptured(registry, options, recorder);
-  }
-
+  RandomPair pair_;
   testing::TemporaryDirectory directory_;
-  Recording recording_;
-  std::vector<std::string> arguments_;
+  Options options_;
   Explanation explanation_{.end = RunEnd::Abnormal};
 };
 
-// Everything that can come about does, often enough to mean something. The numbers are those for
-// the full count.
+// Everything possible comes about, often enough to mean something. The numbers are those for the
+// full count.
 void ExpectEveryOutcome(const Counts& counts) {
-  const std::map<std::string, int> least = {
+  const std::map<std::string, int> minimum = {
       {"planned", 1000},
       {"nothingMatched", 1000},
       {"noFirmware", 100},
@@ -195,7 +197,7 @@ void ExpectEveryOutcome(const Counts& counts) {
       {"unread", 200},
       {"several failures", 1000},
   };
-  for (const auto& [what, count] : least) {
+  for (const auto& [what, count] : minimum) {
     const auto found = counts.find(what);
     EXPECT_GE(found == counts.end() ? 0 : found->second, count * PairCount / FullCount) << what;
   }
@@ -203,13 +205,12 @@ void ExpectEveryOutcome(const Counts& counts) {
 
 TEST(ExplainAgreement, HoldsOverRandomPairs) {
   std::mt19937_64 random(20261121);
-  Bench bench;
   Counts counts;
   for (int i = 0; i < PairCount && !::testing::Test::HasFailure(); ++i) {
     SCOPED_TRACE(i);
-    bench.Hold(testing::MakeRandomPair(random));
+    Bench bench(testing::MakeRandomPair(random));
     bench.ExpectAgreement();
-    bench.ExpectToldWhole();
+    bench.ExpectPrintedWhole();
     CountAll(bench.Explained(), counts);
   }
   ExpectEveryOutcome(counts);

@@ -1,92 +1,147 @@
-#include "lab/explain/failure_text.h"
+#include "lab/explain/failed_requirement.h"
 
 #include <gtest/gtest.h>
 
+#include "testing/dictionaries.h"
+#include "testing/inputs/fitting_personality.h"
 #include "testing/property_values.h"
+#include "value/textual_dump.h"
 
 namespace fernwick::lab {
 namespace {
 
-using Lines = std::vector<std::string>;
+using testing::FittingPersonality;
+using testing::FullController;
+using testing::List;
+using testing::With;
+using testing::Without;
 using Value = std::optional<PropertyValue>;
 
-constexpr FilePlace Place = {9, 4, 0};
+constexpr FileLocation Location = {9, 4, 0};
 
-ExplainedFailure Failure(std::string_view key, Shortfall shortfall, Value wanted, Value found) {
-  return {.requirement = {key, shortfall, std::move(wanted), key, std::move(found), "USBC"},
-          .wantedPlace = Place,
-          .sources = Share({})};
+std::string TextOf(std::string_view key, FailureReason reason, Value wanted, Value found) {
+  const Requirement requirement = {.key = key, .hardwareKey = key};
+  return FailureText({&requirement, reason, wanted, found}, Location);
 }
 
-std::string TextOf(std::string_view key, Shortfall shortfall, Value wanted, Value found) {
-  return FailureText(Failure(key, shortfall, std::move(wanted), std::move(found)));
-}
-
-TEST(FailureText, TellsEveryShortfall) {
-  EXPECT_EQ(TextOf("RID", Shortfall::PersonalityLacksKey, {}, 10),
+TEST(FailureText, DescribesEveryReason) {
+  EXPECT_EQ(TextOf("RID", FailureReason::PersonalityLacksKey, {}, 10),
             "is missing; the controller has 10 (0xA)");
-  EXPECT_EQ(TextOf("Version", Shortfall::PersonalityLacksKey, {}, {}),
+  EXPECT_EQ(TextOf("Version", FailureReason::PersonalityLacksKey, {}, {}),
             "is missing; the controller has none either");
-  EXPECT_EQ(TextOf("Port Address", Shortfall::HardwareLacksKey, Array{1, 2}, {}),
+  EXPECT_EQ(TextOf("Port Address", FailureReason::HardwareLacksKey, List({1, 2}), {}),
             "wants one of [1, 2] at 9:4, but the controller has none");
-  EXPECT_EQ(TextOf("Port UUID", Shortfall::WrongKind, "A0", "A0"),
+  EXPECT_EQ(TextOf("Port UUID", FailureReason::WrongKind, "A0", "A0"),
             "\"A0\" at 9:4 is not an array of strings; the controller has \"A0\"");
-  EXPECT_EQ(TextOf("Port Address", Shortfall::Unequal, 1, 2), "wants 1 at 9:4, finds 2");
-  EXPECT_EQ(TextOf("Version", Shortfall::NotNewer, 41, 41.5),
+  EXPECT_EQ(TextOf("Port Address", FailureReason::Unequal, 1, 2), "wants 1 at 9:4, finds 2");
+  EXPECT_EQ(TextOf("Version", FailureReason::NotNewer, 41, 41.5),
             "41 at 9:4 is not newer than the installed 41.5");
-  EXPECT_EQ(TextOf("Version", Shortfall::NotNewer, "42", 41),
+  EXPECT_EQ(TextOf("Version", FailureReason::NotNewer, "42", 41),
             "\"42\" at 9:4 is no number and not newer than the installed 41");
-  EXPECT_EQ(TextOf("Version", Shortfall::EngineeringFirmware, 42, 64),
+  EXPECT_EQ(TextOf("Version", FailureReason::EngineeringFirmware, 42, 64),
             "wants 42 at 9:4, but engineering firmware is installed, marked 64");
-  EXPECT_EQ(TextOf("Version", Shortfall::EngineeringFirmware, {}, 64),
+  EXPECT_EQ(TextOf("Version", FailureReason::EngineeringFirmware, {}, 64),
             "engineering firmware is installed, marked 64");
-  EXPECT_EQ(TextOf("Existing Min Version", Shortfall::AboveInstalled, 42, 41),
+  EXPECT_EQ(TextOf("Existing Min Version", FailureReason::AboveInstalled, 42, 41),
             "42 at 9:4 is above the installed 41");
-  EXPECT_EQ(TextOf("Existing Max Version", Shortfall::BelowInstalled, 40, 41),
+  EXPECT_EQ(TextOf("Existing Max Version", FailureReason::BelowInstalled, 40, 41),
             "40 at 9:4 is below the installed 41");
-  EXPECT_EQ(TextOf("MinBoardRevision", Shortfall::AboveBoardRevision, 4, 3),
+  EXPECT_EQ(TextOf("MinBoardRevision", FailureReason::AboveBoardRevision, 4, 3),
             "4 at 9:4 is above the board's revision 3");
-  EXPECT_EQ(TextOf("MaxBoardRevision", Shortfall::BelowBoardRevision, 2, 3),
+  EXPECT_EQ(TextOf("MaxBoardRevision", FailureReason::BelowBoardRevision, 2, 3),
             "2 at 9:4 is below the board's revision 3");
 }
 
-ExplainedSource Source(std::string property, Value value, std::string conversion = {}) {
-  return {"IOService:/hpm0", "hpm0", std::move(property), std::move(value), std::move(conversion)};
+TEST(FailureText, OfABoundThatIsNoNumberHasTheBoardsRevision) {
+  const Requirement requirement = {.key = "MinBoardRevision", .hardwareKey = ""};
+  EXPECT_EQ(FailureText({&requirement, FailureReason::WrongKind, "4", 3}, Location),
+            "\"4\" at 9:4 is not a number; the board's revision is 3");
 }
 
-TEST(FailureText, OfABoundThatIsNoNumberTellsTheBoardsRevision) {
-  auto failure = Failure("MinBoardRevision", Shortfall::WrongKind, "4", 3);
-  failure.requirement.hardwareKey = {};
-  EXPECT_EQ(FailureText(failure), "\"4\" at 9:4 is not a number; the board's revision is 3");
-  failure.sources = Share({Source("board-rev", testing::Bytes("\3"), "its first byte")});
-  EXPECT_EQ(SourceLines(failure), Lines{"\"board-rev\" of hpm0 is <03>: its first byte"});
+TEST(AtLocation, IsEmptyForAnUnknownLocation) {
+  EXPECT_EQ(AtLocation(Location), " at 9:4");
+  EXPECT_EQ(AtLocation(FileLocation{0, 0, 12}), " at byte 12");
+  EXPECT_EQ(AtLocation(std::nullopt), "");
 }
 
-TEST(SourceLines, AreWhatTheValueComesFrom) {
-  auto failure = Failure("RID", Shortfall::Unequal, 1, 2);
-  failure.sources = Share({Source("UID", 0x12, "the low 4 bits"), Source("Other", {})});
-  EXPECT_EQ(SourceLines(failure),
-            (Lines{"\"UID\" of hpm0 is 18 (0x12): the low 4 bits", "\"Other\" of hpm0 is absent"}));
+// "TYPE: KEY WANTED, HARDWARE KEY FOUND" of each that a port of a board of revision 2 fails.
+std::vector<std::string> FailuresOf(TypeSet type, const Record& personality,
+                                    const Record& controller, bool bypassVersionCheck = false) {
+  std::vector<std::string> texts;
+  const auto text = [](const Value& value) { return value ? DumpText(*value) : "-"; };
+  for (const auto& [requirement, reason, wanted, found] :
+       FailedRequirements(type, personality, {controller, 2, bypassVersionCheck})) {
+    texts.push_back(std::string(requirement->type) + ": " + std::string(requirement->key) + " " +
+                    text(wanted) + ", " + std::string(requirement->hardwareKey) + " " +
+                    text(found));
+  }
+  return texts;
 }
 
-TEST(SourceLines, OfAMissingValueSayWhatIsThereInstead) {
-  auto failure = Failure("RID", Shortfall::HardwareLacksKey, 1, {});
-  failure.sources = Share({Source("RID", {}), Source("UID", "2", "the low 4 bits")});
-  EXPECT_EQ(SourceLines(failure),
-            (Lines{"\"RID\" of hpm0 is absent", "\"UID\" of hpm0 is a string, \"2\""}));
+using Texts = std::vector<std::string>;
+
+TEST(FailedRequirements, AreNoneOfAPersonalityThatFits) {
+  for (const auto type :
+       {Types::LegacyUsbc, Types::Usbc, Types::LegacyThunderbolt, Types::Thunderbolt}) {
+    EXPECT_EQ(FailuresOf(type, FittingPersonality, FullController), Texts{});
+  }
 }
 
-TEST(SourceLines, SayWhyThereIsNoneToLookAt) {
-  auto failure = Failure("Ridge UID", Shortfall::HardwareLacksKey, 1, {});
-  EXPECT_EQ(SourceLines(failure), Lines{"there is no Thunderbolt controller above it"});
-  failure.isUuidUnread = true;
-  EXPECT_EQ(SourceLines(failure), Lines{"its \"UUID\" is not read, as an earlier port has none"});
+TEST(FailedRequirements, HaveBothSides) {
+  EXPECT_EQ(FailuresOf(Types::Usbc, With(FittingPersonality, {{"RID", 3}}), FullController),
+            Texts{"USBC: RID 3, RID 2"});
+  EXPECT_EQ(FailuresOf(Types::Usbc, FittingPersonality, Without(FullController, "RID")),
+            Texts{"USBC: RID 2, RID -"});
+  const auto update = Without(FittingPersonality, "Port Silicon Vendor ID");
+  EXPECT_EQ(FailuresOf(Types::Usbc, update, FullController),
+            Texts{"USBC: Port Silicon Vendor ID -, Port Silicon Vendor ID 2"});
 }
 
-TEST(AtPlace, IsNothingForAnUnknownPlace) {
-  EXPECT_EQ(AtPlace(Place), " at 9:4");
-  EXPECT_EQ(AtPlace(FilePlace{0, 0, 12}), " at byte 12");
-  EXPECT_EQ(AtPlace(std::nullopt), "");
+TEST(FailedRequirements, HaveTheHardwaresValueFromWhereItIsTested) {
+  const auto engineering = With(FullController, {{"Engineering Version", 64}});
+  EXPECT_EQ(FailuresOf(Types::LegacyUsbc, FittingPersonality, engineering),
+            Texts{"LegacyUSBC: Version 3, Engineering Version 64"});
+  EXPECT_EQ(
+      FailuresOf(Types::Usbc,
+                 With(FittingPersonality, {{"MinBoardRevision", 4}, {"MaxBoardRevision", "1"}}),
+                 FullController),
+      (Texts{"USBC: MinBoardRevision 4,  2", "USBC: MaxBoardRevision \"1\",  2"}));
+}
+
+TEST(FailedRequirements, AreAllInTheOrderOfTheTable) {
+  const auto update = With(FittingPersonality, {{"Firmware Mode", false},
+                                                {"Ridge UID", 1},
+                                                {"Port UUID", List({})},
+                                                {"RID", 0},
+                                                {"Port Address", 1},
+                                                {"Existing Max Version", 1},
+                                                {"Version", 2}});
+  EXPECT_EQ(
+      FailuresOf(Types::Thunderbolt, update, FullController),
+      (Texts{"LegacyUSBC: Version 2, Version 2", "LegacyUSBC: Existing Max Version 1, Version 2",
+             "LegacyUSBC: Port Address 1, Port Address 2", "USBC: RID 0, RID 2",
+             "USBC: Port UUID (), Port UUID \"b0A1\"",
+             "LegacyThunderbolt: Ridge UID 1, Ridge UID 2",
+             "Thunderbolt: Firmware Mode false, Firmware Mode true"}));
+}
+
+// The table of "Thunderbolt" tests the version window and "RID" twice, the first time as those of
+// other types.
+TEST(FailedRequirements, AreThereOnceForEachReason) {
+  const auto update = With(FittingPersonality, {{"RID", 0}});
+  EXPECT_EQ(FailuresOf(Types::Thunderbolt, update, FullController), Texts{"USBC: RID 0, RID 2"});
+  EXPECT_EQ(FailuresOf(Types::LegacyThunderbolt, update, FullController),
+            Texts{"LegacyThunderbolt: RID 0, RID 2"});
+  EXPECT_EQ(
+      FailuresOf(Types::LegacyUsbc, With(update, {{"Version", 2}}),
+                 With(FullController, {{"Engineering Version", 64}})),
+      (Texts{"LegacyUSBC: Version 2, Version 2", "LegacyUSBC: Version 2, Engineering Version 64"}));
+}
+
+TEST(FailedRequirements, AreNoneOfTheVersionThatIsBypassed) {
+  EXPECT_EQ(FailuresOf(Types::Thunderbolt, Without(FittingPersonality, "Version"),
+                       With(FullController, {{"Engineering Version", 64}}), true),
+            Texts{});
 }
 
 }  // namespace

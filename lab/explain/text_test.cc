@@ -1,41 +1,71 @@
 #include <gtest/gtest.h>
 
 #include "lab/explain/print.h"
+#include "testing/property_values.h"
 
 namespace fernwick::lab {
 namespace {
 
-// One key under which one pair of each outcome stands, not in the order in which they are read.
+constexpr Requirement RidRequirement = {.key = "RID", .hardwareKey = "RID", .type = "USBC"};
+constexpr Requirement VersionRequirement = {
+    .key = "Version", .hardwareKey = "Version", .type = "LegacyUSBC"};
+
+const HardwareRecord Port = {{"RID", 2}};
+
+// One key with one pair of each outcome, not in the order in which they are read.
 Explanation EveryOutcome() {
-  const ExplainedFailure rid = {.requirement = {"RID", Shortfall::Unequal, 1, "RID", 2, "USBC"},
-                                .wantedPlace = FilePlace{3, 1, 0},
-                                .sources = Share({{"IOService:/hpm0", "hpm0", "RID", 2, ""}})};
-  auto version = rid;
-  version.requirement = {"Version", Shortfall::NotNewer, 1, "Version", 2, "LegacyUSBC"};
+  const ExplainedFailure rid = {{&RidRequirement, FailureReason::Unequal, 1, 2},
+                                FileLocation{3, 1, 0}};
+  const ExplainedFailure version = {{&VersionRequirement, FailureReason::NotNewer, 1, 2},
+                                    FileLocation{3, 1, 0}};
   const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {version, rid}},
                                             {1, PairOutcome::NotAPersonality},
                                             {2, PairOutcome::Rejected, {rid}},
                                             {3, PairOutcome::Matched},
                                             {4, PairOutcome::NotReached}};
   ExplainedKey key = {.key = "USBC",
-                      .place = FilePlace{2, 1, 0},
+                      .location = FileLocation{2, 1, 0},
                       .type = Types::Usbc,
                       .hasShape = true,
-                      .value = Array{}};
+                      .value = Array()};
   for (std::size_t i = 0; i < pairs.size(); ++i) key.personalities.push_back({{}, {}, {}});
+  const ExplainedSources fromRid = {{"IOService:/hpm0", "hpm0", "RID", 2, ""}};
   key.controllers = {{.isPort = true,
                       .path = "IOService:/hpm0",
                       .name = "hpm0",
                       .thunderboltName = "",
-                      .record = {{"RID", 2}},
-                      .pairs = pairs}};
-  return {.end = RunEnd::Planned, .keys = {key}, .matchCount = 1, .plannedMatchCount = 1};
+                      .record = Port,
+                      .isUuidUnread = false,
+                      .pairs = pairs,
+                      .sources = {{"RID", fromRid}, {"Version", fromRid}}}};
+  Explanation explanation = {.end = RunEnd::Planned, .keys = {key}};
+  explanation.run.result.matches.resize(1);
+  explanation.run.result.plannedMatches = 1;
+  return explanation;
+}
+
+// The explanation of a port with one failed requirement, of which the hardware has `found`.
+Explanation OneFailure(const Requirement& requirement, std::optional<PropertyValue> found,
+                       ExplainedSources sources) {
+  auto explanation = EveryOutcome();
+  auto& controller = explanation.keys[0].controllers[0];
+  const auto reason = found ? FailureReason::Unequal : FailureReason::HardwareLacksKey;
+  controller.pairs = {{0, PairOutcome::Rejected, {{{&requirement, reason, 1, found}, {}}}}};
+  controller.sources = {{requirement.hardwareKey, std::move(sources)}};
+  return explanation;
 }
 
 std::string TextOf(const Explanation& explanation, bool emphasise) {
   std::string text;
   PrintExplanationText(explanation, emphasise, [&](std::string_view piece) { text += piece; });
   return text;
+}
+
+// What follows the line of the one failure.
+std::string SourceLines(const Explanation& explanation) {
+  const auto text = TextOf(explanation, false);
+  const std::string check = " check]\n";
+  return text.substr(text.find(check) + check.size());
 }
 
 constexpr char Plain[] =
@@ -58,7 +88,7 @@ constexpr char Plain[] =
     "    not reached  personality 5; an earlier one took the controller\n"
     "    skipped      personality 2; it is no dictionary\n";
 
-TEST(ExplanationText, TellsNearMissesFirst) {
+TEST(ExplanationText, HasNearMissesFirst) {
   EXPECT_EQ(TextOf(EveryOutcome(), false), Plain);
 }
 
@@ -71,6 +101,42 @@ TEST(ExplanationText, EmphasisedDiffersInNothingElse) {
     }
   }
   EXPECT_EQ(text, Plain);
+}
+
+ExplainedSource Source(std::string_view property, std::optional<PropertyValue> value,
+                       std::string_view conversion = {}) {
+  return {"IOService:/hpm0", "hpm0", property, value, conversion};
+}
+
+TEST(ExplanationText, HasWhatTheHardwaresValueComesFrom) {
+  EXPECT_EQ(SourceLines(OneFailure(RidRequirement, 2,
+                                   {Source("UID", 0x12, "the low 4 bits"), Source("Other", {})})),
+            "                      \"UID\" of hpm0 is 18 (0x12): the low 4 bits\n"
+            "                      \"Other\" of hpm0 is absent\n");
+}
+
+TEST(ExplanationText, OfTheBoardsRevisionHasItsProperty) {
+  const Requirement requirement = {.key = "MinBoardRevision", .hardwareKey = "", .type = "USBC"};
+  EXPECT_EQ(SourceLines(OneFailure(requirement, 3,
+                                   {Source("board-rev", testing::Bytes("\3"), "its first byte")})),
+            "                                   \"board-rev\" of hpm0 is <03>: its first byte\n");
+}
+
+TEST(ExplanationText, OfAMissingValueHasWhatIsThereInstead) {
+  EXPECT_EQ(SourceLines(OneFailure(RidRequirement, {},
+                                   {Source("RID", {}), Source("UID", "2", "the low 4 bits")})),
+            "                      \"RID\" of hpm0 is absent\n"
+            "                      \"UID\" of hpm0 is a string, \"2\"\n");
+}
+
+TEST(ExplanationText, OfAValueThatNothingHasSaysWhy) {
+  EXPECT_EQ(SourceLines(OneFailure(RidRequirement, {}, {})),
+            "                      there is no Thunderbolt controller above it\n");
+  const Requirement uuid = {.key = "Port UUID", .hardwareKey = "Port UUID", .type = "USBC"};
+  auto explanation = OneFailure(uuid, {}, {});
+  explanation.keys[0].controllers[0].isUuidUnread = true;
+  EXPECT_EQ(SourceLines(explanation),
+            "                            its \"UUID\" is not read, as an earlier port has none\n");
 }
 
 }  // namespace

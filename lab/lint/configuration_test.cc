@@ -1,4 +1,4 @@
-// What lint says of a configuration, whole, without the places: those are held by the pairs.
+// What lint says of a configuration, whole, without the locations: those are compared by the pairs.
 
 #include "lab/lint/configuration.h"
 
@@ -17,42 +17,52 @@
 namespace fernwick::lab {
 namespace {
 
+using testing::Dict;
+using testing::List;
 using testing::Named;
 using testing::With;
 using testing::Without;
 
-const Dictionary Port = {{"Version", 200},
-                         {"Port Silicon Vendor ID", 1},
-                         {"Port Silicon Device ID", 2},
-                         {"Port Silicon Revision", 3},
-                         {"Firmware", "a.bin"},
-                         {"Priority", 20}};
+const Record Port = {{"Version", 200},
+                     {"Port Silicon Vendor ID", 1},
+                     {"Port Silicon Device ID", 2},
+                     {"Port Silicon Revision", 3},
+                     {"Firmware", "a.bin"},
+                     {"Priority", 20}};
 
-const Dictionary Ridge = {{"Version", 42},
-                          {"Ridge Silicon Vendor ID", 4},
-                          {"Ridge Silicon Device ID", 5},
-                          {"Ridge Silicon Revision", 6},
-                          {"Firmware", "a.bin"},
-                          {"Priority", 20}};
+const Record Ridge = {{"Version", 42},
+                      {"Ridge Silicon Vendor ID", 4},
+                      {"Ridge Silicon Device ID", 5},
+                      {"Ridge Silicon Revision", 6},
+                      {"Firmware", "a.bin"},
+                      {"Priority", 20}};
 
-Dictionary Usbc(const Dictionary& entries) {
-  return {{"USBC", Array{With(Port, entries)}}};
+Dictionary Usbc(const Record& entries) {
+  return Dict({{"USBC", List({Dict(With(Port, entries))})}});
 }
 
-Dictionary Thunderbolt(const Dictionary& entries) {
-  return {{"Thunderbolt", Array{With(With(Port, Ridge), entries)}}};
+Dictionary Thunderbolt(const Record& entries) {
+  return Dict({{"Thunderbolt", List({Dict(With(With(Port, Ridge), entries))})}});
 }
 
-Dictionary LegacyThunderbolt(const Dictionary& entries) {
-  return {{"LegacyThunderbolt", Array{With(Ridge, entries)}}};
+Dictionary LegacyThunderbolt(const Record& entries) {
+  return Dict({{"LegacyThunderbolt", List({Dict(With(Ridge, entries))})}});
 }
 
-Dictionary LegacyUsbc(const Dictionary& entries) {
-  return {
-      {"LegacyUSBC", With({{"Version", 200}, {"Firmware", "a.bin"}, {"Priority", 20}}, entries)}};
+Dictionary LegacyUsbc(const Record& entries) {
+  return Dict({{"LegacyUSBC",
+                Dict(With({{"Version", 200}, {"Firmware", "a.bin"}, {"Priority", 20}}, entries))}});
 }
 
-// Lines "SEVERITY: MESSAGE [ID]" in the order of the places.
+Dictionary AllTypes() {
+  Record types(Usbc({}));
+  for (const auto& other : {Thunderbolt({}), LegacyThunderbolt({}), LegacyUsbc({})}) {
+    types.Merge(other);
+  }
+  return Dict(types);
+}
+
+// Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string SaidOf(const PropertyValue& configuration) {
   const testing::TemporaryDirectory directory;
   directory.Write("Fernwick/RidgeFlash.efi", "");
@@ -61,7 +71,7 @@ std::string SaidOf(const PropertyValue& configuration) {
   directory.Write("Fernwick/Zed-42/images/b.bin", "");
   const auto path = directory.Path() + "/Fernwick";
   const auto file =
-      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration))).file;
+      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
   std::string said;
   for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
     said.append(NameOf(row.rule->severity)).append(": ").append(row.message);
@@ -84,12 +94,11 @@ TEST_P(SaidOfConfiguration, Whole) {
 const double NaN = std::nan("");
 
 const Named<Row> Shapes[] = {
-    {"Empty", {Dictionary{}, ""}},
+    {"Empty", {Dict({}), ""}},
     {"Text", {"x", "error: the configuration is \"x\", not a dictionary [not-a-dictionary]\n"}},
-    {"AllTypes",
-     {With(With(Usbc({}), Thunderbolt({})), With(LegacyThunderbolt({}), LegacyUsbc({}))), ""}},
+    {"AllTypes", {AllTypes(), ""}},
     {"OtherTypes",
-     {Dictionary{{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}},
+     {Dict({{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}}),
       "error: \"usbc\" is no type, so what it holds matches nothing; \"USBC\" may be meant "
       "[misspelt-type]\n"
       "error: \"Thunderbolts\" is no type, so what it holds matches nothing; \"Thunderbolt\" may "
@@ -99,7 +108,7 @@ const Named<Row> Shapes[] = {
       "\"LegacyThunderbolt\" may be meant [misspelt-type]\n"
       "warning: \"USB\" is no type, so what it holds matches nothing [unknown-type]\n"}},
     {"WrongShapes",
-     {Dictionary{{"LegacyUSBC", Array{}}, {"USBC", Dictionary{}}, {"Thunderbolt", 7}},
+     {Dict({{"LegacyUSBC", List({})}, {"USBC", Dict({})}, {"Thunderbolt", 7}}),
       "error: \"LegacyUSBC\" holds an array, not a single personality, so it matches nothing "
       "[wrong-type-shape]\n"
       "error: \"USBC\" holds a dictionary, not an array of personalities, so it matches nothing "
@@ -107,13 +116,13 @@ const Named<Row> Shapes[] = {
       "error: \"Thunderbolt\" holds 7, not an array of personalities, so it matches nothing "
       "[wrong-type-shape]\n"}},
     {"NoPersonalities",
-     {Dictionary{{"USBC", Array{testing::Bytes("x"), Array{}, "x"}}, {"Thunderbolt", Array{}}},
+     {Dict({{"USBC", List({testing::Bytes("x"), List({}), "x"})}, {"Thunderbolt", List({})}}),
       "error: data stands where a personality was expected [personality-not-a-dictionary]\n"
       "error: an array stands where a personality was expected [personality-not-a-dictionary]\n"
       "error: \"x\" stands where a personality was expected [personality-not-a-dictionary]\n"
       "note: \"Thunderbolt\" holds no personality [empty-type]\n"}},
     {"EmptyPersonality",
-     {Dictionary{{"LegacyUSBC", Dictionary{}}},
+     {Dict({{"LegacyUSBC", Dict({})}}),
       "error: without \"Version\" a personality of \"LegacyUSBC\" never matches unless the version "
       "check is bypassed [missing-key]\n"
       "error: a match of this personality, with no \"Firmware\", ends the run without a plan "
@@ -136,8 +145,8 @@ const Named<Row> Keys[] = {
     {"FirmwareModeOfALegacyControllerIsForThePlan",
      {LegacyThunderbolt({{"Firmware Mode", 1}}), ""}},
     {"MissingOfPortAndRidge",
-     {Dictionary{{"Thunderbolt", Array{Without(Without(With(Port, Ridge), "Port Silicon Revision"),
-                                               "Ridge Silicon Vendor ID")}}},
+     {Dict({{"Thunderbolt", List({Dict(Without(Without(With(Port, Ridge), "Port Silicon Revision"),
+                                               "Ridge Silicon Vendor ID"))})}}),
       "error: without \"Port Silicon Revision\" a personality of \"Thunderbolt\" never matches "
       "[missing-key]\n"
       "error: without \"Ridge Silicon Vendor ID\" a personality of \"Thunderbolt\" never matches "
@@ -147,11 +156,11 @@ const Named<Row> Keys[] = {
 const Named<Row> Values[] = {
     {"OfEveryKindThatMatches",
      {Thunderbolt({{"RID", true},
-                   {"Port Address", Array{0, 0.0}},
-                   {"Port UUID", Array{"a", "b"}},
+                   {"Port Address", List({0, 0.0})},
+                   {"Port UUID", List({"a", "b"})},
                    {"Ridge UID", 1e300},
-                   {"Device Model Name", Array{""}},
-                   {"Firmware Mode", Array{false, true}}}),
+                   {"Device Model Name", List({""})},
+                   {"Firmware Mode", List({false, true})}}),
       ""}},
     {"OfAWrongKind",
      {Thunderbolt({{"RID", "1"},
@@ -167,7 +176,7 @@ const Named<Row> Values[] = {
       "error: \"Ridge UID\" is data; only a number or an array of numbers can match "
       "[wrong-kind]\n"}},
     {"ListsOfOneValue",
-     {Usbc({{"Existing Min Version", Array{}}, {"MaxBoardRevision", Array{3}}}),
+     {Usbc({{"Existing Min Version", List({})}, {"MaxBoardRevision", List({3})}}),
       "error: \"Existing Min Version\" is an array; only a number can match [list-not-allowed]\n"
       "error: \"MaxBoardRevision\" is an array; only a number can match [list-not-allowed]\n"}},
     {"SingleUuid",
@@ -197,7 +206,7 @@ const Named<Row> Values[] = {
       "error: \"RID\" is -1, which can never match: controllers have whole numbers from 0 to 15 "
       "there [rid-out-of-range]\n"}},
     {"RidsOfPorts",
-     {Thunderbolt({{"RID", Array{0, -1, 15, 16, "1", 15.5, true}}}),
+     {Thunderbolt({{"RID", List({0, -1, 15, 16, "1", 15.5, true})}}),
       "warning: -1 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
       "controller is 0 to 15 [doubtful-rid]\n"
       "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
@@ -207,9 +216,9 @@ const Named<Row> Values[] = {
       "to 2147483647 there [dead-list-element]\n"}},
     {"RidOfAPortOutOfTheQuestion", {Usbc({{"RID", 16}}), ""}},
     {"Lists",
-     {LegacyThunderbolt({{"RID", Array{0, 16, "1", Array{2}}},
-                         {"Ridge UID", Array{}},
-                         {"Ridge Silicon Revision", Array{"x", 1.5}}}),
+     {LegacyThunderbolt({{"RID", List({0, 16, "1", List({2})})},
+                         {"Ridge UID", List({})},
+                         {"Ridge Silicon Revision", List({"x", 1.5})}}),
       "error: no element of \"Ridge Silicon Revision\" can match; of the first, \"x\": it is no "
       "number [dead-list]\n"
       "warning: 16 in \"RID\" can never match: controllers have whole numbers from 0 to 15 there "
@@ -218,7 +227,7 @@ const Named<Row> Values[] = {
       "warning: an array in \"RID\" can never match: it is no number [dead-list-element]\n"
       "error: \"Ridge UID\" is an empty array, which matches nothing [empty-list]\n"}},
     {"TextLists",
-     {Usbc({{"Port UUID", Array{"a", 1}}}),
+     {Usbc({{"Port UUID", List({"a", 1})}}),
       "warning: 1 in \"Port UUID\" can never match: it is no string [dead-list-element]\n"}},
     {"NotANumber",
      {Usbc({{"Existing Min Version", NaN}, {"MinBoardRevision", NaN}}),
@@ -259,9 +268,8 @@ const Named<Row> Versions[] = {
     {"BeyondEveryVersion",
      {Usbc({{"Version", 1e9}, {"Existing Min Version", 166666666}}), NoVersion}},
     {"BoundsWithoutAVersion",
-     {Dictionary{
-          {"LegacyUSBC",
-           Dictionary{{"Existing Max Version", -1}, {"Firmware", "a.bin"}, {"Priority", 1}}}},
+     {Dict({{"LegacyUSBC",
+             Dict({{"Existing Max Version", -1}, {"Firmware", "a.bin"}, {"Priority", 1}})}}),
       "error: without \"Version\" a personality of \"LegacyUSBC\" never matches unless the version "
       "check is bypassed [missing-key]\n" +
           NoVersion}},
@@ -356,7 +364,7 @@ const Named<Row> Priorities[] = {
     {"Beyond32Bits", {Usbc({{"Priority", 0x100000005}}), Altered("4294967301", "5")}},
     {"Text", {Usbc({{"Priority", " 30"}}), Altered("\" 30\"", "30")}},
     {"Word", {Usbc({{"Priority", "high"}}), Altered("\"high\"", "0")}},
-    {"List", {Usbc({{"Priority", Array{1}}}), Altered("an array", "0")}},
+    {"List", {Usbc({{"Priority", List({1})}}), Altered("an array", "0")}},
     {"GreatestUnsigned",
      {Usbc({{"Priority", 0xFFFFFFFFu}}),
       "warning: \"Priority\" 4294967295 never lowers the plan's, which begins at 2147483647 "
@@ -374,21 +382,21 @@ const Named<Row> FirmwareModes[] = {
     {"Another", {LegacyThunderbolt({{"Firmware Mode", 2.0}}), ""}},
     {"Fraction", {LegacyThunderbolt({{"Firmware Mode", 0.5}}), AlteredMode("0.5", "0")}},
     {"Text", {LegacyThunderbolt({{"Firmware Mode", "1"}}), AlteredMode("\"1\"", "1")}},
-    {"List", {LegacyThunderbolt({{"Firmware Mode", Array{1}}}), AlteredMode("an array", "0")}},
-    {"ListThatTheCheckReads", {Thunderbolt({{"Firmware Mode", Array{1}}}), ""}},
+    {"List", {LegacyThunderbolt({{"Firmware Mode", List({1})}}), AlteredMode("an array", "0")}},
+    {"ListThatTheCheckReads", {Thunderbolt({{"Firmware Mode", List({1})}}), ""}},
 };
 
 // Two personalities of "USBC" for different RIDs.
-Dictionary Pair(const Dictionary& first, const Dictionary& second) {
-  return {{"USBC",
-           Array{With(With(Port, {{"RID", 1}}), first), With(With(Port, {{"RID", 2}}), second)}}};
+Dictionary Pair(const Record& first, const Record& second) {
+  return Dict({{"USBC", List({Dict(With(With(Port, {{"RID", 1}}), first)),
+                              Dict(With(With(Port, {{"RID", 2}}), second))})}});
 }
 
-Dictionary Setting(const PropertyValue& value) {
-  return {{"SetNVRAM", Dictionary{{"staged", value}}}};
+Record Setting(const PropertyValue& value) {
+  return {{"SetNVRAM", Dict({{"staged", value}})}};
 }
 
-const Dictionary Clearing = {{"ClearNVRAM", Array{"staged"}}};
+const Record Clearing = {{"ClearNVRAM", List({"staged"})}};
 
 const std::string Conflict =
     "warning: \"staged\" is set to another value at 23:5, by a personality that can match on the "
@@ -399,13 +407,13 @@ const std::string SetAt23 =
 
 const Named<Row> NvramSettings[] = {
     {"WrongShapes",
-     {Usbc({{"SetNVRAM", "x"}, {"ClearNVRAM", Dictionary{}}}),
+     {Usbc({{"SetNVRAM", "x"}, {"ClearNVRAM", Dict({})}}),
       "error: \"SetNVRAM\" is \"x\", not a dictionary, so the plan leaves it out "
       "[nvram-wrong-shape]\n"
       "error: \"ClearNVRAM\" is a dictionary, not an array, so the plan leaves it out "
       "[nvram-wrong-shape]\n"}},
     {"NoNames",
-     {Usbc({{"ClearNVRAM", Array{"a", 1, Array{}}}}),
+     {Usbc({{"ClearNVRAM", List({"a", 1, List({})})}}),
       "warning: 1 in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"
       "warning: an array in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"}},
     {"SameValue", {Pair(Setting("1"), Setting("1")), ""}},
@@ -420,7 +428,7 @@ const Named<Row> NvramSettings[] = {
            With(Setting("2"), {{"MinBoardRevision", 3}})),
       Conflict}},
     {"OfOneThatNeverMatches",
-     {Pair(With(Setting("1"), {{"Port OTP Revision", Array{}}}), Setting("2")),
+     {Pair(With(Setting("1"), {{"Port OTP Revision", List({})}}), Setting("2")),
       "error: \"Port OTP Revision\" is an empty array, which matches nothing [empty-list]\n"}},
     {"ClearedByAnother", {Pair(Setting("1"), Clearing), SetAt23}},
     {"ClearedByAnotherBefore",
@@ -435,8 +443,8 @@ const Named<Row> NvramSettings[] = {
 };
 
 // Two personalities of "USBC", the first at 6:3.
-Dictionary Two(const Dictionary& first, const Dictionary& second) {
-  return {{"USBC", Array{With(Port, first), With(Port, second)}}};
+Dictionary Two(const Record& first, const Record& second) {
+  return Dict({{"USBC", List({Dict(With(Port, first)), Dict(With(Port, second))})}});
 }
 
 const std::string Shadowed =
@@ -445,8 +453,8 @@ const std::string Shadowed =
 
 const Named<Row> Shadows[] = {
     {"Same", {Two({}, {}), Shadowed}},
-    {"NarrowerSet", {Two({{"RID", Array{1, 2}}}, {{"RID", 2.0}}), Shadowed}},
-    {"WiderSet", {Two({{"RID", 2}}, {{"RID", Array{1, 2}}}), ""}},
+    {"NarrowerSet", {Two({{"RID", List({1, 2})}}, {{"RID", 2.0}}), Shadowed}},
+    {"WiderSet", {Two({{"RID", 2}}, {{"RID", List({1, 2})}}), ""}},
     {"NoSet", {Two({{"RID", 2}}, {}), ""}},
     {"OlderImage", {Two({}, {{"Version", 199}}), Shadowed}},
     {"NewerImage", {Two({}, {{"Version", 201}}), ""}},
@@ -466,7 +474,7 @@ const Named<Row> Shadows[] = {
       Shadowed}},
     {"MoreBoardRevisions", {Two({{"MaxBoardRevision", 4}}, {{"MaxBoardRevision", 5}}), ""}},
     {"ByOneThatNeverMatches",
-     {Two({{"RID", Array{}}}, {}),
+     {Two({{"RID", List({})}}, {}),
       "error: \"RID\" is an empty array, which matches nothing [empty-list]\n"}},
 };
 

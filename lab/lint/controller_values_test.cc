@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "personality/requirement_rules.h"
+#include "personality/requirements.h"
 #include "registry/port_inventory.h"
 #include "registry/recorded_registry.h"
 #include "registry/thunderbolt_inventory.h"
@@ -39,19 +39,17 @@ const std::vector<PropertyValue> Extremes = {0,
 
 void ExpectWithin(const HardwareRecord& record, TypeSet type) {
   for (const auto& [key, value] : record.Entries()) {
-    if (!value.IsNumber() || key.View() == "Version" || key.View() == "Engineering Version") {
-      continue;
-    }
-    const auto range = NumbersOfControllers(type, key.View());
+    if (!value.IsNumber() || key == "Version" || key == "Engineering Version") continue;
+    const auto range = NumbersOfControllers(*FindKey(key), type);
     if (!range) continue;
-    EXPECT_FALSE(NumberLess(value, range->lowest)) << key.View();
-    EXPECT_FALSE(NumberGreater(value, range->highest)) << key.View();
-    EXPECT_EQ(value.AsReal(), nullptr) << key.View();
+    EXPECT_FALSE(NumberLess(value, range->lowest)) << key;
+    EXPECT_FALSE(NumberGreater(value, range->highest)) << key;
+    EXPECT_EQ(value.AsReal(), std::nullopt) << key;
   }
 }
 
-Dictionary Everything(const PropertyValue& value, bool withAddress) {
-  Dictionary properties = {{"Depth", 0}, {"Route String", 0}, {"UID", value}};
+Record Everything(const PropertyValue& value, bool withAddress) {
+  Record properties = {{"Depth", 0}, {"Route String", 0}, {"UID", value}};
   for (const char* key : {"RID", "Vendor ID", "Device ID", "Revision ID", "Revision",
                           "Device Model ID", "Device Model Revision", "Firmware Mode"}) {
     properties.Set(key, value);
@@ -60,7 +58,7 @@ Dictionary Everything(const PropertyValue& value, bool withAddress) {
   return properties;
 }
 
-TEST(NumbersOfControllers, HoldWhateverTheRegistryHolds) {
+TEST(NumbersOfControllers, ContainWhateverTheRegistryHas) {
   for (const auto& value : Extremes) {
     testing::Computer computer;
     const auto ridge = computer.AddThunderbolt("Ridge", Everything(value, false));
@@ -70,10 +68,10 @@ TEST(NumbersOfControllers, HoldWhateverTheRegistryHolds) {
     const auto controllers = CollectThunderboltControllers(registry);
     const auto ports = CollectPortControllers(registry);
     ASSERT_TRUE(controllers && ports);
-    for (const auto& record : *controllers) {
+    for (const auto& record : controllers->records) {
       ExpectWithin(record, Types::LegacyThunderbolt);
     }
-    for (const auto& record : *ports) {
+    for (const auto& record : ports->records) {
       ExpectWithin(record, Types::Usbc);
       if (record.Find("Ridge UID") != nullptr) ExpectWithin(record, Types::Thunderbolt);
     }
@@ -88,32 +86,32 @@ struct RangeRow {
 };
 
 TEST(NumbersOfControllers, AreNarrowWhereTheInventoryMakesThemSo) {
-  constexpr Integer Least = std::numeric_limits<std::int32_t>::min();
-  constexpr Integer Greatest = std::numeric_limits<std::int32_t>::max();
+  constexpr Integer Min = std::numeric_limits<std::int32_t>::min();
+  constexpr Integer Max = std::numeric_limits<std::int32_t>::max();
   const RangeRow rows[] = {
       {Types::LegacyThunderbolt, "RID", 0, 15},
-      {Types::Thunderbolt, "RID", Least, Greatest},
-      {Types::Usbc, "RID", Least, Greatest},
+      {Types::Thunderbolt, "RID", Min, Max},
+      {Types::Usbc, "RID", Min, Max},
       {Types::Thunderbolt, "Port Address", 0, 0},
-      {Types::Usbc, "Port Address", Least, Greatest},
-      {Types::LegacyUsbc, "Port Address", Least, Greatest},
+      {Types::Usbc, "Port Address", Min, Max},
+      {Types::LegacyUsbc, "Port Address", Min, Max},
       {Types::Thunderbolt, "Firmware Mode", 0, 1},
-      {Types::Thunderbolt, "Device Model ID", Least, Greatest},
+      {Types::Thunderbolt, "Device Model ID", Min, Max},
   };
   for (const auto& [type, key, lowest, highest] : rows) {
-    const auto range = NumbersOfControllers(type, key);
+    const auto range = NumbersOfControllers(*FindKey(key), type);
     ASSERT_TRUE(range.has_value()) << key;
     EXPECT_EQ(range->lowest, lowest) << key << " under " << type;
     EXPECT_EQ(range->highest, highest) << key << " under " << type;
   }
-  EXPECT_FALSE(NumbersOfControllers(Types::LegacyThunderbolt, "Ridge UID").has_value());
+  EXPECT_FALSE(NumbersOfControllers(*FindKey("Ridge UID"), Types::LegacyThunderbolt).has_value());
 }
 
 RevisionRange Revisions(const PropertyValue& minimum, const PropertyValue& maximum) {
   return RevisionsWithin(&minimum, &maximum);
 }
 
-TEST(RevisionsWithin, AreThoseThatTheCheckLetsThrough) {
+TEST(RevisionsWithin, AreThoseThatTheCheckAccepts) {
   EXPECT_EQ(RevisionsWithin(nullptr, nullptr), (RevisionRange{0, 255}));
   EXPECT_EQ(Revisions(3, 3), (RevisionRange{3, 3}));
   EXPECT_EQ(Revisions(2.5, 4.5), (RevisionRange{3, 4}));

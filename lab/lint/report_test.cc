@@ -14,8 +14,8 @@ namespace {
 PayloadLinting Some() {
   const auto* kind = FindLintRule("wrong-kind");
   const auto* unused = FindLintRule("unused-file");
-  return {{{kind, "p q/Fernwick/Zed-42/Config.plist", FilePlace{12, 7, 0}, "it is \"x\""},
-           {kind, "/p/Config.plist", FilePlace{0, 0, 812}, "it is data"},
+  return {{{kind, "p q/Fernwick/Zed-42/Config.plist", FileLocation{12, 7, 0}, "it is \"x\""},
+           {kind, "/p/Config.plist", FileLocation{0, 0, 812}, "it is data"},
            {unused, "p/old\xFF\x1B:1.bin", std::nullopt, "nothing names it"}},
           2,
           0,

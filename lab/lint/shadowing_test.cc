@@ -1,5 +1,5 @@
-// What is said of personalities that can never match or are never reached, held to the real matcher
-// over random configurations and computers.
+// What is said of personalities that can never match or are never reached, compared with the real
+// matcher over random configurations and computers.
 
 #include "lab/lint/shadowing.h"
 
@@ -9,25 +9,26 @@
 #include <cstdint>
 #include <optional>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "personality/legacy_thunderbolt_check.h"
 #include "personality/matcher.h"
-#include "personality/requirement_rules.h"
-#include "personality/thunderbolt_check.h"
-#include "personality/usbc_check.h"
+#include "personality/requirements.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
-#include "testing/capture.h"
 #include "testing/computer.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
-#include "testing/version_check_bypass.h"
+#include "testing/test_console.h"
 
 namespace fernwick::lab {
 namespace {
+
+using testing::Dict;
+using testing::Kept;
+using testing::List;
 
 constexpr std::string_view Board = "Zed-42";
 
@@ -48,23 +49,27 @@ class Dice {
   std::mt19937 engine_;
 };
 
+PropertyValue Letter(Dice& dice) {
+  return Kept(std::string(1, static_cast<char>('a' + dice.Below(3))));
+}
+
 // Few values, so that personalities often accept the same; now and then one that matches nothing.
-PropertyValue RandomElement(Dice& dice, const PersonalityKey& key) {
+PropertyValue RandomElement(Dice& dice, const Key& key) {
   const bool isText = key.kind == KeyKind::StringOrList || key.kind == KeyKind::ListOfStrings;
   if (dice.OneIn(20)) return isText ? PropertyValue(1) : PropertyValue("1");
-  if (isText) return std::string(1, static_cast<char>('a' + dice.Below(3)));
+  if (isText) return Letter(dice);
   static const std::vector<PropertyValue> numbers = {0,   1,    2,   0.0, 1.0,
                                                      2.0, true, 0.5, 16,  std::nan("")};
   return dice.OneIn(4) ? dice.Pick(numbers) : PropertyValue(dice.Below(3));
 }
 
-PropertyValue RandomSet(Dice& dice, const PersonalityKey& key) {
+PropertyValue RandomSet(Dice& dice, const Key& key) {
   if (key.kind != KeyKind::ListOfStrings && dice.OneIn(3)) return RandomElement(dice, key);
-  Array list;
+  std::vector<PropertyValue> list;
   for (int count = dice.OneIn(30) ? 0 : 1 + dice.Below(3); count > 0; --count) {
     list.push_back(RandomElement(dice, key));
   }
-  return list;
+  return List(list);
 }
 
 PropertyValue RandomBound(Dice& dice) {
@@ -72,35 +77,37 @@ PropertyValue RandomBound(Dice& dice) {
   return dice.OneIn(8) ? dice.Pick(odd) : PropertyValue(dice.Below(4));
 }
 
-Dictionary RandomPersonality(Dice& dice, TypeSet type) {
-  Dictionary personality;
+Record RandomPersonality(Dice& dice, TypeSet type) {
+  Record personality;
   if (!dice.OneIn(20)) personality.Set("Version", 1 + dice.Below(4));
   for (const char* key :
        {"Existing Min Version", "Existing Max Version", "MinBoardRevision", "MaxBoardRevision"}) {
     if (dice.OneIn(4)) personality.Set(key, RandomBound(dice));
   }
-  for (const auto* key : SetKeys(type)) {
-    const bool isRequired = (key->requiredBy & type) != 0;
+  for (const auto* requirement : SetRequirements(type)) {
+    const auto& key = *fernwick::FindKey(requirement->key);
+    const bool isRequired = (key.requiredBy & type) != 0;
     if (isRequired && !dice.OneIn(3)) {
-      personality.Set(key->name, Array{0, 1, 2});  // or hardly any would match
+      personality.Set(key.name, List({0, 1, 2}));  // or hardly any would match
     } else if (isRequired ? !dice.OneIn(30) : dice.OneIn(4)) {
-      personality.Set(key->name, RandomSet(dice, *key));
+      personality.Set(key.name, RandomSet(dice, key));
     }
   }
   return personality;
 }
 
-// The personality with a requirement more, or one that holds more back.
-Dictionary Narrowed(Dice& dice, Dictionary personality, TypeSet type) {
-  for (const auto* key : SetKeys(type)) {
-    const auto* values = personality.Find(key->name);
-    const bool isOptional = (key->requiredBy & type) == 0;
+// The personality with a requirement more, or one that accepts less.
+Record Narrowed(Dice& dice, Record personality, TypeSet type) {
+  for (const auto* requirement : SetRequirements(type)) {
+    const auto& key = *fernwick::FindKey(requirement->key);
+    const auto* values = personality.Find(key.name);
+    const bool isOptional = (key.requiredBy & type) == 0;
     if (values == nullptr && isOptional && dice.OneIn(4)) {
-      personality.Set(key->name, RandomSet(dice, *key));
-    } else if (values != nullptr && values->AsArray() != nullptr && dice.OneIn(2)) {
-      auto list = *values->AsArray();
-      if (!list.empty()) list.pop_back();
-      personality.Set(key->name, std::move(list));
+      personality.Set(key.name, RandomSet(dice, key));
+    } else if (values != nullptr && values->AsArray() && dice.OneIn(2)) {
+      const auto list = *values->AsArray();
+      const auto left = list.empty() ? 0 : list.size() - 1;
+      personality.Set(key.name, Array(std::span(list.begin(), left)));
     }
   }
   if (personality.Find("Existing Min Version") == nullptr && dice.OneIn(2)) {
@@ -109,14 +116,14 @@ Dictionary Narrowed(Dice& dice, Dictionary personality, TypeSet type) {
   return personality;
 }
 
-Dictionary RandomThunderbolt(Dice& dice) {
+Record RandomThunderbolt(Dice& dice) {
   return {{"Depth", 0},
           {"Route String", 0},
           {"UID", dice.Below(3)},
           {"Vendor ID", dice.Below(3)},
           {"Device ID", dice.Below(3)},
           {"Revision ID", dice.Below(3)},
-          {"Device Model Name", std::string(1, static_cast<char>('a' + dice.Below(3)))},
+          {"Device Model Name", Letter(dice)},
           {"Device Model ID", dice.Below(3)},
           {"Device Model Revision", dice.Below(3)},
           {"Firmware Mode", dice.Below(2)},
@@ -124,13 +131,10 @@ Dictionary RandomThunderbolt(Dice& dice) {
           {"EEPROM Revision", dice.Below(3)}};
 }
 
-Dictionary RandomPort(Dice& dice) {
-  Dictionary port = {{"Vendor ID", dice.Below(3)},
-                     {"Device ID", dice.Below(3)},
-                     {"Revision ID", dice.Below(3)},
-                     {"Revision", dice.Below(3)},
-                     {"Version", dice.Below(4)},
-                     {"UUID", std::string(1, static_cast<char>('a' + dice.Below(3)))}};
+Record RandomPort(Dice& dice) {
+  Record port = {{"Vendor ID", dice.Below(3)},   {"Device ID", dice.Below(3)},
+                 {"Revision ID", dice.Below(3)}, {"Revision", dice.Below(3)},
+                 {"Version", dice.Below(4)},     {"UUID", Letter(dice)}};
   if (dice.OneIn(2)) port.Set("RID", dice.Below(3));
   if (dice.OneIn(2)) port.Set("Address", dice.Below(3));
   return port;
@@ -151,15 +155,18 @@ testing::Computer RandomComputer(Dice& dice) {
 
 // For each personality of the one type whether the matcher pairs it with a controller.
 std::vector<bool> MatchedBy(const testing::Computer& computer, std::uint32_t revision,
-                            const std::string& directory, std::size_t count) {
+                            bool bypassVersionCheck, const std::string& directory,
+                            std::size_t count) {
   RecordedRegistry registry(computer.Recorded());
-  MatchRecorder recorder;
-  testing::StandardErrorCapture diagnostics;
-  MatchPersonalities(registry, std::string(Board), revision, directory + "/", &recorder);
+  RunTrace trace;
+  testing::TestConsole console;
+  const auto matching = MatchPersonalities({registry, console, bypassVersionCheck, &trace},
+                                           std::string(Board), revision, directory + "/");
+  EXPECT_TRUE(matching);
   std::vector<bool> matched(count);
-  for (const auto& controller : recorder.keys.at(0).controllers) {
+  for (const auto& outcomes : trace.keys.at(0).outcomes) {
     for (std::size_t i = 0; i < count; ++i) {
-      if (controller.pairs[i].outcome == PairOutcome::Matched) matched[i] = true;
+      if (outcomes[i] == PairOutcome::Matched) matched[i] = true;
     }
   }
   return matched;
@@ -168,11 +175,10 @@ std::vector<bool> MatchedBy(const testing::Computer& computer, std::uint32_t rev
 class Reach : public ::testing::TestWithParam<testing::Named<TypeSet>> {
  protected:
   // Writes the personalities as a configuration and loads it.
-  LintSubject Subject(const Array& personalities) {
-    const Dictionary configuration = {{GetParam().name, personalities}};
-    file_ = LoadConfiguration(
-                directory_.Write("Zed-42/Config.plist", WriteXmlPropertyList(configuration)))
-                .file;
+  LintSubject Subject(const std::vector<PropertyValue>& personalities) {
+    const auto configuration = Dict({{GetParam().name, List(personalities)}});
+    file_.emplace(*LoadConfiguration(
+        directory_.Write("Zed-42/Config.plist", WriteXmlPropertyList(configuration))));
     return LintSubject(*file_);
   }
 
@@ -191,11 +197,11 @@ std::vector<Acceptance> AcceptancesOf(const LintSubject& subject) {
 // Some personalities, as many narrower forms of them in the same order, and as many that differ
 // from them in one bound.
 struct Planted {
-  Array personalities;
+  std::vector<PropertyValue> personalities;
   std::size_t firstPlanted;
 };
 
-Dictionary WithOtherBound(Dice& dice, Dictionary personality) {
+Record WithOtherBound(Dice& dice, Record personality) {
   static const std::vector<std::string_view> bounds = {"Version", "Existing Min Version",
                                                        "Existing Max Version", "MinBoardRevision",
                                                        "MaxBoardRevision"};
@@ -206,15 +212,15 @@ Dictionary WithOtherBound(Dice& dice, Dictionary personality) {
 Planted RandomArray(Dice& dice, TypeSet type) {
   Planted planted = {{}, 6};
   for (std::size_t i = 0; i < planted.firstPlanted; ++i) {
-    planted.personalities.push_back(RandomPersonality(dice, type));
+    planted.personalities.push_back(Dict(RandomPersonality(dice, type)));
   }
   for (std::size_t i = 0; i < planted.firstPlanted; ++i) {
-    const auto& wide = *planted.personalities[i].AsDictionary();
-    planted.personalities.push_back(Narrowed(dice, wide, type));
+    const Record wide(*planted.personalities[i].AsDictionary());
+    planted.personalities.push_back(Dict(Narrowed(dice, wide, type)));
   }
   for (std::size_t i = 0; i < planted.firstPlanted; ++i) {
-    const auto& other = *planted.personalities[i].AsDictionary();
-    planted.personalities.push_back(WithOtherBound(dice, other));
+    const Record other(*planted.personalities[i].AsDictionary());
+    planted.personalities.push_back(Dict(WithOtherBound(dice, other)));
   }
   return planted;
 }
@@ -228,9 +234,8 @@ TEST_P(Reach, WhatIsShadowedOrDeadIsNeverMatched) {
     const auto acceptances = AcceptancesOf(Subject(personalities));
     const auto shadowing = FindShadowed(acceptances);
     for (int turn = 0; turn < 6; ++turn) {
-      std::optional<testing::VersionCheckBypass> bypass;
-      if (turn % 2 == 0) bypass.emplace();
-      const auto found = MatchedBy(RandomComputer(dice), static_cast<std::uint32_t>(turn),
+      const bool bypass = turn % 2 == 0;
+      const auto found = MatchedBy(RandomComputer(dice), static_cast<std::uint32_t>(turn), bypass,
                                    directory_.Path(), personalities.size());
       for (std::size_t i = 0; i < personalities.size(); ++i) {
         const bool isShadowed = shadowing.shadowedBy[i] != i;
@@ -261,13 +266,10 @@ TEST_P(Reach, APlantedNarrowerPersonalityIsFoundShadowed) {
   EXPECT_GT(planted, 300);
 }
 
-bool Applies(TypeSet type, const Dictionary& personality, const HardwareRecord& controller,
-             int revision) {
-  if (type == Types::LegacyThunderbolt) {
-    return CheckLegacyThunderboltRequirements(personality, controller, 0);
-  }
-  return (type == Types::Thunderbolt ? CheckThunderboltRequirements : CheckUsbcRequirements)(
-      personality, controller, static_cast<unsigned>(revision), nullptr);
+bool Applies(TypeSet type, Dictionary personality, const HardwareRecord& controller, int revision) {
+  testing::TestConsole console;
+  return ControllerCheck(type, {controller, static_cast<std::uint8_t>(revision)})
+      .Applies(personality, console);
 }
 
 // A controller that the personality accepts by what is known of it.
@@ -277,11 +279,12 @@ HardwareRecord Witness(const Acceptance& acceptance, TypeSet type) {
     if (acceptance.maximum != nullptr && NumberLess(*acceptance.maximum, version)) continue;
     if (NumberGreater(*acceptance.version, version)) controller.Set("Version", version);
   }
-  const auto keys = SetKeys(type);
-  for (std::size_t i = 0; i < keys.size(); ++i) {
+  const auto requirements = SetRequirements(type);
+  for (std::size_t i = 0; i < requirements.size(); ++i) {
     if (!acceptance.sets[i]) continue;
+    const auto& key = *fernwick::FindKey(requirements[i]->key);
     for (const auto* value : *acceptance.sets[i]) {
-      if (WhyNothingEquals(*value, *keys[i], type).empty()) controller.Set(keys[i]->name, *value);
+      if (UnmatchableReason(*value, key, type).empty()) controller.Set(key.name, *value);
     }
   }
   return controller;

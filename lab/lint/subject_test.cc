@@ -17,23 +17,24 @@ using testing::DictionaryObject;
 
 ConfigurationFile Load(std::string_view bytes) {
   const testing::TemporaryDirectory directory;
-  return *LoadConfiguration(directory.Write("Config.plist", bytes)).file;
+  return *LoadConfiguration(directory.Write("Config.plist", bytes));
 }
 
-// "KEY at its place, value at its place" of each.
+// "KEY at its location, value at its location" of each.
 std::vector<std::string> Described(const ConfigurationFile& file,
-                                   const std::vector<PlacedEntry>& entries) {
+                                   const std::vector<LocatedEntry>& entries) {
   std::vector<std::string> described;
   for (const auto& entry : entries) {
-    described.push_back(std::string(entry.key) + " at " + Describe(file.PlaceOf(entry.keyOffset)) +
-                        ", value at " + Describe(file.PlaceOf(entry.valueOffset)));
+    described.push_back(std::string(entry.key) + " at " +
+                        Describe(file.LocationOf(entry.keyOffset)) + ", value at " +
+                        Describe(file.LocationOf(entry.valueOffset)));
   }
   return described;
 }
 
 using Lines = std::vector<std::string>;
 
-TEST(LintSubject, KnowsWherePersonalitiesAndTheirKeysStand) {
+TEST(LintSubject, KnowsTheLocationsOfPersonalitiesAndTheirKeys) {
   const auto file = Load("{ USBC = ( { a = b; }, x, { c = d; } ); LegacyUSBC = { e = f; }; }");
   const LintSubject subject(file);
   EXPECT_EQ(Described(file, subject.entries),
@@ -41,7 +42,7 @@ TEST(LintSubject, KnowsWherePersonalitiesAndTheirKeysStand) {
   ASSERT_EQ(subject.types.size(), 2u);
   const auto& personalities = subject.types[0].personalities;
   ASSERT_EQ(personalities.size(), 2u);
-  EXPECT_EQ(Describe(file.PlaceOf(personalities[1].offset)), "1:27");
+  EXPECT_EQ(Describe(file.LocationOf(personalities[1].offset)), "1:27");
   EXPECT_EQ(personalities[1].typeName, "USBC");
   EXPECT_EQ(Described(file, personalities[1].entries), (Lines{"c at 1:29, value at 1:33"}));
   ASSERT_EQ(subject.types[1].personalities.size(), 1u);
@@ -49,7 +50,7 @@ TEST(LintSubject, KnowsWherePersonalitiesAndTheirKeysStand) {
             (Lines{"e at 1:56, value at 1:60"}));
 }
 
-TEST(LintSubject, HoldsNoPersonalityWhereTheShapeIsWrong) {
+TEST(LintSubject, HasNoPersonalityWhereTheShapeIsWrong) {
   const auto file = Load("{ USBC = { a = b; }; LegacyUSBC = ( { a = b; } ); Other = ( {} ); }");
   const LintSubject subject(file);
   ASSERT_EQ(subject.types.size(), 2u);
@@ -65,7 +66,7 @@ TEST(LintSubject, OfWhatIsNoDictionaryIsEmpty) {
 }
 
 // Its value is the last one, at the first one's turn.
-TEST(LintSubject, PlacesAKeyThatOccursTwiceWhereItLastStands) {
+TEST(LintSubject, LocatesAKeyThatOccursTwiceWhereItIsLast) {
   const auto file = Load("{ b = 1; a = 2; b = 3; c = 4; }");
   const LintSubject subject(file);
   EXPECT_EQ(
@@ -73,9 +74,9 @@ TEST(LintSubject, PlacesAKeyThatOccursTwiceWhereItLastStands) {
       (Lines{"b at 1:17, value at 1:21", "a at 1:10, value at 1:14", "c at 1:24, value at 1:28"}));
 }
 
-// The places inside a container that a binary file shares are told the first two times it is
+// The locations inside a container that a binary file shares are known the first two times it is
 // reached.
-TEST(LintSubject, PlacesWhatAFileSharesAtTheWhole) {
+TEST(LintSubject, LocatesWhatAFileSharesAtTheWhole) {
   const auto file = Load(
       testing::BinaryFile({DictionaryObject({1}, {2}), AsciiObject("USBC"), ArrayObject({3, 3, 3}),
                            DictionaryObject({4}, {5}), AsciiObject("a"), AsciiObject("b")}));

@@ -14,27 +14,34 @@ namespace fernwick::lab {
 namespace {
 
 using testing::Bytes;
+using testing::Dict;
+using testing::List;
+
+// The pseudonym, in memory that stays.
+PropertyValue Of(Pseudonyms& pseudonyms, const PropertyValue& value) {
+  return pseudonyms.Of(value, testing::ValueArena());
+}
 
 TEST(Pseudonyms, OfTextsAreCountedInTheirShape) {
   Pseudonyms pseudonyms;
-  EXPECT_EQ(pseudonyms.Of("5F1C-9a04"), PropertyValue("0000-0001"));
-  EXPECT_EQ(pseudonyms.Of("5F1C-9a05"), PropertyValue("0000-0002"));
-  EXPECT_EQ(pseudonyms.Of("caf\u00E9 x"), PropertyValue("0000 3"));
+  EXPECT_EQ(Of(pseudonyms, "5F1C-9a04"), PropertyValue("0000-0001"));
+  EXPECT_EQ(Of(pseudonyms, "5F1C-9a05"), PropertyValue("0000-0002"));
+  EXPECT_EQ(Of(pseudonyms, "caf\u00E9 x"), PropertyValue("0000 3"));
 }
 
 TEST(Pseudonyms, OfEqualValuesAreEqual) {
   Pseudonyms pseudonyms;
-  for (const PropertyValue& value : Array{"one", Bytes("one"), 1443, 0.25}) {
-    EXPECT_EQ(pseudonyms.Of(value), pseudonyms.Of(value));
+  for (const PropertyValue& value : List({"one", Bytes("one"), 1443, 0.25})) {
+    EXPECT_EQ(Of(pseudonyms, value), Of(pseudonyms, value));
     EXPECT_TRUE(MayIdentify(value));
-    EXPECT_TRUE(MayIdentify(Dictionary{{"k", Array{"", value}}}));
+    EXPECT_TRUE(MayIdentify(Dict({{"k", List({"", value})}})));
   }
-  EXPECT_EQ(pseudonyms.Of(5), PropertyValue((3 << 4) + 5));
-  EXPECT_EQ(pseudonyms.Of(5.0), PropertyValue(53.0));
-  EXPECT_EQ(pseudonyms.Of(std::uint64_t{1} << 63), PropertyValue(4 << 4));
-  EXPECT_EQ(pseudonyms.Of(0x1p63), PropertyValue(64.0));
-  EXPECT_EQ(pseudonyms.Of(std::numeric_limits<std::int64_t>::min()), PropertyValue(5 << 4));
-  EXPECT_EQ(pseudonyms.Of(-0x1p63), PropertyValue(80.0));
+  EXPECT_EQ(Of(pseudonyms, 5), PropertyValue((3 << 4) + 5));
+  EXPECT_EQ(Of(pseudonyms, 5.0), PropertyValue(53.0));
+  EXPECT_EQ(Of(pseudonyms, std::uint64_t{1} << 63), PropertyValue(4 << 4));
+  EXPECT_EQ(Of(pseudonyms, 0x1p63), PropertyValue(64.0));
+  EXPECT_EQ(Of(pseudonyms, std::numeric_limits<std::int64_t>::min()), PropertyValue(5 << 4));
+  EXPECT_EQ(Of(pseudonyms, -0x1p63), PropertyValue(80.0));
 }
 
 TEST(Pseudonyms, OfDifferentValuesDifferAlsoWhereTheShapeIsTooSmall) {
@@ -54,36 +61,36 @@ TEST(Pseudonyms, OfDifferentValuesDifferAlsoWhereTheShapeIsTooSmall) {
 
 TEST(Pseudonyms, OfBytesHaveTheirLengthOrAreLonger) {
   Pseudonyms pseudonyms;
-  EXPECT_EQ(pseudonyms.Of(Bytes("abc")), Bytes(std::string("\0\0\x01", 3)));
-  for (int i = 0; i < 254; ++i) pseudonyms.Of(i == 0 ? Bytes("x") : Bytes(std::to_string(i)));
-  EXPECT_EQ(pseudonyms.Of(Bytes("y")), Bytes(std::string("\x01\x00", 2)));
+  EXPECT_EQ(Of(pseudonyms, Bytes("abc")), Bytes(std::string("\0\0\x01", 3)));
+  for (int i = 0; i < 254; ++i) Of(pseudonyms, i == 0 ? Bytes("x") : Bytes(std::to_string(i)));
+  EXPECT_EQ(Of(pseudonyms, Bytes("y")), Bytes(std::string("\x01\x00", 2)));
 }
 
 TEST(Pseudonyms, OfNumbersKeepTheLowFourBitsAndTheKind) {
   Pseudonyms pseudonyms;
-  EXPECT_EQ(pseudonyms.Of(0x5A3), PropertyValue(0x13));
-  EXPECT_EQ(pseudonyms.Of(std::numeric_limits<std::uint64_t>::max()), PropertyValue(0x2F));
-  EXPECT_EQ(pseudonyms.Of(-1), PropertyValue(0x3F));
-  EXPECT_EQ(pseudonyms.Of(7.75), PropertyValue(71.0));
-  EXPECT_EQ(pseudonyms.Of(1e300), PropertyValue(95.0));
+  EXPECT_EQ(Of(pseudonyms, 0x5A3), PropertyValue(0x13));
+  EXPECT_EQ(Of(pseudonyms, std::numeric_limits<std::uint64_t>::max()), PropertyValue(0x2F));
+  EXPECT_EQ(Of(pseudonyms, -1), PropertyValue(0x3F));
+  EXPECT_EQ(Of(pseudonyms, 7.75), PropertyValue(71.0));
+  EXPECT_EQ(Of(pseudonyms, 1e300), PropertyValue(95.0));
 }
 
 TEST(Pseudonyms, LeaveWhatIdentifiesNothing) {
   Pseudonyms pseudonyms;
   const auto infinity = std::numeric_limits<double>::infinity();
-  for (const PropertyValue& value : Array{"", Bytes(""), true, false, Date{5}, infinity, Array{}}) {
-    EXPECT_EQ(pseudonyms.Of(value), value);
+  for (const PropertyValue& value :
+       List({"", Bytes(""), true, false, Date{5}, infinity, List({})})) {
+    EXPECT_EQ(Of(pseudonyms, value), value);
     EXPECT_FALSE(MayIdentify(value));
-    EXPECT_FALSE(MayIdentify(Array{value, Dictionary{{"k", value}}}));
+    EXPECT_FALSE(MayIdentify(List({value, Dict({{"k", value}})})));
   }
-  EXPECT_EQ(pseudonyms.Of("a"), PropertyValue("1"));
+  EXPECT_EQ(Of(pseudonyms, "a"), PropertyValue("1"));
 }
 
 TEST(Pseudonyms, ReplaceEverythingInsideAContainer) {
   Pseudonyms pseudonyms;
-  EXPECT_EQ(
-      pseudonyms.Of(Dictionary{{"key", Array{"ab", "cd"}}, {"other", Dictionary{{"k", 1}}}}),
-      PropertyValue(Dictionary{{"key", Array{"01", "02"}}, {"other", Dictionary{{"k", 17}}}}));
+  EXPECT_EQ(Of(pseudonyms, Dict({{"key", List({"ab", "cd"})}, {"other", Dict({{"k", 1}})}})),
+            PropertyValue(Dict({{"key", List({"01", "02"})}, {"other", Dict({{"k", 17}})}})));
 }
 
 }  // namespace

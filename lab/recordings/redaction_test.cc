@@ -8,11 +8,14 @@
 namespace fernwick::lab {
 namespace {
 
+using testing::Dict;
+using testing::List;
+
 // A recording of one plane.
-PropertyValue RecordingOf(Dictionary root) {
-  return Dictionary{{"Recording Version", 1},
-                    {"Classes", Dictionary{{"A", "B"}}},
-                    {"Planes", Dictionary{{"IOService", std::move(root)}}}};
+PropertyValue RecordingOf(const Record& root) {
+  return Dict({{"Recording Version", 1},
+               {"Classes", Dict({{"A", "B"}})},
+               {"Planes", Dict({{"IOService", Dict(root)}})}});
 }
 
 RedactedRecording Redacted(const PropertyValue& recording, const std::set<std::string>& keys = {}) {
@@ -36,17 +39,17 @@ TEST(IdentifiesComputer, NothingElse) {
 
 TEST(Redaction, ReplacesWhatIdentifiesTheComputerAndCountsItByKey) {
   const auto redacted = Redacted(RecordingOf(
-      {{"Properties", Dictionary{{"UID", 0x5A3}, {"Vendor ID", 7}}},
+      {{"Properties", Dict({{"UID", 0x5A3}, {"Vendor ID", 7}})},
        {"Children",
-        Array{Dictionary{{"Name", "a"}, {"Properties", Dictionary{{"UUID", "F0-1"}, {"UID", 4}}}},
-              Dictionary{{"Name", "b"}, {"Class", "A"}}}}}));
+        List({Dict({{"Name", "a"}, {"Properties", Dict({{"UUID", "F0-1"}, {"UID", 4}})}}),
+              Dict({{"Name", "b"}, {"Class", "A"}})})}}));
   EXPECT_EQ(
-      redacted.value,
-      RecordingOf({{"Properties", Dictionary{{"UID", 0x13}, {"Vendor ID", 7}}},
-                   {"Children",
-                    Array{Dictionary{{"Name", "a"},
-                                     {"Properties", Dictionary{{"UUID", "00-1"}, {"UID", 0x24}}}},
-                          Dictionary{{"Name", "b"}, {"Class", "A"}}}}}));
+      redacted.list.value,
+      RecordingOf(
+          {{"Properties", Dict({{"UID", 0x13}, {"Vendor ID", 7}})},
+           {"Children",
+            List({Dict({{"Name", "a"}, {"Properties", Dict({{"UUID", "00-1"}, {"UID", 0x24}})}}),
+                  Dict({{"Name", "b"}, {"Class", "A"}})})}}));
   EXPECT_EQ(redacted.replaced, (ReplacedCounts{{"UID", 2}, {"UUID", 1}}));
   EXPECT_EQ(redacted.textsElsewhere, 0u);
 }
@@ -54,69 +57,69 @@ TEST(Redaction, ReplacesWhatIdentifiesTheComputerAndCountsItByKey) {
 TEST(Redaction, ReachesIntoTheValuesOfProperties) {
   const auto redacted = Redacted(RecordingOf(
       {{"Properties",
-        Dictionary{{"ports", Array{Dictionary{{"UUIDs", "kept"}, {"UUID", Array{"x", "y", "x"}}}}},
-                   {"map", Dictionary{{"UID", true}}}}}}));
-  EXPECT_EQ(redacted.value,
-            RecordingOf({{"Properties",
-                          Dictionary{{"ports", Array{Dictionary{{"UUIDs", "kept"},
-                                                                {"UUID", Array{"1", "2", "1"}}}}},
-                                     {"map", Dictionary{{"UID", true}}}}}}));
+        Dict({{"ports", List({Dict({{"UUIDs", "kept"}, {"UUID", List({"x", "y", "x"})}})})},
+              {"map", Dict({{"UID", true}})}})}}));
+  EXPECT_EQ(
+      redacted.list.value,
+      RecordingOf(
+          {{"Properties",
+            Dict({{"ports", List({Dict({{"UUIDs", "kept"}, {"UUID", List({"1", "2", "1"})}})})},
+                  {"map", Dict({{"UID", true}})}})}}));
   EXPECT_EQ(redacted.replaced, (ReplacedCounts{{"UUID", 1}}));
 }
 
 TEST(Redaction, TakesFurtherKeys) {
   const auto redacted =
-      Redacted(RecordingOf({{"Properties", Dictionary{{"owner", "Ann"}}}}), {"owner"});
-  EXPECT_EQ(redacted.value, RecordingOf({{"Properties", Dictionary{{"owner", "001"}}}}));
+      Redacted(RecordingOf({{"Properties", Dict({{"owner", "Ann"}})}}), {"owner"});
+  EXPECT_EQ(redacted.list.value, RecordingOf({{"Properties", Dict({{"owner", "001"}})}}));
 }
 
 TEST(Redaction, LongTextsGiveWayWhereverTheyStand) {
   const auto redacted = Redacted(RecordingOf(
       {{"ID", "at-F00D-BEEF"},
-       {"Properties", Dictionary{{"path", "/F00D-BEEF/F00D-BEEF"}, {"UUID", "F00D-BEEF"}}},
-       {"Children", Array{Dictionary{{"Name", "port F00D-BEEF"}, {"Class", "F00D-BEEF"}}}}}));
+       {"Properties", Dict({{"path", "/F00D-BEEF/F00D-BEEF"}, {"UUID", "F00D-BEEF"}})},
+       {"Children", List({Dict({{"Name", "port F00D-BEEF"}, {"Class", "F00D-BEEF"}})})}}));
   EXPECT_EQ(
-      redacted.value,
+      redacted.list.value,
       RecordingOf(
           {{"ID", "at-0000-0001"},
-           {"Properties", Dictionary{{"path", "/0000-0001/0000-0001"}, {"UUID", "0000-0001"}}},
-           {"Children", Array{Dictionary{{"Name", "port 0000-0001"}, {"Class", "F00D-BEEF"}}}}}));
+           {"Properties", Dict({{"path", "/0000-0001/0000-0001"}, {"UUID", "0000-0001"}})},
+           {"Children", List({Dict({{"Name", "port 0000-0001"}, {"Class", "F00D-BEEF"}})})}}));
   EXPECT_EQ(redacted.textsElsewhere, 3u);
 }
 
 TEST(Redaction, LongTextsGiveWayInDataToo) {
   const auto redacted = Redacted(RecordingOf(
-      {{"Properties", Dictionary{{"log", testing::Bytes(std::string("\xFF F00D-BEEF\0", 12))},
-                                 {"other", testing::Bytes("F00D-BEE")},
-                                 {"UUID", "F00D-BEEF"}}}}));
-  EXPECT_EQ(redacted.value,
-            RecordingOf({{"Properties",
-                          Dictionary{{"log", testing::Bytes(std::string("\xFF 0000-0001\0", 12))},
-                                     {"other", testing::Bytes("F00D-BEE")},
-                                     {"UUID", "0000-0001"}}}}));
+      {{"Properties", Dict({{"log", testing::Bytes(std::string("\xFF F00D-BEEF\0", 12))},
+                            {"other", testing::Bytes("F00D-BEE")},
+                            {"UUID", "F00D-BEEF"}})}}));
+  EXPECT_EQ(redacted.list.value,
+            RecordingOf(
+                {{"Properties", Dict({{"log", testing::Bytes(std::string("\xFF 0000-0001\0", 12))},
+                                      {"other", testing::Bytes("F00D-BEE")},
+                                      {"UUID", "0000-0001"}})}}));
   EXPECT_EQ(redacted.textsElsewhere, 1u);
 }
 
 TEST(Redaction, ShortTextsMayStandElsewhereByChance) {
   const auto withUuid =
-      RecordingOf({{"Properties", Dictionary{{"path", "1234567"}, {"UUID", "1234567"}}}});
-  EXPECT_EQ(Redacted(withUuid).value,
-            RecordingOf({{"Properties", Dictionary{{"path", "1234567"}, {"UUID", "0000001"}}}}));
+      RecordingOf({{"Properties", Dict({{"path", "1234567"}, {"UUID", "1234567"}})}});
+  EXPECT_EQ(Redacted(withUuid).list.value,
+            RecordingOf({{"Properties", Dict({{"path", "1234567"}, {"UUID", "0000001"}})}}));
 }
 
 TEST(Redaction, IsConsistentAcrossRecordingsAndLeavesThemWellFormed) {
   Pseudonyms pseudonyms;
   const auto desk =
-      RecordingOf({{"ID", "DEADBEEF-1"}, {"Properties", Dictionary{{"UUID", "DEADBEEF"}}}});
-  const auto lap =
-      RecordingOf({{"Properties", Dictionary{{"UUID", Array{"CAFEBABE", "DEADBEEF"}}}}});
-  const auto first = RedactRecording(desk, {}, pseudonyms).value;
-  const auto second = RedactRecording(lap, {}, pseudonyms).value;
-  EXPECT_EQ(first,
-            RecordingOf({{"ID", "00000001-1"}, {"Properties", Dictionary{{"UUID", "00000001"}}}}));
-  EXPECT_EQ(second,
-            RecordingOf({{"Properties", Dictionary{{"UUID", Array{"00000002", "00000001"}}}}}));
-  EXPECT_EQ(InterpretRecording(first).error, "");
+      RecordingOf({{"ID", "DEADBEEF-1"}, {"Properties", Dict({{"UUID", "DEADBEEF"}})}});
+  const auto lap = RecordingOf({{"Properties", Dict({{"UUID", List({"CAFEBABE", "DEADBEEF"})}})}});
+  auto first = RedactRecording(desk, {}, pseudonyms).list;
+  const auto second = RedactRecording(lap, {}, pseudonyms).list;
+  EXPECT_EQ(first.value,
+            RecordingOf({{"ID", "00000001-1"}, {"Properties", Dict({{"UUID", "00000001"}})}}));
+  EXPECT_EQ(second.value,
+            RecordingOf({{"Properties", Dict({{"UUID", List({"00000002", "00000001"})}})}}));
+  EXPECT_TRUE(InterpretRecording(std::move(first)));
 }
 
 }  // namespace

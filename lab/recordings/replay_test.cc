@@ -3,6 +3,7 @@
 #include "lab/verbs.h"
 #include "testing/capture.h"
 #include "testing/command_line.h"
+#include "testing/programs/many_computers.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -13,10 +14,10 @@ struct Replayed {
   std::string standardError;
 };
 
-// Without the program's own name: what stands behind the verb.
+// Without the program's own name: what follows the verb.
 Replayed ReplayOf(const testing::CommandLine& line) {
   testing::StandardErrorCapture errors;
-  const int status = Replay(line.Count() - 1, line.Vector() + 1);
+  const int status = Replay(line.Count() - 1, line.Vector() + 1).status;
   return {status, errors.TakeText()};
 }
 
@@ -38,6 +39,16 @@ TEST(Replay, HandsTheStatusOfTheToolOn) {
   EXPECT_EQ(replayed.standardError,
             "fernwick: Error reading plist: No files to support boardID: (null)\n"
             "fernwick: Unexpected format for config plist file.  Aborting\n");
+}
+
+TEST(Replay, HandsAFaultOfTheToolOn) {
+  const testing::TemporaryDirectory directory;
+  const testing::CommandLine line = {
+      directory.Write("faulty.registry.plist", testing::FaultyRecording())};
+  testing::StandardErrorCapture errors;
+  const auto end = Replay(line.Count() - 1, line.Vector() + 1);
+  EXPECT_EQ(end.fault, Fault::BareSwitch);
+  EXPECT_EQ(errors.TakeText(), "");
 }
 
 TEST(Replay, TwiceInOneProcessIsLikeOnce) {
@@ -66,7 +77,7 @@ TEST(Replay, RefusesARecordingThatCannotBeRead) {
             "fernwick-lab: " + directory.Path() + "/none: No such file or directory\n");
 }
 
-TEST(Replay, WithoutARecordingTellsItsUsage) {
+TEST(Replay, WithoutARecordingPrintsItsUsage) {
   EXPECT_EQ(ReplayOf({}).status, 64);
   EXPECT_EQ(ReplayOf({}).standardError, ReplayHelp);
   EXPECT_EQ(ReplayOf({"-v"}).status, 64);

@@ -36,13 +36,13 @@ VerbEnd Show(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  auto recording = LoadRecording(path);
+  const auto recording = LoadRecording(path);
   if (!recording) return PrintError(path, recording.Error());
   if (plane && !recording->planes.contains(*plane)) {
     PrintError(path + ": there is no plane \"" + *plane + "\"");
     return LabStatus::BadUsage;
   }
-  const auto computer = LookAt(*std::move(recording));
+  const auto computer = LookAt(*recording);
   return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
 }
 

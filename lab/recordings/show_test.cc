@@ -19,7 +19,7 @@ struct Shown {
   friend bool operator==(const Shown&, const Shown&) = default;
 };
 
-// What becomes of a recording of these bytes, with `arguments` behind it.
+// The result of showing a recording of these bytes, with further `arguments`.
 Shown ShowOf(std::string_view bytes, std::initializer_list<std::string> arguments) {
   const testing::TemporaryDirectory directory;
   directory.Write("c.registry.plist", bytes);
@@ -30,7 +30,7 @@ Shown ShowOf(std::string_view bytes, std::initializer_list<std::string> argument
   std::vector<char*> vector;
   for (auto& word : words) vector.push_back(word.data());
   testing::StandardErrorCapture errors;
-  const int status = Show(static_cast<int>(vector.size()), vector.data());
+  const int status = Show(static_cast<int>(vector.size()), vector.data()).status;
   std::filesystem::current_path(back);
   return {status, errors.TakeText()};
 }

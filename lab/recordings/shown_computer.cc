@@ -55,12 +55,10 @@ Json BoardAsJson(const BoardIdentity& board) {
 
 }  // namespace
 
-ShownComputer LookAt(Recording recording) {
+ShownComputer LookAt(const Recording& recording) {
   RecordedRegistry registry(recording);
-  auto board = ReadBoardIdentity(registry);
-  auto thunderbolt = FindThunderboltControllers(recording);
-  auto ports = FindPortControllers(recording);
-  return {std::move(recording), std::move(board), std::move(thunderbolt), std::move(ports)};
+  return {recording, ReadBoardIdentity(registry), FindThunderboltControllers(recording),
+          FindPortControllers(recording)};
 }
 
 Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted) {

@@ -10,17 +10,16 @@
 
 namespace fernwick::lab {
 
-/// What there is to show of a recorded computer. The controllers view the recording, also after a
-/// move.
+/// What there is to show of a recorded computer. It views the recording, which must outlive it.
 struct ShownComputer {
-  Recording recording;
+  const Recording& recording;
   BoardIdentity board;
   Controllers thunderbolt;
   Controllers ports;
 };
 
 /// Takes both inventories as a run would. A run that would end abnormally does not end this one.
-ShownComputer LookAt(Recording recording);
+ShownComputer LookAt(const Recording& recording);
 
 /// As a text for people, the plane `wanted` alone or every plane, which then go by name.
 std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted);

@@ -18,7 +18,8 @@ testing::Computer SmallComputer() {
 }
 
 TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
-  EXPECT_EQ(ShowAsText(LookAt(SmallComputer().Recorded()), "IOService"),
+  const auto computer = SmallComputer();
+  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), "IOService"),
             "Board Zed-2B (0x2B), revision 3\n"
             "\n"
             "IOService:\n"
@@ -41,7 +42,7 @@ TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
 
 TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
   testing::Computer computer;
-  computer.Set(computer.Board(), "map", Dictionary{{"a", 1}});
+  computer.Set(computer.Board(), "map", testing::Dict({{"a", 1}}));
   EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), std::nullopt),
             "Board (null) (0x0), revision 0\n"
             "\n"
@@ -79,7 +80,8 @@ TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
 }
 
 TEST(ShowAsJson, HoldsTheSame) {
-  const auto json = ShowAsJson(LookAt(SmallComputer().Recorded()), "IOService");
+  const auto computer = SmallComputer();
+  const auto json = ShowAsJson(LookAt(computer.Recorded()), "IOService");
   EXPECT_EQ(
       PrintJsonRow(json),
       R"({"board":{"id":"Zed-2B","number":43,"revision":3},)"

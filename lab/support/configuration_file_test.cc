@@ -10,7 +10,7 @@
 namespace fernwick::lab {
 namespace {
 
-ConfigurationLoading Load(std::string_view bytes) {
+Result<ConfigurationFile, LabError> Load(std::string_view bytes) {
   const testing::TemporaryDirectory directory;
   return LoadConfiguration(directory.Write("Config.plist", bytes));
 }
@@ -19,68 +19,80 @@ constexpr char Xml[] =
     "<plist>\r\n<dict>\r <key>\xC3\xA4</key><true/>\n\n <key>USBC</key>\n<array><dict/></array>\n"
     "</dict></plist>";
 
-TEST(ConfigurationFile, NamesPlacesByLineAndColumn) {
-  const auto file = *Load(Xml).file;
-  EXPECT_EQ(Describe(file.PlaceOf(file.Root().offset)), "2:1");
+TEST(ConfigurationFile, NamesLocationsByLineAndColumn) {
+  const auto file = *Load(Xml);
+  EXPECT_EQ(Describe(file.LocationOf(file.Root().offset)), "2:1");
   const auto* key = FindKey(file.Root(), "USBC");
   ASSERT_NE(key, nullptr);
-  EXPECT_EQ(Describe(file.PlaceOf(key->offset)), "5:2");
-  EXPECT_EQ(Describe(file.PlaceOf(key->value.offset)), "6:1");
-  EXPECT_EQ(Describe(file.PlaceOf(FindElement(key->value, 0)->offset)), "6:8");
-  EXPECT_EQ(Describe(file.PlaceOf(FindKey(file.Root(), "\xC3\xA4")->value.offset)), "3:14");
+  EXPECT_EQ(Describe(file.LocationOf(key->offset)), "5:2");
+  EXPECT_EQ(Describe(file.LocationOf(key->value.offset)), "6:1");
+  EXPECT_EQ(Describe(file.LocationOf(FindElement(key->value, 0)->offset)), "6:8");
+  EXPECT_EQ(Describe(file.LocationOf(FindKey(file.Root(), "\xC3\xA4")->value.offset)), "3:14");
 }
 
-TEST(ConfigurationFile, NamesEveryPlaceAsAFaultThereWouldBeNamed) {
-  const auto file = *Load(Xml).file;
+TEST(ConfigurationFile, NamesEveryLocationAsAnErrorThereWouldBe) {
+  const auto file = *Load(Xml);
   const std::string_view text = Xml;
   for (std::size_t offset = 0; offset <= text.size(); ++offset) {
     const auto expected = PositionAt(text, offset);
-    const auto found = file.PlaceOf(offset);
+    const auto found = file.LocationOf(offset);
     EXPECT_EQ(found.line, expected.line) << offset;
     EXPECT_EQ(found.column, expected.column) << offset;
   }
 }
 
-TEST(ConfigurationFile, NamesEveryPlaceInALongLineAsAFaultThereWouldBeNamed) {
-  // Wide characters stand where a count from the middle of the line may begin.
+TEST(ConfigurationFile, NamesEveryLocationInALongLineAsAnErrorThereWouldBe) {
+  // Wide characters are where a count from the middle of the line may begin.
   const auto text =
       "<dict>\r\n<key>" + testing::Repeated("a\xE2\x82\xAC", 1500) + "</key>\r\n<true/></dict>";
-  const auto file = *Load(text).file;
+  const auto file = *Load(text);
   for (std::size_t offset = 0; offset <= text.size(); offset += 7) {
     const auto expected = PositionAt(text, offset);
-    const auto found = file.PlaceOf(offset);
+    const auto found = file.LocationOf(offset);
     EXPECT_EQ(found.line, expected.line) << offset;
     EXPECT_EQ(found.column, expected.column) << offset;
   }
 }
 
-TEST(ConfigurationFile, NamesPlacesInABinaryFileByTheirByte) {
-  const auto file = *Load(testing::BinaryFile({testing::ArrayObject({1}), "\x09"})).file;
-  EXPECT_EQ(Describe(file.PlaceOf(FindElement(file.Root(), 0)->offset)), "byte 10");
+TEST(ConfigurationFile, NamesLocationsInABinaryFileByTheirByte) {
+  const auto file = *Load(testing::BinaryFile({testing::ArrayObject({1}), "\x09"}));
+  EXPECT_EQ(Describe(file.LocationOf(FindElement(file.Root(), 0)->offset)), "byte 10");
+}
+
+TEST(ConfigurationFile, KeepsWhatItHasWhenItIsMoved) {
+  auto file = *Load(Xml);
+  const auto moved = std::move(file);
+  const auto& [key, value] = moved.Value().AsDictionary()->Entries()[1];
+  EXPECT_EQ(key, "USBC");
+  EXPECT_EQ(value.AsArray()->size(), 1u);
+  EXPECT_EQ(Describe(moved.LocationOf(FindKey(moved.Root(), "USBC")->offset)), "5:2");
 }
 
 TEST(ConfigurationFile, FindsTheLastOfAKeyThatOccursTwice) {
-  const auto file = *Load("{ a = b; a = c; }").file;
-  EXPECT_EQ(Describe(file.PlaceOf(FindKey(file.Root(), "a")->offset)), "1:10");
+  const auto file = *Load("{ a = b; a = c; }");
+  EXPECT_EQ(Describe(file.LocationOf(FindKey(file.Root(), "a")->offset)), "1:10");
 }
 
 TEST(ConfigurationFile, FindsNothingThatIsNotThere) {
-  const auto file = *Load("( x )").file;
+  const auto file = *Load("( x )");
   EXPECT_EQ(FindKey(file.Root(), "x"), nullptr);
   EXPECT_EQ(FindElement(file.Root(), 1), nullptr);
 }
 
-TEST(ConfigurationFile, ThatIsNoPropertyListIsToldWithThePlace) {
+TEST(ConfigurationFile, ThatIsNoPropertyListIsAnErrorWithItsLocation) {
   const auto loading = Load("<plist><dict></plist>");
-  EXPECT_FALSE(loading.file.has_value());
-  EXPECT_EQ(loading.status, 65);
-  EXPECT_EQ(loading.error, "line 1, column 14: </plist> stands where </dict> was expected");
+  ASSERT_FALSE(loading);
+  EXPECT_EQ(loading.Error().status, 65);
+  EXPECT_EQ(loading.Error().error.location, (FileLocation{1, 14}));
+  EXPECT_EQ(Describe(loading.Error().error),
+            "line 1, column 14: </plist> stands where </dict> was expected");
 }
 
-TEST(ConfigurationFile, ThatCannotBeReadIsTold) {
+TEST(ConfigurationFile, ThatCannotBeReadIsAnError) {
   const auto loading = LoadConfiguration("/nowhere/Config.plist");
-  EXPECT_EQ(loading.status, 66);
-  EXPECT_EQ(loading.error, "No such file or directory");
+  ASSERT_FALSE(loading);
+  EXPECT_EQ(loading.Error().status, 66);
+  EXPECT_EQ(Describe(loading.Error().error), "No such file or directory");
 }
 
 }  // namespace

@@ -10,6 +10,9 @@
 namespace fernwick::lab {
 namespace {
 
+using testing::Dict;
+using testing::List;
+
 std::string RowOf(const PropertyValue& value) {
   return PrintJsonRow(ToJson(value));
 }
@@ -35,7 +38,7 @@ TEST(JsonValues, SpellWhatJsonLacks) {
 }
 
 TEST(JsonValues, KeepTheOrderOfKeys) {
-  EXPECT_EQ(RowOf(Dictionary{{"b", true}, {"a", Array{"x", Array{}, Dictionary{}}}}),
+  EXPECT_EQ(RowOf(Dict({{"b", true}, {"a", List({"x", List({}), Dict({})})}})),
             "{\"b\":true,\"a\":[\"x\",[],{}]}\n");
 }
 
@@ -44,7 +47,7 @@ TEST(JsonValues, OfAnAbsentValueIsNull) {
 }
 
 TEST(JsonValues, ArePrintedByTwoBlanksALevel) {
-  EXPECT_EQ(PrintJson(ToJson(Dictionary{{"a", Array{1}}})), "{\n  \"a\": [\n    1\n  ]\n}\n");
+  EXPECT_EQ(PrintJson(ToJson(Dict({{"a", List({1})}}))), "{\n  \"a\": [\n    1\n  ]\n}\n");
 }
 
 TEST(JsonValues, EscapeControlCharactersAndReplaceWhatIsNotUtf8) {

@@ -1,33 +1,111 @@
-#include "lab/survey/matched_pairs.h"
+#include "lab/support/tool_run.h"
 
 #include <gtest/gtest.h>
 
+#include <thread>
+#include <vector>
+
+#include "testing/computer.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
 namespace {
+
+TEST(ToolOptions, AreThoseOfItsCommandLine) {
+  EXPECT_EQ(ToolOptions("/p", false).personalitiesDirectory, "/p/Fernwick/");
+  EXPECT_FALSE(ToolOptions("/p", false).bypassVersionCheck);
+  EXPECT_TRUE(ToolOptions("-v", true).bypassVersionCheck);
+  EXPECT_EQ(ToolOptions("-v", true).personalitiesDirectory, "-v/Fernwick/");
+  EXPECT_FALSE(ToolOptions("-v", true).verbose);
+  EXPECT_EQ(ToolOptions("\xFF", false).personalitiesDirectory, std::nullopt);
+}
+
+// Three ports and a personality for the two whose version is below 0x171.
+class Tool : public ::testing::Test {
+ protected:
+  Tool() {
+    computer_.SetBoard("Zed-42", 3);
+    for (const int version : {0x170, 0x171, 0x169}) {
+      computer_.AddPort("hpm", {{"Version", version}, {"Address", version}});
+    }
+    payload_.Write("Fernwick/Zed-42/Config.plist",
+                   "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>171</integer>"
+                   "<key>Firmware</key><string>f.bin</string></dict></dict>");
+  }
+
+  ToolRun Run() const { return RunTool(computer_.Recorded(), ToolOptions(payload_.Path(), false)); }
+
+  testing::Computer computer_;
+  testing::TemporaryDirectory payload_;
+};
+
+TEST_F(Tool, IsRunWithAllThatItPrintsAndDecides) {
+  const auto run = Run();
+  EXPECT_EQ(run.result.status, 0);
+  EXPECT_TRUE(run.standardOutput.ends_with("</plist>\n"));
+  EXPECT_EQ(run.standardError, "");
+  EXPECT_EQ(run.result.matches.size(), 2u);
+  ASSERT_EQ(run.trace.keys.size(), 1u);
+  EXPECT_EQ(run.trace.keys[0].inventory.records.size(), 3u);
+}
+
+TEST_F(Tool, ThatEndsWithAFaultIsAResultToo) {
+  computer_.Set(computer_.Options(), "boot-args", "fernwick_bypassversioncheck");
+  const auto run = Run();
+  EXPECT_EQ(run.result.fault, Fault::BareSwitch);
+  EXPECT_EQ(run.standardOutput, "");
+  EXPECT_EQ(run.standardError, "");
+  EXPECT_TRUE(MatchedPairs(run).empty());
+}
+
+// Those of a run that ends with a fault later are dropped with its matches.
+TEST_F(Tool, ThatEndsWithAFaultHasNoMatchedPairs) {
+  computer_.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  payload_.Write("Fernwick/Zed-42/Config.plist",
+                 "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>171</integer></dict>"
+                 "<key>LegacyThunderbolt</key><array/></dict>");
+  const auto run = Run();
+  EXPECT_EQ(run.result.fault, Fault::MissingUid);
+  EXPECT_EQ(run.trace.keys.size(), 1u);
+  EXPECT_TRUE(MatchedPairs(run).empty());
+}
+
+TEST_F(Tool, RunsOverOneRecordingOnSeveralThreads) {
+  const auto options = ToolOptions(payload_.Path(), false);
+  const auto expected = Run().standardOutput;
+  std::vector<std::string> found(4);
+  std::vector<std::thread> threads;
+  for (auto& output : found) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 50; ++i) output = RunTool(computer_.Recorded(), options).standardOutput;
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(found, std::vector<std::string>(4, expected));
+}
 
 HardwareRecord Controller(int rid) {
   return {{"RID", rid}};
 }
 
 TEST(MatchedPairs, AreThoseThatMatchedInTheOrderOfThePlan) {
-  const PairDecision rejected{PairOutcome::Rejected};
-  const PairDecision matched{PairOutcome::Matched};
-  const PairDecision notReached{PairOutcome::NotReached};
-  RunRecorder run;
-  run.matching.keys = {
-      {.key = "Other"},
-      {.key = "USBC",
-       .controllers = {{Controller(0), {rejected, matched, notReached}},
-                       {Controller(1), {rejected, rejected, rejected}},
-                       {Controller(2), {matched, notReached, notReached}}}},
-      {.key = "LegacyUSBC", .controllers = {{Controller(0), {}}, {Controller(1), {matched}}}}};
-  run.matches = {{{"Firmware", "a"}}, {{"Firmware", "b"}}, {{"Firmware", "c"}}};
+  using enum PairOutcome;
+  ToolRun run;
+  run.trace.keys = {{.key = "Other", .inventory = {.records = {Controller(0)}}},
+                    {.key = "USBC",
+                     .inventory = {.records = {Controller(0), Controller(1), Controller(2)}},
+                     .outcomes = {{Rejected, Matched, NotReached},
+                                  {Rejected, Rejected, Rejected},
+                                  {Matched, NotReached, NotReached}}},
+                    {.key = "LegacyUSBC",
+                     .inventory = {.records = {Controller(0), Controller(1)}},
+                     .outcomes = {{NotAPersonality}, {Matched}}}};
+  run.result.matches = {{{"Firmware", "a"}}, {{"Firmware", "b"}}, {{"Firmware", "c"}}};
   std::string found;
   for (const auto& pair : MatchedPairs(run)) {
     EXPECT_EQ(pair.Controller(), Controller(static_cast<int>(pair.controller)));
-    found += pair.key->key + " " + std::to_string(pair.controller) + " " +
+    found += std::string(pair.key->key) + " " + std::to_string(pair.controller) + " " +
              std::to_string(pair.personality) + " " +
              std::string(*pair.match->Find("Firmware")->AsString()) + "\n";
   }

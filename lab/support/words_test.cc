@@ -8,17 +8,18 @@ namespace fernwick::lab {
 namespace {
 
 using testing::Bytes;
+using testing::Dict;
+using testing::List;
 
 TEST(InlineText, StandsOnOneLine) {
   EXPECT_EQ(InlineText(41.050000000999994), "41.050000000999994");
   EXPECT_EQ(InlineText(0xFFFFFFFFFFFFFFFF), "18446744073709551615");
   EXPECT_EQ(InlineText("a\n\x1B[1m"), "\"a\\n\\033[1m\"");
   EXPECT_EQ(InlineText(Bytes("Zed")), "<5a6564>");
-  EXPECT_EQ(InlineText(Array{}), "an empty array");
-  EXPECT_EQ(InlineText(Array{1, "b", Array{2}, Dictionary{}}),
-            "[1, \"b\", an array, a dictionary]");
-  EXPECT_EQ(InlineText(Array(9, PropertyValue(1))), "an array of 9");
-  EXPECT_EQ(InlineText(Dictionary{{"a", 1}}), "a dictionary");
+  EXPECT_EQ(InlineText(List({})), "an empty array");
+  EXPECT_EQ(InlineText(List({1, "b", List({2}), Dict({})})), "[1, \"b\", an array, a dictionary]");
+  EXPECT_EQ(InlineText(testing::Copies(9, 1)), "an array of 9");
+  EXPECT_EQ(InlineText(Dict({{"a", 1}})), "a dictionary");
 }
 
 TEST(InlineTextWithHex, ShowsIntegersFrom10Twice) {
@@ -26,13 +27,13 @@ TEST(InlineTextWithHex, ShowsIntegersFrom10Twice) {
   EXPECT_EQ(InlineTextWithHex(10), "10 (0xA)");
   EXPECT_EQ(InlineTextWithHex(-10), "-10");
   EXPECT_EQ(InlineTextWithHex(0xFFFFFFFFFFFFFFFF), "18446744073709551615 (0xFFFFFFFFFFFFFFFF)");
-  EXPECT_EQ(InlineTextWithHex(Array{16, 1}), "[16 (0x10), 1]");
+  EXPECT_EQ(InlineTextWithHex(List({16, 1})), "[16 (0x10), 1]");
   EXPECT_EQ(InlineTextWithHex(16.0), "16");
 }
 
 TEST(KindOf, NamesEveryKind) {
-  EXPECT_EQ(KindOf(Dictionary{}), "a dictionary");
-  EXPECT_EQ(KindOf(Array{}), "an array");
+  EXPECT_EQ(KindOf(Dict({})), "a dictionary");
+  EXPECT_EQ(KindOf(List({})), "an array");
   EXPECT_EQ(KindOf("x"), "a string");
   EXPECT_EQ(KindOf(5), "an integer");
   EXPECT_EQ(KindOf(5.0), "a real");

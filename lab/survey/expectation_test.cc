@@ -14,9 +14,7 @@ std::string Saved(const std::string& file, int status) {
 class Expectation : public ::testing::Test {
  protected:
   void Load(const std::string& rows) {
-    int status = -1;
-    EXPECT_EQ(expectation_.Load(directory_.Write("saved", rows), status), "");
-    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(expectation_.Load(directory_.Write("saved", rows)));
   }
 
   // The status of the row that is taken; -1 for none.
@@ -43,7 +41,7 @@ TEST_F(Expectation, IsTakenInAnyOrder) {
   EXPECT_EQ(Left(), "b d ");
 }
 
-TEST_F(Expectation, OfAFileThatStandsTwiceIsTakenTwice) {
+TEST_F(Expectation, OfAFileThatIsThereTwiceIsTakenTwice) {
   Load(Saved("a", 1) + Saved("b", 2) + Saved("a", 3));
   EXPECT_EQ(Take("a"), 1);
   EXPECT_EQ(Take("a"), 3);
@@ -60,11 +58,23 @@ TEST_F(Expectation, MayBeEmptyAndLackItsLastLineFeed) {
   Load("");
   EXPECT_EQ(Take("a"), -1);
   SurveyExpectation other;
-  int status = -1;
   auto rows = Saved("a", 1);
   rows.pop_back();
-  EXPECT_EQ(other.Load(directory_.Write("other", rows), status), "");
+  EXPECT_FALSE(other.Load(directory_.Write("other", rows)));
   EXPECT_TRUE(other.TakeFor({.file = "a"}).has_value());
+}
+
+TEST_F(Expectation, ThatCannotBeUsedIsAnError) {
+  SurveyExpectation other;
+  auto error = other.Load(directory_.Write("bad", Saved("a", 1) + "{}\n"));
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->error.message, "2: this is no row of a survey");
+  EXPECT_EQ(error->status, 65);
+  SurveyExpectation missing;
+  error = missing.Load("/no-such-file");
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->error.message, "No such file or directory");
+  EXPECT_EQ(error->status, 66);
 }
 
 TEST(AreSame, TellsNumbersOfDifferentKindsApart) {

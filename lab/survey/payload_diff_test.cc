@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "registry/recorded_registry.h"
 #include "testing/computer.h"
 #include "testing/dictionaries.h"
 #include "testing/temporary_directory.h"
@@ -11,18 +10,20 @@
 namespace fernwick::lab {
 namespace {
 
+using testing::Dict;
+using testing::List;
 using testing::With;
 using testing::Without;
 
-const Dictionary Personality = {{"Version", 9},
-                                {"Firmware", "a.bin"},
-                                {"Priority", 20},
-                                {"Port Silicon Vendor ID", 1},
-                                {"Port Silicon Device ID", 2},
-                                {"Port Silicon Revision", 3}};
+const Record Personality = {{"Version", 9},
+                            {"Firmware", "a.bin"},
+                            {"Priority", 20},
+                            {"Port Silicon Vendor ID", 1},
+                            {"Port Silicon Device ID", 2},
+                            {"Port Silicon Revision", 3}};
 
-Dictionary Usbc(const Dictionary& personality) {
-  return {{"USBC", Array{personality}}};
+Record Usbc(const Record& personality) {
+  return {{"USBC", List({Dict(personality)})}};
 }
 
 // The changes between two configurations of a computer with one port, in JSON.
@@ -35,23 +36,20 @@ class PayloadDiff : public ::testing::Test {
         {{"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}, {"Version", 5}, {"Address", 56}});
   }
 
-  PayloadRun RunWith(const Dictionary& configuration) {
+  ToolRun RunWith(const Record& configuration) {
     const testing::TemporaryDirectory payload;
-    payload.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(configuration));
-    RecordedRegistry registry(computer_.Recorded());
-    PayloadRun run;
-    run.run = RunCaptured(registry, {"-p", payload.Path()}, &run.recorder);
-    return run;
+    payload.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(Dict(configuration)));
+    return RunTool(computer_.Recorded(), ToolOptions(payload.Path(), false));
   }
 
-  std::string Changes(const Dictionary& before, const Dictionary& after) {
+  std::string Changes(const Record& before, const Record& after) {
     const auto changes = FindChanges(RunWith(before), RunWith(after));
     return PrintJsonRow(ToJson(DiffRow{.file = "f", .changes = changes})["changes"]);
   }
 
   std::string ChangesOf(std::string_view key, PropertyValue before, PropertyValue after) {
-    return Changes(Usbc(With(Personality, {{key, std::move(before)}})),
-                   Usbc(With(Personality, {{key, std::move(after)}})));
+    return Changes(Usbc(With(Personality, {{key, before}})),
+                   Usbc(With(Personality, {{key, after}})));
   }
 
   testing::Computer computer_;
@@ -90,43 +88,41 @@ TEST_F(PayloadDiff, FindsAPriority) {
 }
 
 TEST_F(PayloadDiff, FindsVariablesToSet) {
-  EXPECT_EQ(ChangesOf("SetNVRAM", Dictionary{{"a", 1}}, Dictionary{{"a", 2}}),
+  EXPECT_EQ(ChangesOf("SetNVRAM", Dict({{"a", 1}}), Dict({{"a", 2}})),
             PlanChange("NVRAM to set", "{\"a\":1}", "{\"a\":2}"));
 }
 
 TEST_F(PayloadDiff, FindsVariablesToClear) {
-  EXPECT_EQ(ChangesOf("ClearNVRAM", Array{"a"}, Array{"a", "b"}),
+  EXPECT_EQ(ChangesOf("ClearNVRAM", List({"a"}), List({"a", "b"})),
             PlanChange("NVRAM to clear", "[\"a\"]", "[\"a\",\"b\"]"));
 }
 
 TEST_F(PayloadDiff, FindsAnOrder) {
-  const DictionaryEntry usbc("USBC", Array{Personality});
-  const DictionaryEntry legacy("LegacyUSBC", Personality);
+  const DictionaryEntry usbc = {"USBC", List({Dict(Personality)})};
+  const DictionaryEntry legacy = {"LegacyUSBC", Dict(Personality)};
   EXPECT_EQ(Changes({usbc, legacy}, {legacy, usbc}),
             PlanChange("order", "[\"USBC 1\",\"LegacyUSBC 1\"]", "[\"LegacyUSBC 1\",\"USBC 1\"]"));
 }
 
 TEST_F(PayloadDiff, FindsOptions) {
-  testing::Computer computer;
-  computer.SetBoard("Zed-42", 3);
-  computer.AddThunderbolt("ridge0", {{"UID", 1},
-                                     {"Vendor ID", 1},
-                                     {"Device ID", 2},
-                                     {"Revision ID", 3},
-                                     {"Depth", 0},
-                                     {"Route String", 0},
-                                     {"ROM Version", 0x41},
-                                     {"EEPROM Revision", 5}});
-  computer_ = computer;
-  const Dictionary personality = {{"Version", 50},
-                                  {"Firmware", "r.bin"},
-                                  {"Ridge Silicon Vendor ID", 1},
-                                  {"Ridge Silicon Device ID", 2},
-                                  {"Ridge Silicon Revision", 3}};
-  EXPECT_EQ(Changes({{"LegacyThunderbolt", Array{personality}}},
-                    {{"LegacyThunderbolt", Array{With(personality, {{"Firmware Mode", 1}})}}}),
-            PlanChange("options", "\"-g -o -sr 1 0 -ee efi-quince-payload0-data -noreset\"",
-                       "\"-g -o -sr 1 0 -fs efi-quince-payload0-data -noreset\""));
+  computer_.AddThunderbolt("ridge0", {{"UID", 1},
+                                      {"Vendor ID", 1},
+                                      {"Device ID", 2},
+                                      {"Revision ID", 3},
+                                      {"Depth", 0},
+                                      {"Route String", 0},
+                                      {"ROM Version", 0x41},
+                                      {"EEPROM Revision", 5}});
+  const Record personality = {{"Version", 50},
+                              {"Firmware", "r.bin"},
+                              {"Ridge Silicon Vendor ID", 1},
+                              {"Ridge Silicon Device ID", 2},
+                              {"Ridge Silicon Revision", 3}};
+  EXPECT_EQ(
+      Changes({{"LegacyThunderbolt", List({Dict(personality)})}},
+              {{"LegacyThunderbolt", List({Dict(With(personality, {{"Firmware Mode", 1}}))})}}),
+      PlanChange("options", "\"-g -o -sr 1 0 -ee efi-quince-payload0-data -noreset\"",
+                 "\"-g -o -sr 1 0 -fs efi-quince-payload0-data -noreset\""));
 }
 
 // The plan comes and goes with its one match.
@@ -152,19 +148,19 @@ TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
 
 TEST_F(PayloadDiff, TellsThatThereIsNoSuchPersonality) {
   EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
-  EXPECT_EQ(Changes(Dictionary(), Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
-  EXPECT_EQ(Changes({{"USBC", Personality}}, Usbc(Personality)),
+  EXPECT_EQ(Changes({}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes({{"USBC", Dict(Personality)}}, Usbc(Personality)),
             Gained(R"("\"USBC\" holds a dictionary, which matches nothing")"));
-  EXPECT_EQ(Changes({{"USBC", Array{}}}, Usbc(Personality)),
+  EXPECT_EQ(Changes({{"USBC", List({})}}, Usbc(Personality)),
             Gained("\"there is no such personality\""));
-  EXPECT_EQ(Changes({{"USBC", Array{1}}}, Usbc(Personality)), Gained("\"it is no dictionary\""));
+  EXPECT_EQ(Changes({{"USBC", List({1})}}, Usbc(Personality)), Gained("\"it is no dictionary\""));
 }
 
 // The counterpart of a personality that has moved is the one with the same image.
 TEST_F(PayloadDiff, FindsThePersonalityByItsImageFirst) {
   const auto never = Without(With(Personality, {{"Firmware", "b.bin"}}), "Version");
   const auto old = With(Personality, {{"Version", 4}});
-  EXPECT_EQ(Changes({{"USBC", Array{never, old}}}, Usbc(Personality)),
+  EXPECT_EQ(Changes({{"USBC", List({Dict(never), Dict(old)})}}, Usbc(Personality)),
             Gained(R"("\"Version\" 4 is not newer than the installed 5")"));
 }
 

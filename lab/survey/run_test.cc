@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "lab/support/tool_run.h"
+#include "testing/programs/many_computers.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -33,76 +35,58 @@ class SurveyRun : public ::testing::Test {
            properties + "</dict></dict>";
   }
 
-  // The row without the directory, and the note before it.
-  std::pair<std::string, std::string> Survey(const std::string& path, bool bypassVersion = false) {
-    std::string note;
-    const auto row = SurveyRecording(path, {directory_.Path() + "/payload", bypassVersion},
-                                     [&](std::string_view text) { note = text; });
-    return {PrintJsonRow(ToJson(row)), note};
+  std::string Survey(const Selected& selected, bool bypassVersion = false) {
+    const auto options = ToolOptions(directory_.Path() + "/payload", bypassVersion);
+    return PrintJsonRow(ToJson(SurveyComputer(selected, options)));
   }
 
   testing::TemporaryDirectory directory_;
 };
 
-TEST_F(SurveyRun, ToldInARowHasTheControllersValuesAndThePlans) {
+TEST_F(SurveyRun, HasInItsRowTheControllersValuesAndThePlans) {
   const auto path = Write(Port("<key>Version</key><integer>4</integer><key>Address</key>"
                                "<integer>56</integer><key>RID</key><integer>2</integer>") +
                           Port("<key>Version</key><integer>1</integer>") +
                           Port("<key>Version</key><integer>2</integer>"));
   const auto head = "{\"file\":\"" + path + "\",";
-  const auto [row, note] = Survey(path);
-  EXPECT_EQ(row, head + R"("outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
-                        R"("matches":[{"type":"LegacyUSBC","rid":2,"portAddress":56,"installed":4,)"
-                        R"("version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
-                        R"("** Min firmware version not met.  Aborting","count":2}]})"
-                        "\n");
-  EXPECT_EQ(note, head + R"("outcome":"abnormal end","status":null,"reason":null,"board":"Zed-1",)"
-                         R"("revision":3,"matches":[],"diagnostics":[]})"
-                         "\n");
+  EXPECT_EQ(Survey({path}),
+            head + R"("outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
+                   R"("matches":[{"type":"LegacyUSBC","rid":2,"portAddress":56,"installed":4,)"
+                   R"("version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
+                   R"("** Min firmware version not met.  Aborting","count":2}]})"
+                   "\n");
 }
 
 TEST_F(SurveyRun, WithTheVersionBypassTakesAnyVersion) {
   const auto path = Write(Port(""));
-  const auto [row, note] = Survey(path, true);
-  EXPECT_EQ(row, "{\"file\":\"" + path +
-                     R"(","outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
-                     R"("matches":[{"type":"LegacyUSBC","rid":null,"portAddress":null,)"
-                     R"("installed":null,"version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
-                     R"("** No current firmware version?","count":1}]})"
-                     "\n");
+  EXPECT_EQ(Survey({path}, true),
+            "{\"file\":\"" + path +
+                R"(","outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
+                R"("matches":[{"type":"LegacyUSBC","rid":null,"portAddress":null,)"
+                R"("installed":null,"version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
+                R"("** No current firmware version?","count":1}]})"
+                "\n");
 }
 
-TEST_F(SurveyRun, OfARefusedRecordingNotesNothing) {
+TEST_F(SurveyRun, OfARefusedRecordingHasTheReason) {
   const auto path = directory_.Write("a.registry.plist", "<dict/>");
-  const auto [row, note] = Survey(path);
-  EXPECT_EQ(row, "{\"file\":\"" + path +
-                     R"(","outcome":"refused","status":65,"reason":"\"Recording Version\" is )"
-                     R"(missing","board":null,"revision":null,"matches":[],"diagnostics":[]})"
-                     "\n");
-  EXPECT_EQ(note, "");
+  EXPECT_EQ(Survey({path}),
+            "{\"file\":\"" + path +
+                R"(","outcome":"refused","status":65,"reason":"\"Recording Version\" is )"
+                R"(missing","board":null,"revision":null,"matches":[],"diagnostics":[]})"
+                "\n");
 }
 
-std::string RowIn(const WorkResult& result) {
-  return PrintJsonRow(ToJson(RowOf(result)));
+TEST_F(SurveyRun, ThatEndsAbnormallyHasItsBoardAndNothingElse) {
+  const auto path = directory_.Write("a.registry.plist", testing::FaultyRecording());
+  EXPECT_EQ(Survey({path}), "{\"file\":\"" + path +
+                                R"(","outcome":"abnormal end","status":null,"reason":"SIGABRT",)"
+                                R"("board":null,"revision":0,"matches":[],"diagnostics":[]})"
+                                "\n");
 }
 
-TEST(RowOf, AnEndHasWhatWasNoted) {
-  const SurveyRow noted{.file = "a", .outcome = Outcome::AbnormalEnd, .board = "Zed-1"};
-  EXPECT_EQ(RowIn({.path = "a", .end = "SIGABRT", .note = PrintJsonRow(ToJson(noted))}),
-            R"({"file":"a","outcome":"abnormal end","status":null,"reason":"SIGABRT",)"
-            R"("board":"Zed-1","revision":null,"matches":[],"diagnostics":[]})"
-            "\n");
-}
-
-TEST(RowOf, AnEndWithoutANoteHasItsSignal) {
-  EXPECT_EQ(RowIn({.path = "a", .end = "SIGKILL"}),
-            R"({"file":"a","outcome":"abnormal end","status":null,"reason":"SIGKILL",)"
-            R"("board":null,"revision":null,"matches":[],"diagnostics":[]})"
-            "\n");
-}
-
-TEST(RowOf, ARefusalBySelectionIsUnreadable) {
-  EXPECT_EQ(RowIn({.path = "a", .refusal = "Permission denied"}),
+TEST_F(SurveyRun, OfWhatTheSelectionRefusedIsUnreadable) {
+  EXPECT_EQ(Survey({"a", "Permission denied"}),
             R"({"file":"a","outcome":"refused","status":66,"reason":"Permission denied",)"
             R"("board":null,"revision":null,"matches":[],"diagnostics":[]})"
             "\n");

@@ -30,12 +30,12 @@ TEST(SurveyTotals, HaveTheMostFrequentDiagnosticFirstAndEqualOnesByTheirText) {
 
 TEST(SurveyTotals, KeepSoManyTextsAndCountTheOthers) {
   SurveyTotals totals;
-  for (std::size_t i = 0; i < SurveyTotals::MostDiagnostics; ++i) {
+  for (std::size_t i = 0; i < SurveyTotals::MaxDiagnostics; ++i) {
     totals.Add(RowWith({{std::to_string(i), 1}}));
   }
   totals.Add(RowWith({{"new", 2}, {"0", 5}}));
   totals.Add(RowWith({{"newer", 3}}));
-  EXPECT_EQ(totals.diagnostics.size(), SurveyTotals::MostDiagnostics);
+  EXPECT_EQ(totals.diagnostics.size(), SurveyTotals::MaxDiagnostics);
   EXPECT_EQ(totals.diagnostics.at("0"), 6u);
   const auto text = Describe(totals);
   const std::string others = "\n  5 x (others)\n";

@@ -94,7 +94,7 @@ TEST(GoldenSections, AreWrittenForEachStreamThatIsNotEmpty) {
             "--- stdout\n\n--- stderr\nc\n--- status SIGABRT\n");
 }
 
-TEST(GoldenSections, TellHowAnOutputEnds) {
+TEST(GoldenSections, SayHowAnOutputEnds) {
   EXPECT_EQ(FormatSections({"0", "a", "\nb"}),
             "--- stdout\na\n\\ No newline at end\n"
             "--- stderr\n\nb\n\\ No newline at end\n--- status 0\n");

@@ -212,7 +212,7 @@ TEST(BinaryPropertyList, RejectsStringsThatAreNotText) {
                               });
 }
 
-TEST(BinaryPropertyList, RejectsKindsThatAreNoValues) {
+TEST(BinaryPropertyList, RejectsKindsThatAreNotValues) {
   const std::string unknown = "byte 8: an unknown kind of object";
   ExpectRejected(ParseObject, {
                                   {Null, "byte 8: null is no property-list value"},
@@ -282,7 +282,7 @@ TEST(BinaryPropertyList, RejectsCountsBeyondTheFile) {
   ExpectRejected(ParseObject, rows);
 }
 
-TEST(BinaryPropertyList, RejectsCountsThatAreNoIntegersOfUpToEightBytes) {
+TEST(BinaryPropertyList, RejectsCountsThatAreNotIntegersOfUpToEightBytes) {
   const std::string error = "byte 9: a count is not an integer";
   ExpectRejected(ParseObject, {
                                   {"\x4F\x22xxxxxx", error},
@@ -295,7 +295,7 @@ TEST(BinaryPropertyList, RejectsCountsThatAreNoIntegersOfUpToEightBytes) {
 }
 
 // As many objects as make a reference of any byte that could be taken for one.
-TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoIntegerAmongManyObjects) {
+TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNotAnIntegerAmongManyObjects) {
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
     std::vector<std::string> objects(250, True);
     objects.push_back(container);
@@ -304,7 +304,7 @@ TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoIntegerAmongManyObjects)
   }
 }
 
-TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNoInteger) {
+TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNotAnInteger) {
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
     EXPECT_EQ(ErrorOf(Parse(BinaryFile({True, container}, {.topObject = 1}))),
               "byte 10: a count is not an integer");
@@ -343,7 +343,7 @@ TEST(BinaryPropertyList, AcceptsDictionaries) {
       });
 }
 
-TEST(BinaryPropertyList, RejectsKeysThatAreNoStrings) {
+TEST(BinaryPropertyList, RejectsKeysThatAreNotStrings) {
   const auto dictionary = DictionaryObject({1}, {2});
   const std::string error = "byte 11: a key is not a string";
   ExpectRejected(
@@ -691,7 +691,7 @@ TEST(BinaryPropertyList, SharedUtf16StringIsDecodedOnce) {
   EXPECT_EQ(array[0].AsString()->data(), array[2].AsString()->data());
 }
 
-TEST(BinaryPropertyList, RejectsStringsThatOverlapToStandForMoreTextThanTheFile) {
+TEST(BinaryPropertyList, RejectsOverlappingStringsThatDecodeToMoreTextThanTheFile) {
   // Every four bytes begin another string of 1000 units, which are U+6F11 and U+03E8 by turns.
   const auto strings = Repeated("\x6F\x11\x03\xE8", 1000);
   constexpr std::uint64_t Start = 8 + 3 + 2 * 100;  // after the header and the array
@@ -723,7 +723,7 @@ std::string OverlappingStrings(std::uint64_t count, std::size_t size) {
   return FileOfSize(size, {array, strings}, shape);
 }
 
-TEST(BinaryPropertyList, StringsThatOverlapMayStandForAsMuchTextAsTheFileIsLong) {
+TEST(BinaryPropertyList, OverlappingStringsMayDecodeToAsMuchTextAsTheFileIsLong) {
   EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(3, 6000))), "");
   EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(3, 5999))), "byte 23: strings overlap");
   EXPECT_EQ(ErrorOf(Parse(OverlappingStrings(4, 6000))), "byte 29: strings overlap");

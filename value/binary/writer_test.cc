@@ -97,7 +97,7 @@ TEST(BinaryWriter, SpellsEveryLeafAsShortAsMayBe) {
   }
 }
 
-TEST(BinaryWriter, TakesWiderReferencesFromTheTwoHundredAndFiftySeventhObjectOn) {
+TEST(BinaryWriter, ReferencesAreWiderFromTheTwoHundredAndFiftySeventhObjectOn) {
   References elements;
   std::vector<std::string> objects{""};
   for (std::uint64_t i = 1; i <= 256; ++i) {

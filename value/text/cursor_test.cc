@@ -54,7 +54,7 @@ TEST(TextCursor, RejectsACommentThatDoesNotEnd) {
   }
 }
 
-TEST(TextCursor, TakesACharacterThatComesNext) {
+TEST(TextCursor, ConsumesACharacterThatComesNext) {
   TextCursor cursor("a'");
   EXPECT_FALSE(cursor.Take('b'));
   EXPECT_EQ(cursor.Offset(), 0u);
@@ -115,7 +115,7 @@ b")",
   }
 }
 
-TEST(TextCursor, QuotedStringViewsTheTextUnlessAnEscapeStandsInIt) {
+TEST(TextCursor, QuotedStringViewsTheTextUnlessAnEscapeIsInIt) {
   const std::string text = R"("plain"'esc\aped')";
   TextCursor cursor(text);
   std::string_view string;

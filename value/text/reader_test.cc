@@ -142,7 +142,7 @@ TEST(TextPropertyList, RejectsWhatBeginsNoValue) {
                         });
 }
 
-TEST(TextPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
+TEST(TextPropertyList, RejectsACommentThatDoesNotEndWhereverItIs) {
   const auto endless = [](const std::string& before) {
     return RejectedRow{before + "/* ", "line 1, column " + std::to_string(before.size() + 1) +
                                            ": a comment does not end"};

@@ -46,7 +46,7 @@ TEST(TextPosition, CountsLinesAndCharactersFromOne) {
   }
 }
 
-TEST(TextPosition, LooksAtNothingBehindTheText) {
+TEST(TextPosition, ReadsNothingAfterTheText) {
   const auto position = PositionAt(std::string_view("a\r\n").substr(0, 2), 2);
   EXPECT_EQ(position.line, 2u);
   EXPECT_EQ(position.column, 1u);
@@ -74,10 +74,14 @@ TEST(Excerpt, CutNeverSplitsACharacter) {
   EXPECT_EQ(Excerpt(Repeated("x", 38) + "\xC3\xA4y"), Repeated("x", 38) + "\xC3\xA4...");
 }
 
-TEST(Excerpt, BytesThatAreNoTextStayAsTheyAre) {
+TEST(Excerpt, BytesThatAreNotTextStayAsTheyAre) {
   EXPECT_EQ(Excerpt("a\xFF\xC3"), "a\xFF\xC3");
   EXPECT_EQ(Excerpt(Repeated("\x80", 40)), Repeated("\x80", 40));
   EXPECT_EQ(Excerpt(Repeated("\x80", 41)), "...");
+}
+
+TEST(Excerpt, OtherControlCharactersAreOctal) {
+  EXPECT_EQ(Excerpt("a\x1B[0m\x7F\xC2\x85"), "a\\033[0m\\177\\205");
 }
 
 TEST(Excerpt, WhiteSpaceBecomesBlanksSoThatAMessageStaysOneLine) {

@@ -87,7 +87,7 @@ TEST(Utf8, SequenceThatIsCutShortDecodesToNothing) {
   }
 }
 
-TEST(Utf8, FindsTheFirstIllFormedByteBehindAnyLength) {
+TEST(Utf8, FindsTheFirstIllFormedByteAfterAnyLength) {
   for (const auto& bytes : IllFormed) {
     for (std::size_t before = 0; before < 20; ++before) {
       const auto text = Repeated("x", before) + bytes + Repeated("y", 20);
@@ -110,7 +110,7 @@ TEST(Utf8, FindsNothingInWellFormedText) {
 }
 
 // The text ends where the memory that may be read ends.
-TEST(Utf8, LooksAtNothingBehindTheText) {
+TEST(Utf8, ReadsNothingAfterTheText) {
   const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   void* const pages =
       mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -148,7 +148,7 @@ TEST(TextCharacter, BoundsOfWhatXmlCarries) {
   }
 }
 
-TEST(Utf8, FindsWhatXmlCannotCarryBehindAnyLength) {
+TEST(Utf8, FindsWhatXmlCannotCarryAfterAnyLength) {
   for (const char32_t character : {0x0u, 0x1u, 0x8u, 0xBu, 0xCu, 0xEu, 0x1Fu, 0xFFFEu, 0xFFFFu}) {
     for (std::size_t before = 0; before < 20; ++before) {
       const auto text = Repeated("x", before) + Encoded(character) + Repeated("y", 20);
@@ -180,7 +180,7 @@ TEST(TextCharacter, PlainAsciiIsWhatIsAsciiAndWhatXmlCarries) {
   EXPECT_TRUE(IsPlainAscii(""));
 }
 
-TEST(Utf16, SurrogatesAreToldApart) {
+TEST(Utf16, DistinguishesHighAndLowSurrogates) {
   EXPECT_FALSE(IsHighSurrogate(0xD7FF));
   EXPECT_TRUE(IsHighSurrogate(0xD800));
   EXPECT_TRUE(IsHighSurrogate(0xDBFF));

@@ -33,7 +33,7 @@ TEST(Base64, DecodesWhatItEncodes) {
   for (const auto& [text, bytes] : CanonicalRows) EXPECT_EQ(DecodeBase64(text), bytes) << text;
 }
 
-TEST(Base64, EveryByteAtEveryPlaceOfAGroupReadsBack) {
+TEST(Base64, EveryByteAtEveryPositionOfAGroupReadsBack) {
   for (std::size_t place = 0; place < 6; ++place) {
     for (int byte = 0; byte < 256; ++byte) {
       std::string bytes(6, 'x');
@@ -47,13 +47,13 @@ TEST(Base64, LongDataStaysOnOneLine) {
   EXPECT_EQ(EncodeBase64(std::string(300, '\0')), std::string(400, 'A'));
 }
 
-TEST(Base64, EncodesNothingBehindTheBytes) {
+TEST(Base64, EncodesNothingAfterTheBytes) {
   const std::string_view longer = "\xFF\xFF\xFF\xFF\xFF\xFF";
   EXPECT_EQ(EncodeBase64(longer.substr(0, 4)), "/////w==");
   EXPECT_EQ(EncodeBase64(longer.substr(0, 5)), "//////8=");
 }
 
-TEST(Base64, WhiteSpaceMayStandAnywhere) {
+TEST(Base64, WhiteSpaceMayBeAnywhere) {
   for (const std::string text : {" Zm8=", "Zm8= ", "Z m 8 =", "Zm\n8=", "Zm8\r\n\t=", "Zm8=\n\t"}) {
     EXPECT_EQ(DecodeBase64(text), "fo") << ::testing::PrintToString(text);
   }
@@ -68,14 +68,14 @@ TEST(Base64, ABlankAnywhereInALongTextChangesNothing) {
   }
 }
 
-TEST(Base64, ASignThatIsNoDigitIsRefusedAtEveryPlace) {
+TEST(Base64, ASignThatIsNotADigitIsRefusedAtEveryPosition) {
   const std::string text = "Zm9vYmFy";
   for (std::size_t at = 0; at < text.size(); ++at) {
     EXPECT_EQ(DecodeBase64(text.substr(0, at) + "!" + text.substr(at + 1)), std::nullopt) << at;
   }
 }
 
-TEST(Base64, NothingBehindTheTextIsLookedAt) {
+TEST(Base64, ReadsNothingAfterTheText) {
   for (const std::string_view memory : {"Zm9vYmFy", "Zm9vYmFy ", "Zm9v Zm9v "}) {
     EXPECT_EQ(DecodeBase64(memory.substr(0, 4)), "foo");
     for (const std::size_t size : {1u, 2u, 3u, 6u, 7u}) {

@@ -137,7 +137,7 @@ TEST(XmlCursor, RejectsAMalformedProlog) {
       SkipProlog);
 }
 
-TEST(XmlCursor, SecondDocumentTypeDeclarationIsLeftStanding) {
+TEST(XmlCursor, SecondDocumentTypeDeclarationIsLeftUnread) {
   XmlCursor cursor("<!DOCTYPE plist><!DOCTYPE plist>");
   EXPECT_TRUE(cursor.SkipProlog());
   EXPECT_EQ(cursor.Offset(), 16u);

@@ -40,7 +40,7 @@ TEST(PlainXml, WhiteSpaceEndsWithTheText) {
   }
 }
 
-TEST(PlainXml, ATagIsNoCommentAndNoInstruction) {
+TEST(PlainXml, ATagIsNeitherCommentNorInstruction) {
   for (const char* tag : {"<a", "</", "<dict>", "</dict>", "<>", "<<", "< "}) {
     EXPECT_TRUE(BeginsWithXmlTag(tag)) << tag;
   }

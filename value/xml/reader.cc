@@ -115,8 +115,9 @@ class XmlLeaves {
   // finds them in the processor's cache.
   std::string_view Shared(std::string_view key) {
     auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
-    if (recent != key) recent = key;
-    return recent;
+    if (recent == key) return recent;
+    recent = key;
+    return key;
   }
 
   XmlCursor& cursor_;

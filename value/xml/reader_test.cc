@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "testing/inputs/corruption.h"
 #include "testing/inputs/parse_tables.h"
@@ -79,7 +80,7 @@ TEST(XmlPropertyList, PlistAndDeclarationMayBeMissing) {
                  });
 }
 
-TEST(XmlPropertyList, RepeatedKeyKeepsItsFirstPlaceAndItsLastValue) {
+TEST(XmlPropertyList, RepeatedKeyKeepsItsFirstPositionAndItsLastValue) {
   ExpectAccepted(ParseInPlist, {{"<dict><key>a</key><integer>1</integer><key>b</key><integer>2"
                                  "</integer><key>a</key><integer>3</integer></dict>",
                                  Dict({{"a", 3}, {"b", 2}})}});
@@ -290,7 +291,7 @@ TEST(XmlPropertyList, RejectsWhatFollowsTheRoot) {
       });
 }
 
-TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
+TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItIs) {
   const auto endless = [](const std::string& before) {
     return RejectedRow{before + "<!-- ", "line 1, column " + std::to_string(before.size() + 1) +
                                              ": a comment does not end"};
@@ -309,7 +310,7 @@ TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItStands) {
 }
 
 // Whatever would make a value of what is left when reading went on behind the fault.
-TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItStands) {
+TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItIs) {
   const auto hyphens = [](const std::string& before, const std::string& behind) {
     return RejectedRow{
         before + "<!--a--" + behind,
@@ -413,7 +414,7 @@ TEST(XmlPropertyList, RejectsAMalformedProlog) {
                  });
 }
 
-TEST(XmlPropertyList, RejectsAPlistThatDoesNotHoldOneValue) {
+TEST(XmlPropertyList, RejectsAPlistThatDoesNotContainOneValue) {
   ExpectRejected(Parse,
                  {
                      {"<plist/>", "line 1, column 1: <plist> holds no value"},
@@ -563,6 +564,34 @@ TEST(XmlPropertyList, StringThatNeedsDecodingIsKeptInTheArena) {
                            arena);
   ASSERT_EQ(ErrorOf(value), "");
   EXPECT_EQ(*value, PropertyValue(Dict({{"a&b", "c&d"}, {"e&f", Bytes("foo")}})));
+}
+
+TEST(XmlPropertyList, EqualKeysAreOneView) {
+  const auto value = Parse(
+      "<array><dict><key>a</key><true/><key>b&amp;c</key><true/></dict>"
+      "<dict><key>b&amp;c</key><true/><key>a</key><true/></dict></array>");
+  ASSERT_EQ(ErrorOf(value), "");
+  const Array array = *value->AsArray();
+  const auto first = array[0].AsDictionary()->Entries();
+  const auto second = array[1].AsDictionary()->Entries();
+  EXPECT_EQ(second[1].key, "a");
+  EXPECT_EQ(second[1].key.data(), first[0].key.data());
+  EXPECT_EQ(second[0].key, "b&c");
+  EXPECT_EQ(second[0].key.data(), first[1].key.data());
+}
+
+// More keys than are remembered, and some that replace each other.
+TEST(XmlPropertyList, KeysOfManyDictionariesAreDistinguished) {
+  std::string document = "<array>";
+  std::vector<PropertyValue> expected;
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 1000; ++i) {
+      const auto key = testing::Kept("key" + std::to_string(i));
+      document += "<dict><key>" + std::string(key) + "</key><true/></dict>";
+      expected.push_back(Dict({{key, true}}));
+    }
+  }
+  ExpectAccepted(Parse, {{document + "</array>", List(expected)}});
 }
 
 TEST(XmlPropertyList, EntriesOfNestedDictionariesDoNotMix) {
