@@ -48,8 +48,8 @@ TEST(Lint, FailsFromTheFailLevelOn) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; }");
   const std::string found =
-      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so what it holds "
-      "matches nothing [unknown-type]\n"
+      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so its contents match "
+      "nothing [unknown-type]\n"
       "1 board: 0 errors, 1 warning, 0 notes\n";
   ExpectOutcome(Lint({"p"}, directory.Path()), {"0", found, ""});
   ExpectOutcome(Lint({"p", "--fail-level", "error"}, directory.Path()), {"0", found, ""});
@@ -225,8 +225,8 @@ TEST(Lint, ShowsNoControlCharacterRaw) {
   directory.Write("p/Fernwick/A\x1B/Config.plist", "<dict><key>a&#9;b&#x9B;</key><true/></dict>");
   ExpectOutcome(Lint({"p"}, directory.Path()),
                 {"0",
-                 "p/Fernwick/A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so what it "
-                 "holds matches nothing [unknown-type]\n"
+                 "p/Fernwick/A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so its "
+                 "contents match nothing [unknown-type]\n"
                  "1 board: 0 errors, 1 warning, 0 notes\n",
                  ""});
 }

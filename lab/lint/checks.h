@@ -13,7 +13,7 @@ namespace fernwick::lab {
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
 
 /// Keys that occur twice in any dictionary of the configuration.
-void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findings);
+void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& findings);
 
 /// The keys of a personality: which it has that are not read, and which it lacks.
 void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings);

@@ -26,6 +26,7 @@ struct VersionScales {
   bool thunderbolt = true;
   bool port = true;
 
+  friend bool operator==(const VersionScales&, const VersionScales&) = default;
   friend VersionScales operator&(VersionScales a, VersionScales b) {
     return {a.thunderbolt && b.thunderbolt, a.port && b.port};
   }
@@ -48,7 +49,7 @@ std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const Prop
                                                 const PropertyValue* maximum);
 
 /// Whether a controller that has `version` installed can report it: it is a version of one of the
-/// scales, give or take the 1e-9 that is added to those of Thunderbolt controllers.
+/// scales, apart from the 1e-9 that is added to those of Thunderbolt controllers.
 bool IsReportable(const PropertyValue& version, VersionScales scales);
 
 /// The lowest version of a Thunderbolt controller that is above the number; nullopt when there is

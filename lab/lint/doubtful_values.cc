@@ -38,7 +38,7 @@ void LintValue(const PropertyValue& value, std::string_view key, std::size_t off
     findings.Add(LintRuleOf::DoubtfulModelName, offset,
                  "the model name " + Shown(value) +
                      (text->empty() ? " is empty" : " begins or ends with a blank"));
-  } else if (key == "Ridge UID" && value.AsReal()) {
+  } else if (key == "Ridge UID" && value.AsReal() && NumbersEqual(value, value)) {
     findings.Add(LintRuleOf::RealUid, offset,
                  "\"Ridge UID\" is the real " + Shown(value) + "; unique ids are integers");
   } else if (key != "Firmware Mode" && value.AsBoolean()) {
@@ -80,6 +80,7 @@ void LintDoubtfulValues(const LocatedPersonality& personality, ConfigurationFind
     if (key == nullptr || ((key->checkedBy | key->plannedBy) & personality.type) == 0) continue;
     const auto list = entry.value->AsArray();
     if (!list) {
+      if (key->kind == KeyKind::ListOfStrings) continue;
       LintValue(*entry.value, entry.key, entry.valueOffset, findings);
       continue;
     }

@@ -58,7 +58,7 @@ bool HasFraction(const PropertyValue* number) {
   return real && std::trunc(*real) != *real;
 }
 
-// The one scale on which the windows of a line are meant.
+// The one scale of the windows of a line.
 VersionScales ScaleOf(const Line& line) {
   const auto scales = line.front()->acceptance.scales;
   const bool isRidge =

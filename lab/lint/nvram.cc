@@ -26,7 +26,7 @@ void CollectUses(const LivePersonality& live, std::vector<VariableUse>& uses) {
   const auto* toSet = live.personality->Find("SetNVRAM");
   const auto variables = toSet == nullptr ? std::nullopt : toSet->value->AsDictionary();
   if (variables) {
-    for (const auto& entry : LocatedEntries(*variables, toSet->place, toSet->valueOffset)) {
+    for (const auto& entry : LocatedEntries(*variables, toSet->location, toSet->valueOffset)) {
       uses.push_back({entry.key, entry.value, entry.keyOffset, &live});
     }
   }

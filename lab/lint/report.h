@@ -20,7 +20,7 @@ std::string LintAsSarif(const PayloadLinting& linting);
 /// All rules, one a line: ID, severity, title.
 std::string ListLintRules();
 
-/// Why the rule matters and how to mend what breaks it, with an example.
+/// Why the rule matters and how to fix a violation, with an example.
 std::string ExplainLintRule(const LintRule& rule);
 
 }  // namespace fernwick::lab

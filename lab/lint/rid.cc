@@ -32,8 +32,14 @@ bool HasUidIn(const PropertyValue& rid, std::span<const PropertyValue> uids) {
   return std::ranges::any_of(uids, [&](const auto& uid) { return IsRidOf(rid, uid); });
 }
 
+// Other values are reported by other rules.
 bool AreNumbers(std::span<const PropertyValue> values) {
-  return !values.empty() && std::ranges::all_of(values, &PropertyValue::IsNumber);
+  return !values.empty() &&
+         std::ranges::all_of(values, [](const auto& v) { return NumbersEqual(v, v); });
+}
+
+bool IsAnyRid(const PropertyValue& number) {
+  return !NumberLess(number, 0) && !NumberGreater(number, 15);
 }
 
 // Whether both keys have values of the right kind that exclude each other altogether.
@@ -69,6 +75,7 @@ void LintRidAndUid(const LocatedPersonality& personality, ConfigurationFindings&
   const auto* rid = personality.Find("RID");
   const auto* uid = personality.Find("Ridge UID");
   if (rid == nullptr || uid == nullptr) return;
+  if (std::ranges::none_of(ValuesOf(rid), IsAnyRid)) return;  // as another rule reports
   if (Contradict(personality)) {
     const bool isCertain = personality.type == Types::LegacyThunderbolt;
     if (!isCertain && personality.type != Types::Thunderbolt) return;

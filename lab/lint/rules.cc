@@ -24,7 +24,7 @@ constexpr auto SortedRules = [] {
       &NotADictionary, &DuplicateKey, &UnknownType, &MisspeltType, &WrongTypeShape, &EmptyType,
       &PersonalityNotADictionary, &MisspeltKey, &SimilarKey, &UnreadKey, &KeyNotReadByType,
       &ReservedKey, &MissingKey,
-      // What stands under them.
+      // Their values.
       &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
       &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound, &DoubtfulUuid,
       &DoubtfulModelName, &RealUid, &BooleanForNumber, &RepeatedElement,
@@ -33,7 +33,7 @@ constexpr auto SortedRules = [] {
       &UnreportableVersion, &EmptyBoardRevisionRange, &BoardRevisionOutOfRange,
       &ShadowedPersonality, &TwoImagesForOneController, &VersionGap, &BoardRevisionGap,
       &ShadowingNotExamined,
-      // What the plan takes.
+      // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
       &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,

@@ -91,7 +91,7 @@ bool IsPropertyOf(std::string_view name, const Key& key) {
 
 std::string_view SimilarAmong(std::string_view name, std::span<const Key* const> keys) {
   const auto words = WordsOf(name);
-  if (words.empty()) return "";
+  if (words.empty() || keys.empty()) return "";
   const auto distance = [&](const Key* key) { return WordDistance(words, *key); };
   const auto nearest = std::ranges::min_element(keys, {}, distance);
   if (distance(*nearest) != std::string_view::npos) return (*nearest)->name;
@@ -103,8 +103,8 @@ std::string_view SimilarAmong(std::string_view name, std::span<const Key* const>
 }  // namespace
 
 std::string_view SimilarKey(std::string_view key, TypeSet type) {
-  std::vector<const Key*> ofType;    // never empty: each type reads "Version"
-  std::vector<const Key*> ofOthers;  // nor this: none reads all
+  std::vector<const Key*> ofType;
+  std::vector<const Key*> ofOthers;
   for (const auto& known : KeySchema()) {
     if (known.kind == KeyKind::NotRead) continue;
     const bool isRead = ((known.checkedBy | known.plannedBy) & type) != 0;

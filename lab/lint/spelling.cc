@@ -1,3 +1,6 @@
+// Optimal string alignment (edit distance with exchanges of neighbours), by dynamic programming
+// over three rows: O(a * b) time and O(b) memory. Words have a few dozen characters.
+
 #include "lab/lint/spelling.h"
 
 #include <algorithm>
@@ -8,23 +11,24 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t GreatestDistance = 2;
+constexpr std::size_t MaxDistance = 2;
 
 // The letters and digits, without their case.
-std::string Essence(std::string_view word) {
-  std::string essence;
+std::string Normalized(std::string_view word) {
+  std::string normalized;
   for (const char c : word) {
     if (c == ' ' || c == '-' || c == '_') continue;
-    essence += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    normalized += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   }
-  return essence;
+  return normalized;
 }
 
 bool IsExchange(std::string_view a, std::string_view b, std::size_t i, std::size_t j) {
   return i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
 }
 
-// Of a short word, which is soon another one, a character too many or two exchanged: "RIDs".
+// For short words, whose neighbours are often other words: a character too many or two exchanged,
+// as in "RIDs".
 bool IsSlip(std::string_view word, std::string_view meant) {
   return word.size() > meant.size() || std::ranges::is_permutation(word, meant);
 }
@@ -55,15 +59,15 @@ std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t lim
 
 std::string_view NearestSpelling(std::string_view word, std::span<const std::string_view> known) {
   std::string_view nearest;
-  std::size_t least = GreatestDistance + 1;
-  const auto essence = Essence(word);
+  std::size_t least = MaxDistance + 1;
+  const auto normalized = Normalized(word);
   for (const auto candidate : known) {
     if (word.size() > 2 * candidate.size()) continue;
-    const auto meant = Essence(candidate);
-    const auto distance = std::min(EditDistance(word, candidate, GreatestDistance),
-                                   EditDistance(essence, meant, GreatestDistance));
-    auto allowed = std::min(GreatestDistance, (candidate.size() - 1) / 4);
-    if (allowed == 0 && IsSlip(essence, meant)) allowed = 1;
+    const auto meant = Normalized(candidate);
+    const auto distance = std::min(EditDistance(word, candidate, MaxDistance),
+                                   EditDistance(normalized, meant, MaxDistance));
+    auto allowed = std::min(MaxDistance, (candidate.size() - 1) / 4);
+    if (allowed == 0 && IsSlip(normalized, meant)) allowed = 1;
     if (distance <= allowed && distance < least) {
       least = distance;
       nearest = candidate;

@@ -13,7 +13,7 @@ namespace {
 // Versions are a hundredth apart: a maximum that misses one by less does not mean to.
 constexpr double JustMissed = 0.00001;
 
-// What a personality says of versions; null where it says nothing that can be reckoned with.
+// The version and the bounds of a personality; null where there is none that can be compared.
 struct Window {
   const LocatedEntry* version;
   const LocatedEntry* minimum;
@@ -24,7 +24,7 @@ const PropertyValue* ValueOf(const LocatedEntry* entry) {
   return entry == nullptr ? nullptr : entry->value;
 }
 
-// Whether the installed version may be updated, as far as it goes by `window`.
+// Whether the installed version is within the window.
 bool IsInside(const PropertyValue& installed, const Window& window) {
   const auto* version = ValueOf(window.version);
   const auto* minimum = ValueOf(window.minimum);
@@ -53,18 +53,18 @@ std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum) {
 
 void LintMaximum(const Window& window, TypeSet type, VersionScales scales,
                  ConfigurationFindings& findings) {
-  // A whole number may be meant for a port that has a version of its own, and there it means what
-  // it says.
+  // A whole number may be the version of a port itself, which is a whole number and is not
+  // excluded.
   const bool hasThunderboltVersion = type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
   if (!scales.thunderbolt) return;
   if (!hasThunderboltVersion && IsWhole(*window.maximum->value)) return;
   const auto missed = VersionJustAbove(*window.maximum->value);
   if (!missed || !IsInside(*missed, {window.version, window.minimum, nullptr})) return;
-  findings.Add(LintRuleOf::MaximumJustMissed, window.maximum->valueOffset,
-               "\"Existing Max Version\" " + Shown(*window.maximum->value) +
-                   " leaves out the version that it names, which a Thunderbolt controller holds "
-                   "as " +
-                   Shown(*missed));
+  findings.Add(
+      LintRuleOf::MaximumJustMissed, window.maximum->valueOffset,
+      "\"Existing Max Version\" " + Shown(*window.maximum->value) +
+          " excludes the version that it names, which a Thunderbolt controller reports as " +
+          Shown(*missed));
 }
 
 void LintWindow(const Window& window, TypeSet type, VersionScales scales,
@@ -109,7 +109,7 @@ void LintRevisionBound(const LocatedEntry* bound, ConfigurationFindings& finding
   if (!NumberLess(*bound->value, 0) && !NumberGreater(*bound->value, 255)) return;
   findings.Add(LintRuleOf::BoardRevisionOutOfRange, bound->valueOffset,
                Quoted(bound->key) + " is " + Shown(*bound->value) +
-                   ", but board revisions are 0 to 255, so it holds nothing back");
+                   ", but board revisions are 0 to 255, so it excludes nothing");
 }
 
 }  // namespace
@@ -118,7 +118,7 @@ void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& 
   const auto* version = personality.Find("Version");
   const auto* minimum = personality.Find("Existing Min Version");
   const auto* maximum = personality.Find("Existing Max Version");
-  // What is of a wrong kind is told elsewhere.
+  // Another rule reports values of a wrong kind.
   if (IsBadBound(minimum) || IsBadBound(maximum)) return;
   if (IsBadBound(version)) version = nullptr;
   const Window window = {version, WithoutNan(minimum), WithoutNan(maximum)};
@@ -146,7 +146,7 @@ void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFind
   if (RevisionsWithin(ValueOf(minimum), ValueOf(maximum)).IsEmpty()) {
     findings.Add(LintRuleOf::EmptyBoardRevisionRange,
                  (maximum != nullptr ? maximum : minimum)->valueOffset,
-                 "no board revision, 0 to 255, lies within the bounds of this personality");
+                 "no board revision, 0 to 255, is within the bounds of this personality");
     return;
   }
   LintRevisionBound(minimum, findings);
