@@ -23,4 +23,7 @@ std::string ListLintRules();
 /// Why the rule matters and how to fix a violation, with an example.
 std::string ExplainLintRule(const LintRule& rule);
 
+/// All rules as Markdown, a section each: what docs/lint.md has at its end.
+std::string LintRulesAsMarkdown();
+
 }  // namespace fernwick::lab

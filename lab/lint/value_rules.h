@@ -37,8 +37,8 @@ inline constexpr LintRule SinglePortUuid = {
     "single "
     "string matches no port, not even the one that has it.",
     "Put the string into an array.",
-    "<key>Port UUID</key>\n<string>6E1B0A52</string>",
-    "<key>Port UUID</key>\n<array><string>6E1B0A52</string></array>",
+    "<key>Port UUID</key>\n<string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string>",
+    "<key>Port UUID</key>\n<array><string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string></array>",
 };
 
 inline constexpr LintRule EmptyList = {
