@@ -214,7 +214,7 @@ TEST(Diff, AsJsonHasTheRowsAndTheTotals) {
                  ""});
 }
 
-// The inventory that ends the run is taken for one of the payloads alone.
+// The inventory that ends the run is collected for only one of the payloads.
 TEST(Diff, ReportsAnAbnormalEndThatAppearsOrDisappears) {
   const testing::TemporaryDirectory directory;
   directory.Write("with/Fernwick/Zed-42/Config.plist",

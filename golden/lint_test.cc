@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
+#include "lab/lint/report.h"
 #include "testing/coverage_counting.h"
+#include "testing/files.h"
 #include "testing/programs/child_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
@@ -48,8 +52,8 @@ TEST(Lint, FailsFromTheFailLevelOn) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; }");
   const std::string found =
-      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so what it holds "
-      "matches nothing [unknown-type]\n"
+      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so its contents match "
+      "nothing [unknown-type]\n"
       "1 board: 0 errors, 1 warning, 0 notes\n";
   ExpectOutcome(Lint({"p"}, directory.Path()), {"0", found, ""});
   ExpectOutcome(Lint({"p", "--fail-level", "error"}, directory.Path()), {"0", found, ""});
@@ -90,17 +94,17 @@ TEST(Lint, PrintsJson) {
 
 TEST(Lint, GoesOnAfterAMalformedConfiguration) {
   const testing::TemporaryDirectory directory;
-  directory.Write("p/Fernwick/A/Config.plist", "bplist00");
-  directory.Write("p/Fernwick/B/Config.plist", "<dict>\n</plist>");
-  directory.Write("p/Fernwick/C/Config.plist", "<array/>");
+  directory.Write("p/Fernwick/Zed-A/Config.plist", "bplist00");
+  directory.Write("p/Fernwick/Zed-B/Config.plist", "<dict>\n</plist>");
+  directory.Write("p/Fernwick/Zed-C/Config.plist", "<array/>");
   ExpectOutcome(
       Lint({"p"}, directory.Path()),
       {"65",
-       "p/Fernwick/A/Config.plist:byte 8: error: the file is cut short "
+       "p/Fernwick/Zed-A/Config.plist:byte 8: error: the file is cut short "
        "[malformed-property-list]\n"
-       "p/Fernwick/B/Config.plist:2:1: error: </plist> stands where </dict> was expected "
+       "p/Fernwick/Zed-B/Config.plist:2:1: error: </plist> found where </dict> was expected "
        "[malformed-property-list]\n"
-       "p/Fernwick/C/Config.plist:1:1: error: the configuration is an array, not a dictionary "
+       "p/Fernwick/Zed-C/Config.plist:1:1: error: the configuration is an array, not a dictionary "
        "[not-a-dictionary]\n"
        "3 boards: 3 errors, 0 warnings, 0 notes\n",
        ""});
@@ -108,28 +112,30 @@ TEST(Lint, GoesOnAfterAMalformedConfiguration) {
 
 TEST(Lint, ReportsWhatCannotBeReadFirst) {
   const testing::TemporaryDirectory directory;
-  directory.Write("p/Fernwick/A/Config.plist/x", "");
-  directory.Write("p/Fernwick/B/Config.plist", "");
+  directory.Write("p/Fernwick/Zed-A/Config.plist/x", "");
+  directory.Write("p/Fernwick/Zed-B/Config.plist", "");
   ExpectOutcome(
       Lint({"p"}, directory.Path()),
       {"66",
-       "p/Fernwick/A/Config.plist: error: it cannot be read: Is a directory [unreadable-file]\n"
-       "p/Fernwick/B/Config.plist: error: the file is empty [malformed-property-list]\n"
+       "p/Fernwick/Zed-A/Config.plist: error: it cannot be read: Is a directory [unreadable-file]\n"
+       "p/Fernwick/Zed-B/Config.plist: error: the file is empty [malformed-property-list]\n"
        "2 boards: 2 errors, 0 warnings, 0 notes\n",
        ""});
 }
 
-// Which is another thing than that it is not there.
+// Different from a file that is missing.
 TEST(Lint, ReportsAConfigurationThatCannotBeInspected) {
   const testing::TemporaryDirectory directory;
-  directory.Write("p/Fernwick/A/README", "");
-  std::filesystem::create_symlink("Config.plist", directory.Path() + "/p/Fernwick/A/Config.plist");
-  ExpectOutcome(Lint({"p"}, directory.Path()),
-                {"66",
-                 "p/Fernwick/A/Config.plist: error: it cannot be read: Too many levels of symbolic "
-                 "links [unreadable-file]\n"
-                 "1 board: 1 error, 0 warnings, 0 notes\n",
-                 ""});
+  directory.Write("p/Fernwick/Zed-A/README", "");
+  std::filesystem::create_symlink("Config.plist",
+                                  directory.Path() + "/p/Fernwick/Zed-A/Config.plist");
+  ExpectOutcome(
+      Lint({"p"}, directory.Path()),
+      {"66",
+       "p/Fernwick/Zed-A/Config.plist: error: it cannot be read: Too many levels of symbolic "
+       "links [unreadable-file]\n"
+       "1 board: 1 error, 0 warnings, 0 notes\n",
+       ""});
 }
 
 TEST(Lint, ReportsADirectoryThatCannotBeListed) {
@@ -137,16 +143,17 @@ TEST(Lint, ReportsADirectoryThatCannotBeListed) {
   // rights that it began with.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const testing::TemporaryDirectory directory;
-  directory.Write("p/Fernwick/A/Config.plist", "{}");
+  directory.Write("p/Fernwick/Zed-A/Config.plist", "{}");
   std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
-  std::filesystem::permissions(directory.Path() + "/p/Fernwick/A", std::filesystem::perms(0311));
+  std::filesystem::permissions(directory.Path() + "/p/Fernwick/Zed-A",
+                               std::filesystem::perms(0311));
   // Where it was built may be out of reach for others.
   const auto program = directory.Path() + "/fernwick-lab";
   std::filesystem::copy_file(FERNWICK_LAB_PROGRAM, program);
   const testing::Unprivileged unprivileged;
   ExpectOutcome(RunChild({program, "lint", "p"}, directory.Path()),
                 {"66",
-                 "p/Fernwick/A: error: it cannot be read: Permission denied [unreadable-file]\n"
+                 "p/Fernwick/Zed-A: error: it cannot be read: Permission denied [unreadable-file]\n"
                  "1 board: 1 error, 0 warnings, 0 notes\n",
                  ""});
 }
@@ -189,22 +196,38 @@ TEST(Lint, ExplainsARule) {
                 {"0",
                  "single-port-uuid (error): \"Port UUID\" is a single string\n"
                  "\n"
-                 "Other keys take a single value or a list of them. \"Port UUID\" takes a "
-                 "list\n"
-                 "alone: a single string matches no port, not even the one that has it.\n"
+                 "Other keys accept a single value or a list of them. \"Port UUID\" accepts "
+                 "only a\n"
+                 "list: a single string matches no port, not even the one that has it.\n"
                  "\n"
                  "Put the string into an array.\n"
                  "\n"
                  "Instead of\n"
                  "\n"
                  "    <key>Port UUID</key>\n"
-                 "    <string>6E1B0A52</string>\n"
+                 "    <string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string>\n"
                  "\n"
                  "write\n"
                  "\n"
                  "    <key>Port UUID</key>\n"
-                 "    <array><string>6E1B0A52</string></array>\n",
+                 "    <array><string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string></array>\n",
                  ""});
+}
+
+// The rules in the document are those that --explain prints. With FERNWICK_REWRITE_GOLDEN=1 they
+// are written there.
+TEST(Lint, HasADocumentMadeOfItsRules) {
+  const std::string path = FERNWICK_SOURCE_DIRECTORY "/docs/lint.md";
+  const std::string mark = " from the rules in lab/lint. -->\n\n";
+  const auto document = testing::ReadFile(path);
+  const auto end = document.find(mark);
+  ASSERT_NE(end, std::string::npos);
+  const auto made = document.substr(0, end + mark.size()) + lab::LintRulesAsMarkdown();
+  if (std::getenv("FERNWICK_REWRITE_GOLDEN") != nullptr) {
+    std::ofstream(path, std::ios::binary) << made;
+    return;
+  }
+  EXPECT_EQ(document, made);
 }
 
 TEST(Lint, ExplainsNoOtherRule) {
@@ -222,13 +245,17 @@ TEST(Lint, ThatCannotBeWrittenIsAFailure) {
 
 TEST(Lint, ShowsNoControlCharacterRaw) {
   const testing::TemporaryDirectory directory;
-  directory.Write("p/Fernwick/A\x1B/Config.plist", "<dict><key>a&#9;b&#x9B;</key><true/></dict>");
-  ExpectOutcome(Lint({"p"}, directory.Path()),
-                {"0",
-                 "p/Fernwick/A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so what it "
-                 "holds matches nothing [unknown-type]\n"
-                 "1 board: 0 errors, 1 warning, 0 notes\n",
-                 ""});
+  directory.Write("p/Fernwick/Zed-A\x1B/Config.plist",
+                  "<dict><key>a&#9;b&#x9B;</key><true/></dict>");
+  ExpectOutcome(
+      Lint({"p"}, directory.Path()),
+      {"0",
+       "p/Fernwick/Zed-A\\033: warning: no computer may ask for it: a board identifier is \"Zed-\" "
+       "and upper-case hexadecimal digits; \"Zed-A\" may be meant [doubtful-board-id]\n"
+       "p/Fernwick/Zed-A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so its "
+       "contents match nothing [unknown-type]\n"
+       "1 board: 0 errors, 2 warnings, 0 notes\n",
+       ""});
 }
 
 }  // namespace

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "testing/programs/child_process.h"
-#include "testing/programs/fed_program.h"
 #include "testing/programs/many_computers.h"
+#include "testing/programs/piped_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -20,8 +20,8 @@ namespace {
 
 using testing::ChildOutcome;
 using testing::ExpectOutcome;
-using testing::FedProgram;
 using testing::OutputTarget;
+using testing::PipedProcess;
 
 // Runs in golden/.
 ChildOutcome Survey(std::vector<std::string> arguments,
@@ -165,7 +165,7 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        Totals});
 }
 
-// A saved survey in which one row is changed, one is missing and one is too much.
+// A saved survey in which one row is changed, one is missing and one is added.
 class ExpectedSurvey : public ::testing::Test {
  protected:
   ChildOutcome SurveyAgainst(const std::string& saved, const std::string& format) {
@@ -300,7 +300,7 @@ TEST(Survey, WhoseOutputIsLostDoesNotWaitForStandardInput) {
     const auto outcome = testing::RunChild(
         {"/bin/bash", "-c",
          "exec 3<> <(:); echo recordings/bypass-nvram.registry.plist >&3; \"$0\" survey -p "
-         "../examples/payload \"$1\" - <&3 >/dev/full; echo $?",
+         "../examples/payload --format ndjson \"$1\" - <&3 >/dev/full; echo $?",
          FERNWICK_LAB_PROGRAM, jobs},
         FERNWICK_GOLDEN_DIRECTORY);
     ExpectOutcome(outcome, {"0", "74\n",
@@ -375,7 +375,7 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
                           "fernwick: out of memory\n"});
 }
 
-// Whatever signal it is, and however many threads wait for standard input or for their turn.
+// For each signal, with one thread and with several that wait for input or for their turn.
 class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const char*>> {
  protected:
   // What a process has open.
@@ -388,8 +388,8 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
     return files;
   }
 
-  // The temporary files that the survey has opened.
-  static std::vector<std::string> TemporaryFiles(const FedProgram& survey) {
+  // The temporary files that the survey has open.
+  static std::vector<std::string> TemporaryFiles(const PipedProcess& survey) {
     const auto inherited = OpenFiles("self");
     auto files = OpenFiles(std::to_string(survey.Process()));
     std::erase_if(files, [&](const std::string& file) {
@@ -401,9 +401,9 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
 
 TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
   const auto [number, jobs] = GetParam();
-  FedProgram survey({FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", jobs, "--format",
-                     "ndjson", "-"},
-                    FERNWICK_GOLDEN_DIRECTORY);
+  PipedProcess survey({FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", jobs,
+                       "--format", "ndjson", "-"},
+                      FERNWICK_GOLDEN_DIRECTORY);
   survey.Write("recordings/bypass-nvram.registry.plist\n");
   EXPECT_EQ(survey.ReadLine(), Rows[2]);  // it works
   EXPECT_EQ(survey.Children(), std::vector<pid_t>{});
@@ -417,7 +417,7 @@ INSTANTIATE_TEST_SUITE_P(ByEachSignal, InterruptedSurvey,
                                             ::testing::Values("-j1", "-j3")));
 
 TEST(Survey, ThatIsInterruptedHasShownTheRowsBefore) {
-  FedProgram survey(
+  PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "--format", "ndjson", "-"},
       FERNWICK_GOLDEN_DIRECTORY);
   survey.Write("recordings/bypass-nvram.registry.plist\n");

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "lab/lint/finding.h"
+#include "lab/lint/rid.h"
 
 namespace fernwick::lab {
 namespace {
@@ -69,11 +70,11 @@ bool IsVersionAccepted(const Acceptance& acceptance, const PropertyValue& instal
          (acceptance.maximum == nullptr || !NumberLess(*acceptance.maximum, installed));
 }
 
-bool AcceptsAnyVersion(const Acceptance& acceptance, TypeSet type) {
+bool AcceptsAnyVersion(const Acceptance& acceptance) {
   for (const auto* bound : {acceptance.minimum, acceptance.maximum}) {
     if (bound != nullptr && !bound->IsNumber()) return false;
   }
-  const auto versions = LowestInstalledVersions(type, acceptance.minimum);
+  const auto versions = LowestInstalledVersions(acceptance.scales, acceptance.minimum);
   return std::ranges::any_of(versions,
                              [&](const auto& v) { return IsVersionAccepted(acceptance, v); });
 }
@@ -142,8 +143,9 @@ Acceptance AcceptanceOf(const LocatedPersonality& personality) {
     acceptance.revisions = RevisionsWithin(ValueOf(personality, "MinBoardRevision"),
                                            ValueOf(personality, "MaxBoardRevision"));
   }
-  acceptance.acceptsAny =
-      !acceptance.revisions.IsEmpty() && AcceptsAnyVersion(acceptance, personality.type);
+  acceptance.scales = VersionScalesOf(personality.type, ValueOf(personality, "Port Address"));
+  acceptance.acceptsAny = !acceptance.revisions.IsEmpty() && AcceptsAnyVersion(acceptance) &&
+                          !RidContradictsUid(personality);
   for (const auto* requirement : SetRequirements(personality.type)) {
     const auto* wanted = ValueOf(personality, requirement->key);
     auto& values = acceptance.sets.emplace_back();

@@ -34,6 +34,7 @@ struct Acceptance {
   const PropertyValue* version = nullptr;  // the image's
   const PropertyValue* minimum = nullptr;  // of the installed version; null without a limit, as is
   const PropertyValue* maximum = nullptr;  // NaN
+  VersionScales scales;
   RevisionRange revisions;
   std::vector<std::optional<AcceptedValues>> sets;  // by SetRequirements; empty: no constraint
 

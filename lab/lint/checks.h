@@ -6,13 +6,14 @@
 namespace fernwick::lab {
 
 // What lint looks for in a configuration, most of it in one personality at a time. Defined in
-// shape.cc, keys.cc, values.cc, versions.cc and plan.cc, in this order.
+// shape.cc, keys.cc, values.cc, doubtful_values.cc,
+// versions.cc, plan.cc and nvram_names.cc, in this order.
 
 /// The top of the configuration and the shape of what is under its types.
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
 
 /// Keys that occur twice in any dictionary of the configuration.
-void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findings);
+void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& findings);
 
 /// The keys of a personality: which it has that are not read, and which it lacks.
 void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings);
@@ -20,9 +21,16 @@ void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& find
 /// Values with which nothing matches under their key.
 void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
+/// Values that can match but are probably not what is meant: UUIDs and model names in another form
+/// than the registry's, booleans, reals for a unique id, repeated elements.
+void LintDoubtfulValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
 /// Whether any installed version lies in the personality's window, and whether its maximum is what
 /// it seems.
 void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
+/// Whether a controller can report the personality's "Version" once it is installed.
+void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 /// Whether any board revision lies within the personality's bounds.
 void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFindings& findings);
@@ -35,5 +43,9 @@ void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindin
 
 /// The shapes of the personality's NVRAM settings.
 void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
+/// The names of the NVRAM variables that the personality sets and clears: those through which the
+/// plan passes its images, the bypass switches, "boot-args", and empty ones.
+void LintNvramNames(const LocatedPersonality& personality, ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

@@ -8,7 +8,7 @@
 
 namespace fernwick::lab {
 
-/// Everything that is wrong with a configuration that could be read, by place.
+/// Everything that is wrong with a configuration that could be read, by location.
 std::vector<ConfigurationFindings::Row> LintConfiguration(const LintSubject& subject,
                                                           const BoardFiles& files);
 

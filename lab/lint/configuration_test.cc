@@ -55,15 +55,16 @@ Dictionary LegacyUsbc(const Record& entries) {
 }
 
 Dictionary AllTypes() {
-  Record types(Usbc({}));
-  for (const auto& other : {Thunderbolt({}), LegacyThunderbolt({}), LegacyUsbc({})}) {
+  Record types(Usbc({{"Port Address", 2}}));
+  for (const auto& other : {Thunderbolt({{"RID", 2}}), LegacyThunderbolt({{"RID", 1}}),
+                            LegacyUsbc({{"Port Address", 1}})}) {
     types.Merge(other);
   }
   return Dict(types);
 }
 
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
-std::string SaidOf(const PropertyValue& configuration) {
+std::string LintOutput(const PropertyValue& configuration) {
   const testing::TemporaryDirectory directory;
   directory.Write("Fernwick/RidgeFlash.efi", "");
   directory.Write("Fernwick/PortFlash.efi", "");
@@ -72,23 +73,23 @@ std::string SaidOf(const PropertyValue& configuration) {
   const auto path = directory.Path() + "/Fernwick";
   const auto file =
       LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
-  std::string said;
+  std::string output;
   for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
-    said.append(NameOf(row.rule->severity)).append(": ").append(row.message);
-    said.append(" [").append(row.rule->id).append("]\n");
+    output.append(NameOf(row.rule->severity)).append(": ").append(row.message);
+    output.append(" [").append(row.rule->id).append("]\n");
   }
-  return said;
+  return output;
 }
 
 struct Row {
   PropertyValue configuration;
-  std::string said;
+  std::string output;
 };
 
-class SaidOfConfiguration : public ::testing::TestWithParam<Named<Row>> {};
+class LintOutputOfConfiguration : public ::testing::TestWithParam<Named<Row>> {};
 
-TEST_P(SaidOfConfiguration, Whole) {
-  EXPECT_EQ(SaidOf(GetParam().row.configuration), GetParam().row.said);
+TEST_P(LintOutputOfConfiguration, Whole) {
+  EXPECT_EQ(LintOutput(GetParam().row.configuration), GetParam().row.output);
 }
 
 const double NaN = std::nan("");
@@ -99,28 +100,28 @@ const Named<Row> Shapes[] = {
     {"AllTypes", {AllTypes(), ""}},
     {"OtherTypes",
      {Dict({{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}}),
-      "error: \"usbc\" is no type, so what it holds matches nothing; \"USBC\" may be meant "
+      "error: \"usbc\" is no type, so its contents match nothing; \"USBC\" may be meant "
       "[misspelt-type]\n"
-      "error: \"Thunderbolts\" is no type, so what it holds matches nothing; \"Thunderbolt\" may "
+      "error: \"Thunderbolts\" is no type, so its contents match nothing; \"Thunderbolt\" may "
       "be "
       "meant [misspelt-type]\n"
-      "error: \"Legacy Thunderbolt\" is no type, so what it holds matches nothing; "
+      "error: \"Legacy Thunderbolt\" is no type, so its contents match nothing; "
       "\"LegacyThunderbolt\" may be meant [misspelt-type]\n"
-      "warning: \"USB\" is no type, so what it holds matches nothing [unknown-type]\n"}},
+      "warning: \"USB\" is no type, so its contents match nothing [unknown-type]\n"}},
     {"WrongShapes",
      {Dict({{"LegacyUSBC", List({})}, {"USBC", Dict({})}, {"Thunderbolt", 7}}),
-      "error: \"LegacyUSBC\" holds an array, not a single personality, so it matches nothing "
+      "error: \"LegacyUSBC\" is an array, not a single personality, so it matches nothing "
       "[wrong-type-shape]\n"
-      "error: \"USBC\" holds a dictionary, not an array of personalities, so it matches nothing "
+      "error: \"USBC\" is a dictionary, not an array of personalities, so it matches nothing "
       "[wrong-type-shape]\n"
-      "error: \"Thunderbolt\" holds 7, not an array of personalities, so it matches nothing "
+      "error: \"Thunderbolt\" is 7, not an array of personalities, so it matches nothing "
       "[wrong-type-shape]\n"}},
     {"NoPersonalities",
      {Dict({{"USBC", List({testing::Bytes("x"), List({}), "x"})}, {"Thunderbolt", List({})}}),
-      "error: data stands where a personality was expected [personality-not-a-dictionary]\n"
-      "error: an array stands where a personality was expected [personality-not-a-dictionary]\n"
-      "error: \"x\" stands where a personality was expected [personality-not-a-dictionary]\n"
-      "note: \"Thunderbolt\" holds no personality [empty-type]\n"}},
+      "error: data is written where a personality was expected [personality-not-a-dictionary]\n"
+      "error: an array is written where a personality was expected [personality-not-a-dictionary]\n"
+      "error: \"x\" is written where a personality was expected [personality-not-a-dictionary]\n"
+      "note: \"Thunderbolt\" has no personality [empty-type]\n"}},
     {"EmptyPersonality",
      {Dict({{"LegacyUSBC", Dict({})}}),
       "error: without \"Version\" a personality of \"LegacyUSBC\" never matches unless the version "
@@ -134,10 +135,10 @@ const Named<Row> Shapes[] = {
 const Named<Row> Keys[] = {
     {"ThatNothingReads",
      {Usbc({{"Author", 1}, {"Personality Type", "x"}, {"firmware_mode", 1}}),
-      "note: nothing reads \"Author\", so it has no effect [unread-key]\n"
-      "note: \"Personality Type\" is replaced by the type under which the personality stands "
+      "note: \"Author\" is not read, so it has no effect [unread-key]\n"
+      "note: \"Personality Type\" is replaced by the type of the personality "
       "[reserved-key]\n"
-      "error: nothing reads \"firmware_mode\"; \"Firmware Mode\" may be meant [misspelt-key]\n"}},
+      "error: \"firmware_mode\" is not read; \"Firmware Mode\" may be meant [misspelt-key]\n"}},
     {"ThatTheTypeDoesNotRead",
      {LegacyUsbc({{"RID", "x"}}),
       "warning: \"RID\" constrains nothing in a personality of \"LegacyUSBC\", whose check does "
@@ -155,11 +156,12 @@ const Named<Row> Keys[] = {
 
 const Named<Row> Values[] = {
     {"OfEveryKindThatMatches",
-     {Thunderbolt({{"RID", true},
-                   {"Port Address", List({0, 0.0})},
-                   {"Port UUID", List({"a", "b"})},
-                   {"Ridge UID", 1e300},
-                   {"Device Model Name", List({""})},
+     {Thunderbolt({{"RID", 7.0},
+                   {"Port Address", List({0.0})},
+                   {"Port UUID", List({"5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00",
+                                       "5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A01"})},
+                   {"Ridge UID", 7},
+                   {"Device Model Name", List({"Slate 13"})},
                    {"Firmware Mode", List({false, true})}}),
       ""}},
     {"OfAWrongKind",
@@ -206,7 +208,7 @@ const Named<Row> Values[] = {
       "error: \"RID\" is -1, which can never match: controllers have whole numbers from 0 to 15 "
       "there [rid-out-of-range]\n"}},
     {"RidsOfPorts",
-     {Thunderbolt({{"RID", List({0, -1, 15, 16, "1", 15.5, true})}}),
+     {Thunderbolt({{"RID", List({0, -1, 15, 16, "1", 15.5})}}),
       "warning: -1 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
       "controller is 0 to 15 [doubtful-rid]\n"
       "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
@@ -227,21 +229,21 @@ const Named<Row> Values[] = {
       "warning: an array in \"RID\" can never match: it is no number [dead-list-element]\n"
       "error: \"Ridge UID\" is an empty array, which matches nothing [empty-list]\n"}},
     {"TextLists",
-     {Usbc({{"Port UUID", List({"a", 1})}}),
+     {Usbc({{"Port UUID", List({"5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00", 1})}}),
       "warning: 1 in \"Port UUID\" can never match: it is no string [dead-list-element]\n"}},
     {"NotANumber",
      {Usbc({{"Existing Min Version", NaN}, {"MinBoardRevision", NaN}}),
-      "warning: \"Existing Min Version\" is NaN, which holds nothing back [nan-bound]\n"
-      "warning: \"MinBoardRevision\" is NaN, which holds nothing back [nan-bound]\n"}},
+      "warning: \"Existing Min Version\" is NaN, which excludes nothing [nan-bound]\n"
+      "warning: \"MinBoardRevision\" is NaN, which excludes nothing [nan-bound]\n"}},
 };
 
 const std::string NoVersion =
-    "error: no version that can be installed lies in the window of this personality "
+    "error: no version that can be installed is in the window of this personality "
     "[empty-version-window]\n";
 
 std::string JustMissed(const std::string& maximum, const std::string& held) {
   return "warning: \"Existing Max Version\" " + maximum +
-         " leaves out the version that it names, which a Thunderbolt controller holds as " + held +
+         " excludes the version that it names, which a Thunderbolt controller reports as " + held +
          " [maximum-just-missed]\n";
 }
 
@@ -266,7 +268,9 @@ const Named<Row> Versions[] = {
     {"AWholeNumberOfPorts", {Usbc({{"Existing Min Version", 5}, {"Existing Max Version", 5}}), ""}},
     {"NegativeMaximum", {Usbc({{"Existing Max Version", -1}}), NoVersion}},
     {"BeyondEveryVersion",
-     {Usbc({{"Version", 1e9}, {"Existing Min Version", 166666666}}), NoVersion}},
+     {Usbc({{"Version", 1e9}, {"Existing Min Version", 166666666}}),
+      NoVersion + "error: \"Version\" is 1e+09, but a controller reports hundredths up to .63: the "
+                  "update never settles [unreportable-version]\n"}},
     {"BoundsWithoutAVersion",
      {Dict({{"LegacyUSBC",
              Dict({{"Existing Max Version", -1}, {"Firmware", "a.bin"}, {"Priority", 1}})}}),
@@ -294,18 +298,18 @@ const Named<Row> BoardRevisions[] = {
     {"One", {Usbc({{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}}), ""}},
     {"NoneBetween",
      {Usbc({{"MinBoardRevision", 3.2}, {"MaxBoardRevision", 3.8}}),
-      "error: no board revision, 0 to 255, lies within the bounds of this personality "
+      "error: no board revision, 0 to 255, is within the bounds of this personality "
       "[empty-board-revision-range]\n"}},
     {"NoneAbove",
      {Usbc({{"MinBoardRevision", 256}}),
-      "error: no board revision, 0 to 255, lies within the bounds of this personality "
+      "error: no board revision, 0 to 255, is within the bounds of this personality "
       "[empty-board-revision-range]\n"}},
     {"HoldingNothingBack",
      {Usbc({{"MinBoardRevision", -1}, {"MaxBoardRevision", 1000}}),
-      "warning: \"MinBoardRevision\" is -1, but board revisions are 0 to 255, so it holds nothing "
-      "back [board-revision-out-of-range]\n"
-      "warning: \"MaxBoardRevision\" is 1000, but board revisions are 0 to 255, so it holds "
-      "nothing back [board-revision-out-of-range]\n"}},
+      "warning: \"MinBoardRevision\" is -1, but board revisions are 0 to 255, so it excludes "
+      "nothing [board-revision-out-of-range]\n"
+      "warning: \"MaxBoardRevision\" is 1000, but board revisions are 0 to 255, so it excludes "
+      "nothing [board-revision-out-of-range]\n"}},
 };
 
 std::string NoFirmware(const std::string& what) {
@@ -338,11 +342,11 @@ const Named<Row> Images[] = {
       "[image-not-a-plain-name]\n"}},
     {"OutAndBackIn",
      {Usbc({{"Firmware", "../Zed-42/a.bin"}}),
-      "error: \"../Zed-42/a.bin\" lies outside the board directory "
+      "error: \"../Zed-42/a.bin\" is outside the board directory "
       "[image-outside-board-directory]\n"}},
     {"InAndOut",
      {Usbc({{"Firmware", "images/../../PortFlash.efi"}}),
-      "error: \"images/../../PortFlash.efi\" lies outside the board directory "
+      "error: \"images/../../PortFlash.efi\" is outside the board directory "
       "[image-outside-board-directory]\n"}},
     {"InAndBack",
      {Usbc({{"Firmware", "images/../a.bin"}}),
@@ -358,7 +362,9 @@ std::string Altered(const std::string& said, const std::string& taken) {
 const Named<Row> Priorities[] = {
     {"Zero", {Usbc({{"Priority", 0}}), ""}},
     {"WholeReal", {Usbc({{"Priority", 20.0}}), ""}},
-    {"Boolean", {Usbc({{"Priority", true}}), ""}},
+    {"Boolean",
+     {Usbc({{"Priority", true}}),
+      "warning: \"Priority\" is a boolean, which counts as 1 [boolean-for-number]\n"}},
     {"Fraction", {Usbc({{"Priority", 20.5}}), Altered("20.5", "20")}},
     {"Negative", {Usbc({{"Priority", -1}}), Altered("-1", "4294967295")}},
     {"Beyond32Bits", {Usbc({{"Priority", 0x100000005}}), Altered("4294967301", "5")}},
@@ -372,7 +378,7 @@ const Named<Row> Priorities[] = {
 };
 
 std::string AlteredMode(const std::string& said, const std::string& taken) {
-  return "warning: \"Firmware Mode\" is " + said + ", which the plan takes as " + taken +
+  return "warning: \"Firmware Mode\" is " + said + ", which the plan reads as " + taken +
          " [altered-firmware-mode]\n";
 }
 
@@ -468,7 +474,7 @@ const Named<Row> Shadows[] = {
     {"NoMaximum", {Two({{"Existing Max Version", 300}}, {}), ""}},
     {"BoundThatIsNotANumber",
      {Two({{"Existing Min Version", 0}}, {{"Existing Min Version", NaN}}),
-      "warning: \"Existing Min Version\" is NaN, which holds nothing back [nan-bound]\n"}},
+      "warning: \"Existing Min Version\" is NaN, which excludes nothing [nan-bound]\n"}},
     {"FewerBoardRevisions",
      {Two({{"MinBoardRevision", 2}}, {{"MinBoardRevision", 3}, {"MaxBoardRevision", 4}}),
       Shadowed}},
@@ -479,16 +485,19 @@ const Named<Row> Shadows[] = {
 };
 
 constexpr auto Name = testing::RowName;
-INSTANTIATE_TEST_SUITE_P(Shape, SaidOfConfiguration, ::testing::ValuesIn(Shapes), Name);
-INSTANTIATE_TEST_SUITE_P(Key, SaidOfConfiguration, ::testing::ValuesIn(Keys), Name);
-INSTANTIATE_TEST_SUITE_P(Value, SaidOfConfiguration, ::testing::ValuesIn(Values), Name);
-INSTANTIATE_TEST_SUITE_P(Version, SaidOfConfiguration, ::testing::ValuesIn(Versions), Name);
-INSTANTIATE_TEST_SUITE_P(Revision, SaidOfConfiguration, ::testing::ValuesIn(BoardRevisions), Name);
-INSTANTIATE_TEST_SUITE_P(Image, SaidOfConfiguration, ::testing::ValuesIn(Images), Name);
-INSTANTIATE_TEST_SUITE_P(Priority, SaidOfConfiguration, ::testing::ValuesIn(Priorities), Name);
-INSTANTIATE_TEST_SUITE_P(Mode, SaidOfConfiguration, ::testing::ValuesIn(FirmwareModes), Name);
-INSTANTIATE_TEST_SUITE_P(Nvram, SaidOfConfiguration, ::testing::ValuesIn(NvramSettings), Name);
-INSTANTIATE_TEST_SUITE_P(Shadow, SaidOfConfiguration, ::testing::ValuesIn(Shadows), Name);
+INSTANTIATE_TEST_SUITE_P(Shape, LintOutputOfConfiguration, ::testing::ValuesIn(Shapes), Name);
+INSTANTIATE_TEST_SUITE_P(Key, LintOutputOfConfiguration, ::testing::ValuesIn(Keys), Name);
+INSTANTIATE_TEST_SUITE_P(Value, LintOutputOfConfiguration, ::testing::ValuesIn(Values), Name);
+INSTANTIATE_TEST_SUITE_P(Version, LintOutputOfConfiguration, ::testing::ValuesIn(Versions), Name);
+INSTANTIATE_TEST_SUITE_P(Revision, LintOutputOfConfiguration, ::testing::ValuesIn(BoardRevisions),
+                         Name);
+INSTANTIATE_TEST_SUITE_P(Image, LintOutputOfConfiguration, ::testing::ValuesIn(Images), Name);
+INSTANTIATE_TEST_SUITE_P(Priority, LintOutputOfConfiguration, ::testing::ValuesIn(Priorities),
+                         Name);
+INSTANTIATE_TEST_SUITE_P(Mode, LintOutputOfConfiguration, ::testing::ValuesIn(FirmwareModes), Name);
+INSTANTIATE_TEST_SUITE_P(Nvram, LintOutputOfConfiguration, ::testing::ValuesIn(NvramSettings),
+                         Name);
+INSTANTIATE_TEST_SUITE_P(Shadow, LintOutputOfConfiguration, ::testing::ValuesIn(Shadows), Name);
 
 }  // namespace
 }  // namespace fernwick::lab

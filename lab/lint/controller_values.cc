@@ -24,7 +24,10 @@ std::uint32_t EncodeBcd(std::uint32_t number) {
   return packed;
 }
 
-// All versions in one representation, in rising order.
+// Versions are a hundredth apart: what is nearer to one than this means that one.
+constexpr double Tolerance = 0.00001;
+
+// All versions of one kind, in rising order.
 struct VersionScale {
   std::uint64_t count;
   PropertyValue (*at)(std::uint64_t index);
@@ -74,17 +77,43 @@ RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue*
   return range;
 }
 
-std::vector<PropertyValue> LowestInstalledVersions(TypeSet type, const PropertyValue* minimum) {
-  const auto excluded = [&](const PropertyValue& version) {
+VersionScales VersionScalesOf(TypeSet type, const PropertyValue* portAddress) {
+  if (type == Types::LegacyThunderbolt) return {.thunderbolt = true, .port = false};
+  // A port below a Thunderbolt controller whose version does not read has a version of its own.
+  if (type == Types::Thunderbolt || portAddress == nullptr) return {};
+  const auto list = portAddress->AsArray();
+  const auto isZero = [](const PropertyValue& address) { return NumbersEqual(address, 0); };
+  const bool allowsZero = list ? std::ranges::any_of(*list, isZero) : isZero(*portAddress);
+  return {.thunderbolt = allowsZero, .port = true};
+}
+
+std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
+                                                   const PropertyValue* minimum) {
+  const auto isExcluded = [&](const PropertyValue& version) {
     return minimum != nullptr && NumberGreater(*minimum, version);
   };
   std::vector<PropertyValue> versions;
-  if (auto lowest = PartitionPoint(ThunderboltVersions, excluded)) versions.push_back(*lowest);
-  // A port without a Thunderbolt controller above it, or below one whose version does not read, has
-  // a version of its own.
-  if (type == Types::LegacyThunderbolt) return versions;
-  if (auto lowest = PartitionPoint(PortVersions, excluded)) versions.push_back(*lowest);
+  const auto add = [&](const VersionScale& scale) {
+    if (auto lowest = PartitionPoint(scale, isExcluded)) versions.push_back(*lowest);
+  };
+  if (scales.thunderbolt) add(ThunderboltVersions);
+  if (scales.port) add(PortVersions);
   return versions;
+}
+
+std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const PropertyValue& version,
+                                                const PropertyValue* maximum) {
+  return PartitionPoint(
+      scales.thunderbolt ? ThunderboltVersions : PortVersions, [&](const PropertyValue& v) {
+        return NumberGreater(version, v) && (maximum == nullptr || !NumberLess(*maximum, v));
+      });
+}
+
+bool IsReportable(const PropertyValue& version, VersionScales scales) {
+  return std::ranges::any_of(LowestInstalledVersions(scales, &version), [&](const auto& next) {
+    if (const auto real = next.AsReal()) return !NumberGreater(*real - Tolerance, version);
+    return NumbersEqual(next, version);
+  });
 }
 
 std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number) {

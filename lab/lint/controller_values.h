@@ -20,12 +20,40 @@ struct RevisionRange {
 /// Of the bounds each may be absent (null). One that is not a number allows no revision.
 RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum);
 
-/// The lowest versions that a controller can have installed and that the minimum, which may be
-/// absent (null), does not exclude: of each way in which versions are held one, where there is one.
-std::vector<PropertyValue> LowestInstalledVersions(TypeSet type, const PropertyValue* minimum);
+/// Whose versions a personality is compared with: those of Thunderbolt controllers, hundredths from
+/// .00 to .63 with 1e-9 added, or those of ports themselves, whole numbers from 0 on.
+struct VersionScales {
+  bool thunderbolt = true;
+  bool port = true;
 
-/// The lowest version of a Thunderbolt controller that is above the number. None when there is none
-/// and when it is not a number.
+  friend bool operator==(const VersionScales&, const VersionScales&) = default;
+  friend VersionScales operator&(VersionScales a, VersionScales b) {
+    return {a.thunderbolt && b.thunderbolt, a.port && b.port};
+  }
+};
+
+/// The scales for a personality of the type with that "Port Address" (null: absent). A port below a
+/// Thunderbolt controller reports that controller's version and is listed only at the address 0, so
+/// at any other address there are only whole numbers.
+VersionScales VersionScalesOf(TypeSet type, const PropertyValue* portAddress);
+
+/// The lowest versions that a controller can have installed and that the minimum, which may be
+/// absent (null), does not exclude: one for each scale that has such a version.
+std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
+                                                   const PropertyValue* minimum);
+
+/// The lowest version of the scales that is not below `version` or is above the maximum, which may
+/// be absent (null): where a window ends. nullopt when there is none. REQUIRES: both are numbers
+/// other than NaN, and one scale.
+std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const PropertyValue& version,
+                                                const PropertyValue* maximum);
+
+/// Whether a controller that has `version` installed can report it: it is a version of one of the
+/// scales, apart from the 1e-9 that is added to those of Thunderbolt controllers.
+bool IsReportable(const PropertyValue& version, VersionScales scales);
+
+/// The lowest version of a Thunderbolt controller that is above the number; nullopt when there is
+/// none and when it is not a number.
 std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number);
 
 }  // namespace fernwick::lab

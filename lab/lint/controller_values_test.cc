@@ -125,20 +125,67 @@ TEST(RevisionsWithin, AreThoseThatTheCheckAccepts) {
   EXPECT_TRUE(Revisions(3, "4").IsEmpty());
 }
 
-std::vector<PropertyValue> LowestFrom(TypeSet type, const PropertyValue& minimum) {
-  return LowestInstalledVersions(type, &minimum);
+constexpr VersionScales ThunderboltOnly = {.thunderbolt = true, .port = false};
+constexpr VersionScales PortOnly = {.thunderbolt = false, .port = true};
+constexpr VersionScales Both;
+
+std::vector<PropertyValue> LowestFrom(VersionScales scales, const PropertyValue& minimum) {
+  return LowestInstalledVersions(scales, &minimum);
 }
 
 using Versions = std::vector<PropertyValue>;
 
 TEST(LowestInstalledVersions, AreOfThunderboltControllersAndOfPorts) {
-  EXPECT_EQ(LowestInstalledVersions(Types::LegacyThunderbolt, nullptr), (Versions{1e-9}));
-  EXPECT_EQ(LowestInstalledVersions(Types::Usbc, nullptr), (Versions{1e-9, std::uint64_t{0}}));
-  EXPECT_EQ(LowestFrom(Types::Usbc, 41.05), (Versions{41.050000000999994, std::uint64_t{42}}));
-  EXPECT_EQ(LowestFrom(Types::LegacyThunderbolt, 41.64), (Versions{42.000000001}));
-  EXPECT_EQ(LowestFrom(Types::Usbc, 166666666), (Versions{}));
-  EXPECT_EQ(LowestFrom(Types::Usbc, 166666665), (Versions{166666665.0, std::uint64_t{166666665}}));
-  EXPECT_EQ(LowestFrom(Types::LegacyUsbc, std::nan("")), (Versions{1e-9, std::uint64_t{0}}));
+  EXPECT_EQ(LowestInstalledVersions(ThunderboltOnly, nullptr), (Versions{1e-9}));
+  EXPECT_EQ(LowestInstalledVersions(Both, nullptr), (Versions{1e-9, std::uint64_t{0}}));
+  EXPECT_EQ(LowestFrom(Both, 41.05), (Versions{41.050000000999994, std::uint64_t{42}}));
+  EXPECT_EQ(LowestFrom(ThunderboltOnly, 41.64), (Versions{42.000000001}));
+  EXPECT_EQ(LowestFrom(Both, 166666666), (Versions{}));
+  EXPECT_EQ(LowestFrom(Both, 166666665), (Versions{166666665.0, std::uint64_t{166666665}}));
+  EXPECT_EQ(LowestFrom(Both, std::nan("")), (Versions{1e-9, std::uint64_t{0}}));
+}
+
+TEST(LowestInstalledVersions, AreWholeNumbersWithoutThunderboltControllers) {
+  EXPECT_EQ(LowestFrom(PortOnly, 41.05), (Versions{std::uint64_t{42}}));
+  EXPECT_EQ(LowestInstalledVersions(PortOnly, nullptr), (Versions{std::uint64_t{0}}));
+}
+
+VersionScales ScalesOf(TypeSet type, const PropertyValue& portAddress) {
+  return VersionScalesOf(type, &portAddress);
+}
+
+TEST(VersionScalesOf, LacksThunderboltWhereTheAddressExcludesZero) {
+  EXPECT_EQ(VersionScalesOf(Types::LegacyThunderbolt, nullptr), ThunderboltOnly);
+  EXPECT_EQ(VersionScalesOf(Types::Usbc, nullptr), Both);
+  EXPECT_EQ(ScalesOf(Types::Usbc, 0), Both);
+  EXPECT_EQ(ScalesOf(Types::Usbc, testing::List({0x38, 0})), Both);
+  EXPECT_EQ(ScalesOf(Types::Usbc, 0x38), PortOnly);
+  EXPECT_EQ(ScalesOf(Types::LegacyUsbc, testing::List({0x38, 0x20})), PortOnly);
+  EXPECT_EQ(ScalesOf(Types::Thunderbolt, 0x38), Both);
+}
+
+TEST(IsReportable, IsAVersionOfAScale) {
+  for (const PropertyValue version : {PropertyValue(41), PropertyValue(41.05), PropertyValue(41.63),
+                                      PropertyValue(41.050000000999994)}) {
+    EXPECT_TRUE(IsReportable(version, ThunderboltOnly));
+  }
+  for (const PropertyValue version :
+       {PropertyValue(41.055), PropertyValue(41.64), PropertyValue(41.7), PropertyValue(1e300),
+        PropertyValue(std::numeric_limits<double>::infinity())}) {
+    EXPECT_FALSE(IsReportable(version, Both));
+  }
+  EXPECT_TRUE(IsReportable(200, PortOnly));
+  EXPECT_TRUE(IsReportable(200.0, PortOnly));
+  EXPECT_FALSE(IsReportable(200.5, PortOnly));
+  EXPECT_TRUE(IsReportable(200.5, Both));
+}
+
+TEST(LowestVersionAfter, IsWhereAWindowEnds) {
+  const PropertyValue maximum = 41.051;
+  EXPECT_EQ(LowestVersionAfter(ThunderboltOnly, 42, &maximum), PropertyValue(41.060000001));
+  EXPECT_EQ(LowestVersionAfter(ThunderboltOnly, 42, nullptr), PropertyValue(42.000000001));
+  EXPECT_EQ(LowestVersionAfter(PortOnly, 42, &maximum), PropertyValue(std::uint64_t{42}));
+  EXPECT_EQ(LowestVersionAfter(PortOnly, 1e300, nullptr), std::nullopt);
 }
 
 TEST(NextThunderboltVersion, IsTheFirstAbove) {

@@ -11,15 +11,15 @@
 
 namespace fernwick::lab {
 
-/// One place where a rule is broken.
+/// One violation of a rule.
 struct Finding {
   const LintRule* rule;
   std::string path;                   // of a file or directory, as it was named or found
-  std::optional<FileLocation> place;  // none: the file or directory as a whole
+  std::optional<FileLocation> place;  // nullopt: the file or directory as a whole
   std::string message;                // one sentence, fit for a terminal
 };
 
-/// What was found in one configuration, by the offsets at which its values stand.
+/// What was found in one configuration, by the offsets of its values.
 class ConfigurationFindings {
  public:
   /// One finding; the offset is in bytes, as ValueLocation has it.
@@ -33,7 +33,7 @@ class ConfigurationFindings {
     rows_.push_back({&rule, offset, std::move(message)});
   }
 
-  /// By place, then by ID, then by message.
+  /// By offset, then by ID, then by message.
   std::vector<Row> TakeSorted();
 
  private:

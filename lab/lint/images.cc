@@ -70,7 +70,7 @@ class ImageLinter {
   void LintImage(std::string_view image, std::size_t offset) {
     if (!Normalised(image)) {
       findings_.Add(LintRuleOf::ImageOutsideBoardDirectory, offset,
-                    Quoted(image) + " lies outside the board directory");
+                    Quoted(image) + " is outside the board directory");
       return;
     }
     if (image.find('/') != std::string_view::npos) {

@@ -2,7 +2,8 @@
 
 #include "lab/lint/checks.h"
 #include "lab/lint/shape_rules.h"
-#include "lab/lint/spelling.h"
+#include "lab/lint/similar_keys.h"
+#include "lab/support/spelling.h"
 
 namespace fernwick::lab {
 namespace {
@@ -21,20 +22,26 @@ const std::vector<std::string_view>& KnownNames() {
   return names;
 }
 
-void LintUnknownKey(const LocatedEntry& entry, ConfigurationFindings& findings) {
+void LintUnknownKey(const LocatedEntry& entry, const LocatedPersonality& personality,
+                    ConfigurationFindings& findings) {
   if (entry.key == ReservedKeyName) {
     findings.Add(LintRuleOf::ReservedKey, entry.keyOffset,
-                 Quoted(entry.key) + " is replaced by the type under which the personality stands");
+                 Quoted(entry.key) + " is replaced by the type of the personality");
     return;
   }
-  const auto meant = NearestSpelling(entry.key, KnownNames());
-  if (meant.empty()) {
-    findings.Add(LintRuleOf::UnreadKey, entry.keyOffset,
-                 "nothing reads " + Quoted(entry.key) + ", so it has no effect");
+  const auto unread = Quoted(entry.key) + " is not read";
+  if (const auto meant = NearestSpelling(entry.key, KnownNames()); !meant.empty()) {
+    findings.Add(LintRuleOf::MisspeltKey, entry.keyOffset,
+                 unread + "; \"" + std::string(meant) + "\" may be meant");
+    return;
+  }
+  const auto similar = SimilarKey(entry.key, personality.type);
+  if (similar.empty() || personality.Find(similar) != nullptr) {
+    findings.Add(LintRuleOf::UnreadKey, entry.keyOffset, unread + ", so it has no effect");
   } else {
     findings.Add(
-        LintRuleOf::MisspeltKey, entry.keyOffset,
-        "nothing reads " + Quoted(entry.key) + "; \"" + std::string(meant) + "\" may be meant");
+        LintRuleOf::SimilarKey, entry.keyOffset,
+        unread + ", so it constrains nothing; \"" + std::string(similar) + "\" may be meant");
   }
 }
 
@@ -55,7 +62,7 @@ void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& find
   for (const auto& entry : personality.entries) {
     const auto* key = FindPersonalityKey(entry.key);
     if (key == nullptr) {
-      LintUnknownKey(entry, findings);
+      LintUnknownKey(entry, personality, findings);
     } else if (((key->checkedBy | key->plannedBy) & personality.type) == 0) {
       findings.Add(LintRuleOf::KeyNotReadByType, entry.keyOffset,
                    "\"" + std::string(key->name) + "\" constrains nothing in a personality of \"" +

@@ -19,9 +19,9 @@ constexpr char Description[] =
     "what can never match, what does not mean what it seems to, what the plan will lack.";
 
 constexpr char Footer[] =
-    "Exit status: 0 nothing found as grave as --fail-level; 1 something found; 65 a configuration\n"
-    "is no property list, 66 something cannot be read (whatever else there is is linted all the\n"
-    "same).\n"
+    "Exit status: 0 nothing found of the severity of --fail-level; 1 something found; 65 a\n"
+    "configuration is no property list, 66 something cannot be read (the other boards are linted\n"
+    "all the same).\n"
     "\n"
     "Example:\n"
     "  fernwick-lab lint payload Zed-42 --fail-level warning\n"
@@ -43,7 +43,7 @@ CommandLine Declare(LintOptions& options) {
           .arguments = {
               {.name = "PAYLOAD",
                .target = &options.payload,
-               .help = "the payload directory, which holds Fernwick/"},
+               .help = "the payload directory, which contains Fernwick/"},
               {.name = "BOARD",
                .target = &options.boards,
                .help = "names of directories in Fernwick/; none: all"},
@@ -57,7 +57,7 @@ CommandLine Declare(LintOptions& options) {
                .choices = {"error", "warning", "note"}},
               {.name = "--explain",
                .target = &options.explained,
-               .help = "tell why a finding of this ID matters and how to mend it",
+               .help = "print why a finding of this ID matters and how to fix it",
                .valueName = "ID"},
               {.name = "--list", .target = &options.list, .help = "list all IDs"},
           }};

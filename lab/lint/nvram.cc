@@ -1,7 +1,6 @@
 #include "lab/lint/nvram.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <span>
 #include <string>
@@ -12,22 +11,23 @@
 namespace fernwick::lab {
 namespace {
 
-// One place where a variable is set or, without a value (null), cleared.
+// One use of a variable: it is set or, without a value (null), cleared.
 struct VariableUse {
   std::string_view variable;
   const PropertyValue* value;
   std::size_t offset;
-  RevisionRange revisions;
+  const LivePersonality* live;
 };
 
-using Uses = std::vector<const VariableUse*>;
+// A use is compared with no more than so many that set the variable.
+constexpr std::size_t MaxSetters = 256;
 
 void CollectUses(const LivePersonality& live, std::vector<VariableUse>& uses) {
   const auto* toSet = live.personality->Find("SetNVRAM");
   const auto variables = toSet == nullptr ? std::nullopt : toSet->value->AsDictionary();
   if (variables) {
-    for (const auto& entry : LocatedEntries(*variables, toSet->place, toSet->valueOffset)) {
-      uses.push_back({entry.key, entry.value, entry.keyOffset, live.revisions});
+    for (const auto& entry : LocatedEntries(*variables, toSet->location, toSet->valueOffset)) {
+      uses.push_back({entry.key, entry.value, entry.keyOffset, &live});
     }
   }
   const auto* toClear = live.personality->Find("ClearNVRAM");
@@ -35,75 +35,53 @@ void CollectUses(const LivePersonality& live, std::vector<VariableUse>& uses) {
   if (!names) return;
   for (std::size_t i = 0; i < names->size(); ++i) {
     const auto name = (*names)[i].AsString();
-    if (name) uses.push_back({*name, nullptr, OffsetOfElement(*toClear, i), live.revisions});
+    if (name) uses.push_back({*name, nullptr, OffsetOfElement(*toClear, i), &live});
   }
 }
 
-// All uses of one variable that set it, by the board revisions for which they do.
+// The values that the uses set, numbered so that equal values have one number.
+std::vector<int> NumberValues(std::span<const VariableUse> uses) {
+  std::map<std::string, int> numbers;
+  std::vector<int> numbered;
+  for (const auto& use : uses) {
+    const auto text = use.value == nullptr ? "" : WriteXmlPropertyList(*use.value);
+    const auto next = static_cast<int>(numbers.size());
+    numbered.push_back(numbers.emplace(text, next).first->second);
+  }
+  return numbered;
+}
+
+// The uses of one variable that set it, up to MaxSetters of them.
 class Setters {
  public:
-  explicit Setters(std::span<const VariableUse> uses) {
-    std::map<std::string, int> numbers;
-    for (const auto& use : uses) {
-      const auto text = use.value == nullptr ? "" : WriteXmlPropertyList(*use.value);
-      valueNumbers_.push_back(
-          numbers.emplace(text, static_cast<int>(numbers.size())).first->second);
-    }
-    uses_ = uses;
-  }
+  explicit Setters(std::span<const VariableUse> uses) : uses_(uses), values_(NumberValues(uses)) {}
 
-  // The first setter known for one of the revisions whose value is another than that of the use;
-  // null when there is none.
+  // The first that sets another value and can match on the same computer; null when there is none.
   const VariableUse* FindOther(std::size_t use) const {
-    return Find(use, [&](const Slot& slot) {
-      const bool differs = slot.first != None && valueNumbers_[slot.first] != valueNumbers_[use];
-      return differs ? slot.first : slot.other;
-    });
+    return FindIf(use, [&](std::size_t setter) { return values_[setter] != values_[use]; });
   }
 
-  // The first setter known for one of the revisions.
+  // The first that can match on the same computer; null when there is none.
   const VariableUse* FindFirst(std::size_t use) const {
-    return Find(use, [](const Slot& slot) { return slot.first; });
+    return FindIf(use, [](std::size_t) { return true; });
   }
 
   void Add(std::size_t use) {
-    ForRevisionsOf(use, [&](Slot& slot) {
-      if (slot.first == None) {
-        slot.first = use;
-      } else if (slot.other == None && valueNumbers_[slot.first] != valueNumbers_[use]) {
-        slot.other = use;
-      }
-    });
+    if (setters_.size() < MaxSetters) setters_.push_back(use);
   }
 
  private:
-  static constexpr std::size_t None = static_cast<std::size_t>(-1);
-
-  // Of one board revision: the first setter, and the first that sets another value.
-  struct Slot {
-    std::size_t first = None;
-    std::size_t other = None;
-  };
-
-  template <typename Visit>
-  void ForRevisionsOf(std::size_t use, Visit visit) {
-    const auto [lowest, highest] = uses_[use].revisions;
-    for (int i = lowest; i <= highest; ++i) visit(slots_[static_cast<std::size_t>(i)]);
-  }
-
-  template <typename Pick>
-  const VariableUse* Find(std::size_t use, Pick pick) const {
-    std::size_t found = None;
-    const auto [lowest, highest] = uses_[use].revisions;
-    for (int i = lowest; i <= highest; ++i) {
-      found = std::min(found, pick(slots_[static_cast<std::size_t>(i)]));
-    }
-    return found == None ? nullptr : &uses_[found];
+  template <typename Predicate>
+  const VariableUse* FindIf(std::size_t use, Predicate isWanted) const {
+    const auto found = std::ranges::find_if(setters_, [&](std::size_t setter) {
+      return isWanted(setter) && CanMatchTogether(*uses_[setter].live, *uses_[use].live);
+    });
+    return found == setters_.end() ? nullptr : &uses_[*found];
   }
 
   std::span<const VariableUse> uses_;
-  std::vector<int> valueNumbers_;
-  std::array<Slot, 256> slots_;
+  std::vector<int> values_;
+  std::vector<std::size_t> setters_;
 };
 
 void LintVariable(const LintSubject& subject, std::span<const VariableUse> uses,

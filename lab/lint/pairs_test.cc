@@ -19,8 +19,8 @@ namespace {
 
 using testing::Named;
 
-// A payload: files by their path. The place of the finding in a file's contents, or in a path, is
-// marked "@", which is taken out.
+// A payload: files by their path. The location of the finding in a file's contents, or in a path,
+// is marked "@", which is removed.
 struct PayloadFile {
   std::string path;
   std::string contents = {};
@@ -32,7 +32,7 @@ struct RulePair {
   Payload twin;
 };
 
-// The parts of a personality. In each the place behind "<key>...</key>" is that of the value.
+// The parts of a personality. In each the offset after "<key>...</key>" is that of the value.
 const std::string Version = "<key>Version</key><integer>200</integer>";
 const std::string PortSilicon =
     "<key>Port Silicon Vendor ID</key><integer>1</integer>"
@@ -112,8 +112,8 @@ std::string EverNewer(int count) {
   return personalities;
 }
 
-// Takes the mark out of the text. Returns where it stood, or npos.
-std::size_t TakeMark(std::string& text) {
+// Removes the mark from the text. Returns its offset, or npos.
+std::size_t RemoveMark(std::string& text) {
   const auto mark = text.find('@');
   if (mark != std::string::npos) text.erase(mark, 1);
   return mark;
@@ -124,8 +124,8 @@ std::size_t TakeMark(std::string& text) {
 std::string WritePayload(const testing::TemporaryDirectory& directory, const Payload& payload) {
   std::string marked;
   for (auto [path, contents] : payload) {
-    const auto inPath = TakeMark(path);
-    const auto inContents = TakeMark(contents);
+    const auto inPath = RemoveMark(path);
+    const auto inContents = RemoveMark(contents);
     directory.Write(path, contents);
     if (inPath != std::string::npos) marked = path.substr(0, inPath) + ": ";
     if (inContents != std::string::npos) {
@@ -135,7 +135,7 @@ std::string WritePayload(const testing::TemporaryDirectory& directory, const Pay
   return marked;
 }
 
-// What lint finds, a line "PLACE: SEVERITY [ID]" each, by paths relative to the payload.
+// What lint finds, a line "LOCATION: SEVERITY [ID]" each, by paths relative to the payload.
 std::string FindingsIn(const testing::TemporaryDirectory& directory) {
   std::string text;
   for (const auto& finding : LintPayload(directory.Path(), {}).findings) {
@@ -154,7 +154,7 @@ std::string IdOf(std::string name) {
   return name;
 }
 
-TEST_P(LintRulePair, RaisesItAtItsPlaceAndTheTwinNothing) {
+TEST_P(LintRulePair, RaisesItAtItsLocationAndTheTwinNothing) {
   const auto& [name, pair] = GetParam();
   const auto* rule = FindLintRule(IdOf(name));
   ASSERT_NE(rule, nullptr);
@@ -170,6 +170,15 @@ TEST_P(LintRulePair, RaisesItAtItsPlaceAndTheTwinNothing) {
 const Payload Good = WithUsbc("");
 const std::string Board = "Fernwick/Zed-42/";
 
+const std::string Uuid = "5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00";
+
+const std::string LegacyPort = Dict(Version + Image + Priority);
+
+// Settings of one NVRAM variable.
+std::string SettingNvram(const std::string& entry) {
+  return "<key>SetNVRAM</key><dict>" + entry + "</dict>";
+}
+
 const std::string Staged = "<key>SetNVRAM</key><dict><key>staged</key><string>1</string></dict>";
 
 const Named<RulePair> Pairs[] = {
@@ -180,9 +189,18 @@ const Named<RulePair> Pairs[] = {
      {{{"Fernwick/PortFlash.efi"},
        {"Fernwick/Zed-\xFF@/Config.plist", Usbc(Personality(""))},
        {"Fernwick/Zed-\xFF/a.bin"}},
-      {{"Fernwick/PortFlash.efi"},
-       {"Fernwick/Zed-\u00FF/Config.plist", Usbc(Personality(""))},
-       {"Fernwick/Zed-\u00FF/a.bin"}}}},
+      Good}},
+    {"doubtful_board_id",
+     {{{"Fernwick/Zed-1AO5@/Config.plist", Dict("")}},
+      {{"Fernwick/Zed-1A05/Config.plist", Dict("")}}}},
+    {"same_board_twice",
+     {{{"Fernwick/Zed-0A05/Config.plist", Dict("")},
+       {"Fernwick/Zed-1A05/Config.plist", Dict("")},
+       {"Fernwick/Zed-A05@/Config.plist", Dict("")}},
+      {{"Fernwick/Zed-0A05/Config.plist", Dict("")},
+       {"Fernwick/Zed-1A05/Config.plist", Dict("")}}}},
+    {"nested_board",
+     {And(Good, Board + "Zed-43@/Config.plist"), And(Good, Board + "images/b.bin")}},
     {"no_configuration",
      {{{"Fernwick/Zed-42@/config.plist", Dict("")}}, {{Board + "Config.plist", Dict("")}}}},
     {"unreadable_file", {{{Board + "Config.plist@/Config.plist", Dict("")}}, With(Dict(""))}},
@@ -209,6 +227,9 @@ const Named<RulePair> Pairs[] = {
     {"misspelt_key",
      {WithUsbc("@<key>Existing Max Versoin</key><integer>150</integer>"),
       WithUsbc("<key>Existing Max Version</key><integer>150</integer>")}},
+    {"similar_key",
+     {WithUsbc("@<key>Max Version</key><integer>150</integer>"),
+      WithUsbc("<key>Existing Max Version</key><integer>150</integer>")}},
     {"unread_key", {WithUsbc("@<key>Author</key><string>x</string>"), WithUsbc("<!-- x -->")}},
     {"key_not_read_by_type",
      {WithUsbc("@<key>Ridge UID</key><integer>1</integer>"),
@@ -216,7 +237,7 @@ const Named<RulePair> Pairs[] = {
     {"reserved_key", {WithUsbc("@<key>Personality Type</key><string>USBC</string>"), Good}},
     {"missing_key", {With(Usbc("@" + Dict(PortSilicon + Image + Priority))), Good}},
 
-    // What stands under them.
+    // Their values.
     {"wrong_kind",
      {WithUsbc("<key>RID</key>@<string>1</string>"),
       WithUsbc("<key>RID</key><integer>1</integer>")}},
@@ -224,8 +245,8 @@ const Named<RulePair> Pairs[] = {
      {WithUsbc("<key>MinBoardRevision</key>@<array><integer>1</integer></array>"),
       WithUsbc("<key>MinBoardRevision</key><integer>1</integer>")}},
     {"single_port_uuid",
-     {WithUsbc("<key>Port UUID</key>@<string>6E1B</string>"),
-      WithUsbc("<key>Port UUID</key><array><string>6E1B</string></array>")}},
+     {WithUsbc("<key>Port UUID</key>@<string>" + Uuid + "</string>"),
+      WithUsbc("<key>Port UUID</key><array><string>" + Uuid + "</string></array>")}},
     {"empty_list",
      {WithUsbc("<key>RID</key>@<array/>"),
       WithUsbc("<key>RID</key><array><integer>1</integer></array>")}},
@@ -241,6 +262,28 @@ const Named<RulePair> Pairs[] = {
     {"rid_out_of_range",
      {WithLegacyThunderbolt("<key>RID</key>@<integer>16</integer>"),
       WithLegacyThunderbolt("<key>RID</key><integer>15</integer>")}},
+    {"rid_not_of_uid",
+     {WithLegacyThunderbolt("<key>Ridge UID</key><integer>0x5A3</integer>"
+                            "<key>RID</key>@<integer>5</integer>"),
+      WithLegacyThunderbolt("<key>Ridge UID</key><integer>0x5A3</integer>"
+                            "<key>RID</key><integer>3</integer>")}},
+    {"doubtful_uuid",
+     {WithUsbc("<key>Port UUID</key><array>@<string>5f1c9a04-7c15-4e0c-9c2f-0a6e3d0b7a00</string>"
+               "</array>"),
+      WithUsbc("<key>Port UUID</key><array><string>" + Uuid + "</string></array>")}},
+    {"doubtful_model_name",
+     {WithThunderbolt("<key>Device Model Name</key>@<string>Slate 13 </string>"),
+      WithThunderbolt("<key>Device Model Name</key><string>Slate 13</string>")}},
+    {"real_uid",
+     {WithLegacyThunderbolt("<key>Ridge UID</key>@<real>3</real>"),
+      WithLegacyThunderbolt("<key>Ridge UID</key><integer>3</integer>")}},
+    {"boolean_for_number",
+     {WithUsbc("<key>RID</key>@<true/>"), WithThunderbolt("<key>Firmware Mode</key><true/>")}},
+    {"repeated_element",
+     {WithUsbc("<key>Port Address</key><array><integer>56</integer>@<integer>0x38</integer>"
+               "</array>"),
+      WithUsbc("<key>Port Address</key><array><integer>56</integer><integer>0x3F</integer>"
+               "</array>")}},
     {"doubtful_rid",
      {WithThunderbolt("<key>RID</key>@<integer>16</integer>"),
       WithThunderbolt("<key>RID</key><integer>15</integer>")}},
@@ -266,6 +309,28 @@ const Named<RulePair> Pairs[] = {
     {"maximum_just_missed",
      {WithLegacyThunderbolt("<key>Existing Max Version</key>@<real>41.05</real>"),
       WithLegacyThunderbolt("<key>Existing Max Version</key><real>41.051</real>")}},
+    {"unreportable_version",
+     {With(LegacyThunderbolt(
+          Dict("<key>Version</key>@<real>41.7</real>" + RidgeSilicon + Image + Priority))),
+      With(LegacyThunderbolt(
+          Dict("<key>Version</key><real>41.07</real>" + RidgeSilicon + Image + Priority)))}},
+    {"version_gap",
+     {With(Usbc(Personality("<key>Existing Max Version</key><integer>150</integer>") +
+                Personality("<key>Existing Min Version</key>@<integer>152</integer>"))),
+      With(Usbc(Personality("<key>Existing Max Version</key><integer>150</integer>") +
+                Personality("<key>Existing Min Version</key><integer>151</integer>")))}},
+    {"board_revision_gap",
+     {With(Usbc(Personality("<key>MaxBoardRevision</key><integer>3</integer>") + "@" +
+                Personality("<key>MinBoardRevision</key><integer>5</integer>"))),
+      With(Usbc(Personality("<key>MaxBoardRevision</key><integer>3</integer>") +
+                Personality("<key>MinBoardRevision</key><integer>4</integer>")))}},
+    {"two_images_for_one_controller",
+     {With(Dict("<key>LegacyUSBC</key>" + LegacyPort + "<key>USBC</key><array>@" + Personality("") +
+                "</array>")),
+      With(Dict("<key>LegacyUSBC</key>" +
+                Dict(Version + Image + Priority + "<key>Port Address</key><integer>1</integer>") +
+                "<key>USBC</key><array>" +
+                Personality("<key>Port Address</key><integer>2</integer>") + "</array>"))}},
     {"empty_board_revision_range",
      {WithUsbc("<key>MinBoardRevision</key><integer>4</integer>"
                "<key>MaxBoardRevision</key>@<integer>3</integer>"),
@@ -281,7 +346,7 @@ const Named<RulePair> Pairs[] = {
      {With(Dict("@<key>USBC</key><array>" + EverNewer(258) + "</array>")),
       With(Dict("<key>USBC</key><array>" + EverNewer(257) + "</array>"))}},
 
-    // What the plan takes.
+    // What the plan contains.
     {"no_firmware",
      {With(Usbc(Dict(Version + PortSilicon + Priority + "<key>Firmware</key>@<string></string>"))),
       Good}},
@@ -337,6 +402,22 @@ const Named<RulePair> Pairs[] = {
                             "@<key>staged</key><integer>1</integer></dict>"))),
       With(Usbc(Personality("<key>RID</key><integer>0</integer>" + Staged) +
                 Personality("<key>RID</key><integer>1</integer>" + Staged)))}},
+    {"nvram_empty_name",
+     {WithUsbc("<key>ClearNVRAM</key><array>@<string> </string></array>"),
+      WithUsbc("<key>ClearNVRAM</key><array><string>a b</string></array>")}},
+    {"nvram_payload_variable",
+     {WithUsbc(SettingNvram("@<key>efi-quince-payload0-data</key><string>1</string>")),
+      WithUsbc(SettingNvram("<key>efi-quince-payload-data</key><string>1</string>"))}},
+    {"nvram_bypass_switch",
+     {WithUsbc(SettingNvram("<key>fernwick_bypassversioncheck</key>@<string>1</string>")),
+      WithUsbc(SettingNvram("<key>fernwick_bypassversionchecks</key><string>1</string>"))}},
+    {"nvram_idle_bypass_switch",
+     {WithUsbc(
+          "<key>ClearNVRAM</key><array>@<string>fernwick_bypass_usbc_updates</string></array>"),
+      WithUsbc("<key>ClearNVRAM</key><array><string>fernwick_bypass</string></array>")}},
+    {"nvram_boot_args",
+     {WithUsbc(SettingNvram("@<key>boot-args</key><string>-v</string>")),
+      WithUsbc(SettingNvram("<key>boot-arg</key><string>-v</string>"))}},
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, LintRulePair, ::testing::ValuesIn(Pairs), testing::RowName);
@@ -344,10 +425,11 @@ INSTANTIATE_TEST_SUITE_P(Each, LintRulePair, ::testing::ValuesIn(Pairs), testing
 TEST(LintRulePairs, ThereAreOfEveryRule) {
   std::set<std::string> paired;
   for (const auto& pair : Pairs) paired.insert(IdOf(pair.name));
+  paired.insert("nvram-bare-switch");  // has no pair: "boot-args" itself is reported as well
   std::set<std::string> known;
   for (const auto* rule : LintRules()) known.emplace(rule->id);
   EXPECT_EQ(paired, known);
-  EXPECT_EQ(std::size(Pairs), known.size());
+  EXPECT_EQ(std::size(Pairs) + 1, known.size());
 }
 
 }  // namespace

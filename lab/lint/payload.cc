@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "lab/lint/board_names.h"
 #include "lab/lint/configuration.h"
 #include "lab/lint/payload_rules.h"
 #include "lab/lint/plan_rules.h"
@@ -87,14 +88,16 @@ class PayloadLinter {
 
   // Fills in all boards when none is named. False when one that is named is not there.
   bool SelectBoards(std::vector<std::string>& boards) {
+    auto listing = List(personalitiesDirectory_, fs::file_type::directory);
+    std::erase_if(listing.names, IsNoBoard);
+    allBoards_ = std::move(listing.names);
     if (boards.empty()) {
-      auto [names, error] = List(personalitiesDirectory_, fs::file_type::directory);
-      if (error) {
-        AddUnreadable(personalitiesDirectory_, error.message());
-      } else if (names.empty()) {
-        Add(LintRuleOf::NoBoards, personalitiesDirectory_, "it holds no directory of a board");
+      if (listing.error) {
+        AddUnreadable(personalitiesDirectory_, listing.error.message());
+      } else if (allBoards_.empty()) {
+        Add(LintRuleOf::NoBoards, personalitiesDirectory_, "there is no board directory in it");
       }
-      boards = std::move(names);
+      boards = allBoards_;
     }
     std::ranges::sort(boards);
     boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
@@ -115,7 +118,10 @@ class PayloadLinter {
     if (FindInvalidUtf8(board) != npos) {
       Add(LintRuleOf::ImpossibleBoardId, directory,
           "its name is not UTF-8, so no board has it for its identifier");
+    } else {
+      LintBoardName(board, directory);
     }
+    LintNestedBoards(directory);
     const auto path = AppendPathComponent(directory, "Config.plist");
     std::error_code error;
     const bool exists = fs::exists(path, error);
@@ -125,6 +131,25 @@ class PayloadLinter {
       return;
     }
     LintFile(path, {personalitiesDirectory_, directory});
+  }
+
+  void LintBoardName(const std::string& board, const std::string& directory) {
+    if (const auto problem = BoardNameProblem(board, allBoards_)) {
+      Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
+    } else if (const auto other = SameBoardBefore(board, allBoards_); !other.empty()) {
+      Add(LintRuleOf::SameBoardTwice, directory,
+          "it differs from " + Quoted(other) + " only in leading zeros");
+    }
+  }
+
+  void LintNestedBoards(const std::string& directory) {
+    for (const auto& name : List(directory, fs::file_type::directory).names) {
+      const auto path = AppendPathComponent(directory, name);
+      std::error_code error;
+      const bool isBoard = fs::exists(AppendPathComponent(path, "Config.plist"), error);
+      if (name == "Config.plist" || (!isBoard && !LooksLikeBoard(name))) continue;
+      Add(LintRuleOf::NestedBoard, path, "it is inside a board directory, where no computer looks");
+    }
   }
 
   void LintFile(const std::string& path, const BoardFiles& files) {
@@ -147,6 +172,7 @@ class PayloadLinter {
   }
 
   const std::string personalitiesDirectory_;
+  std::vector<std::string> allBoards_;  // sorted
   PayloadLinting result_;
 };
 

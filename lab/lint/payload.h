@@ -10,7 +10,7 @@ namespace fernwick::lab {
 
 /// What was found in a payload.
 struct PayloadLinting {
-  std::vector<Finding> findings;  // by path, then by place, then by ID
+  std::vector<Finding> findings;  // by path, then by location, then by ID
   std::size_t boards = 0;         // how many were looked at
   int status = 0;                 // LabStatus: Done; UnreadableInput when something could not be
                                   // read, or else MalformedInput when a configuration is malformed

@@ -35,7 +35,7 @@ void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindin
   const auto taken = Integer32Of(mode->value);
   if (NumbersEqual(*mode->value, taken)) return;
   findings.Add(LintRuleOf::AlteredFirmwareMode, mode->valueOffset,
-               "\"Firmware Mode\" is " + Shown(*mode->value) + ", which the plan takes as " +
+               "\"Firmware Mode\" is " + Shown(*mode->value) + ", which the plan reads as " +
                    std::to_string(taken));
 }
 

@@ -4,7 +4,7 @@
 
 namespace fernwick::lab::LintRuleOf {
 
-/// The rules for what the plan takes from a personality.
+/// The rules for what the plan reads from a personality.
 
 inline constexpr LintRule NoFirmware = {
     "no-firmware",
@@ -20,7 +20,7 @@ inline constexpr LintRule MissingImage = {
     "missing-image",
     Severity::Error,
     "the firmware image is not in the board directory",
-    "The plan names the image without looking whether it is there; flashing fails at the next "
+    "The plan names the image without checking that it is there; flashing fails at the next "
     "boot.",
     "Put the image beside Config.plist, or correct its name, letter case included.",
     "<key>Firmware</key><string>Ports-200.bin</string>",
@@ -31,8 +31,8 @@ inline constexpr LintRule ImageNotAFile = {
     "image-not-a-file",
     Severity::Error,
     "what \"Firmware\" names is not a file",
-    "The flashing utility needs the bytes of a file; a directory or device in its place fails at "
-    "the next boot.",
+    "The flashing utility needs the bytes of a file; a directory or a device fails at the next "
+    "boot.",
     "Name the image's file.",
     "<key>Firmware</key><string>images</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",
@@ -41,9 +41,9 @@ inline constexpr LintRule ImageNotAFile = {
 inline constexpr LintRule ImageOutsideBoardDirectory = {
     "image-outside-board-directory",
     Severity::Error,
-    "the firmware image lies outside the board directory",
-    "A payload is delivered and checked board by board. A name that climbs out with \"..\" takes "
-    "whatever lies there, which may be another board's image.",
+    "the firmware image is outside the board directory",
+    "A payload is delivered and checked board by board. A name with \"..\" may be another board's "
+    "image.",
     "Put the image into the board directory and name it without \"..\".",
     "<key>Firmware</key><string>../Zed-41/ports-200.bin</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",
@@ -77,7 +77,7 @@ inline constexpr LintRule MissingUtility = {
     "the flashing utility of a type is not in the payload",
     "The plan names RidgeFlash.efi for the Thunderbolt types and PortFlash.efi for the USB-C "
     "types, "
-    "in Fernwick/, without looking whether it is there; flashing fails at the next boot.",
+    "in Fernwick/, without checking that it is there; flashing fails at the next boot.",
     "Put the utility into Fernwick/.",
     "payload/Fernwick/Zed-42/PortFlash.efi",
     "payload/Fernwick/PortFlash.efi",
@@ -98,7 +98,7 @@ inline constexpr LintRule NoPriority = {
 inline constexpr LintRule AlteredPriority = {
     "altered-priority",
     Severity::Warning,
-    "\"Priority\" is taken as another number than it says",
+    "\"Priority\" is read as another number than is written",
     "Of a priority the low 32 bits count, without a sign: -1 is 4294967295. A real is cut to a "
     "whole "
     "number, of text the decimal digits at its start count, and anything else is 0.",
@@ -110,7 +110,7 @@ inline constexpr LintRule AlteredPriority = {
 inline constexpr LintRule PriorityWithoutEffect = {
     "priority-without-effect",
     Severity::Warning,
-    "\"Priority\" is too great to have an effect",
+    "\"Priority\" is too high to have an effect",
     "The plan's priority begins at 2147483647 and only ever falls; a personality's at or above "
     "that "
     "never lowers it.",
@@ -122,11 +122,11 @@ inline constexpr LintRule PriorityWithoutEffect = {
 inline constexpr LintRule AlteredFirmwareMode = {
     "altered-firmware-mode",
     Severity::Warning,
-    "\"Firmware Mode\" is taken as another number than it says",
-    "Of a LegacyThunderbolt personality the plan takes how the image is flashed: with -ee where it "
-    "is 0 or absent, with -fs where it is anything else. No list is looked into there: it counts "
-    "as "
-    "0. A real is cut to a whole number, of text the decimal digits at its start count, of all the "
+    "\"Firmware Mode\" is read as another number than is written",
+    "From a LegacyThunderbolt personality the plan reads how the image is flashed: with -ee where "
+    "it "
+    "is 0 or absent, with -fs where it is anything else. A list counts as 0. A real is cut to a "
+    "whole number, of text the decimal digits at its start count, of all the "
     "low 32 bits.",
     "Write 0 or 1.",
     "<key>Firmware Mode</key><array><integer>1</integer></array>",
@@ -136,9 +136,9 @@ inline constexpr LintRule AlteredFirmwareMode = {
 inline constexpr LintRule NvramWrongShape = {
     "nvram-wrong-shape",
     Severity::Error,
-    "NVRAM settings have not the shape that they need",
+    "NVRAM settings do not have the shape that they need",
     "\"SetNVRAM\" is a dictionary from variable to value, \"ClearNVRAM\" an array of variables. "
-    "Anything else is left out of the plan without a word.",
+    "Anything else is left out of the plan without a message.",
     "Write a dictionary or an array.",
     "<key>ClearNVRAM</key><string>fernwick-last-error</string>",
     "<key>ClearNVRAM</key><array><string>fernwick-last-error</string></array>",
@@ -148,9 +148,8 @@ inline constexpr LintRule ClearedNameNotText = {
     "cleared-name-not-text",
     Severity::Warning,
     "an element of \"ClearNVRAM\" is not text",
-    "Variables have names. Whatever else stands in the array is handed on to the launcher as it "
-    "is, "
-    "which expects text.",
+    "Variables have names. Any other element is passed on unchanged to the launcher, which expects "
+    "text.",
     "Write the variable's name as a string.",
     "<key>ClearNVRAM</key><array><integer>1</integer></array>",
     "<key>ClearNVRAM</key><array><string>fernwick-last-error</string></array>",
@@ -160,8 +159,8 @@ inline constexpr LintRule NvramSetAndCleared = {
     "nvram-set-and-cleared",
     Severity::Warning,
     "an NVRAM variable is both set and cleared",
-    "The plan then holds the variable in both lists; which of the two stands in the end is the "
-    "launcher's affair. Personalities count that can match on the same computer.",
+    "The plan then has the variable in both lists; which of the two takes effect depends on the "
+    "launcher. Only personalities that can match on the same computer are compared.",
     "Remove it from one of the two.",
     "<key>SetNVRAM</key><dict><key>staged</key><string>1</string></dict>\n"
     "<key>ClearNVRAM</key><array><string>staged</string></array>",
@@ -173,7 +172,9 @@ inline constexpr LintRule NvramConflict = {
     Severity::Warning,
     "an NVRAM variable is set to different values",
     "Personalities that can match on the same computer set it to different values; the plan keeps "
-    "that of the last match, which hangs on the controllers that are there.",
+    "that of the last match, which depends on the controllers that are there. Personalities for "
+    "different board revisions or device models never match on one computer, and those of one type "
+    "that accept the same controllers are steps of one upgrade.",
     "Set one value in all of them, or use a variable for each.",
     "<dict>... <key>staged</key><string>left</string> ...</dict>\n"
     "<dict>... <key>staged</key><string>right</string> ...</dict>",

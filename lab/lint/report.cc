@@ -64,7 +64,24 @@ Json FindingAsJson(const Finding& finding) {
   return json;
 }
 
+void AppendCode(std::string& text, std::string_view head, std::string_view code) {
+  text.append(head).append("\n\n```text\n").append(code).append("\n```\n\n");
+}
+
 }  // namespace
+
+std::string LintRulesAsMarkdown() {
+  std::string text;
+  for (const auto* rule : LintRules()) {
+    text.append("### ").append(rule->id).append("\n\n");
+    text.append("*").append(NameOf(rule->severity)).append(":* ").append(rule->title);
+    text.append(".\n\n").append(rule->reason).append("\n\n").append(rule->remedy).append("\n\n");
+    AppendCode(text, "Wrong:", rule->wrong);
+    if (!rule->right.empty()) AppendCode(text, "Right:", rule->right);
+  }
+  text.pop_back();
+  return text;
+}
 
 std::string LintAsText(const PayloadLinting& linting) {
   std::string text;

@@ -20,7 +20,10 @@ std::string LintAsSarif(const PayloadLinting& linting);
 /// All rules, one a line: ID, severity, title.
 std::string ListLintRules();
 
-/// Why the rule matters and how to mend what breaks it, with an example.
+/// Why the rule matters and how to fix a violation, with an example.
 std::string ExplainLintRule(const LintRule& rule);
+
+/// All rules as Markdown, a section each: what docs/lint.md has at its end.
+std::string LintRulesAsMarkdown();
 
 }  // namespace fernwick::lab

@@ -139,15 +139,15 @@ TEST(ListLintRules, HasALineForEach) {
   const auto list = ListLintRules();
   EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(list, '\n')), LintRules().size());
   EXPECT_EQ(list.substr(0, list.find('\n')),
-            "altered-firmware-mode          warning  \"Firmware Mode\" is taken as another number "
-            "than it says");
+            "altered-firmware-mode          warning  \"Firmware Mode\" is read as another number "
+            "than is written");
 }
 
 TEST(ExplainLintRule, OfOneThatIsMendedByWritingNothingSaysSo) {
   EXPECT_EQ(ExplainLintRule(*FindLintRule("empty-type")),
-            "empty-type (note): a type holds no personality\n"
+            "empty-type (note): a type has no personality\n"
             "\n"
-            "It matches nothing and only makes the tool look at the controllers once more.\n"
+            "It matches nothing and only makes the tool read the controllers once more.\n"
             "\n"
             "Remove the key.\n"
             "\n"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "lab/lint/doubtful_rules.h"
+#include "lab/lint/nvram_rules.h"
 #include "lab/lint/payload_rules.h"
 #include "lab/lint/plan_rules.h"
 #include "lab/lint/shape_rules.h"
@@ -16,24 +18,27 @@ constexpr auto SortedRules = [] {
   using namespace LintRuleOf;
   std::array rules = {
       // The payload and its files.
-      &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &NoConfiguration, &UnreadableFile,
-      &MalformedPropertyList,
+      &NoFernwickDirectory, &NoBoards, &ImpossibleBoardId, &DoubtfulBoardId, &SameBoardTwice,
+      &NestedBoard, &NoConfiguration, &UnreadableFile, &MalformedPropertyList,
       // The shape of a configuration, and its keys.
       &NotADictionary, &DuplicateKey, &UnknownType, &MisspeltType, &WrongTypeShape, &EmptyType,
-      &PersonalityNotADictionary, &MisspeltKey, &UnreadKey, &KeyNotReadByType, &ReservedKey,
-      &MissingKey,
-      // What stands under them.
+      &PersonalityNotADictionary, &MisspeltKey, &SimilarKey, &UnreadKey, &KeyNotReadByType,
+      &ReservedKey, &MissingKey,
+      // Their values.
       &WrongKind, &ListNotAllowed, &SinglePortUuid, &EmptyList, &DeadList, &DeadListElement,
-      &UnreachableNumber, &RidOutOfRange, &DoubtfulRid, &NanBound,
+      &UnreachableNumber, &RidOutOfRange, &RidNotOfUid, &DoubtfulRid, &NanBound, &DoubtfulUuid,
+      &DoubtfulModelName, &RealUid, &BooleanForNumber, &RepeatedElement,
       // What can match, and what is reached.
       &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
-      &EmptyBoardRevisionRange, &BoardRevisionOutOfRange, &ShadowedPersonality,
+      &UnreportableVersion, &EmptyBoardRevisionRange, &BoardRevisionOutOfRange,
+      &ShadowedPersonality, &TwoImagesForOneController, &VersionGap, &BoardRevisionGap,
       &ShadowingNotExamined,
-      // What the plan takes.
+      // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
       &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
-      &NvramConflict};
+      &NvramConflict, &NvramEmptyName, &NvramPayloadVariable, &NvramBypassSwitch,
+      &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
   std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
   return rules;
 }();

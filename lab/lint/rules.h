@@ -18,9 +18,9 @@ struct LintRule {
   Severity severity;
   std::string_view title;   // what is wrong, in half a line
   std::string_view reason;  // why it matters; one paragraph
-  std::string_view remedy;  // how to mend it; one paragraph
+  std::string_view remedy;  // how to fix it; one paragraph
   std::string_view wrong;   // an example, one line or several, without a newline at the end
-  std::string_view right;   // the example mended
+  std::string_view right;   // the example fixed
 };
 
 /// All rules, sorted by ID.

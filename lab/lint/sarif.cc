@@ -15,7 +15,7 @@ bool IsUnreserved(char c) {
          std::string_view("-._~/").find(c) != std::string_view::npos;
 }
 
-// The path as a URI reference: what stands in the way, and bytes beyond ASCII, as "%XX". The first
+// The path as a URI reference: reserved characters, and bytes beyond ASCII, as "%XX". The first
 // component must not look like a scheme.
 std::string UriOf(std::string_view path) {
   constexpr std::string_view Digits = "0123456789ABCDEF";

@@ -1,3 +1,7 @@
+// Subsumption: whether an earlier personality accepts everything that a later one accepts. An index
+// by the accepted values of each key finds candidates; the key with the fewest is used, and at most
+// MaxCompared candidates are compared, so the cost grows linearly with the personalities.
+
 #include "lab/lint/shadowing.h"
 
 #include <algorithm>
@@ -21,8 +25,8 @@ class KeyIndex {
     for (const auto* value : *values) byValue_[value].push_back(personality);
   }
 
-  // Two lists, each in order, that hold whoever accepts under the key all that `values` say; one
-  // value of them tells enough apart.
+  // Two sorted lists of the personalities that accept all of `values` under the key, or at least
+  // the first of them.
   std::pair<const Indices*, const Indices*> Candidates(
       const std::optional<AcceptedValues>& values) const {
     static const Indices none;
@@ -48,8 +52,8 @@ Indices CandidatesFor(const Acceptance& personality, const std::vector<KeyIndex>
     const auto lists = keys[i].Candidates(personality.sets[i]);
     if (fewest.first == nullptr || count(lists) < count(fewest)) fewest = lists;
   }
-  // One more than are compared: it tells that there are more.
-  Indices candidates(std::min(count(fewest), MostCompared + 1));
+  // One more than are compared, so that the caller sees that there are more.
+  Indices candidates(std::min(count(fewest), MaxCompared + 1));
   auto first = fewest.first->begin();
   auto second = fewest.second->begin();
   for (auto& candidate : candidates) {
@@ -70,12 +74,12 @@ Shadowing FindShadowed(const std::vector<Acceptance>& personalities) {
   for (std::size_t i = 0; i < personalities.size(); ++i) {
     if (!personalities[i].acceptsAny) continue;
     const auto candidates = CandidatesFor(personalities[i], keys);
-    const auto compared = std::span(candidates).first(std::min(candidates.size(), MostCompared));
+    const auto compared = std::span(candidates).first(std::min(candidates.size(), MaxCompared));
     const auto wide = std::ranges::find_if(
         compared, [&](std::size_t j) { return Covers(personalities[j], personalities[i]); });
     if (wide != compared.end()) {
       shadowing.shadowedBy[i] = *wide;
-      continue;  // whatever it would shadow, the one that shadows it does
+      continue;  // what it would shadow is shadowed by the other one, too
     }
     if (candidates.size() > compared.size()) ++shadowing.cutShort;
     for (std::size_t k = 0; k < keys.size(); ++k) keys[k].Add(personalities[i].sets[k], i);
@@ -97,9 +101,8 @@ void LintShadowing(const LintSubject& subject, const LocatedType& type, const Sh
   findings.Add(LintRuleOf::ShadowingNotExamined, type.entry.keyOffset,
                std::to_string(shadowing.cutShort) + " personalities of \"" +
                    std::string(type.entry.key) + "\" were compared with " +
-                   std::to_string(MostCompared) +
-                   " earlier ones alone to tell whether they are "
-                   "shadowed");
+                   std::to_string(MaxCompared) +
+                   " earlier ones only to find out whether they are shadowed");
 }
 
 }  // namespace fernwick::lab

@@ -10,8 +10,8 @@
 namespace fernwick::lab {
 
 /// A personality is compared with no more than this many earlier ones. Comparing all with all would
-/// take hours for a large configuration of personalities that are all alike.
-inline constexpr std::size_t MostCompared = 256;
+/// last hours for a large configuration of personalities that are all alike.
+inline constexpr std::size_t MaxCompared = 256;
 
 /// Which personalities of an array are shadowed: by each the index of an earlier one that accepts
 /// everything that it accepts, or its own index. Those that accept nothing shadow nothing and are
@@ -21,10 +21,10 @@ struct Shadowing {
   std::size_t cutShort = 0;  // how many might be shadowed by one that they were not compared with
 };
 
-/// Takes them in the order of their array. REQUIRES: all are of one type.
+/// The personalities are in the order of their array. REQUIRES: all are of one type.
 Shadowing FindShadowed(const std::vector<Acceptance>& personalities);
 
-/// Tells which personalities are shadowed.
+/// Reports which personalities are shadowed.
 void LintShadowing(const LintSubject& subject, const LocatedType& type, const Shadowing& shadowing,
                    ConfigurationFindings& findings);
 

@@ -275,7 +275,7 @@ bool Applies(TypeSet type, Dictionary personality, const HardwareRecord& control
 // A controller that the personality accepts by what is known of it.
 HardwareRecord Witness(const Acceptance& acceptance, TypeSet type) {
   HardwareRecord controller;
-  for (const auto& version : LowestInstalledVersions(type, acceptance.minimum)) {
+  for (const auto& version : LowestInstalledVersions(acceptance.scales, acceptance.minimum)) {
     if (acceptance.maximum != nullptr && NumberLess(*acceptance.maximum, version)) continue;
     if (NumberGreater(*acceptance.version, version)) controller.Set("Version", version);
   }

@@ -3,7 +3,7 @@
 
 #include "lab/lint/checks.h"
 #include "lab/lint/shape_rules.h"
-#include "lab/lint/spelling.h"
+#include "lab/support/spelling.h"
 #include "lab/support/words.h"
 
 namespace fernwick::lab {
@@ -13,10 +13,10 @@ void LintUnknownType(const LocatedEntry& entry, ConfigurationFindings& findings)
   const auto meant = NearestSpelling(entry.key, NamesOf(Types::All));
   if (meant.empty()) {
     findings.Add(LintRuleOf::UnknownType, entry.keyOffset,
-                 Quoted(entry.key) + " is no type, so what it holds matches nothing");
+                 Quoted(entry.key) + " is no type, so its contents match nothing");
   } else {
     findings.Add(LintRuleOf::MisspeltType, entry.keyOffset,
-                 Quoted(entry.key) + " is no type, so what it holds matches nothing; \"" +
+                 Quoted(entry.key) + " is no type, so its contents match nothing; \"" +
                      std::string(meant) + "\" may be meant");
   }
 }
@@ -24,21 +24,21 @@ void LintUnknownType(const LocatedEntry& entry, ConfigurationFindings& findings)
 void LintElements(const LocatedType& type, const Array& elements, ConfigurationFindings& findings) {
   if (elements.empty()) {
     findings.Add(LintRuleOf::EmptyType, type.entry.keyOffset,
-                 Quoted(type.entry.key) + " holds no personality");
+                 Quoted(type.entry.key) + " has no personality");
   }
   for (std::size_t i = 0; i < elements.size(); ++i) {
     if (elements[i].AsDictionary()) continue;
     findings.Add(LintRuleOf::PersonalityNotADictionary, OffsetOfElement(type.entry, i),
-                 Shown(elements[i]) + " stands where a personality was expected");
+                 Shown(elements[i]) + " is written where a personality was expected");
   }
 }
 
 void LintType(const LocatedType& type, ConfigurationFindings& findings) {
-  const bool isSingle = HoldsSinglePersonality(type.type);
+  const bool isSingle = HasSinglePersonality(type.type);
   const auto array = type.entry.value->AsArray();
   if (isSingle ? !type.entry.value->AsDictionary() : !array) {
     findings.Add(LintRuleOf::WrongTypeShape, type.entry.valueOffset,
-                 Quoted(type.entry.key) + " holds " + Shown(*type.entry.value) + ", not " +
+                 Quoted(type.entry.key) + " is " + Shown(*type.entry.value) + ", not " +
                      (isSingle ? "a single personality" : "an array of personalities") +
                      ", so it matches nothing");
   } else if (!isSingle) {
@@ -73,8 +73,7 @@ void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findin
     if (!(keys[i]->key == keys[i - 1]->key)) continue;
     findings.Add(LintRuleOf::DuplicateKey, keys[i]->offset,
                  Quoted(keys[i]->key) +
-                     " occurs a second time in this dictionary; what stands under it before is "
-                     "lost");
+                     " occurs a second time in this dictionary; its earlier value is lost");
   }
   for (const auto& entry : place.entries) LintDuplicateKeys(entry.value, findings);
   for (const auto& element : place.elements) LintDuplicateKeys(element, findings);

@@ -10,7 +10,7 @@ inline constexpr LintRule NotADictionary = {
     "not-a-dictionary",
     Severity::Error,
     "the configuration is not a dictionary",
-    "At the top of a configuration stands a dictionary from types to personalities. Anything else "
+    "The top of a configuration is a dictionary from types to personalities. Anything else "
     "is refused and the board gets no plan.",
     "Put the personalities under the key of their type.",
     "<array>\n  <dict>...</dict>\n</array>",
@@ -21,9 +21,9 @@ inline constexpr LintRule DuplicateKey = {
     "duplicate-key",
     Severity::Error,
     "a key occurs twice in one dictionary",
-    "Only the last value holds; what stands under the key before is lost without a word. Other "
+    "Only the last value counts; the earlier one is lost without a message. Other "
     "readers of property lists may keep the first instead.",
-    "Remove one of the two, or merge what they hold.",
+    "Remove one of the two, or merge them.",
     "<key>RID</key><integer>0</integer>\n<key>RID</key><integer>1</integer>",
     "<key>RID</key><array><integer>0</integer><integer>1</integer></array>",
 };
@@ -32,9 +32,9 @@ inline constexpr LintRule UnknownType = {
     "unknown-type",
     Severity::Warning,
     "a key at the top names no type",
-    "The types are LegacyThunderbolt, Thunderbolt, LegacyUSBC and USBC. Whatever stands under "
-    "another key matches nothing; it only makes the tool look at the ports once more.",
-    "Remove the key, or move what it holds to the type that is meant.",
+    "The types are LegacyThunderbolt, Thunderbolt, LegacyUSBC and USBC. The value of any other key "
+    "matches nothing; it only makes the tool read the ports once more.",
+    "Remove the key, or move its contents to the type that is meant.",
     "<key>Comment</key><string>for the 2021 boards</string>",
     "<!-- for the 2021 boards -->",
 };
@@ -44,7 +44,7 @@ inline constexpr LintRule MisspeltType = {
     Severity::Error,
     "a key at the top almost names a type",
     "Types are compared exactly, letter case included. The personalities under a misspelt type "
-    "match nothing, and nothing tells so.",
+    "match nothing, and no message says so.",
     "Spell it LegacyThunderbolt, Thunderbolt, LegacyUSBC or USBC.",
     "<key>LegacyUsbC</key>",
     "<key>LegacyUSBC</key>",
@@ -53,11 +53,11 @@ inline constexpr LintRule MisspeltType = {
 inline constexpr LintRule WrongTypeShape = {
     "wrong-type-shape",
     Severity::Error,
-    "a type's value has not the shape that the type needs",
-    "LegacyUSBC holds one single personality, a dictionary. The other types hold an array of "
-    "personalities. A value of another shape matches nothing, and nothing tells so.",
-    "Take the array around the personality of LegacyUSBC away, or put one around those of the "
-    "other types.",
+    "a type's value does not have the shape that the type needs",
+    "LegacyUSBC has one single personality, a dictionary. The other types have an array of "
+    "personalities. A value of another shape matches nothing, and no message says so.",
+    "Remove the array around the personality of LegacyUSBC, or put the personalities of another "
+    "type into one.",
     "<key>LegacyUSBC</key>\n<array>\n  <dict>...</dict>\n</array>",
     "<key>LegacyUSBC</key>\n<dict>...</dict>",
 };
@@ -65,8 +65,8 @@ inline constexpr LintRule WrongTypeShape = {
 inline constexpr LintRule EmptyType = {
     "empty-type",
     Severity::Note,
-    "a type holds no personality",
-    "It matches nothing and only makes the tool look at the controllers once more.",
+    "a type has no personality",
+    "It matches nothing and only makes the tool read the controllers once more.",
     "Remove the key.",
     "<key>USBC</key>\n<array/>",
     "",
@@ -76,7 +76,7 @@ inline constexpr LintRule PersonalityNotADictionary = {
     "personality-not-a-dictionary",
     Severity::Error,
     "an element of a type's array is no personality",
-    "A personality is a dictionary. Anything else in its place matches nothing.",
+    "A personality is a dictionary. Anything else matches nothing.",
     "Remove the element, or make it a dictionary.",
     "<array>\n  <string>ports-200.bin</string>\n</array>",
     "<array>\n  <dict>\n    <key>Firmware</key><string>ports-200.bin</string>\n    ...\n  </dict>\n"
@@ -95,10 +95,22 @@ inline constexpr LintRule MisspeltKey = {
     "<key>Existing Max Version</key>",
 };
 
+inline constexpr LintRule SimilarKey = {
+    "similar-key",
+    Severity::Warning,
+    "a key of a personality is similar to one that is read",
+    "The key is not read, but it is the name of a registry property, or has words of a key that "
+    "is. If it was meant to constrain the personality, the constraint is lost and the image goes "
+    "to controllers that it was not made for.",
+    "Write the key as the finding says, or remove it.",
+    "<key>Max Version</key><integer>150</integer>",
+    "<key>Existing Max Version</key><integer>150</integer>",
+};
+
 inline constexpr LintRule UnreadKey = {
     "unread-key",
     Severity::Note,
-    "a key of a personality is read by nothing",
+    "a key of a personality is unused",
     "It has no effect on what matches or on the plan.",
     "Remove it, or make it a comment.",
     "<key>Author</key><string>firmware team</string>",
@@ -121,9 +133,8 @@ inline constexpr LintRule ReservedKey = {
     "reserved-key",
     Severity::Note,
     "the key is written by the tool itself",
-    "\"Personality Type\" of a match is the type under which the personality stands. A value in "
-    "the "
-    "file is replaced.",
+    "\"Personality Type\" of a match is the type of the personality. A value in the file is "
+    "replaced.",
     "Remove the key.",
     "<key>Personality Type</key><string>USBC</string>",
     "",

@@ -7,26 +7,27 @@
 namespace fernwick::lab {
 namespace {
 
-LocatedEntry Located(const DictionaryEntry& entry, const KeyLocation& place) {
-  return {entry.key, &entry.value, place.offset, place.value.offset, &place.value};
+LocatedEntry Located(const DictionaryEntry& entry, const KeyLocation& location) {
+  return {entry.key, &entry.value, location.offset, location.value.offset, &location.value};
 }
 
-// The places of a dictionary's keys, sorted by key; those of one key in the order of the file.
+// The locations of a dictionary's keys, sorted by key; those of one key in the order of the file.
 std::vector<const KeyLocation*> SortedByKey(const ValueLocation& dictionary) {
-  std::vector<const KeyLocation*> places;
-  for (const auto& entry : dictionary.entries) places.push_back(&entry);
-  std::ranges::stable_sort(places, {}, [](const KeyLocation* place) { return place->key; });
-  return places;
+  std::vector<const KeyLocation*> locations;
+  for (const auto& entry : dictionary.entries) locations.push_back(&entry);
+  std::ranges::stable_sort(locations, {},
+                           [](const KeyLocation* location) { return location->key; });
+  return locations;
 }
 
-// Some keys occur twice: each entry has the place of the last.
-std::vector<LocatedEntry> LocatedAtLast(Dictionary dictionary, const ValueLocation& place) {
-  const auto sorted = SortedByKey(place);
+// Some keys occur twice: each entry has the location of the last.
+std::vector<LocatedEntry> LocatedAtLast(Dictionary dictionary, const ValueLocation& location) {
+  const auto sorted = SortedByKey(location);
   std::vector<LocatedEntry> entries;
   for (const auto& entry : dictionary.Entries()) {
-    const auto behind = std::ranges::upper_bound(sorted, entry.key, {},
-                                                 [](const KeyLocation* p) { return p->key; });
-    entries.push_back(Located(entry, **std::prev(behind)));
+    const auto after = std::ranges::upper_bound(sorted, entry.key, {},
+                                                [](const KeyLocation* p) { return p->key; });
+    entries.push_back(Located(entry, **std::prev(after)));
   }
   return entries;
 }
@@ -40,16 +41,16 @@ std::vector<LocatedEntry> LocatedAt(Dictionary dictionary, std::size_t offset) {
 }
 
 LocatedPersonality MakePersonality(const LocatedType& type, Personality values,
-                                   const ValueLocation* place, std::size_t offset) {
-  return {type.type, type.entry.key, offset, LocatedEntries(values, place, offset)};
+                                   const ValueLocation* location, std::size_t offset) {
+  return {type.type, type.entry.key, offset, LocatedEntries(values, location, offset)};
 }
 
 void AddPersonalities(LocatedType& type) {
-  const auto& [key, value, keyOffset, valueOffset, place] = type.entry;
-  if (HoldsSinglePersonality(type.type)) {
+  const auto& [key, value, keyOffset, valueOffset, location] = type.entry;
+  if (HasSinglePersonality(type.type)) {
     const auto values = value->AsDictionary();
     if (!values) return;
-    type.personalities.push_back(MakePersonality(type, *values, place, valueOffset));
+    type.personalities.push_back(MakePersonality(type, *values, location, valueOffset));
     return;
   }
   const auto array = value->AsArray();
@@ -57,7 +58,7 @@ void AddPersonalities(LocatedType& type) {
   for (std::size_t i = 0; i < array->size(); ++i) {
     const auto values = (*array)[i].AsDictionary();
     if (!values) continue;
-    const auto* element = place == nullptr ? nullptr : FindElement(*place, i);
+    const auto* element = location == nullptr ? nullptr : FindElement(*location, i);
     type.personalities.push_back(
         MakePersonality(type, *values, element, OffsetOfElement(type.entry, i)));
   }
@@ -65,20 +66,20 @@ void AddPersonalities(LocatedType& type) {
 
 }  // namespace
 
-std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* place,
+std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* location,
                                          std::size_t offset) {
-  if (place == nullptr || place->entries.empty()) return LocatedAt(dictionary, offset);
-  if (place->entries.size() != dictionary.Size()) return LocatedAtLast(dictionary, *place);
+  if (location == nullptr || location->entries.empty()) return LocatedAt(dictionary, offset);
+  if (location->entries.size() != dictionary.Size()) return LocatedAtLast(dictionary, *location);
   std::vector<LocatedEntry> entries;
   entries.reserve(dictionary.Size());
   for (std::size_t i = 0; i < dictionary.Size(); ++i) {
-    entries.push_back(Located(dictionary.Entries()[i], place->entries[i]));
+    entries.push_back(Located(dictionary.Entries()[i], location->entries[i]));
   }
   return entries;
 }
 
 std::size_t OffsetOfElement(const LocatedEntry& array, std::size_t index) {
-  const auto* element = array.place == nullptr ? nullptr : FindElement(*array.place, index);
+  const auto* element = array.location == nullptr ? nullptr : FindElement(*array.location, index);
   return element == nullptr ? array.valueOffset : element->offset;
 }
 
@@ -98,7 +99,7 @@ LintSubject::LintSubject(const ConfigurationFile& configuration) : file(configur
   }
 }
 
-bool HoldsSinglePersonality(TypeSet type) {
+bool HasSinglePersonality(TypeSet type) {
   return type == Types::LegacyUsbc;
 }
 

@@ -18,13 +18,13 @@ struct LocatedEntry {
   const PropertyValue* value;
   std::size_t keyOffset;
   std::size_t valueOffset;
-  const ValueLocation* place;  // of the value; null when it is not known
+  const ValueLocation* location;  // of the value; null when it is unknown
 };
 
 /// The entries of a dictionary in their order; of a key that occurs twice the last, which counts. A
-/// container that a binary file shares has no locations (`place` may be null, or have no entries):
+/// container that a binary file shares has no locations (`location` is null, or has no entries):
 /// then everything in it is at `offset`.
-std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* place,
+std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* location,
                                          std::size_t offset);
 
 /// The offset of an element of the entry's array, or of the array when that is not known.
@@ -59,6 +59,6 @@ struct LintSubject {
 };
 
 /// Whether the type's value is a single personality and not an array of them.
-bool HoldsSinglePersonality(TypeSet type);
+bool HasSinglePersonality(TypeSet type);
 
 }  // namespace fernwick::lab

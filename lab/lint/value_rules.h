@@ -21,9 +21,9 @@ inline constexpr LintRule WrongKind = {
 inline constexpr LintRule ListNotAllowed = {
     "list-not-allowed",
     Severity::Error,
-    "a list stands where one value is read",
-    "The versions, their bounds and the bounds of the board revision are single numbers. A list in "
-    "their place matches nothing.",
+    "a list is written where one value is read",
+    "The versions, their bounds and the bounds of the board revision are single numbers. A list "
+    "matches nothing.",
     "Write the one number, or make a personality for each.",
     "<key>Version</key>\n<array><integer>200</integer></array>",
     "<key>Version</key>\n<integer>200</integer>",
@@ -33,11 +33,12 @@ inline constexpr LintRule SinglePortUuid = {
     "single-port-uuid",
     Severity::Error,
     "\"Port UUID\" is a single string",
-    "Other keys take a single value or a list of them. \"Port UUID\" takes a list alone: a single "
+    "Other keys accept a single value or a list of them. \"Port UUID\" accepts only a list: a "
+    "single "
     "string matches no port, not even the one that has it.",
     "Put the string into an array.",
-    "<key>Port UUID</key>\n<string>6E1B0A52</string>",
-    "<key>Port UUID</key>\n<array><string>6E1B0A52</string></array>",
+    "<key>Port UUID</key>\n<string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string>",
+    "<key>Port UUID</key>\n<array><string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string></array>",
 };
 
 inline constexpr LintRule EmptyList = {
@@ -76,8 +77,9 @@ inline constexpr LintRule UnreachableNumber = {
     "unreachable-number",
     Severity::Error,
     "no controller has this number under the key",
-    "What is known of a controller are signed 32-bit integers: a silicon id of 0x80000001 is held "
-    "as -2147483647. \"Firmware Mode\" is 0 or 1. Ports below a Thunderbolt controller, the only "
+    "What is known of a controller are signed 32-bit integers: a silicon id of 0x80000001 is "
+    "stored as -2147483647. \"Firmware Mode\" is 0 or 1. Ports below a Thunderbolt controller, the "
+    "only "
     "ones "
     "that a Thunderbolt personality can match, are listed only where their address is 0. NaN "
     "equals "
@@ -91,18 +93,29 @@ inline constexpr LintRule RidOutOfRange = {
     "rid-out-of-range",
     Severity::Error,
     "no Thunderbolt controller has this RID",
-    "The RID of a Thunderbolt controller is the low four bits of its unique id: 0 to 15. This "
-    "holds for LegacyThunderbolt alone, as a port may have an RID of its own.",
+    "The RID of a Thunderbolt controller is the low four bits of its unique id: 0 to 15. This is "
+    "true of LegacyThunderbolt only, as a port may have an RID of its own.",
     "Write the low four bits.",
     "<key>RID</key><integer>0x11</integer>",
     "<key>RID</key><integer>1</integer>",
+};
+
+inline constexpr LintRule RidNotOfUid = {
+    "rid-not-of-uid",
+    Severity::Error,
+    "\"RID\" and \"Ridge UID\" exclude each other",
+    "The RID of a Thunderbolt controller is the low four bits of its unique id, so no controller "
+    "matches a personality whose \"RID\" is not the low four bits of any \"Ridge UID\".",
+    "Write the low four bits of the unique id, or leave \"RID\" out.",
+    "<key>Ridge UID</key><integer>0x5A3</integer>\n<key>RID</key><integer>5</integer>",
+    "<key>Ridge UID</key><integer>0x5A3</integer>\n<key>RID</key><integer>3</integer>",
 };
 
 inline constexpr LintRule DoubtfulRid = {
     "doubtful-rid",
     Severity::Warning,
     "no Thunderbolt controller has this RID, only a port may",
-    "A Thunderbolt personality is held against the RID of a port. One without an RID of its own "
+    "A Thunderbolt personality is checked against the RID of a port. One without an RID of its own "
     "has that of the Thunderbolt controller above it, which is the low four bits of a unique id: "
     "0 to 15. Another number matches nothing but ports that bring an RID of their own.",
     "Write the low four bits of the controller's unique id.",
@@ -114,7 +127,7 @@ inline constexpr LintRule NanBound = {
     "nan-bound",
     Severity::Warning,
     "a bound is NaN",
-    "NaN is neither below nor above anything, so a bound that is NaN holds nothing back.",
+    "NaN is neither below nor above anything, so a bound that is NaN excludes nothing.",
     "Write the number that is meant, or remove the key.",
     "<key>Existing Max Version</key><real>nan</real>",
     "<key>Existing Max Version</key><real>41.06</real>",

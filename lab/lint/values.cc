@@ -36,7 +36,7 @@ void LintNumber(const LocatedEntry& entry, const Key& key, ConfigurationFindings
     AddWrongKind(LintRuleOf::WrongKind, entry, key.kind, findings);
   } else if (IsBound(entry) && !NumbersEqual(*entry.value, *entry.value)) {
     findings.Add(LintRuleOf::NanBound, entry.valueOffset,
-                 Quoted(entry.key) + " is NaN, which holds nothing back");
+                 Quoted(entry.key) + " is NaN, which excludes nothing");
   }
 }
 
@@ -84,7 +84,7 @@ void LintSingle(const LocatedEntry& entry, const Key& key, TypeSet type,
       Quoted(entry.key) + " is " + Shown(*entry.value) + ", which can never match: " + why);
 }
 
-// What a port below a Thunderbolt controller can have only when it brings an RID of its own.
+// RIDs that a port below a Thunderbolt controller can have only when it has an RID of its own.
 void LintPortRid(const LocatedEntry& entry, const Key& key, ConfigurationFindings& findings) {
   const auto lint = [&](const PropertyValue& rid, std::size_t offset) {
     if (!UnmatchableReason(rid, key, Types::Thunderbolt).empty()) return;

@@ -1,0 +1,135 @@
+// Interval covering. The personalities are grouped by what they accept; in each group the intervals
+// are sorted by where they begin, and a gap is where one begins after all earlier ones have ended.
+// O(n log n) for a group, for each board revision at which one of its personalities begins.
+
+#include "lab/lint/gaps.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "lab/lint/version_rules.h"
+#include "value/textual_dump.h"
+
+namespace fernwick::lab {
+namespace {
+
+using Line = std::vector<const LivePersonality*>;
+
+// The same for personalities of one type that accept the same controllers.
+std::string SameControllers(const LivePersonality& live) {
+  std::string text(live.personality->typeName);
+  for (const auto& values : live.acceptance.sets) {
+    text += values ? "\n=" : "\n*";
+    if (!values) continue;
+    for (const auto* value : *values) text.append(DumpText(*value)).append(",");
+  }
+  return text;
+}
+
+std::string LocationOf(const LintSubject& subject, const LivePersonality& live) {
+  return Describe(subject.file.LocationOf(live.personality->offset));
+}
+
+void LintRevisions(const LintSubject& subject, Line line, ConfigurationFindings& findings) {
+  std::ranges::stable_sort(line, {}, [](auto* live) { return live->acceptance.revisions.lowest; });
+  const auto* last = line.front();
+  for (const auto* live : line) {
+    const int end = last->acceptance.revisions.highest;
+    const int begin = live->acceptance.revisions.lowest;
+    if (begin > end + 1) {
+      findings.Add(LintRuleOf::BoardRevisionGap, live->personality->offset,
+                   "this personality begins at board revision " + std::to_string(begin) +
+                       ", but the one for the same controllers at " + LocationOf(subject, *last) +
+                       " ends at " + std::to_string(end));
+    }
+    if (live->acceptance.revisions.highest > end) last = live;
+  }
+}
+
+bool HasFraction(const PropertyValue* number) {
+  const auto real = number == nullptr ? std::nullopt : number->AsReal();
+  return real && std::trunc(*real) != *real;
+}
+
+// The one scale of the windows of a line.
+VersionScales ScaleOf(const Line& line) {
+  const auto scales = line.front()->acceptance.scales;
+  const bool isRidge =
+      (line.front()->personality->type & (Types::LegacyThunderbolt | Types::Thunderbolt)) != 0;
+  const bool hasFractions = std::ranges::any_of(line, [](const LivePersonality* live) {
+    const auto& [version, minimum, maximum] =
+        std::tie(live->acceptance.version, live->acceptance.minimum, live->acceptance.maximum);
+    return HasFraction(version) || HasFraction(minimum) || HasFraction(maximum);
+  });
+  const bool isThunderbolt = isRidge || (hasFractions && scales.thunderbolt);
+  return {.thunderbolt = isThunderbolt, .port = !isThunderbolt};
+}
+
+bool BeginsBefore(const LivePersonality* a, const LivePersonality* b) {
+  const auto* beginOfB = b->acceptance.minimum;
+  if (beginOfB == nullptr) return false;
+  const auto* beginOfA = a->acceptance.minimum;
+  return beginOfA == nullptr || NumberLess(*beginOfA, *beginOfB);
+}
+
+// The personalities with a gap before their windows, and the lowest version in it.
+using Gaps = std::map<const LivePersonality*, PropertyValue>;
+
+void FindGaps(Line line, Gaps& gaps) {
+  std::ranges::stable_sort(line, BeginsBefore);
+  const auto scale = ScaleOf(line);
+  std::optional<PropertyValue> end;
+  for (const auto* live : line) {
+    const auto& window = live->acceptance;
+    if (end && window.minimum != nullptr && NumberGreater(*window.minimum, *end)) {
+      gaps.emplace(live, *end);
+    }
+    const auto next = LowestVersionAfter(scale, *window.version, window.maximum);
+    if (!next) return;
+    if (!end || NumberGreater(*next, *end)) end = next;
+  }
+}
+
+void LintWindows(const Line& line, ConfigurationFindings& findings) {
+  std::set<int> revisions;
+  for (const auto* live : line) revisions.insert(live->acceptance.revisions.lowest);
+  Gaps gaps;
+  for (const int revision : revisions) {
+    Line atRevision;
+    std::ranges::copy_if(line, std::back_inserter(atRevision), [&](const auto* live) {
+      const auto& range = live->acceptance.revisions;
+      return range.lowest <= revision && revision <= range.highest;
+    });
+    FindGaps(std::move(atRevision), gaps);
+  }
+  for (const auto& [live, version] : gaps) {
+    const auto* minimum = live->personality->Find("Existing Min Version");
+    findings.Add(LintRuleOf::VersionGap, minimum->valueOffset,
+                 "this personality begins at " + Shown(*minimum->value) +
+                     ", but the installed version " + Shown(version) +
+                     " is accepted neither by this personality nor by an earlier step of the "
+                     "upgrade");
+  }
+}
+
+}  // namespace
+
+void LintGaps(const LintSubject& subject, const std::vector<LivePersonality>& live,
+              ConfigurationFindings& findings) {
+  std::map<std::string, Line> lines;
+  for (const auto& one : live) lines[SameControllers(one)].push_back(&one);
+  for (const auto& [controllers, line] : lines) {
+    if (line.size() < 2) continue;
+    LintRevisions(subject, line, findings);
+    LintWindows(line, findings);
+  }
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,94 @@
+#include "lab/lint/rid.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "lab/lint/value_rules.h"
+#include "personality/requirements.h"
+
+namespace fernwick::lab {
+namespace {
+
+// The value of an entry, or its elements when it is an array; empty when there is no entry.
+std::span<const PropertyValue> ValuesOf(const LocatedEntry* entry) {
+  if (entry == nullptr) return {};
+  const auto list = entry->value->AsArray();
+  return list ? std::span(list->begin(), list->size()) : std::span(entry->value, 1);
+}
+
+// As the inventory computes it from the unique id.
+bool IsRidOf(const PropertyValue& rid, const PropertyValue& uid) {
+  const auto number = uid.AsNumber();
+  return number && NumbersEqual(rid, static_cast<int>(ToUnsigned64(*number) & 0xF));
+}
+
+bool HasRidIn(const PropertyValue& uid, std::span<const PropertyValue> rids) {
+  return std::ranges::any_of(rids, [&](const auto& rid) { return IsRidOf(rid, uid); });
+}
+
+bool HasUidIn(const PropertyValue& rid, std::span<const PropertyValue> uids) {
+  return std::ranges::any_of(uids, [&](const auto& uid) { return IsRidOf(rid, uid); });
+}
+
+// Other values are reported by other rules.
+bool AreNumbers(std::span<const PropertyValue> values) {
+  return !values.empty() &&
+         std::ranges::all_of(values, [](const auto& v) { return NumbersEqual(v, v); });
+}
+
+bool IsAnyRid(const PropertyValue& number) {
+  return !NumberLess(number, 0) && !NumberGreater(number, 15);
+}
+
+// Whether both keys have values of the right kind that exclude each other altogether.
+bool Contradict(const LocatedPersonality& personality) {
+  const auto rids = ValuesOf(personality.Find("RID"));
+  const auto uids = ValuesOf(personality.Find("Ridge UID"));
+  return AreNumbers(rids) && AreNumbers(uids) &&
+         std::ranges::none_of(uids, [&](const auto& uid) { return HasRidIn(uid, rids); });
+}
+
+// Of a list, the elements that the other key excludes.
+void LintElements(const LocatedEntry& entry, const LocatedEntry& other,
+                  bool (*isPossible)(const PropertyValue&, std::span<const PropertyValue>),
+                  ConfigurationFindings& findings) {
+  if (!entry.value->AsArray()) return;
+  const auto values = ValuesOf(&entry);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (isPossible(values[i], ValuesOf(&other))) continue;
+    findings.Add(LintRuleOf::DeadListElement, OffsetOfElement(entry, i),
+                 Shown(values[i]) + " in " + Quoted(entry.key) + " can never match: \"" +
+                     std::string(other.key) +
+                     "\" excludes it, as an RID is the low 4 bits of the unique id");
+  }
+}
+
+}  // namespace
+
+bool RidContradictsUid(const LocatedPersonality& personality) {
+  return personality.type == Types::LegacyThunderbolt && Contradict(personality);
+}
+
+void LintRidAndUid(const LocatedPersonality& personality, ConfigurationFindings& findings) {
+  const auto* rid = personality.Find("RID");
+  const auto* uid = personality.Find("Ridge UID");
+  if (rid == nullptr || uid == nullptr) return;
+  if (std::ranges::none_of(ValuesOf(rid), IsAnyRid)) return;  // as another rule reports
+  if (Contradict(personality)) {
+    const bool isCertain = personality.type == Types::LegacyThunderbolt;
+    if (!isCertain && personality.type != Types::Thunderbolt) return;
+    findings.Add(
+        isCertain ? LintRuleOf::RidNotOfUid : LintRuleOf::DoubtfulRid, rid->valueOffset,
+        "\"RID\" is not the low 4 bits of any \"Ridge UID\" of this personality" +
+            std::string(isCertain ? "" : ", so only a port with an RID of its own matches"));
+    return;
+  }
+  if (personality.type != Types::LegacyThunderbolt) return;
+  if (!AreNumbers(ValuesOf(rid)) || !AreNumbers(ValuesOf(uid))) return;
+  LintElements(*rid, *uid, HasUidIn, findings);
+  LintElements(*uid, *rid, HasRidIn, findings);
+}
+
+}  // namespace fernwick::lab
