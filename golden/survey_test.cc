@@ -55,22 +55,22 @@ constexpr char Totals[] =
     "  1 x fernwick: Unexpected format for config plist file.  Aborting\n";
 
 const std::string Rows[] = {
-    R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin"},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin"}],"diagnostics":[]})"
+    R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false}],"diagnostics":[],"plan":{"priority":30,"setNVRAM":{},"clearNVRAM":[],"options":"-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data -noreset"}})"
     "\n",
-    R"({"file":"recordings/typical.registry.plist","outcome":"no plan","status":13,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[{"text":"fernwick: Error reading plist: No files to support boardID: Zed-42","count":1},{"text":"fernwick: Unexpected format for config plist file.  Aborting","count":1}]})"
+    R"({"file":"recordings/typical.registry.plist","outcome":"no plan","status":13,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[{"text":"fernwick: Error reading plist: No files to support boardID: Zed-42","count":1},{"text":"fernwick: Unexpected format for config plist file.  Aborting","count":1}],"plan":null})"
     "\n",
-    R"({"file":"recordings/bypass-nvram.registry.plist","outcome":"bypassed","status":0,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[]})"
+    R"({"file":"recordings/bypass-nvram.registry.plist","outcome":"bypassed","status":0,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[],"plan":null})"
     "\n",
-    R"({"file":"none.registry.plist","outcome":"refused","status":66,"reason":"No such file or directory","board":null,"revision":null,"matches":[],"diagnostics":[]})"
+    R"({"file":"none.registry.plist","outcome":"refused","status":66,"reason":"No such file or directory","board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
     "\n",
-    R"({"file":"recordings/bare-switch.registry.plist","outcome":"abnormal end","status":null,"reason":"SIGABRT","board":"Zed-42","revision":3,"matches":[],"diagnostics":[]})"
+    R"({"file":"recordings/bare-switch.registry.plist","outcome":"abnormal end","status":null,"reason":"SIGABRT","board":"Zed-42","revision":3,"matches":[],"diagnostics":[],"plan":null})"
     "\n",
 };
 
 TEST(Survey, AsATableShowsEveryOutcomeAndTheTotals) {
   ExpectOutcome(
       SurveyEachOutcome({}),
-      {"0",
+      {"66",
        "FILE                                         BOARD     REV  STATUS      TYPE               "
        "RID  PORT  INSTALLED     VERSION  IMAGE\n"
        "../examples/thunderbolt-only.registry.plist  Zed-1A06  1    0           LegacyThunderbolt  "
@@ -91,33 +91,37 @@ TEST(Survey, AsATableShowsEveryOutcomeAndTheTotals) {
 TEST(Survey, AsNdjsonIsARowALine) {
   std::string rows;
   for (const auto& row : Rows) rows += row;
-  ExpectOutcome(SurveyEachOutcome({"--format", "ndjson"}), {"0", rows, Totals});
+  ExpectOutcome(SurveyEachOutcome({"--format", "ndjson"}), {"66", rows, Totals});
 }
 
 TEST(Survey, AsCsvIsALineForEveryMatchOrComputer) {
   ExpectOutcome(
       SurveyEachOutcome({"--format", "csv"}),
-      {"0",
+      {"66",
        "file,outcome,status,reason,board,revision,type,rid,port "
        "address,installed,version,image,diagnostics,image "
        "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,2,,23."
-       "020000001,24,ridge-24.00.bin,\r\n"
+       "020000001,24,ridge-24.00.bin,,,30,{},[],"
+       "'-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data "
+       "-noreset\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,3,,23."
-       "060000001,24,ridge-24.00.bin,\r\n"
+       "060000001,24,ridge-24.00.bin,,,30,{},[],"
+       "'-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data "
+       "-noreset\r\n"
        "recordings/typical.registry.plist,no plan,13,,Zed-42,3,,,,,,,1 x fernwick: Error reading "
        "plist: No files to support boardID: Zed-42; 1 x fernwick: Unexpected format for config "
-       "plist file.  Aborting\r\n"
-       "recordings/bypass-nvram.registry.plist,bypassed,0,,Zed-42,3,,,,,,,\r\n"
-       "none.registry.plist,refused,66,No such file or directory,,,,,,,,,\r\n"
-       "recordings/bare-switch.registry.plist,abnormal end,,SIGABRT,Zed-42,3,,,,,,,\r\n",
+       "plist file.  Aborting,,,,,\r\n"
+       "recordings/bypass-nvram.registry.plist,bypassed,0,,Zed-42,3,,,,,,,,,,,,\r\n"
+       "none.registry.plist,refused,66,No such file or directory,,,,,,,,,,,,,,\r\n"
+       "recordings/bare-switch.registry.plist,abnormal end,,SIGABRT,Zed-42,3,,,,,,,,,,,,\r\n",
        Totals});
 }
 
 TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
   ExpectOutcome(
       SurveyEachOutcome({"--format", "junit"}),
-      {"0",
+      {"66",
        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
        "<testsuites>\n"
        "  <testsuite name=\"fernwick-lab survey\" tests=\"5\" failures=\"2\" errors=\"0\" "
@@ -128,6 +132,8 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        "plan, status 0, board Zed-1A06, revision 1\n"
        "LegacyThunderbolt: RID 2, port -, 23.020000001 to 24, ridge-24.00.bin\n"
        "LegacyThunderbolt: RID 3, port -, 23.060000001 to 24, ridge-24.00.bin\n"
+       "plan: priority 30, SetNVRAM {}, ClearNVRAM [], options -g -o -sr 2 0 -ee "
+       "efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data -noreset\n"
        "      </system-out>\n"
        "    </testcase>\n"
        "    <testcase classname=\"Zed-42\" name=\"recordings/typical.registry.plist\">\n"
@@ -181,9 +187,8 @@ class ExpectedSurvey : public ::testing::Test {
 };
 
 TEST_F(ExpectedSurvey, ThatIsFoundInAnyOrderIsNotADifference) {
-  ExpectOutcome(
-      SurveyAgainst(Rows[4] + Rows[2] + Rows[0] + Rows[3] + Rows[1], "table"),
-      {"0", Totals + std::string("not as expected: 0 changed, 0 additional, 0 missing\n"), ""});
+  ExpectOutcome(SurveyAgainst(Rows[4] + Rows[2] + Rows[0] + Rows[3] + Rows[1], "table"),
+                {"0", Totals + std::string("as expected\n"), ""});
 }
 
 TEST_F(ExpectedSurvey, ShowsTheLinesThatDiffer) {
@@ -222,9 +227,9 @@ TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
   ExpectOutcome(SurveyAgainst(missingRow_ + Rows[0] + Rows[1] + Rows[2] + Rows[4], "csv"),
                 {"1",
                  names + "additional,found,none.registry.plist,refused,66,No such file or "
-                         "directory,,,,,,,,,\r\n"
+                         "directory,,,,,,,,,,,,,,\r\n"
                          "missing,expected,gone.registry.plist,refused,66,No such file or "
-                         "directory,,,,,,,,,\r\n",
+                         "directory,,,,,,,,,,,,,,\r\n",
                  Totals + std::string("not as expected: 0 changed, 1 additional, 1 missing\n")});
 }
 
@@ -242,7 +247,7 @@ TEST_F(ExpectedSurvey, ThatIsMalformedIsRefusedWithItsLocation) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("saved.ndjson", Rows[0] + "{\"file\":\"x\"}\n");
   ExpectOutcome(SurveyEachOutcome({"--expect", path}),
-                {"65", "", "fernwick-lab: " + path + ": 2: this is no row of a survey\n"});
+                {"65", "", "fernwick-lab: " + path + ": 2: this is not a row of a survey\n"});
   ExpectOutcome(SurveyEachOutcome({"--expect", "/no-such-file"}),
                 {"66", "", "fernwick-lab: /no-such-file: No such file or directory\n"});
   ExpectOutcome(SurveyEachOutcome({"--expect", directory.Path()}),
@@ -316,7 +321,7 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
   EXPECT_EQ(outcome("ndjson"),
             "{\"file\":\"./a\\u001b[31m,\\\"\uFFFD\\n.registry.plist\",\"outcome\":\"refused\","
             "\"status\":65,\"reason\":\"\\\"Recording Version\\\" is missing\",\"board\":null,"
-            "\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
+            "\"revision\":null,\"matches\":[],\"diagnostics\":[],\"plan\":null}\n");
   EXPECT_EQ(outcome("csv"),
             "file,outcome,status,reason,board,revision,type,rid,port "
             "address,installed,version,image,diagnostics,image "
@@ -346,7 +351,7 @@ TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
             "file,outcome,status,reason,board,revision,type,rid,port "
             "address,installed,version,image,diagnostics,image "
             "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
-            "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,\r\n");
+            "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,,,,,,\r\n");
 }
 
 // The limit is above what the program needs and below what the recording does.
@@ -366,7 +371,7 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
                           "file,outcome,status,reason,board,revision,type,rid,port "
                           "address,installed,version,image,diagnostics,image "
                           "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
-                          "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,\r\n",
+                          "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,,,,,,\r\n",
                           "fernwick: out of memory\n"});
 }
 
