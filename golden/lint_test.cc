@@ -158,6 +158,24 @@ TEST(Lint, ReportsADirectoryThatCannotBeListed) {
                  ""});
 }
 
+TEST(Lint, PassesOverVersionControlAndReportsAUtilityThatIsADirectoryOnce) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/.git/HEAD", "");
+  directory.Write("p/Fernwick/.svn/entries", "");
+  directory.Write("p/Fernwick/PortFlash.efi/PortFlash.efi", "x");
+  directory.Write("p/Fernwick/Zed-42/a.bin", "x");
+  directory.Write("p/Fernwick/Zed-42/Config.plist",
+                  "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>200</integer>"
+                  "<key>Firmware</key><string>a.bin</string><key>Priority</key>"
+                  "<integer>1</integer></dict></dict>");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"1",
+                 "p/Fernwick/Zed-42/Config.plist:1:7: error: PortFlash.efi, which flashes the "
+                 "images of \"LegacyUSBC\", is no file in Fernwick/ [missing-utility]\n"
+                 "1 board: 1 error, 0 warnings, 0 notes\n",
+                 ""});
+}
+
 TEST(Lint, OfNoPayloadPrintsNothing) {
   ExpectOutcome(Lint({"no-such"}),
                 {"66", "", "fernwick-lab: no-such: No such file or directory\n"});
