@@ -176,6 +176,26 @@ TEST(Lint, PassesOverVersionControlAndReportsAUtilityThatIsADirectoryOnce) {
                  ""});
 }
 
+TEST(Lint, ReportsLinksOutOfTheBoardDirectoryAndDanglingOnes) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/PortFlash.efi", "");
+  directory.Write("p/Fernwick/Zed-41/a.bin", "x");
+  directory.Write("p/Fernwick/Zed-42/Config.plist",
+                  "<dict><key>USBC</key><array><dict>\n<key>Firmware</key><string>a.bin</string>"
+                  "</dict><dict>\n<key>Firmware</key><string>b.bin</string></dict></array></dict>");
+  const auto board = directory.Path() + "/p/Fernwick/Zed-42/";
+  std::filesystem::create_symlink("../Zed-41/a.bin", board + "a.bin");
+  std::filesystem::create_symlink("c.bin", board + "b.bin");
+  const auto found = Lint({"p", "Zed-42"}, directory.Path()).standardOutput;
+  for (const std::string line :
+       {"Config.plist:1:7: error: \"PortFlash.efi\" is an empty file [empty-image]",
+        "Config.plist:2:20: error: \"a.bin\" is a link to a file outside the board directory "
+        "[image-linked-outside]",
+        "Config.plist:3:20: error: \"b.bin\" is not in the board directory [missing-image]"}) {
+    EXPECT_NE(found.find(line), std::string::npos) << line << "\n" << found;
+  }
+}
+
 TEST(Lint, OfNoPayloadPrintsNothing) {
   ExpectOutcome(Lint({"no-such"}),
                 {"66", "", "fernwick-lab: no-such: No such file or directory\n"});

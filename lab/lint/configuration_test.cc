@@ -66,10 +66,10 @@ Dictionary AllTypes() {
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string LintOutput(const PropertyValue& configuration) {
   const testing::TemporaryDirectory directory;
-  directory.Write("Fernwick/RidgeFlash.efi", "");
-  directory.Write("Fernwick/PortFlash.efi", "");
-  directory.Write("Fernwick/Zed-42/a.bin", "");
-  directory.Write("Fernwick/Zed-42/images/b.bin", "");
+  directory.Write("Fernwick/RidgeFlash.efi", "RidgeFlash.efi");
+  directory.Write("Fernwick/PortFlash.efi", "PortFlash.efi");
+  directory.Write("Fernwick/Zed-42/a.bin", "Zed-42/a.bin");
+  directory.Write("Fernwick/Zed-42/images/b.bin", "Zed-42/images/b.bin");
   const auto path = directory.Path() + "/Fernwick";
   const auto file =
       LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));

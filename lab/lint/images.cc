@@ -7,6 +7,7 @@
 #include <set>
 #include <string_view>
 
+#include "lab/lint/image_files.h"
 #include "lab/lint/plan_rules.h"
 #include "plan/invocation_builder.h"
 #include "plan/value_conversions.h"
@@ -41,7 +42,7 @@ std::optional<std::string> Normalised(std::string_view image) {
 class ImageLinter {
  public:
   ImageLinter(const BoardFiles& files, ConfigurationFindings& findings)
-      : files_(files), findings_(findings) {}
+      : files_(files), findings_(findings), contents_(findings) {}
 
   void Lint(const LocatedPersonality& personality) {
     const auto* firmware = personality.Find("Firmware");
@@ -60,7 +61,11 @@ class ImageLinter {
   void LintUtility(const LocatedType& type) {
     const std::string utility(FlashingUtility(type.entry.key));
     const auto path = AppendPathComponent(files_.personalitiesDirectory, utility);
-    if (type.personalities.empty() || TypeOf(path) == fs::file_type::regular) return;
+    if (type.personalities.empty()) return;
+    if (TypeOf(path) == fs::file_type::regular) {
+      contents_.Lint(utility, path, type.entry.keyOffset);
+      return;
+    }
     findings_.Add(LintRuleOf::MissingUtility, type.entry.keyOffset,
                   utility + ", which flashes the images of \"" + std::string(type.entry.key) +
                       "\", is no file in Fernwick/");
@@ -77,21 +82,30 @@ class ImageLinter {
       findings_.Add(LintRuleOf::ImageNotAPlainName, offset,
                     Quoted(image) + " is a path, not the name of a file in the board directory");
     }
-    const auto type = TypeOfImage(image);
+    const auto type = TypeOfImage(image, offset);
     if (type == fs::file_type::not_found) {
       findings_.Add(LintRuleOf::MissingImage, offset,
                     Quoted(image) + " is not in the board directory");
     } else if (type != fs::file_type::regular) {
       findings_.Add(LintRuleOf::ImageNotAFile, offset, Quoted(image) + " is not a file");
+    } else if (Normalised(image) == "Config.plist") {
+      findings_.Add(LintRuleOf::ConfigurationAsImage, offset,
+                    "the configuration itself is named as the image");
     }
   }
 
-  // Personalities often share an image.
-  fs::file_type TypeOfImage(std::string_view image) {
+  // Personalities often share an image: its contents are reported once.
+  fs::file_type TypeOfImage(std::string_view image, std::size_t offset) {
     const auto known = imageTypes_.find(image);
     if (known != imageTypes_.end()) return known->second;
-    const auto type = TypeOf(AppendPathComponent(files_.boardDirectory, image));
+    const auto path = AppendPathComponent(files_.boardDirectory, image);
+    const auto type = TypeOf(path);
     imageTypes_.emplace(image, type);
+    const auto name = Normalised(image).value_or("");
+    if (type == fs::file_type::regular && name != "Config.plist" &&
+        contents_.Lint(name, path, offset)) {
+      contents_.LintImage(name, path, files_.boardDirectory, offset);
+    }
     return type;
   }
 
@@ -104,6 +118,7 @@ class ImageLinter {
 
   const BoardFiles& files_;
   ConfigurationFindings& findings_;
+  ImageFiles contents_;
   std::map<std::string, fs::file_type, std::less<>> imageTypes_;
 };
 

@@ -35,6 +35,7 @@ constexpr auto SortedRules = [] {
       &ShadowingNotExamined,
       // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
+      &EmptyImage, &PointerFile, &ImageLinkedOutside, &ConfigurationAsImage, &SameImageTwice,
       &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
       &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
       &NvramConflict, &NvramEmptyName, &NvramPayloadVariable, &NvramBypassSwitch,
