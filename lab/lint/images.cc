@@ -9,6 +9,7 @@
 
 #include "lab/lint/image_files.h"
 #include "lab/lint/plan_rules.h"
+#include "personality/requirements.h"
 #include "plan/invocation_builder.h"
 #include "plan/value_conversions.h"
 #include "platform/file_system.h"
@@ -56,6 +57,19 @@ class ImageLinter {
     findings_.Add(LintRuleOf::NoFirmware,
                   firmware == nullptr ? personality.offset : firmware->valueOffset,
                   "a match of this personality, with " + what + ", ends the run without a plan");
+  }
+
+  // One image is of one version.
+  void LintVersion(const LocatedPersonality& personality) {
+    const auto* firmware = personality.Find("Firmware");
+    const auto* version = personality.Find("Version");
+    const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value);
+    if (!image || image->empty() || version == nullptr || !version->value->IsNumber()) return;
+    const auto [first, isNew] = versions_.emplace(Normalised(*image).value_or(""), version->value);
+    if (isNew || NumbersEqual(*first->second, *version->value)) return;
+    findings_.Add(LintRuleOf::ImageVersionsDiffer, version->valueOffset,
+                  Quoted(*image) + " is of \"Version\" " + Shown(*version->value) +
+                      " here and of " + Shown(*first->second) + " in an earlier personality");
   }
 
   void LintUtility(const LocatedType& type) {
@@ -119,6 +133,7 @@ class ImageLinter {
   const BoardFiles& files_;
   ConfigurationFindings& findings_;
   ImageFiles contents_;
+  std::map<std::string, const PropertyValue*> versions_;  // the first of each image
   std::map<std::string, fs::file_type, std::less<>> imageTypes_;
 };
 
@@ -129,7 +144,10 @@ void LintImages(const LintSubject& subject, const BoardFiles& files,
   ImageLinter linter(files, findings);
   for (const auto& type : subject.types) {
     linter.LintUtility(type);
-    for (const auto& personality : type.personalities) linter.Lint(personality);
+    for (const auto& personality : type.personalities) {
+      linter.Lint(personality);
+      linter.LintVersion(personality);
+    }
   }
 }
 

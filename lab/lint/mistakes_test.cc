@@ -15,6 +15,7 @@
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
+#include "value/textual_dump.h"
 
 namespace fernwick::lab {
 namespace {
@@ -35,13 +36,20 @@ const Record Ridge = {{"Version", 43.1},
                       {"Ridge Silicon Vendor ID", 4},
                       {"Ridge Silicon Device ID", 5},
                       {"Ridge Silicon Revision", 6},
-                      {"Firmware", "a.bin"},
+                      {"Firmware", "ridge.bin"},
                       {"Priority", 20}};
+
+// The changes, and an image of its own for each version.
+Record Changed(const Record& base, const Record& change) {
+  const auto* version = change.Find("Version");
+  if (version == nullptr || change.Find("Firmware") != nullptr) return With(base, change);
+  return With(With(base, change), {{"Firmware", testing::Kept(DumpText(*version) + ".bin")}});
+}
 
 // A configuration of one type, with a personality for each of the changes.
 Dictionary Of(const char* type, const Record& base, const std::vector<Record>& changes) {
   std::vector<PropertyValue> personalities;
-  for (const auto& change : changes) personalities.emplace_back(Dict(With(base, change)));
+  for (const auto& change : changes) personalities.emplace_back(Dict(Changed(base, change)));
   static std::vector<std::vector<PropertyValue>> kept;
   kept.push_back(std::move(personalities));
   return Dict({{type, Array(kept.back())}});
@@ -66,8 +74,9 @@ Dictionary Together(Dictionary a, Dictionary b) {
 }
 
 Dictionary LegacyUsbc(const Record& change) {
-  return Dict({{"LegacyUSBC",
-                Dict(With({{"Version", 200}, {"Firmware", "a.bin"}, {"Priority", 20}}, change))}});
+  return Dict(
+      {{"LegacyUSBC",
+        Dict(Changed({{"Version", 200}, {"Firmware", "a.bin"}, {"Priority", 20}}, change))}});
 }
 
 // The IDs of the findings in the order of the locations, a blank after each.
@@ -75,7 +84,10 @@ std::string IdsIn(const PropertyValue& configuration) {
   const testing::TemporaryDirectory directory;
   directory.Write("Fernwick/RidgeFlash.efi", "x");
   directory.Write("Fernwick/PortFlash.efi", "x");
-  directory.Write("Fernwick/Zed-42/a.bin", "x");
+  for (const std::string image : {"a", "ridge", "100", "150", "160", "41.05", "42", "43.105",
+                                  "43.63", "43.75", "200", "200.5", "inf", "true", "1"}) {
+    directory.Write("Fernwick/Zed-42/" + image + ".bin", image);
+  }
   const auto path = directory.Path() + "/Fernwick";
   const auto file =
       LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));

@@ -102,12 +102,13 @@ Payload And(Payload payload, const std::string& path, const std::string& content
   return payload;
 }
 
-// So many personalities, each with a greater version than the one before.
-std::string EverNewer(int count) {
+// So many personalities, each with a greater minimum than the one after.
+std::string EverLower(int count) {
   std::string personalities;
-  for (int i = 1; i <= count; ++i) {
-    personalities += Dict("<key>Version</key><integer>" + std::to_string(i) + "</integer>" +
-                          PortSilicon + Image + Priority);
+  for (int i = count; i > 0; --i) {
+    personalities +=
+        Dict(Version + PortSilicon + Image + Priority + "<key>Existing Min Version</key><real>" +
+             std::to_string(i) + "e-1</real>");
   }
   return personalities;
 }
@@ -343,8 +344,8 @@ const Named<RulePair> Pairs[] = {
      {With(Usbc(Personality("") + "@" + Personality("<key>RID</key><integer>1</integer>"))),
       With(Usbc(Personality("<key>RID</key><integer>1</integer>") + Personality("")))}},
     {"shadowing_not_examined",
-     {With(Dict("@<key>USBC</key><array>" + EverNewer(258) + "</array>")),
-      With(Dict("<key>USBC</key><array>" + EverNewer(257) + "</array>"))}},
+     {With(Dict("@<key>USBC</key><array>" + EverLower(258) + "</array>")),
+      With(Dict("<key>USBC</key><array>" + EverLower(257) + "</array>"))}},
 
     // What the plan contains.
     {"no_firmware",
@@ -396,6 +397,11 @@ const Named<RulePair> Pairs[] = {
                     Dict(Version + PortSilicon + Priority +
                          "<key>Firmware</key><string>c.bin</string>"))),
           Board + "c.bin", "image c.bin")}},
+    {"image_versions_differ",
+     {With(
+          Usbc(Personality("<key>RID</key><integer>1</integer>") +
+               Dict("<key>Version</key>@<integer>190</integer>" + PortSilicon + Image + Priority))),
+      With(Usbc(Personality("<key>RID</key><integer>1</integer>") + Personality("")))}},
     {"unused_file", {And(Good, Board + "old.bin@"), And(Good, Board + ".hidden")}},
     {"missing_utility",
      {Without(With(Dict("@<key>USBC</key><array>" + Personality("") + "</array>")),

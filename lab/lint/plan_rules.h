@@ -114,6 +114,19 @@ inline constexpr LintRule SameImageTwice = {
     "left-200.bin and right-200.bin with different bytes",
 };
 
+inline constexpr LintRule ImageVersionsDiffer = {
+    "image-versions-differ",
+    Severity::Warning,
+    "personalities name one image with different versions",
+    "\"Version\" is that of the image, which has one. With a \"Version\" above what the image "
+    "reports once it is installed, the update is planned again at every start.",
+    "Name the image of that version, or correct \"Version\".",
+    "<dict>... \"Version\" 190, \"Firmware\" ports-200.bin ...</dict>\n"
+    "<dict>... \"Version\" 200, \"Firmware\" ports-200.bin ...</dict>",
+    "<dict>... \"Version\" 190, \"Firmware\" ports-190.bin ...</dict>\n"
+    "<dict>... \"Version\" 200, \"Firmware\" ports-200.bin ...</dict>",
+};
+
 inline constexpr LintRule UnusedFile = {
     "unused-file",
     Severity::Note,

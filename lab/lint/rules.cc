@@ -36,10 +36,10 @@ constexpr auto SortedRules = [] {
       // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &EmptyImage, &PointerFile, &ImageLinkedOutside, &ConfigurationAsImage, &SameImageTwice,
-      &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
-      &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
-      &NvramConflict, &NvramEmptyName, &NvramPayloadVariable, &NvramBypassSwitch,
-      &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
+      &ImageVersionsDiffer, &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority,
+      &PriorityWithoutEffect, &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText,
+      &NvramSetAndCleared, &NvramConflict, &NvramEmptyName, &NvramPayloadVariable,
+      &NvramBypassSwitch, &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
   std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
   return rules;
 }();
