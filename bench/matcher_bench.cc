@@ -93,7 +93,7 @@ std::vector<HardwareRecord> Controllers(std::size_t count) {
   return controllers;
 }
 
-// One controller after the other, an iteration for each, so that a measurement takes no longer for
+// One controller an iteration, so that a measurement is not longer for
 // many of them and is disturbed no more by what else the computer does.
 void RejectAll(benchmark::State& state, Array personalities,
                const std::vector<HardwareRecord>& controllers) {
@@ -118,7 +118,7 @@ void RejectBy(benchmark::State& state, std::string_view key) {
   RejectAll(state, *list.value.AsArray(), Controllers(10));
 }
 
-// Kept, as the largest take seconds to make and repetitions come in turn.
+// Cached: the largest need seconds to build, and repetitions are interleaved.
 Array PersonalitiesByAll(std::size_t count) {
   static std::map<std::size_t, PropertyList> made;
   const auto known = made.find(count);

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Prints how many seconds of processor time plistlib takes to load a property list.
+"""Prints the processor time in seconds that plistlib needs to load a property list.
 
 usage: plistlib_seconds.py FILE
 """

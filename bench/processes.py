@@ -1,4 +1,4 @@
-"""What whole processes take: time, memory, instructions."""
+"""Measures whole processes: time, memory, instructions."""
 
 import os
 import pathlib
@@ -11,7 +11,7 @@ import time
 
 
 class Spent:
-    """What one run of a process took: seconds by the clock and of processor time."""
+    """The wall time and the processor time of one run of a process, in seconds."""
 
     def __init__(self, wall, usage):
         self.wall = wall

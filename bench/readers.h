@@ -12,7 +12,7 @@ struct Reader {
   bool readsXml;
   bool readsBinary;
 
-  /// Reads `file`, and returns how many seconds of processor time that took; copying the file and
+  /// Reads `file`, and returns the processor time of that in seconds; copying the file and
   /// releasing what was read are not counted. Ends the program when the file cannot be read.
   double (*secondsToRead)(std::string file);
 };

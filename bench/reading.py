@@ -1,4 +1,4 @@
-"""What reading a property list takes, by every reader there is."""
+"""Measures the available readers of property lists."""
 
 import pathlib
 import statistics
@@ -34,7 +34,7 @@ def readers(program):
 
 
 def read_once(program, reader, path):
-    """Seconds of processor time and bytes of memory in a process of its own; plistlib tells none."""
+    """Processor time in seconds and memory in bytes of a separate process; plistlib reports none."""
     if reader == PLISTLIB:
         return float(output(sys.executable, PLISTLIB_SECONDS, path)), None
     seconds, peak = output(program, "read", reader, path).split()

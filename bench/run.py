@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Measures how long things take, each beside something that was measured in the same run.
+"""Measures durations, each as a ratio to a duration measured in the same run.
 
 Prints a table, and writes it as JSON where --json says. Nothing here judges: a figure that is not
 reached is a row like any other.
@@ -24,7 +24,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
 class Size:
-    """How much is measured: enough to tell something, or just enough to see that it works."""
+    """The size of the measurement: large enough for results, or only for a test that it works."""
 
     def __init__(self, smoke):
         self.starts = 3 if smoke else 1001
@@ -73,7 +73,7 @@ class Row:
 
 def installed(program, directory):
     """A copy, as an installed program is one: what the linker wrote piece by piece is paged in piece
-    by piece, which takes an eighth of the time of a replay."""
+    by piece, which needs an eighth of the time of a replay."""
     return shutil.copy(program, directory) if program.exists() else program
 
 

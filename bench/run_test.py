@@ -1,4 +1,4 @@
-"""Tests of what bench/run.py makes of figures."""
+"""Tests of how bench/run.py evaluates measurements."""
 
 import contextlib
 import io
@@ -54,7 +54,7 @@ class ProcessesTest(unittest.TestCase):
 
 
 class ReadingTest(unittest.TestCase):
-    """Over a program that stands in for the one that reads: every read takes a second longer."""
+    """Over a stub of the reading program: every read is a second longer."""
 
     PROGRAM = """#!/bin/sh
 case $1 in

@@ -30,11 +30,11 @@ option(FERNWICK_COVERAGE "Count which lines and branches are reached" OFF)
 if(FERNWICK_COVERAGE)
   set(CMAKE_CXX_FLAGS_RELEASE "-O0")
   # The lab is not counted, and does signal by exceptions. All else is compiled without them: what the
-  # headers give to the tests must not count edges that the libraries do not have.
+  # headers add to the tests must not count edges that the libraries do not have.
   set(isLab $<STREQUAL:$<TARGET_PROPERTY:NAME>,fernwick_lab>)
   add_compile_options("$<$<NOT:${isLab}>:--coverage;-fno-exceptions>")
   add_compile_definitions(FERNWICK_COVERAGE)
-  # The counters' own library calls what stands behind --wrap, and comes last.
+  # The counters' own library calls what --wrap replaces, and comes last.
   add_link_options(--coverage
                    -Wl,--wrap=abort,--wrap=_exit,--wrap=_Exit,--undefined=__wrap_abort)
   add_library(fernwick_keep_counters STATIC ${CMAKE_SOURCE_DIR}/quality/keep_counters.cc)

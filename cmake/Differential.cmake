@@ -1,4 +1,4 @@
-# The property-list reader against two others that nobody here has written.
+# Compares the property-list reader with two independent ones.
 find_program(FERNWICK_PLISTUTIL plistutil REQUIRED)
 
 add_executable(describe_property_list differential/describe_property_list.cc)

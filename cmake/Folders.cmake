@@ -42,7 +42,7 @@ function(fernwick_knows_tests program)
 endfunction()
 
 # fernwick_compile_quickly(TARGET): under the sanitizers, what no fuzz target runs is compiled in half
-# the time, neither optimised nor with the counters that guide fuzzing: it takes longer to build than
+# the time, neither optimised nor with the counters that guide fuzzing: it is slower to build than
 # to run.
 function(fernwick_compile_quickly target)
   if(FERNWICK_SANITIZE)

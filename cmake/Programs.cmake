@@ -1,10 +1,10 @@
 # The programs, and how they are linked.
 include(CheckLinkerFlag)
 
-# Most of a short run is starting the process: finding and relocating shared libraries takes longer
+# Most of a short run is starting the process: finding and relocating shared libraries is slower
 # than a plan. A static program has none, and as a position-independent one it is still loaded at
 # another address each time. The sanitizers and the counting of coverage come as shared libraries or
-# stand in front of some, and so would folders that are.
+# replace some, and shared folders would be more of them.
 set(FERNWICK_STATIC_LINKING -static-pie LINKER:--gc-sections)
 check_linker_flag(CXX -static-pie FERNWICK_LINKS_STATICALLY)
 check_linker_flag(CXX LINKER:-z,pack-relative-relocs FERNWICK_PACKS_RELOCATIONS)

@@ -4,14 +4,14 @@ declare -gA _fernwick_lab_options=(
   [replay]="--help"
   [explain]="-p --payload --bypassVersion --json --help"
   [lint]="--format --fail-level --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --expect -j --jobs --help"
-  [diff]="-p --payload --json -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
+  [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--plane --json --help"
-  [convert]="--to --help"
-  [redact]="--key --help"
+  [convert]="--to --force --help"
+  [redact]="--key --keep --keep-all --force --help"
 )
 
-# The tool's own, which stand behind the recording of "replay".
+# The tool's own, after the recording of "replay".
 _fernwick_lab_tool_options="-v --verbose -p --payload -X --preflight -s --subupdater --bypassVersion"
 
 _fernwick_lab_words() {
@@ -31,18 +31,20 @@ _fernwick_lab_boards() {
   mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
 }
 
-# What stands behind an option, whose name is $2. Fails where the option takes no value.
+# Completes the value of the option $2. Fails where the option has no value.
 _fernwick_lab_value() {
   case "$1 $2" in
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
+    'survey --fail-on') _fernwick_lab_words 'refused abnormal no-plan' "$3" ;;
+    'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
     'survey --expect') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
-    'redact --key' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }
@@ -52,10 +54,12 @@ _fernwick_lab() {
   local verb=${COMP_WORDS[1]}
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    _fernwick_lab_words "${!_fernwick_lab_options[*]} --help" "$current"
+    local first="${!_fernwick_lab_options[*]} help"
+    [[ $current == -* ]] && first='--help --version'
+    _fernwick_lab_words "$first" "$current"
     return
   fi
-  # "--format=csv" is taken apart at the "=".
+  # bash splits "--format=csv" at the "=".
   if [[ $current == = ]]; then
     current=
   elif [[ $previous == = ]]; then
@@ -69,6 +73,7 @@ _fernwick_lab() {
     return
   fi
   case $verb in
+    help) ((COMP_CWORD == 2)) && _fernwick_lab_words "${!_fernwick_lab_options[*]}" "$current" ;;
     lint)
       if ((COMP_CWORD == 2)); then
         _fernwick_lab_directories "$current"

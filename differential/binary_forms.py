@@ -7,13 +7,13 @@ EPOCH = datetime.datetime(2001, 1, 1)
 
 
 class BinaryWriter:
-    """Draws widths, places and sharing from `random`, a seeded random.Random."""
+    """Draws widths, offsets and sharing from `random`, a seeded random.Random."""
 
     def __init__(self, random):
         self._random = random
 
     def document(self, value):
-        """The bytes of a file that holds `value`."""
+        """The bytes of a file that contains `value`."""
         self._objects = []
         self._numbers = {}
         top = self._add(value)
@@ -25,7 +25,7 @@ class BinaryWriter:
         return self._random.randrange(count) == 0
 
     def _add(self, value):
-        """The number of an object that stands for `value`; an equal leaf's own may serve."""
+        """The number of an object for `value`; equal leaves may share one."""
         is_container = isinstance(value, (dict, list))
         identity = id(value) if is_container else self._leaf_identity(value)
         if identity in self._numbers and (is_container or not self._one_in(4)):
@@ -50,7 +50,7 @@ class BinaryWriter:
         return 0xD0, len(pairs), keys + [self._add(part) for _, part in pairs]
 
     def _with_twin(self, pairs, key):
-        """The first place of `key` holds something else; its value comes once more at the end."""
+        """The key with another value at its position, and again with its own value at the end."""
         last = dict(pairs)[key]
         return [(name, part if name != key else 7) for name, part in pairs] + [(key, last)]
 
@@ -102,14 +102,14 @@ class BinaryWriter:
         count = len(self._objects)
         order = self._random.sample(range(count), count) if self._one_in(2) else range(count)
         reference_width = self._width(count)
-        body, places = bytearray(b"bplist00"), {}
+        body, offsets = bytearray(b"bplist00"), {}
         for number in order:
-            places[number] = len(body)
+            offsets[number] = len(body)
             body += self._bytes_of(self._objects[number], reference_width)
         table = len(body)
         offset_width = self._width(table)
         for number in range(count):
-            body += places[number].to_bytes(offset_width, "big")
+            body += offsets[number].to_bytes(offset_width, "big")
         return bytes(body) + struct.pack(
             ">5xBBBQQQ", 0, offset_width, reference_width, count, top, table)
 

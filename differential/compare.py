@@ -8,7 +8,6 @@ do not, a rule of rules.py has to explain why; a difference that none explains i
 is a rule whose own examples do not show it any more. The old text form has no other reader here.
 
 usage: compare.py [--seed S] [--count N] [--describer PROGRAM] [--plistutil PROGRAM]
-       compare.py --rules     prints the rules
 
 Exit status 1 when something has to be looked at.
 """
@@ -27,12 +26,12 @@ from documents import DocumentMaker
 from rules import PLISTLIB, PLISTUTIL, RULES, Reading, agree, explain
 
 BATCH = 500  # documents for one process of ours
-SHOWN = 20  # failures that are told
-LONGEST_EXCERPT = 300
+SHOWN = 20  # failures that are printed
+MAX_EXCERPT_SIZE = 300
 
 
 class Report:
-    """What became of the documents compared so far."""
+    """The results of the comparisons so far."""
 
     def __init__(self):
         self.counts = collections.Counter()
@@ -41,11 +40,11 @@ class Report:
 
     def fail(self, what, document, ours=None, theirs=None):
         self.counts["failures"] += 1
-        told = f"{what}\n  {document[:LONGEST_EXCERPT]!r}"
+        text = f"{what}\n  {document[:MAX_EXCERPT_SIZE]!r}"
         if ours:
-            told += f"\n  ours:   {excerpt(ours, theirs)}\n  theirs: {excerpt(theirs, ours)}"
+            text += f"\n  ours:   {excerpt(ours, theirs)}\n  theirs: {excerpt(theirs, ours)}"
         if len(self.failures) < SHOWN:
-            self.failures.append(told)
+            self.failures.append(text)
 
 
 def excerpt(outcome, other):
@@ -54,11 +53,11 @@ def excerpt(outcome, other):
         return f"refused: {outcome.error}"
     shared = len(os.path.commonprefix([outcome.value, other.value or ""]))
     start = max(0, shared - 40)
-    return ("..." if start else "") + outcome.value[start:start + LONGEST_EXCERPT]
+    return ("..." if start else "") + outcome.value[start:start + MAX_EXCERPT_SIZE]
 
 
 class Comparison:
-    """Compares what the readers make of documents; `read_other` gives PLISTLIB's or PLISTUTIL's."""
+    """Compares the readers' results; `read_other` returns the one of PLISTLIB or PLISTUTIL."""
 
     def __init__(self, read_ours, read_other, rules):
         self._read_ours = read_ours
@@ -67,7 +66,7 @@ class Comparison:
         self.report = Report()
 
     def compare(self, documents):
-        """Compares pairs of a document and the value that it holds, None where that is unknown."""
+        """Compares pairs of a document and its expected value, None where that is unknown."""
         ours = self._read_ours([document for document, _ in documents])
         for (document, expected), (serialisation, outcome) in zip(documents, ours):
             self.report.counts["documents"] += 1
@@ -90,8 +89,8 @@ class Comparison:
         counts[f"{reader}: differ by rule"] += 1
         self.report.met.update((rule.name, reader) for rule in met)
 
-    def hold_rules_to_their_examples(self):
-        """Fails for each rule that its own examples do not meet, or not alone."""
+    def check_rules_by_their_examples(self):
+        """Fails for each rule that its own examples do not need, or not only that rule."""
         for rule in self._rules:
             for reader in rule.readers:
                 met = [self._meets_alone(rule, reader, example) for example in rule.examples]
@@ -110,17 +109,12 @@ def readers_of(document):
     return (PLISTLIB, PLISTUTIL) if document.startswith(b"bplist0") else (PLISTLIB,)
 
 
-def print_rules():
-    for rule in RULES:
-        print(f"- {rule.name} ({', '.join(rule.readers)}): {rule.reason}")
-
-
 def print_report(report):
     for what, count in sorted(report.counts.items()):
         print(f"{count:9} {what}")
     for rule in RULES:
         for reader in rule.readers:
-            print(f"{report.met[rule.name, reader]:9} {reader} by {rule.name}")
+            print(f"{report.met[rule.name, reader]:9} {reader} by {rule.name}: {rule.reason}")
     print("\n".join(report.failures), end="\n" if report.failures else "")
 
 
@@ -130,15 +124,11 @@ def parse_arguments():
     parser.add_argument("--count", type=int, default=4000, help="documents")
     parser.add_argument("--describer", default=readers.default_describer())
     parser.add_argument("--plistutil", default="plistutil")
-    parser.add_argument("--rules", action="store_true", help="print the rules and compare nothing")
     return parser.parse_args()
 
 
 def main():
     arguments = parse_arguments()
-    if arguments.rules:
-        print_rules()
-        return 0
 
     def read_other(reader, document):
         if reader == PLISTLIB:
@@ -147,7 +137,7 @@ def main():
 
     comparison = Comparison(
         lambda documents: readers.read_ours(arguments.describer, documents), read_other, RULES)
-    comparison.hold_rules_to_their_examples()
+    comparison.check_rules_by_their_examples()
     comparison.compare([(document, None) for document in wrong_documents()])
     maker = DocumentMaker(
         arguments.seed, lambda xml: readers.convert_with_plistutil(arguments.plistutil, xml))

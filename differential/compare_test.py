@@ -22,7 +22,7 @@ REFUSED = Outcome(None, "line 1, column 8: a fault")
 
 
 def failures(ours, theirs, document=TRUE, expected=None, rules=RULES, serialisation="xml"):
-    """What a comparison of one document says when the readers make of it what is given."""
+    """The report of comparing one document when the readers return these outcomes."""
     comparison = Comparison(lambda documents: [(serialisation, ours)] * len(documents),
                             lambda reader, read: theirs, rules)
     comparison.compare([(document, expected)])
@@ -55,7 +55,7 @@ class TheComparison(unittest.TestCase):
     def test_a_stale_rule_is_a_failure(self):
         comparison = Comparison(lambda documents: [("xml", YES)], lambda reader, read: YES,
                                 [Rule("old", (PLISTLIB,), "A reason.", (TRUE,))])
-        comparison.hold_rules_to_their_examples()
+        comparison.check_rules_by_their_examples()
         self.assertEqual([failure.partition("\n")[0] for failure in comparison.report.failures],
                          ["the rule old is stale for plistlib"])
 

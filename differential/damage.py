@@ -1,4 +1,4 @@
-"""Damages documents, as bytes and as what they are."""
+"""Damages documents, as bytes and in their own syntax."""
 
 import re
 import struct
@@ -103,10 +103,10 @@ class Damager:
         return self._random.choice(kinds)(text).encode(codec, errors)
 
     def _tags(self, text):
-        places = [match.span() for match in TAG.finditer(text)]
-        if not places:
+        spans = [match.span() for match in TAG.finditer(text)]
+        if not spans:
             return text
-        (start, end), (other, other_end) = self._random.choices(places, k=2)
+        (start, end), (other, other_end) = self._random.choices(spans, k=2)
         return self._random.choice([
             lambda: text[:start] + text[end:],
             lambda: text[:start] + self._random.choice(WRONG_TAGS) + text[start:],
@@ -143,43 +143,43 @@ class Damager:
     def _layout(document):
         return struct.unpack(">BBQQQ", document[-26:])
 
-    def _offset_places(self, document):
-        """Where the entries of the offset table stand, as far as they lie in the file."""
+    def _table_entries(self, document):
+        """The offsets and widths of the entries of the offset table that are inside the file."""
         width, _, count, _, table = self._layout(document)
         last = min(count, (len(document) - 32 - min(table, len(document))) // max(width, 1))
         return [(table + width * i, width) for i in range(max(0, last))]
 
-    def _object_places(self, document):
-        places = (int.from_bytes(document[at:at + width], "big")
-                  for at, width in self._offset_places(document))
-        return [at for at in places if 8 <= at < len(document) - 32]
+    def _object_offsets(self, document):
+        offsets = (int.from_bytes(document[at:at + width], "big")
+                  for at, width in self._table_entries(document))
+        return [at for at in offsets if 8 <= at < len(document) - 32]
 
     def _put(self, document, at, replacement):
         return document[:at] + replacement + document[at + len(replacement):]
 
     def _marker(self, document):
-        places = self._object_places(document)
-        if not places:
+        offsets = self._object_offsets(document)
+        if not offsets:
             return document
-        return self._put(document, self._random.choice(places),
+        return self._put(document, self._random.choice(offsets),
                          bytes([self._random.choice(MARKERS)]))
 
     def _offset(self, document):
-        places = self._offset_places(document)
-        if not places:
+        offsets = self._table_entries(document)
+        if not offsets:
             return document
-        at, width = self._random.choice(places)
-        targets = [self._random.choice(self._object_places(document) or [0]),
+        at, width = self._random.choice(offsets)
+        targets = [self._random.choice(self._object_offsets(document) or [0]),
                    self._random.randrange(len(document) + 2), self._random.randrange(9)]
         target = min(self._random.choice(targets), 256 ** width - 1)
         return self._put(document, at, target.to_bytes(width, "big"))
 
     def _reference(self, document):
-        """One byte behind an object's marker: a count, a reference or contents."""
-        places = self._object_places(document)
-        if not places:
+        """Changes one byte after an object's marker: a count, a reference or contents."""
+        offsets = self._object_offsets(document)
+        if not offsets:
             return document
-        at = self._random.choice(places) + self._random.randint(1, 3)
+        at = self._random.choice(offsets) + self._random.randint(1, 3)
         count = min(255, self._layout(document)[2] + 1)
         byte = self._random.choice([self._random.randint(0, count), self._random.randrange(256)])
         return self._put(document, at, bytes([byte]))
@@ -193,7 +193,7 @@ class Damager:
         return self._put(document, start, (new % 256 ** size).to_bytes(size, "big"))
 
     def _before_table(self, document):
-        """Bytes before the offset table come or go, and the trailer knows."""
+        """Inserts or removes bytes before the offset table and adjusts the trailer."""
         table = self._layout(document)[4]
         if not 8 < table <= len(document) - 32:
             return document

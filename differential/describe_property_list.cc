@@ -10,7 +10,7 @@
 //   integer 17   real real(bits in hexadecimal)   boolean true   date date(seconds since 1970)
 //
 // A byte of a string that is not printable ASCII, a quote or a backslash is written as \xHH. A line
-// ends after LongestDescription bytes: objects that are shared can add up to many times the size of
+// ends after MaxDescriptionSize bytes: objects that are shared can add up to many times the size of
 // their file.
 #include <bit>
 #include <cstdint>
@@ -28,7 +28,7 @@
 namespace fernwick {
 namespace {
 
-constexpr std::size_t LongestDescription = 200'000;
+constexpr std::size_t MaxDescriptionSize = 200'000;
 
 // Writes what it is called with until the description is long enough.
 class Description {
@@ -36,7 +36,7 @@ class Description {
   const std::string& Text() const { return text_; }
 
   void Value(const PropertyValue& value) {
-    if (text_.size() >= LongestDescription) return;
+    if (text_.size() >= MaxDescriptionSize) return;
     value.Visit([&](const auto& content) { Content(content); });
   }
 
@@ -54,7 +54,7 @@ class Description {
   }
 
  private:
-  void Append(std::string_view text) { text_ += text.substr(0, LongestDescription - text_.size()); }
+  void Append(std::string_view text) { text_ += text.substr(0, MaxDescriptionSize - text_.size()); }
 
   void Hexadecimal(std::uint64_t number, unsigned digits) {
     for (unsigned digit = digits; digit-- > 0;) {

@@ -1,4 +1,4 @@
-"""What a reader made of a document, in the words of describe_property_list."""
+"""The result of a reader, in the format of describe_property_list."""
 
 import calendar
 import datetime
@@ -7,7 +7,7 @@ import re
 import struct
 from typing import NamedTuple
 
-LONGEST_DESCRIPTION = 200_000
+MAX_DESCRIPTION_SIZE = 200_000
 
 TOKEN = re.compile(r'"[^"]*"|\w+\([^)]*\)|<[^>]*>|[{}\[\],: ]|[^{}\[\],: "<]+')
 
@@ -17,7 +17,7 @@ class Outcome(NamedTuple):
 
     value: str | None
     error: str | None = None
-    written: bytes | None = None  # the XML that stands between, if any
+    written: bytes | None = None  # the intermediate XML, if any
 
     @property
     def accepted(self):
@@ -46,10 +46,10 @@ def unquote(token):
 
 
 def describe(value):
-    """Describes what plistlib reads, kinds that no property list holds among it."""
+    """Describes what plistlib reads, also kinds that are not property-list values."""
     pieces = []
     _Describer(pieces).describe(value)
-    return "".join(pieces)[:LONGEST_DESCRIPTION]
+    return "".join(pieces)[:MAX_DESCRIPTION_SIZE]
 
 
 class _Describer:
@@ -61,7 +61,7 @@ class _Describer:
         self._open = set()
 
     def describe(self, value):
-        if self._length >= LONGEST_DESCRIPTION:
+        if self._length >= MAX_DESCRIPTION_SIZE:
             return
         if isinstance(value, (dict, list)):
             self._container(value)
@@ -80,7 +80,7 @@ class _Describer:
         brackets, parts = ("{}", value.items()) if isinstance(value, dict) else ("[]", value)
         self._append(brackets[0])
         for index, part in enumerate(parts):
-            if self._length >= LONGEST_DESCRIPTION:
+            if self._length >= MAX_DESCRIPTION_SIZE:
                 break
             if index:
                 self._append(", ")

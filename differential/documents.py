@@ -26,7 +26,7 @@ class DocumentMaker:
         self._convert = convert
 
     def make(self):
-        """A document and the description of the value that it holds, None where that is unknown."""
+        """A document and the description of its value, None where that is unknown."""
         form = self._random.choice([self._plistlib_xml, self._plistlib_binary, self._hand_xml,
                                     self._hand_xml, self._hand_binary, self._hand_binary,
                                     self._plistutil_binary])

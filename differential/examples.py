@@ -4,14 +4,14 @@ import plistlib
 import struct
 
 
-def binary_file(objects, places=None, table=None, count=None, offset_width=1, reference_width=1):
-    """A binary document of `objects`, the first on top; the rest is said instead of the truth."""
+def binary_file(objects, offsets=None, table=None, count=None, offset_width=1, reference_width=1):
+    """A binary document of `objects`, the first on top; the other arguments replace the correct values."""
     made, found = b"bplist00", []
     for part in objects:
         found.append(len(made))
         made += part
     start = len(made)
-    made += b"".join(place.to_bytes(offset_width, "big") for place in places or found)
+    made += b"".join(offset.to_bytes(offset_width, "big") for offset in offsets or found)
     return made + struct.pack(">5xBBBQQQ", 0, offset_width, reference_width,
                               len(objects) if count is None else count, 0,
                               start if table is None else table)
@@ -22,7 +22,7 @@ def array_in_itself():
 
 
 def shared_arrays(levels, times):
-    """Arrays inside each other, each holding the next `times` times over."""
+    """Nested arrays, each of which contains the next one `times` times."""
     marker = bytes([0xA0 + times])
     objects = [marker + (level + 1).to_bytes(2, "big") * times for level in range(levels)]
     return binary_file(objects + [b"\x09"], offset_width=2, reference_width=2)
@@ -41,7 +41,7 @@ def overlapping_strings():
 
 
 def wide_text(units, times):
-    """An array of references to one string of characters that take three bytes of UTF-8 each."""
+    """An array of references to one string of characters of three bytes in UTF-8."""
     return plistlib.dumps(["\u2028" * units] * times, fmt=plistlib.FMT_BINARY)
 
 

@@ -9,14 +9,14 @@ import sys
 
 from descriptions import Outcome, describe
 
-# The other readers follow a document as deep as it goes; what they make of it has to be walked too.
+# The other readers do not limit the nesting, and their results are walked recursively.
 sys.setrecursionlimit(20_000)
 
 SERIALISATIONS = {"0": "none", "1": "text", "100": "xml", "200": "binary"}
 
 
 class DescriberFailure(Exception):
-    """Our reader did not give a line for every document: it crashed, or the program is amiss."""
+    """Our reader did not print a line for every document: it crashed, or the program is wrong."""
 
 
 def read_ours(describer, documents):
@@ -39,7 +39,7 @@ def _parse_line(line):
 
 
 def read_plistlib(document):
-    """What Python's plistlib makes of it. What is not binary is given to its XML parser."""
+    """The result of Python's plistlib. What is not binary is read by its XML parser."""
     form = plistlib.FMT_BINARY if document.startswith(b"bplist00") else plistlib.FMT_XML
     try:
         return Outcome(describe(plistlib.loads(document, fmt=form)))
@@ -50,9 +50,8 @@ def read_plistlib(document):
 
 
 def read_plistutil(plistutil, document):
-    """What plistutil makes of a binary document: it writes it as XML, which plistlib reads."""
-    finished = subprocess.run([plistutil, "-i", "-", "-o", "-"], input=document,
-                              capture_output=True, check=False)
+    """The result of plistutil for a binary document: it writes XML, which plistlib reads."""
+    finished = _convert(plistutil, document)
     if finished.returncode != 0:
         return Outcome(None, f"plistutil: status {finished.returncode}")
     if re.search(rb'<plist version="1.0">\n</plist>\n\Z', finished.stdout):
@@ -61,10 +60,14 @@ def read_plistutil(plistutil, document):
 
 
 def convert_with_plistutil(plistutil, xml):
-    """An XML document as the binary one that plistutil makes of it; as it is when it makes none."""
-    finished = subprocess.run([plistutil, "-i", "-", "-o", "-"], input=xml, capture_output=True,
-                              check=False)
+    """An XML document converted to binary by plistutil; unchanged when that fails."""
+    finished = _convert(plistutil, xml)
     return finished.stdout if finished.stdout.startswith(b"bplist00") else xml
+
+
+def _convert(plistutil, document):
+    return subprocess.run([plistutil, "-i", "-", "-o", "-"], input=document, capture_output=True,
+                          check=False)
 
 
 def default_describer():

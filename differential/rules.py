@@ -1,12 +1,13 @@
 """Every way in which the readers may differ, and why ours is as it is.
 
-A rule names the readers that it is about, gives the reason in one sentence, and holds documents
+A rule names the other readers that differ, states the reason in one sentence, and has documents
 that show the difference. It explains a difference in one of three ways:
 
-  message   ours refuses a document of this form with this message, there is ground for it, and
-            theirs accepts
-  retell    the document without what makes the other reader differ and what it says then, or None
-  tokens    whether a leaf of ours and the leaf in its place may differ
+  message      ours refuses a document of this form with this message, the document has that fault
+               by an independent check, and theirs accepts it
+  reinterpret  returns the document without what makes the other reader differ and that reader's
+               outcome for it, or None
+  tokens       whether a leaf of ours and the corresponding leaf of theirs may differ
 """
 
 import datetime
@@ -15,9 +16,9 @@ import re
 import struct
 from typing import Callable, NamedTuple
 
-import binary_grounds as binary
-import xml_grounds as xml
-from descriptions import LONGEST_DESCRIPTION, Outcome, describe_leaf, tokens_of
+import binary_faults as binary
+import xml_faults as xml
+from descriptions import MAX_DESCRIPTION_SIZE, Outcome, describe_leaf, tokens_of
 from examples import (array_in_itself, binary_file, nested_xml, overlapping_strings,
                       overlapping_trailer, shared_arrays, shared_bytes, wide_text)
 from readers import read_plistlib
@@ -28,7 +29,7 @@ START_2001 = 978_307_200
 
 
 class Reading(NamedTuple):
-    """What one reader made of a document; `serialisation` as our reader detected it."""
+    """The outcome of one reader for a document; `serialisation` as our reader detected it."""
 
     serialisation: str
     outcome: Outcome
@@ -41,10 +42,10 @@ class Rule(NamedTuple):
     examples: tuple
     form: str | None = None  # the serialisation that our reader detected
     message: str | None = None
-    has_ground: Callable | None = None
-    retell: Callable | None = None
+    has_fault: Callable | None = None
+    reinterpret: Callable | None = None
     tokens: Callable | None = None
-    enough: Callable = all  # how many of the examples have to show it
+    enough: Callable = all  # which of the examples have to show it
 
 
 def agree(ours, theirs):
@@ -57,18 +58,18 @@ def explain(document, reader, ours, theirs, rules):
     about = [rule for rule in rules if reader in rule.readers]
     met = []
     for rule in about + about:  # one difference can hide another
-        if rule.retell and rule not in met and not agree(ours.outcome, theirs):
-            retold = rule.retell(document, ours, theirs)
-            if retold is not None and retold[1][:2] != theirs[:2]:
-                document, theirs = retold
+        if rule.reinterpret and rule not in met and not agree(ours.outcome, theirs):
+            reinterpreted = rule.reinterpret(document, ours, theirs)
+            if reinterpreted is not None and reinterpreted[1][:2] != theirs[:2]:
+                document, theirs = reinterpreted
                 met.append(rule)
     if agree(ours.outcome, theirs):
         return met
     if ours.outcome.accepted and theirs.accepted:
         further = _explain_tokens(document, ours.outcome.value, theirs.value, about)
     elif theirs.accepted:
-        grounded = (rule for rule in about if rule.message and _is_grounded(document, ours, rule))
-        further = list(grounded)[:1]
+        justified = (rule for rule in about if rule.message and _is_justified(document, ours, rule))
+        further = list(justified)[:1]
     else:
         further = None
     return met + further if further else None
@@ -76,7 +77,7 @@ def explain(document, reader, ours, theirs, rules):
 
 def _explain_tokens(document, ours, theirs, rules):
     our_tokens, their_tokens = tokens_of(ours), tokens_of(theirs)
-    if len(ours) == len(theirs) == LONGEST_DESCRIPTION:  # the last token is cut
+    if len(ours) == len(theirs) == MAX_DESCRIPTION_SIZE:  # the last token is cut
         count = min(len(our_tokens), len(their_tokens)) - 1
         our_tokens, their_tokens = our_tokens[:count], their_tokens[:count]
     if len(our_tokens) != len(their_tokens):
@@ -93,51 +94,51 @@ def _explain_tokens(document, ours, theirs, rules):
     return list(met.values())
 
 
-def _is_grounded(document, ours, rule):
-    place = re.fullmatch(r"(?:byte (\d+)|line (\d+), column (\d+)): (.*)", ours.outcome.error)
-    if ours.serialisation != rule.form or not place or not re.fullmatch(rule.message, place[4]):
+def _is_justified(document, ours, rule):
+    location = re.fullmatch(r"(?:byte (\d+)|line (\d+), column (\d+)): (.*)", ours.outcome.error)
+    if ours.serialisation != rule.form or not location or not re.fullmatch(rule.message, location[4]):
         return False
     if rule.form == "binary":
-        return rule.has_ground(document, int(place[1]))
+        return rule.has_fault(document, int(location[1]))
     if rule.form == "text":
-        return rule.has_ground(document)
+        return rule.has_fault(document)
     text = xml.text_of(document)
-    return rule.has_ground(text, xml.index_of(text, int(place[2]), int(place[3])))
+    return rule.has_fault(text, xml.index_of(text, int(location[2]), int(location[3])))
 
 
 # Binary documents.
 
 
-def in_binary(name, readers, message, has_ground, reason, *examples):
+def in_binary(name, readers, message, has_fault, reason, *examples):
     return Rule(name, readers, reason, examples, form="binary", message=message,
-                has_ground=has_ground)
+                has_fault=has_fault)
 
 
 BOTH = (PLISTLIB, PLISTUTIL)
 
 BINARY_REFUSALS = [
     in_binary("uid", BOTH, "a UID is no property-list value", binary.is_uid,
-              "No configuration or recording holds a UID, and XML has no element for one.",
+              "No configuration or recording contains a UID, and XML has no element for one.",
               binary_file([b"\x80\x05"])),
     in_binary("set", (PLISTUTIL,), "a set is no property-list value", binary.is_set,
-              "XML has no element for a set; plistutil takes one for an array.",
+              "XML has no element for a set; plistutil reads one as an array.",
               binary_file([b"\xc1\x01", b"\x09"])),
     in_binary("null", (PLISTLIB,), "null is no property-list value", binary.is_null,
-              "A value is never absent; plistlib gives None.",
+              "A value is never absent; plistlib returns None.",
               binary_file([b"\x00"])),
     in_binary("unknown-object", (PLISTLIB,), "an unknown kind of object", binary.is_unknown,
-              "plistlib takes the filler byte for data and reads integers of up to 2^15 bytes.",
+              "plistlib reads the filler byte as data and reads integers of up to 2^15 bytes.",
               binary_file([b"\x15" + bytes(32)])),
     in_binary("key-kind", (PLISTLIB,), "a key is not a string", binary.is_no_string,
-              "The keys of a dictionary are strings; plistlib takes whatever it can hash.",
+              "The keys of a dictionary are strings; plistlib accepts whatever it can hash.",
               binary_file([b"\xd1\x01\x02", b"\x10\x01", b"\x09"])),
     in_binary("wide-integer", BOTH, "an integer lies outside -2\\^63 to 2\\^64-1",
               binary.is_integer_out_of_range,
               "An integer out of range has no value here; plistlib's integers have no bounds, and "
-              "plistutil takes the low 64 bits.",
+              "plistutil uses the low 64 bits.",
               binary_file([b"\x14" + bytes(7) + b"\x01" + bytes(8)])),
-    in_binary("text-characters", BOTH, "a string holds a character that XML cannot carry",
-              binary.is_uncarriable,
+    in_binary("text-characters", BOTH, "a string contains a character that XML cannot carry",
+              binary.is_not_xml_character,
               "Whatever is read can be written as XML.",
               binary_file([b"\x51\x00"])),
     in_binary("ascii-text", (PLISTUTIL,), "a string is not ASCII", binary.is_not_ascii,
@@ -150,7 +151,7 @@ BINARY_REFUSALS = [
               "A value that contains itself never ends; plistlib's lists and dictionaries can.",
               array_in_itself()),
     in_binary("nesting", BOTH, "more than 512 .* are nested in each other", binary.is_too_deep,
-              "The depth is bounded, so that no file exhausts the stack of whoever walks it.",
+              "The depth is bounded, so that no file exhausts the stack of code that walks it.",
               shared_arrays(513, 1)),
     in_binary("value-count", BOTH, "more values than the size of the file allows",
               binary.reaches_too_many_values,
@@ -162,16 +163,16 @@ BINARY_REFUSALS = [
               "What is shared counts each time: a small file cannot expand to a huge value.",
               shared_bytes()),
     in_binary("overlap", BOTH, "strings overlap", binary.has_overlapping_strings,
-              "Strings over the same bytes, each transcoded, could stand for any amount of text.",
+              "Strings over the same bytes, each transcoded, could decode to any amount of text.",
               overlapping_strings()),
     in_binary("object-end", (PLISTLIB,), "an object is cut short",
               binary.reaches_beyond_the_objects,
               "An object ends before the offset table begins; plistlib reads on into the table.",
               binary_file([b"\x51"])),
-    in_binary("object-place", BOTH, "an object lies outside the file", binary.has_object_outside,
-              "Objects stand between the header and the offset table; the others take the bytes of "
-              "the header, and plistlib those of table and trailer, for objects.",
-              binary_file([b"\xa1\x01", b"\x09"], places=[8, 0])),
+    in_binary("object-offset", BOTH, "an object lies outside the file", binary.has_object_outside,
+              "Objects are between the header and the offset table; the others read the bytes of "
+              "the header, and plistlib those of table and trailer, as objects.",
+              binary_file([b"\xa1\x01", b"\x09"], offsets=[8, 0])),
     in_binary("count-kind", (PLISTLIB,), "a count is not an integer", binary.has_odd_count,
               "A count is an integer of one to eight bytes; plistlib looks at two bits of its "
               "marker.",
@@ -181,15 +182,15 @@ BINARY_REFUSALS = [
               overlapping_trailer()),
     in_binary("offset-width", (PLISTLIB,), "the width of an offset is not 1 to 8",
               binary.has_odd_offset_width,
-              "No place in a file takes more than eight bytes.",
+              "No offset in a file needs more than eight bytes.",
               binary_file([b"\x09"], offset_width=9)),
     in_binary("reference-width", BOTH, "the width of a reference is not 1 to 8",
               binary.has_odd_reference_width,
-              "The trailer is held to its bounds also where nothing in the file needs it.",
+              "The trailer is checked also where nothing in the file uses it.",
               binary_file([b"\x09"], reference_width=9)),
-    in_binary("table-place", (PLISTLIB,), "the offset table lies outside the file",
+    in_binary("table-offset", (PLISTLIB,), "the offset table lies outside the file",
               binary.has_table_outside,
-              "The offset table stands between the header and the trailer.",
+              "The offset table is between the header and the trailer.",
               binary_file([b"\x09"], table=11)),
     in_binary("table-end", (PLISTLIB,), "the offset table does not fit its objects into the file",
               binary.has_table_too_long,
@@ -200,9 +201,9 @@ BINARY_REFUSALS = [
 # XML documents.
 
 
-def in_xml(name, message, has_ground, reason, *examples, form="xml", enough=all):
+def in_xml(name, message, has_fault, reason, *examples, form="xml", enough=all):
     return Rule(name, (PLISTLIB,), reason, examples, form=form, message=message,
-                has_ground=has_ground, enough=enough)
+                has_fault=has_fault, enough=enough)
 
 
 def with_some_versions(_):
@@ -235,38 +236,38 @@ XML_REFUSALS = [
            xml.is_foreign_element,
            "plistlib skips the tags of elements that it does not know.",
            b"<plist><array><null/></array></plist>"),
-    in_xml("foreign-key", "<.*> stands where <key> was expected",
+    in_xml("foreign-key", "<.*> found where <key> was expected",
            xml.is_foreign_element,
            "plistlib skips the tags of elements that it does not know.",
            b"<plist><dict><null/></dict></plist>"),
-    in_xml("stray-text", "text stands where an element was expected", xml.is_text,
+    in_xml("stray-text", "text found where an element was expected", xml.is_text,
            "plistlib skips text between elements.",
            b"<plist><array>a</array></plist>"),
-    in_xml("stray-text-behind", "</plist> is missing", xml.is_text,
+    in_xml("stray-text-after", "</plist> is missing", xml.is_text,
            "plistlib skips text between elements.",
            b"<plist><true/>a</plist>"),
-    in_xml("stray-cdata", "the name of an element is missing", xml.is_behind_cdata_opening,
-           "A CDATA section is text, and text stands in leaves alone; plistlib skips it.",
+    in_xml("stray-cdata", "the name of an element is missing", xml.is_after_cdata_opening,
+           "A CDATA section is text, which only leaves contain; plistlib skips it.",
            b"<plist><array><![CDATA[]]></array></plist>"),
-    in_xml("leaf-element", "<.*> holds something other than text", xml.is_inside_leaf,
-           "plistlib lets elements stand inside a leaf and drops the text before them.",
+    in_xml("leaf-element", "<.*> contains something other than text", xml.is_inside_leaf,
+           "plistlib accepts elements inside a leaf and drops the text before them.",
            b"<plist><string>a<b>c</b></string></plist>"),
-    in_xml("two-values", "<plist> holds more than one value", xml.is_behind_value,
-           "plistlib takes the last of several values.",
+    in_xml("two-values", "<plist> contains more than one value", xml.is_after_value,
+           "plistlib returns the last of several values.",
            b"<plist><true/><false/></plist>"),
-    in_xml("no-value", "<plist> holds no value", xml.is_empty_plist,
-           "A value is never absent; plistlib gives None.",
+    in_xml("no-value", "<plist> contains no value", xml.is_empty_plist,
+           "A value is never absent; plistlib returns None.",
            b"<plist></plist>"),
     in_xml("empty-key-alone", "a key has no value", xml.is_empty_key,
            "plistlib overlooks a key without a value where the key is empty.",
            b"<plist><dict><key></key></dict></plist>"),
-    in_xml("empty-key-before-key", "<key> stands where a value was expected",
+    in_xml("empty-key-before-key", "<key> found where a value was expected",
            xml.is_key,
            "plistlib overlooks a key without a value where the key is empty.",
            b"<plist><dict><key/><key>a</key><true/></dict></plist>"),
     in_xml("entity", "the entity &.*; is not defined", xml.is_undefined_entity,
            "A document type may be declared elsewhere, but nothing is fetched: plistlib drops "
-           "what it cannot know.",
+           "entities that it does not know.",
            b'<!DOCTYPE plist SYSTEM "a"><plist><string>&e;</string></plist>'),
     in_xml("internal-subset", "a document type declaration with an internal subset is not accepted",
            xml.is_internal_subset,
@@ -279,40 +280,40 @@ XML_REFUSALS = [
            "Four encodings are promised, each by one name; Python knows many, by many names.",
            b"<?xml version='1.0' encoding='latin1'?><plist><true/></plist>"),
     in_xml("utf16-pairs", "the text is not UTF-16", xml.is_no_character,
-           "A lone surrogate is no character; some versions of expat make one of it and the unit "
-           "behind it.",
+           "A lone surrogate is no character; some versions of expat combine it with the unit "
+           "after it.",
            b"\xff\xfe" + "<plist><string>\ud800a</string></plist>".encode("utf-16-le",
                                                                           "surrogatepass"),
            enough=with_some_versions),
     in_xml("nesting-in-xml", "more than 512 .* are nested in each other",
            xml.is_too_deep,
-           "The depth is bounded, so that no file exhausts the stack of whoever walks it.",
+           "The depth is bounded, so that no file exhausts the stack of code that walks it.",
            nested_xml(513)),
     in_xml("detection", ".*", xml.is_not_detected,
-           "A document that begins like neither form is the old text form; it is given to "
-           "plistlib as XML here, whatever it begins with.",
+           "A document that begins like neither form is the old text form; plistlib reads "
+           "it as XML here, whatever it begins with.",
            b"<?p?><plist><true/></plist>", form="text"),
     in_xml("utf16-without-mark", ".*", xml.is_utf16_without_mark,
            "UTF-16 needs a byte-order mark; expat guesses.",
            "<plist><true/></plist>".encode("utf-16-le"), form="text"),
 ]
 
-# What the others say instead of what they would say.
+# Outcomes of the others that are corrected before they are compared.
 
 
-def retell_without_encoding(document, ours, _theirs):
+def reinterpret_without_encoding(document, ours, _theirs):
     if ours.serialisation != "xml" or not xml.mark_of(document):
         return None
     changed = xml.without_encoding(document)
     return changed and (changed, read_plistlib(changed))
 
 
-def retell_text_form(document, ours, _theirs):
+def reinterpret_text_form(document, ours, _theirs):
     is_text = ours.serialisation == "text" and ours.outcome.accepted
     return (document, ours.outcome) if is_text and xml.is_not_detected(document) else None
 
 
-def retell_signed_hexadecimal(document, ours, theirs):
+def reinterpret_signed_hexadecimal(document, ours, theirs):
     if not re.match(r"ValueError: invalid literal for int\(\) with base 10: '[+-]0x[0-9a-fA-F]+'$",
                     theirs.error or ""):
         return None
@@ -323,7 +324,7 @@ def retell_signed_hexadecimal(document, ours, theirs):
                                         xml.text_of(document)))
 
 
-def retell_name_characters(document, ours, theirs):
+def reinterpret_name_characters(document, ours, theirs):
     faults = r"ExpatError: (not well-formed \(invalid token\)|syntax error):"
     if not ours.outcome.accepted or not re.match(faults, theirs.error or ""):
         return None
@@ -336,7 +337,7 @@ def _with_plain_names(tag):
 
 
 def _reread(document, text):
-    """The document with another text, and what plistlib makes of it."""
+    """The document with another text, and plistlib's outcome for it."""
     mark = xml.mark_of(document)
     declared = xml.DECLARATION.match(text)
     latin = not mark and declared and (declared["encoding"] or "").lower() == "iso-8859-1"
@@ -344,7 +345,7 @@ def _reread(document, text):
     return changed, read_plistlib(changed)
 
 
-def retell_early_years(document, ours, theirs):
+def reinterpret_early_years(document, ours, theirs):
     """With the zeros that are missing from a year before 1000."""
     early = rb"<date>(\d{1,3})-"
     if not theirs.written or not ours.outcome.accepted or not re.search(early, theirs.written):
@@ -353,7 +354,7 @@ def retell_early_years(document, ours, theirs):
         re.sub(early, lambda match: b"<date>%04d-" % int(match[1]), theirs.written))
 
 
-def retell_carriage_returns(document, ours, theirs):
+def reinterpret_carriage_returns(document, ours, theirs):
     if not theirs.written or not ours.outcome.accepted or b"\r" not in theirs.written:
         return None
     return document, _rewritten(theirs.written.replace(b"\r", b"&#13;"))
@@ -363,17 +364,17 @@ def _rewritten(written):
     return read_plistlib(written)._replace(written=written)
 
 
-def retell_death(document, ours, theirs):
+def reinterpret_crash(document, ours, theirs):
     died = re.fullmatch(r"plistutil: status -\d+", theirs.error or "")
-    if not died or not ours.outcome.accepted or not binary.holds_wide_utf16(document):
+    if not died or not ours.outcome.accepted or not binary.has_wide_utf16(document):
         return None
     return document, read_plistlib(document)
 
 
-def retell_empty_utf16(document, ours, theirs):
+def reinterpret_empty_utf16(document, ours, theirs):
     if theirs.error != "plistutil: no value" or not ours.outcome.accepted:
         return None
-    return (document, ours.outcome) if binary.holds_empty_utf16(document) else None
+    return (document, ours.outcome) if binary.has_empty_utf16(document) else None
 
 
 # Leaves that differ.
@@ -411,7 +412,7 @@ def has_lost_its_sign(document, ours, theirs):
     if not re.fullmatch(r"-\d+", ours):
         return False
     low = int(ours) % 2**64
-    return theirs == str(low) and bool(binary.holds_wide_integer(document, low))
+    return theirs == str(low) and bool(binary.has_wide_integer(document, low))
 
 
 OTHER_RULES = [
@@ -419,32 +420,32 @@ OTHER_RULES = [
          "A byte-order mark outweighs the declared encoding; expat refuses, or believes the "
          "declaration.",
          (b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
-          b"</plist>",), retell=retell_without_encoding),
+          b"</plist>",), reinterpret=reinterpret_without_encoding),
     Rule("text-form", (PLISTLIB,),
-         "What is left of a damaged document can be one in the old text form, which nobody else "
+         "What is left of a damaged document can be one in the old text form, which no other reader "
          "reads.",
-         (b"ERROR: = a",), retell=retell_text_form),
+         (b"ERROR: = a",), reinterpret=reinterpret_text_form),
     Rule("signed-hexadecimal", (PLISTLIB,),
-         "A sign may stand before hexadecimal digits too; plistlib looks for 0x at the start.",
-         (b"<plist><integer>-0x10</integer></plist>",), retell=retell_signed_hexadecimal),
+         "A sign may precede hexadecimal digits too; plistlib looks for 0x at the start.",
+         (b"<plist><integer>-0x10</integer></plist>",), reinterpret=reinterpret_signed_hexadecimal),
     Rule("name-characters", (PLISTLIB,),
          "Names are those of today's XML; expat keeps to the characters of 1998.",
          ("<plist><true \u0220='1'/></plist>".encode(),
-          "<!DOCTYPE \u0663><plist><true/></plist>".encode()), retell=retell_name_characters),
+          "<!DOCTYPE \u0663><plist><true/></plist>".encode()), reinterpret=reinterpret_name_characters),
     Rule("early-years", (PLISTUTIL,),
          "plistutil writes a year before 1000 with fewer than four digits.",
-         (binary_file([b"\x33" + struct.pack(">d", -4e10)]),), retell=retell_early_years),
-    Rule("plistutil-dies", (PLISTUTIL,),
-         "plistutil reserves two bytes of UTF-8 for a unit of UTF-16, and a character can take "
-         "three; whether it dies of that is up to its heap, and plistlib has to agree with us.",
+         (binary_file([b"\x33" + struct.pack(">d", -4e10)]),), reinterpret=reinterpret_early_years),
+    Rule("plistutil-crashes", (PLISTUTIL,),
+         "plistutil reserves two bytes of UTF-8 for a unit of UTF-16, and a character may need "
+         "three; whether it crashes depends on its heap, and plistlib has to agree with us.",
          tuple(wide_text(units, times) for units in range(800, 1051, 50)
-               for times in range(300, 551, 50)), retell=retell_death, enough=any),
+               for times in range(300, 551, 50)), reinterpret=reinterpret_crash, enough=any),
     Rule("carriage-return", (PLISTUTIL,),
          "A carriage return is kept; plistutil writes it bare, and XML reads it as a line feed.",
-         (binary_file([b"\x52a\r"]),), retell=retell_carriage_returns),
+         (binary_file([b"\x52a\r"]),), reinterpret=reinterpret_carriage_returns),
     Rule("empty-utf16", (PLISTUTIL,),
          "An empty string is one in UTF-16 too; plistutil refuses it.",
-         (binary_file([b"\x60"]),), retell=retell_empty_utf16),
+         (binary_file([b"\x60"]),), reinterpret=reinterpret_empty_utf16),
     Rule("date-fraction", (PLISTLIB,),
          "A date is cut to whole seconds; plistlib keeps microseconds.",
          (binary_file([b"\x33" + struct.pack(">d", 1.5)]),), tokens=is_fraction_of_second),
@@ -458,7 +459,7 @@ OTHER_RULES = [
          "A real is kept bit for bit; plistutil writes -0 as 0.",
          (binary_file([b"\x23\x80" + bytes(7)]),), tokens=is_unsigned_zero),
     Rule("wide-negative", (PLISTUTIL,),
-         "An integer of sixteen bytes is signed; plistutil takes the low 64 bits without a sign.",
+         "An integer of sixteen bytes is signed; plistutil uses the low 64 bits without a sign.",
          (binary_file([b"\x14" + b"\xff" * 16]),), tokens=has_lost_its_sign),
 ]
 

@@ -28,7 +28,7 @@ class XmlWriter:
         self._random = random
 
     def document(self, value):
-        """The bytes of a document that holds `value`."""
+        """The bytes of a document that contains `value`."""
         codec, declared, mark = self._random.choice(ENCODINGS)
         self._codec = codec
         text = self._prolog(declared) + self._root(value) + self._between()
@@ -57,7 +57,7 @@ class XmlWriter:
         return self._tagged("plist", inner)
 
     def _between(self):
-        """White space, comments and processing instructions, as they may stand between tags."""
+        """White space, comments and processing instructions, as they may be between tags."""
         text = self._random.choice(WHITE_SPACE)
         while self._one_in(8):
             text += self._random.choice(MISCELLANY) + self._random.choice(WHITE_SPACE)

@@ -14,20 +14,20 @@ std::string_view SplitFront(std::optional<std::string_view>& text, char separato
   return part;
 }
 
-bool IsSetting(std::string_view value) {
+bool SetsIt(std::string_view value) {
   return value != "0";
 }
 
-// A bare switch name has no value to read. That it ends the run is how a malformed switch is
-// treated: no default may be made up for it.
+// A bare switch name has no value to read. A malformed switch ends the run:
+// there is no safe default for it.
 Result<bool, Fault> SetsSwitch(std::string_view token, std::string_view name) {
   std::optional<std::string_view> rest = token;
   if (SplitFront(rest, '=') != name) return false;
   if (!rest) return Fault::BareSwitch;
-  return IsSetting(SplitFront(rest, '='));
+  return SetsIt(SplitFront(rest, '='));
 }
 
-// Looks at every token, also after one that has set the switch: a later 0 does not clear it, but a
+// Reads every token, also after one that has set the switch: a later 0 does not clear it, but a
 // later bare name is still a fault.
 Result<bool, Fault> IsSetInBootArguments(std::optional<std::string_view> bootArguments,
                                          std::string_view name) {
@@ -42,9 +42,9 @@ Result<bool, Fault> IsSetInBootArguments(std::optional<std::string_view> bootArg
 
 bool IsSetInNvram(const std::optional<PropertyValue>& variable) {
   if (!variable) return false;
-  if (const auto text = variable->AsString()) return IsSetting(*text);
+  if (const auto text = variable->AsString()) return SetsIt(*text);
   const auto bytes = variable->AsData();
-  return bytes && FindInvalidUtf8(*bytes) == npos && IsSetting(*bytes);
+  return bytes && FindInvalidUtf8(*bytes) == npos && SetsIt(*bytes);
 }
 
 }  // namespace

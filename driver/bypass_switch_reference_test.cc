@@ -1,4 +1,4 @@
-// The bypass switches against their plain second implementation.
+// Compares the bypass switches with their plain second implementation.
 
 #include <gtest/gtest.h>
 

@@ -42,7 +42,7 @@ bool IsSetByBootArguments(const PropertyValue& arguments) {
   return IsSet(WithBootArguments(arguments));
 }
 
-// The fault that the boot arguments are; nothing when they are none.
+// The fault of the boot arguments, if any.
 std::optional<Fault> FaultOf(const char* arguments) {
   const auto isSet = Read(WithBootArguments(arguments));
   return isSet ? std::nullopt : std::optional(isSet.Error());

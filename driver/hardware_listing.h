@@ -10,9 +10,9 @@
 
 namespace fernwick {
 
-/// Verbose output alone.
+/// For verbose output only.
 
-/// Who the host is and where its personalities are looked for.
+/// The host's identity and where its personalities are searched.
 void PrintHeader(Console& console, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory);
 

@@ -28,7 +28,7 @@ constexpr option LongOptions[] = {
 
 constexpr int EndOfOptions = -1;
 
-// Nothing is normalised: a payload "/a/" gives "/a//Fernwick/".
+// The path is not normalised: a payload "/a/" results in "/a//Fernwick/".
 std::optional<std::string> PersonalitiesDirectory(std::string_view payload) {
   if (FindInvalidUtf8(payload) != npos) return std::nullopt;
   return std::string(payload) + "/Fernwick/";

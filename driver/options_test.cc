@@ -115,7 +115,7 @@ TEST(ParseOptions, LeavesTheCallersVectorAsItIs) {
   EXPECT_STREQ(line.Vector()[1], "operand");
 }
 
-// The parser keeps its place between calls unless it is told to forget it.
+// The parser remembers its position between calls unless it is reset.
 TEST(ParseOptions, CallsAreIndependent) {
   ExpectParsed({"-vXb", "-p", "/a"}, {.accepted = false, .verbose = true},
                "fernwick: invalid option -- 'b'\n");
@@ -131,7 +131,7 @@ TEST(ParseOptions, WithoutEvenANameAsksForNothing) {
   EXPECT_EQ(options.personalitiesDirectory, std::nullopt);
 }
 
-// What the C library's parser finds wrong with a command line, each in another way.
+// Command lines that the C library's parser rejects, each for another reason.
 const std::vector<std::vector<std::string>> RejectedLines = {
     {"-b"},
     {"-vXz"},
@@ -149,7 +149,7 @@ const std::vector<std::vector<std::string>> RejectedLines = {
     {"-v", "operand", "-b", "--no"},
 };
 
-// Ends the process after the parser itself has rejected the line, as a program does that leaves the
+// Ends the process after the parser has rejected the line, like a program that leaves the
 // diagnostics to it.
 [[noreturn]] void ParseAndPrint(const CommandLine& line) {
   constexpr option longOptions[] = {
@@ -179,18 +179,18 @@ TEST(ParseOptions, HasTheDiagnosticThatTheParserWouldPrint) {
 }
 
 TEST(ParseOptions, PrintsNothingAndLeavesStandardErrorAsItWas) {
-  const auto parseAndSpeak = [](const CommandLine& line) {
+  const auto parseAndWrite = [](const CommandLine& line) {
     Parse(line);
     std::fputs("still here", stderr);
     std::fflush(stderr);
     std::_Exit(0);
   };
   for (const auto& words : RejectedLines) {
-    EXPECT_EXIT(parseAndSpeak(CommandLine(words)), ::testing::ExitedWithCode(0),
+    EXPECT_EXIT(parseAndWrite(CommandLine(words)), ::testing::ExitedWithCode(0),
                 ::testing::Eq("still here"))
         << words.front();
   }
-  EXPECT_EXIT(parseAndSpeak({"-v"}), ::testing::ExitedWithCode(0), ::testing::Eq("still here"));
+  EXPECT_EXIT(parseAndWrite({"-v"}), ::testing::ExitedWithCode(0), ::testing::Eq("still here"));
   std::FILE* const before = stderr;
   Parse({"-b"});
   EXPECT_EQ(stderr, before);

@@ -24,7 +24,7 @@ int statusWhenOutOfMemory;
 // Opened the wrong way round, so that using the stream fails as it would if it were closed.
 void ReserveIfClosed(int descriptor, int mode) {
   if (fcntl(descriptor, F_GETFD) >= 0) return;
-  // The lowest free number is taken, which is this one: those below are in use by now.
+  // open returns the lowest free number, which is this one: those below are in use by now.
   [[maybe_unused]] const int reserved = open("/dev/null", mode);
 }
 

@@ -21,7 +21,7 @@
 namespace fernwick {
 namespace {
 
-// Each runs in a child of its own, whose exit status tells what it found.
+// Each runs in a child process, whose exit status is the result.
 
 TEST(PrepareProcess, TurnsABrokenPipeIntoAFailedWrite) {
   const auto writeToBrokenPipe = [] {

@@ -22,7 +22,7 @@ inline constexpr int EmptyPlan = 1;    // a guard that is never reached
 inline constexpr int BadCommandLine = 2;
 inline constexpr int NoMatches = 13;
 inline constexpr int OutOfMemory = 71;  // of the process, not of a run
-inline constexpr int OutputLost = 74;   // in place of 0: the plan did not arrive
+inline constexpr int OutputLost = 74;   // instead of 0: the plan could not be written
 }  // namespace ExitStatus
 
 /// What a run found and decided, as far as it went. The matches view the configuration and the
@@ -40,7 +40,7 @@ struct RunResult {
 };
 
 /// One whole run of the tool over `registry`, which prints to `console` alone. Nothing is kept from
-/// an earlier run, and runs with a registry and a console of their own may take place in several
+/// an earlier run, and runs with a registry and a console of their own may happen in several
 /// threads. After a fault nothing more may be printed: what was not flushed by then is lost.
 /// `trace` may be null.
 RunResult Run(const Options& options, Registry& registry, Console& console,

@@ -496,7 +496,7 @@ TEST(Run, AFaultOfTheListingLeavesTheHeader) {
   EXPECT_EQ(outcome.standardError, "");
 }
 
-// After a fault what waits in the console is not sent.
+// After a fault the console's buffer is not flushed.
 TEST(Run, AFaultFlushesNothing) {
   auto computer = OnePort();
   computer.Set(computer.Options(), "boot-args", "fernwick_bypassversioncheck");

@@ -6,7 +6,7 @@
 
 namespace fernwick::fuzz {
 
-/// An input as the fuzzing engine gives it.
+/// The input from the fuzzing engine as a text.
 inline std::string_view InputText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }

@@ -6,20 +6,20 @@ namespace fernwick::fuzz {
 namespace {
 
 // Removes everything up to the first `separator`, and that one, from the start of `text`.
-std::string_view TakeUpTo(std::string_view& text, char separator) {
+std::string_view SplitFront(std::string_view& text, char separator) {
   const auto end = text.find(separator);
   if (end == std::string_view::npos) return std::exchange(text, {});
-  const auto taken = text.substr(0, end);
+  const auto front = text.substr(0, end);
   text.remove_prefix(end + 1);
-  return taken;
+  return front;
 }
 
 }  // namespace
 
 PackedRun Unpack(std::string_view input) {
   PackedRun run;
-  run.options = TakeUpTo(input, '\n');
-  run.recording = TakeUpTo(input, '\0');
+  run.options = SplitFront(input, '\n');
+  run.recording = SplitFront(input, '\0');
   run.configuration = input;
   return run;
 }
@@ -34,8 +34,8 @@ std::vector<std::string> WordsOf(std::string_view options, std::string_view payl
   std::vector<std::string> words;
   while (!options.empty()) {
     // An argument of a program cannot contain a zero byte.
-    auto word = TakeUpTo(options, ' ');
-    std::string argument(TakeUpTo(word, '\0'));
+    auto word = SplitFront(options, ' ');
+    std::string argument(SplitFront(word, '\0'));
     const auto at = argument.find('@');
     if (at != std::string::npos) argument.replace(at, 1, payload);
     words.push_back(std::move(argument));

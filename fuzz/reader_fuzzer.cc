@@ -1,4 +1,4 @@
-// The one reader of property lists, which detects what it reads: that it detects it by the rule,
+// The reader that detects the serialisation: checks that it detects it by the rule
 // and returns what the reader of that serialisation returns.
 
 #include <string>
@@ -24,7 +24,7 @@ std::string_view OpenedElement(std::string_view text) {
   return text.substr(0, text.find_first_of(" \t\r\n>/"));
 }
 
-// The rule of detection a second time.
+// A second implementation of the detection.
 Serialisation SerialisationOf(std::string_view file, std::string_view text) {
   if (file.empty()) return Serialisation::None;
   if (file.substr(0, 7) == "bplist0") return Serialisation::Binary;

@@ -71,8 +71,8 @@ void TestPackedRun(std::string_view input) {
 
 std::string MutateOptions(std::string_view options, ValueMutator& mutator) {
   constexpr std::string_view Words[] = {"-v", "-X", "-s", "-p @", "--payload=@", "--bypassVersion"};
-  constexpr std::size_t LongestOptions = 256;
-  if (mutator.Pick(2) == 0) return MutatedBytes(options, LongestOptions);
+  constexpr std::size_t MaxOptionsSize = 256;
+  if (mutator.Pick(2) == 0) return MutatedBytes(options, MaxOptionsSize);
   const auto word = Words[mutator.Pick(std::size(Words))];
   return mutator.Pick(4) == 0 ? std::string(word) : std::string(options).append(" ").append(word);
 }

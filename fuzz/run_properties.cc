@@ -81,7 +81,7 @@ void CheckFaults(const RunOutcome& outcome, const RunOutcome& verbose) {
     // Unless it is verbose itself.
     Require(outcome.standardOutput.empty() || outcome == verbose, "a fault leaves no plan");
   } else {
-    // The listing may take an inventory that the configuration does not ask for.
+    // The listing may collect an inventory that the configuration does not need.
     Require(verbose.fault == Fault::MissingUid, "the listing meets no other fault");
   }
 }

@@ -10,7 +10,7 @@ namespace fernwick::fuzz {
 /// Documents, or pieces of one.
 using Texts = std::vector<std::string>;
 
-/// What an XML document may say and the writer never does.
+/// XML documents with syntax that the writer never produces.
 Texts XmlOddities();
 
 /// The same of the old text form.

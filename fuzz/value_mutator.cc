@@ -17,7 +17,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 namespace fernwick::fuzz {
 namespace {
 
-constexpr std::size_t LongestText = 256;
+constexpr std::size_t MaxTextSize = 256;
 
 // Calls `visit` with the value and everything in it.
 template <typename Visit>
@@ -31,8 +31,8 @@ void ForEachPart(const PropertyValue& value, Visit visit) {
   }
 }
 
-// By way of XML a mutated text becomes one that a property list can contain. Too deep a value
-// becomes nothing.
+// Converting from XML replaces what a property list cannot contain in a mutated text. A value that
+// is nested too deeply results in an empty text.
 std::string AsBinary(std::string xml) {
   const auto reading = ReadPropertyList(std::move(xml));
   return reading.list ? WriteBinaryPropertyList(reading.list->value) : std::string();
@@ -140,7 +140,7 @@ Dictionary ValueMutator::DictionaryOf(std::vector<DictionaryEntry>& entries) {
 
 std::string_view ValueMutator::ChangedText(std::string_view text) {
   if (Pick(3) == 0) return AnyKey();
-  return arena_.Copy(MutatedBytes(text, LongestText));
+  return arena_.Copy(MutatedBytes(text, MaxTextSize));
 }
 
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity) {

@@ -12,14 +12,15 @@
 
 namespace fernwick::fuzz {
 
-/// Changes property lists as values, so that the result is again a property list and gets past the
-/// reader. What it puts in comes from the values that it was shown, from the sample values and from
-/// the fuzzing engine's own mutations of texts.
+/// Structure-aware mutation: changes property lists as values, so that the result is accepted by
+/// the reader. Inserted values come from the values that it was shown, from the sample values and
+/// from the fuzzing engine's own mutations of texts. A mutation costs a walk over the value and a
+/// copy of the containers in it.
 class ValueMutator {
  public:
   explicit ValueMutator(unsigned seed);
 
-  /// Shows a property list, whose parts and keys may then turn up anywhere. One that cannot be
+  /// Shows a property list, whose parts and keys may then be inserted anywhere. One that cannot be
   /// read, or is too large, shows nothing.
   void ShowPropertyList(std::string_view bytes);
 
@@ -48,7 +49,7 @@ class ValueMutator {
   std::vector<std::string_view> keys_;
 };
 
-/// What the fuzzing engine by itself would make of the first `capacity` bytes: as many at most.
+/// The first `capacity` bytes as the fuzzing engine's own mutator changes them: as many at most.
 std::string MutatedBytes(std::string_view bytes, std::size_t capacity);
 
 /// The property list in `bytes` mutated as a value, written as binary when it was that and as XML

@@ -21,9 +21,9 @@ Words MarkupOf(const std::string& document) {
 }
 
 void AddWordsOf(const PropertyValue& value, Words& words) {
-  constexpr std::size_t LongestWord = 32;
+  constexpr std::size_t MaxWordSize = 32;
   const auto text = value.AsString();
-  if (text && !text->empty() && text->size() <= LongestWord) words.insert(std::string(*text));
+  if (text && !text->empty() && text->size() <= MaxWordSize) words.insert(std::string(*text));
   if (const auto array = value.AsArray()) {
     for (const auto& element : *array) AddWordsOf(element, words);
   }

@@ -1,4 +1,4 @@
-// The shells complete what the lab takes: what each offers is held against the help of the lab.
+// The shells complete what the lab accepts: what each offers is compared with the help of the lab.
 
 #include <gtest/gtest.h>
 
@@ -76,7 +76,10 @@ TEST_P(Completion, OffersEveryVerbOfTheHelp) {
     verbs.insert(verb);
   }
   EXPECT_FALSE(verbs.empty());
+  EXPECT_EQ(Offered({"help", ""}), verbs);
+  verbs.insert("help");
   EXPECT_EQ(Offered({""}), verbs);
+  EXPECT_EQ(Offered({"--"}), Words{"--version"});
 }
 
 TEST_P(Completion, OffersTheOptionsOfEachVerbAndNoOther) {
@@ -98,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 4);
+  EXPECT_EQ(count, 5);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

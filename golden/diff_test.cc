@@ -33,13 +33,28 @@ const std::string Payload = "../examples/payload";
 TEST(Diff, OfTheSamePayloadIsEmpty) {
   ExpectOutcome(DiffExamples({"-p", Payload, "-p", Payload, "../examples", "none",
                               "recordings/bare-switch.registry.plist"}),
-                {"0",
+                {"66",
                  "none: refused: No such file or directory\n"
                  "recordings/bare-switch.registry.plist: ends abnormally: SIGABRT\n"
                  "7 computers: 0 changed (0 gained a plan, 0 lost it), 5 unchanged, 1 refused, 1 "
                  "ended abnormally\n",
                  ""});
 }
+
+constexpr char LostGroups[] =
+    "1 computer of Zed-1A06: loses plan\n"
+    "  fernwick: Error reading plist: No files to support boardID: Zed-1A06\n"
+    "  fernwick: Unexpected format for config plist file.  Aborting\n"
+    "1 computer of Zed-1A06: loses match LegacyThunderbolt, controller 1 (RID 2, port -, version "
+    "23.020000001): 24, ridge-24.00.bin\n"
+    "  fernwick: Error reading plist: No files to support boardID: Zed-1A06\n"
+    "  fernwick: Unexpected format for config plist file.  Aborting\n"
+    "1 computer of Zed-1A06: loses match LegacyThunderbolt, controller 2 (RID 3, port -, version "
+    "23.060000001): 24, ridge-24.00.bin\n"
+    "  fernwick: Error reading plist: No files to support boardID: Zed-1A06\n"
+    "  fernwick: Unexpected format for config plist file.  Aborting\n"
+    "1 computer: 1 changed (0 gained a plan, 1 lost it), 0 unchanged, 0 refused, 0 ended "
+    "abnormally\n";
 
 constexpr char Lost[] =
     "../examples/thunderbolt-only.registry.plist: board Zed-1A06, revision 1\n"
@@ -60,12 +75,107 @@ constexpr char Lost[] =
 TEST(Diff, ReportsWhatAComputerLoses) {
   ExpectOutcome(DiffExamples({"-p", Payload, "-p", "payloads/older",
                               "../examples/thunderbolt-only.registry.plist"}),
+                {"1", LostGroups, ""});
+  ExpectOutcome(DiffExamples({"-p", Payload, "-p", "payloads/older", "--each",
+                              "../examples/thunderbolt-only.registry.plist"}),
                 {"1", Lost, ""});
 }
 
+// Three computers of a board, of which one has another version, and two payloads of other
+// priorities.
+class GroupedDiff : public ::testing::Test {
+ protected:
+  GroupedDiff() {
+    for (const auto& [name, version] : {std::pair("a", "273"), {"b", "273"}, {"c", "274"}}) {
+      directory_.Write(
+          std::string("fleet/") + name + ".registry.plist",
+          "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+          "<key>IODeviceTree</key><dict><key>Properties</key><dict><key>board-id</key>"
+          "<data>WmVkLTE=</data></dict></dict><key>IOService</key><dict><key>Children</key><array>"
+          "<dict><key>Name</key><string>p</string><key>Class</key><string>QuinceHPMDevice</string>"
+          "<key>Properties</key><dict><key>Version</key><integer>" +
+              std::string(version) + "</integer></dict></dict></array></dict></dict></dict>");
+    }
+    WritePayload("old", "20", "200");
+    WritePayload("new", "99", "113");
+    directory_.Write("old/Fernwick/Zed-1/a.bin", "one");
+    directory_.Write("new/Fernwick/Zed-1/a.bin", "two");
+  }
+
+  void WritePayload(const std::string& payload, const std::string& priority,
+                    const std::string& version) {
+    directory_.Write(payload + "/Fernwick/Zed-1/Config.plist",
+                     "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>" + version +
+                         "</integer><key>Priority</key><integer>" + priority +
+                         "</integer><key>Firmware</key><string>a.bin</string></dict></dict>");
+  }
+
+  ChildOutcome DiffFleet(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"-p", "old", "-p", "new", "fleet"});
+    return Diff(arguments, directory_.Path());
+  }
+
+ private:
+  testing::TemporaryDirectory directory_;
+};
+
+constexpr char FleetTotals[] =
+    "3 computers: 3 changed (0 gained a plan, 0 lost it), 0 unchanged, 0 refused, 0 ended "
+    "abnormally\n";
+
+TEST_F(GroupedDiff, CountsEqualChanges) {
+  const std::string of = " LegacyUSBC, controller 1 (RID -, port -, version ";
+  ExpectOutcome(
+      DiffFleet({}),
+      {"1",
+       "2 computers of Zed-1: version" + of + "111): 200 -> 113\n" +
+           "3 computers of Zed-1: priority: 20 -> 99\n" + "2 computers of Zed-1: image bytes" + of +
+           "111): a.bin, 3 bytes -> a.bin, 3 bytes\n" + "1 computer of Zed-1: version" + of +
+           "112): 200 -> 113\n" + "1 computer of Zed-1: image bytes" + of +
+           "112): a.bin, 3 bytes -> a.bin, 3 bytes\n" + FleetTotals,
+       ""});
+}
+
+TEST_F(GroupedDiff, AsCsvHasALineForEachChange) {
+  const auto outcome = DiffFleet({"--format", "csv"});
+  EXPECT_EQ(outcome.status, "1");
+  EXPECT_EQ(outcome.standardError, FleetTotals);
+  const std::string first =
+      "file,board,revision,change,match,before,after,reasons\r\n"
+      "fleet/a.registry.plist,Zed-1,0,version,\"LegacyUSBC, controller 1 (RID -, port -, version "
+      "111)\",200,113,\r\n"
+      "fleet/a.registry.plist,Zed-1,0,priority,,20,99,\r\n";
+  EXPECT_EQ(outcome.standardOutput.substr(0, first.size()), first);
+}
+
+TEST_F(GroupedDiff, AsJunitFailsWhatChanges) {
+  const auto outcome = DiffFleet({"--format", "junit", "none"});
+  EXPECT_EQ(outcome.status, "66");
+  const std::string first =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n"
+      "  <testsuite name=\"fernwick-lab diff\" tests=\"4\" failures=\"3\" errors=\"0\" "
+      "skipped=\"1\">\n"
+      "    <testcase classname=\"Zed-1\" name=\"fleet/a.registry.plist\">\n"
+      "      <failure type=\"changed\" message=\"not as with the old payload\">\n"
+      "version LegacyUSBC, controller 1 (RID -, port -, version 111): 200 -&gt; 113\n"
+      "priority: 20 -&gt; 99\n";
+  EXPECT_EQ(outcome.standardOutput.substr(0, first.size()), first);
+  const std::string last =
+      "    <testcase classname=\"-\" name=\"none\">\n"
+      "      <skipped message=\"refused: No such file or directory\"/>\n"
+      "    </testcase>\n  </testsuite>\n</testsuites>\n";
+  EXPECT_TRUE(outcome.standardOutput.ends_with(last)) << outcome.standardOutput;
+}
+
+TEST_F(GroupedDiff, HonoursTheVersionBypass) {
+  WritePayload("new", "99", "50");
+  EXPECT_NE(DiffFleet({}).standardOutput.find("3 lost it"), std::string::npos);
+  EXPECT_NE(DiffFleet({"--bypassVersion"}).standardOutput.find("0 lost it"), std::string::npos);
+}
+
 TEST(Diff, AsJsonHasTheRowsAndTheTotals) {
-  ExpectOutcome(DiffExamples({"-p", Payload, "-p", Payload, "--json", "none"}),
-                {"0",
+  ExpectOutcome(DiffExamples({"-p", Payload, "-p", Payload, "--format", "json", "none"}),
+                {"66",
                  "{\n"
                  "  \"computers\": [\n"
                  "    {\n"
@@ -104,7 +214,7 @@ TEST(Diff, AsJsonHasTheRowsAndTheTotals) {
                  ""});
 }
 
-// The inventory that ends the run is taken for one of the payloads alone.
+// The inventory that ends the run is collected for only one of the payloads.
 TEST(Diff, ReportsAnAbnormalEndThatAppearsOrDisappears) {
   const testing::TemporaryDirectory directory;
   directory.Write("with/Fernwick/Zed-42/Config.plist",
@@ -114,14 +224,10 @@ TEST(Diff, ReportsAnAbnormalEndThatAppearsOrDisappears) {
   const std::string totals =
       "1 computer: 1 changed (0 gained a plan, 0 lost it), 0 unchanged, 0 refused, 0 ended "
       "abnormally\n";
-  ExpectOutcome(
-      Diff({"-p", "with", "-p", "without", recording}, directory.Path()),
-      {"1",
-       recording + ": board Zed-42, revision 3\n  no longer ends abnormally: SIGABRT\n" + totals,
-       ""});
-  ExpectOutcome(
-      Diff({"-p", "without", "-p", "with", recording}, directory.Path()),
-      {"1", recording + ": board Zed-42, revision 3\n  ends abnormally: SIGABRT\n" + totals, ""});
+  ExpectOutcome(Diff({"-p", "with", "-p", "without", recording}, directory.Path()),
+                {"1", "1 computer of Zed-42: no longer ends abnormally: SIGABRT\n" + totals, ""});
+  ExpectOutcome(Diff({"-p", "without", "-p", "with", recording}, directory.Path()),
+                {"1", "1 computer of Zed-42: ends abnormally: SIGABRT\n" + totals, ""});
 }
 
 TEST(Diff, NeedsTwoPayloadsThatAreThere) {

@@ -1,4 +1,4 @@
-// The commands in the documents are run, and must print what the documents show. A document shows a
+// Runs the commands in the documents, which must print what the documents show. A document shows a
 // command in a block fenced as "console", a manual page in a literal one: lines that begin with
 // "$ " are run by the shell at the top of the source tree, with the built programs on the PATH;
 // what follows each is what it prints, its standard error included, up to the next command. A last
@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 const fs::path SourceDirectory = FERNWICK_SOURCE_DIRECTORY;
 
 struct ShownCommand {
-  std::string place;  // document and line
+  std::string location;  // document and line
   std::string command;
   std::string output;
 };
@@ -54,8 +54,8 @@ std::vector<ShownCommand> CommandsOf(const fs::path& document) {
     if (line == markup.blockStart || line == markup.blockEnd) {
       inBlock = line == markup.blockStart;
     } else if (inBlock && line.starts_with("$ ")) {
-      const auto place = document.filename().string() + ":" + std::to_string(number);
-      commands.push_back({place, markup.plainText(line.substr(2)), ""});
+      const auto location = document.filename().string() + ":" + std::to_string(number);
+      commands.push_back({location, markup.plainText(line.substr(2)), ""});
     } else if (inBlock && !commands.empty()) {
       commands.back().output += markup.plainText(line) + "\n";
     }
@@ -85,11 +85,11 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
   const auto commands = AllCommands();
   ASSERT_FALSE(commands.empty());
   const std::string path = std::string("PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; exec 2>&1; ");
-  for (const auto& [place, command, output] : commands) {
+  for (const auto& [location, command, output] : commands) {
     const auto outcome =
         testing::RunChild({"/bin/sh", "-c", path + command}, SourceDirectory.string());
     const auto status = outcome.status == "0" ? "" : "[status " + outcome.status + "]\n";
-    EXPECT_EQ(outcome.standardOutput + status, output) << place;
+    EXPECT_EQ(outcome.standardOutput + status, output) << location;
   }
 }
 
@@ -162,7 +162,7 @@ TEST(Documents, ExplainHowToExtendByTestsAndFilesThatExist) {
   EXPECT_GT(count, 20);
 }
 
-// All that `pattern` finds in the first group, each split at what stands between words.
+// All matches of the first group of `pattern`, each split into words.
 std::set<std::string> WordsFound(const std::string& text, const std::regex& pattern) {
   const std::regex word(R"([a-z][\w.+-]*)");
   std::set<std::string> words;
@@ -189,7 +189,7 @@ TEST(Documents, ExplainWhyDevInstallsEachPackage) {
   EXPECT_EQ(named, installed);
 }
 
-// What a newcomer sees first.
+// The demonstration, the first thing that a newcomer runs.
 TEST(Dev, DemoShowsAPlanAndTheOtherComputers) {
   const auto outcome = testing::RunChild(
       {"/usr/bin/env", "FERNWICK_BUILD=" FERNWICK_BUILD_DIRECTORY, "./dev", "demo"},

@@ -1,4 +1,4 @@
-// `explain` of the lab as a process: that it says of the golden cases what the tool itself does,
+// `explain` of the lab as a process: that its verdicts on the golden cases are the tool's own,
 // and how it fails. What it prints, whole, is in the golden cases of golden/explanations.
 
 #include <gtest/gtest.h>
@@ -48,7 +48,7 @@ TEST(Explain, OfAConfigurationThatCannotBeReadIsAFailure) {
   EXPECT_NE(outcome.standardOutput.find("no configuration for this board"), std::string::npos);
 }
 
-// What the explanation calls matched, as the tool's report would show it.
+// The matches of the explanation in the form of the tool's report.
 std::vector<ReportedMatch> ExplainedMatches(const nlohmann::json& json) {
   std::vector<ReportedMatch> matches;
   for (const auto& key : json["keys"]) {
@@ -84,7 +84,7 @@ std::string PayloadOf(const GoldenReplay& replay) {
   return arguments.back();
 }
 
-// The payload and the bypass of the case; everything else is output alone.
+// The payload and the bypass of the case; the other options only affect the output.
 std::vector<std::string> ExplainableArguments(const GoldenReplay& replay) {
   std::vector<std::string> arguments = {replay.recording, "-p", PayloadOf(replay)};
   if (std::ranges::count(replay.toolArguments, "--bypassVersion") > 0) {

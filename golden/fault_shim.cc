@@ -1,8 +1,9 @@
-// Preloaded into a program by faults_test.cc: makes the world change, or fail, at a chosen moment.
+// Fault injection, preloaded into a program by faults_test.cc: replaces functions of the C library,
+// and changes a file or makes a call fail at a chosen moment.
 //
 //   FERNWICK_FAULT=MOMENT:ACTION:NAME   when a file whose path ends in NAME comes to MOMENT (open,
 //                                       fstat, read, reread), ACTION happens to that path first
-//   FERNWICK_FAILING_ALLOCATION=N       the Nth allocation gives nothing
+//   FERNWICK_FAILING_ALLOCATION=N       the Nth allocation fails
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,8 +24,8 @@ struct Fault {
   std::string_view moment, action, name;
 };
 
-// What stands up to the next ":", which is taken off `text` with it.
-std::string_view TakeField(std::string_view& text) {
+// Removes the text up to the next ":" and the ":" from the front of `text`, and returns the former.
+std::string_view SplitFront(std::string_view& text) {
   const auto field = text.substr(0, text.find(':'));
   text.remove_prefix(field.size() < text.size() ? field.size() + 1 : text.size());
   return field;
@@ -33,7 +34,7 @@ std::string_view TakeField(std::string_view& text) {
 Fault ChosenFault() {
   const char* value = std::getenv("FERNWICK_FAULT");
   std::string_view text = value == nullptr ? "" : value;
-  return {TakeField(text), TakeField(text), text};
+  return {SplitFront(text), SplitFront(text), text};
 }
 
 char openedPath[4096];  // of the file that the fault is about
@@ -50,7 +51,7 @@ void AppendBlanks(const char* path) {
   close(file);
 }
 
-void Swell(const char* path) {
+void Enlarge(const char* path) {
   if (truncate(path, (off_t{1} << 30) + 1) != 0) std::abort();
 }
 
@@ -59,11 +60,11 @@ void Halve(const char* path) {
   if (stat(path, &status) != 0 || truncate(path, status.st_size / 2) != 0) std::abort();
 }
 
-// Sets errno where the call itself is to fail, and returns false then.
+// Changes the file. Where the call itself is to fail, sets errno and returns false.
 bool Act(std::string_view action, const char* path) {
   if (action == "empty" && truncate(path, 0) != 0) std::abort();
   if (action == "halve") Halve(path);
-  if (action == "swell") Swell(path);
+  if (action == "enlarge") Enlarge(path);
   if (action == "grow") AppendBlanks(path);
   if (action == "remove" || action == "fifo" || action == "directory") {
     if (unlink(path) != 0) std::abort();
@@ -77,7 +78,7 @@ bool Act(std::string_view action, const char* path) {
 }
 
 // Whether the call may go on.
-bool Arrive(std::string_view moment, const char* path) {
+bool ApplyFaultAt(std::string_view moment, const char* path) {
   static bool acted = false;
   const Fault fault = ChosenFault();
   if (acted || fault.moment != moment) return true;
@@ -85,7 +86,7 @@ bool Arrive(std::string_view moment, const char* path) {
   return Act(fault.action, path);
 }
 
-bool IsAboutIt(std::string_view path) {
+bool IsChosenFile(std::string_view path) {
   const Fault fault = ChosenFault();
   return !fault.name.empty() && path.ends_with(fault.name);
 }
@@ -104,25 +105,25 @@ int open(const char* path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  const bool isIt = openedFile < 0 && openedPath[0] == '\0' && IsAboutIt(path);
-  if (isIt) {
+  const bool isChosen = openedFile < 0 && openedPath[0] == '\0' && IsChosenFile(path);
+  if (isChosen) {
     std::string_view(path).copy(openedPath, sizeof openedPath - 1);
-    if (!Arrive("open", path)) return -1;
+    if (!ApplyFaultAt("open", path)) return -1;
   }
   const int file = Real<int(const char*, int, ...)>("open")(path, flags, mode);
-  if (isIt) openedFile = file;
+  if (isChosen) openedFile = file;
   return file;
 }
 
 int fstat(int file, struct stat* status) noexcept {
-  if (file >= 0 && file == openedFile && !Arrive("fstat", openedPath)) return -1;
+  if (file >= 0 && file == openedFile && !ApplyFaultAt("fstat", openedPath)) return -1;
   return Real<int(int, struct stat*)>("fstat")(file, status);
 }
 
 ssize_t read(int file, void* bytes, std::size_t size) {
   if (file >= 0 && file == openedFile) {
     ++readCount;
-    if (!Arrive(readCount == 1 ? "read" : "reread", openedPath)) return -1;
+    if (!ApplyFaultAt(readCount == 1 ? "read" : "reread", openedPath)) return -1;
   }
   return Real<ssize_t(int, void*, std::size_t)>("read")(file, bytes, size);
 }

@@ -1,4 +1,4 @@
-// The programs in a world that fails or changes under them: each ends with a plan that is whole and
+// The programs while files change and calls fail under them: each ends with a complete plan and
 // the status 0, or with a message, another status and no plan.
 
 #include <gtest/gtest.h>
@@ -61,10 +61,10 @@ class World {
   }
 #endif
 
-  // A replay by a shell that does first, and adds to the command, what is given.
-  ChildOutcome ReplayByShell(const std::string& before, const std::string& behind) const {
+  // A replay by a shell that runs `before` first and appends `after` to the command.
+  ChildOutcome ReplayByShell(const std::string& before, const std::string& after) const {
     return RunChild(
-        {"/bin/sh", "-c", before + "\"$0\" replay computer.registry.plist -p . " + behind,
+        {"/bin/sh", "-c", before + "\"$0\" replay computer.registry.plist -p . " + after,
          FERNWICK_LAB_PROGRAM},
         Path());
   }
@@ -75,7 +75,7 @@ class World {
   std::string configuration_;
 };
 
-// What a world gives that nothing happens to.
+// The outcome without a fault.
 ChildOutcome UsualOutcome() {
   auto usual = World().Replay();
   EXPECT_EQ(usual.status, "0");
@@ -150,7 +150,7 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
 }
 
 TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadEndsInNoPlan) {
-  ExpectOutcome(ReplayWithRace("read", "swell", "Config.plist"),
+  ExpectOutcome(ReplayWithRace("read", "enlarge", "Config.plist"),
                 NoPlan("the file is larger than 1 GiB, format: 0"));
 }
 
@@ -184,7 +184,7 @@ TEST(Recording, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
   }
 }
 
-// One allocation after the other fails, until the program makes no more.
+// Each allocation in turn fails, until there are no more.
 TEST(Memory, ThatRunsOutAtAnyPointEndsInAPlanOrNone) {
   if (testing::CountingCoverage) GTEST_SKIP();
   const auto usual = UsualOutcome();
@@ -218,7 +218,7 @@ TEST(Memory, OfAnyLimitEndsInAPlanOrNone) {
     SCOPED_TRACE(kibibytes);
     const auto found =
         world.ReplayByShell("ulimit -v " + std::to_string(kibibytes) + "; exec ", "");
-    // Where not even the program's own file finds room, the system ends it before it begins.
+    // Where the limit is too low to load the program, the system ends it before it begins.
     const bool starts = found.status != "127" && found.status != "SIGSEGV";
     if (found == usual) {
       met.emplace_back("plan");
@@ -251,11 +251,11 @@ TEST(Size, OfAConfigurationAtItsBounds) {
 
 TEST(Size, OfARecordingAtItsBounds) {
   const World world;
-  const std::string told = "fernwick-lab: computer.registry.plist: ";
+  const std::string prefix = "fernwick-lab: computer.registry.plist: ";
   std::filesystem::resize_file(world.Recording(), 0);
-  ExpectOutcome(world.Replay(), {"65", "", told + "the file is empty\n"});
+  ExpectOutcome(world.Replay(), {"65", "", prefix + "the file is empty\n"});
   std::filesystem::resize_file(world.Recording(), Gibibyte + 1);
-  ExpectOutcome(world.Replay(), {"66", "", told + "the file is larger than 1 GiB\n"});
+  ExpectOutcome(world.Replay(), {"66", "", prefix + "the file is larger than 1 GiB\n"});
 }
 
 TEST(Payload, OfANameThatIsNotUtf8IsAbsent) {

@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(Replays), TestName);
 INSTANTIATE_TEST_SUITE_P(Explanations, Golden, ::testing::ValuesIn(Explanations), TestName);
 INSTANTIATE_TEST_SUITE_P(Shows, Golden, ::testing::ValuesIn(Shows), TestName);
 
-// A file that is not read as a case would be compared with nothing.
+// A file that is not read as a case would never be compared.
 TEST(GoldenCases, AreAllFilesOfTheirDirectories) {
   std::size_t count = 0;
   for (const char* directory : {"cases", "explanations", "shows"}) {
@@ -81,7 +81,7 @@ TEST(GoldenCases, AreAllFilesOfTheirDirectories) {
   EXPECT_EQ(count, Replays.size() + Explanations.size() + Shows.size());
 }
 
-// None is lost, and each is where its verb belongs.
+// Every case file is read, and is in the directory of its verb.
 TEST(GoldenCases, RunTheVerbOfTheirDirectory) {
   EXPECT_GE(Replays.size(), 44U);
   EXPECT_GE(Explanations.size(), 15U);

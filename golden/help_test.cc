@@ -1,4 +1,4 @@
-// Each verb's --help says what the verb does and holds examples, and these work.
+// Each verb's --help describes the verb and contains examples, and these work.
 
 #include <gtest/gtest.h>
 
@@ -29,17 +29,17 @@ std::string HelpOf(const std::vector<std::string>& verb) {
   return outcome.standardOutput;
 }
 
-// What stands indented behind a line: the first words, or all of each line.
-std::vector<std::string> IndentedBehind(const std::string& heading, const std::string& help) {
+// The indented lines after a heading: the first words, or all of each line.
+std::vector<std::string> IndentedAfter(const std::string& heading, const std::string& help) {
   std::vector<std::string> found;
-  bool isBehind = false;
+  bool isAfter = false;
   std::istringstream lines(help);
   for (std::string line; std::getline(lines, line);) {
     if (line == heading) {
-      isBehind = true;
+      isAfter = true;
     } else if (!line.starts_with("  ")) {
-      isBehind = false;
-    } else if (isBehind) {
+      isAfter = false;
+    } else if (isAfter) {
       found.push_back(line.substr(2));
     }
   }
@@ -48,13 +48,13 @@ std::vector<std::string> IndentedBehind(const std::string& heading, const std::s
 
 std::vector<std::string> Verbs() {
   std::vector<std::string> verbs;
-  for (const auto& line : IndentedBehind("verbs:", HelpOf({}))) {
+  for (const auto& line : IndentedAfter("verbs:", HelpOf({}))) {
     verbs.push_back(line.substr(0, line.find(' ')));
   }
   return verbs;
 }
 
-// What the examples speak of: two computers, by themselves and in a directory, payloads for them,
+// The files of the examples: two computers, by themselves and in a directory, payloads for them,
 // and a directory to write to.
 class Bench {
  public:
@@ -64,8 +64,8 @@ class Bench {
     for (const auto& [name, example] :
          {std::pair("desk", "ports-only"), std::pair("lap", "thunderbolt-only")}) {
       const auto recording = Examples / (std::string(example) + ".registry.plist");
-      for (const char* place : {"/", "/computers/"}) {
-        fs::copy(recording, directory_.Path() + place + name + ".registry.plist");
+      for (const char* directory : {"/", "/computers/"}) {
+        fs::copy(recording, directory_.Path() + directory + name + ".registry.plist");
       }
     }
     for (const char* payload : {"/payload", "/payload-1", "/payload-2"}) {
@@ -98,7 +98,7 @@ TEST(Help, OfEachVerbBeginsWithWhatItDoes) {
 TEST(Help, OfEachVerbHasExamplesThatWork) {
   for (const auto& verb : Verbs()) {
     const Bench bench;
-    const auto examples = IndentedBehind("Example:", HelpOf({verb}));
+    const auto examples = IndentedAfter("Example:", HelpOf({verb}));
     EXPECT_FALSE(examples.empty()) << verb;
     for (const auto& example : examples) {
       EXPECT_TRUE(example.starts_with("fernwick-lab " + verb + " ")) << example;

@@ -102,7 +102,7 @@ TEST(Lint, GoesOnAfterAMalformedConfiguration) {
       {"65",
        "p/Fernwick/Zed-A/Config.plist:byte 8: error: the file is cut short "
        "[malformed-property-list]\n"
-       "p/Fernwick/Zed-B/Config.plist:2:1: error: </plist> stands where </dict> was expected "
+       "p/Fernwick/Zed-B/Config.plist:2:1: error: </plist> found where </dict> was expected "
        "[malformed-property-list]\n"
        "p/Fernwick/Zed-C/Config.plist:1:1: error: the configuration is an array, not a dictionary "
        "[not-a-dictionary]\n"
@@ -123,7 +123,7 @@ TEST(Lint, ReportsWhatCannotBeReadFirst) {
        ""});
 }
 
-// Which is another thing than that it is not there.
+// Different from a file that is missing.
 TEST(Lint, ReportsAConfigurationThatCannotBeInspected) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/Zed-A/README", "");

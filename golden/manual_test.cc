@@ -54,9 +54,9 @@ std::set<std::string> DiagnosticsOf(const Requirement& requirement) {
   for (const auto& value : testing::ValueDomain()) values.emplace_back(value);
   std::set<std::string> diagnostics;
   for (const auto& wanted : values) {
-    const auto personality = testing::Holding(requirement.key, wanted);
+    const auto personality = testing::SingleEntry(requirement.key, wanted);
     for (const auto& found : values) {
-      const auto hardware = testing::Holding(requirement.hardwareKey, found);
+      const auto hardware = testing::SingleEntry(requirement.hardwareKey, found);
       auto diagnostic = Test(requirement, personality, {hardware}).diagnostic;
       if (diagnostic.empty()) continue;
       EXPECT_TRUE(diagnostic.ends_with('\n')) << diagnostic;

@@ -1,4 +1,4 @@
-// A survey of more computers than memory should have to contain.
+// A survey of many computers, whose memory must not grow with their number.
 
 #include "testing/programs/many_computers.h"
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "testing/programs/child_process.h"
-#include "testing/programs/fed_program.h"
+#include "testing/programs/piped_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -57,8 +57,8 @@ class ManyComputers : public ::testing::Test {
   }
 
   // Surveys so many more that come to their end, and returns the number of bytes of their rows.
-  static std::size_t SurveyMore(testing::FedProgram& survey, std::size_t count) {
-    constexpr std::size_t AtOnce = 25;  // fewer than a pipe holds either way
+  static std::size_t SurveyMore(testing::PipedProcess& survey, std::size_t count) {
+    constexpr std::size_t AtOnce = 25;  // both directions fit into a pipe
     static_assert(AtOnce < Faulty);
     std::size_t bytes = 0;
     for (std::size_t done = 0; done < count; done += AtOnce) {
@@ -113,7 +113,7 @@ TEST_F(ManyComputers, ComeFromStandardInputTheSame) {
 TEST_F(ManyComputers, UseNoMoreMemoryThanFewDo) {
   if (testing::UnderAddressSanitizer) GTEST_SKIP() << "keeps what is freed";
   constexpr std::size_t Bound = 1024;  // KiB
-  testing::FedProgram survey(
+  testing::PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "payload", "--format", "ndjson", "-j2", "-"},
       directory_.Path());
   SurveyMore(survey, 1000);

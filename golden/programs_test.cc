@@ -1,4 +1,4 @@
-// The programs as processes: what only the end of a process can show.
+// The programs as processes: what can only be observed at the end of a process.
 
 #include <gtest/gtest.h>
 
@@ -23,18 +23,20 @@ const std::string Payload = "../examples/payload";
 
 constexpr char Usage[] =
     "usage: fernwick-lab VERB [ARGUMENT...]\n"
+    "       fernwick-lab help [VERB]\n"
+    "       fernwick-lab --version\n"
     "\n"
     "verbs:\n"
     "  lint       look for mistakes in the configurations of a payload\n"
     "  replay     run the tool over a recorded computer\n"
-    "  explain    tell why the personalities of a payload match or not\n"
-    "  show       show what a recorded computer holds and what the tool sees of it\n"
-    "  convert    write a recorded computer in another serialisation\n"
+    "  explain    explain why the personalities of a payload match or not\n"
+    "  show       print the registry of a recorded computer and what the tool reads of it\n"
+    "  convert    write a property list in another serialisation\n"
     "  redact     write recorded computers without what identifies them\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
-    "  diff       tell which recorded computers two payloads treat differently\n"
+    "  diff       print which recorded computers two payloads treat differently\n"
     "\n"
-    "\"fernwick-lab VERB --help\" explains one.\n";
+    "\"fernwick-lab help VERB\" explains one.\n";
 
 ChildOutcome RunLab(std::vector<std::string> arguments,
                     OutputTarget target = OutputTarget::Captured) {
@@ -129,7 +131,20 @@ TEST(Lab, WithoutAVerbPrintsItsUsage) {
 }
 
 TEST(Lab, HelpIsAResult) {
-  ExpectOutcome(RunLab({"--help"}), {"0", Usage, ""});
+  for (const char* help : {"--help", "-h", "help"}) ExpectOutcome(RunLab({help}), {"0", Usage, ""});
+}
+
+TEST(Lab, HelpOfAVerbIsAResult) {
+  for (const char* verb : {"replay", "show", "redact"}) {
+    const auto help = RunLab({verb, "--help"});
+    EXPECT_EQ(help.status, "0");
+    ExpectOutcome(RunLab({"help", verb}), help);
+    ExpectOutcome(RunLab({verb, "-h"}), help);
+  }
+}
+
+TEST(Lab, PrintsItsVersion) {
+  ExpectOutcome(RunLab({"--version"}), {"0", "fernwick-lab " FERNWICK_VERSION "\n", ""});
 }
 
 TEST(Lab, HelpThatCannotBeWrittenIsAFailure) {
@@ -141,7 +156,23 @@ TEST(Lab, HelpThatCannotBeWrittenIsAFailure) {
 
 TEST(Lab, RefusesAnUnknownVerb) {
   ExpectOutcome(RunLab({"reply"}),
-                {"64", "", "fernwick-lab: there is no verb \"reply\"; see fernwick-lab --help\n"});
+                {"64", "",
+                 "fernwick-lab: there is no verb \"reply\" (did you mean \"replay\"?); see "
+                 "fernwick-lab --help\n"});
+  ExpectOutcome(
+      RunLab({"help", "everything"}),
+      {"64", "", "fernwick-lab: there is no verb \"everything\"; see fernwick-lab --help\n"});
+  ExpectOutcome(RunLab({"--verison"}),
+                {"64", "",
+                 "fernwick-lab: there is no option \"--verison\" (did you mean \"--version\"?); "
+                 "see fernwick-lab --help\n"});
+}
+
+TEST(Lab, NamesAMistypedOptionBeforeWhatIsMissing) {
+  ExpectOutcome(RunLab({"explain", "--payloda", Payload, Recording}),
+                {"64", "",
+                 "fernwick-lab: there is no option \"--payloda\" (did you mean \"--payload\"?); "
+                 "see fernwick-lab explain --help\n"});
 }
 
 TEST(Replay, WithoutARecordingPrintsItsUsage) {
@@ -172,7 +203,7 @@ TEST(Replay, OfAMalformedRecordingPrintsNothing) {
   const auto outcome =
       RunChild({FERNWICK_LAB_PROGRAM, "replay", "broken.plist", "-v"}, directory.Path());
   ExpectOutcome(outcome, {"65", "",
-                          "fernwick-lab: broken.plist: line 3, column 1: </plist> stands where "
+                          "fernwick-lab: broken.plist: line 3, column 1: </plist> found where "
                           "</dict> was expected\n"});
 }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,9 +47,9 @@ TEST(Convert, ThereAndBackIsTheSameRecording) {
   const auto again = directory.Path() + "/again";
   ASSERT_GE(Recordings().size(), 5u);
   for (const auto& name : Recordings()) {
-    EXPECT_EQ(RunLab({"convert", name, xml, "--to", "xml"}), Done);
-    EXPECT_EQ(RunLab({"convert", xml, binary, "--to", "binary"}), Done);
-    EXPECT_EQ(RunLab({"convert", binary, again, "--to=xml"}), Done);
+    EXPECT_EQ(RunLab({"convert", name, xml, "--to", "xml", "--force"}), Done);
+    EXPECT_EQ(RunLab({"convert", xml, binary, "--to", "binary", "--force"}), Done);
+    EXPECT_EQ(RunLab({"convert", binary, again, "--to=xml", "--force"}), Done);
     EXPECT_EQ(ReadFile(again), ReadFile(xml));
     EXPECT_EQ(RunLab({"show", binary, "--json"}), RunLab({"show", name, "--json"}));
   }
@@ -59,17 +61,54 @@ TEST(Convert, NeedsAFormThatItKnows) {
             "[status 64]\n");
 }
 
-TEST(Convert, OfABadRecordingWritesNothing) {
+TEST(Convert, AcceptsAnyPropertyList) {
+  const TemporaryDirectory directory;
+  const auto text = directory.Write("text", "{ \"Firmware\" = (a, \"b c\"); }");
+  const auto binary = directory.Path() + "/binary";
+  EXPECT_EQ(RunLab({"convert", text, binary, "--to", "binary"}), Done);
+  EXPECT_TRUE(ReadFile(binary).starts_with("bplist00"));
+  EXPECT_EQ(RunLab({"convert", binary, "-", "--to", "xml"}),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
+            "\t<key>Firmware</key>\n\t<array>\n\t\t<string>a</string>\n"
+            "\t\t<string>b c</string>\n\t</array>\n</dict>\n</plist>\n[status 0]\n");
+}
+
+TEST(Convert, ReadsStandardInputAndWritesStandardOutput) {
+  const auto lab = std::string(FERNWICK_LAB_PROGRAM);
+  const std::string name = "ports-only.registry.plist";
+  const auto command = lab + " convert - - --to binary < " + name + " | " + lab +
+                       " convert - - --to xml | " + lab + " show - --json";
+  const auto outcome = testing::RunChild({"/bin/sh", "-c", command}, Examples.string());
+  EXPECT_EQ(outcome.standardOutput + outcome.standardError + Done,
+            RunLab({"show", name, "--json"}));
+}
+
+TEST(Explain, ReadsStandardInput) {
+  const std::string name = "up-to-date.registry.plist";
+  const auto outcome = testing::RunChild(
+      {"/bin/sh", "-c", std::string(FERNWICK_LAB_PROGRAM) + " explain - -p payload < " + name},
+      Examples.string());
+  EXPECT_EQ(outcome.standardOutput + outcome.standardError + Done,
+            RunLab({"explain", name, "-p", "payload"}));
+}
+
+TEST(Convert, ReplacesAFileOnlyWhenForced) {
+  const TemporaryDirectory directory;
+  const auto out = directory.Write("out", "old");
+  const std::string name = "ports-only.registry.plist";
+  EXPECT_EQ(RunLab({"convert", name, out, "--to", "xml"}),
+            "fernwick-lab: " + out +
+                ": there is a file of that name; --force replaces it\n[status 74]\n");
+  EXPECT_EQ(ReadFile(out), "old");
+  EXPECT_EQ(RunLab({"convert", name, out, "--to", "xml", "--force"}), Done);
+  EXPECT_TRUE(ReadFile(out).starts_with("<?xml"));
+}
+
+TEST(Convert, OfAMalformedFileWritesNothing) {
   const TemporaryDirectory directory;
   const auto out = directory.Path() + "/out";
-  const auto bad = directory.Write("bad", "<dict/>");
-  EXPECT_EQ(RunLab({"convert", bad, out, "--to", "xml"}),
-            "fernwick-lab: " + bad + ": \"Recording Version\" is missing\n[status 65]\n");
-  const auto text = directory.Write("text", "{ \"Recording Version\" = 1; }");
-  EXPECT_EQ(RunLab({"convert", text, out, "--to", "xml"}),
-            "fernwick-lab: " + text +
-                ": a recording is an XML or binary property list, not the old text form\n"
-                "[status 65]\n");
+  const auto bad = directory.Write("bad", "<dict>");
+  EXPECT_TRUE(RunLab({"convert", bad, out, "--to", "xml"}).ends_with("[status 65]\n"));
   EXPECT_EQ(RunLab({"convert", directory.Path(), out, "--to", "xml"}),
             "fernwick-lab: " + directory.Path() + ": Is a directory\n[status 66]\n");
   EXPECT_FALSE(fs::exists(out));
@@ -80,12 +119,49 @@ TEST(Convert, ReportsAnOutputThatCannotBeWritten) {
             "fernwick-lab: /nowhere/out: No such file or directory\n[status 74]\n");
 }
 
+using Json = nlohmann::json;
+
+// The names of all members but those of properties, planes and hardware records, which are data.
+void CollectMembers(const Json& json, std::set<std::string>& members) {
+  for (const auto& [name, value] : json.items()) {
+    if (json.is_object()) members.insert(name);
+    const bool isData =
+        name == "properties" || name == "thunderboltControllers" || name == "portControllers";
+    if (name == "planes") {
+      for (const auto& root : value) CollectMembers(root, members);
+    } else if (value.is_structured() && (!isData || value.contains("endsRunAbnormally"))) {
+      CollectMembers(value, members);
+    }
+  }
+}
+
+TEST(Show, HasItsJsonDocumented) {
+  std::set<std::string> members;
+  for (const char* recording :
+       {"ports-below-thunderbolt.registry.plist", "../golden/recordings/no-uid.registry.plist"}) {
+    const auto outcome =
+        testing::RunChild({FERNWICK_LAB_PROGRAM, "show", recording, "--json"}, Examples.string());
+    ASSERT_EQ(outcome.status, "0") << outcome.standardError;
+    CollectMembers(Json::parse(outcome.standardOutput), members);
+  }
+  EXPECT_EQ(members.size(), 14u);
+  const auto document = ReadFile(fs::path(FERNWICK_SOURCE_DIRECTORY) / "docs" / "json.md");
+  const auto section = document.substr(document.find("## show\n"));
+  for (const auto& member : members) {
+    EXPECT_NE(section.find("`" + member + "`"), std::string::npos) << member;
+  }
+}
+
 TEST(Redact, LeavesThePlansAsTheyWere) {
   const TemporaryDirectory directory;
   auto words = Recordings();
   words.insert(words.begin(), "redact");
   words.push_back(directory.Path());
-  EXPECT_EQ(RunLab(words), "replaced \"UID\": 6\nreplaced \"UUID\": 8\n[status 0]\n");
+  const auto report = RunLab(words);
+  EXPECT_TRUE(
+      report.starts_with("replaced \"UID\": 6\nreplaced \"UUID\": 8\nkept \"Address\": 9\n"))
+      << report;
+  EXPECT_TRUE(report.ends_with("[status 0]\n")) << report;
   for (const auto& name : Recordings()) {
     EXPECT_EQ(RunLab({"replay", directory.Path() + "/" + name, "-p", "payload"}),
               RunLab({"replay", name, "-p", "payload"}));
@@ -97,23 +173,92 @@ TEST(Redact, KeepsTheSerialisation) {
   const auto binary = directory.Path() + "/binary";
   const auto out = directory.Path() + "/out";
   RunLab({"convert", "ports-only.registry.plist", binary, "--to", "binary"});
-  EXPECT_EQ(RunLab({"redact", binary, out}), "replaced \"UUID\": 3\n[status 0]\n");
+  EXPECT_TRUE(RunLab({"redact", binary, out}).starts_with("replaced \"UUID\": 3\nkept "));
   EXPECT_TRUE(ReadFile(out).starts_with("bplist00"));
 }
 
-TEST(Redact, AcceptsFurtherKeys) {
+// A recording of a device tree's root with these properties.
+std::string RecordingWith(const std::string& properties) {
+  return "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+         "<key>IODeviceTree</key><dict><key>Properties</key><dict>" +
+         properties + "</dict></dict></dict></dict>";
+}
+
+constexpr char Private[] =
+    "<key>owner</key><string>Ann</string><key>room</key><string>9</string>"
+    "<key>board-rev</key><data>AA==</data>";
+
+TEST(Redact, DropsAndKeepsPropertiesAndListsThem) {
   const TemporaryDirectory directory;
+  const auto path = directory.Write("in", RecordingWith(Private));
   const auto out = directory.Path() + "/out";
-  EXPECT_EQ(
-      RunLab({"redact", "ports-only.registry.plist", out, "--key", "Address", "--key=Revision"}),
-      "replaced \"Address\": 4\nreplaced \"Revision\": 4\nreplaced \"UUID\": 3\n[status 0]\n");
+  EXPECT_EQ(RunLab({"redact", path, out}),
+            "nothing to replace\nkept \"board-rev\": 1\ndropped \"owner\": 1\n"
+            "dropped \"room\": 1\n[status 0]\n");
+  EXPECT_EQ(RunLab({"redact", path, out, "--force", "--keep", "room", "--key=owner"}),
+            "replaced \"owner\": 1\nkept \"board-rev\": 1\nkept \"room\": 1\n[status 0]\n");
+  EXPECT_EQ(RunLab({"redact", path, out, "--force", "--keep-all"}),
+            "nothing to replace\nkept \"board-rev\": 1\nkept \"owner\": 1\n"
+            "kept \"room\": 1\n[status 0]\n");
+}
+
+TEST(Redact, WarnsOfAKeyWithoutEffect) {
+  const TemporaryDirectory directory;
+  const auto path = directory.Write("in", RecordingWith(Private));
+  const auto out = directory.Path() + "/out";
+  EXPECT_EQ(RunLab({"redact", path, out, "--key", "onwer", "--keep", "nothing"}),
+            "nothing to replace\nkept \"board-rev\": 1\ndropped \"owner\": 1\n"
+            "dropped \"room\": 1\n"
+            "fernwick-lab: warning: --key \"onwer\" replaced nothing (did you mean \"owner\"?)\n"
+            "fernwick-lab: warning: --keep \"nothing\" kept nothing\n[status 0]\n");
+}
+
+TEST(Redact, RefusesAKeyThatTheToolReadsUnlessForced) {
+  const TemporaryDirectory directory;
+  const auto path = directory.Write("in", RecordingWith(Private));
+  const auto out = directory.Path() + "/out";
+  EXPECT_EQ(RunLab({"redact", path, out, "--key", "board-rev"}),
+            "fernwick-lab: --key \"board-rev\": the tool reads this property, so it would decide "
+            "differently; --force replaces it all the same\n[status 64]\n");
+  EXPECT_FALSE(fs::exists(out));
+  EXPECT_TRUE(RunLab({"redact", path, out, "--key", "board-rev", "--force"})
+                  .starts_with("replaced \"board-rev\": 1\n"));
+  EXPECT_EQ(RunLab({"redact", path, out, "--key", "UUID", "--force"}).find("the tool reads"),
+            std::string::npos);
+}
+
+TEST(Redact, ReplacesAFileOnlyWhenForced) {
+  const TemporaryDirectory directory;
+  const auto out = directory.Write("ports-only.registry.plist", "old");
+  const std::string one = "ports-only.registry.plist";
+  EXPECT_EQ(RunLab({"redact", "up-to-date.registry.plist", one, directory.Path()}),
+            "fernwick-lab: " + out +
+                ": there is a file of that name; --force replaces it\n[status 74]\n");
+  EXPECT_FALSE(fs::exists(directory.Path() + "/up-to-date.registry.plist"));
+  EXPECT_EQ(ReadFile(out), "old");
+}
+
+TEST(Redact, ReadsStandardInputAndWritesStandardOutput) {
+  const TemporaryDirectory directory;
+  const auto in = directory.Write("in", RecordingWith(Private));
+  const auto lab = std::string(FERNWICK_LAB_PROGRAM);
+  const auto outcome = testing::RunChild(
+      {"/bin/sh", "-c", lab + " redact - - < in | " + lab + " show - | head -n 5"},
+      directory.Path());
+  EXPECT_EQ(outcome.standardOutput,
+            "Board (null) (0x0), revision 0\n\nIODeviceTree:\n/\n      \"board-rev\" = <00>\n");
+  EXPECT_TRUE(outcome.standardError.starts_with("nothing to replace\nkept \"board-rev\": 1\n"));
+  EXPECT_EQ(RunLab({"redact", "-", directory.Path()}),
+            "fernwick-lab: standard input has no name for a file in " + directory.Path() +
+                "\n[status 64]\n");
 }
 
 TEST(Redact, ReportsThatNothingWasReplaced) {
   const TemporaryDirectory directory;
   const auto out = directory.Path() + "/out";
   EXPECT_EQ(RunLab({"redact", "no-supported-hardware.registry.plist", out}),
-            "nothing to replace\n[status 0]\n");
+            "nothing to replace\nkept \"Vendor ID\": 1\nkept \"board-id\": 1\n"
+            "kept \"board-rev\": 1\n[status 0]\n");
 }
 
 TEST(Redact, WithOneBadRecordingWritesNone) {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "testing/programs/child_process.h"
-#include "testing/programs/fed_program.h"
 #include "testing/programs/many_computers.h"
+#include "testing/programs/piped_process.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -20,8 +20,8 @@ namespace {
 
 using testing::ChildOutcome;
 using testing::ExpectOutcome;
-using testing::FedProgram;
 using testing::OutputTarget;
+using testing::PipedProcess;
 
 // Runs in golden/.
 ChildOutcome Survey(std::vector<std::string> arguments,
@@ -99,7 +99,8 @@ TEST(Survey, AsCsvIsALineForEveryMatchOrComputer) {
       SurveyEachOutcome({"--format", "csv"}),
       {"0",
        "file,outcome,status,reason,board,revision,type,rid,port "
-       "address,installed,version,image,diagnostics\r\n"
+       "address,installed,version,image,diagnostics,image "
+       "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,2,,23."
        "020000001,24,ridge-24.00.bin,\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,3,,23."
@@ -158,7 +159,7 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        Totals});
 }
 
-// A saved survey in which one row is changed, one is missing and one is too much.
+// A saved survey in which one row is changed, one is missing and one is added.
 class ExpectedSurvey : public ::testing::Test {
  protected:
   ChildOutcome SurveyAgainst(const std::string& saved, const std::string& format) {
@@ -216,7 +217,8 @@ TEST_F(ExpectedSurvey, AsNdjsonHasBothRows) {
 TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
   const std::string names =
       "difference,side,file,outcome,status,reason,board,revision,type,rid,port "
-      "address,installed,version,image,diagnostics\r\n";
+      "address,installed,version,image,diagnostics,image "
+      "missing,priority,SetNVRAM,ClearNVRAM,options\r\n";
   ExpectOutcome(SurveyAgainst(missingRow_ + Rows[0] + Rows[1] + Rows[2] + Rows[4], "csv"),
                 {"1",
                  names + "additional,found,none.registry.plist,refused,66,No such file or "
@@ -293,7 +295,7 @@ TEST(Survey, WhoseOutputIsLostDoesNotWaitForStandardInput) {
     const auto outcome = testing::RunChild(
         {"/bin/bash", "-c",
          "exec 3<> <(:); echo recordings/bypass-nvram.registry.plist >&3; \"$0\" survey -p "
-         "../examples/payload \"$1\" - <&3 >/dev/full; echo $?",
+         "../examples/payload --format ndjson \"$1\" - <&3 >/dev/full; echo $?",
          FERNWICK_LAB_PROGRAM, jobs},
         FERNWICK_GOLDEN_DIRECTORY);
     ExpectOutcome(outcome, {"0", "74\n",
@@ -317,7 +319,8 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
             "\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
   EXPECT_EQ(outcome("csv"),
             "file,outcome,status,reason,board,revision,type,rid,port "
-            "address,installed,version,image,diagnostics\r\n"
+            "address,installed,version,image,diagnostics,image "
+            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
             "\"./a\\033[31m,\"\"\\377\\012.registry.plist\",refused,65,\"\"\"Recording "
             "Version\"\" is missing\",,,,,,,,,\r\n");
   EXPECT_EQ(
@@ -341,7 +344,8 @@ TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
                               OutputTarget::Captured, directory.Path());
   EXPECT_EQ(outcome.standardOutput,
             "file,outcome,status,reason,board,revision,type,rid,port "
-            "address,installed,version,image,diagnostics\r\n"
+            "address,installed,version,image,diagnostics,image "
+            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
             "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,\r\n");
 }
 
@@ -360,12 +364,13 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
       directory.Path());
   ExpectOutcome(outcome, {"71",
                           "file,outcome,status,reason,board,revision,type,rid,port "
-                          "address,installed,version,image,diagnostics\r\n"
+                          "address,installed,version,image,diagnostics,image "
+                          "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
                           "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,\r\n",
                           "fernwick: out of memory\n"});
 }
 
-// Whatever signal it is, and however many threads wait for standard input or for their turn.
+// For each signal, with one thread and with several that wait for input or for their turn.
 class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const char*>> {
  protected:
   // What a process has open.
@@ -378,8 +383,8 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
     return files;
   }
 
-  // The temporary files that the survey has opened.
-  static std::vector<std::string> TemporaryFiles(const FedProgram& survey) {
+  // The temporary files that the survey has open.
+  static std::vector<std::string> TemporaryFiles(const PipedProcess& survey) {
     const auto inherited = OpenFiles("self");
     auto files = OpenFiles(std::to_string(survey.Process()));
     std::erase_if(files, [&](const std::string& file) {
@@ -391,9 +396,9 @@ class InterruptedSurvey : public ::testing::TestWithParam<std::tuple<int, const 
 
 TEST_P(InterruptedSurvey, EndsByTheSignalAndLeavesNoProcessAndNoFile) {
   const auto [number, jobs] = GetParam();
-  FedProgram survey({FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", jobs, "--format",
-                     "ndjson", "-"},
-                    FERNWICK_GOLDEN_DIRECTORY);
+  PipedProcess survey({FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", jobs,
+                       "--format", "ndjson", "-"},
+                      FERNWICK_GOLDEN_DIRECTORY);
   survey.Write("recordings/bypass-nvram.registry.plist\n");
   EXPECT_EQ(survey.ReadLine(), Rows[2]);  // it works
   EXPECT_EQ(survey.Children(), std::vector<pid_t>{});
@@ -407,7 +412,7 @@ INSTANTIATE_TEST_SUITE_P(ByEachSignal, InterruptedSurvey,
                                             ::testing::Values("-j1", "-j3")));
 
 TEST(Survey, ThatIsInterruptedHasShownTheRowsBefore) {
-  FedProgram survey(
+  PipedProcess survey(
       {FERNWICK_LAB_PROGRAM, "survey", "-p", "../examples/payload", "--format", "ndjson", "-"},
       FERNWICK_GOLDEN_DIRECTORY);
   survey.Write("recordings/bypass-nvram.registry.plist\n");

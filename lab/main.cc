@@ -1,14 +1,18 @@
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "driver/process.h"
 #include "lab/support/messages.h"
+#include "lab/support/spelling.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
 namespace {
 
-// What the program can do. Everything about a verb is here and in its own file.
+// One row for each verb. Its implementation is in a file of its name.
 struct Verb {
   std::string_view name;
   const char* summary;
@@ -18,22 +22,51 @@ struct Verb {
 constexpr Verb Verbs[] = {
     {"lint", "look for mistakes in the configurations of a payload", Lint},
     {"replay", "run the tool over a recorded computer", Replay},
-    {"explain", "tell why the personalities of a payload match or not", ExplainVerb},
-    {"show", "show what a recorded computer holds and what the tool sees of it", Show},
-    {"convert", "write a recorded computer in another serialisation", Convert},
+    {"explain", "explain why the personalities of a payload match or not", ExplainVerb},
+    {"show", "print the registry of a recorded computer and what the tool reads of it", Show},
+    {"convert", "write a property list in another serialisation", Convert},
     {"redact", "write recorded computers without what identifies them", Redact},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
-    {"diff", "tell which recorded computers two payloads treat differently", Diff},
+    {"diff", "print which recorded computers two payloads treat differently", Diff},
 };
 
 std::string Usage() {
-  std::string text = "usage: fernwick-lab VERB [ARGUMENT...]\n\nverbs:\n";
+  std::string text =
+      "usage: fernwick-lab VERB [ARGUMENT...]\n"
+      "       fernwick-lab help [VERB]\n"
+      "       fernwick-lab --version\n"
+      "\nverbs:\n";
   for (const auto& verb : Verbs) {
     auto name = std::string(verb.name);
     name.resize(11, ' ');
     text.append("  ").append(name).append(verb.summary).append("\n");
   }
-  return text + "\n\"fernwick-lab VERB --help\" explains one.\n";
+  return text + "\n\"fernwick-lab help VERB\" explains one.\n";
+}
+
+const Verb* FindVerb(std::string_view name) {
+  const auto* verb = std::ranges::find(Verbs, name, &Verb::name);
+  return verb == std::end(Verbs) ? nullptr : verb;
+}
+
+int RefuseVerb(std::string_view name) {
+  std::vector<std::string_view> known = {"help"};
+  for (const auto& verb : Verbs) known.push_back(verb.name);
+  const bool isOption = name.starts_with('-');
+  if (isOption) known = {"--help", "--version"};
+  PrintError(std::string(isOption ? "there is no option \"" : "there is no verb \"") +
+             std::string(name) + "\"" + SuggestionFor(name, known) + "; see fernwick-lab --help");
+  return LabStatus::BadUsage;
+}
+
+// `arguments` are those after "help".
+VerbEnd Help(int argumentCount, char* const arguments[]) {
+  if (argumentCount == 0) return PrintResult(Usage());
+  const auto* verb = FindVerb(arguments[0]);
+  if (verb == nullptr) return RefuseVerb(arguments[0]);
+  char option[] = "--help";
+  char* const help[] = {option, nullptr};
+  return verb->run(1, help);
 }
 
 VerbEnd Main(int argumentCount, char* const arguments[]) {
@@ -42,16 +75,15 @@ VerbEnd Main(int argumentCount, char* const arguments[]) {
     return LabStatus::BadUsage;
   }
   const std::string_view name = arguments[1];
-  if (name == "--help") return PrintResult(Usage());
-  for (const auto& verb : Verbs) {
-    if (verb.name == name) return verb.run(argumentCount - 2, arguments + 2);
-  }
-  PrintError("there is no verb \"" + std::string(name) + "\"; see fernwick-lab --help");
-  return LabStatus::BadUsage;
+  if (name == "--help" || name == "-h") return PrintResult(Usage());
+  if (name == "--version") return PrintResult("fernwick-lab " FERNWICK_VERSION "\n");
+  if (name == "help") return Help(argumentCount - 2, arguments + 2);
+  const auto* verb = FindVerb(name);
+  return verb == nullptr ? RefuseVerb(name) : verb->run(argumentCount - 2, arguments + 2);
 }
 
-// The library that takes command lines apart allocates before main begins, and memory may run out
-// even there.
+// The library that parses command lines allocates before main begins, and memory may run out even
+// there.
 struct EndWhenOutOfMemoryFromTheStart {
   EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::OutOfMemory); }
 };

@@ -6,9 +6,9 @@
 
 namespace fernwick::lab {
 
-/// How a verb ends.
+/// The end of a verb.
 struct VerbEnd {
-  VerbEnd(int exitStatus) : status(exitStatus) {}  // NOLINT: most end in nothing else
+  VerbEnd(int exitStatus) : status(exitStatus) {}  // NOLINT: most have no fault
 
   int status;                       // of the process
   std::optional<Fault> fault = {};  // the process is to end abnormally instead
@@ -19,8 +19,8 @@ struct VerbEnd {
 // standard output, messages on standard error, and returns the process's exit status: one of
 // LabStatus, except where it says otherwise.
 
-/// Looks for mistakes in the configurations of a payload. The status is 1 when something was found
-/// that is as grave as --fail-level.
+/// Looks for mistakes in the configurations of a payload. The status is 1 when there is a finding
+/// of the severity --fail-level or a higher one.
 VerbEnd Lint(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over a recorded computer. The end is the tool's own, once it runs.
@@ -33,14 +33,15 @@ extern const char ReplayHelp[];
 /// the status of the run, as long as it is explained.
 VerbEnd ExplainVerb(int argumentCount, char* const arguments[]);
 
-/// Prints the registry of a recorded computer as a tree, with the controllers picked out, and both
+/// Prints the registry of a recorded computer as a tree, with the controllers marked, and both
 /// inventories as the tool sees them.
 VerbEnd Show(int argumentCount, char* const arguments[]);
 
-/// Writes the same recording in another serialisation, value for value.
+/// Writes a property list, a recording or any other, in another serialisation, value for value.
 VerbEnd Convert(int argumentCount, char* const arguments[]);
 
-/// Writes recordings without what identifies the computers, consistent across those named together.
+/// Writes recordings without what identifies the computers. Equal identifiers have equal pseudonyms
+/// in all recordings of one command.
 VerbEnd Redact(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over every selected computer and prints a row for each.

@@ -1,5 +1,5 @@
-// The schema of keys agrees with the requirements and with the match record: the lab explains and
-// judges personalities by the schema.
+// Checks that the schema of keys agrees with the requirements and with the match record: the lab
+// explains and lints personalities by the schema.
 
 #include <gtest/gtest.h>
 
@@ -17,8 +17,8 @@ namespace fernwick {
 namespace {
 
 using testing::Dict;
-using testing::Holding;
 using testing::List;
+using testing::SingleEntry;
 using testing::With;
 using testing::Without;
 using Names = std::set<std::string>;
@@ -160,7 +160,7 @@ TEST(CheckedKeys, HaveTheKindThatTheChecksAccept) {
     const auto list = value->AsArray();
     const auto single = list ? (*list)[0] : *value;
     for (const auto& form : FormsOf(single)) {
-      const auto update = With(Update, Holding(key.name, form));
+      const auto update = With(Update, SingleEntry(key.name, form));
       for (const auto type : AllTypes) {
         const bool isChecked = (key.checkedBy & type) != 0;
         EXPECT_EQ(Applies(type, update), !isChecked || Accepts(key.kind, form, single))

@@ -1,5 +1,5 @@
-// The four requirement checks beside the plain reference: verdict and diagnostics, over domains
-// small enough to go through whole, then at random.
+// Compares the four requirement checks with the plain reference: verdict and diagnostics, over
+// domains small enough for exhaustive comparison, then at random.
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ using Records = std::vector<Record>;
 
 constexpr std::uint8_t BoardRevision = 2;
 
-// What a check holds against what.
+// One input of a check.
 struct Constraint {
   const char* personalityKey;
   const char* hardwareKey;
@@ -121,7 +121,7 @@ const std::vector<Named<CheckPair>> Checks = {
     {"Thunderbolt", {CheckThunderboltRequirements, reference::CheckThunderboltRequirements}},
 };
 
-// Compares the two until they differ for the first time; a test that saw only one verdict fails.
+// Compares the two up to the first difference; a test that sees only one verdict fails.
 class ChecksReference : public ::testing::TestWithParam<Named<CheckPair>> {
  protected:
   // With the version check and with it bypassed.
@@ -143,7 +143,7 @@ class ChecksReference : public ::testing::TestWithParam<Named<CheckPair>> {
   }
 
  private:
-  // Of the board revision the matcher passes the low 8 bits on; the reference takes them itself.
+  // The matcher passes on the low 8 bits of the board revision; the reference truncates it itself.
   void CompareOnce(const Record& personality, const Record& hardware, unsigned boardRevision,
                    bool bypass) {
     if (HasFailure()) return;
@@ -231,7 +231,7 @@ void Apply(const std::optional<Change>& change, Record& record) {
   if (change) record = Replacing(record, change->key, change->value);
 }
 
-// Which of two flaws is told, or whether both are, shows the order of the steps.
+// Which of two flaws is reported, or whether both are, shows the order of the steps.
 TEST_P(ChecksReference, AgreesOnAnyTwoFlawsAtOnce) {
   const auto flaws = AllFlaws();
   for (const auto& one : flaws) {
@@ -269,7 +269,7 @@ class RandomRecords {
   }
 
  private:
-  // Now and then what the other side holds, by itself or in an array.
+  // Sometimes the other side's value, by itself or in an array.
   MaybeValue Value(const PropertyValue* other) {
     if (other == nullptr || choice_.OnceIn(2)) return choice_.OneOf(Domain);
     if (choice_.OnceIn(2)) return *other;

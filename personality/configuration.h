@@ -19,7 +19,7 @@ std::optional<std::string> ConfigurationPath(
     const std::optional<std::string>& personalitiesDirectory);
 
 /// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns the
-/// property list, with a value of whatever kind, or nothing after one line in the system log: there
+/// property list, with a value of whatever kind, or nullopt after one line in the system log: there
 /// is no such directory, no such file, or it cannot be read or parsed.
 std::optional<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,

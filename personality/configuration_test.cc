@@ -84,7 +84,7 @@ class Payload {
     directory_.Write("Fernwick/" + std::string(relativePath), contents);
   }
 
-  void LetAnyoneIn() const {
+  void RestorePermissions() const {
     for (const auto& path : {directory_.Path(), PersonalitiesDirectory(), BoardDirectoryPath()}) {
       fs::permissions(path, fs::perms(0755));
     }
@@ -96,7 +96,7 @@ class Payload {
   TemporaryDirectory directory_;
 };
 
-// What loading gives of a configuration of these bytes.
+// The result of loading a configuration of these bytes.
 Loading LoadBytes(std::string_view contents) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", contents);
@@ -341,7 +341,7 @@ TEST(Configuration, ADeviceIsNotRead) {
 TEST(Configuration, AFileThatMayNotBeReadIsReported) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
-  payload.LetAnyoneIn();
+  payload.RestorePermissions();
   fs::permissions(payload.ConfigPath(), fs::perms::none);
   const testing::Unprivileged unprivileged;
   EXPECT_EQ(payload.LoadConfig(), NotRead("Permission denied", 0));
@@ -350,7 +350,7 @@ TEST(Configuration, AFileThatMayNotBeReadIsReported) {
 TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHasNoConfiguration) {
   const Payload payload;
   payload.Write("Zed-42/Config.plist", SmallConfig);
-  payload.LetAnyoneIn();
+  payload.RestorePermissions();
   fs::permissions(payload.BoardDirectoryPath(), fs::perms::none);
   {
     const testing::Unprivileged unprivileged;
@@ -410,7 +410,7 @@ TEST(Configuration, NestedAsDeeplyAsMayBeIsLoaded) {
             (Loading{testing::NestedArrays(511, Array()), ""}));
 }
 
-// What is left of a file of which only the beginning arrived is told with the reader's own words.
+// A truncated file is reported with the reader's own message.
 TEST(Configuration, CutShortAnywhereIsReported) {
   const std::string_view whole = SmallConfig;
   const std::size_t end = whole.find("</plist>") + 8;

@@ -15,14 +15,14 @@ namespace {
 using testing::Applies;
 using testing::CheckResult;
 using testing::DoesNotApply;
-using testing::Holding;
 using testing::List;
 using testing::NonNumbers;
 using testing::ResultOf;
+using testing::SingleEntry;
 using testing::With;
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t TwoTo53 = std::uint64_t{1} << 53;
 
 constexpr char NoVersion[] = "** No current firmware version?\n";
@@ -73,7 +73,7 @@ CheckResult BypassedWindow(const Record& personality, const Record& hardware) {
 CheckResult Replacing(const std::optional<PropertyValue>& installed,
                       const std::optional<PropertyValue>& offered,
                       VersionCheck check = VersionCheck::Done) {
-  return Window(Holding("Version", offered), Holding("Version", installed), check);
+  return Window(SingleEntry("Version", offered), SingleEntry("Version", installed), check);
 }
 
 CheckResult BypassedReplacing(const std::optional<PropertyValue>& installed,
@@ -91,8 +91,8 @@ TEST(FirmwareVersionWindow, AcceptsOnlyAStrictlyNewerVersion) {
   EXPECT_EQ(Replacing(5, 5), DoesNotApply());
   EXPECT_EQ(Replacing(6, 5), DoesNotApply());
   EXPECT_EQ(Replacing(-1, 0), Applies());
-  EXPECT_EQ(Replacing(-1, Greatest), Applies());
-  EXPECT_EQ(Replacing(Greatest, -1), DoesNotApply());
+  EXPECT_EQ(Replacing(-1, MaxUnsigned), Applies());
+  EXPECT_EQ(Replacing(MaxUnsigned, -1), DoesNotApply());
 }
 
 TEST(FirmwareVersionWindow, ComparesVersionsExactlyAcrossKinds) {
@@ -131,7 +131,8 @@ const Record Version4 = {{"Version", 4}};
 const Record Version5 = {{"Version", 5}};
 
 TEST(FirmwareVersionWindow, EngineeringFirmwareIsRejectedOnlyByTheGate) {
-  for (const PropertyValue& engineering : List({64, 128, 192, 1, -1, Greatest, 1.0, 64.5, true})) {
+  for (const PropertyValue& engineering :
+       List({64, 128, 192, 1, -1, MaxUnsigned, 1.0, 64.5, true})) {
     const auto hardware = With(Version4, {{"Engineering Version", engineering}});
     EXPECT_EQ(GatedWindow(Version5, hardware), DoesNotApply())
         << ::testing::PrintToString(engineering);
@@ -218,7 +219,7 @@ TEST(FirmwareVersionWindow, AVersionAboveTheMaximumIsReported) {
 }
 
 TEST(FirmwareVersionWindow, BoundsAreComparedExactly) {
-  const Record newest = {{"Version", Greatest}};
+  const Record newest = {{"Version", MaxUnsigned}};
   EXPECT_EQ(Window(With(newest, {{"Existing Max Version", 9007199254740992.0}}),
                    {{"Version", TwoTo53 + 1}}),
             DoesNotApply(MaximumNotMet));

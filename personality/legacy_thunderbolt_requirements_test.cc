@@ -29,7 +29,7 @@ CheckResult Bypassed(const Record& personality, const Record& hardware) {
   return ResultOf(CheckLegacyThunderboltRequirements, personality, {hardware, 0, true});
 }
 
-// Installed is 41.05, as a controller holds it.
+// The installed version is 41.05, as a record stores it.
 const Record Controller = {
     {"RID", 3},
     {"Ridge Silicon Vendor ID", 0x5A86},

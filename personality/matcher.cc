@@ -22,7 +22,7 @@ struct KeyMatch {
   std::vector<MatchRecord>& matches;
 };
 
-// Tests one candidate against one controller, whose check it is, and adds the record of a match.
+// Tests one candidate against the controller of `check`, and adds the record of a match.
 PairOutcome MatchPair(const KeyMatch& key, const PropertyValue& candidate,
                       const HardwareRecord& controller, const ControllerCheck& check) {
   const auto personality = candidate.AsDictionary();
@@ -45,8 +45,8 @@ void MatchController(const KeyMatch& key, Array candidates, const HardwareRecord
   if (outcomes != nullptr) outcomes->resize(candidates.size(), PairOutcome::NotReached);
 }
 
-// Each controller of its own: the one personality of "LegacyUSBC" may apply to several, and so may
-// each of an array.
+// Controllers are matched independently: the one personality of "LegacyUSBC" may apply to several,
+// and so may each of an array.
 void MatchControllers(const KeyMatch& key, const PropertyValue& value,
                       const HardwareInventory& inventory, KeyTrace* trace) {
   const auto candidates = PersonalitiesOf(key.typeName, value);
@@ -57,7 +57,7 @@ void MatchControllers(const KeyMatch& key, const PropertyValue& value,
   }
 }
 
-// The inventory is taken for every key, also for one that names no type, and shared between none.
+// An inventory is collected for every key, also for one that names no type, and never shared.
 std::optional<Fault> MatchKey(const KeyMatch& key, const PropertyValue& value) {
   auto& registry = key.context.registry;
   auto inventory = key.type == Types::LegacyThunderbolt ? CollectThunderboltControllers(registry)

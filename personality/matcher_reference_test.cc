@@ -1,5 +1,5 @@
-// The match record and the whole matcher beside the plain reference: the records with the order of
-// their keys, the inventories taken, and all that reaches standard error.
+// Compares the match record and the whole matcher with the plain reference: the records with the
+// order of their keys, the inventories collected, and all that reaches standard error.
 
 #include <gtest/gtest.h>
 
@@ -50,8 +50,8 @@ const std::vector<PropertyValue> Domain = ValueDomain();
 
 const Keys Types = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"};
 
-// Dictionaries compare by this text: it tells every kind from every other and keeps the order of
-// the keys, and in it NaN is itself.
+// Dictionaries are compared by this text: it distinguishes every kind and keeps the order of
+// the keys, and NaN equals itself in it.
 std::string TextOf(const PropertyValue& value) {
   return WriteXmlPropertyList(value);
 }
@@ -227,7 +227,7 @@ class RandomPayloads {
   RandomChoice choice_{20260918};
 };
 
-// What a matching returns and does, in a form that compares whole.
+// What a matching returns and writes, in a form that is compared as a whole.
 struct Outcome {
   std::string records;
   Calls inventories;

@@ -602,7 +602,7 @@ TEST(Matcher, EachInventoryReadsTheUuidsAgain) {
                               "** Missing port UUID(s)\n"));
 }
 
-// A personality that is told when it is checked.
+// A personality whose check writes a diagnostic.
 const Record TooOld = With(PortUpdate, {{"Existing Max Version", 170}});
 const Record TooNew = With(PortUpdate, {{"Existing Min Version", 172}});
 constexpr char MaximumNotMet[] = "** Max firmware version not met.  Aborting\n";

@@ -15,13 +15,13 @@ namespace fernwick {
 namespace {
 
 using testing::Bytes;
-using testing::Holding;
 using testing::List;
 using testing::NestedArrays;
 using testing::NonNumbers;
+using testing::SingleEntry;
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t TwoTo53 = std::uint64_t{1} << 53;
 
 constexpr char Key[] = "RID";
@@ -64,8 +64,8 @@ const PropertyValue* Pointer(const std::optional<PropertyValue>& value) {
 Verdict Matching(const Requirement& requirement, const std::optional<PropertyValue>& personality,
                  const std::optional<PropertyValue>& hardware) {
   const auto verdict = RequirementSetMatch(requirement, Pointer(personality), Pointer(hardware));
-  const auto wanted = Holding(requirement.key, personality);
-  const auto found = Holding(requirement.hardwareKey, hardware);
+  const auto wanted = SingleEntry(requirement.key, personality);
+  const auto found = SingleEntry(requirement.hardwareKey, hardware);
   EXPECT_EQ(Test(requirement, wanted, {found}), verdict);
   EXPECT_EQ(Test(requirement, wanted, {found, 3, true}), verdict);
   return verdict;
@@ -121,8 +121,8 @@ TEST(RequirementSetMatch, NumbersMatchAcrossKinds) {
 TEST(RequirementSetMatch, NumbersAreComparedExactly) {
   EXPECT_EQ(Matching(Optional, TwoTo53 + 1, 9007199254740992.0), Unequal);
   EXPECT_EQ(Matching(Optional, TwoTo53, 9007199254740992.0), Met);
-  EXPECT_EQ(Matching(Optional, Greatest, 18446744073709551616.0), Unequal);
-  EXPECT_EQ(Matching(Optional, -1, Greatest), Unequal);
+  EXPECT_EQ(Matching(Optional, MaxUnsigned, 18446744073709551616.0), Unequal);
+  EXPECT_EQ(Matching(Optional, -1, MaxUnsigned), Unequal);
   EXPECT_EQ(Matching(Optional, NotANumber, NotANumber), Unequal);
   EXPECT_EQ(Matching(Optional, List({NotANumber}), NotANumber), Unequal);
 }

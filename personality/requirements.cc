@@ -13,8 +13,9 @@ using enum KeyPresence;
 using enum RequirementTest;
 using enum SingleValueKind;
 
-// The rules of whether the firmware may be installed over the one that is: it is newer, and the
-// installed version is within both bounds, inclusive. Only the first two depend on the bypass.
+// The version window: whether the firmware may be installed over the installed one. It is newer,
+// and the installed version is within both bounds, inclusive. Only the first two depend on the
+// bypass.
 constexpr Requirement Newer = {NewerVersion, "Version", "Version"};
 constexpr Requirement Released = {ReleasedFirmware, "Version", "Engineering Version"};
 constexpr Requirement Installed = {InstalledVersion, "Version", "Version"};
@@ -48,7 +49,7 @@ constexpr std::array UsbcOwn = {
     Requirement{.key = "Port OTP Revision",
                 .hardwareKey = "Port OTP Revision",
                 .missingKeyMessage = "** Missing port OTP revision key(s) **\n"},
-    // The kind and the comparison disagree, and must: a single string fails the kind, a single
+    // The kind and the comparison disagree on purpose: a single string fails the kind, a single
     // number never equals a string, so only an array of strings can match.
     Requirement{.key = "Port UUID",
                 .hardwareKey = "Port UUID",
@@ -84,7 +85,7 @@ constexpr auto Joined(const std::array<Requirement, Sizes>&... tables) {
   return joined;
 }
 
-// The table as the type's own.
+// The table with each requirement marked as the type's own.
 template <std::size_t Size>
 constexpr auto Of(std::string_view type, std::array<Requirement, Size> table) {
   for (auto& requirement : table) requirement.type = type;

@@ -26,10 +26,10 @@ using testing::Applies;
 using testing::Bytes;
 using testing::Dict;
 using testing::DoesNotApply;
-using testing::Holding;
 using testing::List;
 using testing::NonNumbers;
 using testing::ResultOf;
+using testing::SingleEntry;
 using testing::With;
 using testing::Without;
 
@@ -39,8 +39,8 @@ using enum SingleValueKind;
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
-constexpr std::int64_t Lowest = std::numeric_limits<std::int64_t>::min();
+constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
+constexpr std::int64_t MinSigned = std::numeric_limits<std::int64_t>::min();
 constexpr std::uint64_t TwoTo53 = std::uint64_t{1} << 53;
 
 // Equal, greater, less.
@@ -50,13 +50,13 @@ Comparisons Compared(const PropertyValue& a, const PropertyValue& b) {
   return {NumbersEqual(a, b), NumberGreater(a, b), NumberLess(a, b)};
 }
 
-constexpr Comparisons NoneOfThem = {false, false, false};
+constexpr Comparisons AllFalse = {false, false, false};
 
 // Ascending; the numbers of one group are equal.
 const std::vector<std::vector<PropertyValue>> GroupsInOrder = {
     {-Infinity},
     {-9223372036854777856.0},
-    {Lowest, -9223372036854775808.0},
+    {MinSigned, -9223372036854775808.0},
     {-2},
     {-1, -1.0},
     {-0.5},
@@ -70,7 +70,7 @@ const std::vector<std::vector<PropertyValue>> GroupsInOrder = {
     {41.050000000999994},
     {TwoTo53, 9007199254740992.0},
     {TwoTo53 + 1},
-    {Greatest},
+    {MaxUnsigned},
     {18446744073709551616.0},
     {Infinity},
 };
@@ -89,20 +89,20 @@ TEST(Comparisons, NumbersOfEveryKindCompareByExactValue) {
 }
 
 TEST(Comparisons, NanIsUnorderedWithEveryNumber) {
-  EXPECT_EQ(Compared(NotANumber, NotANumber), NoneOfThem);
+  EXPECT_EQ(Compared(NotANumber, NotANumber), AllFalse);
   for (const auto& group : GroupsInOrder) {
-    EXPECT_EQ(Compared(NotANumber, group.front()), NoneOfThem);
-    EXPECT_EQ(Compared(group.front(), NotANumber), NoneOfThem);
+    EXPECT_EQ(Compared(NotANumber, group.front()), AllFalse);
+    EXPECT_EQ(Compared(group.front(), NotANumber), AllFalse);
   }
 }
 
 TEST(Comparisons, AnOperandThatIsNotANumberMakesEachFalse) {
   for (const auto& [name, other] : NonNumbers()) {
     for (const PropertyValue& number : List({5, 5.0, true, -1, 9})) {
-      EXPECT_EQ(Compared(other, number), NoneOfThem) << name;
-      EXPECT_EQ(Compared(number, other), NoneOfThem) << name;
+      EXPECT_EQ(Compared(other, number), AllFalse) << name;
+      EXPECT_EQ(Compared(number, other), AllFalse) << name;
     }
-    EXPECT_EQ(Compared(other, other), NoneOfThem) << name;
+    EXPECT_EQ(Compared(other, other), AllFalse) << name;
   }
 }
 
@@ -307,11 +307,11 @@ Failures FailuresOf(TypeSet type, const Record& personality, const Record& hardw
   return failures;
 }
 
-Failures WhyNotThunderbolt(const Record& personality, const Record& hardware = Port) {
+Failures ThunderboltFailures(const Record& personality, const Record& hardware = Port) {
   return FailuresOf(Types::Thunderbolt, personality, hardware, false);
 }
 
-Failures WhyNotLegacyUsbc(const Record& personality, const Record& hardware = Port) {
+Failures LegacyUsbcFailures(const Record& personality, const Record& hardware = Port) {
   return FailuresOf(Types::LegacyUsbc, personality, hardware, false);
 }
 
@@ -321,36 +321,36 @@ Failures OfBothWindows(std::string_view key, FailureReason reason) {
 }
 
 TEST(Test, OfAPersonalityThatFitsMeetsEveryRequirement) {
-  EXPECT_EQ(WhyNotThunderbolt(Update), Failures{});
-  EXPECT_EQ(WhyNotLegacyUsbc(Update), Failures{});
+  EXPECT_EQ(ThunderboltFailures(Update), Failures{});
+  EXPECT_EQ(LegacyUsbcFailures(Update), Failures{});
 }
 
 TEST(Test, FailsWhereThePersonalityLacksAKey) {
-  EXPECT_EQ(WhyNotThunderbolt(Without(Update, "Port Silicon Revision")),
+  EXPECT_EQ(ThunderboltFailures(Without(Update, "Port Silicon Revision")),
             (Failures{{"Port Silicon Revision", FailureReason::PersonalityLacksKey,
                        "Port Silicon Revision", "USBC"}}));
-  EXPECT_EQ(WhyNotThunderbolt(Without(Update, "Version")),
+  EXPECT_EQ(ThunderboltFailures(Without(Update, "Version")),
             OfBothWindows("Version", FailureReason::PersonalityLacksKey));
-  EXPECT_EQ(WhyNotLegacyUsbc({}),
+  EXPECT_EQ(LegacyUsbcFailures({}),
             (Failures{{"Version", FailureReason::PersonalityLacksKey, "Version", "LegacyUSBC"}}));
 }
 
 TEST(Test, FailsWhereTheHardwareLacksAKey) {
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Port OTP Revision", 5}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Port OTP Revision", 5}})),
             (Failures{{"Port OTP Revision", FailureReason::HardwareLacksKey, "Port OTP Revision",
                        "USBC"}}));
-  EXPECT_EQ(WhyNotThunderbolt(Update, Without(Port, "Version")),
+  EXPECT_EQ(ThunderboltFailures(Update, Without(Port, "Version")),
             OfBothWindows("Version", FailureReason::HardwareLacksKey));
-  EXPECT_EQ(WhyNotLegacyUsbc(Update, Without(Port, "Version")),
+  EXPECT_EQ(LegacyUsbcFailures(Update, Without(Port, "Version")),
             (Failures{{"Version", FailureReason::HardwareLacksKey, "Version", "LegacyUSBC"}}));
 }
 
 TEST(Test, FailsOnAKindThatMatchesNothing) {
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Ridge UID", "5A3"}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Ridge UID", "5A3"}})),
             (Failures{{"Ridge UID", FailureReason::WrongKind, "Ridge UID", "LegacyThunderbolt"}}));
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Port UUID", "b0A1"}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Port UUID", "b0A1"}})),
             (Failures{{"Port UUID", FailureReason::WrongKind, "Port UUID", "USBC"}}));
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Device Model Name", 5}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Device Model Name", 5}})),
             (Failures{{"Device Model Name", FailureReason::WrongKind, "Device Model Name",
                        "Thunderbolt"}}));
 }
@@ -358,12 +358,12 @@ TEST(Test, FailsOnAKindThatMatchesNothing) {
 TEST(Test, FailsOnBoundsThatAreNotNumbers) {
   for (const auto& [name, value] : NonNumbers()) {
     for (const char* key : {"Existing Min Version", "Existing Max Version"}) {
-      EXPECT_EQ(WhyNotThunderbolt(With(Update, Holding(key, value))),
+      EXPECT_EQ(ThunderboltFailures(With(Update, SingleEntry(key, value))),
                 OfBothWindows(key, FailureReason::WrongKind))
           << name;
     }
     for (const char* key : {"MinBoardRevision", "MaxBoardRevision"}) {
-      EXPECT_EQ(WhyNotThunderbolt(With(Update, Holding(key, value))),
+      EXPECT_EQ(ThunderboltFailures(With(Update, SingleEntry(key, value))),
                 (Failures{{key, FailureReason::WrongKind, "", "USBC"}}))
           << name;
     }
@@ -371,42 +371,42 @@ TEST(Test, FailsOnBoundsThatAreNotNumbers) {
 }
 
 TEST(Test, FailsOnUnequalValues) {
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"RID", 3}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"RID", 3}})),
             (Failures{{"RID", FailureReason::Unequal, "RID", "USBC"},
                       {"RID", FailureReason::Unequal, "RID", "LegacyThunderbolt"}}));
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Firmware Mode", List({0, "1"})}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Firmware Mode", List({0, "1"})}})),
             (Failures{{"Firmware Mode", FailureReason::Unequal, "Firmware Mode", "Thunderbolt"}}));
-  EXPECT_EQ(WhyNotLegacyUsbc(With(Update, {{"Port Address", Array()}})),
+  EXPECT_EQ(LegacyUsbcFailures(With(Update, {{"Port Address", Array()}})),
             (Failures{{"Port Address", FailureReason::Unequal, "Port Address", "LegacyUSBC"}}));
 }
 
 TEST(Test, FailsOnAVersionThatIsNotNewer) {
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"Version", 41}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"Version", 41}})),
             OfBothWindows("Version", FailureReason::NotNewer));
   for (const auto& [name, value] : NonNumbers()) {
-    EXPECT_EQ(WhyNotThunderbolt(With(Update, Holding("Version", value))),
+    EXPECT_EQ(ThunderboltFailures(With(Update, SingleEntry("Version", value))),
               OfBothWindows("Version", FailureReason::NotNewer))
         << name;
   }
 }
 
 TEST(Test, FailsOnEngineeringFirmwareForPortsAlone) {
-  EXPECT_EQ(WhyNotThunderbolt(Update, With(Port, {{"Engineering Version", 64}})),
+  EXPECT_EQ(ThunderboltFailures(Update, With(Port, {{"Engineering Version", 64}})),
             (Failures{{"Version", FailureReason::EngineeringFirmware, "Engineering Version",
                        "LegacyUSBC"}}));
 }
 
 TEST(Test, NamesTheBoundOfTheInstalledVersionThatIsNotMet) {
   EXPECT_EQ(
-      WhyNotLegacyUsbc(With(Update, {{"Existing Min Version", 41.5}})),
+      LegacyUsbcFailures(With(Update, {{"Existing Min Version", 41.5}})),
       (Failures{{"Existing Min Version", FailureReason::AboveInstalled, "Version", "LegacyUSBC"}}));
   EXPECT_EQ(
-      WhyNotLegacyUsbc(With(Update, {{"Existing Max Version", 40}})),
+      LegacyUsbcFailures(With(Update, {{"Existing Max Version", 40}})),
       (Failures{{"Existing Max Version", FailureReason::BelowInstalled, "Version", "LegacyUSBC"}}));
 }
 
 TEST(Test, NamesTheBoundsOfTheBoardRevisionThatAreNotMet) {
-  EXPECT_EQ(WhyNotThunderbolt(With(Update, {{"MinBoardRevision", 4}, {"MaxBoardRevision", 2}})),
+  EXPECT_EQ(ThunderboltFailures(With(Update, {{"MinBoardRevision", 4}, {"MaxBoardRevision", 2}})),
             (Failures{{"MinBoardRevision", FailureReason::AboveBoardRevision, "", "USBC"},
                       {"MaxBoardRevision", FailureReason::BelowBoardRevision, "", "USBC"}}));
 }
@@ -420,7 +420,7 @@ TEST(Test, FindsEveryFailureInTheOrderOfTheTable) {
                                     {"Existing Max Version", 40},
                                     {"Version", 41}});
   EXPECT_EQ(
-      WhyNotThunderbolt(update),
+      ThunderboltFailures(update),
       (Failures{
           {"Version", FailureReason::NotNewer, "Version", "LegacyUSBC"},
           {"Existing Max Version", FailureReason::BelowInstalled, "Version", "LegacyUSBC"},
@@ -450,7 +450,7 @@ TEST(Test, BypassedFindsNoFaultWithTheVersion) {
             Failures{});
 }
 
-// Each of the two windows says that no version is known; nothing else of them does.
+// Each of the two windows reports that no version is known, and nothing else.
 TEST(Test, OfAnUnknownInstalledVersionIsADiagnosticAndNoFailure) {
   const auto port = Without(Port, "Version");
   for (const auto& requirement : RequirementsOf(Types::Thunderbolt)) {
@@ -485,7 +485,7 @@ TEST(ControllerCheck, StopsAtTheFirstThatIsNotMet) {
       "Port Silicon Revision");
   EXPECT_EQ(ResultOf(CheckThunderboltRequirements, update, {Port, BoardRevision}),
             DoesNotApply(MinimumNotMet));
-  EXPECT_EQ(WhyNotThunderbolt(update).size(), 6u);
+  EXPECT_EQ(ThunderboltFailures(update).size(), 6u);
 }
 
 }  // namespace

@@ -296,8 +296,8 @@ TEST(UsbcCheck, ANumberKeyAcceptsAListOfEveryKindOfNumber) {
   }
 }
 
-// Each row spoils one more requirement, from the last to the first; only the first that fails
-// tells.
+// Each row breaks one more requirement, from the last to the first; only the first that fails
+// is reported.
 TEST(UsbcCheck, OnlyTheFirstFailureIsReported) {
   Record update = FullUpdate;
   Record port = Without(Port, "Port UUID");

@@ -10,7 +10,7 @@ namespace fernwick {
 
 /// Writes the property list of the firmware-update launcher as XML and flushes it; in verbose mode
 /// under a title. Returns the status of the run: 0, or 1 when the argument vector is empty and
-/// there is nothing to write. A write that failed is known to `console`.
+/// there is nothing to write. `console` remembers a write that failed.
 int WritePlan(Console& console, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan);
 

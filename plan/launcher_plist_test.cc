@@ -24,7 +24,7 @@ Written Write(bool verbose, const std::vector<std::string>& arguments, const Pla
   return {status, flushes};
 }
 
-constexpr char SmallestList[] =
+constexpr char MinimalList[] =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<plist version=\"1.0\">\n"
     "<dict>\n"
@@ -42,13 +42,13 @@ constexpr char SmallestList[] =
 TEST(WritePlan, WithoutNvramSettingsContainsThreeEntries) {
   const auto written = Write(false, {"-noreset"}, {});
   EXPECT_EQ(written.status, 0);
-  EXPECT_EQ(written.flushes, std::vector<std::string>{SmallestList});
+  EXPECT_EQ(written.flushes, std::vector<std::string>{MinimalList});
 }
 
 TEST(WritePlan, VerboseModeAddsATitle) {
   const auto written = Write(true, {"-noreset"}, {});
   EXPECT_EQ(written.flushes, std::vector<std::string>{
-                                 std::string("\n\nResulting Kestrel Plist:\n\n") + SmallestList});
+                                 std::string("\n\nResulting Kestrel Plist:\n\n") + MinimalList});
 }
 
 TEST(WritePlan, WithoutArgumentsWritesNothing) {

@@ -20,8 +20,8 @@ std::string ReportOf(const MatchRecord& match) {
   return console.Output();
 }
 
-// The report of a match that has nothing but what `line` shows: every other line is that of an
-// absent value. `line` takes the place of the line with the same label.
+// The report of a match that has only the value that `line` shows: every other line shows an
+// absent value. `line` replaces the line with the same label.
 std::string EmptyReportBut(const std::string& line) {
   std::string report =
       "\tPERSONALITY_TYPE:               (null)\n"

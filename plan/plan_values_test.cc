@@ -13,41 +13,41 @@ namespace {
 using testing::Dict;
 using testing::List;
 
-std::uint32_t LowestOf(std::initializer_list<MatchRecord> matches) {
+std::uint32_t LowestPriorityOf(std::initializer_list<MatchRecord> matches) {
   PlanValues plan;
   for (const auto& match : matches) FoldPriority(match, plan);
   return plan.lowestPriority;
 }
 
 TEST(FoldPriority, KeepsTheSmallestOfSeveral) {
-  EXPECT_EQ(LowestOf({{{"Priority", 50}}, {{"Priority", 20}}}), 20u);
-  EXPECT_EQ(LowestOf({{{"Priority", 20}}, {{"Priority", 50}}}), 20u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 50}}, {{"Priority", 20}}}), 20u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 20}}, {{"Priority", 50}}}), 20u);
 }
 
 TEST(FoldPriority, GreatestUnsignedNeverLowersIt) {
-  EXPECT_EQ(LowestOf({{{"Priority", 4294967295}}}), 2147483647u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 4294967295}}}), 2147483647u);
 }
 
 TEST(FoldPriority, JustBelowTheInitialValueLowersIt) {
-  EXPECT_EQ(LowestOf({{{"Priority", 0x7FFFFFFE}}}), 0x7FFFFFFEu);
-  EXPECT_EQ(LowestOf({{{"Priority", 0x7FFFFFFF}}}), 0x7FFFFFFFu);
-  EXPECT_EQ(LowestOf({{{"Priority", 0x80000000}}}), 0x7FFFFFFFu);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 0x7FFFFFFE}}}), 0x7FFFFFFEu);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 0x7FFFFFFF}}}), 0x7FFFFFFFu);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 0x80000000}}}), 0x7FFFFFFFu);
 }
 
 TEST(FoldPriority, AbsentCountsAsZero) {
-  EXPECT_EQ(LowestOf({{{"Priority", 50}}, {}}), 0u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 50}}, {}}), 0u);
 }
 
 TEST(FoldPriority, WithoutMatchesIsTheInitialValue) {
-  EXPECT_EQ(LowestOf({}), 2147483647u);
+  EXPECT_EQ(LowestPriorityOf({}), 2147483647u);
 }
 
 TEST(FoldPriority, ReadsLowBitsTextAndOtherKindsAsNumbers) {
-  EXPECT_EQ(LowestOf({{{"Priority", 0x100000007}}}), 7u);
-  EXPECT_EQ(LowestOf({{{"Priority", -1}}}), 2147483647u);
-  EXPECT_EQ(LowestOf({{{"Priority", "12"}}}), 12u);
-  EXPECT_EQ(LowestOf({{{"Priority", 3.9}}}), 3u);
-  EXPECT_EQ(LowestOf({{{"Priority", List({5})}}}), 0u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 0x100000007}}}), 7u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", -1}}}), 2147483647u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", "12"}}}), 12u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", 3.9}}}), 3u);
+  EXPECT_EQ(LowestPriorityOf({{{"Priority", List({5})}}}), 0u);
 }
 
 using Values = std::vector<PropertyValue>;

@@ -1,4 +1,5 @@
-// Which keys of a personality and of a match reach the plan: those whose value makes a difference.
+// Determines which keys of a personality and of a match reach the plan: those whose value changes
+// it.
 
 #include <gtest/gtest.h>
 
@@ -22,8 +23,8 @@ namespace {
 
 using testing::Dict;
 using testing::FullPortRecord;
-using testing::Holding;
 using testing::List;
+using testing::SingleEntry;
 using testing::With;
 using testing::Without;
 
@@ -48,7 +49,7 @@ std::optional<std::string> PlanOf(const MatchRecord& match) {
   return console.Output();
 }
 
-// Every key of the schema with a value that is none of those below, and one that nothing reads.
+// Every key of the schema with a value other than those below, and one key that is unused.
 Record EveryKey() {
   Record record = {{"Colour", "blue"}};
   for (const auto& key : KeySchema()) record.Set(key.name, 50);
@@ -62,7 +63,7 @@ const std::vector<PropertyValue> OtherValues = {
     0, 1, 7, -1, 2.5, true, "other.bin", "", List({"x"}), Dict({{"x", 1}}),
 };
 
-// The keys of the record of which another value, or none, changes the plan. `planOf` makes a plan
+// The keys of the record for which another value, or none, changes the plan. `planOf` makes a plan
 // of such a record.
 template <typename PlanOfRecord>
 Names KeysThatChangeThePlan(const Record& record, PlanOfRecord planOf) {
@@ -72,7 +73,7 @@ Names KeysThatChangeThePlan(const Record& record, PlanOfRecord planOf) {
   for (const auto& entry : record.Entries()) {
     bool changes = planOf(Without(record, entry.key)) != plan;
     for (const auto& value : OtherValues) {
-      changes = changes || planOf(With(record, Holding(entry.key, value))) != plan;
+      changes = changes || planOf(With(record, SingleEntry(entry.key, value))) != plan;
     }
     if (changes) names.emplace(entry.key);
   }

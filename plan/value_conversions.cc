@@ -16,7 +16,7 @@ std::uint64_t LeadingInteger(std::string_view text) {
 
 float LeadingReal(std::string_view text) {
   text = SkipAsciiWhiteSpace(text);
-  // The C library would go on to read "inf", "nan" and hexadecimal numbers.
+  // The C library would also read "inf", "nan" and hexadecimal numbers.
   const std::string decimal(text.substr(0, text.find_first_not_of("0123456789.eE+-")));
   return std::strtof(decimal.c_str(), nullptr);
 }

@@ -45,7 +45,7 @@ void Console::Print(const char* format, ...) {
 }
 
 void Console::Flush() {
-  if (buffer_.empty()) return;  // as it is after a failure
+  if (buffer_.empty()) return;  // always so after a failure
   outputError_ = Send(buffer_);
   buffer_.clear();
 }
@@ -54,7 +54,7 @@ int ProcessConsole::Send(std::string_view text) {
   return WriteAll(STDOUT_FILENO, text);
 }
 
-// Nothing can be done about a standard error that cannot be written.
+// A failure to write standard error is ignored: there is nowhere to report it.
 void ProcessConsole::WriteError(std::string_view text) {
   WriteAll(STDERR_FILENO, text);
 }

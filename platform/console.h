@@ -5,9 +5,9 @@
 
 namespace fernwick {
 
-/// The one way out of a run: standard output, standard error and the system log. A program passes
-/// its own streams (ProcessConsole), a caller that wants the text passes strings (StringConsole).
-/// Used by one thread at a time.
+/// All output of a run goes here: standard output, standard error and the system log. A program
+/// passes its own streams (ProcessConsole), a caller that wants the text passes strings
+/// (StringConsole). Used by one thread at a time.
 class Console {
  public:
   virtual ~Console() = default;

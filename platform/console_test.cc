@@ -346,7 +346,8 @@ void WaitUntilAsleep(pid_t thread) {
 }
 
 // Reads a pipe to its end, after two signals have interrupted the thread that writes into it. The
-// first finds a full pipe, so that the write ends short; the second, one that has taken nothing.
+// first interrupts a write that has filled the pipe, which ends short; the second, a write of
+// nothing.
 std::string ReadAfterInterruptions(int pipe, pthread_t writer, pid_t writerId) {
   for (int count = 1; count <= 2; ++count) {
     WaitUntilAsleep(writerId);

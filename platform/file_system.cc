@@ -31,7 +31,7 @@ Error SystemError() {
   return {std::strerror(errno)};
 }
 
-// Grows as it reads: what the file said of its size may have changed since, and some say 0.
+// Grows as it reads: the size may have changed since fstat, and some files report 0.
 Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
   std::string bytes(expectedSize + 1, '\0');
   std::size_t length = 0;
@@ -42,7 +42,7 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
     if (count < 0) return SystemError();
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
-    if (length > MaximumFileSize) return Error{"the file is larger than 1 GiB"};
+    if (length > MaxFileSize) return Error{"the file is larger than 1 GiB"};
   }
   bytes.resize(length);
   return bytes;
@@ -64,7 +64,7 @@ Result<std::string> ReadWholeFile(const std::string& path) {
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > MaximumFileSize) return Error{"the file is larger than 1 GiB"};
+  if (size > MaxFileSize) return Error{"the file is larger than 1 GiB"};
   return ReadToEnd(file.Number(), size);
 }
 

@@ -13,7 +13,7 @@ bool PathExists(const std::string& path);
 
 /// In bytes. Larger files are refused: no configuration or recording comes near it, and whatever
 /// is there must not exhaust the computer that is about to be updated.
-inline constexpr std::size_t MaximumFileSize = std::size_t{1} << 30;
+inline constexpr std::size_t MaxFileSize = std::size_t{1} << 30;
 
 /// Reads a regular file. Never waits for a writer: a FIFO or a device is an error.
 Result<std::string> ReadWholeFile(const std::string& path);

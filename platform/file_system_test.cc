@@ -51,7 +51,7 @@ TEST(AppendPathComponent, PutsExactlyOneSlashBetween) {
       {"/P", "/", "/P/"},
       {"/P/", "//", "/P/"},
       {"", "/", "/"},
-      // What stands elsewhere stays.
+      // A "/" elsewhere stays.
       {"//P//Q", "a", "//P//Q/a"},
       {"/P", "a//b", "/P/a//b"},
       {"/P", "a/", "/P/a/"},
@@ -244,14 +244,14 @@ TEST(ReadWholeFile, ReportsASocketAsOneThatCannotBeOpened) {
 TEST(ReadWholeFile, RefusesAFileBeyondTheMaximum) {
   const TemporaryDirectory directory;
   const std::string path = directory.Write("sparse", "");
-  fs::resize_file(path, MaximumFileSize + 1);
+  fs::resize_file(path, MaxFileSize + 1);
   ExpectUnreadable(path, "the file is larger than 1 GiB");
 }
 
 TEST(ReadWholeFile, RefusesAFileWhoseLow32BitsOfSizeAreSmall) {
   const TemporaryDirectory directory;
   const std::string path = directory.Write("sparse", "");
-  fs::resize_file(path, 4 * MaximumFileSize + 1);
+  fs::resize_file(path, 4 * MaxFileSize + 1);
   ExpectUnreadable(path, "the file is larger than 1 GiB");
 }
 

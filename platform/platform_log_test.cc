@@ -20,7 +20,7 @@ using testing::TestConsole;
 constexpr std::optional<std::string_view> AbsentText;
 constexpr const PropertyValue* AbsentValue = nullptr;
 
-/// What "%@" makes of a value.
+/// What a value is formatted as by "%@".
 std::string TextOf(const PropertyValue& value) {
   return FormatLogMessage("%@", {&value});
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tests of coverage.py over a source of a few lines. What gcovr reports of it is given."""
+"""Tests of coverage.py over a source of a few lines, with a fixed report of gcovr."""
 
 import json
 import os

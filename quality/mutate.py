@@ -133,9 +133,9 @@ def try_file(file, numbers, record, expired):
 
 
 def try_alone(file, number, tool, limits):
-    """The outcome of a mutant that is compiled by itself. `tool` is what the unchanged source is compiled to,
+    """The outcome of a mutant that is compiled by itself. `tool` is what the unchanged source is compiled to;
     `limits` has the test programs that the mutant has not passed yet, and how long each may take."""
-    text = mutations.apply(file.source, {number: file.mutations[number]}, "true")
+    text = mutations.apply(file.source, {number: file.mutations[number]}, "true", "true")
     if build("fernwick", file.path, text):
         return "not compiling"
     if compiled_tool() == tool:

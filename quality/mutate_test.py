@@ -49,7 +49,6 @@ class Mutate(unittest.TestCase):
                        shell=True, cwd=self.root, check=True)
 
     def expect(self, arguments, status, output):
-        """Runs the script and compares its exit status and what it prints."""
         command = [sys.executable, "-B", QUALITY / "mutate.py", *arguments.split()]
         done = subprocess.run(command, cwd=self.root, capture_output=True, text=True)
         self.assertEqual((done.stdout + done.stderr, done.returncode), (output, status), arguments)
@@ -76,7 +75,7 @@ class Mutations(unittest.TestCase):
                 ("while (a ||\n    b) F();", "|| becomes &&"),
                 ("return !true;", "! dropped", "true becomes false"),
                 ("n = 0 / 0x1Fu;", "0 becomes 0 + 1", "0x1Fu becomes 0x1Fu + 1", "0x1Fu becomes 0x1Fu - 1"),
-                ("c = n - 'a';", "- becomes +", "'a' becomes static_cast<char>('a' + 1)"),
+                ("c = 'a';", "'a' becomes static_cast<char>('a' + 1)"),
                 ('s = "xy\\n" + "";', '+ becomes -', '"xy\\n" becomes "yy\\n"', '"" becomes "x"'),
                 ('s = R"-(a")-" "b";', 'R"-(a")-" "b" becomes R"-(x")-" "b"'),
                 ("if (F(a)) return;", "condition negated"),
@@ -92,7 +91,7 @@ class Mutations(unittest.TestCase):
         self.assertEqual(
             text.replace("::mutant::On", "").replace("static_cast<bool>", ""),
             "return ((2) != (((1) != (((2) != (([](auto&& l, auto&& r) -> decltype(auto) { if constexpr "
-            "(requires { l <= r; }) { if ((0)) return l <= r; } return l < r; }(a , /*<*/ b)))))) && "
+            "(false || requires { l <= r; }) if ((0)) return l <= r; return l < r; }(a , /*<*/ b)))))) && "
             "((2) != (((3) != (!F(c, ((4) ? 1 + 1 : ((5) ? 1 - 1 : 1)))))))));")
 
 

@@ -2,10 +2,8 @@
 
 The source is cut into tokens and not parsed further: a binary operator is recognised by the blanks that
 clang-format puts around it, the extent of its operands by brackets and precedence. Where that is wrong the
-changed source does not compile, which costs time and does no harm.
-
-A mutation keeps the original and adds the variant, with a condition ON that chooses between them. So one
-compilation can contain all mutations of a file (mutation_switch.h).
+changed source does not compile, which costs time and does no harm. A mutation keeps the original and adds
+the variant, with a condition ON that chooses between them, so all of a file can be compiled together.
 """
 
 import collections
@@ -40,14 +38,15 @@ OPENING, CLOSING = set("([{"), set(")]}")
 SKIPPED = {"static_assert", "reserve"}  # the compiler evaluates one, and no result shows the other
 
 
-def apply(source, mutations, on="::mutant::On({})"):
-    """The source with the mutations {number: mutation}. `on` is the condition for a number."""
+def apply(source, mutations, on="::mutant::On({})", forced="false"):
+    """The source with the mutations {number: mutation}. `on` is the condition for a number. Operators that the
+    operands do not have are not used, unless `forced` is "true"."""
     pieces = []
     for number, mutation in mutations.items():
         for start, end, before, after in mutation.edits:
             # At one offset: inner ends, outer ends, outer starts, inner starts. A call is inside a negation.
             is_call = "auto" in before
-            before = before.replace("ON", on.format(number)).replace("\n", " ")
+            before = before.replace("FORCED", forced).replace("ON", on.format(number)).replace("\n", " ")
             pieces.append((start, 1, -end, is_call, number, before))
             pieces.append((end, 0, -start, not is_call, -number, after))
     for offset, *_, text in sorted(pieces, reverse=True):
@@ -116,8 +115,9 @@ def operator_mutations(tokens, i):
     first, last = left_start(tokens, i, token.level), right_end(tokens, i, token.level)
     whole = negation(tokens, first, last)
     if other := CALLED.get(text):
-        call = (f"([](auto&& l, auto&& r) -> decltype(auto) {{ if constexpr (requires {{ l {other} r; }}) "
-                f"{{ if (ON) return l {other} r; }} return l {text} r; }}(")
+        call = ("([](auto&& l, auto&& r) -> decltype(auto) { "
+                f"if constexpr (FORCED || requires {{ l {other} r; }}) if (ON) return l {other} r; "
+                f"return l {text} r; }}(")
         yield f"{text} becomes {other}", [(*whole[:2], call, "))"), (token.start, token.end, ", /*", "*/")]
     if other := NEGATED.get(text):
         yield f"{text} becomes {other}", [whole]

@@ -12,7 +12,7 @@ constexpr std::string_view DeviceTreeRoot = "IODeviceTree:/";
 constexpr std::string_view DeviceTree = "IODeviceTree";
 constexpr std::string_view BoardIdPrefix = "Zed-";
 
-// The bytes of a property at or below the entry; none when it is absent or not data.
+// The bytes of a property at or below the entry; empty (nullopt) when it is absent or not data.
 std::optional<std::string> SearchData(Registry& registry, RegistryEntry entry,
                                       std::string_view key) {
   const auto value = registry.SearchProperty(entry, DeviceTree, key, SearchRecursively);
@@ -21,7 +21,7 @@ std::optional<std::string> SearchData(Registry& registry, RegistryEntry entry,
   return std::string(*bytes);
 }
 
-// `text` ends at its first zero byte, as strings of the C library do, or else at its length.
+// The text up to its first zero byte, as the C library reads a string, or all of it.
 std::uint64_t ParseBoardId(const std::string& text) {
   if (!text.starts_with(BoardIdPrefix)) return 0;
   return std::strtoull(text.c_str() + BoardIdPrefix.size(), nullptr, 16);

@@ -20,8 +20,8 @@ struct BoardIdentity {
 /// "Zed-" of "board-id", and 0 without that prefix.
 std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8_t& boardRevision);
 
-/// The board identifier string: "board-id" up to its first zero byte. None when there is no such
-/// property, it is not data or the string is not UTF-8.
+/// The board identifier string: "board-id" up to its first zero byte. Empty (nullopt) when there is
+/// no such property, it is not data or the string is not UTF-8.
 std::optional<std::string> ReadBoardIdString(Registry& registry);
 
 /// The board revision that ReadBoardId stores, 0 to 255: the first byte of "board-rev".

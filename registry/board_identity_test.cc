@@ -30,7 +30,7 @@ std::string Literal(const char (&text)[Size]) {
   return std::string(text, Size - 1);
 }
 
-/// What the three operations give.
+/// What the three operations return.
 struct Identity {
   std::uint64_t returnedId;
   std::uint64_t boardId;
@@ -54,7 +54,7 @@ Identity IdentityOf(const Recording& recording) {
   return ReadIdentity(registry);
 }
 
-/// How a coherent identity reads.
+/// What all three return for a consistent identity.
 Identity Expected(std::uint64_t boardId, std::uint8_t revision, std::optional<std::string> text) {
   return {boardId, boardId, revision, std::move(text), revision};
 }

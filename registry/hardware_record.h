@@ -16,14 +16,14 @@ namespace fernwick {
 using HardwareRecord = Record;
 
 /// Which of the two controllers that describe a port a value was read from.
-enum class Origin { Nowhere, Port, Thunderbolt };
+enum class Origin { None, Port, Thunderbolt };
 
 /// Where the values of one record were read.
 struct RecordSource {
   RegistryEntry port = 0;         // 0 in the record of a Thunderbolt controller
-  RegistryEntry thunderbolt = 0;  // that controller, or the one above the port; 0 when none is
-  Origin rid = Origin::Nowhere;
-  Origin version = Origin::Nowhere;
+  RegistryEntry thunderbolt = 0;  // that controller, or the one above the port; 0: there is none
+  Origin rid = Origin::None;
+  Origin version = Origin::None;
   bool uuidFetched = true;  // false: an earlier port without one ended "Port UUID" for the pass
 
   /// The controller that the record is of.
@@ -32,7 +32,7 @@ struct RecordSource {
   friend bool operator==(const RecordSource&, const RecordSource&) = default;
 };
 
-/// Why a controller that is there is not listed.
+/// Why a controller of the registry is not listed.
 enum class SkipReason {
   NotAtRootOfTopology,      // "Depth" and "Route String" of a Thunderbolt controller are not both 0
   RouteString,              // of a port, is not 0

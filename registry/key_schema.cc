@@ -44,14 +44,14 @@ constexpr Key Keys[] = {
      .kind = NumberOrList, .checkedBy = Types::Thunderbolt},
     {.name = "Device Model Revision", .thunderbolt = {"Device Model Revision", Signed32},
      .kind = NumberOrList, .checkedBy = Types::Thunderbolt},
-    // Under "Thunderbolt" the plan has it from the controller.
+    // Under "Thunderbolt" the plan uses the controller's.
     {.name = "Firmware Mode", .thunderbolt = {"Firmware Mode", NonZero},
      .kind = NumberOrList, .checkedBy = Types::Thunderbolt, .plannedBy = Types::LegacyThunderbolt,
      .inMatch = ByOwnRule},
     {.name = "Ridge UID", .thunderbolt = {"UID", AsIs},
      .kind = NumberOrList, .checkedBy = RidgeSilicon, .inMatch = OfController},
     {.name = "Engineering Version", .thunderbolt = {"EEPROM Revision", EngineeringBits}},
-    // Keys of personalities alone.
+    // Keys of personalities only.
     {.name = "Existing Min Version", .kind = OneNumber, .checkedBy = Types::All},
     {.name = "Existing Max Version", .kind = OneNumber, .checkedBy = Types::All},
     {.name = "MinBoardRevision", .kind = OneNumber, .checkedBy = PortSilicon},
@@ -65,7 +65,7 @@ constexpr Key Keys[] = {
 
 constexpr char DecodedBcd[] = "decoded as BCD";
 
-// How the value is made of the property's, in words for a person.
+// How the value is converted from the property's, as messages describe it.
 constexpr std::string_view Describe(Conversion conversion) {
   switch (conversion) {
     case Bcd:
@@ -87,11 +87,11 @@ std::optional<IntegerRange> RangeOf(Conversion conversion) {
   }
 }
 
-// Which controller the value of a key was read from that both can have.
+// The controller that the value was read from, for the two keys that both kinds can have.
 Origin OriginOf(std::string_view key, const RecordSource& source) {
   if (key == "RID") return source.rid;
   if (key == "Version") return source.version;
-  return Origin::Nowhere;
+  return Origin::None;
 }
 
 PropertySource SourceIn(RegistryEntry entry, const PropertyOrigin& origin) {
@@ -115,8 +115,8 @@ const Key* FindPersonalityKey(std::string_view name) {
 }
 
 std::optional<IntegerRange> NumbersOfControllers(const Key& key, TypeSet type) {
-  // Below a Thunderbolt controller, where alone a port has what such a personality requires, only
-  // ports of the address 0 are listed.
+  // Such a personality only matches ports below a Thunderbolt controller, and of those only
+  // ports with address 0 are listed.
   if (key.name == "Port Address" && type == Types::Thunderbolt) return IntegerRange{0, 0};
   const bool isFromPort =
       type != Types::LegacyThunderbolt && key.port.conversion != Conversion::None;

@@ -25,7 +25,7 @@ inline constexpr TypeSet Ports = Thunderbolt | LegacyUsbc | Usbc;
 inline constexpr TypeSet All = LegacyThunderbolt | Ports;
 }  // namespace Types
 
-/// How a record's value is made of the property that it comes from.
+/// How a record's value is converted from the property that it comes from.
 enum class Conversion {
   None,                // there is no property
   Signed32,            // the low 32 bits of a number, as a signed integer
@@ -38,7 +38,7 @@ enum class Conversion {
   EngineeringBits,     // bits 6 and 7 of a number
 };
 
-/// The property of a controller that a record's value comes from.
+/// The property of a controller that a value of a record comes from.
 struct PropertyOrigin {
   std::string_view property = {};  // empty: none
   Conversion conversion = Conversion::None;
@@ -53,7 +53,7 @@ struct IntegerRange {
 /// What a personality must have under a key for it to have an effect. An integer, a real and a
 /// boolean are numbers.
 enum class KeyKind {
-  NotRead,  // a key of hardware records alone
+  NotRead,  // a key of hardware records only
   OneNumber,
   NumberOrList,     // a number or an array of numbers
   StringOrList,     // a string or an array of strings
@@ -67,22 +67,22 @@ enum class KeyKind {
 /// Whose value a match record has under a key that the personality has.
 enum class MatchValue {
   OfPersonality,
-  OfController,  // or none when the controller has none
+  OfController,  // the key is removed when the controller has none
   ByOwnRule,     // BuildMatchRecord has a rule for this key
 };
 
-/// Everything that is known of one key of hardware records and personalities.
+/// Everything there is to know about one key of hardware records and personalities.
 struct Key {
   std::string_view name;
   PropertyOrigin port = {};         // of a port controller
   PropertyOrigin thunderbolt = {};  // of a Thunderbolt controller, the one above a port included
   KeyKind kind = KeyKind::NotRead;
   TypeSet checkedBy = Types::None;   // the types with a requirement of this key
-  TypeSet requiredBy = Types::None;  // those that cannot do without: nothing matches ("Version":
-                                     // unless the version check is bypassed) or, without
-                                     // "Firmware", there is no plan
-  TypeSet plannedBy = Types::None;   // the types of whose matches the plan takes it from the
-                                     // personality
+  TypeSet requiredBy = Types::None;  // those that need the key: without it nothing matches
+                                     // ("Version": unless the version check is bypassed) or,
+                                     // without "Firmware", there is no plan
+  TypeSet plannedBy = Types::None;  // the types of whose matches the plan contains the value of the
+                                    // personality
   MatchValue inMatch = MatchValue::OfPersonality;
 };
 
@@ -91,7 +91,7 @@ struct Key {
 /// is copied into the match record and has no effect on what matches or on the plan.
 std::span<const Key> KeySchema();
 
-/// The key of that name, exactly; null when there is none.
+/// The key of that name, compared exactly; null when there is none.
 const Key* FindKey(std::string_view name);
 
 /// The key of that name where something reads it from a personality; null otherwise.
@@ -102,22 +102,23 @@ const Key* FindPersonalityKey(std::string_view name);
 /// and the type one that checks it.
 std::optional<IntegerRange> NumbersOfControllers(const Key& key, TypeSet type);
 
-/// The type that a top-level key of a configuration names, exactly; Types::None when it names none.
+/// The type that a top-level key of a configuration names, compared exactly; Types::None when it
+/// names none.
 TypeSet TypeNamed(std::string_view topLevelKey);
 
 /// A property of an entry that a value was read from.
 struct PropertySource {
   RegistryEntry entry;
   std::string_view property;
-  std::string_view conversion;  // how the value is made of the property's; empty: it is the same
+  std::string_view conversion;  // how the value is converted; empty: it is the property's own
 
   friend bool operator==(const PropertySource&, const PropertySource&) = default;
 };
 
 /// What the value under the key was read from or, where the record lacks the key, every property
-/// that could have provided it: none when there is no controller that has it, and for a key that no
-/// record has. "RID" of a port is its own or else its Thunderbolt controller's; "Version" is that
-/// controller's where it reports one, and then comes from two properties.
+/// that could have provided it: empty when there is no controller that has it, and for a key that
+/// no record has. "RID" of a port is its own or else its Thunderbolt controller's; "Version" is
+/// that controller's where it reports one, and then comes from two properties.
 std::vector<PropertySource> SourcesOf(std::string_view key, const RecordSource& source);
 
 }  // namespace fernwick

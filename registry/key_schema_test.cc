@@ -21,7 +21,7 @@ namespace fernwick {
 namespace {
 
 using testing::Computer;
-using testing::Holding;
+using testing::SingleEntry;
 using testing::With;
 
 using Names = std::set<std::string>;
@@ -71,7 +71,7 @@ Below PortBelow(const Record& ridgeProperties, const Record& portProperties) {
   return below;
 }
 
-// A property that the conversion reads: its number's bits tell the conversions from each other.
+// A property that the conversion reads: each conversion has another result for its number.
 PropertyValue Readable(Conversion conversion) {
   return conversion == Conversion::Text ? PropertyValue("Grat") : PropertyValue(0x1D2);
 }
@@ -94,7 +94,7 @@ PropertyValue Converted(Conversion conversion) {
 
 // The property alone; "EEPROM Revision" counts only beside "ROM Version".
 Record Alone(const PropertyOrigin& origin) {
-  auto properties = Holding(origin.property, Readable(origin.conversion));
+  auto properties = SingleEntry(origin.property, Readable(origin.conversion));
   if (origin.property == "EEPROM Revision") properties.Set("ROM Version", 1);
   return properties;
 }

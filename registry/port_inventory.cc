@@ -39,8 +39,8 @@ void FillUuid(Registry& registry, RegistryEntry port, const Key& key, HardwareRe
 }
 
 // Writes the port's own fields, in the order of the schema, and returns whether the address is
-// other than 0. The address is read and written a second time after the version: the sequence of
-// reads is part of what a registry sees, and the result is that of the first.
+// other than 0. The address is read and written again after the version: the sequence of
+// reads is observable behaviour, and the first read decides the result.
 bool FillPortFields(Registry& registry, RegistryEntry port, HardwareRecord& record,
                     RegistryStatus& uuidStatus) {
   bool hasNonZeroAddress = false;
@@ -71,7 +71,7 @@ RegistryEntry ThunderboltAncestor(Registry& registry, RegistryEntry port) {
 }
 
 Origin OriginOfOwn(const HardwareRecord& record, std::string_view key) {
-  return record.Find(key) == nullptr ? Origin::Nowhere : Origin::Port;
+  return record.Find(key) == nullptr ? Origin::None : Origin::Port;
 }
 
 // Adds one port to the inventory, as listed or as skipped.

@@ -248,7 +248,7 @@ TEST_P(OddPortProperty, AsAddressBelowAThunderboltControllerListsThePort) {
 INSTANTIATE_TEST_SUITE_P(PortInventory, OddPortProperty, ::testing::ValuesIn(NonNumbers()),
                          RowName);
 
-/// The inventory of ports that hold these under "UUID", absent where there is nothing.
+/// The inventory of ports with these values under "UUID"; empty (nullopt): without one.
 Records RecordsOfUuids(const std::vector<std::optional<PropertyValue>>& uuids) {
   Computer computer;
   for (const auto& uuid : uuids) {

@@ -143,8 +143,9 @@ bool RecordedRegistry::ConformsToClass(RegistryEntry entry, std::string_view cla
   return ClassesConformingTo(className).contains(recorded->class_);
 }
 
-// Walks the derivations down once for each class that is asked for, not up once for each entry: a
-// recording decides how long a chain is.
+// A depth-first traversal from the class down to everything that derives from it, once for each
+// class that is asked for; the result is cached. Walking up from the class of each entry instead
+// would cost the length of its chain each time, and a recording may have chains of any length.
 const std::set<std::string_view>& RecordedRegistry::ClassesConformingTo(
     std::string_view className) {
   const auto known = conformingClasses_.find(className);

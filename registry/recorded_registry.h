@@ -52,7 +52,7 @@ class RecordedRegistry : public Registry {
  public:
   /// REQUIRES: `recording` outlives the registry and does not change.
   explicit RecordedRegistry(const Recording& recording);
-  explicit RecordedRegistry(const Recording&& recording) = delete;  // it would not live on
+  explicit RecordedRegistry(const Recording&& recording) = delete;  // the reference would dangle
   RecordedRegistry(const RecordedRegistry&) = delete;
   RecordedRegistry& operator=(const RecordedRegistry&) = delete;
 
@@ -89,8 +89,8 @@ class RecordedRegistry : public Registry {
   const Recording& recording_;
   std::vector<Iterator> iterators_;  // handles above those of the entries
   std::multimap<std::string_view, std::string_view> subclasses_;  // views recording_
-  // By class name, as far as it was asked for: the classes that are or derive from it, and what the
-  // iterators visit.
+  // Caches by class name, of what was asked for: the classes that are or derive from it, and the
+  // entries that its iterators visit.
   std::map<std::string, std::set<std::string_view>, std::less<>> conformingClasses_;
   std::map<std::string, std::vector<RegistryEntry>, std::less<>> servicesByClass_;
 };

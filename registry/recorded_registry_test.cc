@@ -159,12 +159,12 @@ TEST(RecordedRegistryProperty, IsAbsentForAHandleOfNoEntry) {
 /// IOService: root over (a over (b, c), d). IODeviceTree: root over (d over b, other).
 constexpr RegistryEntry ServiceRoot = 1, A = 2, B = 3, C = 4, D = 5, TreeRoot = 6, Other = 7;
 
-Recording TwoPlanes(const std::vector<RegistryEntry>& holders) {
+Recording TwoPlanes(const std::vector<RegistryEntry>& owners) {
   Recording recording = RecordingOf({});
   for (const auto* name : {"", "a", "b", "c", "d", "", "other"}) {
     recording.entries.push_back({name, "", {}});
   }
-  for (const RegistryEntry holder : holders) {
+  for (const RegistryEntry holder : owners) {
     recording.entries[holder - 1].properties = Dict({{"Key", holder}});
   }
   recording.planes["IOService"] = {ServiceRoot,
@@ -181,7 +181,7 @@ Recording TwoPlanes(const std::vector<RegistryEntry>& holders) {
 
 struct SearchRow {
   std::string what;
-  std::vector<RegistryEntry> holders;  // each holds its own handle
+  std::vector<RegistryEntry> owners;  // each has its own handle as a property
   RegistryEntry entry;
   std::string plane;
   std::uint32_t options;
@@ -213,8 +213,8 @@ TEST(RecordedRegistrySearch, FindsTheOwnPropertyOrTheFirstBelow) {
       {"no plane", {C}, A, "", 1, 0},
       {"nowhere", {}, ServiceRoot, "IOService", 1, 0},
   };
-  for (const auto& [what, holders, entry, plane, options, found] : rows) {
-    const Recording recording = TwoPlanes(holders);
+  for (const auto& [what, owners, entry, plane, options, found] : rows) {
+    const Recording recording = TwoPlanes(owners);
     RecordedRegistry registry(recording);
     std::optional<PropertyValue> expected;
     if (found != 0) expected = found;
@@ -222,7 +222,7 @@ TEST(RecordedRegistrySearch, FindsTheOwnPropertyOrTheFirstBelow) {
   }
 }
 
-/// The status and the parent that is then in the place.
+/// The status, and the value of the out parameter for the parent.
 std::pair<RegistryStatus, RegistryEntry> ParentOf(RegistryEntry entry, std::string_view plane) {
   const Recording recording = TwoPlanes({});
   RecordedRegistry registry(recording);

@@ -18,7 +18,7 @@ std::string Quoted(std::string_view text) {
   return "\"" + Excerpt(text) + "\"";
 }
 
-// What is wrong with a dictionary that may have no key but those known; empty when nothing is.
+// The error of a dictionary with a key that is not among those known; empty when there is none.
 std::string DescribeUnknownKey(Dictionary dictionary,
                                std::initializer_list<std::string_view> known) {
   for (const auto& entry : dictionary.Entries()) {
@@ -56,7 +56,7 @@ struct NodeTable {
   std::vector<Link> links = {};
   std::map<std::string_view, IdentifiedEntry> entriesById = {};
 
-  // Put together only for a message: a recording may have millions of nodes.
+  // Computed only for a message: a recording may have millions of nodes.
   std::string PathOf(std::size_t number) const {
     const auto& node = nodes[number];
     if (node.parent == NoNode) return "Planes/" + Excerpt(planeNames[node.plane]);
@@ -68,9 +68,9 @@ struct NodeTable {
   }
 };
 
-// Each function from here on returns what is wrong, or an empty text.
+// Each function from here on returns an error message, or an empty text.
 
-// First of all, so that the error of a recording of another version is its version.
+// Called first, so that a recording of another version is refused for its version.
 std::string CheckVersion(Dictionary top) {
   const auto* version = top.Find("Recording Version");
   if (version == nullptr) return "\"Recording Version\" is missing";
@@ -78,9 +78,12 @@ std::string CheckVersion(Dictionary top) {
   return "\"Recording Version\" is not the integer 1";
 }
 
-// Walks every chain once: what an earlier walk has seen to end need not be walked again.
+// Finds a cycle by walking up from every class and marking each class with the start of the walk
+// that reached it: a class with the mark of the current walk closes a cycle, one with the mark of
+// an earlier walk ends this one. Every class is visited once, so this costs n log n for n classes.
 std::string CheckClassChains(const Recording& recording) {
-  std::map<std::string_view, std::string_view> walks;  // class to the start of its walk
+  std::map<std::string_view, std::string_view>
+      walks;  // the start of the walk that reached the class
   for (const auto& [start, ignored] : recording.superclasses) {
     std::string_view name = start;
     for (;;) {

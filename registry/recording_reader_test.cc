@@ -109,7 +109,7 @@ constexpr std::string_view BothPlanes = R"(<?xml version="1.0" encoding="UTF-8"?
 </plist>
 )";
 
-/// Expects that the recording was read and says this.
+/// Expects that the recording was read and has this content.
 void ExpectContent(const Result<Recording>& reading, const RecordingContent& content) {
   ASSERT_TRUE(reading) << Describe(reading.Error());
   EXPECT_EQ(ContentOf(*reading), content);
@@ -591,7 +591,7 @@ TEST(RecordingReader, APlaneThatOccursTwiceKeepsItsFirstPositionAndItsLastRoot) 
                           {}});
 }
 
-/// A recording whose root stands above a chain of `depth` children, the last of which has these
+/// A recording whose root is above a chain of `depth` children, the last of which has these
 /// properties.
 std::string ChainOfChildren(std::size_t depth, const std::string& properties) {
   return "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"

@@ -16,7 +16,7 @@ using RegistryEntry = std::uint32_t;
 /// 0 is success, anything else a failure.
 using RegistryStatus = std::int32_t;
 
-/// What was asked for was done.
+/// The operation succeeded.
 inline constexpr RegistryStatus RegistrySuccess = 0;
 
 /// The property is absent or not of the requested kind.
@@ -26,9 +26,9 @@ inline constexpr auto RegistryNotFound = static_cast<RegistryStatus>(0xE00002F0)
 inline constexpr std::uint32_t SearchRecursively = 1;
 
 /// The computer's I/O registry: entries with a class and properties, linked in named planes. The
-/// one way in which anything here learns about the hardware; the live registry and a recorded one
-/// keep the same contract. Synchronous, without side effects on the registry, used from one thread.
-/// No operation reports a failure by a message, and each accepts a handle of 0.
+/// only access to the hardware; the live registry and a recorded one
+/// obey the same contract. Synchronous, without side effects on the registry, used from one thread.
+/// No operation prints or logs, and each accepts a handle of 0.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -37,7 +37,7 @@ class Registry {
   /// when there is none.
   virtual RegistryEntry LookupEntryByPath(std::string_view path) = 0;
 
-  /// The entry's own property; none when it has no such property or the entry is 0.
+  /// The entry's own property; empty when it has no such property or the entry is 0.
   virtual std::optional<PropertyValue> GetProperty(RegistryEntry entry, std::string_view key) = 0;
 
   /// The entry's own property if it has one. Otherwise, with SearchRecursively in `options`, that

@@ -18,7 +18,7 @@ inline constexpr std::string_view ThunderboltControllerClass = "IOThunderboltSwi
 InventoryResult CollectThunderboltControllers(Registry& registry);
 
 /// Writes the controller's own properties into `record`, replacing what is there except "RID", and
-/// notes in `source` what comes from the controller. Without a record (null) it does nothing. A
+/// records in `source` what comes from the controller. Without a record (null) it does nothing. A
 /// controller without "UID" is a fault: no real one lacks it, and a record must never have an
 /// absent value.
 std::optional<Fault> FillThunderboltFields(Registry& registry, RegistryEntry controller,

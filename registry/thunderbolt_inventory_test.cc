@@ -175,25 +175,25 @@ TEST(ThunderboltInventory, OmitsAControllerWithoutDepth) {
   EXPECT_EQ(RecordsOf({{"Route String", 0}, {"UID", 1}}), Records());
 }
 
-struct PlaceRow {
+struct TopologyRow {
   PropertyValue value;
   bool qualifies;
 };
 
-class PlaceInTopology : public ::testing::TestWithParam<Named<PlaceRow>> {};
+class PositionInTopology : public ::testing::TestWithParam<Named<TopologyRow>> {};
 
-TEST_P(PlaceInTopology, ByDepth) {
+TEST_P(PositionInTopology, ByDepth) {
   const auto& [value, qualifies] = GetParam().row;
   EXPECT_EQ(!RecordsOf(OwnController({{"Depth", value}})).empty(), qualifies);
 }
 
-TEST_P(PlaceInTopology, ByRouteString) {
+TEST_P(PositionInTopology, ByRouteString) {
   const auto& [value, qualifies] = GetParam().row;
   EXPECT_EQ(!RecordsOf(OwnController({{"Route String", value}})).empty(), qualifies);
 }
 
-std::vector<Named<PlaceRow>> PlaceRows() {
-  std::vector<Named<PlaceRow>> rows{
+std::vector<Named<TopologyRow>> TopologyRows() {
+  std::vector<Named<TopologyRow>> rows{
       {"Zero", {0, true}},
       {"One", {1, false}},
       {"MinusOne", {-1, false}},
@@ -214,8 +214,8 @@ std::vector<Named<PlaceRow>> PlaceRows() {
   return rows;
 }
 
-INSTANTIATE_TEST_SUITE_P(ThunderboltInventory, PlaceInTopology, ::testing::ValuesIn(PlaceRows()),
-                         RowName);
+INSTANTIATE_TEST_SUITE_P(ThunderboltInventory, PositionInTopology,
+                         ::testing::ValuesIn(TopologyRows()), RowName);
 
 CallList PlaceReads(std::string_view controller) {
   return PropertyReads(controller, {"Depth", "Route String"});

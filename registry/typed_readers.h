@@ -8,15 +8,16 @@
 namespace fernwick {
 
 /// Typed reads of an entry's own property. An integer, a real and a boolean are numbers and are
-/// accepted alike. Each returns 0 and stores the number in `result`; or returns RegistryNotFound,
+/// all accepted. Each returns 0 and stores the number in `result`; or returns RegistryNotFound,
 /// when the property is absent or anything but a number, and leaves `result` exactly as it was.
 
 /// Whether the number is other than 0.
 RegistryStatus ReadBoolProperty(Registry& registry, RegistryEntry entry, std::string_view key,
                                 bool& result);
 
-/// The low 32 bits of what ReadU64Property reads: 0x300000000 reads as 0. Cut, not refused, so that
-/// a controller whose "Route String" has nothing in its low 32 bits counts as being at the root.
+/// The low 32 bits of what ReadU64Property reads: 0x300000000 reads as 0. Truncated, not refused,
+/// so that a controller whose "Route String" has nothing in its low 32 bits counts as being at the
+/// root.
 RegistryStatus ReadU32Property(Registry& registry, RegistryEntry entry, std::string_view key,
                                std::uint32_t& result);
 

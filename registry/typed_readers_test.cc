@@ -30,7 +30,7 @@ constexpr std::uint64_t AllOnes = std::numeric_limits<std::uint64_t>::max();
 template <typename Place>
 using Reader = RegistryStatus (*)(Registry&, RegistryEntry, std::string_view, Place&);
 
-/// The status of a read and what is then in the place.
+/// The status of a read, and the value of the out parameter.
 template <typename Place>
 using Outcome = std::pair<RegistryStatus, Place>;
 
@@ -41,7 +41,7 @@ Outcome<Place> Read(Reader<Place> read, Registry& registry, RegistryEntry entry,
   return {status, place};
 }
 
-/// Reads "Key" of an entry that holds `value` there.
+/// Reads "Key" of an entry where it is `value`.
 template <typename Place>
 Outcome<Place> ReadValue(Reader<Place> read, const PropertyValue& value, Place preset = {}) {
   Computer computer;
@@ -135,7 +135,8 @@ TEST_P(OtherProperty, LeavesTheResultAsItWas) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, OtherProperty, ::testing::ValuesIn(NonNumbers()), RowName);
 
-/// Holds every reader to finding nothing under "Key" of `entry` and to leaving the place alone.
+/// Checks that every reader finds nothing under "Key" of `entry` and leaves the out parameter
+/// alone.
 void ExpectNotFound(const Computer& computer, RegistryEntry entry) {
   RecordedRegistry registry(computer.Recorded());
   EXPECT_EQ(Read(ReadBoolProperty, registry, entry, true), Outcome<bool>(RegistryNotFound, true));

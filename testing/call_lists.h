@@ -7,7 +7,7 @@
 
 namespace fernwick::testing {
 
-/// Calls as a LoggingRegistry notes them, in their order.
+/// Calls as a LoggingRegistry logs them, in their order.
 using CallList = std::vector<std::string>;
 
 /// The lists one after the other.

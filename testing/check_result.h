@@ -11,7 +11,7 @@
 
 namespace fernwick {
 
-/// How a failed comparison shows it.
+/// The form in which a failed comparison prints it.
 inline void PrintTo(const Verdict& verdict, std::ostream* out) {
   *out << (verdict.failure ? "fails, reason " + std::to_string(static_cast<int>(*verdict.failure))
                            : "is met")
@@ -22,7 +22,7 @@ inline void PrintTo(const Verdict& verdict, std::ostream* out) {
 
 namespace fernwick::testing {
 
-/// What a requirement check answered, and all that it wrote to standard error meanwhile.
+/// What a requirement check returned, and all that it wrote to standard error.
 struct CheckResult {
   bool applies;
   std::string diagnostics;
@@ -30,13 +30,13 @@ struct CheckResult {
   friend bool operator==(const CheckResult&, const CheckResult&) = default;
 };
 
-/// How a failed comparison shows it.
+/// The form in which a failed comparison prints it.
 inline void PrintTo(const CheckResult& result, std::ostream* out) {
   *out << (result.applies ? "applies, writes " : "does not apply, writes ")
        << ::testing::PrintToString(result.diagnostics);
 }
 
-/// The two answers, each with what is to be on standard error.
+/// The two results, each with the expected standard error.
 inline CheckResult Applies(std::string diagnostics = {}) {
   return {true, std::move(diagnostics)};
 }

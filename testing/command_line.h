@@ -20,7 +20,8 @@ class CommandLine {
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
-  /// As a program is given them: so many words, and a null behind them. They live as long as this.
+  /// As main receives them: the count, and the words with a null after them. They live as long as
+  /// this.
   int Count() const { return static_cast<int>(words_.size()); }
   char* const* Vector() const { return pointers_.data(); }
 

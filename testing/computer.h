@@ -9,7 +9,7 @@
 
 namespace fernwick::testing {
 
-/// A computer put together entry by entry, for tests that say what hardware they are about. It
+/// A computer that is built entry by entry, for tests that describe their hardware. It
 /// begins with the roots of both planes and "IODeviceTree:/options", all without properties.
 class Computer {
  public:
@@ -17,8 +17,8 @@ class Computer {
   Computer(const Computer& other);
   Computer& operator=(const Computer&) = delete;
 
-  /// The root of the device tree, which holds the board's identity, and the entry below it that
-  /// holds the boot-time settings.
+  /// The root of the device tree, which has the board's identity, and the entry below it that
+  /// has the boot-time settings.
   RegistryEntry Board() const { return board_; }
   RegistryEntry Options() const { return options_; }
 
@@ -35,12 +35,12 @@ class Computer {
   RegistryEntry AddService(RegistryEntry parent, std::string_view name, std::string_view className,
                            const Record& properties);
 
-  /// The same, of the two classes of controllers, below the root. A Thunderbolt controller must be
-  /// given its "UID".
+  /// The same, of the two classes of controllers, below the root. A Thunderbolt controller needs
+  /// a "UID".
   RegistryEntry AddPort(std::string_view name, const Record& properties);
   RegistryEntry AddThunderbolt(std::string_view name, const Record& properties);
 
-  /// Says that a class derives from another.
+  /// Declares that a class derives from another.
   Computer& Derive(std::string_view className, std::string_view superclass);
 
   /// Valid as long as the computer; a copy of a computer has a recording of its own.

@@ -3,7 +3,7 @@
 namespace fernwick::testing {
 
 /// Whether the programs count what is reached. At the end of a process the counters are written,
-/// which takes memory and room for files that a test may have taken away.
+/// which needs memory and disk space that a test may have exhausted.
 #ifdef FERNWICK_COVERAGE
 inline constexpr bool CountingCoverage = true;
 #else

@@ -8,7 +8,7 @@
 
 namespace fernwick::testing {
 
-/// The record with these entries set; one that is there keeps its location.
+/// The record with these entries set; an existing key keeps its position.
 inline Record With(Record record, const Record& entries) {
   record.Merge(entries);
   return record;
@@ -21,7 +21,7 @@ inline Record Without(Record record, std::string_view key) {
 }
 
 /// A record of the one key, or without it when there is no value.
-inline Record Holding(std::string_view key, std::optional<PropertyValue> value) {
+inline Record SingleEntry(std::string_view key, std::optional<PropertyValue> value) {
   Record record;
   if (value) record.Set(key, *value);
   return record;

@@ -6,8 +6,8 @@
 
 namespace fernwick::testing {
 
-/// Holds `value` to being equal to a copy of itself and to none of the others, which differ from it
-/// in one member each.
+/// Contains `value` to being equal to a copy of itself and to none of the others, which differ from
+/// it in one member each.
 template <typename T>
 void ExpectDistinct(const T& value, const std::vector<T>& others) {
   EXPECT_TRUE(value == T(value));

@@ -8,7 +8,7 @@
 
 namespace fernwick::testing {
 
-/// A recorded computer that notes every call, so that a test can prove what was asked, how often
+/// A recorded computer that logs every call, so that a test can check what was read, how often
 /// and in which order. A call reads "GetProperty Port0 UUID": the operation and its arguments,
 /// entries by name (a root as "root"), iterators as "iterator 1" and so on, the handle 0 as "none".
 class LoggingRegistry : public Registry {
@@ -16,14 +16,14 @@ class LoggingRegistry : public Registry {
   /// REQUIRES: `recording` outlives the registry.
   explicit LoggingRegistry(const Recording& recording)
       : recording_(recording), registry_(recording) {}
-  explicit LoggingRegistry(const Recording&& recording) = delete;  // it would not live on
+  explicit LoggingRegistry(const Recording&& recording) = delete;  // the reference would dangle
 
   const std::vector<std::string>& Calls() const { return calls_; }
 
   /// The calls that begin with `beginning`, in their order.
   std::vector<std::string> CallsOf(std::string_view beginning) const;
 
-  /// From now on MatchServicesByClass gives this status, with an iterator or without one.
+  /// From now on MatchServicesByClass returns this status, with an iterator or without one.
   void FailMatching(RegistryStatus status, bool withIterator);
 
   RegistryEntry LookupEntryByPath(std::string_view path) override;

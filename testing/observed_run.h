@@ -11,7 +11,7 @@
 
 namespace fernwick::testing {
 
-/// All that can be seen of a run from outside.
+/// Everything observable about a run.
 struct ObservedRun {
   int status;
   std::optional<Fault> fault;

@@ -9,8 +9,8 @@
 
 namespace fernwick::testing {
 
-/// What a recording says, without the memory that it views: for tests that write a recording down
-/// or compare one.
+/// The content of a recording, without the memory that it views: for tests that write a recording
+/// down or compare one.
 struct RecordingContent {
   std::vector<RecordedEntry> entries = {};
   std::map<std::string_view, RecordedPlane> planes = {};

@@ -19,7 +19,7 @@ class Redirection {
   Redirection(const Redirection&) = delete;
   Redirection& operator=(const Redirection&) = delete;
 
-  /// Everything that was written so far into memory.
+  /// Everything that has been written into memory.
   std::string Text() const;
 
   /// Ends the redirection. An expectation that fails before prints to standard output.

@@ -4,7 +4,7 @@
 
 namespace fernwick::testing {
 
-/// Puts a pipe in the place of standard input for as long as it lives. One at a time.
+/// Replaces standard input by a pipe for as long as it lives. One at a time.
 class StandardInputPipe {
  public:
   StandardInputPipe();
@@ -12,7 +12,7 @@ class StandardInputPipe {
   StandardInputPipe(const StandardInputPipe&) = delete;
   StandardInputPipe& operator=(const StandardInputPipe&) = delete;
 
-  /// REQUIRES: no more than the pipe holds, 64 KiB, is unread.
+  /// REQUIRES: no more than the pipe's capacity, 64 KiB, is unread.
   void Write(std::string_view bytes) const;
 
   /// Nothing more will be written.

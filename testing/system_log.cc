@@ -22,7 +22,7 @@ SystemLogOnStandardError::~SystemLogOnStandardError() {
 
 }  // namespace fernwick::testing
 
-// Takes the place of the C library's, to which it hands everything on.
+// Replaces the C library's function, and calls it in turn.
 extern "C" void syslog(int priority, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

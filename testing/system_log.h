@@ -2,7 +2,7 @@
 
 namespace fernwick::testing {
 
-/// While it exists, what goes to the system log also goes to standard error: behind "log: ", a line
+/// While it exists, what goes to the system log also goes to standard error: after "log: ", a line
 /// a message. One at a time.
 class SystemLogOnStandardError {
  public:

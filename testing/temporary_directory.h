@@ -5,7 +5,7 @@
 
 namespace fernwick::testing {
 
-/// A directory of its own under the system's temporary one, removed with all it holds at the end.
+/// A new directory under the system's temporary one, removed with its contents at the end.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();

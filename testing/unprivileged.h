@@ -5,16 +5,16 @@
 
 namespace fernwick::testing {
 
-/// Gives up the right to read every file until the end of its scope, where a test runs with it.
+/// Drops the right to read every file until the end of its scope, if the test has it.
 class Unprivileged {
  public:
-  Unprivileged() : user_(geteuid()) { EXPECT_EQ(seteuid(user_ == 0 ? Nobody : user_), 0); }
+  Unprivileged() : user_(geteuid()) { EXPECT_EQ(seteuid(user_ == 0 ? NobodyUser : user_), 0); }
   ~Unprivileged() { EXPECT_EQ(seteuid(user_), 0); }
   Unprivileged(const Unprivileged&) = delete;
   Unprivileged& operator=(const Unprivileged&) = delete;
 
  private:
-  static constexpr uid_t Nobody = 65534;
+  static constexpr uid_t NobodyUser = 65534;
 
   uid_t user_;
 };

@@ -6,10 +6,10 @@
 namespace fernwick {
 namespace {
 
-// Blocks double up to the largest size, so that a small document costs little and a large one few
-// calls of the allocator.
-constexpr std::size_t SmallestBlock = 4096;
-constexpr std::size_t LargestBlock = std::size_t{1} << 20;
+// Each block is as large as all before it together, within these limits: a small document uses
+// little memory, and a large one needs few calls of the allocator.
+constexpr std::size_t MinBlockSize = 4096;
+constexpr std::size_t MaxBlockSize = std::size_t{1} << 20;
 
 }  // namespace
 
@@ -29,10 +29,10 @@ Arena& Arena::operator=(Arena&& other) noexcept {
   return *this;
 }
 
-// An allocation of more than a quarter of a block has a block of its own, and the current one stays
-// in use: it would leave too much of one unused.
+// An allocation of more than a quarter of a block gets a block of its own, and the current block
+// stays in use. At most a quarter of a block is therefore left unused when the next one begins.
 void* Arena::AllocateInNewBlock(std::size_t size) {
-  const std::size_t blockSize = std::clamp(size_, SmallestBlock, LargestBlock);
+  const std::size_t blockSize = std::clamp(size_, MinBlockSize, MaxBlockSize);
   const bool isLarge = size > blockSize / 4;
   const std::size_t allocated = isLarge ? size : blockSize;
   char* block = blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(allocated)).get();

@@ -12,10 +12,10 @@
 
 namespace fernwick {
 
-/// A bump arena: allocates from large blocks by advancing a pointer, and all of it is freed
-/// at once, with the arena. An allocation costs an addition and a comparison; nothing is freed
-/// before. What it returns stays at its address when the arena is moved. Not for use by two threads
-/// at once.
+/// An arena with bump allocation: it allocates from large blocks by advancing a pointer, and frees
+/// everything at once when it is destroyed. An allocation costs an addition and a comparison, plus
+/// an amortised share of a new block; there is no way to free a single allocation. Addresses stay
+/// valid when the arena is moved. Not for use by two threads at once.
 class Arena {
  public:
   Arena() = default;
@@ -42,7 +42,7 @@ class Arena {
   /// A copy of the text.
   std::string_view Copy(std::string_view text);
 
-  /// The same text, which the arena owns from now on. Without copying it: for whole files.
+  /// The same text, owned by the arena from now on without a copy: for whole files.
   std::string_view Adopt(std::string text);
 
   /// Bytes of all blocks and of all that was adopted.

@@ -12,14 +12,14 @@ namespace fernwick {
 /// anything else.
 std::optional<Date> ParseDate(std::string_view text);
 
-/// The same form.
+/// The date in the form that ParseDate reads.
 std::string FormatDate(Date date);
 
-/// A point given as seconds since 2001-01-01T00:00:00Z, cut to whole seconds (toward the past);
+/// The date that is `seconds` after 2001-01-01T00:00:00Z, rounded down to whole seconds;
 /// empty when it is outside the years 1 to 9999.
 std::optional<Date> DateFromSecondsSince2001(double seconds);
 
-/// The other way round, exact.
+/// The inverse of DateFromSecondsSince2001, exact.
 double SecondsSince2001(Date date);
 
 }  // namespace fernwick

@@ -3,6 +3,11 @@
 #include <cmath>
 #include <limits>
 
+// An integer and a real are compared exactly, without converting the integer to a double: a real
+// outside the range of integers decides by itself; otherwise its integral part, which is then an
+// exact integer, is compared with the integer, and where they are equal the sign of the fractional
+// part decides. Constant time.
+
 namespace fernwick {
 namespace {
 
@@ -25,7 +30,7 @@ std::partial_ordering CompareWithReal(const Integer& integer, double real) {
   if (order != std::strong_ordering::equal) return order;
   // coverage: 1 of 6 branches: Two reals are unordered only where one is NaN, which is excluded
   // above.
-  return std::trunc(real) <=> real;  // the integers agree; what is left of the real decides
+  return std::trunc(real) <=> real;  // the fractional part decides
 }
 
 std::partial_ordering CompareNumbers(const Number& a, const Number& b) {

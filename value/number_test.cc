@@ -51,7 +51,7 @@ TEST(Number, BoundsOfIntegersAgainstReals) {
             std::partial_ordering::less);
 }
 
-// The significand of a long double holds either exactly.
+// A long double represents either exactly.
 TEST(Number, AnIntegerAndARealComparePrecisely) {
   for (const double real : {-1e30, -5.5, -1.5, -1.0, -0.5, -0.0, 0.0, 0.5, 1.0, 4.5, 5.0, 1e30}) {
     for (const std::int64_t integer : {-6, -5, -2, -1, 0, 1, 4, 5}) {

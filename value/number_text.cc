@@ -10,8 +10,8 @@
 namespace fernwick {
 namespace {
 
-// Takes an optional sign off the front of the text and says whether it was a minus.
-bool TakeSign(std::string_view& text) {
+// Removes an optional sign from the front of the text and returns whether it was a minus.
+bool ConsumeSign(std::string_view& text) {
   if (text.empty() || (text.front() != '-' && text.front() != '+')) return false;
   const bool minus = text.front() == '-';
   text.remove_prefix(1);
@@ -25,7 +25,7 @@ bool StartsLikeDecimal(std::string_view text) {
 }  // namespace
 
 std::optional<Integer> ParseInteger(std::string_view text) {
-  const bool minus = TakeSign(text);
+  const bool minus = ConsumeSign(text);
   const bool hexadecimal = text.starts_with("0x");
   if (hexadecimal) text.remove_prefix(2);
   std::uint64_t magnitude = 0;
@@ -37,7 +37,7 @@ std::optional<Integer> ParseInteger(std::string_view text) {
 }
 
 std::optional<double> ParseReal(std::string_view text) {
-  const bool minus = TakeSign(text);
+  const bool minus = ConsumeSign(text);
   double magnitude = 0;
   if (EqualsIgnoringCase(text, "nan")) {
     magnitude = std::numeric_limits<double>::quiet_NaN();

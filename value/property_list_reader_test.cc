@@ -100,7 +100,7 @@ struct RefusedRow {
 TEST(PropertyListReader, FailureCarriesTheSerialisationThatWasDetected) {
   const std::string oneString = "one unquoted string is not a property list";
   const std::string noValue = "nothing but white space and comments";
-  const std::string notHex = "data holds something other than hexadecimal digits";
+  const std::string notHex = "data contains something other than hexadecimal digits";
   const RefusedRow rows[] = {
       {"", "the file is empty", Serialisation::None},
       {"bplist0", "byte 7: the version is not \"00\"", Serialisation::Binary},
@@ -117,7 +117,7 @@ TEST(PropertyListReader, FailureCarriesTheSerialisationThatWasDetected) {
       {"<plist", "line 1, column 1: a start tag does not end", Serialisation::Xml},
       {"<plists/>", "line 1, column 1: <plists> is no property-list element", Serialisation::Xml},
       {"<dict", "line 1, column 1: a start tag does not end", Serialisation::Xml},
-      {"<key>a</key>", "line 1, column 1: <key> stands where a value was expected",
+      {"<key>a</key>", "line 1, column 1: <key> found where a value was expected",
        Serialisation::Xml},
       {"<string>\xFF</string>", "line 1, column 9: the text is not UTF-8", Serialisation::Xml},
       {AsUtf16("<true/>", true) + "x", "line 1, column 8: the text is not UTF-16",

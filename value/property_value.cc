@@ -5,15 +5,22 @@
 #include <numeric>
 #include <vector>
 
+// Repeated keys. Small dictionaries, which are nearly all, are first tested for repetitions with a
+// Bloom filter of one 64-bit word: each key sets one bit, and a key is compared with those before
+// it only where its bit is already set. That is close to linear for keys as they occur, quadratic
+// at worst, and allocates nothing. A dictionary that is large or has a repetition is folded: its
+// indices are sorted stably by key, so that the entries of one key are adjacent and in file order;
+// the first of them keeps its position and receives the value of the last. That costs n log n, also
+// for keys that were chosen to make it slow.
+
 namespace fernwick {
 namespace {
 
-// Up to here comparing keys with each other costs less than sorting them.
+// Up to this size comparing keys with each other costs less than sorting them.
 constexpr std::size_t FewEntries = 32;
 
-// A Bloom filter of one word: one of 64 bits, the same for equal keys and mostly another for
-// others.
-std::uint64_t SignatureOf(std::string_view key) {
+// The bit of a key in the Bloom filter: computed from its length and its first and last byte.
+std::uint64_t FilterBitOf(std::string_view key) {
   if (key.empty()) return 1;
   const std::size_t first = static_cast<unsigned char>(key.front());
   const std::size_t last = static_cast<unsigned char>(key.back());
@@ -21,20 +28,20 @@ std::uint64_t SignatureOf(std::string_view key) {
 }
 
 bool HasRepeatedKeyAmongFew(std::span<const DictionaryEntry> entries) {
-  std::uint64_t signatures = 0;
+  std::uint64_t filter = 0;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const auto key = entries[i].key;
-    const std::uint64_t signature = SignatureOf(key);
-    if ((signatures & signature) != 0) {
+    const std::uint64_t bit = FilterBitOf(key);
+    if ((filter & bit) != 0) {
       const auto before = entries.first(i);
       if (std::ranges::find(before, key, &DictionaryEntry::key) != before.end()) return true;
     }
-    signatures |= signature;
+    filter |= bit;
   }
   return false;
 }
 
-// The indices of the entries, by key; the indices of one key in their own order.
+// The indices of the entries sorted by key, in file order within one key.
 std::vector<std::size_t> IndicesByKey(std::span<const DictionaryEntry> entries) {
   std::vector<std::size_t> indices(entries.size());
   std::iota(indices.begin(), indices.end(), std::size_t{0});
@@ -53,11 +60,11 @@ std::span<DictionaryEntry> FoldRepeatedKeys(std::span<DictionaryEntry> entries) 
     entries[indices[first]].value = entries[indices[next - 1]].value;
     first = next;
   }
-  std::size_t kept = 0;
+  std::size_t size = 0;
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (!folded[i]) entries[kept++] = entries[i];
+    if (!folded[i]) entries[size++] = entries[i];
   }
-  return entries.first(kept);
+  return entries.first(size);
 }
 
 }  // namespace

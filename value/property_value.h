@@ -41,7 +41,7 @@ class Array {
 };
 
 /// Values by string key, in the order in which the keys came: a view of entries that something else
-/// owns, an arena or a Record. Keys are exact and case-sensitive.
+/// owns, an arena or a Record. Keys are compared exactly, case-sensitively.
 class Dictionary {
  public:
   Dictionary() = default;
@@ -68,7 +68,7 @@ class Dictionary {
   std::uint32_t size_ = 0;
 };
 
-/// A byte string, owned by something else.
+/// A view of a byte string.
 struct Data {
   std::string_view bytes;
   friend bool operator==(const Data&, const Data&) = default;
@@ -83,9 +83,8 @@ struct Date {
 
 /// One value of a property list: 16 bytes that are copied freely. A dictionary, an array, a string
 /// and data are views: what they view is owned by the document or the record that the value comes
-/// from, and must outlive it. A value is never absent: where one may be missing, a null pointer or
-/// an empty optional says so. REQUIRES: less than 4 GiB of bytes and 2^32 elements; a file has at
-/// most 1 GiB.
+/// from, and must outlive it. A value is never absent: an optional one is a null pointer or an
+/// empty optional. REQUIRES: less than 4 GiB of bytes and 2^32 elements; a file has at most 1 GiB.
 class PropertyValue {
  public:
   PropertyValue() : PropertyValue(false) {}
@@ -98,8 +97,8 @@ class PropertyValue {
   PropertyValue(const char* text) : PropertyValue(std::string_view(text)) {}  // NOLINT
   PropertyValue(const std::string& text)                                      // NOLINT
       : PropertyValue(std::string_view(text)) {}
-  PropertyValue(std::string&& text) = delete;  // it would be a view of nothing
-  PropertyValue(Data value) : PropertyValue(Kind::Data, value.bytes) {}      // NOLINT
+  PropertyValue(std::string&& text) = delete;                            // the view would dangle
+  PropertyValue(Data value) : PropertyValue(Kind::Data, value.bytes) {}  // NOLINT
   PropertyValue(Date value) : content_{.date = value}, kind_(Kind::Date) {}  // NOLINT
   PropertyValue(Integer value)                                               // NOLINT
       : content_{.bits = value.Bits()}, kind_(Kind::Integer), isNegative_(value.IsNegative()) {}
@@ -145,14 +144,14 @@ class PropertyValue {
     return content_.date;
   }
 
-  /// The number that an integer, a real or a boolean is.
+  /// The number; empty unless the value is an integer, a real or a boolean.
   std::optional<Number> AsNumber() const;
   bool IsNumber() const {
     return kind_ == Kind::Integer || kind_ == Kind::Real || kind_ == Kind::Boolean;
   }
 
-  /// Calls `visitor` with the one of Dictionary, Array, std::string_view (a string), Integer,
-  /// double, bool, Data and Date that the value is. Returns what it returns.
+  /// Calls `visitor` with the content: a Dictionary, Array, std::string_view (a string), Integer,
+  /// double, bool, Data or Date. Returns what it returns.
   template <typename Visitor>
   auto Visit(Visitor&& visitor) const {
     switch (kind_) {
@@ -236,9 +235,9 @@ inline const PropertyValue* Dictionary::Find(std::string_view key) const {
   return nullptr;
 }
 
-/// The entries without repetitions: a key that occurs twice keeps its first location and its last
-/// value. Works in the given memory and returns what is left, its front. Costs n log n for n
-/// entries, since a file decides how many there are; a few are compared with each other.
+/// Removes repeated keys in place: a key that occurs twice keeps its first position and its last
+/// value. Returns the entries that remain, at the front of `entries`. Costs n log n for n entries,
+/// whatever the keys.
 std::span<DictionaryEntry> WithoutRepeatedKeys(std::span<DictionaryEntry> entries);
 
 }  // namespace fernwick

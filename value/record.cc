@@ -5,7 +5,7 @@
 namespace fernwick {
 namespace {
 
-// Up to here setting entries one by one costs less than sorting all keys.
+// Up to this size setting entries one by one costs less than sorting all keys.
 constexpr std::size_t FewEntries = 32;
 
 }  // namespace

@@ -9,13 +9,13 @@
 
 namespace fernwick {
 
-/// A dictionary that is built: it owns its entries, and their keys and values are views, which what
-/// they view must outlive. Copies have entries of their own.
+/// A dictionary that can be modified: it owns its entries. Their keys and values are views; what
+/// they view must outlive the record. A copy has entries of its own.
 class Record {
  public:
   Record() = default;
 
-  /// A key that occurs twice keeps its first location and its last value.
+  /// A key that occurs twice keeps its first position and its last value.
   Record(std::initializer_list<DictionaryEntry> entries);
 
   /// A copy of the entries.
@@ -29,7 +29,7 @@ class Record {
   std::span<const DictionaryEntry> Entries() const { return entries_; }
   std::size_t Size() const { return entries_.size(); }
 
-  /// Sets `key` to the value. A key that is there keeps its location, a new one comes last.
+  /// Sets `key` to the value. An existing key keeps its position, a new one comes last. Linear.
   void Set(std::string_view key, PropertyValue value);
 
   /// As Set; an absent value (null) removes the key. `value` may point into this record.

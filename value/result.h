@@ -8,8 +8,8 @@
 
 namespace fernwick {
 
-/// Where in a file: the line and the column of a text, both from 1, columns in characters; or, with
-/// line 0, the offset of a byte.
+/// A location in a file: the line and the column of a text, both from 1, columns in characters; or,
+/// with line 0, the offset of a byte.
 struct FileLocation {
   std::size_t line = 0;
   std::size_t column = 0;

@@ -24,7 +24,7 @@ struct KeyLocation {
 };
 
 /// Builds the tree of locations while a reader reads: the reader reports the beginning and the end
-/// of each value, and each key before its value. A reader that is given none (null) reports
+/// of each value, and each key before its value. A reader without a builder (null) reports
 /// nothing.
 class LocationBuilder {
  public:

@@ -142,7 +142,7 @@ class Bench {
     const bool isPlanned = explanation_.end == RunEnd::Planned;
     EXPECT_EQ(Occurrences("<string>-payload</string>", quiet.standardOutput),
               isPlanned ? explanation_.run.result.matches.size() : 0u);
-    // The verbose listing takes an inventory that no key of the configuration may ask for.
+    // The verbose listing collects an inventory that perhaps no key of the configuration asks for.
     if (HasControllerWithoutUid(pair_.computer.Recorded())) return;
     options_.verbose = true;
     const auto verbose = RunWithoutTrace();
@@ -203,7 +203,7 @@ void ExpectEveryOutcome(const Counts& counts) {
   }
 }
 
-TEST(ExplainAgreement, HoldsOverRandomPairs) {
+TEST(ExplainAgreement, IsTrueOfRandomPairs) {
   std::mt19937_64 random(20261121);
   Counts counts;
   for (int i = 0; i < PairCount && !::testing::Test::HasFailure(); ++i) {

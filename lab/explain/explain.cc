@@ -10,6 +10,7 @@
 #include "lab/explain/print.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -17,13 +18,14 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Tells which personality of a payload matches which controller of a recorded computer and, of "
+    "Prints which personality of a payload matches which controller of a recorded computer and, "
+    "for "
     "every other pair, why not: all requirements that fail, near misses first.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
-std::string FaultOfDirectory(const std::string& path) {
+std::string DirectoryFault(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (directory < 0) return std::strerror(errno);
   close(directory);
@@ -47,7 +49,10 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "RECORDING",
+           .target = &path,
+           .help = "the recorded computer; - is standard input",
+           .least = 1},
           {.name = "-p,--payload",
            .target = &payload,
            .help = "the payload directory",
@@ -57,9 +62,9 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecording(path);
-  if (!recording) return PrintError(path, recording.Error());
-  if (const auto fault = FaultOfDirectory(payload); !fault.empty()) {
+  const auto recording = LoadRecordingOperand(path);
+  if (!recording) return PrintError(InputName(path), recording.Error());
+  if (const auto fault = DirectoryFault(payload); !fault.empty()) {
     return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
   }
   const auto explanation = Explain(*recording, ToolOptions(payload, bypassVersion));

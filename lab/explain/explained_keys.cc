@@ -13,7 +13,7 @@ namespace {
 // The locations of the keys of a dictionary; of one that occurs twice the last, whose value counts.
 class KeyLocations {
  public:
-  // Null: nothing is known.
+  // Null: no location is known.
   explicit KeyLocations(const ValueLocation* dictionary) {
     if (dictionary == nullptr) return;
     for (const auto& entry : dictionary->entries) locations_[entry.key] = &entry;
@@ -44,13 +44,13 @@ ExplainedSkip ExplainSkip(const Recording& recording, const SkippedController& s
                              .name = NameOf(recording, skipped.controller),
                              .reason = skipped.reason,
                              .sources = {}};
-  const auto look = [&](std::string_view property) {
+  const auto addSource = [&](std::string_view property) {
     explained.sources.push_back(LookUpSource(recording, {skipped.controller, property, ""}));
   };
   switch (skipped.reason) {
-    case SkipReason::NotAtRootOfTopology: look("Depth"), look("Route String"); break;
-    case SkipReason::RouteString: look("Route String"); break;
-    case SkipReason::AddressBelowThunderbolt: look("Address"); break;
+    case SkipReason::NotAtRootOfTopology: addSource("Depth"), addSource("Route String"); break;
+    case SkipReason::RouteString: addSource("Route String"); break;
+    case SkipReason::AddressBelowThunderbolt: addSource("Address"); break;
   }
   return explained;
 }

@@ -63,7 +63,7 @@ ExplainedSources FaultSources(Fault fault, const Recording& recording, Registry&
   return ControllersWithoutUid(recording, registry);
 }
 
-// Of a run that has no configuration: a board for which there is none is no error.
+// Of a run without a configuration. That a board has none is not an error.
 void FindConfigurationError(Explanation& explanation) {
   const auto& path = explanation.configurationPath;
   if (!path || !PathExists(*path)) return;

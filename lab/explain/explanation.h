@@ -40,18 +40,18 @@ struct ExplainedPair {
   std::vector<ExplainedFailure> failures = {};  // the first one decided
 };
 
-/// A controller of an inventory, with the pair that each personality makes with it.
+/// A controller of an inventory, with the result of each personality on it.
 struct ExplainedController {
   bool isPort;
   std::string path;
   std::string_view name;
   std::string_view thunderboltName;  // of a port, of the Thunderbolt controller above it, if any
   Dictionary record;
-  bool isUuidUnread;                 // an earlier port without a UUID kept this one's unread
+  bool isUuidUnread;                 // an earlier port has no UUID, after which none is read
   std::vector<ExplainedPair> pairs;  // in the order of the file
 
-  // By the hardware key of each failure in `pairs`, what the value is read from; an empty list:
-  // from nothing that is there.
+  // By the hardware key of each failure in `pairs`, the properties that the value is read from; an
+  // empty list: no entry of the registry could have it.
   std::map<std::string_view, ExplainedSources> sources;
 };
 
@@ -60,7 +60,7 @@ inline bool IsUuidUnread(const FailedRequirement& failed, const ExplainedControl
   return controller.isUuidUnread && failed.requirement->hardwareKey == "Port UUID";
 }
 
-/// A controller that is there and that the inventory does not list.
+/// A controller of the registry that the inventory does not list.
 struct ExplainedSkip {
   std::string path;
   std::string_view name;
@@ -72,13 +72,13 @@ struct ExplainedSkip {
 struct UnreadKey {
   std::string_view key;
   std::optional<FileLocation> location;
-  TypeSet readBy;  // other types; none: nothing reads it
+  TypeSet readBy;  // other types; Types::None: no type does
 };
 
 /// A candidate under a type, a personality or not.
 struct ExplainedPersonality {
   std::optional<FileLocation> location;
-  std::optional<PropertyValue> firmware;  // whatever it has as "Firmware"
+  std::optional<PropertyValue> firmware;  // its "Firmware", of any kind
   std::vector<UnreadKey> unread = {};
 };
 
@@ -86,7 +86,7 @@ struct ExplainedPersonality {
 struct ExplainedKey {
   std::string_view key;
   std::optional<FileLocation> location;
-  TypeSet type;   // none: nothing reads it
+  TypeSet type;   // Types::None: the key is not read
   bool hasShape;  // its value is of the shape that the type needs
   PropertyValue value;
   std::vector<ExplainedPersonality> personalities = {};
@@ -100,7 +100,7 @@ enum class RunEnd {
   NothingMatched,
   NoFirmware,       // a match names no image, which ends the run without a plan
   NoDictionary,     // at the top of the configuration
-  NoConfiguration,  // for this board, or none that can be read
+  NoConfiguration,  // there is none for this board, or it cannot be read
   Bypassed,
   Abnormal,
 };
@@ -109,11 +109,11 @@ enum class RunEnd {
 /// recording, which must outlive it, and its own run; it can be moved.
 struct Explanation {
   RunEnd end;
-  ToolRun run = {};                    // after a fault nothing but the fault
+  ToolRun run = {};                    // after a fault only the fault
   ExplainedSources faultSources = {};  // the properties that the fault is about
   BoardIdentity identity = {};
   std::optional<std::string> configurationPath = {};
-  std::optional<LabError> configurationError = {};  // one that is there cannot be used
+  std::optional<LabError> configurationError = {};  // why one that exists cannot be used
   bool optionBypassesVersion = false;
   std::vector<ExplainedKey> keys = {};
 };

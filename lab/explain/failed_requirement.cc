@@ -18,7 +18,7 @@ struct Sides {
   const FailedRequirement& failure;
   const std::optional<FileLocation>& location;
 
-  // Ids are known to people in hexadecimal.
+  // Ids are usually written in hexadecimal.
   std::string ValueText(const PropertyValue& value) const {
     return failure.requirement->key.ends_with("ID") ? InlineTextWithHex(value) : InlineText(value);
   }
@@ -27,26 +27,26 @@ struct Sides {
   std::string Found() const { return ValueText(failure.found.value()); }
 
   // "wants 5 at 9:4", "wants one of [5, 6] at 9:4".
-  std::string Wish() const {
+  std::string WantedText() const {
     return (failure.wanted->AsArray() ? "wants one of " : "wants ") + Wanted();
   }
 
-  std::string HardwareSide() const {
+  std::string FoundText() const {
     return failure.found ? "the controller has " + Found() : "the controller has none either";
   }
 
-  std::string Age() const {
+  std::string NotNewerText() const {
     const char* verdict = failure.wanted->IsNumber() ? " is not" : " is no number and not";
     return Wanted() + verdict + " newer than the installed " + Found();
   }
 
   // The personality may lack its version, which is a failure of its own.
-  std::string Engineering() const {
-    const auto wish = failure.wanted ? Wish() + ", but " : "";
-    return wish + "engineering firmware is installed, marked " + Found();
+  std::string EngineeringText() const {
+    const auto wanted = failure.wanted ? WantedText() + ", but " : "";
+    return wanted + "engineering firmware is installed, marked " + Found();
   }
 
-  std::string WrongKind() const {
+  std::string WrongKindText() const {
     const auto* key = fernwick::FindKey(failure.requirement->key);
     const bool isOfBoard = failure.requirement->hardwareKey.empty();
     return Wanted() + " is not " + std::string(WordsFor(key->kind)) + "; the " +
@@ -77,12 +77,13 @@ std::string FailureText(const FailedRequirement& failure,
                         const std::optional<FileLocation>& location) {
   const Sides sides{failure, location};
   switch (failure.reason) {
-    case FailureReason::PersonalityLacksKey: return "is missing; " + sides.HardwareSide();
-    case FailureReason::HardwareLacksKey: return sides.Wish() + ", but the controller has none";
-    case FailureReason::WrongKind: return sides.WrongKind();
-    case FailureReason::Unequal: return sides.Wish() + ", finds " + sides.Found();
-    case FailureReason::NotNewer: return sides.Age();
-    case FailureReason::EngineeringFirmware: return sides.Engineering();
+    case FailureReason::PersonalityLacksKey: return "is missing; " + sides.FoundText();
+    case FailureReason::HardwareLacksKey:
+      return sides.WantedText() + ", but the controller has none";
+    case FailureReason::WrongKind: return sides.WrongKindText();
+    case FailureReason::Unequal: return sides.WantedText() + ", finds " + sides.Found();
+    case FailureReason::NotNewer: return sides.NotNewerText();
+    case FailureReason::EngineeringFirmware: return sides.EngineeringText();
     case FailureReason::AboveInstalled:
       return sides.Wanted() + " is above the installed " + sides.Found();
     case FailureReason::BelowInstalled:

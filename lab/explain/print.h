@@ -7,7 +7,7 @@
 
 namespace fernwick::lab {
 
-/// Prints the explanation for people. Nothing from a file reaches the terminal raw;
+/// Prints the explanation for people. Control characters from files are escaped;
 /// `emphasise` sets headings and outcomes in bold.
 void PrintExplanationText(const Explanation& explanation, bool emphasise, const TextSink& sink);
 
@@ -15,7 +15,7 @@ void PrintExplanationText(const Explanation& explanation, bool emphasise, const 
 /// are in the order of the file.
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
 
-/// What the JSON calls them: "nothingMatched", "notReached", "aboveInstalled".
+/// The names in the JSON: "nothingMatched", "notReached", "aboveInstalled".
 std::string_view NameOf(RunEnd end);
 std::string_view NameOf(PairOutcome outcome);
 std::string_view NameOf(FailureReason reason);

@@ -1,13 +1,11 @@
 #include <algorithm>
-#include <cinttypes>
-#include <cstdio>
 #include <sstream>
+#include <utility>
 
+#include "lab/explain/phrases.h"
 #include "lab/explain/print.h"
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
-#include "personality/personality.h"
-#include "value/textual_dump.h"
 
 namespace fernwick::lab {
 namespace {
@@ -15,7 +13,8 @@ namespace {
 constexpr std::size_t LabelWidth = 16;
 constexpr std::size_t PairWidth = 17;
 
-// Those that match first, then the rejected ones, near misses first; the rest in the file's order.
+// Matches first, then rejections, those with the fewest failures first; otherwise in the order of
+// the file. A stable sort: O(n log n).
 std::vector<const ExplainedPair*> InReadingOrder(const std::vector<ExplainedPair>& pairs) {
   std::vector<const ExplainedPair*> order;
   for (const auto& pair : pairs) order.push_back(&pair);
@@ -25,144 +24,7 @@ std::vector<const ExplainedPair*> InReadingOrder(const std::vector<ExplainedPair
   return order;
 }
 
-std::string_view ControllerKind(const ExplainedKey& key, bool plural) {
-  if (key.type == Types::LegacyThunderbolt) {
-    return plural ? "Thunderbolt controllers" : "Thunderbolt controller";
-  }
-  return plural ? "port controllers" : "port controller";
-}
-
-std::string CountedControllers(const ExplainedKey& key) {
-  return Counted(key.controllers.size(), ControllerKind(key, false), ControllerKind(key, true));
-}
-
-std::string PersonalityName(const ExplainedKey& key, std::size_t index) {
-  if (key.type == Types::LegacyUsbc) return "the personality";
-  return "personality " + std::to_string(index + 1);
-}
-
-// "personality 2 at 50:3, "image.bin"".
-std::string PersonalityText(const ExplainedKey& key, std::size_t index) {
-  const auto& personality = key.personalities[index];
-  auto text = PersonalityName(key, index);
-  text += AtLocation(personality.location);
-  if (personality.firmware) text += ", " + InlineText(*personality.firmware);
-  return text;
-}
-
-std::string Named(const ExplainedController& controller) {
-  auto text = PrintableText(controller.name);
-  if (!controller.thunderboltName.empty()) {
-    text += " below " + PrintableText(controller.thunderboltName);
-  }
-  return text;
-}
-
-// What identifies the controller at first sight.
-std::string Traits(Dictionary record) {
-  std::string text;
-  const std::pair<const char*, const char*> traits[] = {
-      {"RID", "RID"}, {"Port Address", "address"}, {"Version", "version"}};
-  for (const auto& [key, label] : traits) {
-    const auto* value = record.Find(key);
-    if (value == nullptr) continue;
-    text += std::string(text.empty() ? ": " : ", ") + label + " " + InlineText(*value);
-  }
-  return text;
-}
-
-std::string IdentityText(const BoardIdentity& identity) {
-  char numbers[64];
-  std::snprintf(numbers, sizeof numbers, " (0x%" PRIX64 "), revision %u", identity.boardId,
-                unsigned{identity.boardRevision});
-  return (identity.boardIdString ? PrintableText(*identity.boardIdString) : AbsentText) + numbers;
-}
-
-std::string PropertyText(const ExplainedSource& source) {
-  return "\"" + std::string(source.property) + "\" of " + PrintableText(source.name);
-}
-
-// ""UID" of ridge1 is 17 (0x11): the low 4 bits"; ""Revision" of hpm0 is absent".
-std::string SourceText(const ExplainedSource& source) {
-  auto text = PropertyText(source);
-  if (!source.value) return text + " is absent";
-  text += " is " + InlineTextWithHex(*source.value);
-  if (!source.conversion.empty()) text.append(": ").append(source.conversion);
-  return text;
-}
-
-// Of a property without use: it is not there, or of a kind that is not read.
-std::string UselessSourceText(const ExplainedSource& source) {
-  auto text = PropertyText(source);
-  if (!source.value) return text + " is absent";
-  return text + " is " + std::string(KindOf(*source.value)) + ", " + InlineText(*source.value);
-}
-
-// Where the hardware's side comes from, or why it is missing, a line for each property.
-std::vector<std::string> SourceLines(const FailedRequirement& failed,
-                                     const ExplainedController& controller) {
-  if (IsUuidUnread(failed, controller)) {
-    return {"its \"UUID\" is not read, as an earlier port has none"};
-  }
-  const auto& sources = controller.sources.at(failed.requirement->hardwareKey);
-  if (sources.empty()) return {"there is no Thunderbolt controller above it"};
-  std::vector<std::string> lines;
-  for (const auto& source : sources) {
-    lines.push_back(failed.found ? SourceText(source) : UselessSourceText(source));
-  }
-  return lines;
-}
-
-std::string BypassText(bool byOption, bool bySwitch) {
-  return std::string("bypassed by ") + (byOption ? "the option --bypassVersion" : "") +
-         (byOption && bySwitch ? " and " : "") +
-         (bySwitch ? "the switch fernwick_bypassversioncheck" : "");
-}
-
-// The match that names no image.
-std::string CulpritText(const Explanation& explanation) {
-  const auto culprit = MatchedPairs(explanation.run)[explanation.run.result.plannedMatches];
-  const auto index = culprit.key - explanation.run.trace.keys.data();
-  const auto& key = explanation.keys[static_cast<std::size_t>(index)];
-  return std::string(key.key) + ", " + PersonalityText(key, culprit.personality) +
-         " names no firmware image";
-}
-
-std::string KeySummary(const ExplainedKey& key) {
-  if (key.type == Types::None) return "names no type; nothing reads it";
-  if (!key.hasShape) {
-    const bool isSingle = key.type == Types::LegacyUsbc;
-    return "holds " + std::string(KindOf(key.value)) + " where the type needs " +
-           (isSingle ? "one dictionary" : "an array of dictionaries") + "; nothing matches";
-  }
-  const auto personalities = Counted(key.personalities.size(), "personality", "personalities");
-  if (!key.controllers.empty()) return CountedControllers(key) + ", " + personalities;
-  return "no " + std::string(ControllerKind(key, false)) + " for its " + personalities;
-}
-
-std::string SkipText(const ExplainedKey& key, const ExplainedSkip& skip) {
-  std::string text =
-      "passed over: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.name);
-  const bool isAddressed = skip.reason == SkipReason::AddressBelowThunderbolt;
-  text +=
-      isAddressed ? ", below Thunderbolt and not at address 0: " : ", not of the computer itself: ";
-  for (std::size_t i = 0; i < skip.sources.size(); ++i) {
-    text += (i == 0 ? "" : ", ") + SourceText(skip.sources[i]);
-  }
-  return text;
-}
-
-std::string ReadersText(const UnreadKey& unread, std::string_view type) {
-  if (unread.key == "Personality Type") return "; the matcher replaces it";
-  if (unread.readBy == Types::None) return "; nothing reads such a key";
-  std::string names;
-  for (const auto name : NamesOf(unread.readBy)) {
-    names += (names.empty() ? "" : ", ") + std::string(name);
-  }
-  return "; read under " + names + ", not under " + std::string(type);
-}
-
-// A rejected pair of all that fails the fewest requirements.
+// The rejected pair that fails the fewest requirements, the first of equals.
 struct NearMiss {
   const ExplainedKey* key = nullptr;
   const ExplainedController* controller = nullptr;
@@ -183,17 +45,12 @@ NearMiss FindNearestMiss(const Explanation& explanation) {
   return nearest;
 }
 
-class TextWriter {
+// Writes lines, with what is emphasised in bold where the reader is a terminal.
+class LineWriter {
  public:
-  TextWriter(const Explanation& explanation, bool emphasise, const TextSink& sink)
-      : explanation_(explanation), emphasise_(emphasise), sink_(sink) {}
+  LineWriter(bool emphasise, const TextSink& sink) : emphasise_(emphasise), sink_(sink) {}
 
-  void Write() {
-    WriteHead();
-    for (const auto& key : explanation_.keys) WriteKey(key);
-  }
-
- private:
+ protected:
   std::string Bold(const std::string& text) const {
     return emphasise_ ? "\x1B[1m" + text + "\x1B[0m" : text;
   }
@@ -202,12 +59,18 @@ class TextWriter {
     sink_(std::string(indentation, ' ').append(text).append("\n"));
   }
 
-  void Labelled(std::string label, const std::string& text) {
-    label.resize(LabelWidth, ' ');
-    Line(label + text);
-  }
+ private:
+  bool emphasise_;
+  const TextSink& sink_;
+};
 
-  void WriteHead() {
+// What an explanation begins with: the computer, the configuration and how the run ends.
+class HeadWriter : LineWriter {
+ public:
+  HeadWriter(const Explanation& explanation, const LineWriter& lines)
+      : LineWriter(lines), explanation_(explanation) {}
+
+  void Write() {
     const auto& result = explanation_.run.result;
     Labelled("Computer", IdentityText(explanation_.identity));
     const auto& path = explanation_.configurationPath;
@@ -224,6 +87,12 @@ class TextWriter {
     if (explanation_.end == RunEnd::NothingMatched) WriteNearestMiss();
   }
 
+ private:
+  void Labelled(std::string label, const std::string& text) {
+    label.resize(LabelWidth, ' ');
+    Line(label + text);
+  }
+
   std::string OutcomeText() const {
     const auto& result = explanation_.run.result;
     const auto status = ", status " + std::to_string(result.status);
@@ -232,7 +101,7 @@ class TextWriter {
       case RunEnd::Planned: return Bold(matches) + ", a plan" + status;
       case RunEnd::NothingMatched: return Bold("nothing matches") + ", no plan" + status;
       case RunEnd::NoFirmware:
-        return Bold(matches + ", but no plan") + status + ": " + CulpritText(explanation_);
+        return Bold(matches + ", but no plan") + status + ": " + MissingImageText(explanation_);
       case RunEnd::NoDictionary:
         return Bold("the top of the configuration is no dictionary") + ", no plan" + status;
       case RunEnd::NoConfiguration:
@@ -245,7 +114,7 @@ class TextWriter {
     return Bold("the run ends abnormally") + ", without any output: " + Describe(*result.fault);
   }
 
-  // What the tool itself prints where it does not come to matching, or not past it.
+  // What the tool itself prints in a run that ends before or during matching.
   void WriteLog() {
     if (explanation_.end == RunEnd::Planned || explanation_.end == RunEnd::NothingMatched) return;
     const auto& run = explanation_.run;
@@ -264,7 +133,15 @@ class TextWriter {
                  Counted(pair->failures.size(), "requirement fails", "requirements fail"));
   }
 
-  void WriteKey(const ExplainedKey& key) {
+  const Explanation& explanation_;
+};
+
+// One top-level key: each controller with the result of every personality.
+class KeyWriter : LineWriter {
+ public:
+  explicit KeyWriter(const LineWriter& lines) : LineWriter(lines) {}
+
+  void Write(const ExplainedKey& key) {
     Line("");
     Line(Bold(PrintableText(key.key)) + AtLocation(key.location) + ": " + KeySummary(key));
     if (key.type == Types::None || !key.hasShape) return;
@@ -273,11 +150,12 @@ class TextWriter {
     WriteUnread(key);
   }
 
+ private:
   void WriteController(const ExplainedKey& key, std::size_t index) {
     const auto& controller = key.controllers[index];
     Line("");
     Line(std::string(ControllerKind(key, false)) + " " + std::to_string(index + 1) + ", " +
-             Named(controller) + Traits(controller.record),
+             ControllerName(controller) + Traits(controller.record),
          2);
     Line(PrintableText(controller.path), 4);
     for (const auto* pair : InReadingOrder(controller.pairs)) WritePair(key, controller, *pair);
@@ -328,16 +206,14 @@ class TextWriter {
       }
     }
   }
-
-  const Explanation& explanation_;
-  bool emphasise_;
-  const TextSink& sink_;
 };
 
 }  // namespace
 
 void PrintExplanationText(const Explanation& explanation, bool emphasise, const TextSink& sink) {
-  TextWriter(explanation, emphasise, sink).Write();
+  const LineWriter lines(emphasise, sink);
+  HeadWriter(explanation, lines).Write();
+  for (const auto& key : explanation.keys) KeyWriter(lines).Write(key);
 }
 
 }  // namespace fernwick::lab

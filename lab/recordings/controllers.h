@@ -14,7 +14,7 @@ struct Controllers {
   // By entry: the number in the inventory, from 1; 0 for a controller that it does not list.
   std::map<RegistryEntry, std::size_t> numbers = {};
   HardwareInventory inventory = {};  // views the recording
-  bool endsRun = false;  // taking the inventory ends the run abnormally: nothing is listed
+  bool endsRun = false;  // collecting the inventory ends the run abnormally: nothing is listed
 };
 
 /// The controllers of each kind, as the tool's own inventories find them.

@@ -2,6 +2,7 @@
 
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -9,8 +10,10 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Writes the same recording in another serialisation, value for value. OUT appears whole or not "
-    "at all; what stood there before is replaced.";
+    "Writes a property list, such as a recording or a Config.plist, in another serialisation, "
+    "value "
+    "for value. \"-\" is standard input and standard output. OUT is written completely or not at "
+    "all.";
 
 constexpr char Example[] =
     "Example:\n  fernwick-lab convert desk.registry.plist small.registry.plist --to binary\n";
@@ -21,12 +24,13 @@ VerbEnd Convert(int argumentCount, char* const arguments[]) {
   std::string path;
   std::string out;
   std::string form;
+  bool replaces = false;
   const CommandLine line = {
       .verb = "convert",
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
+          {.name = "FILE", .target = &path, .help = "the property list", .least = 1},
           {.name = "OUT", .target = &out, .help = "the file to write", .least = 1},
           {.name = "--to",
            .target = &form,
@@ -34,12 +38,17 @@ VerbEnd Convert(int argumentCount, char* const arguments[]) {
            .least = 1,
            .valueName = "FORM",
            .choices = {"xml", "binary"}},
+          {.name = "--force", .target = &replaces, .help = "replace OUT where it exists"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecording(path);
-  if (!recording) return PrintError(path, recording.Error());
+  const auto ifExists = replaces ? IfExists::Replace : IfExists::Refuse;
+  if (const int status = CheckOutput(out, ifExists); status != LabStatus::Done) return status;
+  auto bytes = ReadInput(path);
+  if (!bytes) return PrintError(InputName(path), bytes.Error());
+  const auto list = ReadPropertyList(*std::move(bytes)).list;
+  if (!list) return PrintError(InputName(path), {list.Error(), LabStatus::MalformedInput});
   const auto serialisation = form == "binary" ? Serialisation::Binary : Serialisation::Xml;
-  return WriteRecording(out, recording->list.value, serialisation);
+  return WritePropertyList(out, list->value, serialisation, ifExists);
 }
 
 }  // namespace fernwick::lab

@@ -6,8 +6,8 @@
 
 namespace fernwick::lab {
 
-/// Where the entry stands in the service plane: "IOService:/bridge0/ridge0". The steps are the
-/// names, which siblings may share. REQUIRES: it stands there.
+/// The path of the entry in the service plane: "IOService:/bridge0/ridge0". Its components are
+/// names, which siblings may share. REQUIRES: the entry is in that plane.
 std::string EntryPath(const Recording& recording, RegistryEntry entry);
 
 }  // namespace fernwick::lab

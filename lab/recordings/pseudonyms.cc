@@ -10,9 +10,9 @@
 namespace fernwick::lab {
 namespace {
 
-// Counts what is new from 1.
+// The number of the key, in the order in which keys are first asked for, from 1.
 template <typename Counts, typename Key>
-std::uint64_t CountOf(Counts& counts, const Key& key) {
+std::uint64_t NumberOf(Counts& counts, const Key& key) {
   const auto known = counts.find(key);
   if (known != counts.end()) return known->second;
   return counts.emplace(key, counts.size() + 1).first->second;
@@ -70,15 +70,15 @@ PropertyValue Pseudonyms::Of(const PropertyValue& value, Arena& arena) {
   return Rebuilt(value, arena, inner);
 }
 
-// The count stands in the last places for letters and digits; where they are too few, the rest of
-// it before everything else.
+// The digits of the count replace the last letters and digits of the text; those that do not fit
+// are put before it.
 std::string Pseudonyms::OfText(std::string_view text) {
   if (text.empty()) return {};
-  auto digits = std::to_string(CountOf(texts_, text));
+  auto digits = std::to_string(NumberOf(texts_, text));
   auto pseudonym = Blanked(text);
-  for (auto place = pseudonym.rbegin(); place != pseudonym.rend() && !digits.empty(); ++place) {
-    if (*place != '0') continue;
-    *place = digits.back();
+  for (auto at = pseudonym.rbegin(); at != pseudonym.rend() && !digits.empty(); ++at) {
+    if (*at != '0') continue;
+    *at = digits.back();
     digits.pop_back();
   }
   return digits + pseudonym;
@@ -87,7 +87,7 @@ std::string Pseudonyms::OfText(std::string_view text) {
 std::string Pseudonyms::OfBytes(std::string_view bytes) {
   if (bytes.empty()) return {};
   std::string pseudonym;
-  for (auto count = CountOf(bytes_, bytes); count != 0; count >>= 8) {
+  for (auto count = NumberOf(bytes_, bytes); count != 0; count >>= 8) {
     pseudonym.insert(pseudonym.begin(), static_cast<char>(count));
   }
   if (pseudonym.size() < bytes.size()) pseudonym.insert(0, bytes.size() - pseudonym.size(), '\0');
@@ -95,7 +95,7 @@ std::string Pseudonyms::OfBytes(std::string_view bytes) {
 }
 
 std::uint64_t Pseudonyms::OfNumber(const Number& number) {
-  return CountOf(numbers_, ExactText(number)) << 4 | (ToUnsigned64(number) & 0xF);
+  return NumberOf(numbers_, ExactText(number)) << 4 | (ToUnsigned64(number) & 0xF);
 }
 
 }  // namespace fernwick::lab

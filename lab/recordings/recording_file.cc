@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "lab/support/output_file.h"
+#include "lab/support/input_file.h"
 #include "platform/file_system.h"
 #include "registry/recording_reader.h"
 #include "value/binary/writer.h"
@@ -10,22 +10,44 @@
 
 namespace fernwick::lab {
 
-Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
-  auto file = ReadWholeFile(path);
-  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
-  auto reading = ReadPropertyList(*std::move(file));
+namespace {
+
+Result<Recording, LabError> Interpret(Result<std::string, LabError> bytes, Serialisation* form) {
+  if (!bytes) return bytes.Error();
+  auto reading = ReadPropertyList(*std::move(bytes));
   if (form != nullptr) *form = reading.serialisation;
   auto recording = InterpretRecording(std::move(reading));
   if (!recording) return LabError{recording.Error(), LabStatus::MalformedInput};
   return *std::move(recording);
 }
 
-int WriteRecording(const std::string& path, const PropertyValue& value, Serialisation form) {
-  const auto error =
-      WriteOutputFile(path, form == Serialisation::Binary ? WriteBinaryPropertyList(value)
-                                                          : WriteXmlPropertyList(value) + "\n");
+}  // namespace
+
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
+  auto file = ReadWholeFile(path);
+  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+  return Interpret(*std::move(file), form);
+}
+
+Result<Recording, LabError> LoadRecordingOperand(const std::string& operand, Serialisation* form) {
+  return Interpret(ReadInput(operand), form);
+}
+
+int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
+                      IfExists ifExists) {
+  const auto bytes = form == Serialisation::Binary ? WriteBinaryPropertyList(value)
+                                                   : WriteXmlPropertyList(value) + "\n";
+  if (out == "-") return PrintResult(bytes);
+  const auto error = WriteOutputFile(out, bytes, ifExists);
   if (error.empty()) return LabStatus::Done;
-  return PrintError(path, {{error}, LabStatus::OutputLost});
+  return PrintError(out, {{error}, LabStatus::OutputLost});
+}
+
+int CheckOutput(const std::string& out, IfExists ifExists) {
+  if (out == "-" || ifExists == IfExists::Replace) return LabStatus::Done;
+  const auto error = ExistingOutputError(out);
+  if (error.empty()) return LabStatus::Done;
+  return PrintError(out, {{error}, LabStatus::OutputLost});
 }
 
 }  // namespace fernwick::lab

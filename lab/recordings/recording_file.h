@@ -3,6 +3,7 @@
 #include <string>
 
 #include "lab/support/messages.h"
+#include "lab/support/output_file.h"
 #include "registry/recorded_registry.h"
 #include "value/property_list_reader.h"
 #include "value/property_value.h"
@@ -14,8 +15,18 @@ namespace fernwick::lab {
 /// serialisation in `form`, which may be null.
 Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr);
 
-/// Writes a recording whole or not at all, in XML with a newline at the end or in binary. Returns
-/// the exit status: LabStatus::Done, or OutputLost after a line on standard error.
-int WriteRecording(const std::string& path, const PropertyValue& value, Serialisation form);
+/// The same for an operand of a verb that accepts one recording: "-" is standard input.
+Result<Recording, LabError> LoadRecordingOperand(const std::string& operand,
+                                                 Serialisation* form = nullptr);
+
+/// Writes a property list, in XML with a newline at the end or in binary, to the file `out`,
+/// completely or not at all, or to standard output where `out` is "-". Returns the exit status:
+/// LabStatus::Done, or OutputLost after a line on standard error.
+int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
+                      IfExists ifExists);
+
+/// Prints an error and returns LabStatus::OutputLost when WritePropertyList would refuse to replace
+/// what is at `out`, before any work is done; otherwise LabStatus::Done.
+int CheckOutput(const std::string& out, IfExists ifExists);
 
 }  // namespace fernwick::lab

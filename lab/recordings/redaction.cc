@@ -1,148 +1,148 @@
 #include "lab/recordings/redaction.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "lab/recordings/identifiers.h"
 #include "lab/recordings/rebuilt.h"
-#include "value/unicode/ascii.h"
+#include "lab/recordings/tool_properties.h"
+
+// Two passes over a recording: the first collects the identifiers, the second builds the redacted
+// recording in an arena of its own, where each text is searched for them.
 
 namespace fernwick::lab {
 namespace {
 
-// Shorter ones may occur in a text by chance.
-constexpr std::size_t TellingLength = 8;
+bool IsReplaced(std::string_view key, const RedactionRules& rules) {
+  return IdentifiesComputer(key) || rules.replaced.contains(key);
+}
 
-std::string LettersAndDigits(std::string_view key) {
-  std::string plain;
-  for (const char c : key) {
-    const char lower = ToLowerAscii(c);
-    if ((lower >= 'a' && lower <= 'z') || IsDecimalDigit(lower)) plain.push_back(lower);
+void CollectFromValue(std::string_view key, const PropertyValue& value, const RedactionRules& rules,
+                      Identifiers& identifiers) {
+  if (IsReplaced(key, rules)) return identifiers.Add(value);
+  if (const auto array = value.AsArray()) {
+    for (const auto& element : *array) CollectFromValue(key, element, rules, identifiers);
+  } else if (const auto dictionary = value.AsDictionary()) {
+    for (const auto& entry : dictionary->Entries()) {
+      CollectFromValue(entry.key, entry.value, rules, identifiers);
+    }
   }
-  return plain;
+}
+
+void CollectFromNode(Dictionary node, const RedactionRules& rules, Identifiers& identifiers) {
+  if (const auto* properties = node.Find("Properties")) {
+    for (const auto& entry : properties->AsDictionary()->Entries()) {
+      CollectFromValue(entry.key, entry.value, rules, identifiers);
+    }
+  }
+  const auto* children = node.Find("Children");
+  if (children == nullptr) return;
+  const auto nodes = *children->AsArray();
+  for (const auto& child : nodes) {
+    CollectFromNode(*child.AsDictionary(), rules, identifiers);
+  }
 }
 
 class Redactor {
  public:
-  Redactor(const std::set<std::string>& furtherKeys, Pseudonyms& pseudonyms)
-      : furtherKeys_(furtherKeys), pseudonyms_(pseudonyms) {}
+  Redactor(const RedactionRules& rules, Pseudonyms& pseudonyms)
+      : rules_(rules), pseudonyms_(pseudonyms) {}
 
-  RedactedRecording Redact(const PropertyValue& recording) {
-    const auto replaced = OverPlanes(*recording.AsDictionary(), &Redactor::ReplaceIdentifiers);
-    const auto value = OverPlanes(replaced, &Redactor::ReplaceTexts);
-    return {{std::move(arena_), value}, std::move(replaced_), textsElsewhere_};
+  RedactedRecording Redact(Dictionary recording) {
+    const auto planes = *recording.Find("Planes")->AsDictionary();
+    for (const auto& plane : planes.Entries()) {
+      CollectFromNode(*plane.value.AsDictionary(), rules_, identifiers_);
+    }
+    const auto value =
+        Rebuilt(recording, arena_, [&](std::string_view key, const PropertyValue& each) {
+          return key == "Planes" ? PropertyValue(RedactPlanes(planes)) : each;
+        });
+    return {{std::move(arena_), value}, std::move(counts_)};
   }
 
  private:
-  using Step = PropertyValue (Redactor::*)(std::string_view key, const PropertyValue& value);
-
-  Dictionary OverPlanes(Dictionary recording, Step step) {
-    return Rebuilt(recording, arena_, [&](std::string_view key, const PropertyValue& value) {
-      if (key != "Planes") return value;
-      return Rebuilt(value, arena_, [&](std::string_view, const PropertyValue& root) {
-        return OverNode(root, step);
-      });
+  Dictionary RedactPlanes(Dictionary planes) {
+    return Rebuilt(planes, arena_, [&](std::string_view, const PropertyValue& root) {
+      return RedactNode(*root.AsDictionary());
     });
   }
 
-  PropertyValue OverNode(const PropertyValue& node, Step step) {
+  PropertyValue RedactNode(Dictionary node) {
     return Rebuilt(node, arena_, [&](std::string_view key, const PropertyValue& value) {
-      if (key != "Children") return OverNodeEntry(key, value, step);
+      if (key == "Properties") return PropertyValue(RedactProperties(*value.AsDictionary()));
+      if (key == "Class") return value;  // of all computers of a kind
+      if (key != "Children") return RedactName(value);
       return Rebuilt(value, arena_, [&](std::string_view, const PropertyValue& child) {
-        return OverNode(child, step);
+        return RedactNode(*child.AsDictionary());
       });
     });
   }
 
-  // What a node says of its entry: "Properties", "Name", "ID" and "Link". Its class identifies no
-  // computer among those of its kind.
-  PropertyValue OverNodeEntry(std::string_view key, const PropertyValue& value, Step step) {
-    if (key == "Properties") return Descend(key, value, step);
-    if (key == "Class" || step == &Redactor::ReplaceIdentifiers) return value;
-    return ReplaceTexts(key, value);
+  // A "Name", an "ID" or a "Link".
+  PropertyValue RedactName(const PropertyValue& value) {
+    const auto known = identifiers_.Replaced(*value.AsString(), pseudonyms_);
+    const auto name = known ? std::string_view(*known) : *value.AsString();
+    const auto unknown = ReplaceIdentifierForms(name, pseudonyms_);
+    if (!known && !unknown) return value;
+    ++counts_.names;
+    return arena_.Copy(unknown ? *unknown : *known);
   }
 
-  PropertyValue ReplaceIdentifiers(std::string_view key, const PropertyValue& value) {
-    if (IdentifiesComputer(key) || furtherKeys_.contains(std::string(key))) {
-      NoteTexts(value);
-      if (MayIdentify(value)) ++replaced_[std::string(key)];
+  bool IsKept(std::string_view key) const {
+    return rules_.keepsAll || ToolReads(key) || rules_.kept.contains(key) ||
+           rules_.replaced.contains(key);
+  }
+
+  Dictionary RedactProperties(Dictionary properties) {
+    std::vector<DictionaryEntry> entries;
+    for (const auto& [key, value] : properties.Entries()) {
+      if (!IsKept(key)) {
+        ++counts_.dropped[std::string(key)];
+        continue;
+      }
+      const bool isReplaced = IsReplaced(key, rules_) && MayIdentify(value);
+      if (!isReplaced) ++counts_.kept[std::string(key)];
+      entries.push_back({key, RedactValue(key, value)});
+    }
+    return arena_.Copy(std::span<const DictionaryEntry>(entries));
+  }
+
+  // An array's elements have its key.
+  PropertyValue RedactValue(std::string_view key, const PropertyValue& value) {
+    if (IsReplaced(key, rules_)) {
+      if (MayIdentify(value)) ++counts_.replaced[std::string(key)];
       return pseudonyms_.Of(value, arena_);
     }
-    return Descend(key, value, &Redactor::ReplaceIdentifiers);
-  }
-
-  // The value with everything inside it replaced by `step`; an array's elements have its key.
-  PropertyValue Descend(std::string_view key, const PropertyValue& value, Step step) {
-    const auto each = [&](std::string_view inner, const PropertyValue& element) {
-      return (this->*step)(inner, element);
-    };
-    return Rebuilt(value, arena_, each, key);
-  }
-
-  // Keeps the texts that are replaced everywhere, the longest first.
-  void NoteTexts(const PropertyValue& value) {
-    if (const auto array = value.AsArray()) {
-      for (const auto& element : *array) NoteTexts(element);
-    } else if (const auto dictionary = value.AsDictionary()) {
-      for (const auto& entry : dictionary->Entries()) NoteTexts(entry.value);
-    } else if (const auto text = value.AsString(); text && text->size() >= TellingLength) {
-      const auto longer = [](const std::string& a, const std::string& b) {
-        return a.size() != b.size() ? a.size() > b.size() : a < b;
-      };
-      const auto next = std::ranges::lower_bound(texts_, std::string(*text), longer);
-      if (next == texts_.end() || *next != *text) texts_.emplace(next, *text);
-    }
-  }
-
-  PropertyValue ReplaceTexts(std::string_view key, const PropertyValue& value) {
     const auto text = value.AsString();
     const auto bytes = value.AsData();
-    if (!text && !bytes) return Descend(key, value, &Redactor::ReplaceTexts);
-    const auto replaced = WithPseudonyms(text ? *text : *bytes);
+    if (text || bytes) return RedactText(value, text ? *text : *bytes);
+    const auto redact = [&](std::string_view inner, const PropertyValue& each) {
+      return RedactValue(inner, each);
+    };
+    return Rebuilt(value, arena_, redact, key);
+  }
+
+  PropertyValue RedactText(const PropertyValue& value, std::string_view bytes) {
+    const auto replaced = identifiers_.Replaced(bytes, pseudonyms_);
     if (!replaced) return value;
-    ++textsElsewhere_;
+    ++counts_.texts;
     const auto kept = arena_.Copy(*replaced);
-    return bytes ? PropertyValue(Data{kept}) : PropertyValue(kept);
+    return value.AsData() ? PropertyValue(Data{kept}) : PropertyValue(kept);
   }
 
-  // The bytes without the telling texts in them; empty where there are no such.
-  std::optional<std::string> WithPseudonyms(std::string_view bytes) {
-    auto replaced = std::string(bytes);
-    for (const auto& telling : texts_) {
-      const auto pseudonym = pseudonyms_.OfText(telling);
-      for (auto at = replaced.find(telling); at != std::string::npos;
-           at = replaced.find(telling, at + pseudonym.size())) {
-        replaced.replace(at, telling.size(), pseudonym);
-      }
-    }
-    if (replaced == bytes) return std::nullopt;
-    return replaced;
-  }
-
-  const std::set<std::string>& furtherKeys_;
+  const RedactionRules& rules_;
   Pseudonyms& pseudonyms_;
   Arena arena_;  // of the recording that is built
-  ReplacedCounts replaced_;
-  std::size_t textsElsewhere_ = 0;
-  std::vector<std::string> texts_;
+  Identifiers identifiers_;
+  RedactionCounts counts_;
 };
 
 }  // namespace
 
-bool IdentifiesComputer(std::string_view key) {
-  const auto plain = LettersAndDigits(key);
-  if (plain == "serial" || plain.ends_with("uid")) return true;  // "uuid" too
-  for (const std::string_view part : {"uniqueid", "serialnumber", "macaddress"}) {
-    if (plain.find(part) != std::string::npos) return true;
-  }
-  return false;
-}
-
-RedactedRecording RedactRecording(const PropertyValue& recording,
-                                  const std::set<std::string>& furtherKeys,
+RedactedRecording RedactRecording(const PropertyValue& recording, const RedactionRules& rules,
                                   Pseudonyms& pseudonyms) {
-  return Redactor(furtherKeys, pseudonyms).Redact(recording);
+  return Redactor(rules, pseudonyms).Redact(*recording.AsDictionary());
 }
 
 }  // namespace fernwick::lab

@@ -11,24 +11,39 @@
 
 namespace fernwick::lab {
 
-/// Whether a property of that name identifies one computer: a unique id, a UUID, a serial number, a
-/// hardware address. Case and punctuation do not matter.
-bool IdentifiesComputer(std::string_view key);
+using PropertyNames = std::set<std::string, std::less<>>;
 
-/// How many values were replaced, by the key of the property.
-using ReplacedCounts = std::map<std::string, std::size_t, std::less<>>;
-
-/// A recording without what identifies the computer. It views the recording that it was made of.
-struct RedactedRecording {
-  PropertyList list;
-  ReplacedCounts replaced;
-  std::size_t textsElsewhere = 0;  // that contained one of the replaced texts
+/// Which properties of entries a redacted recording contains, besides those that the tool reads,
+/// and which values are replaced, besides those of properties that identify the computer.
+struct RedactionRules {
+  PropertyNames replaced = {};  // these are contained too, with pseudonyms
+  PropertyNames kept = {};
+  bool keepsAll = false;
 };
 
-/// Replaces the properties of every entry, however deep in their values, that identify the computer
-/// or that `furtherKeys` names. A text of eight characters or more that was replaced so is
-/// replaced everywhere in a string, data, a name or an ID too. REQUIRES: a well-formed recording.
-RedactedRecording RedactRecording(const PropertyValue& recording,
-                                  const std::set<std::string>& furtherKeys, Pseudonyms& pseudonyms);
+/// How many values were replaced, kept or dropped, by the name of the property.
+using PropertyCounts = std::map<std::string, std::size_t, std::less<>>;
+
+/// What was done to the properties of one or more recordings.
+struct RedactionCounts {
+  PropertyCounts replaced = {};  // at any depth of a property's value
+  PropertyCounts kept = {};
+  PropertyCounts dropped = {};
+  std::size_t names = 0;  // names, IDs and links that contained an identifier
+  std::size_t texts = 0;  // values of kept properties that contained one
+};
+
+/// A recording without what identifies the computer. It views the recording that it was made from.
+struct RedactedRecording {
+  PropertyList list;
+  RedactionCounts counts;
+};
+
+/// Drops every property of an entry that neither the tool reads nor the rules keep, and replaces
+/// the identifying ones by pseudonyms, at any depth of their values. An identifier, also of a
+/// dropped property, is replaced in every other text, name and ID too, and so is a part of a name
+/// that is an identifier by its form. REQUIRES: a well-formed recording.
+RedactedRecording RedactRecording(const PropertyValue& recording, const RedactionRules& rules,
+                                  Pseudonyms& pseudonyms);
 
 }  // namespace fernwick::lab

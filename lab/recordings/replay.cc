@@ -5,6 +5,7 @@
 #include "driver/options.h"
 #include "driver/run.h"
 #include "lab/recordings/recording_file.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 #include "registry/recorded_registry.h"
@@ -27,23 +28,23 @@ const char ReplayHelp[] =
     "Runs the tool, unchanged, over a recorded computer.\n"
     "Usage: fernwick-lab replay RECORDING [TOOL-ARGUMENT...]\n"
     "\n"
-    "Everything behind RECORDING is the tool's own command line; standard output, standard error\n"
-    "and exit status are the tool's own. When the recording is not well formed, nothing runs and\n"
+    "Everything after RECORDING is the tool's own command line; standard output, standard error\n"
+    "and exit status are the tool's own. RECORDING may be -, standard input. When the recording is "
+    "not well formed, nothing runs and\n"
     "the status is 65; 66 when it cannot be read.\n"
     "\n"
     "Example:\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n";
 
 VerbEnd Replay(int argumentCount, char* const arguments[]) {
-  if (argumentCount > 0 && std::string_view(arguments[0]) == "--help") {
-    return PrintResult(ReplayHelp);
-  }
-  if (argumentCount == 0 || arguments[0][0] == '-') {
+  const std::string_view first = argumentCount == 0 ? "" : arguments[0];
+  if (first == "-h" || first == "--help") return PrintResult(ReplayHelp);
+  if (argumentCount == 0 || (first.starts_with('-') && first != "-")) {
     ProcessConsole().WriteError(ReplayHelp);
     return LabStatus::BadUsage;
   }
-  const auto recording = LoadRecording(arguments[0]);
-  if (!recording) return PrintError(arguments[0], recording.Error());
+  const auto recording = LoadRecordingOperand(arguments[0]);
+  if (!recording) return PrintError(InputName(arguments[0]), recording.Error());
   std::string toolName = "fernwick";
   const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
   const auto options = ParseOptions(argumentCount, vector.data());

@@ -4,6 +4,7 @@
 #include "testing/capture.h"
 #include "testing/command_line.h"
 #include "testing/programs/many_computers.h"
+#include "testing/standard_input.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -32,7 +33,7 @@ TEST(Replay, RunsTheToolUnderItsOwnName) {
   EXPECT_EQ(replayed.standardError, "fernwick: unrecognized option '--no'\n");
 }
 
-TEST(Replay, HandsTheStatusOfTheToolOn) {
+TEST(Replay, ReturnsTheStatusOfTheTool) {
   const testing::TemporaryDirectory directory;
   const auto replayed = ReplayOf({directory.Write("empty.registry.plist", Empty)});
   EXPECT_EQ(replayed.status, 13);
@@ -41,7 +42,7 @@ TEST(Replay, HandsTheStatusOfTheToolOn) {
             "fernwick: Unexpected format for config plist file.  Aborting\n");
 }
 
-TEST(Replay, HandsAFaultOfTheToolOn) {
+TEST(Replay, ReturnsAFaultOfTheTool) {
   const testing::TemporaryDirectory directory;
   const testing::CommandLine line = {
       directory.Write("faulty.registry.plist", testing::FaultyRecording())};
@@ -51,7 +52,7 @@ TEST(Replay, HandsAFaultOfTheToolOn) {
   EXPECT_EQ(errors.TakeText(), "");
 }
 
-TEST(Replay, TwiceInOneProcessIsLikeOnce) {
+TEST(Replay, TwiceInOneProcessHasTheSameResult) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("empty.registry.plist", Empty);
   const auto first = ReplayOf({path, "-X", "--no"});
@@ -75,6 +76,14 @@ TEST(Replay, RefusesARecordingThatCannotBeRead) {
   EXPECT_EQ(replayed.status, 66);
   EXPECT_EQ(replayed.standardError,
             "fernwick-lab: " + directory.Path() + "/none: No such file or directory\n");
+}
+
+TEST(Replay, ReadsTheRecordingFromStandardInput) {
+  testing::StandardInputPipe input;
+  input.Write(Empty);
+  input.End();
+  EXPECT_EQ(ReplayOf({"-"}).status, 13);
+  EXPECT_EQ(ReplayOf({"-"}).standardError, "fernwick-lab: standard input: the file is empty\n");
 }
 
 TEST(Replay, WithoutARecordingPrintsItsUsage) {

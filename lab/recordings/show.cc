@@ -4,6 +4,7 @@
 #include "lab/recordings/recording_file.h"
 #include "lab/recordings/shown_computer.h"
 #include "lab/support/command_line.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -11,8 +12,7 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Shows the registry of a recorded computer as a tree, with the controllers picked out, and "
-    "both "
+    "Prints the registry of a recorded computer as a tree, with the controllers marked, and both "
     "inventories as the tool sees them.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --plane IOService\n";
@@ -23,26 +23,28 @@ VerbEnd Show(int argumentCount, char* const arguments[]) {
   std::string path;
   std::optional<std::string> plane;
   bool asJson = false;
-  const CommandLine line = {
-      .verb = "show",
-      .description = Description,
-      .footer = Example,
-      .arguments = {
-          {.name = "RECORDING", .target = &path, .help = "the recorded computer", .least = 1},
-          {.name = "--plane",
-           .target = &plane,
-           .help = "show this plane alone",
-           .valueName = "PLANE"},
-          {.name = "--json", .target = &asJson, .help = "print JSON"},
-      }};
+  const CommandLine line = {.verb = "show",
+                            .description = Description,
+                            .footer = Example,
+                            .arguments = {
+                                {.name = "RECORDING",
+                                 .target = &path,
+                                 .help = "the recorded computer; - is standard input",
+                                 .least = 1},
+                                {.name = "--plane",
+                                 .target = &plane,
+                                 .help = "print only this plane",
+                                 .valueName = "PLANE"},
+                                {.name = "--json", .target = &asJson, .help = "print JSON"},
+                            }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecording(path);
-  if (!recording) return PrintError(path, recording.Error());
+  const auto recording = LoadRecordingOperand(path);
+  if (!recording) return PrintError(InputName(path), recording.Error());
   if (plane && !recording->planes.contains(*plane)) {
-    PrintError(path + ": there is no plane \"" + *plane + "\"");
+    PrintError(InputName(path) + ": there is no plane \"" + *plane + "\"");
     return LabStatus::BadUsage;
   }
-  const auto computer = LookAt(*recording);
+  const auto computer = Inspect(*recording);
   return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
 }
 

@@ -49,10 +49,9 @@ TEST(Show, RefusesARecordingThatBreaksARule) {
 }
 
 TEST(Show, RefusesWhatItDoesNotKnow) {
-  EXPECT_EQ(ShowOf(Empty, {"--xml"}),
-            (Shown{64,
-                   "fernwick-lab: The following argument was not expected: --xml; see "
-                   "fernwick-lab show --help\n"}));
+  EXPECT_EQ(
+      ShowOf(Empty, {"--xml"}),
+      (Shown{64, "fernwick-lab: there is no option \"--xml\"; see fernwick-lab show --help\n"}));
 }
 
 }  // namespace

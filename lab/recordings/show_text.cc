@@ -25,7 +25,7 @@ void AppendProperties(Dictionary properties, std::size_t indentation, std::strin
   }
 }
 
-std::string Mark(const Controllers& controllers, RegistryEntry entry) {
+std::string MarkOf(const Controllers& controllers, RegistryEntry entry) {
   const auto number = controllers.numbers.find(entry);
   if (number == controllers.numbers.end()) return {};
   const auto kind = std::string(controllers.kind);
@@ -45,7 +45,7 @@ class TextTree {
     out_.append(2 * depth, ' ');
     out_ += recorded.name.empty() ? "/" : PrintableText(recorded.name);
     if (!recorded.class_.empty()) out_ += "  <" + PrintableText(recorded.class_) + ">";
-    out_ += Mark(computer_.thunderbolt, entry) + Mark(computer_.ports, entry) + "\n";
+    out_ += MarkOf(computer_.thunderbolt, entry) + MarkOf(computer_.ports, entry) + "\n";
     AppendProperties(recorded.properties, 2 * depth + 6, out_);
     for (const auto child : plane_.placements.at(entry).children) AppendNode(child, depth + 1);
   }
@@ -60,7 +60,7 @@ void AppendInventory(const Controllers& controllers, std::string& out) {
   out += "\n" + std::string(controllers.kind) + "s as the tool sees them:";
   if (controllers.endsRun) {
     out +=
-        " taking them ends the run abnormally\n      (a Thunderbolt controller has no \"UID\")\n";
+        " reading them ends the run abnormally\n      (a Thunderbolt controller has no \"UID\")\n";
     return;
   }
   if (controllers.inventory.records.empty()) {

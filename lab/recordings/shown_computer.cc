@@ -55,7 +55,7 @@ Json BoardAsJson(const BoardIdentity& board) {
 
 }  // namespace
 
-ShownComputer LookAt(const Recording& recording) {
+ShownComputer Inspect(const Recording& recording) {
   RecordedRegistry registry(recording);
   return {recording, ReadBoardIdentity(registry), FindThunderboltControllers(recording),
           FindPortControllers(recording)};

@@ -10,7 +10,7 @@
 
 namespace fernwick::lab {
 
-/// What there is to show of a recorded computer. It views the recording, which must outlive it.
+/// A recorded computer and what the tool reads of it. It views the recording, which must outlive it.
 struct ShownComputer {
   const Recording& recording;
   BoardIdentity board;
@@ -18,10 +18,11 @@ struct ShownComputer {
   Controllers ports;
 };
 
-/// Takes both inventories as a run would. A run that would end abnormally does not end this one.
-ShownComputer LookAt(const Recording& recording);
+/// Collects both inventories as a run would. A fault that would end the run is only noted.
+ShownComputer Inspect(const Recording& recording);
 
-/// As a text for people, the plane `wanted` alone or every plane, which then go by name.
+/// As a text for people, with the plane `wanted` alone or, if it is empty, every plane in the order
+/// of their names.
 std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted);
 
 /// The same in JSON.

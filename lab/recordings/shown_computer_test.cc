@@ -17,9 +17,9 @@ testing::Computer SmallComputer() {
   return computer;
 }
 
-TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
+TEST(ShowAsText, IsATreeWithTheControllersMarkedAndTheirInventories) {
   const auto computer = SmallComputer();
-  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), "IOService"),
+  EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), "IOService"),
             "Board Zed-2B (0x2B), revision 3\n"
             "\n"
             "IOService:\n"
@@ -40,10 +40,10 @@ TEST(ShowAsText, IsATreeWithTheControllersPickedOutAndTheirInventories) {
             "      \"Ridge UID\" = 21\n");
 }
 
-TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
+TEST(ShowAsText, ContainsEveryPlaneWhenNoneIsNamed) {
   testing::Computer computer;
   computer.Set(computer.Board(), "map", testing::Dict({{"a", 1}}));
-  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), std::nullopt),
+  EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), std::nullopt),
             "Board (null) (0x0), revision 0\n"
             "\n"
             "IODeviceTree:\n"
@@ -61,10 +61,10 @@ TEST(ShowAsText, HoldsEveryPlaneWhereNoneIsNamed) {
             "USB-C port controllers as the tool sees them: none\n");
 }
 
-TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
+TEST(ShowAsText, ReportsAnInventoryThatEndsTheRun) {
   testing::Computer computer;
   computer.AddThunderbolt("r\x1B", {{"Depth", 0}, {"Route String", 0}});
-  EXPECT_EQ(ShowAsText(LookAt(computer.Recorded()), "IOService"),
+  EXPECT_EQ(ShowAsText(Inspect(computer.Recorded()), "IOService"),
             "Board (null) (0x0), revision 0\n"
             "\n"
             "IOService:\n"
@@ -73,15 +73,15 @@ TEST(ShowAsText, TellsAnInventoryThatEndsTheRun) {
             "        \"Depth\" = 0\n"
             "        \"Route String\" = 0\n"
             "\n"
-            "Thunderbolt controllers as the tool sees them: taking them ends the run abnormally\n"
+            "Thunderbolt controllers as the tool sees them: reading them ends the run abnormally\n"
             "      (a Thunderbolt controller has no \"UID\")\n"
             "\n"
             "USB-C port controllers as the tool sees them: none\n");
 }
 
-TEST(ShowAsJson, HoldsTheSame) {
+TEST(ShowAsJson, ContainsTheSame) {
   const auto computer = SmallComputer();
-  const auto json = ShowAsJson(LookAt(computer.Recorded()), "IOService");
+  const auto json = ShowAsJson(Inspect(computer.Recorded()), "IOService");
   EXPECT_EQ(
       PrintJsonRow(json),
       R"({"board":{"id":"Zed-2B","number":43,"revision":3},)"
@@ -97,10 +97,10 @@ TEST(ShowAsJson, HoldsTheSame) {
       "\n");
 }
 
-TEST(ShowAsJson, TellsAnInventoryThatEndsTheRun) {
+TEST(ShowAsJson, ReportsAnInventoryThatEndsTheRun) {
   testing::Computer computer;
   computer.AddThunderbolt("ridge", {{"Depth", 0}, {"Route String", 0}});
-  const auto json = ShowAsJson(LookAt(computer.Recorded()), "none");
+  const auto json = ShowAsJson(Inspect(computer.Recorded()), "none");
   EXPECT_EQ(PrintJsonRow(json),
             R"({"board":{"id":null,"number":0,"revision":0},"planes":{},)"
             R"("thunderboltControllers":{"endsRunAbnormally":true},"portControllers":[]})"

@@ -1,11 +1,12 @@
 #include "lab/support/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <string_view>
 
 #include "lab/support/messages.h"
+#include "lab/support/spelling.h"
 
-// Nothing else includes CLI11, which makes objects before main in every file that does.
+// The only file that includes CLI11, which constructs objects before main in every file that does.
 
 namespace fernwick::lab {
 namespace {
@@ -17,13 +18,13 @@ CLI::Option* AddTo(CLI::App& app, const Argument& argument, bool* target) {
 CLI::Option* AddTo(CLI::App& app, const Argument& argument, const BoundedNumber& target) {
   return app.add_option(argument.name, *target.number, argument.help)
       ->type_name(argument.valueName)
-      ->check(CLI::Range(target.least, target.greatest));
+      ->check(CLI::Range(target.min, target.max));
 }
 
 CLI::Option* AddTo(CLI::App& app, const Argument& argument, std::vector<std::string>* target) {
   auto* option =
       app.add_option(argument.name, *target, argument.help)->type_name(argument.valueName);
-  // An option that may be repeated takes one value at a time.
+  // An option that may be repeated has one value each time.
   if (argument.name.starts_with('-')) return option->allow_extra_args(false);
   return argument.least > 1 ? option->expected(argument.least, -1) : option;
 }
@@ -36,12 +37,46 @@ CLI::Option* AddTo(CLI::App& app, const Argument& argument, Text* target) {
   return option->check(CLI::IsMember(argument.choices))->capture_default_str();
 }
 
-void Declare(CLI::App& app, const CommandLine& line) {
+void Declare(CLI::App& app, const CommandLine& line, bool withRequired = true) {
   app.footer(line.footer);
   for (const auto& argument : line.arguments) {
     const auto add = [&](const auto& target) { return AddTo(app, argument, target); };
-    std::visit(add, argument.target)->required(argument.least > 0);
+    std::visit(add, argument.target)->required(withRequired && argument.least > 0);
   }
+}
+
+// The parser consumes its words from the end.
+std::vector<std::string> Reversed(const std::vector<std::string>& words) {
+  return {words.rbegin(), words.rend()};
+}
+
+// The first word that looks like an option and is none; empty when there is none, or when another
+// fault comes first. The parser reports what is missing before what is unknown, so the line is
+// parsed again with nothing required. REQUIRES: the words were refused; what they are stored in is
+// not used any more.
+std::string FindUnknownOption(const CommandLine& line, const std::vector<std::string>& words) {
+  CLI::App app;
+  Declare(app, line, false);
+  app.allow_extras();
+  try {
+    app.parse(Reversed(words));
+  } catch (const CLI::ParseError&) {
+    return {};
+  }
+  for (const auto& word : app.remaining()) {
+    if (word == "--") break;
+    if (word.size() > 1 && word.front() == '-') return word.substr(0, word.find('='));
+  }
+  return {};
+}
+
+std::string UnknownOptionMessage(const CLI::App& app, const std::string& unknown) {
+  std::vector<std::string> names;
+  for (const auto* option : app.get_options()) {
+    for (const auto& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  const std::vector<std::string_view> known(names.begin(), names.end());
+  return "there is no option \"" + unknown + "\"" + SuggestionFor(unknown, known);
 }
 
 }  // namespace
@@ -50,14 +85,16 @@ std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]) {
   CLI::App app(line.description, "fernwick-lab " + line.verb);
   Declare(app, line);
-  std::vector<std::string> words(arguments, arguments + argumentCount);
-  std::reverse(words.begin(), words.end());  // the parser takes them from the end
+  const std::vector<std::string> words(arguments, arguments + argumentCount);
   try {
-    app.parse(std::move(words));
+    app.parse(Reversed(words));
   } catch (const CLI::CallForHelp&) {
     return PrintResult(app.help());
   } catch (const CLI::ParseError& error) {
-    PrintError(std::string(error.what()) + "; see " + app.get_name() + " --help");
+    const auto unknown = FindUnknownOption(line, words);
+    const auto message =
+        unknown.empty() ? std::string(error.what()) : UnknownOptionMessage(app, unknown);
+    PrintError(message + "; see " + app.get_name() + " --help");
     return LabStatus::BadUsage;
   }
   return std::nullopt;

@@ -11,13 +11,13 @@ namespace fernwick::lab {
 /// A number within bounds, both inclusive.
 struct BoundedNumber {
   std::size_t* number;
-  std::size_t least;
-  std::size_t greatest;
+  std::size_t min;
+  std::size_t max;
 };
 
-/// What an argument of a verb is read into, which has to outlive the parsing; it stays as it is
-/// where the argument is not given. A boolean is an option without a value, a vector takes as many
-/// values as come.
+/// The variable that an argument of a verb is stored in, which must outlive the parsing and is
+/// unchanged when the argument is absent. A boolean is an option without a value, a vector accepts
+/// any number of values.
 using ArgumentTarget = std::variant<bool*, std::string*, std::optional<std::string>*,
                                     std::vector<std::string>*, BoundedNumber>;
 
@@ -26,12 +26,12 @@ struct Argument {
   std::string name;  // "RECORDING", "--json" or "-p,--payload"
   ArgumentTarget target;
   std::string help;
-  int least = 0;                          // so many values the verb cannot do without
+  int least = 0;                          // the number of values that the verb needs
   std::string valueName = "TEXT";         // for the help
-  std::vector<std::string> choices = {};  // the only values that are taken; empty: any
+  std::vector<std::string> choices = {};  // the only values that are accepted; empty: any
 };
 
-/// What may stand behind a verb, and what is told of it.
+/// The arguments that a verb accepts, and the text of its help around their descriptions.
 struct CommandLine {
   std::string verb;
   std::string description;
@@ -39,9 +39,10 @@ struct CommandLine {
   std::vector<Argument> arguments;
 };
 
-/// Parses what stands behind the verb. Returns nothing when it is to go on, and otherwise the
-/// process's exit status: after the help that --help asks for on standard output, or one line on
-/// standard error that says what is wrong (LabStatus::BadUsage).
+/// Parses the arguments after the verb. Returns nullopt when the verb can go on. Otherwise returns
+/// the process's exit status, having printed the help on standard output (-h, --help) or one line
+/// on standard error that says what is wrong (LabStatus::BadUsage); an option that does not exist
+/// is named before anything else, with the most similar one.
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]);
 

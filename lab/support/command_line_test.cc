@@ -18,7 +18,7 @@ struct Parsed {
   std::string standardError;
 };
 
-// Of a verb that takes a recording and a flag. The line is what stands behind the verb.
+// Of a verb with a recording and a flag. The line is what follows the verb.
 Parsed Parse(const testing::CommandLine& line) {
   Parsed parsed;
   const CommandLine show = {
@@ -35,7 +35,7 @@ Parsed Parse(const testing::CommandLine& line) {
   return parsed;
 }
 
-TEST(CommandLine, BindsWhatItHolds) {
+TEST(CommandLine, BindsItsArguments) {
   const auto parsed = Parse({"--json", "a b"});
   EXPECT_EQ(parsed.status, std::nullopt);
   EXPECT_EQ(parsed.recording, "a b");
@@ -43,22 +43,40 @@ TEST(CommandLine, BindsWhatItHolds) {
   EXPECT_EQ(parsed.standardError, "");
 }
 
-TEST(CommandLine, ThatLacksAnOperandIsToldInOneLine) {
+TEST(CommandLine, WithoutANeededOperandIsRefusedInOneLine) {
   const auto parsed = Parse({});
   EXPECT_EQ(parsed.status, 64);
   EXPECT_EQ(parsed.standardError,
             "fernwick-lab: RECORDING is required; see fernwick-lab show --help\n");
 }
 
-TEST(CommandLine, WithAnUnknownOptionIsToldInOneLineThatIsSafeToShow) {
+TEST(CommandLine, WithAnUnknownOptionIsRefusedInOneLineThatIsSafeToShow) {
   const auto parsed = Parse({"x", "--\x1B[31m"});
   EXPECT_EQ(parsed.status, 64);
   EXPECT_EQ(parsed.standardError,
-            "fernwick-lab: The following argument was not expected: --\\033[31m; see fernwick-lab "
+            "fernwick-lab: there is no option \"--\\033[31m\"; see fernwick-lab show --help\n");
+}
+
+TEST(CommandLine, WithAMistypedOptionNamesItBeforeWhatIsMissing) {
+  const std::string refusal =
+      "fernwick-lab: there is no option \"--jsno\" (did you mean \"--json\"?); see fernwick-lab "
+      "show --help\n";
+  EXPECT_EQ(Parse({"--jsno"}).standardError, refusal);
+  EXPECT_EQ(Parse({"x", "--jsno=1"}).standardError, refusal);
+  EXPECT_EQ(Parse({"x", "-j"}).standardError,
+            "fernwick-lab: there is no option \"-j\"; see fernwick-lab show --help\n");
+}
+
+TEST(CommandLine, WithAnOperandTooManyIsRefused) {
+  EXPECT_EQ(Parse({"x", "y"}).standardError,
+            "fernwick-lab: The following argument was not expected: y; see fernwick-lab show "
+            "--help\n");
+  EXPECT_EQ(Parse({"x", "--", "--jsno"}).standardError,
+            "fernwick-lab: The following arguments were not expected: --jsno --; see fernwick-lab "
             "show --help\n");
 }
 
-TEST(CommandLine, BehindTwoDashesHoldsOperandsAlone) {
+TEST(CommandLine, AfterTwoDashesContainsOnlyOperands) {
   EXPECT_EQ(Parse({"--", "--json"}).recording, "--json");
 }
 
@@ -72,7 +90,7 @@ struct ParsedMany {
   std::string standardError;
 };
 
-// Of a verb that takes at least two recordings and an option of every kind with a value.
+// Of a verb with at least two recordings and an option of every kind with a value.
 ParsedMany ParseMany(const testing::CommandLine& line) {
   ParsedMany parsed;
   const CommandLine many = {
@@ -92,7 +110,7 @@ ParsedMany ParseMany(const testing::CommandLine& line) {
   return parsed;
 }
 
-TEST(CommandLine, LeavesWhatItDoesNotHoldAsItWas) {
+TEST(CommandLine, LeavesTheTargetsOfAbsentArgumentsUnchanged) {
   const auto parsed = ParseMany({"a", "b"});
   EXPECT_EQ(parsed.status, std::nullopt);
   EXPECT_EQ(parsed.recordings, (std::vector<std::string>{"a", "b"}));
@@ -102,7 +120,7 @@ TEST(CommandLine, LeavesWhatItDoesNotHoldAsItWas) {
   EXPECT_EQ(parsed.jobs, 4u);
 }
 
-TEST(CommandLine, BindsOneValueToEachOptionHoweverOftenItIsGiven) {
+TEST(CommandLine, BindsOneValueToEachOccurrenceOfAnOption) {
   const auto parsed = ParseMany(
       {"--key", "x", "a", "--key", "y", "b", "--plane", "p", "c", "--format", "json", "-j8"});
   EXPECT_EQ(parsed.status, std::nullopt);
@@ -113,7 +131,7 @@ TEST(CommandLine, BindsOneValueToEachOptionHoweverOftenItIsGiven) {
   EXPECT_EQ(parsed.jobs, 8u);
 }
 
-TEST(CommandLine, WithAValueThatIsNotTakenIsTold) {
+TEST(CommandLine, WithAValueThatIsNotAcceptedIsRefused) {
   const auto refusal = [](const testing::CommandLine& line) {
     const auto parsed = ParseMany(line);
     EXPECT_EQ(parsed.status, 64);

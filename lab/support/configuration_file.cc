@@ -10,7 +10,7 @@
 namespace fernwick::lab {
 namespace {
 
-// So many bytes are counted again for each location that is asked for, however long its line.
+// The most bytes that are counted again for a location, however long its line.
 constexpr std::size_t MarkDistance = 1024;
 
 bool IsInsideCharacter(char byte) {

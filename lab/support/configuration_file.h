@@ -37,7 +37,7 @@ class ConfigurationFile {
   /// The location of the value at the top; all others are inside it.
   const ValueLocation& Root() const { return root_; }
 
-  /// The location of an offset in Root() or in a location inside it, as people name it.
+  /// The location of an offset in Root() or in a location inside it, as messages name it.
   FileLocation LocationOf(std::size_t offset) const;
 
  private:

@@ -85,7 +85,7 @@ TEST(ConfigurationFile, ThatIsNoPropertyListIsAnErrorWithItsLocation) {
   EXPECT_EQ(loading.Error().status, 65);
   EXPECT_EQ(loading.Error().error.location, (FileLocation{1, 14}));
   EXPECT_EQ(Describe(loading.Error().error),
-            "line 1, column 14: </plist> stands where </dict> was expected");
+            "line 1, column 14: </plist> found where </dict> was expected");
 }
 
 TEST(ConfigurationFile, ThatCannotBeReadIsAnError) {

@@ -33,7 +33,7 @@ void JsonStream::AddMembers(const Json& members) {
   }
 }
 
-// The line of the next element or member of what is open.
+// Starts the line of the next element or member of the innermost object or array.
 void JsonStream::BeginLine() {
   auto& isEmpty = levels_.back().isEmpty;
   sink_((isEmpty ? "\n" : ",\n") + std::string(2 * levels_.size(), ' '));

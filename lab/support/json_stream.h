@@ -10,22 +10,22 @@
 
 namespace fernwick::lab {
 
-/// Takes a text piece by piece, so that nobody need hold a long one as a whole.
+/// Accepts a text in parts, so that a long one is never in memory as a whole.
 using TextSink = std::function<void(std::string_view)>;
 
-/// Prints a JSON document as PrintJson does, without holding it as a whole: objects and arrays that
-/// may grow long are begun and ended, and what stands in them is added value by value.
+/// Prints a JSON document as PrintJson does, but as a stream: objects and arrays that may be long
+/// are begun and ended, and their contents are added value by value.
 class JsonStream {
  public:
   explicit JsonStream(TextSink sink) : sink_(std::move(sink)) {}
 
-  /// Begins what `bracket` opens, "{" or "[": the document itself or an element of an array.
+  /// Begins an object or an array, "{" or "[": the document itself or an element of an array.
   void Begin(char bracket);
 
   /// Begins a member of an object.
   void Begin(std::string_view key, char bracket);
 
-  /// Ends what was begun last; the document with a line feed.
+  /// Ends the innermost object or array; after the outermost one comes a line feed.
   void End();
 
   /// Adds an element to an array.

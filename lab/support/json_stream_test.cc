@@ -5,7 +5,7 @@
 namespace fernwick::lab {
 namespace {
 
-// Adds a value, with every array and object that it holds begun and ended.
+// Adds a value, with every array and object in it begun and ended.
 void Spread(const Json& value, JsonStream& stream) {
   const auto add = [&](const std::string& key, const Json& member) {
     if (!member.is_structured()) return stream.AddMembers({{key, member}});

@@ -51,24 +51,24 @@ bool IsControlCharacter(unsigned char byte, bool isTwoBytes) {
   return byte == 0x7F || (isTwoBytes && byte <= 0x9F);
 }
 
-// Further lines stand further to the right. A terminal acts on U+007F to U+009F too, which JSON may
-// hold as they are.
+// Indents further lines, and escapes U+007F to U+009F: JSON permits them raw, a terminal acts on
+// them.
 std::string Finished(std::string_view document, std::size_t indentation) {
   std::string text;
   text.reserve(document.size());
-  std::size_t taken = 0;
+  std::size_t copied = 0;
   for (std::size_t i = 0; i < document.size(); ++i) {
     const bool isTwoBytes = document[i] == '\xC2' && i + 1 < document.size();
     const auto last = static_cast<unsigned char>(document[isTwoBytes ? i + 1 : i]);
     const bool isControl = IsControlCharacter(last, isTwoBytes);
     if (!isControl && document[i] != '\n') continue;
-    text.append(document, taken, i - taken);
+    text.append(document, copied, i - copied);
     if (!isControl) text.append("\n").append(indentation, ' ');
     if (isControl) text += last == 0x7F ? "\\u007f" : "\\u00" + Hexadecimal({&document[i + 1], 1});
     if (isControl && isTwoBytes) ++i;
-    taken = i + 1;
+    copied = i + 1;
   }
-  return text.append(document, taken);
+  return text.append(document, copied);
 }
 
 std::string Print(const Json& json, int step, std::size_t indentation = 0) {

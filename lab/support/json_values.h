@@ -8,24 +8,24 @@
 
 namespace fernwick::lab {
 
-/// Keeps the order in which the keys came.
+/// Keeps keys in the order in which they were added.
 using Json = nlohmann::ordered_json;
 
-/// A property-list value in JSON, of which its kind can still be told: dictionaries, arrays,
-/// strings, booleans and integers as they are, a real as a number with a fraction or an exponent;
-/// what JSON lacks as an object of one key: {"data": "5a65"} (hexadecimal), {"date":
-/// "2026-11-20T00:00:00Z"}, {"real": "nan"} (also "inf" and "-inf").
+/// A property-list value in JSON that keeps its kind: dictionaries, arrays, strings, booleans and
+/// integers as they are, a real as a number with a fraction or an exponent; kinds that JSON lacks
+/// as an object of one key: {"data": "5a65"} (hexadecimal), {"date": "2026-11-20T00:00:00Z"},
+/// {"real": "nan"} (also "inf" and "-inf").
 Json ToJson(const PropertyValue& value);
 
 /// An absent value (null) is null.
 Json ToJson(const PropertyValue* value);
 
 /// The text of a JSON document, indented by two, with a newline at the end. Bytes that are not
-/// UTF-8 (a path may hold any) become U+FFFD; control characters are escaped.
+/// UTF-8 (a path may contain any) become U+FFFD; control characters are escaped.
 std::string PrintJson(const Json& json);
 
-/// The same for a value inside of a document, whose line is indented by so many blanks: the first
-/// line stands as it is, and there is no newline at the end.
+/// The same for a value inside a document, on a line that is indented by so many blanks: further
+/// lines are indented by as many, the first is not, and there is no newline at the end.
 std::string PrintJsonInside(const Json& json, std::size_t indentation);
 
 /// As PrintJson, on one line: a row of ndjson.

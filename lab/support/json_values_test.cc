@@ -23,7 +23,7 @@ TEST(JsonValues, KeepIntegersExact) {
   EXPECT_EQ(RowOf(0), "0\n");
 }
 
-TEST(JsonValues, TellRealsFromIntegers) {
+TEST(JsonValues, DistinguishRealsFromIntegers) {
   EXPECT_EQ(RowOf(3.0), "3.0\n");
   EXPECT_EQ(RowOf(41.050000001), "41.050000001\n");
   EXPECT_EQ(RowOf(1e300), "1e+300\n");

@@ -8,7 +8,7 @@
 
 namespace fernwick::lab {
 
-/// The exit statuses of the lab itself. Those of a verb that cannot start are none of the tool's.
+/// The exit statuses of the lab itself. The tool uses none of those of a verb that cannot start.
 namespace LabStatus {
 inline constexpr int Done = 0;
 inline constexpr int BadUsage = 64;
@@ -28,8 +28,8 @@ struct LabError {
 /// not UTF-8, as octal escapes.
 std::string PrintableText(std::string_view text);
 
-/// Prints "fernwick-lab: MESSAGE" as one line on standard error. What a file may have put into the
-/// message reaches no terminal raw: control characters are shown as octal escapes.
+/// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control
+/// characters, which may come from a file, are printed as octal escapes.
 void PrintError(std::string_view message);
 
 /// The same with "PATH: what is wrong" as the message. Returns the exit status.

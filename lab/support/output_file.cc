@@ -12,18 +12,25 @@
 #include <cstring>
 #include <memory>
 
+// Atomic replace by rename: a file is written under a temporary name in the directory of its final
+// one, flushed to the device and renamed, which the file system does in one step. A reader of the
+// final name gets the old file or the new one, never a part. Costs one fsync for each file.
+
 namespace fernwick::lab {
 namespace {
 
-// Where the bytes go, and what is wrong with that.
+constexpr char ExistsMessage[] = "there is a file of that name; --force replaces it";
+
+// The file to write, or why it cannot be written.
 struct Target {
   std::string path;
   std::string error;
 };
 
-// The file at the path behind all links; the path itself when nothing is there. A directory is told
-// when the file should take its place.
-Target Resolve(const std::string& path) {
+// The file that the path leads to, links followed; the path itself when there is none. A directory
+// is no error here: renaming to it is.
+Target Resolve(const std::string& path, IfExists ifExists) {
+  if (ifExists == IfExists::Refuse) return {path, ExistingOutputError(path)};
   struct stat status;
   if (stat(path.c_str(), &status) != 0) {
     return {path, errno == ENOENT ? "" : std::strerror(errno)};
@@ -36,38 +43,52 @@ Target Resolve(const std::string& path) {
   return {resolved.get(), {}};
 }
 
-// The permissions that a new file gets from the process.
+// The permissions of a new file of this process.
 mode_t NewFileMode() {
   const mode_t mask = umask(0);
   umask(mask);
   return static_cast<mode_t>(0666) & ~mask;
 }
 
-// Holds back what would end the process between a new file and its name, until that is over.
-class SignalsHeldBack {
+// Blocks the signals that end a process, so that none leaves a temporary file; they arrive when
+// this is destroyed.
+class BlockedSignals {
  public:
-  SignalsHeldBack() {
+  BlockedSignals() {
     sigset_t ending;
     sigemptyset(&ending);
     for (const int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) sigaddset(&ending, number);
     sigprocmask(SIG_BLOCK, &ending, &before_);
   }
-  ~SignalsHeldBack() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsHeldBack(const SignalsHeldBack&) = delete;
-  SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+  ~BlockedSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+  BlockedSignals(const BlockedSignals&) = delete;
+  BlockedSignals& operator=(const BlockedSignals&) = delete;
 
  private:
   sigset_t before_;
 };
 
-// Fills the new file and gives it its name.
-bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes) {
+// As rename(2); with IfExists::Refuse it fails when `path` exists, in one step where the file
+// system has one.
+bool Rename(const std::string& newPath, const std::string& path, IfExists ifExists) {
+  if (ifExists == IfExists::Refuse) {
+    if (renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
+      return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) return false;
+  }
+  return std::rename(newPath.c_str(), path.c_str()) == 0;
+}
+
+// Writes and closes the temporary file and renames it to `path`.
+bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes,
+            IfExists ifExists) {
   const bool written =
       WriteWhole(file, bytes) && fchmod(file, NewFileMode()) == 0 && fsync(file) == 0;
   const int error = errno;
   const bool closed = close(file) == 0;
   if (!written) errno = error;
-  return written && closed && std::rename(newPath.c_str(), path.c_str()) == 0;
+  return written && closed && Rename(newPath, path, ifExists);
 }
 
 }  // namespace
@@ -82,17 +103,24 @@ bool WriteWhole(int file, std::string_view bytes) {
   return true;
 }
 
-std::string WriteOutputFile(const std::string& path, std::string_view bytes) {
-  const auto [target, fault] = Resolve(path);
+std::string ExistingOutputError(const std::string& path) {
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0) return {};
+  if (stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return ExistsMessage;
+  return S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "not a regular file";
+}
+
+std::string WriteOutputFile(const std::string& path, std::string_view bytes, IfExists ifExists) {
+  const auto [target, fault] = Resolve(path, ifExists);
   if (!fault.empty()) return fault;
-  const SignalsHeldBack heldBack;
+  const BlockedSignals blocked;
   std::string newPath = target + ".XXXXXX";
   const int file = mkostemp(newPath.data(), O_CLOEXEC);
   if (file < 0) return std::strerror(errno);
-  if (Finish(file, newPath, target, bytes)) return {};
+  if (Finish(file, newPath, target, bytes, ifExists)) return {};
   const int error = errno;
   unlink(newPath.c_str());
-  return std::strerror(error);
+  return error == EEXIST ? ExistsMessage : std::strerror(error);
 }
 
 }  // namespace fernwick::lab

@@ -5,15 +5,23 @@
 
 namespace fernwick::lab {
 
-/// Writes all of `bytes` to the descriptor, however often that takes. Returns whether it could;
-/// errno tells why not.
+/// Writes all of `bytes` to the descriptor, in as many calls as needed. Returns whether it could;
+/// errno has the reason if not.
 bool WriteWhole(int file, std::string_view bytes);
 
-/// Writes a file that appears whole or not at all: under a name of its own beside `path` first,
-/// which then takes the place of the file that stood there. Links are followed to it; what is no
-/// file, as a device or a pipe, is left alone, which is an error. A signal to end that comes
-/// meanwhile ends the process when the file is whole. Returns what went wrong; empty when nothing
-/// did.
-std::string WriteOutputFile(const std::string& path, std::string_view bytes);
+/// What happens to a file that exists at the path.
+enum class IfExists { Replace, Refuse };
+
+/// Writes a file completely or not at all (atomic replace by rename): the bytes go to a temporary
+/// file beside `path`, which is then renamed. Links are followed. Anything but a regular file, such
+/// as a device or a pipe, is left alone, which is an error; so is, with IfExists::Refuse, whatever
+/// is at the path, a dangling link too. A signal that ends the process meanwhile has its effect
+/// when the file is complete. Returns what went wrong; empty when nothing did.
+std::string WriteOutputFile(const std::string& path, std::string_view bytes,
+                            IfExists ifExists = IfExists::Replace);
+
+/// "there is a file of that name; --force replaces it" when something is at the path, by which a
+/// verb can refuse an output before it starts; otherwise empty.
+std::string ExistingOutputError(const std::string& path);
 
 }  // namespace fernwick::lab

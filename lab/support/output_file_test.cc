@@ -8,6 +8,8 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <string>
 
 #include "testing/files.h"
 #include "testing/temporary_directory.h"
@@ -15,12 +17,14 @@
 namespace {
 
 int signalBeforeSync = 0;
+std::string appearingFile;  // created by another process meanwhile; empty: none is
 
 }  // namespace
 
-// In the place of the C library's: a signal comes when a file is written and has no name yet.
+// Replaces the C library's: a signal or another file comes when a file is written but not renamed.
 extern "C" int fsync(int file) {
   if (signalBeforeSync != 0) std::raise(signalBeforeSync);
+  if (!appearingFile.empty()) std::ofstream(appearingFile).flush();
   return static_cast<int>(syscall(SYS_fsync, file));
 }
 
@@ -42,7 +46,7 @@ TEST(OutputFile, AppearsWithItsContents) {
   EXPECT_EQ(FilesIn(directory.Path()), 1u);
 }
 
-TEST(OutputFile, TakesThePlaceOfWhatStoodThere) {
+TEST(OutputFile, ReplacesAFileThatExists) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("out", "what was there before");
   EXPECT_EQ(WriteOutputFile(path, "new"), "");
@@ -58,7 +62,7 @@ TEST(OutputFile, HasThePermissionsOfAnyNewFile) {
   EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
 }
 
-TEST(OutputFile, ThatCannotTakeItsPlaceLeavesNothing) {
+TEST(OutputFile, ThatCannotBeRenamedLeavesNothing) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Path() + "/out";
   fs::create_directory(path);
@@ -72,7 +76,7 @@ TEST(OutputFile, IsWholeWhenASignalEndsTheProcessMeanwhile) {
     const auto path = directory.Path() + "/out";
     const pid_t child = fork();
     if (child == 0) {
-      std::signal(number, SIG_DFL);  // which whoever runs the tests may have it ignore
+      std::signal(number, SIG_DFL);  // a parent process may ignore it
       signalBeforeSync = number;
       WriteOutputFile(path, "new");
       _exit(0);
@@ -86,7 +90,7 @@ TEST(OutputFile, IsWholeWhenASignalEndsTheProcessMeanwhile) {
   }
 }
 
-TEST(OutputFile, ReachedByALinkTakesThePlaceOfTheFileAndLeavesTheLink) {
+TEST(OutputFile, ReachedByALinkReplacesTheFileAndLeavesTheLink) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Write("file", "what was there before");
   const auto link = directory.Path() + "/link";
@@ -97,7 +101,7 @@ TEST(OutputFile, ReachedByALinkTakesThePlaceOfTheFileAndLeavesTheLink) {
   EXPECT_EQ(FilesIn(directory.Path()), 2u);
 }
 
-TEST(OutputFile, BehindLinksThatLeadNowhereIsWrittenOrAnError) {
+TEST(OutputFile, ReachedByDanglingLinksIsWrittenOrAnError) {
   const testing::TemporaryDirectory directory;
   const auto dangling = directory.Path() + "/dangling";
   fs::create_symlink("none", dangling);
@@ -120,6 +124,36 @@ TEST(OutputFile, LeavesAlonePipesAndDevices) {
   EXPECT_EQ(WriteOutputFile(device, "new"), "not a regular file");
   EXPECT_EQ(fs::read_symlink(device), "/dev/null");
   EXPECT_EQ(FilesIn(directory.Path()), 2u);
+}
+
+TEST(OutputFile, RefusesToReplaceWhatExists) {
+  const testing::TemporaryDirectory directory;
+  const auto refuse = [](const std::string& path) {
+    const auto error = ExistingOutputError(path);
+    EXPECT_EQ(WriteOutputFile(path, "new", IfExists::Refuse), error);
+    return error;
+  };
+  const std::string exists = "there is a file of that name; --force replaces it";
+  const auto path = directory.Path() + "/out";
+  EXPECT_EQ(refuse(path), "");
+  EXPECT_EQ(testing::ReadFile(path), "new");
+  EXPECT_EQ(refuse(directory.Write("old", "old")), exists);
+  EXPECT_EQ(testing::ReadFile(directory.Path() + "/old"), "old");
+  fs::create_symlink("none", directory.Path() + "/dangling");
+  EXPECT_EQ(refuse(directory.Path() + "/dangling"), exists);
+  EXPECT_EQ(refuse(directory.Path()), "Is a directory");
+  EXPECT_EQ(refuse("/dev/null"), "not a regular file");
+  EXPECT_EQ(FilesIn(directory.Path()), 3u);
+}
+
+TEST(OutputFile, RefusesToReplaceAFileThatAppearsMeanwhile) {
+  const testing::TemporaryDirectory directory;
+  appearingFile = directory.Path() + "/out";
+  EXPECT_EQ(WriteOutputFile(appearingFile, "new", IfExists::Refuse),
+            "there is a file of that name; --force replaces it");
+  EXPECT_EQ(testing::ReadFile(appearingFile), "");
+  EXPECT_EQ(FilesIn(directory.Path()), 1u);
+  appearingFile.clear();
 }
 
 TEST(OutputFile, InADirectoryThatIsNotThereIsAnError) {

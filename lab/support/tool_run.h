@@ -12,8 +12,8 @@
 namespace fernwick::lab {
 
 /// A run of the tool: its result, all that it printed and why it decided as it did. It views the
-/// recording, which must outlive it, and owns the configuration; moving it keeps all that views it
-/// or what it owns valid.
+/// recording, which must outlive it, and owns the configuration; views of the
+/// run stay valid when it is moved.
 struct ToolRun {
   RunResult result;
   std::string standardOutput = {};  // after a fault what was flushed before it
@@ -25,8 +25,8 @@ struct ToolRun {
 /// is one thread.
 Options ToolOptions(const std::string& payload, bool bypassVersion);
 
-/// Runs the tool over the recorded computer. Nothing reaches this process's own streams. Runs may
-/// take place in several threads, also over one recording.
+/// Runs the tool over the recorded computer. Nothing reaches this process's own streams. Several
+/// threads may run it at once, also over one recording.
 ToolRun RunTool(const Recording& recording, const Options& options);
 
 /// A personality and the controller that it matched. Points into the ToolRun.

@@ -10,7 +10,7 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t LongestList = 8;
+constexpr std::size_t MaxListLength = 8;
 
 std::string WithHex(const PropertyValue& value) {
   const auto integer = value.AsInteger();
@@ -21,11 +21,11 @@ std::string WithHex(const PropertyValue& value) {
   return text + hex;
 }
 
-// `element` says one element that is neither an array nor a dictionary.
+// `element` returns the text of an element that is neither an array nor a dictionary.
 template <typename Element>
 std::string ListText(const Array& list, Element element) {
   if (list.empty()) return "an empty array";
-  if (list.size() > LongestList) return "an array of " + std::to_string(list.size());
+  if (list.size() > MaxListLength) return "an array of " + std::to_string(list.size());
   std::string text;
   for (const auto& each : list) {
     const bool isDeep = each.AsArray() || each.AsDictionary();

@@ -12,17 +12,17 @@ namespace fernwick::lab {
 /// The names of the types in the set, in the order in which their checks build on each other.
 std::vector<std::string_view> NamesOf(TypeSet types);
 
-/// A value on one line, safe to show: numbers as they are, strings in quotes, what is inside an
-/// array of up to eight elements; of a larger or deeper value what it is.
+/// A value on one line, with control characters escaped: numbers as they are, strings in quotes,
+/// the elements of an array of up to eight; of a larger or deeper value only its kind.
 std::string InlineText(const PropertyValue& value);
 
 /// The same, integers from 10 also in hexadecimal: "65 (0x41)".
 std::string InlineTextWithHex(const PropertyValue& value);
 
-/// What the key has to hold: "a number or an array of numbers".
+/// The kind of value that a key needs: "a number or an array of numbers".
 std::string_view WordsFor(KeyKind kind);
 
-/// What the value is: "a string", "an array".
+/// The kind of the value: "a string", "an array".
 std::string_view KindOf(const PropertyValue& value);
 
 /// "1 match", "2 matches".

@@ -11,7 +11,7 @@ using testing::Bytes;
 using testing::Dict;
 using testing::List;
 
-TEST(InlineText, StandsOnOneLine) {
+TEST(InlineText, IsOneLine) {
   EXPECT_EQ(InlineText(41.050000000999994), "41.050000000999994");
   EXPECT_EQ(InlineText(0xFFFFFFFFFFFFFFFF), "18446744073709551615");
   EXPECT_EQ(InlineText("a\n\x1B[1m"), "\"a\\n\\033[1m\"");
@@ -49,7 +49,7 @@ TEST(NamesOf, AreThoseOfTheSet) {
   EXPECT_EQ(NamesOf(Types::Usbc | Types::Thunderbolt), (Names{"USBC", "Thunderbolt"}));
 }
 
-TEST(Counted, IsSingularForOneAlone) {
+TEST(Counted, IsSingularOnlyForOne) {
   EXPECT_EQ(Counted(0, "match", "matches"), "0 matches");
   EXPECT_EQ(Counted(1, "match", "matches"), "1 match");
   EXPECT_EQ(Counted(2, "match", "matches"), "2 matches");

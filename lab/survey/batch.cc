@@ -17,8 +17,9 @@ constexpr std::size_t MaxJobs = 1024;
 }  // namespace
 
 const char SelectionHelp[] =
-    "A directory stands for every *.registry.plist below it, by name; links to directories are\n"
-    "not followed. - reads paths from standard input, one a line.\n";
+    "A directory selects every *.registry.plist below it, by name; links to directories are not\n"
+    "followed. - reads paths from standard input, one a line or each followed by a NUL "
+    "character.\n";
 
 void AddBatchOptions(CommandLine& line, BatchOptions& options) {
   options.jobs = std::max(1u, std::thread::hardware_concurrency());

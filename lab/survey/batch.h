@@ -11,7 +11,7 @@
 
 namespace fernwick::lab {
 
-/// What every verb takes that goes over many recordings.
+/// The options of every verb that goes over many recordings.
 struct BatchOptions {
   std::vector<std::string> paths;
   std::size_t jobs;
@@ -21,19 +21,19 @@ struct BatchOptions {
 /// each processor. Parsing the line fills `options`, which must outlive it.
 void AddBatchOptions(CommandLine& line, BatchOptions& options);
 
-/// Says how the recordings are selected, for the help.
+/// How the recordings are selected, for the help.
 extern const char SelectionHelp[];
 
-/// Whether the payload can be used at all: a `PAYLOAD/Fernwick` is there. Says so when it is not.
+/// Whether `PAYLOAD/Fernwick` is there. Prints an error when it is not.
 bool IsPayload(const std::string& payload);
 
-/// What is done with one computer, on any thread. Returns what prints its result on the console.
+/// Processes one computer, on any thread. Returns what prints its result on the console.
 using BatchWork = std::function<std::function<void()>(const Selected& selected)>;
 
-/// Works on all that is selected, on several threads, and prints the results on `console`, one
-/// after the other in the order of the selection. Returns LabStatus::Done, or the status after a
-/// line on standard error: nothing was selected, or `console` failed, which ends everything. On a
-/// terminal, standard error shows how far it has come.
+/// Processes everything that is selected, on several threads, and prints the results on `console`,
+/// one after the other in the order of the selection. Returns LabStatus::Done, or the status after
+/// a line on standard error: nothing was selected, or `console` failed, which ends everything. On a
+/// terminal, standard error shows the progress.
 int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console);
 
 }  // namespace fernwick::lab

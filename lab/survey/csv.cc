@@ -1,46 +1,19 @@
-#include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lab/support/messages.h"
+#include "lab/survey/csv_cells.h"
 #include "lab/survey/format.h"
 
 namespace fernwick::lab {
 namespace {
 
-using Cells = std::vector<std::string>;
-
-const Cells ComparisonNames = {"difference", "side"};
-const Cells Names = {"file", "outcome",      "status",    "reason",  "board", "revision",   "type",
-                     "rid",  "port address", "installed", "version", "image", "diagnostics"};
-
-std::string Quoted(std::string_view cell) {
-  if (cell.find_first_of(",\"") == std::string_view::npos) return std::string(cell);
-  std::string quoted = "\"";
-  for (const char c : cell) quoted.append(c == '"' ? 2 : 1, c);
-  return quoted + '"';
-}
-
-// A spreadsheet would compute a text that begins like a formula, which anyone may have written
-// who recorded a computer; an apostrophe keeps it a text.
-std::string TextCell(std::string_view text) {
-  const auto cell = PrintableText(text);
-  const bool isLikeFormula = text.find_first_of("=+-@") == 0;
-  return isLikeFormula ? "'" + cell : cell;
-}
-
-// Empty for an absent value.
-std::string CellOf(const Json& value) {
-  if (value.is_null()) return "";
-  return value.is_string() ? TextCell(value.get<std::string>()) : PrintableText(value.dump());
-}
-
-template <typename Value>
-std::string CellOf(const std::optional<Value>& value) {
-  return value ? CellOf(Json(*value)) : "";
-}
+const CsvCells ComparisonNames = {"difference", "side"};
+const CsvCells Names = {"file",     "outcome",    "status",      "reason",        "board",
+                        "revision", "type",       "rid",         "port address",  "installed",
+                        "version",  "image",      "diagnostics", "image missing", "priority",
+                        "SetNVRAM", "ClearNVRAM", "options"};
 
 std::string DiagnosticsOf(const SurveyRow& row) {
   std::string text;
@@ -51,27 +24,43 @@ std::string DiagnosticsOf(const SurveyRow& row) {
   return text;
 }
 
-std::string Line(const Cells& first, const Cells& rest) {
-  std::string line;
-  for (const auto* cells : {&first, &rest}) {
-    for (const auto& cell : *cells) line += Quoted(cell) + ",";
-  }
-  line.pop_back();
-  return line + "\r\n";
+// Of a computer with a plan, in each of its lines.
+CsvCells PlanCells(const SurveyRow& row) {
+  if (!row.plan) return {"", "", "", ""};
+  const auto& plan = *row.plan;
+  return {std::to_string(plan.priority), CsvValue(plan.setNvram), CsvValue(plan.clearNvram),
+          CsvText(plan.options)};
 }
 
-std::string Lines(const Cells& first, const SurveyRow& row) {
-  Cells computer = {TextCell(row.file), std::string(NameOf(row.outcome)),
-                    CellOf(row.status), TextCell(row.reason),
-                    CellOf(row.board),  CellOf(row.revision)};
-  computer.insert(computer.begin(), first.begin(), first.end());
+CsvCells Joined(const CsvCells& first, const CsvCells& second, const CsvCells& third) {
+  auto cells = first;
+  cells.insert(cells.end(), second.begin(), second.end());
+  cells.insert(cells.end(), third.begin(), third.end());
+  return cells;
+}
+
+std::string Lines(const CsvCells& first, const SurveyRow& row) {
+  const auto computer =
+      Joined(first,
+             {CsvText(row.file), std::string(NameOf(row.outcome)), CsvValue(row.status),
+              CsvText(row.reason), CsvValue(row.board), CsvValue(row.revision)},
+             {});
   const auto diagnostics = DiagnosticsOf(row);
-  if (row.matches.empty()) return Line(computer, {"", "", "", "", "", "", diagnostics});
+  const auto plan = PlanCells(row);
+  if (row.matches.empty()) {
+    return CsvLine(Joined(computer, {"", "", "", "", "", "", diagnostics, ""}, plan));
+  }
   std::string lines;
   for (const auto& match : row.matches) {
-    lines += Line(computer, {TextCell(match.type), CellOf(match.rid), CellOf(match.portAddress),
-                             CellOf(match.installed), CellOf(match.version), CellOf(match.image),
-                             diagnostics});
+    const CsvCells cells = {CsvText(match.type),
+                            CsvValue(match.rid),
+                            CsvValue(match.portAddress),
+                            CsvValue(match.installed),
+                            CsvValue(match.version),
+                            CsvValue(match.image),
+                            diagnostics,
+                            match.isImageMissing ? "yes" : ""};
+    lines += CsvLine(Joined(computer, cells, plan));
   }
   return lines;
 }
@@ -93,7 +82,8 @@ class CsvFormat : public SurveyFormat {
 
   void Add(const std::string& text) override {
     if (text.empty()) return;
-    if (!hasNames_) Out().Write(Line(isComparison_ ? ComparisonNames : Cells(), Names));
+    if (!hasNames_)
+      Out().Write(CsvLine(Joined(isComparison_ ? ComparisonNames : CsvCells(), Names, {})));
     hasNames_ = true;
     Out().Write(text);
   }

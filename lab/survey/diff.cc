@@ -1,15 +1,16 @@
 #include <algorithm>
+#include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
-#include "lab/support/json_stream.h"
 #include "lab/support/messages.h"
 #include "lab/support/tool_run.h"
-#include "lab/support/words.h"
 #include "lab/survey/batch.h"
+#include "lab/survey/diff_format.h"
+#include "lab/survey/image_changes.h"
 #include "lab/survey/payload_diff.h"
 #include "lab/survey/run.h"
 #include "lab/verbs.h"
@@ -19,34 +20,51 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Tells which recorded computers two payloads treat differently: which gain a plan or a match "
-    "or "
-    "lose it, and by which requirements, and where image, version, order, priority or NVRAM "
-    "change.";
+    "Prints how two payloads differ for recorded computers: which gain a plan or a match or lose "
+    "it, and by which requirements of which personality, where image, version, order, priority or "
+    "NVRAM change, and which planned image files have other bytes or are missing.";
 
 constexpr char Footer[] =
-    "\nStatus: 0 no computer changes, 1 some do. A recording that is refused and a run that ends\n"
-    "abnormally with both payloads are told and are no change.\n\n"
+    "\nPersonalities of both payloads are compared by what they accept (silicon, RID, address, "
+    "UUID,\nmodel), whatever their order and images.\n\n"
+    "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line is\n"
+    "refused or cannot be read, 0 no computer changes, 1 some do. A run that ends abnormally with\n"
+    "both payloads is reported and is no change.\n\n"
     "Example:\n  fernwick-lab diff -p payload-1 -p payload-2 computers/\n";
 
 struct DiffOptions {
   std::vector<std::string> payloads;
   BatchOptions batch;
+  bool bypassVersion = false;
+  bool listsEach = false;
+  std::string format = "text";
   bool asJson = false;
 };
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], DiffOptions& options) {
-  CommandLine line = {.verb = "diff",
-                      .description = Description,
-                      .footer = SelectionHelp + std::string(Footer),
-                      .arguments = {
-                          {.name = "-p,--payload",
-                           .target = &options.payloads,
-                           .help = "the old payload, and again the new one",
-                           .least = 1,
-                           .valueName = "PAYLOAD"},
-                          {.name = "--json", .target = &options.asJson, .help = "print JSON"},
-                      }};
+  CommandLine line = {
+      .verb = "diff",
+      .description = Description,
+      .footer = SelectionHelp + std::string(Footer),
+      .arguments = {
+          {.name = "-p,--payload",
+           .target = &options.payloads,
+           .help = "the old payload, and again the new one",
+           .least = 1,
+           .valueName = "PAYLOAD"},
+          {.name = "--bypassVersion",
+           .target = &options.bypassVersion,
+           .help = "as the tool's own, with both payloads"},
+          {.name = "--each",
+           .target = &options.listsEach,
+           .help = "list every computer instead of groups of equal changes"},
+          {.name = "--format",
+           .target = &options.format,
+           .help = "text, json, csv or junit",
+           .valueName = "FORMAT",
+           .choices = {"text", "json", "csv", "junit"}},
+          {.name = "--json", .target = &options.asJson, .help = "the same as --format json"},
+      }};
   AddBatchOptions(line, options.batch);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return status;
   if (options.payloads.size() == 2) return std::nullopt;
@@ -67,93 +85,73 @@ void CompareRuns(const ToolRun& before, const ToolRun& after, DiffRow& row) {
   }
 }
 
-DiffRow DiffComputer(const Selected& selected, const Options& before, const Options& after) {
+// The options of the runs with both payloads.
+struct Payloads {
+  Options before;
+  Options after;
+};
+
+struct ComparedComputer {
+  DiffRow row;
+  int refusal = LabStatus::Done;  // why it was refused
+};
+
+ComparedComputer DiffComputer(const Selected& selected, const Payloads& payloads,
+                              ImageFiles& images) {
   const auto& path = selected.path;
-  if (!selected.error.empty()) return {.file = path, .refusal = selected.error};
+  if (!selected.error.empty()) {
+    return {{.file = path, .refusal = selected.error}, LabStatus::UnreadableInput};
+  }
   const auto recording = LoadRecording(path);
-  if (!recording) return {.file = path, .refusal = Describe(recording.Error().error)};
+  if (!recording) {
+    const auto& error = recording.Error();
+    return {{.file = path, .refusal = Describe(error.error)}, error.status};
+  }
   RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);
   DiffRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
-  CompareRuns(RunTool(*recording, before), RunTool(*recording, after), row);
-  return row;
+  const auto before = RunTool(*recording, payloads.before);
+  const auto after = RunTool(*recording, payloads.after);
+  CompareRuns(before, after, row);
+  if (!before.result.fault && !after.result.fault) {
+    for (auto& change : FindImageChanges(before, payloads.before, after, payloads.after, images)) {
+      row.changes.push_back(std::move(change));
+    }
+  }
+  return {std::move(row)};
 }
 
-struct DiffTotals {
-  std::size_t changed = 0;
-  std::size_t unchanged = 0;
-  std::size_t refused = 0;
-  std::size_t abnormal = 0;
-  std::size_t gained = 0;
-  std::size_t lost = 0;
+std::unique_ptr<DiffFormat> MakeFormat(const DiffOptions& options, Console& console) {
+  if (options.asJson || options.format == "json") return MakeDiffJson(console);
+  if (options.format == "csv") return MakeDiffCsv(console);
+  if (options.format == "junit") return MakeDiffJunit(console);
+  return options.listsEach ? MakeDiffList(console) : MakeDiffGroups(console);
+}
 
-  void Add(const DiffRow& row) {
-    const auto has = [&](std::string_view kind) {
-      return std::ranges::find(row.changes, kind, &DiffChange::kind) != row.changes.end();
+int RunDiff(const DiffOptions& options) {
+  const Payloads payloads = {ToolOptions(options.payloads[0], options.bypassVersion),
+                             ToolOptions(options.payloads[1], options.bypassVersion)};
+  ProcessConsole console;
+  const auto format = MakeFormat(options, console);
+  DiffTotals totals;
+  ImageFiles images;
+  int refusal = LabStatus::Done;
+  const auto work = [&](const Selected& selected) -> std::function<void()> {
+    auto compared = DiffComputer(selected, payloads, images);
+    return [&, isNamed = selected.isNamed, compared = std::move(compared)] {
+      if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
+      totals.Add(compared.row);
+      format->Add(compared.row);
     };
-    gained += has("gains plan");
-    lost += has("loses plan");
-    ++(!row.refusal.empty()       ? refused
-       : !row.abnormalEnd.empty() ? abnormal
-       : row.changes.empty()      ? unchanged
-                                  : changed);
-  }
-
-  std::string Text() const {
-    return Counted(changed + unchanged + refused + abnormal, "computer", "computers") + ": " +
-           std::to_string(changed) + " changed (" + std::to_string(gained) + " gained a plan, " +
-           std::to_string(lost) + " lost it), " + std::to_string(unchanged) + " unchanged, " +
-           std::to_string(refused) + " refused, " + std::to_string(abnormal) +
-           " ended abnormally\n";
-  }
-
-  Json AsJson() const {
-    return {{"changed", changed},     {"gainedPlan", gained}, {"lostPlan", lost},
-            {"unchanged", unchanged}, {"refused", refused},   {"endedAbnormally", abnormal}};
-  }
-};
-
-// The rows of computers that change, are refused or end abnormally, as they come.
-class DiffReport {
- public:
-  DiffReport(Console& console, bool asJson)
-      : console_(console),
-        asJson_(asJson),
-        stream_([&console](std::string_view text) { console.Write(text); }) {}
-
-  void Add(const DiffRow& row) {
-    totals_.Add(row);
-    if (row.refusal.empty() && row.abnormalEnd.empty() && row.changes.empty()) return;
-    if (!asJson_) return console_.Write(DescribeRow(row));
-    Begin();
-    stream_.Add(ToJson(row));
-  }
-
-  void Finish() {
-    if (!asJson_) return console_.Write(totals_.Text());
-    Begin();
-    stream_.End();
-    stream_.AddMembers({{"totals", totals_.AsJson()}});
-    stream_.End();
-  }
-
-  int Status() const { return totals_.changed == 0 ? 0 : 1; }
-
- private:
-  // Not before the first row: an error leaves standard output empty.
-  void Begin() {
-    if (hasBegun_) return;
-    stream_.Begin('{');
-    stream_.Begin("computers", '[');
-    hasBegun_ = true;
-  }
-
-  Console& console_;
-  bool asJson_;
-  JsonStream stream_;
-  bool hasBegun_ = false;
-  DiffTotals totals_;
-};
+  };
+  const int status = RunBatch(options.batch, work, console);
+  if (status != LabStatus::Done) return status;
+  format->Finish(totals);
+  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
+  if (!format->ShowsTotals()) console.WriteError(Describe(totals));
+  if (refusal != LabStatus::Done) return refusal;
+  return totals.changed == 0 ? LabStatus::Done : 1;
+}
 
 }  // namespace
 
@@ -161,18 +159,7 @@ VerbEnd Diff(int argumentCount, char* const arguments[]) {
   DiffOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!std::ranges::all_of(options.payloads, IsPayload)) return LabStatus::UnreadableInput;
-  ProcessConsole console;
-  DiffReport report(console, options.asJson);
-  const auto before = ToolOptions(options.payloads[0], false);
-  const auto after = ToolOptions(options.payloads[1], false);
-  const auto work = [&](const Selected& selected) -> std::function<void()> {
-    return [&report, row = DiffComputer(selected, before, after)] { report.Add(row); };
-  };
-  const int status = RunBatch(options.batch, work, console);
-  if (status != LabStatus::Done) return status;
-  report.Finish();
-  const int lost = FinishOutput(console);
-  return lost != LabStatus::Done ? lost : report.Status();
+  return RunDiff(options);
 }
 
 }  // namespace fernwick::lab

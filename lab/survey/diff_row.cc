@@ -12,15 +12,8 @@ Json TextOrNull(const std::string& text) {
   return text.empty() ? Json(nullptr) : Json(text);
 }
 
-Json ChangeToJson(const DiffChange& change) {
-  return {{"kind", change.kind},
-          {"match", TextOrNull(change.match)},
-          {"before", change.before},
-          {"after", change.after},
-          {"reasons", change.reasons}};
-}
-
-// What came, went or changed. Of a value of a match that one of both lacks, both sides are told.
+// The values before and after. Of a match that is gained or lost the one side that has a value; of
+// an image or a version that one side lacks both.
 std::string SidesText(const DiffChange& change) {
   const bool isOfAMatch = change.kind == "image" || change.kind == "version";
   if (change.before.is_null() && change.after.is_null()) return {};
@@ -29,19 +22,27 @@ std::string SidesText(const DiffChange& change) {
   return ": " + CellText(change.before) + " -> " + CellText(change.after);
 }
 
-std::string ChangeText(const DiffChange& change) {
-  std::string text = "  " + change.kind;
+}  // namespace
+
+Json ToJson(const DiffChange& change) {
+  return {{"kind", change.kind},
+          {"match", TextOrNull(change.match)},
+          {"before", change.before},
+          {"after", change.after},
+          {"reasons", change.reasons}};
+}
+
+std::string DescribeChange(const DiffChange& change, const std::string& indentation) {
+  auto text = change.kind;
   if (!change.match.empty()) text += " " + PrintableText(change.match);
   text += SidesText(change) + "\n";
-  for (const auto& reason : change.reasons) text += "    " + PrintableText(reason) + "\n";
+  for (const auto& reason : change.reasons) text += indentation + PrintableText(reason) + "\n";
   return text;
 }
 
-}  // namespace
-
 Json ToJson(const DiffRow& row) {
   auto changes = Json::array();
-  for (const auto& change : row.changes) changes.push_back(ChangeToJson(change));
+  for (const auto& change : row.changes) changes.push_back(ToJson(change));
   return {{"file", row.file},
           {"board", row.board ? Json(*row.board) : Json(nullptr)},
           {"revision", row.revision},
@@ -56,7 +57,7 @@ std::string DescribeRow(const DiffRow& row) {
   if (!row.abnormalEnd.empty()) return text + ": ends abnormally: " + row.abnormalEnd + "\n";
   text += ": board " + PrintableText(row.board.value_or("-")) + ", revision " +
           std::to_string(row.revision) + "\n";
-  for (const auto& change : row.changes) text += ChangeText(change);
+  for (const auto& change : row.changes) text += "  " + DescribeChange(change, "    ");
   return text;
 }
 

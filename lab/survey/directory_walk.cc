@@ -28,7 +28,7 @@ bool IsDirectory(const std::string& parent, const dirent& entry) {
   return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// The names that matter, in no order.
+// The names of recordings and directories, in no order.
 std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
   std::vector<std::string> names;
   while (const dirent* entry = readdir(directory)) {
@@ -51,7 +51,7 @@ void DirectoryWalk::Enter(std::string directory) {
   errno = stream == nullptr ? errno : 0;
   if (stream != nullptr) level.names = NamesIn(stream.get(), level.path);
   if (errno != 0) level.error = std::strerror(errno);
-  // With its "/", a directory stands where the paths below it do.
+  // With its "/", a directory is sorted as the paths below it are.
   std::ranges::sort(level.names);
 }
 

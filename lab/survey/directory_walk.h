@@ -7,28 +7,29 @@
 namespace fernwick::lab {
 
 /// A path that was selected. Where a directory could not be read, its path and why, and so for
-/// standard input with "-"; else the error is empty.
+/// standard input with "-"; otherwise the error is empty.
 struct Selected {
   std::string path;
   std::string error = {};
+  bool isNamed = false;  // it is an argument of the command line itself
 
   friend bool operator==(const Selected&, const Selected&) = default;
 };
 
 /// Goes over every "*.registry.plist" below a directory, in the bytewise order of their paths. A
-/// link to a directory is not followed, so there is no loop. Holds the names of the directories
-/// between the top and the current path, not those of all.
+/// link to a directory is not followed, so there is no loop. A depth-first walk that stores the
+/// names of the directories between the top and the current path, not those of all.
 class DirectoryWalk {
  public:
   explicit DirectoryWalk(std::string directory) { Enter(std::move(directory)); }
 
-  /// None at the end.
+  /// Empty at the end.
   std::optional<Selected> Next();
 
  private:
   struct Level {
     std::string path;
-    std::vector<std::string> names;  // in their order; "/" behind that of a directory
+    std::vector<std::string> names;  // sorted; that of a directory ends in "/"
     std::size_t next = 0;
     std::string error = {};
   };

@@ -8,7 +8,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <tuple>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace fernwick::lab {
@@ -18,26 +19,67 @@ std::uint64_t HashOf(std::string_view file) {
   return std::hash<std::string_view>()(file);
 }
 
-// As a saved row has it: bytes that are no text have become U+FFFD there.
-std::string SavedFileOf(const SurveyRow& row) {
-  const auto text = Json(row.file).dump(-1, ' ', false, Json::error_handler_t::replace);
+// A path as a saved row has it: bytes that are not UTF-8 were replaced by U+FFFD there.
+std::string SavedPath(const std::string& path) {
+  const auto text = Json(path).dump(-1, ' ', false, Json::error_handler_t::replace);
   return Json::parse(text).get<std::string>();
+}
+
+std::string DirectoryOf(const std::string& path) {
+  if (path == "-") return ".";
+  const auto parent = std::filesystem::path(path).parent_path().string();
+  return parent.empty() ? "." : parent;
+}
+
+// Copies standard input into a file without a name, in which rows can be read again. Null after an
+// error, which errno names.
+std::FILE* CopyOfStandardInput() {
+  std::FILE* copy = std::tmpfile();
+  if (copy == nullptr) return nullptr;
+  char piece[1 << 16];
+  for (;;) {
+    const ssize_t count = read(STDIN_FILENO, piece, sizeof piece);
+    if (count < 0 && errno == EINTR) continue;
+    const auto size = static_cast<std::size_t>(std::max(count, ssize_t{0}));
+    const bool isWritten = std::fwrite(piece, 1, size, copy) == size;
+    if (count > 0 && isWritten) continue;
+    if (count == 0 && std::fflush(copy) == 0) {
+      std::rewind(copy);
+      return copy;
+    }
+    const int error = errno;
+    std::fclose(copy);
+    errno = error;
+    return nullptr;
+  }
 }
 
 }  // namespace
 
-std::optional<LabError> SurveyExpectation::Load(const std::string& path) {
-  if (auto error = Open(path); !error.empty()) {
+SurveyExpectation::SurveyExpectation(std::string path)
+    : path_(std::move(path)), ofFile_(DirectoryOf(path_)), ofWorkingDirectory_(".") {}
+
+std::optional<LabError> SurveyExpectation::Load() {
+  if (auto error = Open(); !error.empty()) {
     return LabError{{std::move(error)}, LabStatus::UnreadableInput};
   }
   if (auto error = ReadRows()) return error;
-  std::ranges::sort(rows_, {},
-                    [](const SavedRow& row) { return std::tuple(row.hash, row.offset); });
+  std::ranges::sort(index_);
   return std::nullopt;
 }
 
-std::string SurveyExpectation::Open(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+bool SurveyExpectation::Exists() const {
+  std::error_code error;
+  return std::filesystem::symlink_status(path_, error).type() !=
+         std::filesystem::file_type::not_found;
+}
+
+std::string SurveyExpectation::Open() {
+  if (path_ == "-") {
+    file_.reset(CopyOfStandardInput());
+    return file_ == nullptr ? std::strerror(errno) : "";
+  }
+  const int descriptor = open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
   if (descriptor < 0) return std::strerror(errno);
   file_.reset(fdopen(descriptor, "r"));
   struct stat state;
@@ -55,10 +97,11 @@ std::optional<LabError> SurveyExpectation::ReadRows() {
   while (!error && (length = getline(&line, &capacity, file_.get())) > 0) {
     const auto size = static_cast<std::size_t>(length);
     if (const auto row = ParseSurveyRow({line, size})) {
-      rows_.push_back({HashOf(row->file), offset, size});
+      Index(row->file, rows_.size());
+      rows_.push_back({offset, size});
       offset += size;
     } else {
-      error = {{std::to_string(rows_.size() + 1) + ": this is no row of a survey"},
+      error = {{std::to_string(rows_.size() + 1) + ": this is not a row of a survey"},
                LabStatus::MalformedInput};
     }
   }
@@ -67,27 +110,45 @@ std::optional<LabError> SurveyExpectation::ReadRows() {
   return error;
 }
 
+void SurveyExpectation::Index(const std::string& file, std::size_t row) {
+  const auto hash = HashOf(ofFile_.Of(file));
+  const auto other = HashOf(ofWorkingDirectory_.Of(file));
+  index_.push_back({hash, false, row});
+  if (other != hash) index_.push_back({other, true, row});
+}
+
 std::optional<SurveyRow> SurveyExpectation::TakeFor(const SurveyRow& found) {
-  const auto file = SavedFileOf(found);
-  const auto hash = HashOf(file);
-  auto saved = std::ranges::lower_bound(rows_, hash, {}, &SavedRow::hash);
-  for (; saved != rows_.end() && saved->hash == hash; ++saved) {
-    if (saved->isTaken) continue;
-    auto row = ReadRow(*saved);
-    if (!row || row->file != file) continue;
-    saved->isTaken = true;
+  const auto path = SavedPath(ofWorkingDirectory_.Of(found.file));
+  const auto hash = HashOf(path);
+  auto entry = std::ranges::lower_bound(index_, hash, {}, &IndexEntry::hash);
+  for (; entry != index_.end() && entry->hash == hash; ++entry) {
+    auto& saved = rows_[entry->row];
+    if (saved.isTaken) continue;
+    auto row = ReadRow(saved);
+    if (!row || !IsFor(*entry, *row, path)) continue;
+    saved.isTaken = true;
     return row;
   }
   return std::nullopt;
 }
 
-void SurveyExpectation::ForEachLeft(const std::function<void(const SurveyRow&)>& take) const {
-  auto left = rows_;
-  std::erase_if(left, [](const SavedRow& saved) { return saved.isTaken; });
-  std::ranges::sort(left, {}, &SavedRow::offset);
-  for (const auto& saved : left) {
-    if (const auto row = ReadRow(saved)) take(*row);
+// Hashes may collide.
+bool SurveyExpectation::IsFor(const IndexEntry& entry, const SurveyRow& row,
+                              const std::string& path) {
+  return (entry.isOfWorkingDirectory ? ofWorkingDirectory_ : ofFile_).Of(row.file) == path;
+}
+
+void SurveyExpectation::ForEachLeft(const std::function<void(const SurveyRow&)>& visit) const {
+  for (const auto& saved : rows_) {
+    if (saved.isTaken) continue;
+    if (const auto row = ReadRow(saved)) visit(*row);
   }
+}
+
+std::string SurveyExpectation::RowToSave(const SurveyRow& found) {
+  auto row = found;
+  row.file = ofFile_.RelativeTo(ofWorkingDirectory_.Of(found.file));
+  return PrintJsonRow(ToJson(row));
 }
 
 std::optional<SurveyRow> SurveyExpectation::ReadRow(const SavedRow& saved) const {
@@ -99,7 +160,10 @@ std::optional<SurveyRow> SurveyExpectation::ReadRow(const SavedRow& saved) const
 }
 
 bool AreSame(const SurveyRow& a, const SurveyRow& b) {
-  return PrintJsonRow(ToJson(a)) == PrintJsonRow(ToJson(b));
+  auto left = ToJson(a);
+  auto right = ToJson(b);
+  left["file"] = right["file"] = nullptr;
+  return PrintJsonRow(left) == PrintJsonRow(right);
 }
 
 }  // namespace fernwick::lab

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -14,12 +16,13 @@ std::string Saved(const std::string& file, int status) {
 class Expectation : public ::testing::Test {
  protected:
   void Load(const std::string& rows) {
-    EXPECT_FALSE(expectation_.Load(directory_.Write("saved", rows)));
+    directory_.Write("saved", rows);
+    EXPECT_FALSE(expectation_.Load());
   }
 
   // The status of the row that is taken; -1 for none.
   int Take(const std::string& file) {
-    const auto row = expectation_.TakeFor({.file = file});
+    const auto row = expectation_.TakeFor({.file = directory_.Path() + "/" + file});
     return row ? row->status.value() : -1;
   }
 
@@ -30,7 +33,7 @@ class Expectation : public ::testing::Test {
   }
 
   testing::TemporaryDirectory directory_;
-  SurveyExpectation expectation_;
+  SurveyExpectation expectation_{directory_.Path() + "/saved"};
 };
 
 TEST_F(Expectation, IsTakenInAnyOrder) {
@@ -57,24 +60,51 @@ TEST_F(Expectation, KnowsAFileWhoseNameIsNoText) {
 TEST_F(Expectation, MayBeEmptyAndLackItsLastLineFeed) {
   Load("");
   EXPECT_EQ(Take("a"), -1);
-  SurveyExpectation other;
   auto rows = Saved("a", 1);
   rows.pop_back();
-  EXPECT_FALSE(other.Load(directory_.Write("other", rows)));
-  EXPECT_TRUE(other.TakeFor({.file = "a"}).has_value());
+  SurveyExpectation other(directory_.Write("other", rows));
+  EXPECT_FALSE(other.Load());
+  EXPECT_TRUE(other.TakeFor({.file = directory_.Path() + "/a"}).has_value());
 }
 
 TEST_F(Expectation, ThatCannotBeUsedIsAnError) {
-  SurveyExpectation other;
-  auto error = other.Load(directory_.Write("bad", Saved("a", 1) + "{}\n"));
+  SurveyExpectation other(directory_.Write("bad", Saved("a", 1) + "{}\n"));
+  auto error = other.Load();
   ASSERT_TRUE(error);
-  EXPECT_EQ(error->error.message, "2: this is no row of a survey");
+  EXPECT_EQ(error->error.message, "2: this is not a row of a survey");
   EXPECT_EQ(error->status, 65);
-  SurveyExpectation missing;
-  error = missing.Load("/no-such-file");
+  SurveyExpectation missing("/no-such-file");
+  error = missing.Load();
   ASSERT_TRUE(error);
   EXPECT_EQ(error->error.message, "No such file or directory");
   EXPECT_EQ(error->status, 66);
+}
+
+TEST_F(Expectation, OfAPathRelativeToItsFileComesBeforeOneOfTheWorkingDirectory) {
+  const auto inWorkingDirectory = std::filesystem::current_path().string() + "/a";
+  Load(Saved(inWorkingDirectory, 1) + Saved("a", 2));
+  EXPECT_EQ(expectation_.TakeFor({.file = "a"})->status, 1);
+  EXPECT_EQ(expectation_.TakeFor({.file = "a"})->status, 2);
+  EXPECT_EQ(Left(), "");
+}
+
+TEST_F(Expectation, IsSavedWithPathsRelativeToItsFile) {
+  EXPECT_EQ(ParseSurveyRow(expectation_.RowToSave({.file = directory_.Path() + "/./b/a"}))->file,
+            "b/a");
+}
+
+TEST(AreSame, IgnoresThePath) {
+  EXPECT_TRUE(AreSame({.file = "a"}, {.file = "./a"}));
+}
+
+TEST(AreSame, IsFalseForAnotherPlan) {
+  const SurveyRow a{.file = "a", .plan = PlanSummary{.priority = 20}};
+  auto b = a;
+  b.plan->priority = 21;
+  EXPECT_FALSE(AreSame(a, b));
+  b = a;
+  b.plan->options = "-noreset";
+  EXPECT_FALSE(AreSame(a, b));
 }
 
 TEST(AreSame, TellsNumbersOfDifferentKindsApart) {

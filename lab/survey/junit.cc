@@ -1,31 +1,12 @@
 #include <string>
 #include <string_view>
 
-#include "lab/support/messages.h"
 #include "lab/survey/format.h"
 #include "lab/survey/text.h"
-#include "value/unicode/utf8.h"
+#include "lab/survey/xml_text.h"
 
 namespace fernwick::lab {
 namespace {
-
-// As the text of an element or, in double quotes, of an attribute.
-std::string XmlText(std::string_view text) {
-  const auto printable = PrintableText(text);
-  std::string escaped;
-  for (std::string_view rest = printable; !rest.empty();) {
-    const auto [character, length] = DecodeUtf8(rest);
-    switch (character) {
-      case U'&': escaped += "&amp;"; break;
-      case U'<': escaped += "&lt;"; break;
-      case U'>': escaped += "&gt;"; break;
-      case U'"': escaped += "&quot;"; break;
-      default: AppendUtf8(escaped, IsTextCharacter(character) ? character : ReplacementCharacter);
-    }
-    rest.remove_prefix(length);
-  }
-  return escaped;
-}
 
 std::string Begin(const SurveyRow& row) {
   return "    <testcase classname=\"" + XmlText(row.board.value_or("-")) + "\" name=\"" +

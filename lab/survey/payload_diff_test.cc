@@ -15,6 +15,8 @@ using testing::List;
 using testing::With;
 using testing::Without;
 
+using Texts = std::vector<std::string>;
+
 const Record Personality = {{"Version", 9},
                             {"Firmware", "a.bin"},
                             {"Priority", 20},
@@ -36,11 +38,13 @@ class PayloadDiff : public ::testing::Test {
         {{"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}, {"Version", 5}, {"Address", 56}});
   }
 
-  ToolRun RunWith(const Record& configuration) {
+  static ToolRun RunOf(const testing::Computer& computer, const Record& configuration) {
     const testing::TemporaryDirectory payload;
     payload.Write("Fernwick/Zed-42/Config.plist", WriteXmlPropertyList(Dict(configuration)));
-    return RunTool(computer_.Recorded(), ToolOptions(payload.Path(), false));
+    return RunTool(computer.Recorded(), ToolOptions(payload.Path(), false));
   }
+
+  ToolRun RunWith(const Record& configuration) { return RunOf(computer_, configuration); }
 
   std::string Changes(const Record& before, const Record& after) {
     const auto changes = FindChanges(RunWith(before), RunWith(after));
@@ -140,28 +144,64 @@ std::string Lost(const std::string& reasons) {
 
 TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
   const auto other = Usbc(With(Personality, {{"Version", 5}, {"Port Silicon Revision", 4}}));
-  const std::string reasons = R"("\"Version\" 5 is not newer than the installed 5",)"
-                              R"("\"Port Silicon Revision\" wants 4, finds 3")";
+  const std::string reasons =
+      R"("personality 1 (a.bin): \"Version\" 5 is not newer than the installed 5",)"
+      R"("personality 1 (a.bin): \"Port Silicon Revision\" wants 4, finds 3")";
   EXPECT_EQ(Changes(other, Usbc(Personality)), Gained(reasons));
   EXPECT_EQ(Changes(Usbc(Personality), other), Lost(reasons));
 }
 
 TEST_F(PayloadDiff, TellsThatThereIsNoSuchPersonality) {
-  EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
-  EXPECT_EQ(Changes({}, Usbc(Personality)), Gained(R"("there is no key \"USBC\"")"));
+  EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)),
+            Gained(R"("the old payload has no key \"USBC\"")"));
+  EXPECT_EQ(Changes({}, Usbc(Personality)), Gained(R"("the old payload has no key \"USBC\"")"));
   EXPECT_EQ(Changes({{"USBC", Dict(Personality)}}, Usbc(Personality)),
-            Gained(R"("\"USBC\" holds a dictionary, which matches nothing")"));
+            Gained(R"("\"USBC\" of the old payload is a dictionary, which matches nothing")"));
   EXPECT_EQ(Changes({{"USBC", List({})}}, Usbc(Personality)),
-            Gained("\"there is no such personality\""));
-  EXPECT_EQ(Changes({{"USBC", List({1})}}, Usbc(Personality)), Gained("\"it is no dictionary\""));
+            Gained("\"the old payload has no such personality\""));
+  EXPECT_EQ(Changes({{"USBC", List({1})}}, Usbc(Personality)),
+            Gained("\"the old payload has no such personality\""));
 }
 
-// The counterpart of a personality that has moved is the one with the same image.
-TEST_F(PayloadDiff, FindsThePersonalityByItsImageFirst) {
+// Of personalities with the same purpose, the counterpart is the one with the same image.
+TEST_F(PayloadDiff, FindsThePersonalityOfTheSamePurposeAndImage) {
   const auto never = Without(With(Personality, {{"Firmware", "b.bin"}}), "Version");
   const auto old = With(Personality, {{"Version", 4}});
   EXPECT_EQ(Changes({{"USBC", List({Dict(never), Dict(old)})}}, Usbc(Personality)),
-            Gained(R"("\"Version\" 4 is not newer than the installed 5")"));
+            Gained(R"("personality 2 (a.bin): \"Version\" 4 is not newer than the installed 5")"));
+}
+
+// A release that renames every image, adds a personality and raises a minimum.
+TEST_F(PayloadDiff, NamesThePersonalityOfTheSamePurpose) {
+  const auto at = [](int address, const char* image, const Record& more = {}) {
+    auto record = With(Personality, {{"Port Address", address}, {"Firmware", image}});
+    record.Merge(Dictionary(more));
+    return Dict(record);
+  };
+  const auto pilot =
+      Dict(With(Personality, {{"Port UUID", List({"5F1C"})}, {"Firmware", "pilot-11.bin"}}));
+  const Record before = {{"USBC", List({at(1, "left-10.bin"), at(56, "right-10.bin")})}};
+  const Record after = {{"USBC", List({pilot, at(1, "left-11.bin"),
+                                       at(56, "right-11.bin", {{"Existing Min Version", 6}})})}};
+  const auto changes = Changes(before, after);
+  EXPECT_NE(changes.find(R"("reasons":["personality 3 (right-11.bin): \"Existing Min Version\" )"
+                         R"(6 is above the installed 5"])"),
+            std::string::npos)
+      << changes;
+  // The same personalities the other way round, for a port that the pilot alone takes.
+  testing::Computer other;
+  other.SetBoard("Zed-42", 3);
+  other.AddPort("hpm0", {{"Vendor ID", 1},
+                         {"Device ID", 2},
+                         {"Revision ID", 3},
+                         {"Version", 5},
+                         {"Address", 2},
+                         {"UUID", "5F1C"}});
+  const auto reasons = [&](const Record& from, const Record& to) {
+    return FindChanges(RunOf(other, from), RunOf(other, to)).at(1).reasons;
+  };
+  EXPECT_EQ(reasons(before, after), Texts{"the old payload has no such personality"});
+  EXPECT_EQ(reasons(after, before), Texts{"the new payload has no such personality"});
 }
 
 TEST_F(PayloadDiff, TellsWhyThereIsNoPlan) {

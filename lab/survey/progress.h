@@ -11,11 +11,11 @@ namespace fernwick::lab {
 std::string ProgressText(std::size_t done, std::optional<std::size_t> total,
                          std::chrono::milliseconds elapsed);
 
-/// One line on standard error that says how far a long run has come. Where that is no terminal,
-/// nothing is ever written.
+/// One line on standard error with the progress of a long run. Where that is not a terminal,
+/// nothing is written.
 class Progress {
  public:
-  /// The total is not known for certain; none when it is not known at all.
+  /// The total is an estimate; empty when it is unknown.
   explicit Progress(std::optional<std::size_t> total);
   ~Progress() { Clear(); }
   Progress(const Progress&) = delete;
@@ -24,10 +24,10 @@ class Progress {
   /// Whether there is a terminal to show it.
   static bool IsShown();
 
-  /// One more is done. Shows it, a few times a second at most.
+  /// Counts one more, and shows it a few times a second at most.
   void Step();
 
-  /// Takes the line away, so that something else can be written.
+  /// Erases the line, so that something else can be written.
   void Clear();
 
  private:

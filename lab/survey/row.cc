@@ -22,13 +22,22 @@ Json MatchToJson(const SurveyMatch& match) {
           {"portAddress", match.portAddress},
           {"installed", match.installed},
           {"version", match.version},
-          {"image", match.image}};
+          {"image", match.image},
+          {"imageMissing", match.isImageMissing}};
 }
 
-// Reads the members of an object and remembers whether each was there and of its kind.
+// Reads the members of an object and remembers whether each was there and of the right kind.
 class Members {
  public:
   explicit Members(const Json& object) : object_(object), sound_(object.is_object()) {}
+
+  bool Has(const char* key) const { return sound_ && object_.contains(key); }
+
+  bool Boolean(const char* key) {
+    const auto value = Any(key);
+    sound_ = sound_ && value.is_boolean();
+    return sound_ && value.get<bool>();
+  }
 
   // Null when it is not there.
   Json Any(const char* key) {
@@ -61,7 +70,7 @@ class Members {
     return sound_ ? value.get<std::size_t>() : 0;
   }
 
-  // What `interpret` makes of the members of each element.
+  // Each element as `interpret` reads it from its members.
   template <typename Element, typename Interpret>
   std::vector<Element> List(const char* key, Interpret interpret) {
     std::vector<Element> elements;
@@ -92,12 +101,51 @@ SurveyMatch InterpretMatch(Members& members) {
   match.installed = members.Any("installed");
   match.version = members.Any("version");
   match.image = members.Any("image");
+  if (members.Has("imageMissing")) match.isImageMissing = members.Boolean("imageMissing");
   return match;
 }
 
 DiagnosticCount InterpretDiagnostic(Members& members) {
   auto text = members.Text("text");
   return {std::move(text), members.Count("count")};
+}
+
+PlanSummary InterpretPlan(Members& members) {
+  return {.priority = static_cast<std::uint32_t>(members.Count("priority")),
+          .setNvram = members.Any("setNVRAM"),
+          .clearNvram = members.Any("clearNVRAM"),
+          .options = members.Text("options")};
+}
+
+// Null where it is not there.
+std::optional<PlanSummary> OptionalPlan(Members& members) {
+  if (!members.Has("plan")) return std::nullopt;
+  const auto value = members.Any("plan");
+  if (value.is_null()) return std::nullopt;
+  Members plan(value);
+  auto summary = InterpretPlan(plan);
+  if (!plan.AreSound()) members.Refuse();
+  return summary;
+}
+
+// Whether arrays and objects are nested deeper than in any row; printing a value is recursive.
+bool IsTooDeep(std::string_view json) {
+  constexpr std::size_t MaxDepth = 1024;
+  std::size_t depth = 0;
+  bool isInText = false;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    const char c = json[i];
+    if (isInText && c == '\\') {
+      ++i;
+    } else if (c == '"') {
+      isInText = !isInText;
+    } else if (!isInText && (c == '[' || c == '{')) {
+      if (++depth > MaxDepth) return true;
+    } else if (!isInText && (c == ']' || c == '}') && depth > 0) {
+      --depth;
+    }
+  }
+  return false;
 }
 
 Outcome InterpretOutcome(Members& members) {
@@ -126,10 +174,12 @@ Json ToJson(const SurveyRow& row) {
           {"board", OrNull(row.board)},
           {"revision", OrNull(row.revision)},
           {"matches", std::move(matches)},
-          {"diagnostics", std::move(diagnostics)}};
+          {"diagnostics", std::move(diagnostics)},
+          {"plan", row.plan ? ToJson(*row.plan) : Json(nullptr)}};
 }
 
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
+  if (IsTooDeep(json)) return std::nullopt;
   const auto parsed = Json::parse(json, nullptr, false);
   Members members(parsed);
   SurveyRow row;
@@ -141,19 +191,20 @@ std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   row.revision = members.OptionalInteger("revision");
   row.matches = members.List<SurveyMatch>("matches", InterpretMatch);
   row.diagnostics = members.List<DiagnosticCount>("diagnostics", InterpretDiagnostic);
+  row.plan = OptionalPlan(members);
   if (!members.AreSound()) return std::nullopt;
   return row;
 }
 
 std::vector<DiagnosticCount> CountLines(std::string_view text) {
   std::vector<DiagnosticCount> counts;
-  std::map<std::string_view, std::size_t> places;
+  std::map<std::string_view, std::size_t> indexes;
   while (!text.empty()) {
     const auto end = text.find('\n');
     const auto line = text.substr(0, end);
-    const auto [place, isNew] = places.emplace(line, counts.size());
+    const auto [index, isNew] = indexes.emplace(line, counts.size());
     if (isNew) counts.push_back({std::string(line), 0});
-    ++counts[place->second].count;
+    ++counts[index->second].count;
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
   }
   return counts;

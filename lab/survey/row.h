@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "lab/support/json_values.h"
+#include "lab/survey/plan_summary.h"
 
 namespace fernwick::lab {
 
-/// What became of one computer.
+/// The result of one computer.
 enum class Outcome {
   Plan,
   NoPlan,
@@ -31,6 +32,7 @@ struct SurveyMatch {  // NOLINT: Json moves without exceptions, whatever it is m
   Json installed;  // the controller's version
   Json version;    // the new one
   Json image;
+  bool isImageMissing = false;  // the payload has no such file
 };
 
 /// A line of standard error and how often it came.
@@ -48,13 +50,15 @@ struct SurveyRow {
   std::optional<std::string> board = {};
   std::optional<int> revision = {};
   std::vector<SurveyMatch> matches = {};          // in the order of the plan
-  std::vector<DiagnosticCount> diagnostics = {};  // each by its first place
+  std::vector<DiagnosticCount> diagnostics = {};  // in the order of their first lines
+  std::optional<PlanSummary> plan = {};           // empty without a plan
 };
 
 /// In JSON, all keys always there and in the same order.
 Json ToJson(const SurveyRow& row);
 
-/// A row from its JSON, such as one of an earlier survey. None when it is none.
+/// A row from its JSON, such as one of an earlier survey: one that was saved before rows had
+/// "imageMissing" and "plan" lacks them. Empty when it is not a row, or nested too deep to be one.
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json);
 
 /// Counts the lines of a text. The last may lack its line feed.

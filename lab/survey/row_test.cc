@@ -5,11 +5,13 @@
 namespace fernwick::lab {
 namespace {
 
-// A row with something in every place, in JSON.
+// A row with a value for every key, in JSON.
 constexpr char Full[] =
     R"({"file":"a","outcome":"plan","status":0,"reason":"r","board":"Zed-1","revision":255,)"
     R"("matches":[{"type":"USBC","rid":18446744073709551615,"portAddress":-1,"installed":1.5,)"
-    R"("version":{"real":"nan"},"image":"x\u0000"}],"diagnostics":[{"text":"** t","count":2}]})"
+    R"("version":{"real":"nan"},"image":"x\u0000","imageMissing":true}],"diagnostics":[{"text":"** t","count":2}],)"
+    R"("plan":{"priority":2147483647,"setNVRAM":{"a":{"data":"5a"}},"clearNVRAM":["b"],)"
+    R"("options":"-noreset"}})"
     "\n";
 
 std::string Without(std::string text, const std::string& part) {
@@ -25,7 +27,7 @@ TEST(SurveyRow, IsTheSameAfterPassingThroughJson) {
 TEST(SurveyRow, OfNothingHasEveryKey) {
   EXPECT_EQ(PrintJsonRow(ToJson(SurveyRow{.file = "a"})),
             "{\"file\":\"a\",\"outcome\":\"no plan\",\"status\":null,\"reason\":null,"
-            "\"board\":null,\"revision\":null,\"matches\":[],\"diagnostics\":[]}\n");
+            "\"board\":null,\"revision\":null,\"matches\":[],\"diagnostics\":[],\"plan\":null}\n");
 }
 
 TEST(SurveyRow, HasANameForEveryOutcome) {
@@ -41,9 +43,23 @@ TEST(SurveyRow, OfWhichAKeyIsMissingIsNone) {
   for (const char* part :
        {"\"file\":\"a\",", "\"outcome\":\"plan\",", "\"status\":0,", "\"reason\":\"r\",",
         "\"board\":\"Zed-1\",", "\"revision\":255,", "\"type\":\"USBC\",", "\"portAddress\":-1,",
-        "\"installed\":1.5,", "\"version\":{\"real\":\"nan\"},", "\"text\":\"** t\","}) {
+        "\"installed\":1.5,", "\"version\":{\"real\":\"nan\"},", "\"text\":\"** t\",",
+        "\"priority\":2147483647,", "\"clearNVRAM\":[\"b\"],"}) {
     EXPECT_FALSE(ParseSurveyRow(Without(Full, part)).has_value()) << part;
   }
+}
+
+TEST(SurveyRow, OfAnEarlierVersionLacksThePlanAndWhetherImagesAreThere) {
+  const auto plan = std::string(Full).substr(std::string(Full).find(",\"plan\""));
+  const auto row = ParseSurveyRow(Without(Without(Full, ",\"imageMissing\":true"), plan) + "}");
+  ASSERT_TRUE(row.has_value());
+  EXPECT_FALSE(row->matches[0].isImageMissing);
+  EXPECT_FALSE(row->plan.has_value());
+}
+
+TEST(SurveyRow, MayContainBracketsInText) {
+  const auto json = PrintJsonRow(ToJson(SurveyRow{.file = "\"\\" + std::string(5000, '[')}));
+  EXPECT_TRUE(ParseSurveyRow(json).has_value());
 }
 
 TEST(SurveyRow, OfAnotherShapeIsNone) {

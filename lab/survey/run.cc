@@ -5,6 +5,7 @@
 
 #include "lab/recordings/recording_file.h"
 #include "lab/support/tool_run.h"
+#include "platform/file_system.h"
 #include "registry/board_identity.h"
 
 namespace fernwick::lab {
@@ -16,13 +17,15 @@ Outcome OutcomeOf(const RunResult& result) {
   return result.status == ExitStatus::PlanPrinted ? Outcome::Plan : Outcome::NoPlan;
 }
 
-SurveyMatch MatchOf(const MatchedPair& pair) {
+SurveyMatch MatchOf(const MatchedPair& pair, const ToolRun& run, const Options& options) {
+  const auto path = ImagePath(pair, run, options.personalitiesDirectory);
   return {.type = std::string(pair.key->key),
           .rid = ToJson(pair.match->Find("RID")),
           .portAddress = ToJson(pair.Controller().Find("Port Address")),
           .installed = ToJson(pair.Controller().Find("Version")),
           .version = ToJson(pair.match->Find("Version")),
-          .image = ToJson(pair.match->Find("Firmware"))};
+          .image = ToJson(pair.match->Find("Firmware")),
+          .isImageMissing = path && !PathExists(*path)};
 }
 
 SurveyRow Refused(const std::string& path, const LabError& error) {
@@ -51,8 +54,11 @@ SurveyRow SurveyComputer(const Selected& selected, const Options& options) {
     return row;
   }
   row.status = run.result.status;
-  for (const auto& pair : MatchedPairs(run)) row.matches.push_back(MatchOf(pair));
+  for (const auto& pair : MatchedPairs(run)) {
+    row.matches.push_back(MatchOf(pair, run, options));
+  }
   row.diagnostics = CountLines(run.standardError);
+  row.plan = SummaryOfPlan(run);
   return row;
 }
 

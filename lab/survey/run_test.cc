@@ -52,43 +52,57 @@ TEST_F(SurveyRun, HasInItsRowTheControllersValuesAndThePlans) {
   EXPECT_EQ(Survey({path}),
             head + R"("outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
                    R"("matches":[{"type":"LegacyUSBC","rid":2,"portAddress":56,"installed":4,)"
-                   R"("version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
-                   R"("** Min firmware version not met.  Aborting","count":2}]})"
+                   R"("version":9,"image":"f.bin","imageMissing":true}],"diagnostics":[{"text":)"
+                   R"("** Min firmware version not met.  Aborting","count":2}],"plan":)"
+                   R"({"priority":0,"setNVRAM":{},"clearNVRAM":[],"options":)"
+                   R"("-g -os -o u -f efi-quince-payload0-data -noreset"}})"
                    "\n");
 }
 
 TEST_F(SurveyRun, WithTheVersionBypassTakesAnyVersion) {
   const auto path = Write(Port(""));
-  EXPECT_EQ(Survey({path}, true),
-            "{\"file\":\"" + path +
-                R"(","outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
-                R"("matches":[{"type":"LegacyUSBC","rid":null,"portAddress":null,)"
-                R"("installed":null,"version":9,"image":"f.bin"}],"diagnostics":[{"text":)"
-                R"("** No current firmware version?","count":1}]})"
-                "\n");
+  EXPECT_EQ(
+      Survey({path}, true),
+      "{\"file\":\"" + path +
+          R"(","outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
+          R"("matches":[{"type":"LegacyUSBC","rid":null,"portAddress":null,)"
+          R"("installed":null,"version":9,"image":"f.bin","imageMissing":true}],"diagnostics":[{"text":)"
+          R"("** No current firmware version?","count":1}],"plan":)"
+          R"({"priority":0,"setNVRAM":{},"clearNVRAM":[],"options":)"
+          R"("-g -os -o u -f efi-quince-payload0-data -noreset"}})"
+          "\n");
+}
+
+TEST_F(SurveyRun, SaysWhetherThePlannedImageIsThere) {
+  const auto path = Write(Port("<key>Version</key><integer>4</integer>"));
+  EXPECT_NE(Survey({path}).find("\"imageMissing\":true"), std::string::npos);
+  directory_.Write("payload/Fernwick/Zed-1/f.bin", "");
+  EXPECT_NE(Survey({path}).find("\"imageMissing\":false"), std::string::npos);
 }
 
 TEST_F(SurveyRun, OfARefusedRecordingHasTheReason) {
   const auto path = directory_.Write("a.registry.plist", "<dict/>");
-  EXPECT_EQ(Survey({path}),
-            "{\"file\":\"" + path +
-                R"(","outcome":"refused","status":65,"reason":"\"Recording Version\" is )"
-                R"(missing","board":null,"revision":null,"matches":[],"diagnostics":[]})"
-                "\n");
+  EXPECT_EQ(
+      Survey({path}),
+      "{\"file\":\"" + path +
+          R"(","outcome":"refused","status":65,"reason":"\"Recording Version\" is )"
+          R"(missing","board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
+          "\n");
 }
 
 TEST_F(SurveyRun, ThatEndsAbnormallyHasItsBoardAndNothingElse) {
   const auto path = directory_.Write("a.registry.plist", testing::FaultyRecording());
-  EXPECT_EQ(Survey({path}), "{\"file\":\"" + path +
-                                R"(","outcome":"abnormal end","status":null,"reason":"SIGABRT",)"
-                                R"("board":null,"revision":0,"matches":[],"diagnostics":[]})"
-                                "\n");
+  EXPECT_EQ(Survey({path}),
+            "{\"file\":\"" + path +
+                R"(","outcome":"abnormal end","status":null,"reason":"SIGABRT",)"
+                R"("board":null,"revision":0,"matches":[],"diagnostics":[],"plan":null})"
+                "\n");
 }
 
 TEST_F(SurveyRun, OfWhatTheSelectionRefusedIsUnreadable) {
   EXPECT_EQ(Survey({"a", "Permission denied"}),
             R"({"file":"a","outcome":"refused","status":66,"reason":"Permission denied",)"
-            R"("board":null,"revision":null,"matches":[],"diagnostics":[]})"
+            R"("board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
             "\n");
 }
 

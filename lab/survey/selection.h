@@ -1,49 +1,42 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lab/survey/directory_walk.h"
+#include "lab/survey/input_list.h"
 
 namespace fernwick::lab {
 
 /// The recordings that a command line selects, in its order: a directory selects every
-/// "*.registry.plist" below it, "-" the paths, of either, that standard input has, one a line
-/// (empty lines aside), and any other argument itself.
+/// "*.registry.plist" below it, "-" the paths, of either, that standard input lists, and any other
+/// argument itself.
 class Selection {
  public:
-  explicit Selection(std::vector<std::string> arguments);
-  ~Selection();
-  Selection(const Selection&) = delete;
-  Selection& operator=(const Selection&) = delete;
+  explicit Selection(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
 
-  /// Waits for standard input. None at the end.
+  /// Waits for standard input. Empty at the end.
   std::optional<Selected> Next();
 
   /// From any thread: standard input ends here, also for a Next that waits for it.
-  void Stop();
+  void Stop() { input_.Stop(); }
 
  private:
   std::optional<Selected> Select(std::string path);
   std::optional<Selected> NextOfInput();
-  std::optional<std::string> NextLine();
-  bool ReadMore();
+  bool IsNamed(const Selected& selected) const;
 
   std::vector<std::string> arguments_;
   std::size_t next_ = 0;
   std::optional<DirectoryWalk> walk_;
-  int stop_;  // a descriptor that is readable after Stop
-
-  // Standard input, while it is read.
   bool readsInput_ = false;
-  bool hasInputEnded_ = false;
-  std::string unread_;     // from taken_ on
-  std::size_t taken_ = 0;  // bytes of unread_ that are not any more
-  std::string inputError_;
+  InputList input_;
 };
 
-/// How many there are; none when standard input is among the arguments, whose end is not known.
+/// How many there are; empty when standard input is among the arguments, whose end is not known.
 std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments);
 
 }  // namespace fernwick::lab

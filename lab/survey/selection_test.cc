@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <climits>
 #include <thread>
 
 #include "testing/inputs/corruption.h"
@@ -83,16 +84,70 @@ Paths LinesOf(const std::string& text) {
 }
 
 TEST(Selection, TakesEveryLineThatIsNotEmpty) {
-  EXPECT_EQ(LinesOf("/a\n\n/b b\r\n\n /c"), (Paths{"/a", "/b b\r", " /c"}));
+  EXPECT_EQ(LinesOf("/a\n\n/b b\r\n\n /c"), (Paths{"/a", "/b b", " /c"}));
   EXPECT_EQ(LinesOf("/a\n"), Paths{"/a"});
   EXPECT_EQ(LinesOf("\n\n"), Paths{});
   EXPECT_EQ(LinesOf(""), Paths{});
 }
 
-TEST(Selection, TakesLinesOfAnyLengthInAnyNumber) {
-  const std::string large(200'000, 'x');
-  EXPECT_EQ(LinesOf(large + "\n/y\n" + large), (Paths{large, "/y", large}));
+TEST(Selection, ReadsLinesInAnyNumber) {
   EXPECT_EQ(LinesOf(testing::Repeated("/line\n", 50'000)).size(), 50'000u);
+}
+
+TEST(Selection, ReadsCrlfLineEnds) {
+  EXPECT_EQ(LinesOf("/a\r\n\r\n/b\r\r\n/c\rd\n/e\r"), (Paths{"/a", "/b\r", "/c\rd", "/e\r"}));
+}
+
+std::string Separated(const Paths& paths) {
+  std::string text;
+  for (const auto& path : paths) text += path + '\0';
+  return text;
+}
+
+TEST(Selection, ReadsPathsThatNulCharactersSeparate) {
+  EXPECT_EQ(LinesOf(Separated({"/a b", "/c\nd", "/e\r"}) + "/f\n"),
+            (Paths{"/a b", "/c\nd", "/e\r", "/f\n"}));
+  const std::string longest(PATH_MAX, 'x');
+  EXPECT_EQ(LinesOf(testing::Repeated(Separated({longest}), 100)).size(), 100u);
+}
+
+TEST(Selection, RefusesAnEmptyPathBetweenNulCharacters) {
+  testing::StandardInputPipe input;
+  input.Write(Separated({"/a", "", "/b"}));
+  Selection selection({"-", "/end"});
+  EXPECT_EQ(selection.Next(), Selected{"/a"});
+  EXPECT_EQ(selection.Next(),
+            (Selected{"-", "an empty path in a list that NUL characters separate", true}));
+  EXPECT_EQ(Rest(selection), Paths{"/end"});
+}
+
+TEST(Selection, RefusesAPathThatIsTooLong) {
+  const std::string longest(PATH_MAX, 'x');
+  EXPECT_EQ(LinesOf(longest + "\r\n" + longest + "\n" + longest),
+            (Paths{longest, longest, longest}));
+  const auto error = "a path of more than " + std::to_string(PATH_MAX) + " bytes";
+  for (const std::string end : {"", "\n", "\r\n", "xx", "\n/more"}) {
+    testing::StandardInputPipe input;
+    input.Write("/a\n" + longest + "x" + end);
+    if (end != "xx") input.End();
+    Selection selection({"-", "/end"});
+    EXPECT_EQ(selection.Next(), Selected{"/a"});
+    EXPECT_EQ(selection.Next(), (Selected{"-", error, true}));
+    EXPECT_EQ(Rest(selection), Paths{"/end"});
+  }
+}
+
+TEST(Selection, MarksWhatTheCommandLineNames) {
+  const testing::TemporaryDirectory directory;
+  const auto a = directory.Write("a.registry.plist", "");
+  testing::StandardInputPipe input;
+  input.Write("/listed\n");
+  input.End();
+  Selection selection({"/named", directory.Path(), "-", a});
+  EXPECT_EQ(selection.Next(), (Selected{"/named", "", true}));
+  EXPECT_EQ(selection.Next(), Selected{a});
+  EXPECT_EQ(selection.Next(), Selected{"/listed"});
+  EXPECT_EQ(selection.Next(), (Selected{a, "", true}));
 }
 
 TEST(Selection, OfAnInputThatCannotBeReadSaysWhy) {
@@ -101,7 +156,7 @@ TEST(Selection, OfAnInputThatCannotBeReadSaysWhy) {
   dup2(unreadable, STDIN_FILENO);
   close(unreadable);
   Selection selection({"-", "/end"});
-  EXPECT_EQ(selection.Next(), (Selected{"-", "Bad file descriptor"}));
+  EXPECT_EQ(selection.Next(), (Selected{"-", "Bad file descriptor", true}));
   EXPECT_EQ(Rest(selection), Paths{"/end"});
 }
 

@@ -1,17 +1,22 @@
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
+#include "lab/support/output_file.h"
 #include "lab/support/tool_run.h"
+#include "lab/support/words.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/expectation.h"
 #include "lab/survey/format.h"
 #include "lab/survey/run.h"
-#include "lab/survey/totals.h"
+#include "lab/survey/survey_report.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -25,11 +30,16 @@ constexpr char Description[] =
 std::string Footer() {
   return std::string(SelectionHelp) +
          "\nThe order is that of the selection, whatever the number of jobs. The totals, with the "
-         "count of\neach diagnostic over all computers, stand below the table, and on standard "
-         "error for every other\nformat.\n\n"
-         "Status: 0 every computer has its row, 1 some rows differ from those of --expect.\n\n"
+         "count of\neach diagnostic over all computers, follow the table, and are on standard "
+         "error for every other\nformat. ndjson has the whole plan of each computer.\n\n"
+         "The paths of the rows in the file of --expect are relative to that file; - is standard\n"
+         "input. --update writes the file again, whole or not at all, and creates it.\n\n"
+         "Status, after all rows: 65 or 66 when a RECORDING that is named on the command line is\n"
+         "refused or cannot be read (with --expect: no such status); 1 when there is an outcome "
+         "of\n"
+         "--fail-on or, without --update, a row differs from that of --expect; otherwise 0.\n\n"
          "Example:\n"
-         "  fernwick-lab survey -p payload --format ndjson computers/ > saved.ndjson\n"
+         "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n";
 }
 
@@ -39,33 +49,82 @@ struct SurveyOptions {
   BatchOptions batch;
   std::string format = "table";
   std::optional<std::string> expectation;
+  bool updates = false;
+  std::optional<std::string> failOnList;
+  std::vector<Outcome> failOn = {};
 };
+
+// The outcomes that --fail-on can name.
+constexpr std::array<std::pair<std::string_view, Outcome>, 3> FailingOutcomes = {
+    {{"refused", Outcome::Refused},
+     {"abnormal", Outcome::AbnormalEnd},
+     {"no-plan", Outcome::NoPlan}}};
+
+// Reads "refused,abnormal". Returns the word that is not an outcome; empty when all are.
+std::optional<std::string> ParseFailOn(std::string_view list, std::vector<Outcome>& outcomes) {
+  for (;;) {
+    const auto word = list.substr(0, list.find(','));
+    const auto* const found =
+        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
+    if (found == FailingOutcomes.end()) return std::string(word);
+    outcomes.push_back(found->second);
+    if (word.size() == list.size()) return std::nullopt;
+    list.remove_prefix(word.size() + 1);
+  }
+}
+
+std::vector<Argument> Arguments(SurveyOptions& options) {
+  return {
+      {.name = "-p,--payload",
+       .target = &options.payload,
+       .help = "the payload directory",
+       .least = 1,
+       .valueName = "PAYLOAD"},
+      {.name = "--bypassVersion", .target = &options.bypassVersion, .help = "as the tool's own"},
+      {.name = "--format",
+       .target = &options.format,
+       .help = "table, ndjson, csv or junit",
+       .valueName = "FORMAT",
+       .choices = {"table", "ndjson", "csv", "junit"}},
+      {.name = "--expect",
+       .target = &options.expectation,
+       .help = "print the differences from a survey saved as ndjson",
+       .valueName = "FILE"},
+      {.name = "--update",
+       .target = &options.updates,
+       .help = "save this survey as the file of --expect"},
+      {.name = "--fail-on",
+       .target = &options.failOnList,
+       .help = "status 1 on any of these outcomes: refused, abnormal, no-plan",
+       .valueName = "OUTCOME,..."},
+  };
+}
+
+// What is wrong with the options together; empty when nothing is.
+std::string Check(SurveyOptions& options) {
+  const auto word =
+      options.failOnList ? ParseFailOn(*options.failOnList, options.failOn) : std::nullopt;
+  if (word) return "--fail-on: \"" + *word + "\" is not one of refused, abnormal, no-plan";
+  const bool readsInput = options.expectation == "-";
+  if (readsInput && std::ranges::find(options.batch.paths, "-") != options.batch.paths.end()) {
+    return "standard input cannot be both the recordings and --expect";
+  }
+  if (!options.updates) return "";
+  if (!options.expectation) return "--update needs --expect FILE";
+  return readsInput ? "--update needs a file, not standard input" : "";
+}
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptions& options) {
   CommandLine line = {.verb = "survey",
                       .description = Description,
                       .footer = Footer(),
-                      .arguments = {
-                          {.name = "-p,--payload",
-                           .target = &options.payload,
-                           .help = "the payload directory",
-                           .least = 1,
-                           .valueName = "PAYLOAD"},
-                          {.name = "--bypassVersion",
-                           .target = &options.bypassVersion,
-                           .help = "as the tool's own"},
-                          {.name = "--format",
-                           .target = &options.format,
-                           .help = "table, ndjson, csv or junit",
-                           .valueName = "FORMAT",
-                           .choices = {"table", "ndjson", "csv", "junit"}},
-                          {.name = "--expect",
-                           .target = &options.expectation,
-                           .help = "print the differences from a survey saved as ndjson",
-                           .valueName = "FILE"},
-                      }};
+                      .arguments = Arguments(options)};
   AddBatchOptions(line, options.batch);
-  return ParseCommandLine(line, argumentCount, arguments);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return status;
+  const auto error = Check(options);
+  if (error.empty()) return std::nullopt;
+  PrintError(error + "; see fernwick-lab survey --help");
+  return LabStatus::BadUsage;
 }
 
 std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& console) {
@@ -76,66 +135,37 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& 
   return MakeTableFormat(console, isComparison);
 }
 
-// A survey on its way into a format, compared with what is expected of it, if anything is.
-class SurveyReport {
- public:
-  SurveyReport(SurveyFormat& format, SurveyExpectation* expectation)
-      : format_(format), expectation_(expectation) {}
+int UpdateExpectation(const std::string& path, const SurveyReport& report) {
+  const auto error = WriteOutputFile(path, report.SavedRows());
+  if (!error.empty()) return PrintError(path, {{error}, LabStatus::OutputLost});
+  ProcessConsole().WriteError(PrintableText(path) + ": " +
+                              Counted(report.Computers(), "row", "rows") + " saved\n");
+  return LabStatus::Done;
+}
 
-  // The text to Add with the row. May be called on any thread.
-  std::string TextOf(const SurveyRow& row) const {
-    return expectation_ == nullptr ? format_.RowText(row) : std::string();
-  }
-
-  void Add(const SurveyRow& row, const std::string& text) {
-    totals_.Add(row);
-    if (expectation_ == nullptr) return format_.Add(text);
-    const auto expected = expectation_->TakeFor(row);
-    if (!expected) return Differ({nullptr, &row}, additional_);
-    if (!AreSame(*expected, row)) return Differ({&*expected, &row}, changed_);
-    format_.Add(format_.ExpectedText(row));
-  }
-
-  void Finish() {
-    if (expectation_ == nullptr) {
-      return format_.Finish(totals_.Computers(),
-                            totals_.Count(Outcome::Refused) + totals_.Count(Outcome::AbnormalEnd));
-    }
-    expectation_->ForEachLeft([this](const SurveyRow& row) { Differ({&row, nullptr}, missing_); });
-    format_.Finish(totals_.Computers() + missing_, changed_ + additional_ + missing_);
-  }
-
-  std::string Totals() const {
-    if (expectation_ == nullptr) return Describe(totals_);
-    return Describe(totals_) + "not as expected: " + std::to_string(changed_) + " changed, " +
-           std::to_string(additional_) + " additional, " + std::to_string(missing_) + " missing\n";
-  }
-
-  int Status() const { return changed_ + additional_ + missing_ == 0 ? 0 : 1; }
-
- private:
-  void Differ(const SurveyDifference& difference, std::size_t& count) {
-    ++count;
-    format_.Add(format_.DifferenceText(difference));
-  }
-
-  SurveyFormat& format_;
-  SurveyExpectation* expectation_;
-  SurveyTotals totals_;
-  std::size_t changed_ = 0;
-  std::size_t additional_ = 0;
-  std::size_t missing_ = 0;
-};
+// `refusal` is the status of the first named recording that was refused.
+int StatusOf(const SurveyOptions& options, const SurveyReport& report, int refusal) {
+  if (!options.expectation && refusal != LabStatus::Done) return refusal;
+  const auto happened = [&](Outcome outcome) { return report.Count(outcome) > 0; };
+  const bool fails = std::ranges::any_of(options.failOn, happened);
+  return fails || (!options.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
+}
 
 int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   ProcessConsole console;
   const auto format = MakeFormat(options, console);
-  SurveyReport report(*format, expectation);
+  SurveyReport report(*format, expectation, options.updates);
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
+  int refusal = LabStatus::Done;
   const auto work = [&](const Selected& selected) -> std::function<void()> {
     auto row = SurveyComputer(selected, toolOptions);
     auto text = report.TextOf(row);
-    return [&report, row = std::move(row), text = std::move(text)] { report.Add(row, text); };
+    return [&, isNamed = selected.isNamed, row = std::move(row), text = std::move(text)] {
+      if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
+        refusal = row.status.value();
+      }
+      report.Add(row, text);
+    };
   };
   const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;
@@ -144,7 +174,11 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   if (isTable) console.Write(report.Totals());
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!isTable) console.WriteError(report.Totals());
-  return report.Status();
+  if (options.updates) {
+    const int lost = UpdateExpectation(*options.expectation, report);
+    if (lost != LabStatus::Done) return lost;
+  }
+  return StatusOf(options, report, refusal);
 }
 
 }  // namespace
@@ -154,8 +188,9 @@ VerbEnd Survey(int argumentCount, char* const arguments[]) {
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;
   if (!options.expectation) return RunSurvey(options, nullptr);
-  SurveyExpectation expectation;
-  const auto error = expectation.Load(*options.expectation);
+  SurveyExpectation expectation(*options.expectation);
+  if (options.updates && !expectation.Exists()) return RunSurvey(options, &expectation);
+  const auto error = expectation.Load();
   return error ? PrintError(*options.expectation, *error) : RunSurvey(options, &expectation);
 }
 

@@ -17,8 +17,8 @@ using Cells = std::array<std::string, ColumnCount>;
 const Cells Names = {"FILE", "BOARD", "REV",       "STATUS",  "TYPE",
                      "RID",  "PORT",  "INSTALLED", "VERSION", "IMAGE"};
 
-// A line of a text is either cells with a tab before each or a text across the columns. No text
-// that is safe to show contains a tab.
+// A line is either cells with a tab before each, or a text across the columns. No text that is safe
+// to show contains a tab.
 constexpr char Separator = '\t';
 
 std::size_t CharacterCount(std::string_view text) {
@@ -40,7 +40,7 @@ void SetMatch(Cells& cells, const SurveyMatch& match) {
   cells[9] = CellText(match.image);
 }
 
-// The lines of one row that the other lacks are between what both begin and end with.
+// The lines of one row that the other lacks: all between their common first and last lines.
 struct ChangedLines {
   std::size_t begin;
   std::size_t expectedEnd;
@@ -67,8 +67,8 @@ std::string CellsLine(const Cells& cells) {
   return line + "\n";
 }
 
-// Takes the cells off the line.
-Cells TakeCells(std::string_view& line) {
+// Removes the cells from the start of the line.
+Cells RemoveCells(std::string_view& line) {
   Cells cells;
   for (auto& cell : cells) {
     line.remove_prefix(1);
@@ -105,6 +105,9 @@ class TableFormat : public SurveyFormat {
       text += CellsLine(cells);
       for (std::size_t i = 0; i < 4; ++i) cells[i].clear();
     }
+    for (const auto& match : row.matches) {
+      if (match.isImageMissing) text += "    " + MissingImageText(match) + "\n";
+    }
     if (row.outcome == Outcome::Refused) text += "    " + PrintableText(row.reason) + "\n";
     for (const auto& diagnostic : row.diagnostics) {
       text += "    " + DiagnosticText(diagnostic) + "\n";
@@ -127,7 +130,7 @@ class TableFormat : public SurveyFormat {
   void Add(const std::string& text) override {
     if (isComparison_) return Out().Write(text);
     ForEachLine(text, [this](std::string_view line) {
-      if (line.starts_with(Separator)) Widen(TakeCells(line));
+      if (line.starts_with(Separator)) Widen(RemoveCells(line));
     });
     kept_ += text;
   }
@@ -136,7 +139,7 @@ class TableFormat : public SurveyFormat {
     if (isComparison_) return;
     WriteCells(Names);
     ForEachLine(kept_, [this](std::string_view line) {
-      if (line.starts_with(Separator)) return WriteCells(TakeCells(line));
+      if (line.starts_with(Separator)) return WriteCells(RemoveCells(line));
       Out().Write(line);
       Out().Write("\n");
     });
@@ -160,7 +163,7 @@ class TableFormat : public SurveyFormat {
   }
 
   bool isComparison_;
-  std::string kept_;  // the texts of a survey that is compared with none
+  std::string kept_;  // the texts of a survey without an expectation
   std::array<std::size_t, ColumnCount> widths_ = {};
 };
 

@@ -19,7 +19,14 @@ std::string OutcomeText(const SurveyRow& row) {
 std::string MatchText(const SurveyMatch& match) {
   return PrintableText(match.type) + ": RID " + CellText(match.rid) + ", port " +
          CellText(match.portAddress) + ", " + CellText(match.installed) + " to " +
-         CellText(match.version) + ", " + CellText(match.image);
+         CellText(match.version) + ", " + CellText(match.image) +
+         (match.isImageMissing ? " (image missing)" : "");
+}
+
+std::string PlanText(const PlanSummary& plan) {
+  return "plan: priority " + std::to_string(plan.priority) + ", SetNVRAM " +
+         CellText(plan.setNvram) + ", ClearNVRAM " + CellText(plan.clearNvram) + ", options " +
+         PrintableText(plan.options);
 }
 
 }  // namespace
@@ -43,10 +50,15 @@ std::string DiagnosticText(const DiagnosticCount& diagnostic) {
   return std::to_string(diagnostic.count) + " x " + PrintableText(diagnostic.text);
 }
 
+std::string MissingImageText(const SurveyMatch& match) {
+  return "image missing: " + CellText(match.image);
+}
+
 std::vector<std::string> DescribeLines(const SurveyRow& row) {
   std::vector<std::string> lines = {OutcomeText(row)};
   for (const auto& match : row.matches) lines.push_back(MatchText(match));
   for (const auto& diagnostic : row.diagnostics) lines.push_back(DiagnosticText(diagnostic));
+  if (row.plan) lines.push_back(PlanText(*row.plan));
   return lines;
 }
 

@@ -7,20 +7,23 @@
 
 namespace fernwick::lab {
 
-/// A row in words for people, every text safe to show.
+// A row in words for people, every text safe to show.
 
-/// A value as a cell of a table has it: a text bare, "-" for null.
+/// A value as in a cell of a table: a string without quotes, "-" for null.
 std::string CellText(const Json& value);
 
-/// The status of the run, or what there is in its place: "0", "0 bypassed", "65 refused",
+/// The status of the run, or what a run without one has: "0", "0 bypassed", "65 refused",
 /// "SIGABRT".
 std::string StatusText(const SurveyRow& row);
 
 /// "2 x ** No current firmware version?"
 std::string DiagnosticText(const DiagnosticCount& diagnostic);
 
+/// "image missing: ridge-24.00.bin"
+std::string MissingImageText(const SurveyMatch& match);
+
 /// Everything but the file, a line each without its line feed: the outcome, every match, every
-/// diagnostic.
+/// diagnostic, the plan.
 std::vector<std::string> DescribeLines(const SurveyRow& row);
 
 }  // namespace fernwick::lab

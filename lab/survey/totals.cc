@@ -25,6 +25,8 @@ std::string DescribeDiagnostics(const SurveyTotals& totals) {
 void SurveyTotals::Add(const SurveyRow& row) {
   ++outcomes[static_cast<std::size_t>(row.outcome)];
   matches += row.matches.size();
+  missingImages +=
+      static_cast<std::size_t>(std::ranges::count(row.matches, true, &SurveyMatch::isImageMissing));
   for (const auto& [text, count] : row.diagnostics) {
     const auto known = diagnostics.find(text);
     if (known != diagnostics.end()) {
@@ -46,8 +48,11 @@ std::string Describe(const SurveyTotals& totals) {
   return Counted(totals.Computers(), "computer", "computers") + ": " + count(Outcome::Plan) +
          " with a plan, " + count(Outcome::NoPlan) + " without, " + count(Outcome::Bypassed) +
          " bypassed, " + count(Outcome::Refused) + " refused, " + count(Outcome::AbnormalEnd) +
-         " ended abnormally; " + Counted(totals.matches, "match", "matches") + "\n" +
-         DescribeDiagnostics(totals);
+         " ended abnormally; " + Counted(totals.matches, "match", "matches") +
+         (totals.missingImages == 0
+              ? ""
+              : ", " + std::to_string(totals.missingImages) + " without the image file") +
+         "\n" + DescribeDiagnostics(totals);
 }
 
 }  // namespace fernwick::lab

@@ -10,13 +10,14 @@
 
 namespace fernwick::lab {
 
-/// What a survey comes to.
+/// The totals of a survey.
 struct SurveyTotals {
   std::array<std::size_t, 5> outcomes = {};  // by Outcome
   std::size_t matches = 0;
+  std::size_t missingImages = 0;  // of matches whose image the payload lacks
 
-  /// How often each diagnostic came. A text that is new when there are MaxDiagnostics is only
-  /// counted in otherDiagnostics, so that memory does not grow with the number of computers.
+  /// The number of each diagnostic. Once there are MaxDiagnostics, further ones are only counted in
+  /// otherDiagnostics, so that memory does not grow with the number of computers.
   std::map<std::string, std::size_t, std::less<>> diagnostics = {};
   std::size_t otherDiagnostics = 0;
 

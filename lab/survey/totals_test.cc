@@ -28,6 +28,17 @@ TEST(SurveyTotals, HaveTheMostFrequentDiagnosticFirstAndEqualOnesByTheirText) {
             "  1 x seldom\n");
 }
 
+TEST(SurveyTotals, CountTheMatchesWithoutAnImageFile) {
+  SurveyTotals totals;
+  SurveyRow row{.file = "a", .outcome = Outcome::Plan};
+  row.matches.resize(3);
+  row.matches[1].isImageMissing = true;
+  totals.Add(row);
+  EXPECT_EQ(Describe(totals),
+            "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 3 "
+            "matches, 1 without the image file\n");
+}
+
 TEST(SurveyTotals, KeepSoManyTextsAndCountTheOthers) {
   SurveyTotals totals;
   for (std::size_t i = 0; i < SurveyTotals::MaxDiagnostics; ++i) {

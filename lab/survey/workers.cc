@@ -1,8 +1,8 @@
-// Every path has a slot in a queue, in the order of the selection. The thread that fills the first
-// slot reports it and all that follow it as far as they are filled; a thread that fills another
-// leaves its report to it and takes the next path. There are as many slots as threads need to go on
-// for a while when one path takes long, and no more, so that memory does not grow with the number
-// of paths.
+// An ordered pipeline: a thread pool with a bounded reorder buffer. Every path has a slot in a
+// queue, in the order of the selection. The thread that fills the first slot reports it and every
+// filled slot after it; a thread that fills another slot leaves its report there and fetches the
+// next path. The number of slots is bounded, so that memory does not grow with the number of paths,
+// and large enough that threads stay busy while one path is slow.
 
 #include "lab/survey/workers.h"
 
@@ -28,10 +28,10 @@ class Workers {
   bool Run() {
     std::vector<std::thread> threads;
     try {
-      while (threads.size() + 1 < jobs_) threads.emplace_back([this] { TakePaths(); });
+      while (threads.size() + 1 < jobs_) threads.emplace_back([this] { ProcessPaths(); });
     } catch (const std::system_error&) {  // no more threads
     }
-    TakePaths();
+    ProcessPaths();
     for (auto& thread : threads) thread.join();
     return !isStopped_;
   }
@@ -42,11 +42,11 @@ class Workers {
     Report* slot;
   };
 
-  void TakePaths() {
+  void ProcessPaths() {
     while (const auto task = NextTask()) Fill(*task->slot, work_(task->selected));
   }
 
-  // Waits for a free slot and for the path. None when there is nothing more to do.
+  // Waits for a free slot and for the path. Empty when there is nothing more to do.
   std::optional<Task> NextTask() {
     const std::lock_guard isNext(selectionMutex_);
     {
@@ -87,8 +87,8 @@ class Workers {
   const std::size_t jobs_;
   const Work& work_;
 
-  std::mutex selectionMutex_;  // taken before mutex_
-  std::mutex mutex_;           // of all that follows
+  std::mutex selectionMutex_;  // locked before mutex_
+  std::mutex mutex_;           // guards everything below
   std::condition_variable slotFreed_;
   std::deque<Report> slots_;  // null: not filled; their addresses stay the same
   bool isReporting_ = false;

@@ -19,7 +19,7 @@ std::string ReferenceBytes(const References& references, std::size_t width) {
   return bytes;
 }
 
-std::string CountBehind(std::uint64_t count) {
+std::string ExtendedCount(std::uint64_t count) {
   if (count <= 0xFF) return '\x10' + BigEndian(count, 1);
   if (count <= 0xFFFF) return '\x11' + BigEndian(count, 2);
   if (count <= 0xFFFFFFFF) return '\x12' + BigEndian(count, 4);
@@ -36,7 +36,7 @@ std::string BigEndian(std::uint64_t number, std::size_t width) {
 
 std::string CountedMarker(unsigned kind, std::uint64_t count) {
   if (count < CountFollows) return BigEndian(kind << 4 | count, 1);
-  return BigEndian(kind << 4 | CountFollows, 1) + CountBehind(count);
+  return BigEndian(kind << 4 | CountFollows, 1) + ExtendedCount(count);
 }
 
 std::string AsciiObject(std::string_view text) {

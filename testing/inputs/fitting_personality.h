@@ -5,7 +5,7 @@
 
 namespace fernwick::testing {
 
-/// A controller with a value under everything that any requirement check reads. The values lie in
+/// A controller with a value under everything that any requirement check reads. The values are in
 /// the middle of ValueDomain.
 inline const Record FullController = {
     {"Version", 2},

@@ -4,7 +4,7 @@
 
 namespace fernwick::testing {
 
-/// A port below a Thunderbolt controller, with a value under every key that a record can hold.
+/// A port below a Thunderbolt controller, with a value under every key that a record can have.
 inline const HardwareRecord FullPortRecord = {
     {"RID", 2},
     {"Port Silicon Vendor ID", 0x4D1},

@@ -10,7 +10,7 @@ namespace fernwick::testing {
 /// A value, and what the test of it is called.
 using NamedValue = Named<PropertyValue>;
 
-/// A value of every kind that is no number, also such as look like one.
+/// A value of every kind that is not a number, also values that look like one.
 std::vector<NamedValue> NonNumbers();
 
 }  // namespace fernwick::testing

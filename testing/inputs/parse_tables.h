@@ -28,7 +28,7 @@ std::string ErrorOf(const Result<T>& result) {
   return result ? std::string() : Describe(result.Error());
 }
 
-/// As much of an input as is of use in a failure's trace.
+/// The part of an input that is useful in a failure's trace.
 inline std::string TraceOf(const std::string& input) {
   return ::testing::PrintToString(input.substr(0, 200));
 }

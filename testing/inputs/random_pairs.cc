@@ -20,7 +20,7 @@ class Dice {
     return values[static_cast<std::size_t>(Below(static_cast<int>(values.size())))];
   }
 
-  // A value of a kind that fits nowhere or only by chance.
+  // A value of a kind that fits rarely or never.
   PropertyValue Odd() {
     static const std::vector<PropertyValue> values = {"5",
                                                       "",
@@ -45,7 +45,7 @@ class Dice {
 };
 
 // The properties with one or another changed to another number, to an odd value, or left out.
-Record Perturbed(const Record& properties, int oneIn, Dice& dice) {
+Record RandomlyChanged(const Record& properties, int oneIn, Dice& dice) {
   Record perturbed;
   for (const auto& [key, value] : properties.Entries()) {
     if (!dice.OneIn(oneIn)) {
@@ -57,7 +57,7 @@ Record Perturbed(const Record& properties, int oneIn, Dice& dice) {
   return perturbed;
 }
 
-// What the controllers and the personalities have in common where nothing is changed.
+// The values that controllers and personalities share unless they are changed.
 constexpr int PortVendor = 0x3C05;
 constexpr int PortDevice = 0x12;
 constexpr int RidgeVendor = 0x2A01;
@@ -65,18 +65,18 @@ constexpr int RidgeDevice = 0x310;
 constexpr int Revision = 3;
 
 RegistryEntry AddRidge(Computer& computer, int number, Dice& dice) {
-  auto properties = Perturbed({{"Depth", 0},
-                               {"Route String", 0},
-                               {"Vendor ID", RidgeVendor},
-                               {"Device ID", RidgeDevice},
-                               {"Revision ID", Revision},
-                               {"Device Model Name", "Slate"},
-                               {"Device Model ID", 1},
-                               {"Device Model Revision", 1},
-                               {"Firmware Mode", dice.OneIn(2)},
-                               {"ROM Version", 0x41},
-                               {"EEPROM Revision", dice.OneIn(8) ? 0x45 : 5}},
-                              24, dice);
+  auto properties = RandomlyChanged({{"Depth", 0},
+                                     {"Route String", 0},
+                                     {"Vendor ID", RidgeVendor},
+                                     {"Device ID", RidgeDevice},
+                                     {"Revision ID", Revision},
+                                     {"Device Model Name", "Slate"},
+                                     {"Device Model ID", 1},
+                                     {"Device Model Revision", 1},
+                                     {"Firmware Mode", dice.OneIn(2)},
+                                     {"ROM Version", 0x41},
+                                     {"EEPROM Revision", dice.OneIn(8) ? 0x45 : 5}},
+                                    24, dice);
   if (!dice.OneIn(200)) {
     properties.Set("UID", dice.OneIn(20) ? dice.Odd() : PropertyValue(0x100 + number));
   }
@@ -84,14 +84,14 @@ RegistryEntry AddRidge(Computer& computer, int number, Dice& dice) {
 }
 
 void AddPort(Computer& computer, const std::vector<RegistryEntry>& ridges, int number, Dice& dice) {
-  auto properties = Perturbed({{"Vendor ID", PortVendor},
-                               {"Device ID", PortDevice},
-                               {"Revision ID", Revision},
-                               {"Revision", 1},
-                               {"Address", dice.OneIn(6) ? 1 : 0},
-                               {"Version", 0x41},
-                               {"UUID", Kept("A" + std::to_string(number))}},
-                              24, dice);
+  auto properties = RandomlyChanged({{"Vendor ID", PortVendor},
+                                     {"Device ID", PortDevice},
+                                     {"Revision ID", Revision},
+                                     {"Revision", 1},
+                                     {"Address", dice.OneIn(6) ? 1 : 0},
+                                     {"Version", 0x41},
+                                     {"UUID", Kept("A" + std::to_string(number))}},
+                                    24, dice);
   if (dice.OneIn(2)) properties.Set("RID", 4 + number);
   if (dice.OneIn(12)) properties.Set("Route String", dice.Below(2));
   const bool isBelow = !ridges.empty() && !dice.OneIn(3);
@@ -155,7 +155,7 @@ PropertyValue MakePersonality(const std::string& name, Dice& dice) {
                         {"Ridge Silicon Device ID", RidgeDevice},
                         {"Ridge Silicon Revision", List({Revision})}};
   personality.Merge(SomeConstraints(dice));
-  personality = Perturbed(personality, 24, dice);
+  personality = RandomlyChanged(personality, 24, dice);
   if (!dice.OneIn(30)) personality.Set("Firmware", Kept(name + ".bin"));
   if (dice.OneIn(3)) personality.Set("Priority", dice.Below(100));
   return Dict(personality);

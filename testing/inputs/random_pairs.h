@@ -7,8 +7,8 @@
 
 namespace fernwick::testing {
 
-/// A computer of the board "Zed-42" and a configuration for it, near enough to each other that
-/// everything that can become of a personality and a controller does.
+/// A computer of the board "Zed-42" and a configuration for it, similar enough that every outcome
+/// of a personality and a controller occurs.
 struct RandomPair {
   Computer computer;
   PropertyValue configuration;

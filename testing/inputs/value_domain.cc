@@ -11,9 +11,9 @@ namespace {
 constexpr double Infinity = std::numeric_limits<double>::infinity();
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int64_t TwoTo53 = std::int64_t{1} << 53;
-constexpr std::int64_t Least = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t MinSigned = std::numeric_limits<std::int64_t>::min();
 constexpr std::uint64_t TwoTo63 = std::uint64_t{1} << 63;
-constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
 
 std::vector<PropertyValue> Numbers() {
   return {false,       true,
@@ -26,9 +26,9 @@ std::vector<PropertyValue> Numbers() {
           2.0 + 1e-9,  -2.0,
           TwoTo53 - 1, TwoTo53,
           TwoTo53 + 1, 9007199254740992.0,
-          Least,       -9223372036854775808.0,
+          MinSigned,   -9223372036854775808.0,
           TwoTo63 - 1, TwoTo63,
-          Greatest,    9223372036854775808.0,
+          MaxUnsigned, 9223372036854775808.0,
           Infinity,    18446744073709551616.0,
           -Infinity,   NotANumber};
 }
@@ -51,8 +51,8 @@ std::vector<PropertyValue> Arrays() {
           List({5, "B0A1", Bytes("b0A1")}),
           List({5, "c2", "b0A1"}),
           List({NotANumber, Infinity}),
-          List({TwoTo53 + 1, Greatest}),
-          List({Least, 9007199254740992.0})};
+          List({TwoTo53 + 1, MaxUnsigned}),
+          List({MinSigned, 9007199254740992.0})};
 }
 
 }  // namespace

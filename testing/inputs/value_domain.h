@@ -6,7 +6,7 @@
 
 namespace fernwick::testing {
 
-/// A small domain of values for tests that go through all of it: every kind, numbers on both sides
+/// A small domain of values for exhaustive tests: every kind, numbers on both sides
 /// of where a rounding, a sign or a width would show, and arrays with and without them.
 std::vector<PropertyValue> ValueDomain();
 

@@ -21,15 +21,15 @@ enum class OutputTarget { Captured, Closed, FullDisk, BrokenPipe };
 ChildOutcome RunChild(const std::vector<std::string>& command, const std::string& directory,
                       OutputTarget target = OutputTarget::Captured);
 
-/// Replaces this process by a program that runs in `directory`, leaves no core file and heeds
-/// SIGPIPE. Where it cannot run, ends with status 127 and says so on standard error.
+/// Replaces this process by a program that runs in `directory`, leaves no core file and reacts to
+/// SIGPIPE. Where it cannot run, ends with status 127 and a message on standard error.
 [[noreturn]] void BecomeCommand(const std::vector<std::string>& command,
                                 const std::string& directory);
 
 /// Fails the test where the two differ.
 void ExpectOutcome(const ChildOutcome& found, const ChildOutcome& expected);
 
-/// What waitpid tells, as ChildOutcome::status has it.
+/// The status of waitpid in the form of ChildOutcome::status.
 std::string DescribeStatus(int status);
 
 }  // namespace fernwick::testing

@@ -6,7 +6,7 @@
 
 #include "testing/programs/child_process.h"
 
-/// Golden cases: whole commands of the lab, with all that they print and how they end. A case is
+/// Golden cases: commands of the lab, with everything they print and how they end. A case is
 /// one file, NAME.txt, of one command or more:
 ///
 ///   # Comments and blank lines, which say what the case is about.
@@ -35,7 +35,7 @@ struct GoldenCase {
   std::vector<GoldenCommand> commands;
 };
 
-/// What breaks the form fails the test.
+/// A syntax error fails the test.
 GoldenCase ReadGoldenCase(const std::filesystem::path& file);
 
 /// Those of every "*.txt" in a directory, by name.

@@ -10,7 +10,7 @@ namespace fernwick::testing {
 /// An entry of a list of a manual page: `.It`.
 struct ManualItem {
   std::string section;    // the heading above it, of `.Sh` or `.Ss`
-  std::string heading;    // what stands behind `.It`, as it is written
+  std::string heading;    // what follows `.It`, as it is written
   std::string paragraph;  // its first paragraph, the lines joined by blanks
 };
 

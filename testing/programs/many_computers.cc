@@ -32,7 +32,7 @@ std::string RecordingOf(const std::string& tree, const std::string& services) {
                                      Dict(Key("Children", "<array>" + services + "</array>"))))));
 }
 
-// "Zed-0" to "Zed-2" in base64, without a zero byte behind it.
+// "Zed-0" to "Zed-2" in base64, without a zero byte after it.
 const std::string BoardData[] = {"WmVkLTA=", "WmVkLTE=", "WmVkLTI="};
 
 std::string Computer(std::size_t number) {

@@ -31,7 +31,8 @@ std::set<std::string> OptionsInHelp(const std::string& help) {
   return options;
 }
 
-// What the option parser says of an option that is not quite right names whole options in quotes.
+// The option parser's message for an option that is ambiguous or misused names whole options in
+// quotes.
 void AddNamesIn(const std::string& diagnostic, const std::string& given,
                 std::set<std::string>& names) {
   static const std::regex quoted(R"('(--[\w-]+)')");

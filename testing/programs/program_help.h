@@ -10,7 +10,7 @@ namespace fernwick::testing {
 /// as they are typed ("-p", "--payload"), without those that ask for help.
 std::map<std::string, std::set<std::string>> VerbsAndOptions(const std::string& labProgram);
 
-/// The options of a verb that take one of several words, as its help lists them.
+/// The options of a verb that accept one of several words, as its help lists them.
 std::map<std::string, std::set<std::string>> ChoicesOf(const std::string& labProgram,
                                                        const std::string& verb);
 

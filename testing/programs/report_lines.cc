@@ -6,8 +6,8 @@
 namespace fernwick::testing {
 namespace {
 
-// Whether the line is the labelled one; what stands behind the label and its blanks.
-bool TakesValue(std::string_view line, std::string_view label, std::string& value) {
+// Whether the line has the label; stores what follows the label and its blanks.
+bool ReadValueOf(std::string_view line, std::string_view label, std::string& value) {
   if (!line.starts_with(label)) return false;
   line.remove_prefix(label.size());
   const auto start = line.find_first_not_of(' ');
@@ -22,9 +22,9 @@ std::vector<ReportedMatch> ReportedMatches(const std::string& verboseOutput) {
   std::istringstream lines(verboseOutput);
   for (std::string line; std::getline(lines, line);) {
     std::string value;
-    if (TakesValue(line, "\tPERSONALITY_TYPE:", value)) matches.push_back({value, "", ""});
-    if (TakesValue(line, "\tRID:", value)) matches.back().rid = value;
-    if (TakesValue(line, "\tCONFIG_FIRMWARE_NAME:", value)) matches.back().firmware = value;
+    if (ReadValueOf(line, "\tPERSONALITY_TYPE:", value)) matches.push_back({value, "", ""});
+    if (ReadValueOf(line, "\tRID:", value)) matches.back().rid = value;
+    if (ReadValueOf(line, "\tCONFIG_FIRMWARE_NAME:", value)) matches.back().firmware = value;
   }
   return matches;
 }

@@ -6,7 +6,7 @@
 
 namespace fernwick::testing {
 
-/// What the verbose report shows of one match that tells it from the others.
+/// What the verbose report shows of one match that distinguishes it from the others.
 struct ReportedMatch {
   std::string type;
   std::string rid;

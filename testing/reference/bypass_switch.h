@@ -6,8 +6,8 @@
 
 namespace fernwick::testing::reference {
 
-/// The rule of the bypass switches a second time, by searching a text where the tool splits it into
-/// tokens.
+/// A second implementation of the bypass switches, which searches a text where the tool splits it
+/// into tokens.
 
 /// Whether the name is among the tokens of the boot arguments without "=", which is a fault.
 bool HasBareName(std::string_view bootArguments, std::string_view name);

@@ -7,12 +7,12 @@
 namespace fernwick::testing::reference {
 namespace {
 
-// Holds every integer and every real that a value can be, so that comparing rounds nothing.
+// Represents every integer and every real of a value exactly, so that comparing does not round.
 using ExactNumber = long double;
 static_assert(std::numeric_limits<ExactNumber>::digits >= 64);
 
 // The value of a key; null when it is absent.
-const PropertyValue* Look(const Dictionary& record, std::string_view key) {
+const PropertyValue* Find(const Dictionary& record, std::string_view key) {
   for (const DictionaryEntry& entry : record.Entries()) {
     if (entry.key == key) return &entry.value;
   }
@@ -74,8 +74,8 @@ bool RequirementSetMatch(const Dictionary& personality, const Dictionary& hardwa
                          std::string_view key, Presence presence, KindTest isSingleValueKind,
                          Comparison compare, std::string_view missingKeyMessage,
                          std::string& diagnostics) {
-  const PropertyValue* p = Look(personality, key);
-  const PropertyValue* h = Look(hardware, key);
+  const PropertyValue* p = Find(personality, key);
+  const PropertyValue* h = Find(hardware, key);
   if (p == nullptr && presence == Presence::OptionalKey) return true;
   if (p == nullptr && presence == Presence::RequiredKey) {
     diagnostics += missingKeyMessage;
@@ -111,8 +111,8 @@ bool RequiredNumber(const Dictionary& personality, const Dictionary& hardware,
                              NumbersEqual, "", noDiagnostics);
 }
 
-// Whether the value is other than 0 as an unsigned integer: a real loses what is behind the point
-// and is 0 when it is negative or no number at all. A value that is no number counts as 0.
+// Whether the value is other than 0 as an unsigned integer: a real loses its fractional part
+// and is 0 when it is negative or NaN. A value that is not a number counts as 0.
 bool IsNonZeroUnsigned(const PropertyValue& value) {
   if (value.AsReal().has_value()) return *value.AsReal() >= 1.0;
   const auto number = NumberOf(value);
@@ -123,19 +123,19 @@ bool FirmwareVersionWindow(const Dictionary& personality, const Dictionary& hard
                            bool engineeringGate, bool bypassVersionCheck,
                            std::string& diagnostics) {
   if (!bypassVersionCheck) {
-    const PropertyValue* pv = Look(personality, "Version");
-    const PropertyValue* hv = Look(hardware, "Version");
+    const PropertyValue* pv = Find(personality, "Version");
+    const PropertyValue* hv = Find(hardware, "Version");
     if (pv == nullptr || hv == nullptr) return false;
     if (!NumberGreater(*pv, *hv)) return false;
     if (engineeringGate) {
-      const PropertyValue* engineering = Look(hardware, "Engineering Version");
+      const PropertyValue* engineering = Find(hardware, "Engineering Version");
       if (engineering != nullptr && IsNonZeroUnsigned(*engineering)) return false;
     }
   }
 
-  const PropertyValue* mn = Look(personality, "Existing Min Version");
-  const PropertyValue* mx = Look(personality, "Existing Max Version");
-  const PropertyValue* hv = Look(hardware, "Version");
+  const PropertyValue* mn = Find(personality, "Existing Min Version");
+  const PropertyValue* mx = Find(personality, "Existing Max Version");
+  const PropertyValue* hv = Find(hardware, "Version");
   if (hv == nullptr) {
     diagnostics += "** No current firmware version?\n";
     return true;
@@ -182,12 +182,12 @@ bool CheckUsbcRequirements(const Dictionary& personality, const Dictionary& hard
 
   if (!OptionalNumber(personality, hardware, "RID")) return false;
 
-  // A bound that is no number rejects the pair.
+  // A bound that is not a number rejects the pair.
   const PropertyValue revision(boardRevision % 256);
-  const PropertyValue* lowest = Look(personality, "MinBoardRevision");
+  const PropertyValue* lowest = Find(personality, "MinBoardRevision");
   if (lowest != nullptr && !IsNumber(*lowest)) return false;
   if (lowest != nullptr && NumberGreater(*lowest, revision)) return false;
-  const PropertyValue* highest = Look(personality, "MaxBoardRevision");
+  const PropertyValue* highest = Find(personality, "MaxBoardRevision");
   if (highest != nullptr && !IsNumber(*highest)) return false;
   if (highest != nullptr && NumberLess(*highest, revision)) return false;
 
@@ -206,7 +206,7 @@ bool CheckUsbcRequirements(const Dictionary& personality, const Dictionary& hard
     return false;
   }
 
-  // A single value must be a number, but what is compared are strings: only an array can match.
+  // A single value must be a number, but strings are compared: only an array can match.
   return RequirementSetMatch(personality, hardware, "Port UUID", Presence::OptionalKey, IsNumber,
                              StringsEqual, "** Missing port UUID(s)\n", diagnostics);
 }

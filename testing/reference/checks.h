@@ -5,11 +5,11 @@
 
 #include "value/property_value.h"
 
-/// The requirement checks a second time, as plainly as they can be told: each rule is one function,
-/// its steps in their order, nothing shared, nothing clever. They are there to be compared with the
-/// real ones over more inputs than anybody can write expectations for, so they must not share code
-/// with them: what both use, no comparison tells wrong from right. All that they take from
-/// elsewhere is the value as data; looking up a key and comparing numbers are their own.
+/// The reference implementation of the requirement checks, as plain as possible: each rule is one
+/// function with its steps in order, and nothing is shared. It is compared with the real checks
+/// over more inputs than anyone can write expectations for (differential testing). It must not
+/// share code with them, because a comparison cannot find a fault in what both use: only the values
+/// as data come from elsewhere, and looking up a key and comparing numbers are implemented again.
 ///
 /// Each check appends to `diagnostics` what the real one writes to standard error. Whether the
 /// version check is bypassed is an argument here.

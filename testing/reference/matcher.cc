@@ -20,11 +20,11 @@ Entries::iterator Locate(Entries& entries, std::string_view key) {
                       [&](const DictionaryEntry& entry) { return entry.key == key; });
 }
 
-bool Holds(Entries& entries, std::string_view key) {
+bool Contains(Entries& entries, std::string_view key) {
   return Locate(entries, key) != entries.end();
 }
 
-// A key that is there keeps its place, a new one comes last.
+// An existing key keeps its position, a new one comes last.
 void Put(Entries& entries, std::string_view key, const PropertyValue& value) {
   const auto place = Locate(entries, key);
   if (place != entries.end()) {
@@ -34,18 +34,18 @@ void Put(Entries& entries, std::string_view key, const PropertyValue& value) {
   }
 }
 
-// Gives the key the controller's value, and removes it when the controller has none.
+// Sets the key to the controller's value, or removes it when the controller has none.
 void SetFromController(Entries& record, Entries& controller, std::string_view key) {
   const auto source = Locate(controller, key);
   if (source != controller.end()) {
     Put(record, key, source->value);
-  } else if (Holds(record, key)) {
+  } else if (Contains(record, key)) {
     record.erase(Locate(record, key));
   }
 }
 
-bool HoldsNumber(Entries& entries, std::string_view key) {
-  if (!Holds(entries, key)) return false;
+bool ContainsNumber(Entries& entries, std::string_view key) {
+  if (!Contains(entries, key)) return false;
   const PropertyValue& value = Locate(entries, key)->value;
   return value.AsInteger().has_value() || value.AsReal().has_value() ||
          value.AsBoolean().has_value();
@@ -60,20 +60,20 @@ Record BuildMatchRecord(const Dictionary& personality, const Dictionary& hardwar
 
   SetFromController(record, controller, "RID");
 
-  if (!HoldsNumber(record, "Version")) SetFromController(record, controller, "Version");
+  if (!ContainsNumber(record, "Version")) SetFromController(record, controller, "Version");
 
-  if (Holds(record, "RID")) SetFromController(record, controller, "Port Address");
+  if (Contains(record, "RID")) SetFromController(record, controller, "Port Address");
 
   for (const std::string_view key :
        {"Port Silicon Vendor ID", "Port Silicon Device ID", "Port Silicon Revision",
         "Port OTP Revision", "Port UUID", "Ridge Silicon Vendor ID", "Ridge Silicon Device ID",
         "Ridge Silicon Revision", "Ridge UID"}) {
-    if (Holds(record, key)) SetFromController(record, controller, key);
+    if (Contains(record, key)) SetFromController(record, controller, key);
   }
 
   Put(record, "Personality Type", PropertyValue(type));
 
-  if (type == "Thunderbolt" && Holds(controller, "Firmware Mode")) {
+  if (type == "Thunderbolt" && Contains(controller, "Firmware Mode")) {
     Put(record, "Firmware Mode", Locate(controller, "Firmware Mode")->value);
   }
   return Record(Dictionary(record));

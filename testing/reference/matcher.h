@@ -10,19 +10,19 @@
 
 namespace fernwick::testing::reference {
 
-/// The controllers of a computer, as each inventory lists them whenever it is taken.
+/// The controllers of a computer, as each inventory lists them.
 struct Controllers {
   std::vector<Record> thunderbolt;
   std::vector<Record> ports;
 };
 
-/// Which inventory was taken.
+/// Which inventory was collected.
 enum class Inventory { Thunderbolt, Ports };
 
-/// What one matching gives and does.
+/// The result of one matching.
 struct Matching {
   std::optional<std::vector<Record>> records;  // absent instead of empty
-  std::vector<Inventory> inventories;          // those taken, in their order
+  std::vector<Inventory> inventories;          // those collected, in their order
   std::string diagnostics;                     // what the checks write to standard error
   std::vector<std::string> log;                // the matcher's own lines to the system log
 };
@@ -31,8 +31,8 @@ struct Matching {
 Record BuildMatchRecord(const Dictionary& personality, const Dictionary& hardware,
                         std::string_view type);
 
-/// The matcher a second time, for the reason that the checks are there a second time: see
-/// testing/reference/checks.h. It takes the configuration as it was loaded, absent when it was not.
+/// The reference implementation of the matcher, see testing/reference/checks.h. `configuration` is
+/// as it was loaded, absent when it was not.
 /// Of `boardRevision` only the low 8 bits count.
 Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
                             std::uint32_t boardRevision, const Controllers& controllers,

@@ -6,8 +6,8 @@
 
 #include "registry/recorded_registry.h"
 
-/// What can plainly be read in a recording, without the registry that presents it: the walks and
-/// class chains of the recorded registry a second time.
+/// The reference implementation of what a recorded registry returns: the walks and
+/// class chains of a recording, as plain as possible.
 namespace fernwick::testing::reference {
 
 /// Handles of a recording's entries.
@@ -19,7 +19,7 @@ const RecordedEntry& EntryOf(const Recording& recording, RegistryEntry entry);
 /// The entry and all below it in the plane, parents before children. REQUIRES: it is in the plane.
 Entries SubtreeOf(const RecordedPlane& plane, RegistryEntry entry);
 
-/// The class that one derives from; none when it derives from nothing.
+/// The class that one derives from; empty when it derives from nothing.
 std::optional<std::string_view> SuperclassOf(const Recording& recording, std::string_view name);
 
 /// Whether the class is among those on the chain up from the entry's own.

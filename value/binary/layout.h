@@ -23,8 +23,8 @@ inline constexpr std::string_view BinarySignature = "bplist0";
 /// The table of contents of a file whose header and trailer have been checked against its size.
 class BinaryLayout {
  public:
-  /// Checks everything that the trailer says, and views the file from then on. False with a fault
-  /// at the offending byte, and then nothing else here is of use.
+  /// Checks every field of the trailer, and views the file from then on. Returns false with a fault
+  /// at the offending byte; nothing else may be called then.
   bool Read(std::string_view file, ParseFault& fault);
 
   std::uint64_t ObjectCount() const { return objectCount_; }
@@ -39,7 +39,7 @@ class BinaryLayout {
   /// before the trailer, whose 32 bytes follow every number, so that eight can be read at once.
   std::uint64_t NumberAt(std::size_t offset, std::size_t width) const;
 
-  /// The offset of an object as the table has it, of whatever size. REQUIRES: object is below
+  /// The offset of an object as it is in the table, not checked. REQUIRES: object is below
   /// ObjectCount().
   std::uint64_t OffsetOf(std::uint64_t object) const {
     return NumberAt(offsetTable_ + static_cast<std::size_t>(object) * offsetWidth_, offsetWidth_);

@@ -17,7 +17,7 @@ using testing::BinaryShape;
 using testing::Truncated;
 using testing::WithByte;
 
-constexpr std::uint64_t Greatest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
 
 const std::string True = "\x09";
 const std::string False = "\x08";
@@ -72,12 +72,12 @@ TEST(BinaryLayout, ReadsEveryWidthOfReference) {
 }
 
 TEST(BinaryLayout, OffsetsMayLieAnywhere) {
-  const auto file = TwoObjects({.offsetWidth = 8, .furtherOffsets = {Greatest, 0}});
+  const auto file = TwoObjects({.offsetWidth = 8, .furtherOffsets = {MaxUnsigned, 0}});
   BinaryLayout layout;
   ParseFault fault;
   ASSERT_TRUE(layout.Read(file, fault));
   EXPECT_EQ(layout.ObjectCount(), 4u);
-  EXPECT_EQ(layout.OffsetOf(2), Greatest);
+  EXPECT_EQ(layout.OffsetOf(2), MaxUnsigned);
   EXPECT_EQ(layout.OffsetOf(3), 0u);
 }
 
@@ -112,16 +112,16 @@ TEST(BinaryLayout, RejectsATrailerThatDoesNotFitTheFile) {
       {WithByte(file, 21, 0), 21, referenceWidth},
       {WithByte(file, 21, 9), 21, referenceWidth},
       {WithNumber(file, 22, 3), 22, count},
-      {WithNumber(file, 22, Greatest), 22, count},
+      {WithNumber(file, 22, MaxUnsigned), 22, count},
       {WithNumber(file, 22, std::uint64_t{1} << 63), 22, count},  // twice that is 0 in 64 bits
       {WithNumber(file, 22, 0), 30, top},
       {WithNumber(file, 30, 2), 30, top},
-      {WithNumber(file, 30, Greatest), 30, top},
+      {WithNumber(file, 30, MaxUnsigned), 30, top},
       {WithNumber(file, 38, 0), 38, table},
       {WithNumber(file, 38, 7), 38, table},
       {WithNumber(file, 38, 15), 38, table},
       {WithNumber(file, 38, (std::uint64_t{1} << 56) + 10), 38, table},
-      {WithNumber(file, 38, Greatest), 38, table},
+      {WithNumber(file, 38, MaxUnsigned), 38, table},
       {WithNumber(file, 38, 11), 22, count},
       {WithNumber(file, 38, 14), 22, count},
   };

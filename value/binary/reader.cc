@@ -14,12 +14,22 @@
 #include "value/calendar_date.h"
 #include "value/unicode/utf8.h"
 
+// A recursive-descent reader over the object graph: it starts at the top object and follows the
+// references of each array and dictionary, depth first. An array's elements and a dictionary's
+// entries are allocated in the arena as one block each, after their count has been checked against
+// the file; ASCII strings and data are views of the file, UTF-16 strings are transcoded once for
+// each offset and cached.
+//
+// Objects may be shared, so the graph may expand to a tree that is exponentially larger than the
+// file. Each value and each byte of text is therefore counted whenever it is reached, and the
+// counts are limited by the size of the file plus a constant. A cycle is found by a flag for each
+// object that is being read. Time and memory are linear in what is reached, and so in the size of
+// the file plus that constant; UTF-16 strings cost a logarithmic lookup each.
+
 namespace fernwick {
 namespace {
 
-// How far what is reached may exceed the size of the file in bytes, so that a small file cannot
-// expand to a huge value by sharing: values are counted each time they are reached, and so are the
-// bytes of keys, strings and data.
+// How far the counts of what is reached may exceed the size of the file in bytes.
 constexpr std::uint64_t SharedValues = std::uint64_t{1} << 16;
 constexpr std::uint64_t SharedBytes = std::uint64_t{1} << 26;
 
@@ -44,7 +54,7 @@ constexpr std::uint8_t TrueMarker = 0x09;
 constexpr std::uint8_t DateMarker = 0x33;
 constexpr std::uint8_t CountFollows = 0xF;
 
-// A marker and what it says of the bytes after it.
+// A decoded marker byte, and where the bytes after it begin.
 struct Object {
   std::uint64_t number;
   std::size_t offset;    // of the marker
@@ -55,7 +65,7 @@ struct Object {
   std::uint8_t Size() const { return marker & 0xF; }
 };
 
-// The objects of a file by their numbers: where each is and what its marker says. Keeps the first
+// Looks up the objects of a file by their numbers and decodes their markers. Keeps the first
 // fault of the whole reading.
 class BinaryObjects {
  public:
@@ -68,7 +78,7 @@ class BinaryObjects {
   const BinaryLayout& Layout() const { return layout_; }
   const ParseFault& Fault() const { return fault_; }
 
-  // Not part of its many callers, which would be the slower for it.
+  // Not inlined: its many callers are faster without the error path in them.
   [[gnu::noinline]] bool Fail(std::size_t offset, const char* message) {
     return fault_.Set(offset, message);
   }
@@ -97,7 +107,7 @@ class BinaryObjects {
     return true;
   }
 
-  // How many bytes, units or elements the object has; its contents then begin after the count.
+  // Reads how many bytes, units or elements the object has, and moves its contents past the count.
   bool ReadCount(Object& object, std::uint64_t& count) {
     count = object.Size();
     return count != CountFollows || ReadExtendedCount(object, count);
@@ -208,7 +218,7 @@ class BinaryTexts {
   }
 
  private:
-  // Counts the bytes of a key, a string or data, as many as they are in the file.
+  // Counts the bytes of a key, a string or data as they are in the file.
   bool CountBytes(std::size_t offset, std::uint64_t count) {
     if (count > objects_.File().size() + SharedBytes - bytes_) {
       return objects_.Fail(offset,
@@ -219,7 +229,7 @@ class BinaryTexts {
   }
 
   // Counts the bytes of a UTF-16 string that is decoded for the first time. Strings that do not
-  // overlap fit into the file together; those that do could make it decode to any amount of text.
+  // overlap fit into the file together; overlapping ones could decode to any amount of text.
   bool CountText(const Object& object, std::string_view bytes) {
     if (bytes.size() > objects_.File().size() - textBytes_)
       return objects_.Fail(object.offset, "strings overlap");
@@ -269,16 +279,16 @@ class BinaryTexts {
   }
 
   bool FailNotXmlCharacter(const Object& object) {
-    return objects_.Fail(object.offset, "a string holds a character that XML cannot carry");
+    return objects_.Fail(object.offset, "a string contains a character that XML cannot carry");
   }
 
   BinaryObjects& objects_;
   Arena& arena_;
   std::uint64_t bytes_ = 0;      // of keys, strings and data reached so far
   std::uint64_t textBytes_ = 0;  // of UTF-16 strings decoded so far
-  std::vector<bool> isChecked_;  // by object: an ASCII string that needs no second look
-  // UTF-16 strings that have been decoded, by their offset. Ordered, as a file chooses the offsets
-  // and could make hashes collide.
+  std::vector<bool> isChecked_;  // by object: an ASCII string that has been validated
+  // The decoded UTF-16 strings, by offset. A tree and not a hash table: the file chooses the
+  // offsets and could make them collide.
   std::map<std::size_t, std::string_view> decodedTexts_;
 };
 
@@ -301,7 +311,7 @@ class BinaryPropertyListReader {
     return ReadValue(objects_.Layout().TopObject(), TopObjectReference(), value);
   }
 
-  // Where the trailer names the top object.
+  // The offset of the trailer's field for the top object.
   std::size_t TopObjectReference() const { return objects_.File().size() - 16; }
 
   bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
@@ -339,10 +349,10 @@ class BinaryPropertyListReader {
     return true;
   }
 
-  // A container is read each time it is reached: how often that is, CountValues bounds.
+  // A container is read each time it is reached; CountValues limits how often that is.
   bool ReadContainer(const Object& object, PropertyValue& value) {
     if (isOpen_[object.number]) return objects_.Fail(object.offset, "an object contains itself");
-    if (nesting_ == MaximumNesting) return objects_.Fail(object.offset, NestedTooDeeply);
+    if (nesting_ == MaxNesting) return objects_.Fail(object.offset, NestedTooDeeply);
     ++nesting_;
     isOpen_[object.number] = true;
     const bool isArray = object.Kind() == ObjectKind::Array;
@@ -352,8 +362,8 @@ class BinaryPropertyListReader {
     return true;
   }
 
-  // Finds where the references of a container begin that has `count` elements of `perElement`
-  // references each.
+  // Finds the references of a container, which has `count` elements of `perElement` references
+  // each.
   bool ReadReferences(Object object, std::uint64_t perElement, std::uint64_t& count,
                       std::size_t& references) {
     if (!objects_.ReadCount(object, count)) return false;
@@ -416,7 +426,7 @@ class BinaryPropertyListReader {
   LocationBuilder* locations_;  // may be null
   std::uint64_t values_ = 1;    // reached so far; the top object is referred to by no other
   std::size_t nesting_ = 0;
-  std::vector<bool> isOpen_;  // by object: a container around what is being read
+  std::vector<bool> isOpen_;  // by object: a container that is being read
 };
 
 }  // namespace

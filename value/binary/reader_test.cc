@@ -193,22 +193,22 @@ TEST(BinaryPropertyList, AcceptsStrings) {
 TEST(BinaryPropertyList, RejectsStringsThatAreNotText) {
   const std::string notAscii = "byte 8: a string is not ASCII";
   const std::string notUtf16 = "byte 8: a string is not UTF-16";
-  const std::string uncarriable = "byte 8: a string holds a character that XML cannot carry";
+  const std::string notXmlCharacter = "byte 8: a string contains a character that XML cannot carry";
   ExpectRejected(ParseObject, {
                                   {AsciiObject("\x80"), notAscii},
                                   {AsciiObject("\xC3\xA4"), notAscii},
                                   {AsciiObject(Repeated("x", 99) + "\xFF"), notAscii},
-                                  {AsciiObject({"a\0", 2}), uncarriable},
-                                  {AsciiObject("\x1B"), uncarriable},
-                                  {AsciiObject(Repeated("x", 99) + "\x01"), uncarriable},
+                                  {AsciiObject({"a\0", 2}), notXmlCharacter},
+                                  {AsciiObject("\x1B"), notXmlCharacter},
+                                  {AsciiObject(Repeated("x", 99) + "\x01"), notXmlCharacter},
                                   {Utf16Object({0xD83D}), notUtf16},
                                   {Utf16Object({0xDE00}), notUtf16},
                                   {Utf16Object({u'a', 0xDE00, 0xD83D, u'b'}), notUtf16},
                                   {Utf16Object({0xD83D, u'a'}), notUtf16},
-                                  {Utf16Object({0xFFFE}), uncarriable},
-                                  {Utf16Object({0xFFFF}), uncarriable},
-                                  {Utf16Object({u'\0'}), uncarriable},
-                                  {Utf16Object({u'a', 0x0B}), uncarriable},
+                                  {Utf16Object({0xFFFE}), notXmlCharacter},
+                                  {Utf16Object({0xFFFF}), notXmlCharacter},
+                                  {Utf16Object({u'\0'}), notXmlCharacter},
+                                  {Utf16Object({u'a', 0x0B}), notXmlCharacter},
                               });
 }
 
@@ -294,7 +294,7 @@ TEST(BinaryPropertyList, RejectsCountsThatAreNotIntegersOfUpToEightBytes) {
                               });
 }
 
-// As many objects as make a reference of any byte that could be taken for one.
+// So many objects that any byte read as a reference would name one.
 TEST(BinaryPropertyList, RejectsAContainerWhoseCountIsNotAnIntegerAmongManyObjects) {
   for (const std::string container : {"\xAF\x22", "\xDF\x22"}) {
     std::vector<std::string> objects(250, True);
@@ -335,7 +335,7 @@ TEST(BinaryPropertyList, AcceptsDictionaries) {
           {BinaryFile({DictionaryObject({1}, {1}), a}), Dict({{"a", "a"}})},
           {BinaryFile({DictionaryObject({1}, {2}), Utf16Object(u"\u00E4"), True}),
            Dict({{"\xC3\xA4", true}})},
-          // A key that occurs twice keeps its first place and its last value.
+          // A key that occurs twice keeps its first position and its last value.
           {BinaryFile({DictionaryObject({1, 2, 1}, {3, 3, 4}), a, AsciiObject("b"), True, False}),
            Dict({{"a", false}, {"b", true}})},
           {BinaryFile({DictionaryObject({1, 2}, {3, 4}), a, Utf16Object(u"a"), True, False}),
@@ -359,7 +359,7 @@ TEST(BinaryPropertyList, RejectsKeysThatAreNotStrings) {
           {BinaryFile({dictionary, Utf16Object({0xD800}), True}),
            "byte 11: a string is not UTF-16"},
           {BinaryFile({dictionary, AsciiObject("\x01"), True}),
-           "byte 11: a string holds a character that XML cannot carry"},
+           "byte 11: a string contains a character that XML cannot carry"},
       });
 }
 
@@ -439,7 +439,7 @@ TEST(BinaryPropertyList, RejectsObjectsThatContainThemselves) {
           {BinaryFile({ArrayObject({1}), ArrayObject({1})}), "byte 10: " + itself},
           {BinaryFile({DictionaryObject({1}, {0}), key}), "byte 8: " + itself},
           {BinaryFile({ArrayObject({1}), DictionaryObject({2}, {0}), key}), "byte 8: " + itself},
-          // One behind a sibling that does end.
+          // Contains itself after an element that does not.
           {BinaryFile({ArrayObject({1, 1, 0}), ArrayObject({})}), "byte 8: " + itself},
           // The same bytes under two numbers.
           {BinaryFile({ArrayObject({1})}, {.furtherOffsets = {8}}), "byte 8: " + itself},
@@ -512,7 +512,7 @@ TEST(BinaryPropertyList, FileMayReachAValueForEachOfItsBytes) {
 
 // `levels` arrays or dictionaries, the first `dictionaries` of them dictionaries, each with `width`
 // references to the next one, the last one to a boolean.
-std::string Fanning(std::uint64_t levels, std::size_t width, std::uint64_t dictionaries) {
+std::string FanOut(std::uint64_t levels, std::size_t width, std::uint64_t dictionaries) {
   std::vector<std::string> objects;
   for (std::uint64_t next = 1; next <= levels; ++next) {
     const auto references = Same(width, next);
@@ -526,10 +526,10 @@ std::string Fanning(std::uint64_t levels, std::size_t width, std::uint64_t dicti
 
 TEST(BinaryPropertyList, RejectsWhatWouldMultiplyAtEveryLevel) {
   ExpectRejected(Parse, {
-                            {Fanning(50, 200, 0), "byte 9955: " + TooManyValues},
-                            {Fanning(50, 200, 40), "byte 17955: " + TooManyValues},
-                            {Fanning(200, 2, 0), "byte 605: " + TooManyValues},
-                            {Fanning(200, 2, 200), "byte 998: " + TooManyValues},
+                            {FanOut(50, 200, 0), "byte 9955: " + TooManyValues},
+                            {FanOut(50, 200, 40), "byte 17955: " + TooManyValues},
+                            {FanOut(200, 2, 0), "byte 605: " + TooManyValues},
+                            {FanOut(200, 2, 200), "byte 998: " + TooManyValues},
                         });
 }
 
@@ -537,8 +537,8 @@ TEST(BinaryPropertyList, ArraysThatDoubleAreReadAsFarAsTheyAreAllowed) {
   // 2^16 - 1 values in 15 levels, twice as many and one in 16.
   PropertyValue expected = true;
   for (int level = 0; level < 15; ++level) expected = List({expected, expected});
-  ExpectAccepted(Parse, {{Fanning(15, 2, 0), expected}});
-  ExpectRejected(Parse, {{Fanning(16, 2, 0), "byte 53: " + TooManyValues}});
+  ExpectAccepted(Parse, {{FanOut(15, 2, 0), expected}});
+  ExpectRejected(Parse, {{FanOut(16, 2, 0), "byte 53: " + TooManyValues}});
 }
 
 // An array of `count` further arrays, each of which begins four bytes after the one before, and
@@ -595,7 +595,7 @@ struct SharedBytesRow {
 };
 
 TEST(BinaryPropertyList, BytesReachedMayExceedTheSizeOfTheFileBy2To26) {
-  // Each is reached 66 times: as its value or its key. What a string takes in UTF-8 does not count.
+  // Each is reached 66 times, as a value or a key. The size of a string in UTF-8 does not count.
   const auto utf16 = Utf16Object(std::u16string(1 << 19, u'\u20AC'));
   const auto array = ArrayObject(Same(66, 1));
   const auto dictionary = DictionaryObject(Same(66, 1), Same(66, 2));

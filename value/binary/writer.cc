@@ -12,6 +12,12 @@
 #include "value/calendar_date.h"
 #include "value/unicode/utf8.h"
 
+// Two passes. The first numbers the objects in pre-order, encodes the leaves and collects the
+// references of each array and dictionary; equal strings share an object, found by a tree of the
+// strings written so far. The width of a reference depends on the number of objects, so containers
+// are encoded in the second pass. Then all objects are joined and the offset table and the trailer
+// follow. Costs linear time, plus a logarithmic lookup for each string.
+
 namespace fernwick {
 namespace {
 
@@ -33,7 +39,7 @@ void AppendBigEndian(std::string& bytes, std::uint64_t number, std::size_t width
   for (std::size_t i = width; i-- > 0;) bytes.push_back(static_cast<char>(number >> (8 * i)));
 }
 
-// The exponent of the fewest bytes, 1, 2, 4 or 8, that are enough for the number.
+// The base-2 logarithm of the smallest width, 1, 2, 4 or 8 bytes, that the number fits.
 unsigned WidthExponent(std::uint64_t number) {
   unsigned exponent = 0;
   while (exponent < 3 && number >> (8u << exponent) != 0) ++exponent;
@@ -73,7 +79,7 @@ std::string DoubleObject(char marker, double number) {
   return object;
 }
 
-// A marker with the count in it, or after it as an integer from 15 on.
+// A marker that contains the count, or is followed by it as an integer when it is 15 or more.
 std::string CountedMarker(unsigned kind, std::uint64_t count) {
   if (count < 15) return {Marker(kind, static_cast<unsigned>(count))};
   return Marker(kind, 15) + UnsignedObject(count);
@@ -101,7 +107,7 @@ std::string StringObject(std::string_view text) {
   return CountedMarker(Utf16Kind, units.size() / 2) + units;
 }
 
-// What an array or dictionary refers to, by number; a dictionary's keys come first.
+// The objects that an array or dictionary refers to, by number; a dictionary's keys come first.
 struct Container {
   unsigned kind;
   std::uint64_t count;
@@ -198,7 +204,7 @@ class BinaryWriter {
   }
 
   std::vector<std::string> objects_;
-  std::map<std::uint64_t, Container> containers_;    // by object number; their objects come last
+  std::map<std::uint64_t, Container> containers_;    // by object number; encoded in the second pass
   std::map<std::string_view, std::uint64_t> texts_;  // views the value that is written
 };
 

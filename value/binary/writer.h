@@ -6,9 +6,9 @@
 
 namespace fernwick {
 
-/// The value as a binary property list: its objects in the order in which they are reached, equal
-/// strings shared; integers, object numbers and offsets as short as may be, text in ASCII where
-/// that is enough, reals in eight bytes. REQUIRES: every text is well-formed UTF-8.
+/// The value as a binary property list: its objects in pre-order (a container before its contents),
+/// equal strings shared; integers, object numbers and offsets in the smallest width that fits, text
+/// in ASCII where possible, reals in eight bytes. REQUIRES: every text is well-formed UTF-8.
 std::string WriteBinaryPropertyList(const PropertyValue& value);
 
 }  // namespace fernwick

@@ -55,7 +55,7 @@ bool TextCursor::SkipBlockComment() {
   return true;
 }
 
-bool TextCursor::Take(char c) {
+bool TextCursor::Consume(char c) {
   if (!LookingAt(c)) return false;
   ++at_;
   return true;
@@ -84,7 +84,7 @@ bool TextCursor::ReadQuoted(std::string_view& string, std::string& decoded) {
     if (!AppendEscape(decoded)) return false;
   }
   if (FindInvalidText(string) == npos) return true;
-  return Fail(start, "a string holds a character that XML cannot carry");
+  return Fail(start, "a string contains a character that XML cannot carry");
 }
 
 // REQUIRES: a backslash has just been consumed.
@@ -153,11 +153,11 @@ bool TextCursor::ReadData(std::string& bytes) {
   for (; !AtEnd() && text_[at_] != '>'; ++at_) {
     if (IsAsciiWhiteSpace(text_[at_])) continue;
     const int digit = HexDigitValue(text_[at_]);
-    if (digit < 0) return Fail(at_, "data holds something other than hexadecimal digits");
+    if (digit < 0) return Fail(at_, "data contains something other than hexadecimal digits");
     if (high >= 0) bytes.push_back(static_cast<char>(high << 4 | digit));
     high = high >= 0 ? -1 : digit;
   }
-  if (!Take('>')) return Fail(start, "data does not end");
+  if (!Consume('>')) return Fail(start, "data does not end");
   if (high >= 0) return Fail(start, "data has an odd number of digits");
   return true;
 }

@@ -8,8 +8,8 @@
 
 namespace fernwick {
 
-/// Reads the tokens of the old text form, one after the other. What skips or reads and returns a
-/// boolean returns false when it met a fault, which Fault() then returns. Offsets are in bytes.
+/// Reads the tokens of the old text form, one after the other. A function that returns a
+/// boolean returns false on a fault, which Fault() then returns. Offsets are in bytes.
 class TextCursor {
  public:
   /// Views the text. REQUIRES: well-formed UTF-8.
@@ -24,7 +24,7 @@ class TextCursor {
   bool SkipBlanks();
 
   /// Consumes `c` if it comes next, and returns whether it did.
-  bool Take(char c);
+  bool Consume(char c);
 
   /// A quoted string. It views the text where it has no escape, and `decoded` otherwise.
   /// REQUIRES: LookingAtQuote().

@@ -8,13 +8,13 @@
 namespace fernwick {
 namespace {
 
-struct PlaceRow {
+struct OffsetRow {
   std::string text;
   std::size_t offset;
 };
 
 TEST(TextCursor, SkipsWhiteSpaceAndBothKindsOfComments) {
-  const PlaceRow rows[] = {
+  const OffsetRow rows[] = {
       {"", 0},
       {"a", 0},
       {" \t\n\r\v\fa", 6},
@@ -44,7 +44,7 @@ TEST(TextCursor, SkipsWhiteSpaceAndBothKindsOfComments) {
 }
 
 TEST(TextCursor, RejectsACommentThatDoesNotEnd) {
-  const PlaceRow rows[] = {{"/*", 0}, {"/*/", 0}, {" /* a *", 1}, {"/**/ /* // \n", 5}};
+  const OffsetRow rows[] = {{"/*", 0}, {"/*/", 0}, {" /* a *", 1}, {"/**/ /* // \n", 5}};
   for (const auto& [text, offset] : rows) {
     SCOPED_TRACE(text);
     TextCursor cursor(text);
@@ -56,13 +56,13 @@ TEST(TextCursor, RejectsACommentThatDoesNotEnd) {
 
 TEST(TextCursor, ConsumesACharacterThatComesNext) {
   TextCursor cursor("a'");
-  EXPECT_FALSE(cursor.Take('b'));
+  EXPECT_FALSE(cursor.Consume('b'));
   EXPECT_EQ(cursor.Offset(), 0u);
-  EXPECT_TRUE(cursor.Take('a'));
+  EXPECT_TRUE(cursor.Consume('a'));
   EXPECT_TRUE(cursor.LookingAtQuote());
-  EXPECT_TRUE(cursor.Take('\''));
+  EXPECT_TRUE(cursor.Consume('\''));
   EXPECT_TRUE(cursor.AtEnd());
-  EXPECT_FALSE(cursor.Take('\0'));
+  EXPECT_FALSE(cursor.Consume('\0'));
   EXPECT_FALSE(cursor.LookingAtQuote());
 }
 
@@ -136,7 +136,7 @@ struct FaultRow {
 
 TEST(TextCursor, RejectsOtherQuotedStrings) {
   const std::string noEnd = "a quoted string does not end";
-  const std::string uncarriable = "a string holds a character that XML cannot carry";
+  const std::string notXmlCharacter = "a string contains a character that XML cannot carry";
   const std::string noDigits = "a \\U escape needs four hexadecimal digits";
   const std::string half = "a \\U escape is half of a surrogate pair";
   const FaultRow rows[] = {
@@ -146,20 +146,20 @@ TEST(TextCursor, RejectsOtherQuotedStrings) {
       {"\"a\\\"", 0, noEnd},
       {"\"a\\", 2, "an escape does not end"},
       {"\"a\\12", 0, noEnd},
-      {R"("\0")", 0, uncarriable},
-      {R"("\000")", 0, uncarriable},
-      {R"("\a")", 0, uncarriable},
-      {R"("\b")", 0, uncarriable},
-      {R"("\f")", 0, uncarriable},
-      {R"("\v")", 0, uncarriable},
-      {R"("\1")", 0, uncarriable},
-      {R"("\37")", 0, uncarriable},
-      {R"("\U0000")", 0, uncarriable},
-      {R"("\UFFFE")", 0, uncarriable},
-      {R"("\UFFFF")", 0, uncarriable},
-      {"\"a\x01\"", 0, uncarriable},
-      {{"\"a\0\"", 4}, 0, uncarriable},
-      {"\"\xEF\xBF\xBF\"", 0, uncarriable},
+      {R"("\0")", 0, notXmlCharacter},
+      {R"("\000")", 0, notXmlCharacter},
+      {R"("\a")", 0, notXmlCharacter},
+      {R"("\b")", 0, notXmlCharacter},
+      {R"("\f")", 0, notXmlCharacter},
+      {R"("\v")", 0, notXmlCharacter},
+      {R"("\1")", 0, notXmlCharacter},
+      {R"("\37")", 0, notXmlCharacter},
+      {R"("\U0000")", 0, notXmlCharacter},
+      {R"("\UFFFE")", 0, notXmlCharacter},
+      {R"("\UFFFF")", 0, notXmlCharacter},
+      {"\"a\x01\"", 0, notXmlCharacter},
+      {{"\"a\0\"", 4}, 0, notXmlCharacter},
+      {"\"\xEF\xBF\xBF\"", 0, notXmlCharacter},
       {R"("a\400")", 2, "an octal escape is greater than \\377"},
       {R"("\777")", 1, "an octal escape is greater than \\377"},
       {R"("\U")", 1, noDigits},
@@ -236,7 +236,7 @@ TEST(TextCursor, ReadsData) {
 }
 
 TEST(TextCursor, RejectsOtherData) {
-  const std::string notHex = "data holds something other than hexadecimal digits";
+  const std::string notHex = "data contains something other than hexadecimal digits";
   const FaultRow rows[] = {
       {"<", 0, "data does not end"},
       {"<0f", 0, "data does not end"},

@@ -130,7 +130,7 @@ class TextPropertyListReader {
   MaybeValue ReadContents() {
     const bool isDictionary = cursor_.LookingAt('{');
     if (isDictionary || cursor_.LookingAt('(')) {
-      if (nesting_ == MaximumNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
+      if (nesting_ == MaxNesting) return Fail(cursor_.Offset(), NestedTooDeeply);
       ++nesting_;
       const auto container = isDictionary ? ReadDictionary() : ReadArray();
       --nesting_;
@@ -143,16 +143,16 @@ class TextPropertyListReader {
 
   MaybeValue ReadArray() {
     const std::size_t start = cursor_.Offset();
-    cursor_.Take('(');
+    cursor_.Consume('(');
     std::vector<PropertyValue> elements;
     for (;;) {
       if (!cursor_.SkipBlanks()) return std::nullopt;
-      if (cursor_.Take(')')) return Array(arena_.Copy(std::span<const PropertyValue>(elements)));
+      if (cursor_.Consume(')')) return Array(arena_.Copy(std::span<const PropertyValue>(elements)));
       if (cursor_.AtEnd()) return Fail(start, "an array does not end");
       auto value = ReadValue();
       if (!value || !cursor_.SkipBlanks()) return std::nullopt;
       elements.push_back(*value);
-      if (!cursor_.Take(',') && !cursor_.LookingAt(')') && !cursor_.AtEnd()) {
+      if (!cursor_.Consume(',') && !cursor_.LookingAt(')') && !cursor_.AtEnd()) {
         return Fail(cursor_.Offset(), "\",\" or \")\" was expected");
       }
     }
@@ -160,14 +160,14 @@ class TextPropertyListReader {
 
   MaybeValue ReadDictionary() {
     const std::size_t start = cursor_.Offset();
-    cursor_.Take('{');
+    cursor_.Consume('{');
     std::vector<DictionaryEntry> entries;
     if (!cursor_.SkipBlanks()) return std::nullopt;
     if (!AtEndOfPairs()) {
       std::string_view key;
       if (!ReadKey(key) || !ReadPairs(key, entries)) return std::nullopt;
     }
-    if (!cursor_.Take('}')) return Fail(start, "a dictionary does not end");
+    if (!cursor_.Consume('}')) return Fail(start, "a dictionary does not end");
     return MakeDictionary(entries, arena_);
   }
 
@@ -177,12 +177,12 @@ class TextPropertyListReader {
   // missing.
   bool ReadPairs(std::string_view key, std::vector<DictionaryEntry>& entries) {
     for (;;) {
-      if (!cursor_.Take('=')) return cursor_.Fail(cursor_.Offset(), "\"=\" was expected");
+      if (!cursor_.Consume('=')) return cursor_.Fail(cursor_.Offset(), "\"=\" was expected");
       if (!cursor_.SkipBlanks()) return false;
       auto value = ReadValue();
       if (!value || !cursor_.SkipBlanks()) return false;
       entries.push_back({key, *value});
-      const bool closed = cursor_.Take(';');
+      const bool closed = cursor_.Consume(';');
       if (closed && !cursor_.SkipBlanks()) return false;
       if (AtEndOfPairs()) return true;
       if (!closed) return cursor_.Fail(cursor_.Offset(), "\";\" was expected");

@@ -226,13 +226,14 @@ TEST(TextPropertyList, RejectsMalformedStringsAndData) {
           {"\"a", "line 1, column 1: a quoted string does not end"},
           {"(\"\\400\")", "line 1, column 3: an octal escape is greater than \\377"},
           {"(\"\\Ud83d\")", "line 1, column 3: a \\U escape is half of a surrogate pair"},
-          {"(\n \"\\0\")", "line 2, column 2: a string holds a character that XML cannot carry"},
-          {"{\"\x01\"=a;}", "line 1, column 2: a string holds a character that XML cannot carry"},
+          {"(\n \"\\0\")", "line 2, column 2: a string contains a character that XML cannot carry"},
+          {"{\"\x01\"=a;}",
+           "line 1, column 2: a string contains a character that XML cannot carry"},
           {"<0>", "line 1, column 1: data has an odd number of digits"},
-          {"<0g>", "line 1, column 3: data holds something other than hexadecimal digits"},
+          {"<0g>", "line 1, column 3: data contains something other than hexadecimal digits"},
           {"<00", "line 1, column 1: data does not end"},
-          {"(<*I5>)", "line 1, column 3: data holds something other than hexadecimal digits"},
-          {"<*BY>", "line 1, column 2: data holds something other than hexadecimal digits"},
+          {"(<*I5>)", "line 1, column 3: data contains something other than hexadecimal digits"},
+          {"<*BY>", "line 1, column 2: data contains something other than hexadecimal digits"},
       });
 }
 

@@ -7,12 +7,12 @@
 namespace fernwick {
 namespace {
 
-// Every character of which `holds` says so, in the order of their codes.
-std::string CharactersThat(bool (*holds)(char)) {
+// Every character for which `predicate` is true, in the order of their codes.
+std::string CharactersThat(bool (*predicate)(char)) {
   std::string found;
   for (int code = 0; code < 256; ++code) {
     const auto c = static_cast<char>(code);
-    if (holds(c)) found += c;
+    if (predicate(c)) found += c;
   }
   return found;
 }

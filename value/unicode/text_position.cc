@@ -10,7 +10,7 @@
 namespace fernwick {
 namespace {
 
-constexpr std::size_t LongestExcerpt = 40;  // bytes
+constexpr std::size_t MaxExcerptSize = 40;  // bytes
 
 bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -58,8 +58,8 @@ Error ErrorAt(std::string_view text, std::size_t offset, std::string message) {
 }
 
 std::string Excerpt(std::string_view text) {
-  if (text.size() <= LongestExcerpt) return OnOneLine(text);
-  std::size_t length = LongestExcerpt;
+  if (text.size() <= MaxExcerptSize) return OnOneLine(text);
+  std::size_t length = MaxExcerptSize;
   while (length > 0 && IsContinuation(text[length])) --length;
   return OnOneLine(text.substr(0, length)) + "...";
 }

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+// Validation in blocks: nearly all text is ASCII, so blocks of 32 bytes are tested as a whole, in a
+// loop without branches that the compiler turns into vector instructions, and only a block with
+// another byte is decoded character by character. Linear, at several bytes a cycle for ASCII.
+
 namespace fernwick {
 namespace {
 
@@ -34,8 +38,8 @@ constexpr bool IsPlain(unsigned char byte) {
   return (byte < 0x80) & ((byte >= 0x20) | isWhite);
 }
 
-// Whether all bytes of a run are. In a run of a known length the compiler looks at many bytes at
-// once, as none decides whether the next is looked at.
+// Whether all bytes of a run are plain. With a constant length and no early exit the compiler
+// vectorises the loop.
 bool AreAllPlain(const char* run, std::size_t size) {
   unsigned char refused = 0;
   for (std::size_t i = 0; i < size; ++i) {
@@ -44,9 +48,9 @@ bool AreAllPlain(const char* run, std::size_t size) {
   return refused == 0;
 }
 
-// How many bytes at the start of a text are plain for certain: whole blocks of `Size`.
+// The length of the plain prefix of a text, in whole blocks of `Size` bytes.
 template <std::size_t Size>
-std::size_t PlainStart(std::string_view text) {
+std::size_t PlainPrefixLength(std::string_view text) {
   std::size_t at = 0;
   while (text.size() - at >= Size && AreAllPlain(text.data() + at, Size)) at += Size;
   return at;
@@ -56,7 +60,7 @@ template <typename Accepts>
 std::size_t FindFirstRejected(std::string_view text, Accepts accepts) {
   std::size_t at = 0;
   while (at < text.size()) {
-    at += PlainStart<BlockSize>(text.substr(at));
+    at += PlainPrefixLength<BlockSize>(text.substr(at));
     const std::size_t end = std::min(text.size(), at + BlockSize);
     while (at < end) {
       if (IsPlain(static_cast<unsigned char>(text[at]))) {
@@ -121,8 +125,8 @@ bool IsTextCharacter(char32_t character) {
 }
 
 bool IsPlainAscii(std::string_view text) {
-  text.remove_prefix(PlainStart<BlockSize>(text));
-  text.remove_prefix(PlainStart<8>(text));  // most are short
+  text.remove_prefix(PlainPrefixLength<BlockSize>(text));
+  text.remove_prefix(PlainPrefixLength<8>(text));  // most are short
   return text.size() < 8 && AreAllPlain(text.data(), text.size());
 }
 

@@ -6,13 +6,13 @@
 
 namespace fernwick {
 
-/// The offset of what is not there, as std::string_view has it.
+/// The offset that means "not found", as in std::string_view.
 inline constexpr std::size_t npos = std::string_view::npos;
 
-/// What is written for a character that cannot be.
+/// What is written instead of a character that cannot be written.
 inline constexpr char32_t ReplacementCharacter = U'\uFFFD';
 
-/// One character at the start of a text. The length 0 and the character 0 say that the text does
+/// One character at the start of a text. The length and the character are 0 when the text does
 /// not begin with well-formed UTF-8.
 struct DecodedCharacter {
   char32_t character;
@@ -25,18 +25,18 @@ DecodedCharacter DecodeUtf8(std::string_view text);
 /// Appends a character. REQUIRES: a Unicode scalar value.
 void AppendUtf8(std::string& text, char32_t character);
 
-/// Whether an XML document can carry the character: tab, line feed, carriage return and everything
-/// from U+0020 on except surrogates, U+FFFE and U+FFFF.
+/// Whether an XML document can contain the character: tab, line feed, carriage return and
+/// everything from U+0020 on except surrogates, U+FFFE and U+FFFF.
 bool IsTextCharacter(char32_t character);
 
-/// Whether `text` is nothing but ASCII characters that an XML document can carry.
+/// Whether `text` consists of ASCII characters that an XML document can contain.
 bool IsPlainAscii(std::string_view text);
 
 /// The offset of the first byte that is not part of well-formed UTF-8, or npos.
 std::size_t FindInvalidUtf8(std::string_view text);
 
-/// The offset of the first character that is not well-formed or that an XML document cannot carry,
-/// or npos.
+/// The offset of the first character that is not well-formed or that an XML document cannot
+/// contain, or npos.
 std::size_t FindInvalidText(std::string_view text);
 
 /// Whether a unit of UTF-16 is the first or the second of a pair.
@@ -49,7 +49,7 @@ char32_t CombineSurrogates(char32_t high, char32_t low);
 /// Which byte of a unit of UTF-16 comes first.
 enum class ByteOrder { BigEndian, LittleEndian };
 
-/// UTF-16 as UTF-8, as far as it is well-formed.
+/// UTF-16 transcoded to UTF-8, up to the first fault.
 struct TranscodedText {
   std::string text;       // everything before the first fault
   std::size_t invalidAt;  // offset of the fault in the UTF-16 bytes, or npos

@@ -25,7 +25,7 @@ std::string Encoded(char32_t character) {
   return text;
 }
 
-// Sequences that are no UTF-8, whatever stands behind them.
+// Sequences that are not UTF-8, whatever follows them.
 const std::string IllFormed[] = {
     "\x80",              // a continuation without a lead
     "\xBF",              //
@@ -81,7 +81,7 @@ TEST(Utf8, SequenceThatIsCutShortDecodesToNothing) {
   for (const char32_t character : {0x80u, 0x7FFu, 0x800u, 0xFFFDu, 0x10000u, 0x10FFFFu}) {
     const auto text = Encoded(character);
     for (std::size_t size = 1; size < text.size(); ++size) {
-      const auto cutShort = std::string_view(text).substr(0, size);  // the rest stands behind it
+      const auto cutShort = std::string_view(text).substr(0, size);  // the rest follows in memory
       EXPECT_EQ(DecodeUtf8(cutShort).length, 0u) << std::hex << unsigned{character};
     }
   }

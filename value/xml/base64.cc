@@ -6,6 +6,10 @@
 
 #include "value/unicode/ascii.h"
 
+// Decoding uses a table from byte to digit. Groups of four digits without white space are decoded
+// four at a time, with one test for all of them; what interrupts them (white space, padding, an
+// error) goes through a loop of one character at a time. Linear.
+
 namespace fernwick {
 namespace {
 
@@ -31,7 +35,7 @@ char* WriteGroup(std::uint32_t group, char* out) {
   return out;
 }
 
-// Decodes as many whole groups of four digits as follow each other from `at` on, and moves `at`
+// Decodes consecutive whole groups of four digits from `at` on, and moves `at`
 // past them. The bytes are written from `out` on; returns the end of what it wrote.
 char* DecodeGroups(std::string_view text, std::size_t& at, char* out) {
   const auto digit = [&](std::size_t i) -> std::uint32_t {
@@ -51,8 +55,8 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
   std::string bytes(text.size() / 4 * 3, '\0');
   char* out = bytes.data();
   std::uint32_t group = 0;  // its digits so far, in the low bits
-  unsigned digits = 0;      // of the group begun
-  unsigned padding = 0;     // signs seen; nothing but more of them may follow
+  unsigned digits = 0;      // in the current group
+  unsigned padding = 0;     // "=" so far; only "=" and white space may follow
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (digits == 0 && padding == 0) out = DecodeGroups(text, at, out);
     if (at == text.size()) break;

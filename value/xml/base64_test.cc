@@ -103,10 +103,10 @@ TEST(Base64, RejectsAnythingElse) {
       "Zm9v====",  //
       "=",         //
       "====",      //
-      "=Zm8",      // in front of the digits
+      "=Zm8",      // before the digits
       "Zg==Zg==",  // between groups
       "Z=g=",      //
-      "Zm8=x",     // something behind it
+      "Zm8=x",     // something after it
       "Zm-v",      // of another alphabet
       "Zm_v",      //
       "Zm9v.",     //

@@ -21,7 +21,7 @@ constexpr std::pair<std::string_view, char> PredefinedEntities[] = {
 constexpr std::string_view CdataOpening = "<![CDATA[";
 constexpr std::string_view CdataClosing = "]]>";
 
-// The character of "#10" or "#xA"; nothing when it is no character that XML can carry.
+// The character of "#10" or "#xA"; empty when XML cannot contain it.
 std::optional<char32_t> ParseCharacterNumber(std::string_view name) {
   const bool hexadecimal = name.starts_with("#x");
   const std::string_view digits = name.substr(hexadecimal ? 2 : 1);
@@ -138,7 +138,7 @@ bool XmlCursor::SkipExternalIdentifier() {
     if (!SkipQuotedLiteral("the public identifier")) return false;
     const auto literal = document_.substr(start + 1, at_ - start - 2);
     if (!std::ranges::all_of(literal, IsPublicIdentifierCharacter)) {
-      return Fail(start, "the public identifier holds a character that it must not");
+      return Fail(start, "the public identifier contains a character that it must not");
     }
   }
   if (!SkipWhiteSpace()) return Fail(at_, "the document type declaration is malformed");
@@ -216,7 +216,7 @@ bool XmlCursor::ReadAnyEndTag(std::string_view name) {
   if (!ReadName(found, "the name of an element")) return false;
   if (found != name) {
     return Fail(start,
-                "</" + Excerpt(found) + "> stands where </" + std::string(name) + "> was expected");
+                "</" + Excerpt(found) + "> found where </" + std::string(name) + "> was expected");
   }
   SkipWhiteSpace();
   if (!LookingAt(">")) return Fail(start, "an end tag is malformed");

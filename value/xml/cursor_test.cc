@@ -18,15 +18,15 @@ struct FaultRow {
   std::string message;
 };
 
-// What may stand in memory behind a document, and must not be looked at.
-constexpr std::string_view Behind = " >/?-='\";a]<";
+// Bytes after the document in memory, which must not be read.
+constexpr std::string_view BytesAfter = " >/?-='\";a]<";
 
-// Holds `operate`, on a cursor over each document, to the fault of its row.
+// Checks that `operate`, on a cursor over each document, reports the fault of its row.
 template <typename Operate>
 void ExpectFaults(const std::vector<FaultRow>& rows, Operate operate) {
   for (const auto& [document, offset, message] : rows) {
-    for (const char behind : Behind) {
-      const auto memory = document + behind;
+    for (const char after : BytesAfter) {
+      const auto memory = document + after;
       SCOPED_TRACE(::testing::PrintToString(memory));
       XmlCursor cursor(std::string_view(memory).substr(0, document.size()));
       EXPECT_FALSE(operate(cursor));
@@ -36,9 +36,9 @@ void ExpectFaults(const std::vector<FaultRow>& rows, Operate operate) {
   }
 }
 
-// Holds `operate` to taking each text and nothing of the "<end>" behind it.
+// Checks that `operate` consumes each text and nothing of the "<end>" after it.
 template <typename Operate>
-void ExpectTakesWhole(const std::vector<std::string>& texts, Operate operate) {
+void ExpectConsumesWhole(const std::vector<std::string>& texts, Operate operate) {
   for (const auto& text : texts) {
     SCOPED_TRACE(::testing::PrintToString(text));
     const auto document = text + "<end>";
@@ -73,7 +73,7 @@ bool ReadCharacters(XmlCursor& cursor) {
 }
 
 TEST(XmlCursor, SkipsTheProlog) {
-  ExpectTakesWhole(
+  ExpectConsumesWhole(
       {
           "",
           " \t\r\n",
@@ -121,11 +121,11 @@ TEST(XmlCursor, RejectsAMalformedProlog) {
           {"<!DOCTYPE plist PUBLIC 'a' b>", 27, "the system identifier is not quoted"},
           {"<!DOCTYPE plist PUBLIC 'a", 23, "the public identifier does not end"},
           {"<!DOCTYPE plist PUBLIC 'a\tb' 'c'>", 23,
-           "the public identifier holds a character that it must not"},
+           "the public identifier contains a character that it must not"},
           {"<!DOCTYPE plist PUBLIC 'a<b' 'c'>", 23,
-           "the public identifier holds a character that it must not"},
+           "the public identifier contains a character that it must not"},
           {"<!DOCTYPE plist PUBLIC 'a{b' 'c'>", 23,
-           "the public identifier holds a character that it must not"},
+           "the public identifier contains a character that it must not"},
           {"<!DOCTYPE plist []>", 16,
            "a document type declaration with an internal subset is not accepted"},
           {"<!DOCTYPE plist[]>", 15,
@@ -144,7 +144,7 @@ TEST(XmlCursor, SecondDocumentTypeDeclarationIsLeftUnread) {
 }
 
 TEST(XmlCursor, SkipsWhiteSpaceCommentsAndProcessingInstructions) {
-  ExpectTakesWhole(
+  ExpectConsumesWhole(
       {
           "",
           "\n\t \r",
@@ -169,7 +169,7 @@ TEST(XmlCursor, SkipsIndentationOfAnyDepth) {
     for (const char* lineEnd : {"\n", "\r\n", "\r", " ", ""}) texts.push_back(lineEnd + tabs);
     texts.push_back("\n" + tabs + "\n" + tabs + " \t");
   }
-  ExpectTakesWhole(texts, SkipMiscellany);
+  ExpectConsumesWhole(texts, SkipMiscellany);
 }
 
 TEST(XmlCursor, RejectsMalformedCommentsAndProcessingInstructions) {
@@ -277,7 +277,7 @@ TEST(XmlCursor, RejectsMalformedStartTags) {
 }
 
 TEST(XmlCursor, ReadsEndTags) {
-  ExpectTakesWhole({"</dict>", "</dict >", "</dict\r\n\t>"}, ReadEndTagOfDict);
+  ExpectConsumesWhole({"</dict>", "</dict >", "</dict\r\n\t>"}, ReadEndTagOfDict);
 }
 
 TEST(XmlCursor, RejectsOtherEndTags) {
@@ -289,16 +289,16 @@ TEST(XmlCursor, RejectsOtherEndTags) {
           {"</", 2, "the name of an element is missing"},
           {"</>", 2, "the name of an element is missing"},
           {"</ dict>", 2, "the name of an element is missing"},
-          {"</array>", 0, "</array> stands where </dict> was expected"},
-          {"</Dict>", 0, "</Dict> stands where </dict> was expected"},
-          {"</dic>", 0, "</dic> stands where </dict> was expected"},
-          {"</dict2>", 0, "</dict2> stands where </dict> was expected"},
+          {"</array>", 0, "</array> found where </dict> was expected"},
+          {"</Dict>", 0, "</Dict> found where </dict> was expected"},
+          {"</dic>", 0, "</dic> found where </dict> was expected"},
+          {"</dict2>", 0, "</dict2> found where </dict> was expected"},
           {"</dict", 0, "an end tag is malformed"},
           {"</dict/>", 0, "an end tag is malformed"},
           {"</dict a=''>", 0, "an end tag is malformed"},
           {"</dict<", 0, "an end tag is malformed"},
           {"</" + Repeated("x", 50) + ">", 0,
-           "</" + Repeated("x", 40) + "...> stands where </dict> was expected"},
+           "</" + Repeated("x", 40) + "...> found where </dict> was expected"},
       },
       ReadEndTagOfDict);
 }
@@ -408,11 +408,11 @@ TEST(XmlCursor, RejectsMalformedCharacterData) {
 }
 
 TEST(XmlCursor, CharacterDataEndsAtAnyTagAndAtTheEnd) {
-  for (const std::string behind : {"", "<a>", "</a>", "<![cdata[]]>", "<!x>"}) {
-    const auto document = "text" + behind;
+  for (const std::string after : {"", "<a>", "</a>", "<![cdata[]]>", "<!x>"}) {
+    const auto document = "text" + after;
     XmlCursor cursor(document);
     EXPECT_TRUE(ReadCharacters(cursor));
-    EXPECT_EQ(cursor.Offset(), 4u) << behind;
+    EXPECT_EQ(cursor.Offset(), 4u) << after;
   }
 }
 

@@ -35,7 +35,7 @@ class DeclarationReader {
   explicit DeclarationReader(std::string_view text) : text_(text), at_(Opening.size()) {}
 
   std::size_t Offset() const { return at_; }
-  bool MetMalformedField() const { return metMalformedField_; }
+  bool FoundMalformedField() const { return foundMalformedField_; }
 
   bool SkipWhiteSpace() {
     const std::size_t start = at_;
@@ -43,7 +43,7 @@ class DeclarationReader {
     return at_ > start;
   }
 
-  bool Take(std::string_view literal) {
+  bool Consume(std::string_view literal) {
     if (!text_.substr(at_).starts_with(literal)) return false;
     at_ += literal.size();
     return true;
@@ -52,26 +52,26 @@ class DeclarationReader {
   // White space, `name`, "=" and a quoted value that `accepts`. When the name does not come next,
   // nothing is consumed; when it does and the rest is wrong, the reader stays at the fault.
   template <typename Accepts>
-  bool TakeField(std::string_view name, Accepts accepts, std::string_view& value) {
-    if (metMalformedField_) return false;
+  bool ConsumeField(std::string_view name, Accepts accepts, std::string_view& value) {
+    if (foundMalformedField_) return false;
     const std::size_t start = at_;
-    if (!SkipWhiteSpace() || !Take(name)) {
+    if (!SkipWhiteSpace() || !Consume(name)) {
       at_ = start;
       return false;
     }
-    metMalformedField_ = !TakeValue(accepts, value);
-    return !metMalformedField_;
+    foundMalformedField_ = !ConsumeValue(accepts, value);
+    return !foundMalformedField_;
   }
 
  private:
   template <typename Accepts>
-  bool TakeValue(Accepts accepts, std::string_view& value) {
+  bool ConsumeValue(Accepts accepts, std::string_view& value) {
     SkipWhiteSpace();
-    if (!Take("=")) return false;
+    if (!Consume("=")) return false;
     SkipWhiteSpace();
     const std::size_t start = at_;
     std::string_view quoted;
-    if (!TakeQuoted(quoted) || !accepts(quoted)) {
+    if (!ConsumeQuoted(quoted) || !accepts(quoted)) {
       at_ = start;
       return false;
     }
@@ -79,7 +79,7 @@ class DeclarationReader {
     return true;
   }
 
-  bool TakeQuoted(std::string_view& value) {
+  bool ConsumeQuoted(std::string_view& value) {
     if (at_ == text_.size() || (text_[at_] != '"' && text_[at_] != '\'')) return false;
     const std::size_t end = text_.find(text_[at_], at_ + 1);
     if (end == std::string_view::npos) return false;
@@ -90,7 +90,7 @@ class DeclarationReader {
 
   std::string_view text_;
   std::size_t at_;
-  bool metMalformedField_ = false;
+  bool foundMalformedField_ = false;
 };
 
 }  // namespace
@@ -107,13 +107,13 @@ bool ReadXmlDeclaration(std::string_view document, XmlDeclaration& declaration, 
   if (!HasXmlDeclaration(document)) return true;
   DeclarationReader reader(document);
   std::string_view ignored;
-  const bool hasVersion = reader.TakeField("version", IsVersion, ignored);
+  const bool hasVersion = reader.ConsumeField("version", IsVersion, ignored);
   if (hasVersion) {
-    reader.TakeField("encoding", IsEncodingName, declaration.encoding);
-    reader.TakeField("standalone", IsStandaloneAnswer, ignored);
+    reader.ConsumeField("encoding", IsEncodingName, declaration.encoding);
+    reader.ConsumeField("standalone", IsStandaloneAnswer, ignored);
   }
-  if (!reader.MetMalformedField()) reader.SkipWhiteSpace();
-  if (!hasVersion || reader.MetMalformedField() || !reader.Take("?>")) {
+  if (!reader.FoundMalformedField()) reader.SkipWhiteSpace();
+  if (!hasVersion || reader.FoundMalformedField() || !reader.Consume("?>")) {
     return fault.Set(reader.Offset(), "the XML declaration is malformed");
   }
   declaration.length = reader.Offset();

@@ -29,7 +29,7 @@ TEST(XmlDeclaration, AcceptsVersionEncodingAndStandaloneInThatOrder) {
   };
   for (const auto& [text, encoding] : rows) {
     SCOPED_TRACE(text);
-    const auto document = text + "\xFF<?xml";  // what is behind it is not looked at
+    const auto document = text + "\xFF<?xml";  // what follows is not read
     XmlDeclaration declaration;
     ParseFault fault;
     EXPECT_TRUE(HasXmlDeclaration(text));
@@ -104,8 +104,8 @@ TEST(XmlDeclaration, RejectsAnythingElseAtTheFault) {
       {"<?xml version='1.0' author='me'?>", 20},
   };
   for (const auto& [text, offset] : rows) {
-    for (const char behind : std::string_view(" ='\"?>a0")) {
-      const auto memory = text + behind;  // which must not be looked at
+    for (const char after : std::string_view(" ='\"?>a0")) {
+      const auto memory = text + after;  // which must not be read
       SCOPED_TRACE(memory);
       const auto document = std::string_view(memory).substr(0, text.size());
       XmlDeclaration declaration;

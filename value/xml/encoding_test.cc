@@ -60,7 +60,7 @@ TEST(XmlEncoding, FollowsTheMarkOrElseTheDeclaration) {
       {Utf8Mark + Declaring("EBCDIC", umlaut), Declaring("EBCDIC", umlaut)},
       {BigEndianMark + Widened(Declaring("UTF-8", "")) + umlautIn16, Declaring("UTF-8", umlaut)},
       {BigEndianMark + Widened(Declaring("UTF-16", "a")), Declaring("UTF-16", "a")},
-      // What is malformed is not looked into here when the mark has told the encoding.
+      // The declaration is not read when the mark determines the encoding.
       {Utf8Mark + "<?xml?>", "<?xml?>"},
   };
   for (const auto& [bytes, text] : rows) {
@@ -88,19 +88,19 @@ struct UndecodableRow {
 
 TEST(XmlEncoding, RejectsWhatItDoesNotDeclareOrXmlCannotCarry) {
   const std::string notUtf8 = "the text is not UTF-8";
-  const std::string uncarriable = "a character that XML cannot carry";
+  const std::string notXmlCharacter = "a character that XML cannot carry";
   const UndecodableRow rows[] = {
       {"<a>\xE4</a>", "line 1, column 4: " + notUtf8},
       {"<a>\n\xC3\xA4\xC3</a>", "line 2, column 2: " + notUtf8},
       {"<a>\xED\xA0\x80</a>", "line 1, column 4: " + notUtf8},
       {Utf8Mark + "\xE4", "line 1, column 1: " + notUtf8},
       {Declaring("UTF-8", "\n\xE4"), "line 2, column 1: " + notUtf8},
-      {std::string("a\0b", 3), "line 1, column 2: " + uncarriable},
-      {"a\n\x1B", "line 2, column 1: " + uncarriable},
-      {"<!-- \x01 -->", "line 1, column 6: " + uncarriable},
-      {"\xEF\xBF\xBE", "line 1, column 1: " + uncarriable},
-      {"\xEF\xBF\xBF", "line 1, column 1: " + uncarriable},
-      {Declaring("ISO-8859-1", "\n\xE4\x02"), "line 2, column 2: " + uncarriable},
+      {std::string("a\0b", 3), "line 1, column 2: " + notXmlCharacter},
+      {"a\n\x1B", "line 2, column 1: " + notXmlCharacter},
+      {"<!-- \x01 -->", "line 1, column 6: " + notXmlCharacter},
+      {"\xEF\xBF\xBE", "line 1, column 1: " + notXmlCharacter},
+      {"\xEF\xBF\xBF", "line 1, column 1: " + notXmlCharacter},
+      {Declaring("ISO-8859-1", "\n\xE4\x02"), "line 2, column 2: " + notXmlCharacter},
       {Declaring("US-ASCII", "\na\xE4"),
        "line 2, column 2: the text is not US-ASCII, which it declares"},
       {Declaring("US-ASCII", "\x80"),
@@ -124,8 +124,8 @@ TEST(XmlEncoding, RejectsWhatItDoesNotDeclareOrXmlCannotCarry) {
        "line 1, column 2: the text is not UTF-16"},
       {LittleEndianMark + std::string("a\0\x3D\xD8", 4),
        "line 1, column 2: the text is not UTF-16"},
-      {BigEndianMark + Widened("a") + "\xFF\xFE", "line 1, column 2: " + uncarriable},
-      {BigEndianMark + Widened("a\x01") + "\xD8", "line 1, column 2: " + uncarriable},
+      {BigEndianMark + Widened("a") + "\xFF\xFE", "line 1, column 2: " + notXmlCharacter},
+      {BigEndianMark + Widened("a\x01") + "\xD8", "line 1, column 2: " + notXmlCharacter},
   };
   for (const auto& [bytes, error] : rows) {
     SCOPED_TRACE(::testing::PrintToString(bytes));

@@ -36,7 +36,8 @@ constexpr bool IsNameCharacter(char32_t character, bool isFirst) {
   return IsIn(NameStarts, character) || (!isFirst && IsIn(FurtherNameCharacters, character));
 }
 
-// For each ASCII character whether it may be in a name after the first: names are little else.
+// For each ASCII character whether it may be in a name after the first character. A table, because
+// almost all names are ASCII.
 constexpr auto ContinuesName = [] {
   std::array<bool, 0x80> table{};
   for (char32_t c = 0; c < table.size(); ++c) table[c] = IsNameCharacter(c, false);

@@ -8,13 +8,14 @@
 
 namespace fernwick {
 
-/// The fast path for XML as nearly all of it is written: a tag is nothing but its name, and text
-/// has no references. These functions return how much of that a text begins with. They are short
-/// enough to be inlined; what is not plain, faults included, is left to the caller.
+/// The fast path for XML as nearly all of it is written: a tag consists of its name, and text
+/// has no references. These functions return the plain prefix of a text or its length. They are
+/// short enough to be inlined; the caller handles everything else, faults included.
 
 /// How many characters of white space the text begins with.
 inline std::size_t XmlWhiteSpaceLength(std::string_view text) {
-  constexpr std::string_view Indentation = "\t\t\t\t\t\t\t\t";  // deep down there is much of it
+  constexpr std::string_view Indentation =
+      "\t\t\t\t\t\t\t\t";  // deeply nested lines begin with many tabs
   std::size_t length = 0;
   while (length < text.size() && IsXmlWhiteSpace(text[length])) {
     if (text[length++] != '\n') continue;
@@ -45,15 +46,16 @@ inline std::size_t PlainXmlEndTagLength(std::string_view text, std::string_view 
   return text.substr(end).starts_with('>') ? end + 1 : 0;
 }
 
-/// The characters at the start of the text that mean what they are, up to "<" or the end.
+/// The prefix of the text that needs no decoding, up to "<" or the end at most.
 inline std::string_view PlainXmlCharacters(std::string_view text) {
-  static constexpr auto EndsThem = [] {
+  static constexpr auto EndsCharacters = [] {
     std::array<bool, 256> table{};
     for (const char c : {'<', '&', '\r', ']'}) table[static_cast<unsigned char>(c)] = true;
     return table;
   }();
   std::size_t length = 0;
-  while (length < text.size() && !EndsThem[static_cast<unsigned char>(text[length])]) ++length;
+  while (length < text.size() && !EndsCharacters[static_cast<unsigned char>(text[length])])
+    ++length;
   return text.substr(0, length);
 }
 

@@ -7,11 +7,11 @@
 namespace fernwick {
 namespace {
 
-// What `function` makes of the text, whatever stands in memory behind it.
+// The result of `function` for the text, which must not depend on what follows it in memory.
 template <typename Function>
-void ExpectWhateverIsBehind(const std::string& text, Function function) {
-  for (const char behind : {'\0', ' ', '\t', '<', '>', '/', 'a', 'z', '!', '?'}) {
-    const auto memory = text + behind;
+void ExpectWhateverFollows(const std::string& text, Function function) {
+  for (const char after : {'\0', ' ', '\t', '<', '>', '/', 'a', 'z', '!', '?'}) {
+    const auto memory = text + after;
     SCOPED_TRACE(::testing::PrintToString(memory));
     function(std::string_view(memory).substr(0, text.size()));
   }
@@ -20,7 +20,7 @@ void ExpectWhateverIsBehind(const std::string& text, Function function) {
 TEST(PlainXml, WhiteSpaceIsAllThatComesFirst) {
   const std::string spaces[] = {"", " ", "\t", "\r", "\n", " \t\r\n ", std::string(20, ' ')};
   for (const auto& space : spaces) {
-    ExpectWhateverIsBehind(space + "x \n", [&](std::string_view text) {
+    ExpectWhateverFollows(space + "x \n", [&](std::string_view text) {
       EXPECT_EQ(XmlWhiteSpaceLength(text), space.size());
     });
   }
@@ -45,14 +45,14 @@ TEST(PlainXml, ATagIsNeitherCommentNorInstruction) {
     EXPECT_TRUE(BeginsWithXmlTag(tag)) << tag;
   }
   for (const std::string other : {"", "<", "a", "a<b", " <a", "<!", "<?", "<!-- -->", "<?xml ?>"}) {
-    ExpectWhateverIsBehind(other,
-                           [](std::string_view text) { EXPECT_FALSE(BeginsWithXmlTag(text)); });
+    ExpectWhateverFollows(other,
+                          [](std::string_view text) { EXPECT_FALSE(BeginsWithXmlTag(text)); });
   }
 }
 
 TEST(PlainXml, AStartTagIsItsName) {
   for (const std::string name : {"a", "z", "dict", "abcdefghijklmnopqrstuvwxyz"}) {
-    ExpectWhateverIsBehind('<' + name + '>', [&](std::string_view text) {
+    ExpectWhateverFollows('<' + name + '>', [&](std::string_view text) {
       EXPECT_EQ(PlainXmlStartTagName(text), name);
       EXPECT_EQ(PlainXmlStartTagName(std::string(text) + "x</y>"), name);
     });
@@ -63,8 +63,8 @@ TEST(PlainXml, AStartTagThatIsNotPlainIsNone) {
   for (const std::string other :
        {"<>", "</a>", "<a/>", "<a >", "< a>", "<a b=\"c\">", "<A>", "<a1>", "<a-b>", "<a:b>", "<`>",
         "<{>", "<\xC3\xA9>", "<a\n", "<a="}) {
-    ExpectWhateverIsBehind(
-        other, [](std::string_view text) { EXPECT_EQ(PlainXmlStartTagName(text), ""); });
+    ExpectWhateverFollows(other,
+                          [](std::string_view text) { EXPECT_EQ(PlainXmlStartTagName(text), ""); });
   }
 }
 
@@ -78,7 +78,7 @@ TEST(PlainXml, AStartTagThatIsCutShortIsNone) {
 TEST(PlainXml, AnEndTagIsThatOfTheElement) {
   for (const std::string name : {"a", "dict", "string"}) {
     const auto tag = "</" + name + ">";
-    ExpectWhateverIsBehind(tag, [&](std::string_view text) {
+    ExpectWhateverFollows(tag, [&](std::string_view text) {
       EXPECT_EQ(PlainXmlEndTagLength(text, name), tag.size());
       EXPECT_EQ(PlainXmlEndTagLength(std::string(text) + "</x>", name), tag.size());
     });
@@ -92,7 +92,7 @@ TEST(PlainXml, AnEndTagThatIsNotPlainIsNone) {
     const auto expectNone = [](std::string_view text) {
       EXPECT_EQ(PlainXmlEndTagLength(text, "dict"), 0);
     };
-    ExpectWhateverIsBehind(other, expectNone);
+    ExpectWhateverFollows(other, expectNone);
   }
 }
 
@@ -107,7 +107,7 @@ TEST(PlainXml, CharactersEndWhereOneMayMeanSomethingElse) {
 
 TEST(PlainXml, CharactersEndWithTheText) {
   for (const std::string characters : {"", "a", "a\n > b"}) {
-    ExpectWhateverIsBehind(characters, [&](std::string_view text) {
+    ExpectWhateverFollows(characters, [&](std::string_view text) {
       EXPECT_EQ(PlainXmlCharacters(text), characters);
     });
   }

@@ -14,6 +14,15 @@
 #include "value/xml/cursor.h"
 #include "value/xml/encoding.h"
 
+// A recursive-descent reader that builds the value while it parses, in one pass. The elements of
+// the open arrays and dictionaries are collected on two stacks; when a container is closed, its
+// part of the stack is copied into the arena as one block. Strings are views of the document unless
+// they contain a reference. Linear, except for repeated keys (see property_value.cc).
+//
+// Equal keys mostly share one view: a direct-mapped cache of 256 keys, indexed by hash, returns the
+// view of the last equal key. A file repeats a few keys many times, and comparing views of the same
+// bytes touches less memory. A collision only loses the sharing.
+
 namespace fernwick {
 namespace {
 
@@ -34,7 +43,7 @@ Element ElementNamed(std::string_view name) {
 
 bool FailUnknownElement(XmlCursor& cursor, const XmlStartTag& tag) {
   if (tag.name == "key") {
-    return cursor.Fail(tag.offset, "<key> stands where a value was expected");
+    return cursor.Fail(tag.offset, "<key> found where a value was expected");
   }
   return cursor.Fail(tag.offset, "<" + Excerpt(tag.name) + "> is no property-list element");
 }
@@ -99,7 +108,7 @@ class XmlLeaves {
     if (!cursor_.ReadCharacters(text, scratch_)) return false;
     if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
       return cursor_.Fail(cursor_.Offset(),
-                          "<" + std::string(tag.name) + "> holds something other than text");
+                          "<" + std::string(tag.name) + "> contains something other than text");
     }
     return cursor_.ReadEndTag(tag.name);
   }
@@ -111,8 +120,7 @@ class XmlLeaves {
     return true;
   }
 
-  // Mostly the same view for equal keys: a file repeats its keys, and what compares many of them
-  // finds them in the processor's cache.
+  // The view of an equal key from the cache, which the key replaces where there is none.
   std::string_view Shared(std::string_view key) {
     auto& recent = recentKeys_[std::hash<std::string_view>()(key) % recentKeys_.size()];
     if (recent == key) return recent;
@@ -153,12 +161,12 @@ class XmlPropertyListReader {
   }
 
   bool ReadPlistElement(const XmlStartTag& plist) {
-    if (plist.isEmptyElement) return cursor_.Fail(plist.offset, "<plist> holds no value");
+    if (plist.isEmptyElement) return cursor_.Fail(plist.offset, "<plist> contains no value");
     if (!cursor_.SkipMiscellany()) return false;
-    if (cursor_.LookingAt("</")) return cursor_.Fail(cursor_.Offset(), "<plist> holds no value");
+    if (cursor_.LookingAt("</")) return cursor_.Fail(cursor_.Offset(), "<plist> contains no value");
     if (!ReadValue() || !cursor_.SkipMiscellany()) return false;
     if (cursor_.LookingAt("<") && !cursor_.LookingAt("</")) {
-      return cursor_.Fail(cursor_.Offset(), "<plist> holds more than one value");
+      return cursor_.Fail(cursor_.Offset(), "<plist> contains more than one value");
     }
     return cursor_.ReadEndTag(plist.name);
   }
@@ -167,11 +175,11 @@ class XmlPropertyListReader {
     return cursor_.LookingAt("<") ? cursor_.ReadStartTag(tag) : FailWithoutElement();
   }
 
-  // Not part of its caller, which would be the slower for it.
+  // Not inlined: its caller is faster without the error path in it.
   [[gnu::noinline]] bool FailWithoutElement() {
     return cursor_.Fail(cursor_.Offset(), cursor_.AtEnd()
                                               ? "the document ends too early"
-                                              : "text stands where an element was expected");
+                                              : "text found where an element was expected");
   }
 
   bool ReadValue() {
@@ -196,11 +204,11 @@ class XmlPropertyListReader {
   }
 
   bool Open(const XmlStartTag& tag) {
-    if (++nesting_ > MaximumNesting) return cursor_.Fail(tag.offset, NestedTooDeeply);
+    if (++nesting_ > MaxNesting) return cursor_.Fail(tag.offset, NestedTooDeeply);
     return true;
   }
 
-  // Moves on to the next thing inside a container: a start tag, or the end of it.
+  // Skips to the next start tag inside a container, or to its end tag.
   bool AtNextElement(bool& more) {
     if (!cursor_.SkipMiscellany()) return false;
     more = !cursor_.LookingAt("</");
@@ -210,7 +218,7 @@ class XmlPropertyListReader {
   bool ReadArray(const XmlStartTag& tag) {
     const std::size_t first = values_.size();
     if (!ReadContents(tag, [this] { return ReadValue(); })) return false;
-    return Produce(Array(TakeFrom(values_, first)));
+    return Produce(Array(MoveToArena(values_, first)));
   }
 
   bool ReadDictionary(const XmlStartTag& tag) {
@@ -218,7 +226,7 @@ class XmlPropertyListReader {
     if (!ReadContents(tag, [this] { return ReadEntry(); })) return false;
     const auto unique = WithoutRepeatedKeys(std::span(entries_).subspan(first));
     entries_.resize(first + unique.size());
-    return Produce(Dictionary(TakeFrom(entries_, first)));
+    return Produce(Dictionary(MoveToArena(entries_, first)));
   }
 
   // Everything inside a container, each part by `readPart`, and its end tag.
@@ -233,12 +241,12 @@ class XmlPropertyListReader {
     return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
   }
 
-  // Moves what has been collected from `first` on into the arena.
+  // Moves the top of a stack, from `first` on, into the arena.
   template <typename Part>
-  std::span<const Part> TakeFrom(std::vector<Part>& collected, std::size_t first) {
-    const auto taken = arena_.Copy(std::span<const Part>(collected).subspan(first));
+  std::span<const Part> MoveToArena(std::vector<Part>& collected, std::size_t first) {
+    const auto moved = arena_.Copy(std::span<const Part>(collected).subspan(first));
     collected.resize(first);
-    return taken;
+    return moved;
   }
 
   bool ReadEntry() {
@@ -246,8 +254,7 @@ class XmlPropertyListReader {
     std::string_view text;
     if (!ReadStartTag(tag)) return false;
     if (tag.name != "key") {
-      return cursor_.Fail(tag.offset,
-                          "<" + Excerpt(tag.name) + "> stands where <key> was expected");
+      return cursor_.Fail(tag.offset, "<" + Excerpt(tag.name) + "> found where <key> was expected");
     }
     if (!leaves_.ReadKey(tag, text) || !cursor_.SkipMiscellany()) return false;
     if (locations_ != nullptr) locations_->Key(text, tag.offset);
@@ -269,8 +276,8 @@ class XmlPropertyListReader {
   Arena& arena_;
   LocationBuilder* locations_;  // may be null
   std::size_t nesting_ = 0;
-  // Stacks of what has been read of the arrays and dictionaries that are still open, innermost
-  // last: each goes into the arena in one piece when it is closed.
+  // Stacks of the elements and entries of the arrays and dictionaries that are open, innermost
+  // last.
   std::vector<PropertyValue> values_;
   std::vector<DictionaryEntry> entries_;
 };

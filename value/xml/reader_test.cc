@@ -32,7 +32,7 @@ Result<PropertyValue> Parse(std::string document) {
   return ParseXmlPropertyList(DecodeSource(arena.Adopt(std::move(document)), arena), arena);
 }
 
-// As they stand inside <plist> on a line of its own, so that columns count from the value.
+// Inside <plist> on a line of its own, so that columns count from the value.
 Result<PropertyValue> ParseInPlist(const std::string& value) {
   return Parse("<plist>\n" + value + "\n</plist>");
 }
@@ -230,19 +230,20 @@ TEST(XmlPropertyList, RejectsBooleansWithContent) {
       {
           {"<true>yes</true>", "line 2, column 1: \"yes\" is not a valid true"},
           {"<false> </false>", "line 2, column 1: \" \" is not a valid false"},
-          {"<true><false/></true>", "line 2, column 7: <true> holds something other than text"},
+          {"<true><false/></true>", "line 2, column 7: <true> contains something other than text"},
       });
 }
 
 TEST(XmlPropertyList, RejectsElementsInsideText) {
-  ExpectRejected(ParseInPlist, {
-                                   {"<string>a<b/></string>",
-                                    "line 2, column 10: <string> holds something other than text"},
-                                   {"<integer><integer>1</integer></integer>",
-                                    "line 2, column 10: <integer> holds something other than text"},
-                                   {"<dict><key><string/></key><true/></dict>",
-                                    "line 2, column 12: <key> holds something other than text"},
-                               });
+  ExpectRejected(ParseInPlist,
+                 {
+                     {"<string>a<b/></string>",
+                      "line 2, column 10: <string> contains something other than text"},
+                     {"<integer><integer>1</integer></integer>",
+                      "line 2, column 10: <integer> contains something other than text"},
+                     {"<dict><key><string/></key><true/></dict>",
+                      "line 2, column 12: <key> contains something other than text"},
+                 });
 }
 
 TEST(XmlPropertyList, RejectsMissingAndMismatchedEndTags) {
@@ -250,16 +251,14 @@ TEST(XmlPropertyList, RejectsMissingAndMismatchedEndTags) {
       Parse,
       {
           {"<string>a", "line 1, column 10: </string> is missing"},
-          {"<string>a</strin>", "line 1, column 10: </strin> stands where </string> was expected"},
+          {"<string>a</strin>", "line 1, column 10: </strin> found where </string> was expected"},
           {"<string>a</string", "line 1, column 10: an end tag is malformed"},
           {"<string", "line 1, column 1: a start tag does not end"},
           {"<array>", "line 1, column 8: the document ends too early"},
           {"<array><true/>", "line 1, column 15: the document ends too early"},
-          {"<array><true></array>",
-           "line 1, column 14: </array> stands where </true> was expected"},
-          {"<array><true/></dict>",
-           "line 1, column 15: </dict> stands where </array> was expected"},
-          {"<dict></array>", "line 1, column 7: </array> stands where </dict> was expected"},
+          {"<array><true></array>", "line 1, column 14: </array> found where </true> was expected"},
+          {"<array><true/></dict>", "line 1, column 15: </dict> found where </array> was expected"},
+          {"<dict></array>", "line 1, column 7: </array> found where </dict> was expected"},
           {"<dict>", "line 1, column 7: the document ends too early"},
           {"<dict><key>a", "line 1, column 13: </key> is missing"},
           {"<dict><key>a</key>", "line 1, column 19: the document ends too early"},
@@ -267,9 +266,9 @@ TEST(XmlPropertyList, RejectsMissingAndMismatchedEndTags) {
           {"<plist>", "line 1, column 8: the document ends too early"},
           {"<plist><true/>", "line 1, column 15: </plist> is missing"},
           {"<plist><true/></Plist>",
-           "line 1, column 15: </Plist> stands where </plist> was expected"},
+           "line 1, column 15: </Plist> found where </plist> was expected"},
           {"<plist><true/></array></plist>",
-           "line 1, column 15: </array> stands where </plist> was expected"},
+           "line 1, column 15: </array> found where </plist> was expected"},
       });
 }
 
@@ -309,11 +308,11 @@ TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItIs) {
                         });
 }
 
-// Whatever would make a value of what is left when reading went on behind the fault.
+// Texts that would be accepted if reading went on after the fault.
 TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItIs) {
-  const auto hyphens = [](const std::string& before, const std::string& behind) {
+  const auto hyphens = [](const std::string& before, const std::string& after) {
     return RejectedRow{
-        before + "<!--a--" + behind,
+        before + "<!--a--" + after,
         "line 1, column " + std::to_string(before.size() + 6) + ": \"--\" stands inside a comment"};
   };
   ExpectRejected(Parse, {
@@ -340,7 +339,7 @@ TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItIs) {
 }
 
 TEST(XmlPropertyList, RejectsTextAroundElements) {
-  const std::string error = "text stands where an element was expected";
+  const std::string error = "text found where an element was expected";
   ExpectRejected(
       Parse,
       {
@@ -417,15 +416,15 @@ TEST(XmlPropertyList, RejectsAMalformedProlog) {
 TEST(XmlPropertyList, RejectsAPlistThatDoesNotContainOneValue) {
   ExpectRejected(Parse,
                  {
-                     {"<plist/>", "line 1, column 1: <plist> holds no value"},
-                     {"<plist></plist>", "line 1, column 8: <plist> holds no value"},
-                     {"<plist>\n<!-- -->\n</plist>", "line 3, column 1: <plist> holds no value"},
+                     {"<plist/>", "line 1, column 1: <plist> contains no value"},
+                     {"<plist></plist>", "line 1, column 8: <plist> contains no value"},
+                     {"<plist>\n<!-- -->\n</plist>", "line 3, column 1: <plist> contains no value"},
                      {"<plist><true/><false/></plist>",
-                      "line 1, column 15: <plist> holds more than one value"},
+                      "line 1, column 15: <plist> contains more than one value"},
                      {"<plist><plist><true/></plist></plist>",
                       "line 1, column 8: <plist> is no property-list element"},
                      {"<plist><key>a</key></plist>",
-                      "line 1, column 8: <key> stands where a value was expected"},
+                      "line 1, column 8: <key> found where a value was expected"},
                  });
 }
 
@@ -435,13 +434,13 @@ TEST(XmlPropertyList, RejectsMalformedDictionaries) {
       {
           {"<dict><key>a</key></dict>", "line 2, column 7: a key has no value"},
           {"<dict><key>a</key><true/><key>b</key></dict>", "line 2, column 26: a key has no value"},
-          {"<dict><true/></dict>", "line 2, column 7: <true> stands where <key> was expected"},
+          {"<dict><true/></dict>", "line 2, column 7: <true> found where <key> was expected"},
           {"<dict><key>a</key><true/><true/></dict>",
-           "line 2, column 26: <true> stands where <key> was expected"},
+           "line 2, column 26: <true> found where <key> was expected"},
           {"<dict><key>a</key><key>b</key><true/></dict>",
-           "line 2, column 19: <key> stands where a value was expected"},
+           "line 2, column 19: <key> found where a value was expected"},
           {"<dict><string>a</string><true/></dict>",
-           "line 2, column 7: <string> stands where <key> was expected"},
+           "line 2, column 7: <string> found where <key> was expected"},
       });
 }
 
@@ -455,7 +454,7 @@ TEST(XmlPropertyList, RejectsUnknownElements) {
           {"<set/>", "line 2, column 1: <set> is no property-list element"},
           {"<p:true/>", "line 2, column 1: <p:true> is no property-list element"},
           {"<array><key>a</key></array>",
-           "line 2, column 8: <key> stands where a value was expected"},
+           "line 2, column 8: <key> found where a value was expected"},
           {"<" + Repeated("x", 50) + "/>",
            "line 2, column 1: <" + Repeated("x", 40) + "...> is no property-list element"},
       });

@@ -7,8 +7,8 @@
 namespace fernwick {
 
 /// The value as an XML property list in UTF-8, ending in "</plist>": one element a line, indented
-/// with tabs, the outermost not at all, dictionary keys in their order. A character that XML cannot
-/// carry is written as U+FFFD. The newline after it is the caller's.
+/// with tabs, the outermost not indented, dictionary keys in their order. A character that XML
+/// cannot contain is written as U+FFFD. Without a line feed at the end.
 std::string WriteXmlPropertyList(const PropertyValue& value);
 
 }  // namespace fernwick

@@ -8,24 +8,24 @@
 
 namespace fernwick::testing {
 
-/// A program that runs beside the test, which writes its standard input and reads its standard
-/// output. Its standard error is the test's own.
-class FedProgram {
+/// A program that runs concurrently with the test, which writes its standard input and reads its
+/// standard output. Its standard error is the test's own.
+class PipedProcess {
  public:
-  /// Starts it in `directory`. Aborts when there are no pipes to be had.
-  FedProgram(const std::vector<std::string>& command, const std::string& directory);
+  /// Starts it in `directory`. Aborts when no pipe can be created.
+  PipedProcess(const std::vector<std::string>& command, const std::string& directory);
 
   /// Ends it when it has not been waited for.
-  ~FedProgram();
-  FedProgram(const FedProgram&) = delete;
-  FedProgram& operator=(const FedProgram&) = delete;
+  ~PipedProcess();
+  PipedProcess(const PipedProcess&) = delete;
+  PipedProcess& operator=(const PipedProcess&) = delete;
 
   pid_t Process() const { return process_; }
 
-  /// The processes that it has started and not yet buried.
+  /// The processes that it has started and not yet waited for.
   std::vector<pid_t> Children() const;
 
-  /// Writes all of it; ends this process when the program reads no more.
+  /// Writes all of it; SIGPIPE ends this process when the program reads no more.
   void Write(std::string_view text) const;
   void EndInput();
 
@@ -44,7 +44,7 @@ class FedProgram {
   std::string unread_;
 };
 
-/// The greatest amount of memory that a living process has held at once, in KiB. Aborts when there
+/// The peak resident memory of a living process, in KiB. Aborts when there
 /// is no such process.
 std::size_t PeakMemory(pid_t process);
 

@@ -1,6 +1,6 @@
-"""Whether an XML document gives ground for what our reader holds against it.
+"""Whether an XML document has the fault for which our reader refuses it.
 
-Each function looks for the fault by itself, at the place in the text that our reader names.
+Each function looks for the fault independently, at the position that our reader reports.
 """
 
 import datetime
@@ -37,13 +37,13 @@ def text_of(document):
 
 
 def index_of(text, line, column):
-    """Where a line and a column lie; a line ends in any of the three ways."""
+    """The index of a line and a column; lines end with LF, CR or both."""
     starts = [0] + [match.end() for match in re.finditer("\r\n|\r|\n", text)]
     return starts[line - 1] + column - 1
 
 
 def without_encoding(document):
-    """The document with nothing said of its encoding; None when it says nothing."""
+    """The document without its declared encoding; None when it declares none."""
     mark = mark_of(document)
     codec = MARKS.get(mark, "utf-8")
     errors = "surrogateescape" if codec == "utf-8" else "surrogatepass"
@@ -136,7 +136,7 @@ def is_inside_leaf(text, index):
         name not in ("array", "dict"))
 
 
-def is_behind_value(text, index):
+def is_after_value(text, index):
     opening, name, closing = _tag_before(text, index)
     return text[index] == "<" and name in ELEMENTS and bool(opening or closing)
 
@@ -145,7 +145,7 @@ def is_empty_plist(text, _index):
     return re.search(r"<plist\b[^<>]*(/>|>(\s|<!--.*?-->|<\?.*?\?>)*</plist)", text, re.DOTALL)
 
 
-def is_behind_cdata_opening(text, index):
+def is_after_cdata_opening(text, index):
     return text.startswith("<![CDATA[", index - 1)
 
 

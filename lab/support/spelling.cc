@@ -1,19 +1,22 @@
-// Optimal string alignment (edit distance with exchanges of neighbours), by dynamic programming
-// over three rows: O(a * b) time and O(b) memory. Words have a few dozen characters.
-
-#include "lab/lint/spelling.h"
+#include "lab/support/spelling.h"
 
 #include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
+// Misspellings by optimal string alignment, the edit distance that also counts an exchange of two
+// neighbours as one edit. Dynamic programming over the prefixes of both words: the distance of two
+// prefixes follows from those that are one character shorter, or two for an exchange, so three rows
+// of the table are enough. O(length * length) time for each known word, O(length) memory; words
+// whose lengths differ by more than the limit are not compared.
+
 namespace fernwick::lab {
 namespace {
 
 constexpr std::size_t MaxDistance = 2;
 
-// The letters and digits, without their case.
+// In lower case, without blanks, hyphens and underscores.
 std::string Normalized(std::string_view word) {
   std::string normalized;
   for (const char c : word) {
@@ -27,9 +30,9 @@ bool IsExchange(std::string_view a, std::string_view b, std::size_t i, std::size
   return i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
 }
 
-// For short words, whose neighbours are often other words: a character too many or two exchanged,
-// as in "RIDs".
-bool IsSlip(std::string_view word, std::string_view meant) {
+// A character too many or characters exchanged ("RIDs", "RDI"): the only edits of a short word that
+// do not easily result in another word.
+bool IsTypingSlip(std::string_view word, std::string_view meant) {
   return word.size() > meant.size() || std::ranges::is_permutation(word, meant);
 }
 
@@ -39,7 +42,7 @@ std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t lim
   const auto longer = std::max(a.size(), b.size());
   const auto shorter = std::min(a.size(), b.size());
   if (longer - shorter > limit) return limit + 1;
-  // Distances between the beginnings of both: of the rows for i - 2, i - 1 and i characters of a.
+  // Row i contains the distances of the first i characters of a from each prefix of b.
   std::vector<std::size_t> before(b.size() + 1);
   std::vector<std::size_t> last(b.size() + 1);
   std::vector<std::size_t> row(b.size() + 1);
@@ -59,7 +62,7 @@ std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t lim
 
 std::string_view NearestSpelling(std::string_view word, std::span<const std::string_view> known) {
   std::string_view nearest;
-  std::size_t least = MaxDistance + 1;
+  std::size_t minDistance = MaxDistance + 1;
   const auto normalized = Normalized(word);
   for (const auto candidate : known) {
     if (word.size() > 2 * candidate.size()) continue;
@@ -67,13 +70,18 @@ std::string_view NearestSpelling(std::string_view word, std::span<const std::str
     const auto distance = std::min(EditDistance(word, candidate, MaxDistance),
                                    EditDistance(normalized, meant, MaxDistance));
     auto allowed = std::min(MaxDistance, (candidate.size() - 1) / 4);
-    if (allowed == 0 && IsSlip(normalized, meant)) allowed = 1;
-    if (distance <= allowed && distance < least) {
-      least = distance;
+    if (allowed == 0 && IsTypingSlip(normalized, meant)) allowed = 1;
+    if (distance <= allowed && distance < minDistance) {
+      minDistance = distance;
       nearest = candidate;
     }
   }
   return nearest;
+}
+
+std::string SuggestionFor(std::string_view word, std::span<const std::string_view> known) {
+  const auto nearest = NearestSpelling(word, known);
+  return nearest.empty() ? "" : " (did you mean \"" + std::string(nearest) + "\"?)";
 }
 
 }  // namespace fernwick::lab

@@ -1,11 +1,11 @@
-#include "lab/lint/spelling.h"
+#include "lab/support/spelling.h"
 
 #include <gtest/gtest.h>
 
 namespace fernwick::lab {
 namespace {
 
-TEST(EditDistance, CountsChangesOfAllFourKinds) {
+TEST(EditDistance, CountsEditsOfAllFourKinds) {
   EXPECT_EQ(EditDistance("RID", "RID", 2), 0u);
   EXPECT_EQ(EditDistance("RIDs", "RID", 2), 1u);
   EXPECT_EQ(EditDistance("RD", "RID", 2), 1u);
@@ -46,7 +46,7 @@ TEST(NearestSpelling, OfAShortWordIsOneCharacterTooManyOrTwoExchanged) {
   EXPECT_EQ(NearestSpelling("RIDxs", Known), "");
 }
 
-TEST(NearestSpelling, MindsNoCaseBlanksHyphensAndUnderscores) {
+TEST(NearestSpelling, IgnoresCaseBlanksHyphensAndUnderscores) {
   EXPECT_EQ(NearestSpelling("rid", Known), "RID");
   EXPECT_EQ(NearestSpelling("port_uuid", Known), "Port UUID");
   EXPECT_EQ(NearestSpelling("Set-NVRAM", Known), "SetNVRAM");
@@ -59,6 +59,11 @@ TEST(NearestSpelling, IsTheNearestAndOfThoseTheFirst) {
   constexpr std::string_view Alike[] = {"Device ID", "Device IDs", "Device AD"};
   EXPECT_EQ(NearestSpelling("DeviceIDs", Alike), "Device IDs");
   EXPECT_EQ(NearestSpelling("Device XD", Alike), "Device ID");
+}
+
+TEST(SuggestionFor, IsAQuestionOrEmpty) {
+  EXPECT_EQ(SuggestionFor("Verison", Known), " (did you mean \"Version\"?)");
+  EXPECT_EQ(SuggestionFor("Firmware", Known), "");
 }
 
 }  // namespace

@@ -1,18 +1,18 @@
-"""Whether a binary document gives ground for what our reader holds against it.
+"""Whether a binary document has the fault for which our reader refuses it.
 
-Each function looks for the fault by itself, at the byte that our reader names.
+Each function looks for the fault independently, at the byte that our reader reports.
 """
 
 import re
 import struct
 
-SHARED_VALUES = 2**16  # how far what is reached may exceed the size of the document
+SHARED_VALUES = 2**16  # how far the counts may exceed the size of the document
 SHARED_BYTES = 2**26
-UNCARRIABLE = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
+NOT_XML = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
 
 
 class File:
-    """The layout of a binary document, as its trailer tells it."""
+    """The layout of a binary document according to its trailer."""
 
     def __init__(self, document):
         self.document = document
@@ -20,12 +20,12 @@ class File:
          self.table) = struct.unpack(">BBQQQ", document[-26:])
         self.end = len(document) - 32
 
-    def place(self, number):
+    def offset_of(self, number):
         at = self.table + number * self.offset_width
         return int.from_bytes(self.document[at:at + self.offset_width], "big")
 
-    def places(self):
-        return map(self.place, range(self.count))
+    def offsets(self):
+        return map(self.offset_of, range(self.count))
 
     def number(self, at, width):
         return int.from_bytes(self.document[at:at + width], "big")
@@ -52,7 +52,7 @@ class File:
         return [self.number(start + i * width, width) for i in range(count)]
 
     def size_of(self, at):
-        """How many bytes the object takes, its marker included."""
+        """The size of the object in bytes, its marker included."""
         width = {1: 1, 2: 1, 3: 1, 4: 1, 5: 1, 6: 2, 0xA: self.reference_width,
                  0xD: 2 * self.reference_width}[kind(self.document, at)]
         if kind(self.document, at) in (1, 2, 3):
@@ -66,7 +66,7 @@ class File:
         if at not in known:
             what = kind(self.document, at)
             parts = self.references(at) if what in (0xA, 0xD) else []
-            tallies = [self.tally(self.place(part), known) for part in parts]
+            tallies = [self.tally(self.offset_of(part), known) for part in parts]
             keys = len(parts) // 2 if what == 0xD else 0  # which are no values
             size = len(self.contents(at)) if what in (4, 5, 6) else 0
             known[at] = (1 - keys + sum(values for values, _ in tallies),
@@ -117,9 +117,9 @@ def is_not_utf16(document, at):
     return False
 
 
-def is_uncarriable(document, at):
+def is_not_xml_character(document, at):
     codec = {5: "ascii", 6: "utf-16-be"}[kind(document, at)]
-    return UNCARRIABLE.search(File(document).contents(at).decode(codec)) is not None
+    return NOT_XML.search(File(document).contents(at).decode(codec)) is not None
 
 
 def contains_itself(document, at):
@@ -128,12 +128,12 @@ def contains_itself(document, at):
     todo, seen = [at], set()
     while todo:
         for number in file.references(todo.pop()):
-            place = file.place(number)
-            if place == at:
+            offset = file.offset_of(number)
+            if offset == at:
                 return True
-            if place not in seen and kind(document, place) in (0xA, 0xD):
-                todo.append(place)
-            seen.add(place)
+            if offset not in seen and kind(document, offset) in (0xA, 0xD):
+                todo.append(offset)
+            seen.add(offset)
     return False
 
 
@@ -147,11 +147,11 @@ def reaches_beyond_the_objects(document, at):
 
 def has_object_outside(document, _at):
     file = File(document)
-    return any(not 8 <= place < file.table for place in file.places())
+    return any(not 8 <= offset < file.table for offset in file.offsets())
 
 
 def has_odd_count(document, at):
-    """The byte behind a marker is to begin the count: an integer of one to eight bytes."""
+    """Whether the byte after a marker does not begin a count, an integer of one to eight bytes."""
     follows_marker = document[at - 1] & 0xF == 15 and kind(document, at - 1) in (4, 5, 6, 0xA, 0xD)
     return follows_marker and (kind(document, at) != 1 or document[at] & 0xF > 3)
 
@@ -181,52 +181,52 @@ def has_table_too_long(document, _at):
 def is_too_deep(document, _at):
     """Whether a chain of more than 512 containers begins at the top object."""
     file = File(document)
-    level, depth = {file.place(file.top)}, 0
+    level, depth = {file.offset_of(file.top)}, 0
     while level:
-        level = {place for place in level if kind(document, place) in (0xA, 0xD)}
+        level = {offset for offset in level if kind(document, offset) in (0xA, 0xD)}
         depth += bool(level)
         if depth > 512:
             return True
-        level = {file.place(number) for place in level for number in file.references(place)}
+        level = {file.offset_of(number) for offset in level for number in file.references(offset)}
     return False
 
 
 def reaches_too_many_values(document, _at):
     file = File(document)
-    return file.tally(file.place(file.top), {})[0] > len(document) + SHARED_VALUES
+    return file.tally(file.offset_of(file.top), {})[0] > len(document) + SHARED_VALUES
 
 
 def reaches_too_many_bytes(document, _at):
     file = File(document)
-    return file.tally(file.place(file.top), {})[1] > len(document) + SHARED_BYTES
+    return file.tally(file.offset_of(file.top), {})[1] > len(document) + SHARED_BYTES
 
 
 def has_overlapping_strings(document, _at):
     file = File(document)
-    wide = {place for place in file.places() if kind(document, place) == 6}
-    return sum(len(file.contents(place)) for place in wide) > len(document)
+    wide = {offset for offset in file.offsets() if kind(document, offset) == 6}
+    return sum(len(file.contents(offset)) for offset in wide) > len(document)
 
 
 def dates(document):
-    """Every double that may be a date's: what stands behind a date's marker."""
+    """Every double that may be a date's: the eight bytes after each byte like a date's marker."""
     for match in re.finditer(rb"\x33(?=(.{8}))", document, re.DOTALL):
         yield struct.unpack(">d", match[1])[0]
 
 
-def holds_wide_integer(document, low):
+def has_wide_integer(document, low):
     """Whether an integer of sixteen bytes ends in `low`, 64 bits."""
     return re.search(rb"\x14.{8}" + re.escape(low.to_bytes(8, "big")), document, re.DOTALL)
 
 
-def holds_empty_utf16(document):
+def has_empty_utf16(document):
     file = File(document)
-    return any(kind(document, place) == 6 and file.counted(place)[0] == 0
-               for place in file.places())
+    return any(kind(document, offset) == 6 and file.counted(offset)[0] == 0
+               for offset in file.offsets())
 
 
-def holds_wide_utf16(document):
-    """Whether a string in UTF-16 holds characters that take three bytes of UTF-8."""
+def has_wide_utf16(document):
+    """Whether a string in UTF-16 contains characters of three bytes in UTF-8."""
     file = File(document)
-    return any(kind(document, place) == 6 and re.search(
-        "[\u0800-\uffff]", file.contents(place).decode("utf-16-be", "replace"))
-               for place in file.places())
+    return any(kind(document, offset) == 6 and re.search(
+        "[\u0800-\uffff]", file.contents(offset).decode("utf-16-be", "replace"))
+               for offset in file.offsets())

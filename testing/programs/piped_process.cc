@@ -1,4 +1,4 @@
-#include "testing/programs/fed_program.h"
+#include "testing/programs/piped_process.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -19,7 +19,7 @@ std::string ProcessFile(pid_t process, const std::string& name) {
 
 }  // namespace
 
-FedProgram::FedProgram(const std::vector<std::string>& command, const std::string& directory) {
+PipedProcess::PipedProcess(const std::vector<std::string>& command, const std::string& directory) {
   int input[2];
   int output[2];
   int left[2];
@@ -39,7 +39,7 @@ FedProgram::FedProgram(const std::vector<std::string>& command, const std::strin
   left_ = left[0];
 }
 
-FedProgram::~FedProgram() {
+PipedProcess::~PipedProcess() {
   if (process_ > 0) {
     kill(process_, SIGKILL);
     Wait();
@@ -49,7 +49,7 @@ FedProgram::~FedProgram() {
   close(left_);
 }
 
-std::vector<pid_t> FedProgram::Children() const {
+std::vector<pid_t> PipedProcess::Children() const {
   const auto id = std::to_string(process_);
   std::ifstream file(ProcessFile(process_, "task/" + id + "/children"));
   std::vector<pid_t> children;
@@ -57,7 +57,7 @@ std::vector<pid_t> FedProgram::Children() const {
   return children;
 }
 
-void FedProgram::Write(std::string_view text) const {
+void PipedProcess::Write(std::string_view text) const {
   while (!text.empty()) {
     const ssize_t count = write(input_, text.data(), text.size());
     if (count < 0) std::abort();
@@ -65,12 +65,12 @@ void FedProgram::Write(std::string_view text) const {
   }
 }
 
-void FedProgram::EndInput() {
+void PipedProcess::EndInput() {
   if (input_ >= 0) close(input_);
   input_ = -1;
 }
 
-std::string FedProgram::ReadLine() {
+std::string PipedProcess::ReadLine() {
   for (;;) {
     if (const auto end = unread_.find('\n'); end != std::string::npos) {
       auto line = unread_.substr(0, end + 1);
@@ -84,7 +84,7 @@ std::string FedProgram::ReadLine() {
   }
 }
 
-std::string FedProgram::Wait() {
+std::string PipedProcess::Wait() {
   int status = 0;
   waitpid(process_, &status, 0);
   process_ = -1;

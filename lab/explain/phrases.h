@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/explain/explanation.h"
+
+namespace fernwick::lab {
+
+// The parts that lines of an explanation are composed of. Nothing from a file is in them raw:
+// control characters are escaped.
+
+/// "port controller", "Thunderbolt controllers": what personalities of the key's type are matched
+/// against.
+std::string_view ControllerKind(const ExplainedKey& key, bool plural);
+
+/// "personality 2"; "the personality" where the type has one alone.
+std::string PersonalityName(const ExplainedKey& key, std::size_t index);
+
+/// "personality 2 at 50:3, "image.bin"".
+std::string PersonalityText(const ExplainedKey& key, std::size_t index);
+
+/// "hpm0 below ridge0".
+std::string ControllerName(const ExplainedController& controller);
+
+/// What distinguishes similar controllers: ": RID 0, address 56, version 171".
+std::string Traits(Dictionary record);
+
+/// "Zed-1A07 (0x1A07), revision 2".
+std::string IdentityText(const BoardIdentity& identity);
+
+/// ""UID" of ridge1 is 17 (0x11): the low 4 bits"; ""Revision" of hpm0 is absent".
+std::string SourceText(const ExplainedSource& source);
+
+/// Where the hardware's side comes from, or why it is missing, a line for each property.
+std::vector<std::string> SourceLines(const FailedRequirement& failed,
+                                     const ExplainedController& controller);
+
+/// What bypasses the version check. REQUIRES: one of the two does.
+std::string BypassText(bool byOption, bool bySwitch);
+
+/// The match that names no image. REQUIRES: the run ended with RunEnd::NoFirmware.
+std::string MissingImageText(const Explanation& explanation);
+
+/// What is under a top-level key: "2 port controllers, 1 personality", or why it is not matched.
+std::string KeySummary(const ExplainedKey& key);
+
+/// Why the inventory does not list a controller.
+std::string SkipText(const ExplainedKey& key, const ExplainedSkip& skip);
+
+/// Which other types read a key that the type `type` does not read.
+std::string ReadersText(const UnreadKey& unread, std::string_view type);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,38 @@
+#include "lab/support/input_file.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+Result<std::string> ReadStandardInput() {
+  std::string bytes;
+  char block[1 << 16];
+  while (true) {
+    const ssize_t count = read(STDIN_FILENO, block, sizeof block);
+    if (count == 0) return bytes;
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return Error{std::strerror(errno)};
+    bytes.append(block, static_cast<std::size_t>(count));
+    if (bytes.size() > MaximumFileSize) return Error{"the input is larger than 1 GiB"};
+  }
+}
+
+}  // namespace
+
+Result<std::string, LabError> ReadInput(const std::string& operand) {
+  auto bytes = operand == "-" ? ReadStandardInput() : ReadWholeFile(operand);
+  if (!bytes) return LabError{bytes.Error(), LabStatus::UnreadableInput};
+  return *std::move(bytes);
+}
+
+std::string InputName(const std::string& operand) {
+  return operand == "-" ? "standard input" : operand;
+}
+
+}  // namespace fernwick::lab

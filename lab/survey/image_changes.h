@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "driver/options.h"
+#include "lab/support/tool_run.h"
+#include "lab/survey/diff_row.h"
+
+namespace fernwick::lab {
+
+/// Compares the image files of two payloads. Remembers each comparison by its two paths, since the
+/// computers of one board plan the same images. May be used on several threads.
+class ImageFiles {
+ public:
+  /// The sizes of both files; empty where there is no file that can be read.
+  struct Comparison {
+    std::optional<std::uint64_t> sizeBefore;
+    std::optional<std::uint64_t> sizeAfter;
+    bool isSame = false;  // same name, same bytes
+  };
+
+  Comparison Compare(const std::string& before, const std::string& after);
+
+ private:
+  std::mutex mutex_;
+  std::map<std::pair<std::string, std::string>, Comparison> known_;
+};
+
+/// How the files of the planned images differ between two runs over the same computer: a planned
+/// image that the new payload lacks and the old one does not, the reverse, and other bytes under
+/// the same name. `before` and `after` are the options of the runs, neither of which ended with a
+/// fault.
+std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options& before,
+                                         const ToolRun& runAfter, const Options& after,
+                                         ImageFiles& files);
+
+}  // namespace fernwick::lab

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "lab/support/tool_run.h"
+#include "lab/survey/personality_pairs.h"
+
+namespace fernwick::lab {
+
+/// The lines of the system log of a run, each once: they say why there is no configuration or no
+/// plan.
+std::vector<std::string> LogLines(const ToolRun& run);
+
+/// Why a controller has a match in one run alone. Views both runs.
+class MatchReasons {
+ public:
+  MatchReasons(const ToolRun& before, const ToolRun& after) : before_(before), after_(after) {}
+
+  /// Of a match of the new run: why its personality's counterpart in the old payload does not
+  /// match.
+  std::vector<std::string> WithoutInOld(const MatchedPair& pair);
+
+  /// The same of a match of the old run and the new payload.
+  std::vector<std::string> WithoutInNew(const MatchedPair& pair);
+
+ private:
+  // One of both runs, as the reasons name its payload.
+  struct Other {
+    const ToolRun& run;
+    const char* payload;
+  };
+
+  std::vector<std::string> Reasons(const MatchedPair& pair, const Other& other);
+  std::optional<std::size_t> CounterpartOf(const MatchedPair& pair, const Other& other);
+  const PersonalityPairs& PairsOf(std::string_view type);
+
+  const ToolRun& before_;
+  const ToolRun& after_;
+  std::map<std::string, PersonalityPairs, std::less<>> pairs_;  // by type, once they are asked for
+};
+
+}  // namespace fernwick::lab
