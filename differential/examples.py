@@ -5,7 +5,7 @@ import struct
 
 
 def binary_file(objects, offsets=None, table=None, count=None, offset_width=1, reference_width=1):
-    """A binary document of `objects`, the first on top; the other arguments replace the correct values."""
+    """A binary document of `objects`, the first on top; the rest replaces the correct values."""
     made, found = b"bplist00", []
     for part in objects:
         found.append(len(made))

@@ -96,7 +96,9 @@ def _explain_tokens(document, ours, theirs, rules):
 
 def _is_justified(document, ours, rule):
     location = re.fullmatch(r"(?:byte (\d+)|line (\d+), column (\d+)): (.*)", ours.outcome.error)
-    if ours.serialisation != rule.form or not location or not re.fullmatch(rule.message, location[4]):
+    if ours.serialisation != rule.form or not location:
+        return False
+    if not re.fullmatch(rule.message, location[4]):
         return False
     if rule.form == "binary":
         return rule.has_fault(document, int(location[1]))
@@ -422,8 +424,8 @@ OTHER_RULES = [
          (b"\xef\xbb\xbf<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xc3\xa9</string>"
           b"</plist>",), reinterpret=reinterpret_without_encoding),
     Rule("text-form", (PLISTLIB,),
-         "What is left of a damaged document can be one in the old text form, which no other reader "
-         "reads.",
+         "What is left of a damaged document can be one in the old text form, which no other "
+         "reader supports.",
          (b"ERROR: = a",), reinterpret=reinterpret_text_form),
     Rule("signed-hexadecimal", (PLISTLIB,),
          "A sign may precede hexadecimal digits too; plistlib looks for 0x at the start.",
@@ -431,7 +433,8 @@ OTHER_RULES = [
     Rule("name-characters", (PLISTLIB,),
          "Names are those of today's XML; expat keeps to the characters of 1998.",
          ("<plist><true \u0220='1'/></plist>".encode(),
-          "<!DOCTYPE \u0663><plist><true/></plist>".encode()), reinterpret=reinterpret_name_characters),
+          "<!DOCTYPE \u0663><plist><true/></plist>".encode()),
+         reinterpret=reinterpret_name_characters),
     Rule("early-years", (PLISTUTIL,),
          "plistutil writes a year before 1000 with fewer than four digits.",
          (binary_file([b"\x33" + struct.pack(">d", -4e10)]),), reinterpret=reinterpret_early_years),

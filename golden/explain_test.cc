@@ -156,7 +156,7 @@ TEST(Explain, ShowsNoControlCharacterOfAFileRaw) {
                 "/Fernwick/Zed-42/Config.plist\n"
                 "Outcome         nothing matches, no plan, status 13\n"
                 "\n"
-                "a\\011b\\233 at 1:7: names no type; nothing reads it\n");
+                "a\\011b\\233 at 1:7: names no type and is not read\n");
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ namespace fernwick {
 /// The requirements of the personality types as tables, and the function that tests one of them. A
 /// requirement is one test of a personality against a hardware record; the table of a type is the
 /// list of its requirements in the order in which they are tested; the first that fails decides. A
-/// table is composed at compile time and begins with those of the
-/// types that it includes, so what two of them test is listed twice.
+/// table is composed at compile time and begins with those of the types that it includes, so what
+/// two of them test is listed twice.
 
 /// The comparisons. The personality's value comes first, the hardware's second. An operand of
 /// another kind makes each of them false.

@@ -8,9 +8,9 @@
 
 namespace fernwick {
 
-/// A handle of a registry entry or of an iterator over entries. 0 is none: what every operation
-/// returns when there is nothing to return. A handle stays valid until the process ends, whether or
-/// not it is released.
+/// A handle of a registry entry or of an iterator over entries. 0 is the null handle: what every
+/// operation returns when there is nothing to return. A handle stays valid until the process ends,
+/// whether or not it is released.
 using RegistryEntry = std::uint32_t;
 
 /// 0 is success, anything else a failure.

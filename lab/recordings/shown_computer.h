@@ -10,7 +10,8 @@
 
 namespace fernwick::lab {
 
-/// A recorded computer and what the tool reads of it. It views the recording, which must outlive it.
+/// A recorded computer and what the tool reads of it. It views the recording, which must outlive
+/// it.
 struct ShownComputer {
   const Recording& recording;
   BoardIdentity board;

@@ -19,7 +19,7 @@ Result<std::string> ReadStandardInput() {
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return Error{std::strerror(errno)};
     bytes.append(block, static_cast<std::size_t>(count));
-    if (bytes.size() > MaximumFileSize) return Error{"the input is larger than 1 GiB"};
+    if (bytes.size() > MaxFileSize) return Error{"the input is larger than 1 GiB"};
   }
 }
 
