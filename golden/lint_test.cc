@@ -229,6 +229,34 @@ TEST(Lint, RefusesAFormatThatItDoesNotKnow) {
                  "--help\n"});
 }
 
+TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {
+  ExpectOutcome(Lint({"examples/payload", "--ignore", "wrong-kind"}),
+                {"0",
+                 "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: warning: without "
+                 "\"Priority\" a match of this personality drives the plan's priority to 0 "
+                 "[no-priority]\n"
+                 "5 boards: 0 errors, 1 warning, 0 notes\n",
+                 ""});
+  ExpectOutcome(
+      Lint({"--severity", "no-priority=error", "--ignore", "wrong-kind", "examples/payload"}),
+      {"1",
+       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without "
+       "\"Priority\" a match of this personality drives the plan's priority to 0 "
+       "[no-priority]\n"
+       "5 boards: 1 error, 0 warnings, 0 notes\n",
+       ""});
+  const std::string unknown =
+      "fernwick-lab: there is no finding \"no-such\"; see fernwick-lab lint --list\n";
+  ExpectOutcome(Lint({"examples/payload", "--ignore", "no-such"}), {"64", "", unknown});
+  ExpectOutcome(Lint({"examples/payload", "--severity", "no-such=note"}), {"64", "", unknown});
+  for (const std::string bad : {"wrong-kind", "wrong-kind=", "wrong-kind=fatal"}) {
+    ExpectOutcome(
+        Lint({"examples/payload", "--severity", bad}),
+        {"64", "",
+         "fernwick-lab: --severity: " + bad + " is not ID=error, ID=warning or ID=note\n"});
+  }
+}
+
 TEST(Lint, ExplainsARule) {
   ExpectOutcome(Lint({"--explain", "single-port-uuid"}),
                 {"0",
