@@ -158,6 +158,44 @@ TEST(Lint, ReportsADirectoryThatCannotBeListed) {
                  ""});
 }
 
+TEST(Lint, PassesOverVersionControlAndReportsAUtilityThatIsADirectoryOnce) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/.git/HEAD", "");
+  directory.Write("p/Fernwick/.svn/entries", "");
+  directory.Write("p/Fernwick/PortFlash.efi/PortFlash.efi", "x");
+  directory.Write("p/Fernwick/Zed-42/a.bin", "x");
+  directory.Write("p/Fernwick/Zed-42/Config.plist",
+                  "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>200</integer>"
+                  "<key>Firmware</key><string>a.bin</string><key>Priority</key>"
+                  "<integer>1</integer></dict></dict>");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"1",
+                 "p/Fernwick/Zed-42/Config.plist:1:7: error: PortFlash.efi, which flashes the "
+                 "images of \"LegacyUSBC\", is no file in Fernwick/ [missing-utility]\n"
+                 "1 board: 1 error, 0 warnings, 0 notes\n",
+                 ""});
+}
+
+TEST(Lint, ReportsLinksOutOfTheBoardDirectoryAndDanglingOnes) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/PortFlash.efi", "");
+  directory.Write("p/Fernwick/Zed-41/a.bin", "x");
+  directory.Write("p/Fernwick/Zed-42/Config.plist",
+                  "<dict><key>USBC</key><array><dict>\n<key>Firmware</key><string>a.bin</string>"
+                  "</dict><dict>\n<key>Firmware</key><string>b.bin</string></dict></array></dict>");
+  const auto board = directory.Path() + "/p/Fernwick/Zed-42/";
+  std::filesystem::create_symlink("../Zed-41/a.bin", board + "a.bin");
+  std::filesystem::create_symlink("c.bin", board + "b.bin");
+  const auto found = Lint({"p", "Zed-42"}, directory.Path()).standardOutput;
+  for (const std::string line :
+       {"Config.plist:1:7: error: \"PortFlash.efi\" is an empty file [empty-image]",
+        "Config.plist:2:20: error: \"a.bin\" is a link to a file outside the board directory "
+        "[image-linked-outside]",
+        "Config.plist:3:20: error: \"b.bin\" is not in the board directory [missing-image]"}) {
+    EXPECT_NE(found.find(line), std::string::npos) << line << "\n" << found;
+  }
+}
+
 TEST(Lint, OfNoPayloadPrintsNothing) {
   ExpectOutcome(Lint({"no-such"}),
                 {"66", "", "fernwick-lab: no-such: No such file or directory\n"});
@@ -189,6 +227,34 @@ TEST(Lint, RefusesAFormatThatItDoesNotKnow) {
                 {"64", "",
                  "fernwick-lab: --format: xml not in {text,json,sarif}; see fernwick-lab lint "
                  "--help\n"});
+}
+
+TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {
+  ExpectOutcome(Lint({"examples/payload", "--ignore", "wrong-kind"}),
+                {"0",
+                 "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: warning: without "
+                 "\"Priority\" a match of this personality drives the plan's priority to 0 "
+                 "[no-priority]\n"
+                 "5 boards: 0 errors, 1 warning, 0 notes\n",
+                 ""});
+  ExpectOutcome(
+      Lint({"--severity", "no-priority=error", "--ignore", "wrong-kind", "examples/payload"}),
+      {"1",
+       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without "
+       "\"Priority\" a match of this personality drives the plan's priority to 0 "
+       "[no-priority]\n"
+       "5 boards: 1 error, 0 warnings, 0 notes\n",
+       ""});
+  const std::string unknown =
+      "fernwick-lab: there is no finding \"no-such\"; see fernwick-lab lint --list\n";
+  ExpectOutcome(Lint({"examples/payload", "--ignore", "no-such"}), {"64", "", unknown});
+  ExpectOutcome(Lint({"examples/payload", "--severity", "no-such=note"}), {"64", "", unknown});
+  for (const std::string bad : {"wrong-kind", "wrong-kind=", "wrong-kind=fatal"}) {
+    ExpectOutcome(
+        Lint({"examples/payload", "--severity", bad}),
+        {"64", "",
+         "fernwick-lab: --severity: " + bad + " is not ID=error, ID=warning or ID=note\n"});
+  }
 }
 
 TEST(Lint, ExplainsARule) {

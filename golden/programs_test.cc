@@ -106,7 +106,7 @@ TEST(Memory, ThatRunsOutEndsWithoutAPlan) {
   const auto outcome = RunChild({"/bin/sh", "-c", "ulimit -v 200000; exec \"$0\" \"$@\"",
                                  FERNWICK_LAB_PROGRAM, "replay", Recording, "-p", directory.Path()},
                                 FERNWICK_GOLDEN_DIRECTORY);
-  ExpectOutcome(outcome, {"13", "", "fernwick: out of memory\n"});
+  ExpectOutcome(outcome, {"71", "", "fernwick: out of memory\n"});
 }
 
 TEST(Tool, RunsOverARegistryWithoutEntries) {

@@ -56,7 +56,8 @@ Dictionary LegacyUsbc(const Record& entries) {
 
 Dictionary AllTypes() {
   Record types(Usbc({{"Port Address", 2}}));
-  for (const auto& other : {Thunderbolt({{"RID", 2}}), LegacyThunderbolt({{"RID", 1}}),
+  for (const auto& other : {Thunderbolt({{"RID", 2}, {"Firmware", "c.bin"}}),
+                            LegacyThunderbolt({{"RID", 1}, {"Firmware", "c.bin"}}),
                             LegacyUsbc({{"Port Address", 1}})}) {
     types.Merge(other);
   }
@@ -66,10 +67,11 @@ Dictionary AllTypes() {
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string LintOutput(const PropertyValue& configuration) {
   const testing::TemporaryDirectory directory;
-  directory.Write("Fernwick/RidgeFlash.efi", "");
-  directory.Write("Fernwick/PortFlash.efi", "");
-  directory.Write("Fernwick/Zed-42/a.bin", "");
-  directory.Write("Fernwick/Zed-42/images/b.bin", "");
+  directory.Write("Fernwick/RidgeFlash.efi", "RidgeFlash.efi");
+  directory.Write("Fernwick/PortFlash.efi", "PortFlash.efi");
+  directory.Write("Fernwick/Zed-42/a.bin", "Zed-42/a.bin");
+  directory.Write("Fernwick/Zed-42/c.bin", "c");
+  directory.Write("Fernwick/Zed-42/images/b.bin", "Zed-42/images/b.bin");
   const auto path = directory.Path() + "/Fernwick";
   const auto file =
       LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
@@ -462,8 +464,8 @@ const Named<Row> Shadows[] = {
     {"NarrowerSet", {Two({{"RID", List({1, 2})}}, {{"RID", 2.0}}), Shadowed}},
     {"WiderSet", {Two({{"RID", 2}}, {{"RID", List({1, 2})}}), ""}},
     {"NoSet", {Two({{"RID", 2}}, {}), ""}},
-    {"OlderImage", {Two({}, {{"Version", 199}}), Shadowed}},
-    {"NewerImage", {Two({}, {{"Version", 201}}), ""}},
+    {"OlderImage", {Two({}, {{"Version", 199}, {"Firmware", "c.bin"}}), Shadowed}},
+    {"NewerImage", {Two({}, {{"Version", 201}, {"Firmware", "c.bin"}}), ""}},
     {"NarrowerWindow",
      {Two({{"Existing Min Version", 5}, {"Existing Max Version", 9}},
           {{"Existing Min Version", 5}, {"Existing Max Version", 8}}),

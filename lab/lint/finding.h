@@ -17,6 +17,7 @@ struct Finding {
   std::string path;                   // of a file or directory, as it was named or found
   std::optional<FileLocation> place;  // nullopt: the file or directory as a whole
   std::string message;                // one sentence, fit for a terminal
+  Severity severity = rule->severity;
 };
 
 /// What was found in one configuration, by the offsets of its values.

@@ -7,7 +7,9 @@
 #include <set>
 #include <string_view>
 
+#include "lab/lint/image_files.h"
 #include "lab/lint/plan_rules.h"
+#include "personality/requirements.h"
 #include "plan/invocation_builder.h"
 #include "plan/value_conversions.h"
 #include "platform/file_system.h"
@@ -41,7 +43,7 @@ std::optional<std::string> Normalised(std::string_view image) {
 class ImageLinter {
  public:
   ImageLinter(const BoardFiles& files, ConfigurationFindings& findings)
-      : files_(files), findings_(findings) {}
+      : files_(files), findings_(findings), contents_(findings) {}
 
   void Lint(const LocatedPersonality& personality) {
     const auto* firmware = personality.Find("Firmware");
@@ -57,10 +59,27 @@ class ImageLinter {
                   "a match of this personality, with " + what + ", ends the run without a plan");
   }
 
+  // One image is of one version.
+  void LintVersion(const LocatedPersonality& personality) {
+    const auto* firmware = personality.Find("Firmware");
+    const auto* version = personality.Find("Version");
+    const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value);
+    if (!image || image->empty() || version == nullptr || !version->value->IsNumber()) return;
+    const auto [first, isNew] = versions_.emplace(Normalised(*image).value_or(""), version->value);
+    if (isNew || NumbersEqual(*first->second, *version->value)) return;
+    findings_.Add(LintRuleOf::ImageVersionsDiffer, version->valueOffset,
+                  Quoted(*image) + " is of \"Version\" " + Shown(*version->value) +
+                      " here and of " + Shown(*first->second) + " in an earlier personality");
+  }
+
   void LintUtility(const LocatedType& type) {
     const std::string utility(FlashingUtility(type.entry.key));
     const auto path = AppendPathComponent(files_.personalitiesDirectory, utility);
-    if (type.personalities.empty() || TypeOf(path) == fs::file_type::regular) return;
+    if (type.personalities.empty()) return;
+    if (TypeOf(path) == fs::file_type::regular) {
+      contents_.Lint(utility, path, type.entry.keyOffset);
+      return;
+    }
     findings_.Add(LintRuleOf::MissingUtility, type.entry.keyOffset,
                   utility + ", which flashes the images of \"" + std::string(type.entry.key) +
                       "\", is no file in Fernwick/");
@@ -77,21 +96,30 @@ class ImageLinter {
       findings_.Add(LintRuleOf::ImageNotAPlainName, offset,
                     Quoted(image) + " is a path, not the name of a file in the board directory");
     }
-    const auto type = TypeOfImage(image);
+    const auto type = TypeOfImage(image, offset);
     if (type == fs::file_type::not_found) {
       findings_.Add(LintRuleOf::MissingImage, offset,
                     Quoted(image) + " is not in the board directory");
     } else if (type != fs::file_type::regular) {
       findings_.Add(LintRuleOf::ImageNotAFile, offset, Quoted(image) + " is not a file");
+    } else if (Normalised(image) == "Config.plist") {
+      findings_.Add(LintRuleOf::ConfigurationAsImage, offset,
+                    "the configuration itself is named as the image");
     }
   }
 
-  // Personalities often share an image.
-  fs::file_type TypeOfImage(std::string_view image) {
+  // Personalities often share an image: its contents are reported once.
+  fs::file_type TypeOfImage(std::string_view image, std::size_t offset) {
     const auto known = imageTypes_.find(image);
     if (known != imageTypes_.end()) return known->second;
-    const auto type = TypeOf(AppendPathComponent(files_.boardDirectory, image));
+    const auto path = AppendPathComponent(files_.boardDirectory, image);
+    const auto type = TypeOf(path);
     imageTypes_.emplace(image, type);
+    const auto name = Normalised(image).value_or("");
+    if (type == fs::file_type::regular && name != "Config.plist" &&
+        contents_.Lint(name, path, offset)) {
+      contents_.LintImage(name, path, files_.boardDirectory, offset);
+    }
     return type;
   }
 
@@ -104,6 +132,8 @@ class ImageLinter {
 
   const BoardFiles& files_;
   ConfigurationFindings& findings_;
+  ImageFiles contents_;
+  std::map<std::string, const PropertyValue*> versions_;  // the first of each image
   std::map<std::string, fs::file_type, std::less<>> imageTypes_;
 };
 
@@ -114,7 +144,10 @@ void LintImages(const LintSubject& subject, const BoardFiles& files,
   ImageLinter linter(files, findings);
   for (const auto& type : subject.types) {
     linter.LintUtility(type);
-    for (const auto& personality : type.personalities) linter.Lint(personality);
+    for (const auto& personality : type.personalities) {
+      linter.Lint(personality);
+      linter.LintVersion(personality);
+    }
   }
 }
 

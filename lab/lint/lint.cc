@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "lab/lint/payload.h"
+#include "lab/lint/policy.h"
 #include "lab/lint/report.h"
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
@@ -34,6 +35,8 @@ struct LintOptions {
   std::string failLevel = "error";
   std::optional<std::string> explained;
   bool list = false;
+  std::vector<std::string> ignored;
+  std::vector<std::string> severities;
 };
 
 CommandLine Declare(LintOptions& options) {
@@ -55,6 +58,14 @@ CommandLine Declare(LintOptions& options) {
                .target = &options.failLevel,
                .help = "status 1 from this severity on: error, warning or note",
                .choices = {"error", "warning", "note"}},
+              {.name = "--ignore",
+               .target = &options.ignored,
+               .help = "do not report findings of this ID; may be repeated",
+               .valueName = "ID"},
+              {.name = "--severity",
+               .target = &options.severities,
+               .help = "report findings of this ID as error, warning or note; may be repeated",
+               .valueName = "ID=LEVEL"},
               {.name = "--explain",
                .target = &options.explained,
                .help = "print why a finding of this ID matters and how to fix it",
@@ -76,13 +87,6 @@ std::string Rendered(const PayloadLinting& linting, const std::string& format) {
   return LintAsText(linting);
 }
 
-Severity SeverityNamed(const std::string& name) {
-  for (const auto severity : {Severity::Note, Severity::Warning}) {
-    if (name == NameOf(severity)) return severity;
-  }
-  return Severity::Error;
-}
-
 }  // namespace
 
 VerbEnd Lint(int argumentCount, char* const arguments[]) {
@@ -95,16 +99,22 @@ VerbEnd Lint(int argumentCount, char* const arguments[]) {
   }
   if (options.list) return PrintResult(ListLintRules());
   if (options.explained) return Explain(*options.explained);
-  const auto linting = LintPayload(*options.payload, options.boards);
+  LintPolicy policy;
+  if (const auto fault = policy.Read(options.ignored, options.severities)) {
+    PrintError(*fault);
+    return LabStatus::BadUsage;
+  }
+  auto linting = LintPayload(*options.payload, options.boards);
   if (!linting.error.empty()) {
     PrintError(linting.error);
     return linting.status;
   }
+  policy.ApplyTo(linting.findings);
   const int printed = PrintResult(Rendered(linting, options.format));
   if (printed != LabStatus::Done) return printed;
   if (linting.status != LabStatus::Done) return linting.status;
   const bool fails = std::ranges::any_of(linting.findings, [&](const Finding& finding) {
-    return finding.rule->severity >= SeverityNamed(options.failLevel);
+    return finding.severity >= SeverityNamed(options.failLevel);
   });
   return fails ? FoundSomething : LabStatus::Done;
 }

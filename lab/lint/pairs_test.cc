@@ -68,12 +68,12 @@ std::string LegacyThunderbolt(const std::string& personalities) {
 // A payload with nothing wrong but what is in the configuration: both utilities, and the images
 // that it names.
 Payload With(const std::string& configuration) {
-  Payload payload = {{"Fernwick/RidgeFlash.efi"},
-                     {"Fernwick/PortFlash.efi"},
+  Payload payload = {{"Fernwick/RidgeFlash.efi", "ridge"},
+                     {"Fernwick/PortFlash.efi", "port"},
                      {"Fernwick/Zed-42/Config.plist", configuration}};
   for (const std::string image : {"a.bin", "b.bin"}) {
     if (configuration.find(">" + image) == std::string::npos) continue;
-    payload.push_back({"Fernwick/Zed-42/" + image});
+    payload.push_back({"Fernwick/Zed-42/" + image, "image " + image});
   }
   return payload;
 }
@@ -97,17 +97,18 @@ Payload Without(Payload payload, const std::string& path) {
   return payload;
 }
 
-Payload And(Payload payload, const std::string& path) {
-  payload.push_back({path});
+Payload And(Payload payload, const std::string& path, const std::string& contents = "x") {
+  payload.push_back({path, contents});
   return payload;
 }
 
-// So many personalities, each with a greater version than the one before.
-std::string EverNewer(int count) {
+// So many personalities, each with a greater minimum than the one after.
+std::string EverLower(int count) {
   std::string personalities;
-  for (int i = 1; i <= count; ++i) {
-    personalities += Dict("<key>Version</key><integer>" + std::to_string(i) + "</integer>" +
-                          PortSilicon + Image + Priority);
+  for (int i = count; i > 0; --i) {
+    personalities +=
+        Dict(Version + PortSilicon + Image + Priority + "<key>Existing Min Version</key><real>" +
+             std::to_string(i) + "e-1</real>");
   }
   return personalities;
 }
@@ -186,9 +187,9 @@ const Named<RulePair> Pairs[] = {
     {"no_fernwick_directory", {{{"@Zed-42/Config.plist"}}, Good}},
     {"no_boards", {{{"Fernwick@/PortFlash.efi"}}, Good}},
     {"impossible_board_id",
-     {{{"Fernwick/PortFlash.efi"},
+     {{{"Fernwick/PortFlash.efi", "port"},
        {"Fernwick/Zed-\xFF@/Config.plist", Usbc(Personality(""))},
-       {"Fernwick/Zed-\xFF/a.bin"}},
+       {"Fernwick/Zed-\xFF/a.bin", "image"}},
       Good}},
     {"doubtful_board_id",
      {{{"Fernwick/Zed-1AO5@/Config.plist", Dict("")}},
@@ -343,8 +344,8 @@ const Named<RulePair> Pairs[] = {
      {With(Usbc(Personality("") + "@" + Personality("<key>RID</key><integer>1</integer>"))),
       With(Usbc(Personality("<key>RID</key><integer>1</integer>") + Personality("")))}},
     {"shadowing_not_examined",
-     {With(Dict("@<key>USBC</key><array>" + EverNewer(258) + "</array>")),
-      With(Dict("<key>USBC</key><array>" + EverNewer(257) + "</array>"))}},
+     {With(Dict("@<key>USBC</key><array>" + EverLower(258) + "</array>")),
+      With(Dict("<key>USBC</key><array>" + EverLower(257) + "</array>"))}},
 
     // What the plan contains.
     {"no_firmware",
@@ -371,6 +372,36 @@ const Named<RulePair> Pairs[] = {
                          "<key>Firmware</key>@<string>images/a.bin</string>"))),
           Board + "images/a.bin"),
       Good}},
+    {"empty_image",
+     {And(Without(With(Usbc(Dict(Version + PortSilicon + Priority +
+                                 "<key>Firmware</key>@<string>a.bin</string>"))),
+                  Board + "a.bin"),
+          Board + "a.bin", ""),
+      Good}},
+    {"pointer_file",
+     {And(Without(With(Usbc(Dict(Version + PortSilicon + Priority +
+                                 "<key>Firmware</key>@<string>a.bin</string>"))),
+                  Board + "a.bin"),
+          Board + "a.bin", "version https://git-lfs.github.com/spec/v1\n"),
+      Good}},
+    {"configuration_as_image",
+     {With(Usbc(Dict(Version + PortSilicon + Priority +
+                     "<key>Firmware</key>@<string>Config.plist</string>"))),
+      Good}},
+    {"same_image_twice",
+     {And(With(Usbc(Personality("<key>RID</key><integer>1</integer>") +
+                    Dict(Version + PortSilicon + Priority +
+                         "<key>Firmware</key>@<string>c.bin</string>"))),
+          Board + "c.bin", "image a.bin"),
+      And(With(Usbc(Personality("<key>RID</key><integer>1</integer>") +
+                    Dict(Version + PortSilicon + Priority +
+                         "<key>Firmware</key><string>c.bin</string>"))),
+          Board + "c.bin", "image c.bin")}},
+    {"image_versions_differ",
+     {With(
+          Usbc(Personality("<key>RID</key><integer>1</integer>") +
+               Dict("<key>Version</key>@<integer>190</integer>" + PortSilicon + Image + Priority))),
+      With(Usbc(Personality("<key>RID</key><integer>1</integer>") + Personality("")))}},
     {"unused_file", {And(Good, Board + "old.bin@"), And(Good, Board + ".hidden")}},
     {"missing_utility",
      {Without(With(Dict("@<key>USBC</key><array>" + Personality("") + "</array>")),
@@ -425,11 +456,12 @@ INSTANTIATE_TEST_SUITE_P(Each, LintRulePair, ::testing::ValuesIn(Pairs), testing
 TEST(LintRulePairs, ThereAreOfEveryRule) {
   std::set<std::string> paired;
   for (const auto& pair : Pairs) paired.insert(IdOf(pair.name));
-  paired.insert("nvram-bare-switch");  // has no pair: "boot-args" itself is reported as well
+  // Those without a pair: "boot-args" itself is reported as well, and a payload here has no links.
+  paired.insert({"nvram-bare-switch", "image-linked-outside"});
   std::set<std::string> known;
   for (const auto* rule : LintRules()) known.emplace(rule->id);
   EXPECT_EQ(paired, known);
-  EXPECT_EQ(std::size(Pairs) + 1, known.size());
+  EXPECT_EQ(std::size(Pairs) + 2, known.size());
 }
 
 }  // namespace

@@ -85,7 +85,8 @@ inline constexpr LintRule UnreadableFile = {
     "unreadable-file",
     Severity::Error,
     "a file or directory of the payload cannot be read",
-    "What cannot be read here is not read on the computer either: the board gets no plan.",
+    "What cannot be read here is not read on the computer either: without its configuration the "
+    "board gets no plan, without its image the flashing fails.",
     "Set the permissions, and make sure that Config.plist is a file.",
     "payload/Fernwick/Zed-42/Config.plist/",
     "payload/Fernwick/Zed-42/Config.plist",

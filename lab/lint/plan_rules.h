@@ -61,6 +61,72 @@ inline constexpr LintRule ImageNotAPlainName = {
     "<key>Firmware</key><string>ports-200.bin</string>",
 };
 
+inline constexpr LintRule EmptyImage = {
+    "empty-image",
+    Severity::Error,
+    "an image or a flashing utility is an empty file",
+    "The plan names the file without looking into it; flashing fails at the next boot.",
+    "Put the real file into the payload.",
+    "payload/Fernwick/Zed-42/ports-200.bin, 0 bytes",
+    "payload/Fernwick/Zed-42/ports-200.bin, 262144 bytes",
+};
+
+inline constexpr LintRule PointerFile = {
+    "pointer-file",
+    Severity::Error,
+    "an image or a flashing utility is the pointer file of a large-file store",
+    "Version control that keeps large files elsewhere has a few lines of text for each of them "
+    "until it is downloaded. Flashing such a file fails at the next boot.",
+    "Download the files before the payload is built.",
+    "version https://git-lfs.github.com/spec/v1",
+    "the bytes of the image",
+};
+
+inline constexpr LintRule ImageLinkedOutside = {
+    "image-linked-outside",
+    Severity::Error,
+    "an image is a link to a file outside the board directory",
+    "A payload is delivered and checked board by board. What the link names may change with "
+    "another board, or not be delivered at all.",
+    "Put a copy of the file into the board directory.",
+    "payload/Fernwick/Zed-42/ports-200.bin -> ../Zed-41/ports-200.bin",
+    "payload/Fernwick/Zed-42/ports-200.bin",
+};
+
+inline constexpr LintRule ConfigurationAsImage = {
+    "configuration-as-image",
+    Severity::Error,
+    "\"Firmware\" names Config.plist",
+    "The configuration is no firmware image; flashing fails at the next boot.",
+    "Name the image's file.",
+    "<key>Firmware</key><string>Config.plist</string>",
+    "<key>Firmware</key><string>ports-200.bin</string>",
+};
+
+inline constexpr LintRule SameImageTwice = {
+    "same-image-twice",
+    Severity::Warning,
+    "two images of a board have the same bytes",
+    "Images of different names are for different controllers or versions. One of them is probably "
+    "a copy under a wrong name.",
+    "Put the right image into the payload, or name one file in both personalities.",
+    "left-200.bin and right-200.bin with the same bytes",
+    "left-200.bin and right-200.bin with different bytes",
+};
+
+inline constexpr LintRule ImageVersionsDiffer = {
+    "image-versions-differ",
+    Severity::Warning,
+    "personalities name one image with different versions",
+    "\"Version\" is that of the image, which has one. With a \"Version\" above what the image "
+    "reports once it is installed, the update is planned again at every start.",
+    "Name the image of that version, or correct \"Version\".",
+    "<dict>... \"Version\" 190, \"Firmware\" ports-200.bin ...</dict>\n"
+    "<dict>... \"Version\" 200, \"Firmware\" ports-200.bin ...</dict>",
+    "<dict>... \"Version\" 190, \"Firmware\" ports-190.bin ...</dict>\n"
+    "<dict>... \"Version\" 200, \"Firmware\" ports-200.bin ...</dict>",
+};
+
 inline constexpr LintRule UnusedFile = {
     "unused-file",
     Severity::Note,

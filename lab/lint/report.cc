@@ -12,8 +12,8 @@ namespace {
 constexpr std::size_t LineWidth = 80;
 
 std::size_t Count(const PayloadLinting& linting, Severity severity) {
-  return static_cast<std::size_t>(std::ranges::count(
-      linting.findings, severity, [](const Finding& f) { return f.rule->severity; }));
+  return static_cast<std::size_t>(
+      std::ranges::count(linting.findings, severity, &Finding::severity));
 }
 
 std::string Counted(std::size_t count, std::string_view what) {
@@ -51,9 +51,8 @@ void AppendIndented(std::string& text, std::string_view lines) {
 }
 
 Json FindingAsJson(const Finding& finding) {
-  Json json = {{"id", finding.rule->id},
-               {"severity", NameOf(finding.rule->severity)},
-               {"path", finding.path}};
+  Json json = {
+      {"id", finding.rule->id}, {"severity", NameOf(finding.severity)}, {"path", finding.path}};
   if (finding.place && finding.place->line != 0) {
     json["line"] = finding.place->line;
     json["column"] = finding.place->column;
@@ -85,10 +84,10 @@ std::string LintRulesAsMarkdown() {
 
 std::string LintAsText(const PayloadLinting& linting) {
   std::string text;
-  for (const auto& [rule, path, place, message] : linting.findings) {
+  for (const auto& [rule, path, place, message, severity] : linting.findings) {
     text += PrintableText(path);
     if (place) text.append(":").append(Describe(*place));
-    text.append(": ").append(NameOf(rule->severity)).append(": ").append(message);
+    text.append(": ").append(NameOf(severity)).append(": ").append(message);
     text.append(" [").append(rule->id).append("]\n");
   }
   text.append(Counted(linting.boards, "board")).append(": ");

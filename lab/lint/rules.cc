@@ -35,10 +35,11 @@ constexpr auto SortedRules = [] {
       &ShadowingNotExamined,
       // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
-      &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority, &PriorityWithoutEffect,
-      &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText, &NvramSetAndCleared,
-      &NvramConflict, &NvramEmptyName, &NvramPayloadVariable, &NvramBypassSwitch,
-      &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
+      &EmptyImage, &PointerFile, &ImageLinkedOutside, &ConfigurationAsImage, &SameImageTwice,
+      &ImageVersionsDiffer, &UnusedFile, &MissingUtility, &NoPriority, &AlteredPriority,
+      &PriorityWithoutEffect, &AlteredFirmwareMode, &NvramWrongShape, &ClearedNameNotText,
+      &NvramSetAndCleared, &NvramConflict, &NvramEmptyName, &NvramPayloadVariable,
+      &NvramBypassSwitch, &NvramIdleBypassSwitch, &NvramBareSwitch, &NvramBootArgs};
   std::ranges::sort(rules, {}, [](const LintRule* rule) { return rule->id; });
   return rules;
 }();

@@ -54,7 +54,7 @@ Json ResultAsJson(const Finding& finding) {
   const auto rule = std::ranges::find(LintRules(), finding.rule);
   return {{"ruleId", finding.rule->id},
           {"ruleIndex", std::distance(LintRules().begin(), rule)},
-          {"level", NameOf(finding.rule->severity)},
+          {"level", NameOf(finding.severity)},
           {"message", {{"text", finding.message}}},
           {"locations", Json::array({LocationOf(finding)})}};
 }
