@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "lab/support/tool_run.h"
-#include "lab/survey/personality_pairs.h"
+#include "lab/survey/diff/personality_pairs.h"
 
 namespace fernwick::lab {
 

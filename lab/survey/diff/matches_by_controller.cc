@@ -1,4 +1,4 @@
-#include "lab/survey/matches_by_controller.h"
+#include "lab/survey/diff/matches_by_controller.h"
 
 #include "lab/survey/text.h"
 

@@ -1,4 +1,4 @@
-#include "lab/survey/image_changes.h"
+#include "lab/survey/diff/image_changes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lab/survey/payload_diff.h"
+#include "lab/survey/diff/payload_diff.h"
 
 #include <gtest/gtest.h>
 

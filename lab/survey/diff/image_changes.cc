@@ -1,11 +1,11 @@
-#include "lab/survey/image_changes.h"
+#include "lab/survey/diff/image_changes.h"
 
 #include <sys/stat.h>
 
 #include <fstream>
 #include <string_view>
 
-#include "lab/survey/matches_by_controller.h"
+#include "lab/survey/diff/matches_by_controller.h"
 #include "lab/survey/plan_summary.h"
 
 namespace fernwick::lab {

@@ -1,4 +1,4 @@
-#include "lab/survey/match_reasons.h"
+#include "lab/survey/diff/match_reasons.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "lab/survey/personality_pairs.h"
+#include "lab/survey/diff/personality_pairs.h"
 
 #include <gtest/gtest.h>
 

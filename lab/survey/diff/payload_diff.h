@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "lab/support/tool_run.h"
-#include "lab/survey/diff_row.h"
+#include "lab/survey/diff/diff_row.h"
 
 namespace fernwick::lab {
 

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "lab/survey/diff_format.h"
+#include "lab/survey/diff/diff_format.h"
 #include "lab/survey/xml_text.h"
 
 namespace fernwick::lab {

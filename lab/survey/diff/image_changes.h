@@ -10,7 +10,7 @@
 
 #include "driver/options.h"
 #include "lab/support/tool_run.h"
-#include "lab/survey/diff_row.h"
+#include "lab/survey/diff/diff_row.h"
 
 namespace fernwick::lab {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "lab/support/words.h"
-#include "lab/survey/diff_format.h"
+#include "lab/survey/diff/diff_format.h"
 
 namespace fernwick::lab {
 

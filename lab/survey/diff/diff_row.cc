@@ -1,4 +1,4 @@
-#include "lab/survey/diff_row.h"
+#include "lab/survey/diff/diff_row.h"
 
 #include <utility>
 

@@ -8,7 +8,7 @@
 
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
-#include "lab/survey/diff_format.h"
+#include "lab/survey/diff/diff_format.h"
 
 namespace fernwick::lab {
 namespace {

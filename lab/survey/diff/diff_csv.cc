@@ -1,7 +1,7 @@
 #include <string>
 
 #include "lab/survey/csv_cells.h"
-#include "lab/survey/diff_format.h"
+#include "lab/survey/diff/diff_format.h"
 
 namespace fernwick::lab {
 namespace {

@@ -1,7 +1,7 @@
 #include <string_view>
 
 #include "lab/support/json_stream.h"
-#include "lab/survey/diff_format.h"
+#include "lab/survey/diff/diff_format.h"
 
 namespace fernwick::lab {
 namespace {

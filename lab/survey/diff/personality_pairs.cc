@@ -7,7 +7,7 @@
 // similarity costs the product of what is left of both, of which at most MaxCompared elements of
 // each are looked at.
 
-#include "lab/survey/personality_pairs.h"
+#include "lab/survey/diff/personality_pairs.h"
 
 #include <algorithm>
 #include <array>

@@ -1,12 +1,12 @@
-#include "lab/survey/payload_diff.h"
+#include "lab/survey/diff/payload_diff.h"
 
 #include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
 
-#include "lab/survey/match_reasons.h"
-#include "lab/survey/matches_by_controller.h"
+#include "lab/survey/diff/match_reasons.h"
+#include "lab/survey/diff/matches_by_controller.h"
 #include "lab/survey/plan_summary.h"
 #include "lab/survey/text.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "lab/survey/diff_row.h"
+#include "lab/survey/diff/diff_row.h"
 #include "platform/console.h"
 
 namespace fernwick::lab {
