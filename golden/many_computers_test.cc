@@ -86,7 +86,7 @@ TEST_F(ManyComputers, AreNotTouchedByThoseThatEndAbnormallyNorByTheNumberOfJobs)
                             ? "{\"file\":\"" + PathOf(Faulty) +
                                   "\",\"outcome\":\"abnormal end\",\"status\":null,\"reason\":"
                                   "\"SIGABRT\",\"board\":null,\"revision\":0,\"matches\":[],"
-                                  "\"diagnostics\":[]}"
+                                  "\"diagnostics\":[],\"plan\":null}"
                             : expected[i]);
   }
 }

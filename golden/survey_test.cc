@@ -327,7 +327,7 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
             "address,installed,version,image,diagnostics,image "
             "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
             "\"./a\\033[31m,\"\"\\377\\012.registry.plist\",refused,65,\"\"\"Recording "
-            "Version\"\" is missing\",,,,,,,,,\r\n");
+            "Version\"\" is missing\",,,,,,,,,,,,,,\r\n");
   EXPECT_EQ(
       outcome("table"),
       "FILE                                  BOARD  REV  STATUS      TYPE  RID  PORT  INSTALLED "
