@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What the walk gives, each path without that of the directory, an error behind " ".
+// The paths that the walk returns, each without that of the directory, an error after " ".
 std::vector<std::string> WalkOver(const std::string& directory) {
   std::vector<std::string> found;
   DirectoryWalk walk(directory);

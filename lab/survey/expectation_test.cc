@@ -20,7 +20,7 @@ class Expectation : public ::testing::Test {
     EXPECT_FALSE(expectation_.Load());
   }
 
-  // The status of the row that is taken; -1 for none.
+  // The status of the row that is returned; -1 when there is none.
   int Take(const std::string& file) {
     const auto row = expectation_.TakeFor({.file = directory_.Path() + "/" + file});
     return row ? row->status.value() : -1;

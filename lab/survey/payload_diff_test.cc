@@ -188,7 +188,7 @@ TEST_F(PayloadDiff, NamesThePersonalityOfTheSamePurpose) {
                          R"(6 is above the installed 5"])"),
             std::string::npos)
       << changes;
-  // The same personalities the other way round, for a port that the pilot alone takes.
+  // In either direction, for a port that only the pilot matches.
   testing::Computer other;
   other.SetBoard("Zed-42", 3);
   other.AddPort("hpm0", {{"Vendor ID", 1},

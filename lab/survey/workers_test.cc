@@ -153,7 +153,7 @@ TEST(WorkInOrder, StopsAfterAReportThatFails) {
   }
 }
 
-// A thread that waits for standard input holds up neither what the others report nor the end.
+// A thread that waits for standard input delays neither the reports of the others nor the end.
 TEST(WorkInOrder, ReportsAndStopsWhileStandardInputIsSilent) {
   for (const std::size_t jobs : {1u, 2u, 5u}) {
     testing::StandardInputPipe input;
