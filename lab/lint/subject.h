@@ -22,8 +22,7 @@ struct LocatedEntry {
 };
 
 /// The entries of a dictionary in their order; of a key that occurs twice the last, which counts. A
-/// container that a binary file shares has no locations (`location` is null, or has no entries):
-/// then everything in it is at `offset`.
+/// container without locations (`location` is null, or has no entries) has everything at `offset`.
 std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* location,
                                          std::size_t offset);
 
