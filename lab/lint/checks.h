@@ -1,13 +1,16 @@
 #pragma once
 
+#include <string_view>
+
 #include "lab/lint/finding.h"
 #include "lab/lint/subject.h"
+#include "registry/key_schema.h"
 
 namespace fernwick::lab {
 
 // What lint looks for in a configuration, most of it in one personality at a time. Defined in
-// shape.cc, keys.cc, values.cc, doubtful_values.cc,
-// versions.cc, plan.cc and nvram_names.cc, in this order.
+// shape.cc, keys.cc, similar_keys.cc, values.cc, doubtful_values.cc, versions.cc, plan.cc and
+// nvram_names.cc, in this order.
 
 /// The top of the configuration and the shape of what is under its types.
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
@@ -17,6 +20,12 @@ void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& fin
 
 /// The keys of a personality: which it has that are not read, and which it lacks.
 void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings);
+
+/// The key of personalities that an unknown key may be meant for, because it is the name of the
+/// registry property from which that key's value comes ("UID" for "Ridge UID"), or consists of the
+/// same words, of some of them, or of more ("Max Version" for "Existing Max Version"). Case, blanks
+/// and abbreviations do not matter. Prefers keys that the type reads; empty when there is none.
+std::string_view SimilarKey(std::string_view key, TypeSet type);
 
 /// Values with which nothing matches under their key.
 void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings);

@@ -2,7 +2,6 @@
 
 #include "lab/lint/checks.h"
 #include "lab/lint/shape_rules.h"
-#include "lab/lint/similar_keys.h"
 #include "lab/support/spelling.h"
 
 namespace fernwick::lab {

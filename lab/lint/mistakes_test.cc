@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "lab/lint/board_names.h"
+#include "lab/lint/checks.h"
 #include "lab/lint/configuration.h"
-#include "lab/lint/similar_keys.h"
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"

@@ -2,14 +2,14 @@
 // to upper case; abbreviations are written out. One set has to contain the other. Linear in the
 // number of known keys.
 
-#include "lab/lint/similar_keys.h"
-
 #include <algorithm>
 #include <set>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "lab/lint/checks.h"
 
 namespace fernwick::lab {
 namespace {
