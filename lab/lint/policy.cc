@@ -1,7 +1,6 @@
 #include "lab/lint/policy.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace fernwick::lab {
 namespace {
@@ -32,9 +31,9 @@ std::optional<std::string> LintPolicy::Read(const std::vector<std::string>& igno
 
 void LintPolicy::ApplyTo(std::vector<Finding>& findings) const {
   std::erase_if(findings, [&](Finding& finding) {
-    const auto reversed = std::views::reverse(changes_);
-    const auto change = std::ranges::find(reversed, finding.rule, &Change::rule);
-    if (change == reversed.end()) return false;
+    const auto change =
+        std::ranges::find(changes_.rbegin(), changes_.rend(), finding.rule, &Change::rule);
+    if (change == changes_.rend()) return false;
     finding.severity = change->severity.value_or(finding.severity);
     return !change->severity;
   });
