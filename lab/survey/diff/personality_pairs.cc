@@ -68,7 +68,7 @@ std::optional<Texts> AcceptedValues(Dictionary personality, std::string_view key
     texts.push_back(CanonicalText(*value));
   }
   std::ranges::sort(texts);
-  texts.erase(std::ranges::unique(texts).begin(), texts.end());
+  texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
   return texts;
 }
 
