@@ -240,7 +240,7 @@ TEST(Redact, ReplacesAFileOnlyWhenForced) {
 
 TEST(Redact, ReadsStandardInputAndWritesStandardOutput) {
   const TemporaryDirectory directory;
-  const auto in = directory.Write("in", RecordingWith(Private));
+  directory.Write("in", RecordingWith(Private));
   const auto lab = std::string(FERNWICK_LAB_PROGRAM);
   const auto outcome = testing::RunChild(
       {"/bin/sh", "-c", lab + " redact - - < in | " + lab + " show - | head -n 5"},
