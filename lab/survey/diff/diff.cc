@@ -97,7 +97,7 @@ struct ComparedComputer {
 };
 
 ComparedComputer DiffComputer(const Selected& selected, const Payloads& payloads,
-                              ImageFiles& images) {
+                              PayloadImages& images) {
   const auto& path = selected.path;
   if (!selected.error.empty()) {
     return {{.file = path, .refusal = selected.error}, LabStatus::UnreadableInput};
@@ -134,7 +134,7 @@ int RunDiff(const DiffOptions& options) {
   ProcessConsole console;
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
-  ImageFiles images;
+  PayloadImages images;
   int refusal = LabStatus::Done;
   const auto work = [&](const Selected& selected) -> std::function<void()> {
     auto compared = DiffComputer(selected, payloads, images);

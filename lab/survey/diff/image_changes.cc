@@ -48,7 +48,7 @@ Json WithSize(const Json& image, std::uint64_t size) {
 
 // What changes for a controller whose match has an image. `before` is null where it had none.
 std::optional<DiffChange> ChangeOf(const MatchedPair* before, const MatchedPair& after,
-                                   const ImageFiles::Comparison& files) {
+                                   const PayloadImages::Comparison& files) {
   const auto imageBefore = ImageOf(before);
   const auto image = ImageOf(&after);
   const bool wasMissing = !imageBefore.is_null() && !files.sizeBefore;
@@ -64,7 +64,8 @@ std::optional<DiffChange> ChangeOf(const MatchedPair* before, const MatchedPair&
 
 }  // namespace
 
-ImageFiles::Comparison ImageFiles::Compare(const std::string& before, const std::string& after) {
+PayloadImages::Comparison PayloadImages::Compare(const std::string& before,
+                                                 const std::string& after) {
   {
     const std::lock_guard lock(mutex_);
     const auto known = known_.find({before, after});
@@ -79,7 +80,7 @@ ImageFiles::Comparison ImageFiles::Compare(const std::string& before, const std:
 
 std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options& before,
                                          const ToolRun& runAfter, const Options& after,
-                                         ImageFiles& files) {
+                                         PayloadImages& files) {
   std::vector<DiffChange> changes;
   const MatchesByController matchesBefore(runBefore);
   const MatchesByController matchesAfter(runAfter);

@@ -16,7 +16,7 @@ namespace fernwick::lab {
 
 /// Compares the image files of two payloads. Remembers each comparison by its two paths, since the
 /// computers of one board plan the same images. May be used on several threads.
-class ImageFiles {
+class PayloadImages {
  public:
   /// The sizes of both files; empty where there is no file that can be read.
   struct Comparison {
@@ -38,6 +38,6 @@ class ImageFiles {
 /// fault.
 std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options& before,
                                          const ToolRun& runAfter, const Options& after,
-                                         ImageFiles& files);
+                                         PayloadImages& files);
 
 }  // namespace fernwick::lab

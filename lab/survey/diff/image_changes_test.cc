@@ -34,7 +34,7 @@ class ImageChanges : public ::testing::Test {
   std::string Changes() {
     const auto before = ToolOptions(directory_.Path() + "/old", false);
     const auto after = ToolOptions(directory_.Path() + "/new", false);
-    ImageFiles files;
+    PayloadImages files;
     std::string text;
     for (const auto& change :
          FindImageChanges(RunTool(computer_.Recorded(), before), before,
