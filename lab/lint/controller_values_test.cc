@@ -4,108 +4,13 @@
 
 #include <cmath>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "personality/requirements.h"
-#include "registry/port_inventory.h"
-#include "registry/recorded_registry.h"
-#include "registry/thunderbolt_inventory.h"
-#include "testing/computer.h"
 #include "testing/property_values.h"
 
 namespace fernwick::lab {
 namespace {
-
-// Numbers at every edge of what a property can be.
-const std::vector<PropertyValue> Extremes = {0,
-                                             1,
-                                             15,
-                                             16,
-                                             -1,
-                                             0x7FFFFFFF,
-                                             0x80000000u,
-                                             0xFFFFFFFFu,
-                                             0x100000000,
-                                             0.5,
-                                             -0.5,
-                                             1e300,
-                                             -1e300,
-                                             true,
-                                             false,
-                                             std::numeric_limits<std::uint64_t>::max(),
-                                             std::numeric_limits<std::int64_t>::min(),
-                                             std::nan("")};
-
-void ExpectWithin(const HardwareRecord& record, TypeSet type) {
-  for (const auto& [key, value] : record.Entries()) {
-    if (!value.IsNumber() || key == "Version" || key == "Engineering Version") continue;
-    const auto range = NumbersOfControllers(*FindKey(key), type);
-    if (!range) continue;
-    EXPECT_FALSE(NumberLess(value, range->lowest)) << key;
-    EXPECT_FALSE(NumberGreater(value, range->highest)) << key;
-    EXPECT_EQ(value.AsReal(), std::nullopt) << key;
-  }
-}
-
-Record Everything(const PropertyValue& value, bool withAddress) {
-  Record properties = {{"Depth", 0}, {"Route String", 0}, {"UID", value}};
-  for (const char* key : {"RID", "Vendor ID", "Device ID", "Revision ID", "Revision",
-                          "Device Model ID", "Device Model Revision", "Firmware Mode"}) {
-    properties.Set(key, value);
-  }
-  if (withAddress) properties.Set("Address", value);
-  return properties;
-}
-
-TEST(NumbersOfControllers, ContainWhateverTheRegistryHas) {
-  for (const auto& value : Extremes) {
-    testing::Computer computer;
-    const auto ridge = computer.AddThunderbolt("Ridge", Everything(value, false));
-    computer.AddService(ridge, "Below", PortControllerClass, Everything(value, true));
-    computer.AddPort("Lone", Everything(value, true));
-    RecordedRegistry registry(computer.Recorded());
-    const auto controllers = CollectThunderboltControllers(registry);
-    const auto ports = CollectPortControllers(registry);
-    ASSERT_TRUE(controllers && ports);
-    for (const auto& record : controllers->records) {
-      ExpectWithin(record, Types::LegacyThunderbolt);
-    }
-    for (const auto& record : ports->records) {
-      ExpectWithin(record, Types::Usbc);
-      if (record.Find("Ridge UID") != nullptr) ExpectWithin(record, Types::Thunderbolt);
-    }
-  }
-}
-
-struct RangeRow {
-  TypeSet type;
-  const char* key;
-  Integer lowest;
-  Integer highest;
-};
-
-TEST(NumbersOfControllers, AreNarrowWhereTheInventoryMakesThemSo) {
-  constexpr Integer Min = std::numeric_limits<std::int32_t>::min();
-  constexpr Integer Max = std::numeric_limits<std::int32_t>::max();
-  const RangeRow rows[] = {
-      {Types::LegacyThunderbolt, "RID", 0, 15},
-      {Types::Thunderbolt, "RID", Min, Max},
-      {Types::Usbc, "RID", Min, Max},
-      {Types::Thunderbolt, "Port Address", 0, 0},
-      {Types::Usbc, "Port Address", Min, Max},
-      {Types::LegacyUsbc, "Port Address", Min, Max},
-      {Types::Thunderbolt, "Firmware Mode", 0, 1},
-      {Types::Thunderbolt, "Device Model ID", Min, Max},
-  };
-  for (const auto& [type, key, lowest, highest] : rows) {
-    const auto range = NumbersOfControllers(*FindKey(key), type);
-    ASSERT_TRUE(range.has_value()) << key;
-    EXPECT_EQ(range->lowest, lowest) << key << " under " << type;
-    EXPECT_EQ(range->highest, highest) << key << " under " << type;
-  }
-  EXPECT_FALSE(NumbersOfControllers(*FindKey("Ridge UID"), Types::LegacyThunderbolt).has_value());
-}
 
 RevisionRange Revisions(const PropertyValue& minimum, const PropertyValue& maximum) {
   return RevisionsWithin(&minimum, &maximum);
