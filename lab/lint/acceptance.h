@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "lab/lint/controller_values.h"
 #include "lab/lint/subject.h"
+#include "lab/support/controller_values.h"
 #include "personality/requirements.h"
 #include "registry/key_schema.h"
 

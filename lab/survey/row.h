@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lab/support/json_values.h"
-#include "lab/survey/plan_summary.h"
+#include "lab/support/plan_summary.h"
 
 namespace fernwick::lab {
 

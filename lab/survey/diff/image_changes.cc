@@ -5,8 +5,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "lab/support/plan_summary.h"
 #include "lab/survey/diff/matches_by_controller.h"
-#include "lab/survey/plan_summary.h"
 
 namespace fernwick::lab {
 namespace {
