@@ -5,7 +5,7 @@
 
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/doubtful_rules.h"
+#include "lab/lint/rules/doubtful_rules.h"
 
 namespace fernwick::lab {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 #include "lab/support/configuration_file.h"
 
 namespace fernwick::lab {

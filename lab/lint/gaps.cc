@@ -14,7 +14,7 @@
 #include <tuple>
 #include <utility>
 
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
 #include "value/textual_dump.h"
 
 namespace fernwick::lab {

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "value/xml/writer.h"
 
 namespace fernwick::lab {

@@ -3,7 +3,7 @@
 
 #include "driver/bypass_switch.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/nvram_rules.h"
+#include "lab/lint/rules/nvram_rules.h"
 
 namespace fernwick::lab {
 namespace {

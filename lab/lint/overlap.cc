@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "lab/lint/payload.h"
 #include "lab/lint/report.h"
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 #include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
 #include "testing/temporary_directory.h"

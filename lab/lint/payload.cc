@@ -9,8 +9,8 @@
 
 #include "lab/lint/board_names.h"
 #include "lab/lint/configuration.h"
-#include "lab/lint/payload_rules.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/payload_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "lab/support/configuration_file.h"
 #include "lab/support/messages.h"
 #include "platform/file_system.h"

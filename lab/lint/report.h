@@ -3,7 +3,7 @@
 #include <string>
 
 #include "lab/lint/payload.h"
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 namespace fernwick::lab {
 

@@ -10,7 +10,7 @@
 #include <span>
 #include <utility>
 
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
 namespace {

@@ -1,4 +1,4 @@
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 #include <gtest/gtest.h>
 
