@@ -145,9 +145,11 @@ void LintImages(const LintSubject& subject, const BoardFiles& files,
   for (const auto& type : subject.types) {
     linter.LintUtility(type);
     for (const auto& personality : type.personalities) {
+      findings.Enter(&personality);
       linter.Lint(personality);
       linter.LintVersion(personality);
     }
+    findings.Enter(nullptr);
   }
 }
 

@@ -8,15 +8,9 @@
 
 namespace fernwick::lab {
 
-/// A personality that can match and is not shadowed, with what it accepts.
-struct LivePersonality {
-  const LocatedPersonality* personality;
-  Acceptance acceptance;
-};
-
 /// Whether there may be a controller that both accept: they agree in the keys that both test, and
 /// in the windows of the installed version and the board revision.
-bool Overlap(const LivePersonality& a, const LivePersonality& b);
+bool Overlap(const Acceptance& a, const Acceptance& b);
 
 /// Whether both can match on one computer, on whichever of its controllers: not those for different
 /// board revisions or device models. Personalities of one type that accept the same controllers are

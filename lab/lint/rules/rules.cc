@@ -32,7 +32,7 @@ constexpr auto SortedRules = [] {
       &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
       &UnreportableVersion, &EmptyBoardRevisionRange, &BoardRevisionOutOfRange,
       &ShadowedPersonality, &TwoImagesForOneController, &VersionGap, &BoardRevisionGap,
-      &ShadowingNotExamined,
+      &ShadowingNotExamined, &OverlapNotExamined, &OrderDecidesImage,
       // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &EmptyImage, &PointerFile, &ImageLinkedOutside, &ConfigurationAsImage, &SameImageTwice,
