@@ -2,10 +2,7 @@
 
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/gaps.h"
-#include "lab/lint/image_order.h"
-#include "lab/lint/nvram.h"
-#include "lab/lint/overlap.h"
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rid.h"
 #include "lab/lint/shadowing.h"
 

@@ -2,8 +2,6 @@
 // are sorted by where they begin, and a gap is where one begins after all earlier ones have ended.
 // O(n log n) for a group, for each board revision at which one of its personalities begins.
 
-#include "lab/lint/gaps.h"
-
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -14,6 +12,7 @@
 #include <tuple>
 #include <utility>
 
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {

@@ -2,8 +2,6 @@
 // group an inverted index finds, for each value, the earlier lists that contain it. Linear in the
 // number of values, apart from at most MaxCompared comparisons for each personality and key.
 
-#include "lab/lint/image_order.h"
-
 #include <algorithm>
 #include <map>
 #include <set>
@@ -12,6 +10,7 @@
 #include <unordered_map>
 
 #include "lab/lint/candidates.h"
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rules/version_rules.h"
 #include "plan/value_conversions.h"
 
@@ -70,7 +69,7 @@ class ImageOrderLinter {
   // Reports the first value of the list that an earlier personality accepts in each case.
   void FindTaken(const LivePersonality& live, std::size_t key, const ValueSet& list,
                  const Group& group) {
-    std::set<const ValueSet*> tried;
+    std::set<const ValueSet*> tried = {&list};
     std::size_t compared = 0;
     for (const auto value : list) {
       for (const auto* other : group.listsByValue.at(value)) {

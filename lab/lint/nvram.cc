@@ -1,11 +1,10 @@
-#include "lab/lint/nvram.h"
-
 #include <algorithm>
 #include <map>
 #include <span>
 #include <string>
 
 #include "lab/lint/candidates.h"
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rules/plan_rules.h"
 #include "lab/lint/rules/version_rules.h"
 #include "value/xml/writer.h"

@@ -1,13 +1,12 @@
 // Intersection of what two personalities accept, key by key: of sets by merging them, of version
 // windows by looking for one version that is inside both. Linear in the number of values.
 
-#include "lab/lint/overlap.h"
-
 #include <algorithm>
 #include <map>
 #include <string>
 
 #include "lab/lint/candidates.h"
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
