@@ -3,7 +3,7 @@
 declare -gA _fernwick_lab_options=(
   [replay]="--help"
   [explain]="-p --payload --bypassVersion --type --controller --nearest --format --json --help"
-  [lint]="--format --fail-level --ignore --severity --explain --list --help"
+  [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
   [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--plane --json --help"
@@ -45,7 +45,7 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'survey --expect' | 'lint --baseline') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac

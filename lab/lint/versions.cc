@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
 #include "lab/support/controller_values.h"
 #include "personality/requirements.h"
 

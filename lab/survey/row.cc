@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+#include "lab/support/json_input.h"
+
 namespace fernwick::lab {
 namespace {
 
@@ -126,26 +128,6 @@ std::optional<PlanSummary> OptionalPlan(Members& members) {
   auto summary = InterpretPlan(plan);
   if (!plan.AreSound()) members.Refuse();
   return summary;
-}
-
-// Whether arrays and objects are nested deeper than in any row; printing a value is recursive.
-bool IsTooDeep(std::string_view json) {
-  constexpr std::size_t MaxDepth = 1024;
-  std::size_t depth = 0;
-  bool isInText = false;
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    const char c = json[i];
-    if (isInText && c == '\\') {
-      ++i;
-    } else if (c == '"') {
-      isInText = !isInText;
-    } else if (!isInText && (c == '[' || c == '{')) {
-      if (++depth > MaxDepth) return true;
-    } else if (!isInText && (c == ']' || c == '}') && depth > 0) {
-      --depth;
-    }
-  }
-  return false;
 }
 
 Outcome InterpretOutcome(Members& members) {
