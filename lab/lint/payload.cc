@@ -152,14 +152,14 @@ class PayloadLinter {
   bool SelectBoards(std::vector<std::string>& boards) {
     auto listing = List(personalitiesDirectory_);
     std::erase_if(listing.directories, IsNoBoard);
-    allBoards_ = std::move(listing.directories);
+    names_ = BoardNames(std::move(listing.directories));
     if (boards.empty()) {
       if (listing.error) {
         AddUnreadable(personalitiesDirectory_, listing.error.message());
-      } else if (allBoards_.empty()) {
+      } else if (names_.All().empty()) {
         Add(LintRuleOf::NoBoards, personalitiesDirectory_, "there is no board directory in it");
       }
-      boards = allBoards_;
+      boards = names_.All();
     }
     std::ranges::sort(boards);
     boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
@@ -198,9 +198,9 @@ class PayloadLinter {
   }
 
   void LintBoardName(const std::string& board, const std::string& directory) {
-    if (const auto problem = BoardNameProblem(board, allBoards_)) {
+    if (const auto problem = names_.Problem(board)) {
       Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
-    } else if (const auto other = SameBoardBefore(board, allBoards_); !other.empty()) {
+    } else if (const auto other = names_.SameBefore(board); !other.empty()) {
       Add(LintRuleOf::SameBoardTwice, directory,
           "it differs from " + Quoted(other) + " only in leading zeros");
     }
@@ -239,8 +239,8 @@ class PayloadLinter {
   const std::string personalitiesDirectory_;
   const FindingSink& sink_;
   const FindingFilter& filter_;
-  std::vector<std::string> allBoards_;  // sorted
-  std::vector<Finding> found_;          // those that were not passed on yet
+  BoardNames names_{{}};
+  std::vector<Finding> found_;  // those that were not passed on yet
   PayloadLinting result_;
 };
 
