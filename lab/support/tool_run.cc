@@ -15,6 +15,10 @@ Options ToolOptions(const std::string& payload, bool bypassVersion) {
 
 ToolRun RunTool(const Recording& recording, const Options& options) {
   RecordedRegistry registry(recording);
+  return RunTool(registry, options);
+}
+
+ToolRun RunTool(Registry& registry, const Options& options) {
   StringConsole console;
   RunTrace trace;
   auto result = Run(options, registry, console, &trace);

@@ -29,6 +29,9 @@ Options ToolOptions(const std::string& payload, bool bypassVersion);
 /// threads may run it at once, also over one recording.
 ToolRun RunTool(const Recording& recording, const Options& options);
 
+/// The same over another registry, whose values must outlive the run.
+ToolRun RunTool(Registry& registry, const Options& options);
+
 /// A personality and the controller that it matched. Points into the ToolRun.
 struct MatchedPair {
   const KeyTrace* key;

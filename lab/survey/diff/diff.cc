@@ -10,7 +10,7 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/diff/diff_format.h"
-#include "lab/survey/diff/image_changes.h"
+#include "lab/survey/diff/file_changes.h"
 #include "lab/survey/diff/payload_diff.h"
 #include "lab/survey/run.h"
 #include "lab/verbs.h"
@@ -97,7 +97,7 @@ struct ComparedComputer {
 };
 
 ComparedComputer DiffComputer(const Selected& selected, const Payloads& payloads,
-                              PayloadImages& images) {
+                              PayloadFiles& files) {
   const auto& path = selected.path;
   if (!selected.error.empty()) {
     return {{.file = path, .refusal = selected.error}, LabStatus::UnreadableInput};
@@ -114,7 +114,7 @@ ComparedComputer DiffComputer(const Selected& selected, const Payloads& payloads
   const auto after = RunTool(*recording, payloads.after);
   CompareRuns(before, after, row);
   if (!before.result.fault && !after.result.fault) {
-    for (auto& change : FindImageChanges(before, payloads.before, after, payloads.after, images)) {
+    for (auto& change : FindFileChanges(before, payloads.before, after, payloads.after, files)) {
       row.changes.push_back(std::move(change));
     }
   }
@@ -134,10 +134,10 @@ int RunDiff(const DiffOptions& options) {
   ProcessConsole console;
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
-  PayloadImages images;
+  PayloadFiles files;
   int refusal = LabStatus::Done;
   const auto work = [&](const Selected& selected) -> std::function<void()> {
-    auto compared = DiffComputer(selected, payloads, images);
+    auto compared = DiffComputer(selected, payloads, files);
     return [&, isNamed = selected.isNamed, compared = std::move(compared)] {
       if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
       totals.Add(compared.row);

@@ -89,7 +89,8 @@ std::optional<std::size_t> MatchReasons::CounterpartOf(const MatchedPair& pair,
 const PersonalityPairs& MatchReasons::PairsOf(std::string_view type) {
   const auto known = pairs_.find(type);
   if (known != pairs_.end()) return known->second;
-  auto pairs = PairPersonalities(PersonalitiesIn(before_, type), PersonalitiesIn(after_, type));
+  auto pairs = PairPersonalities(TypeNamed(type), PersonalitiesIn(before_, type),
+                                 PersonalitiesIn(after_, type));
   return pairs_.emplace(type, std::move(pairs)).first->second;
 }
 
