@@ -78,8 +78,8 @@ TEST(PersonalityPairs, OfAnotherPurposeGoByTheImage) {
 }
 
 TEST(PersonalityPairs, GoByEveryKeyThatTheTypeTestsAndNoOther) {
-  const auto mode = [](bool mode, const char* image) {
-    return At(1, image, {{"Firmware Mode", mode}});
+  const auto mode = [](bool isOn, const char* image) {
+    return At(1, image, {{"Firmware Mode", isOn}});
   };
   const auto before = List({mode(true, "a"), mode(false, "b")});
   const auto after = List({mode(false, "c"), mode(true, "d")});
