@@ -10,6 +10,7 @@
 #include "lab/lint/linted.h"
 #include "testing/dictionaries.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
 namespace {
@@ -36,8 +37,9 @@ std::vector<std::string> MessagesOf(int count, Make make) {
   std::vector<PropertyValue> personalities;
   for (int i = 0; i < count; ++i) personalities.emplace_back(Dict(With(Both, make(i))));
   std::vector<std::string> messages;
-  for (const auto& row :
-       LintedRows(Dict({{"Thunderbolt", List(personalities)}}), {"a.bin", "b.bin"})) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row : LintedRows(directory.Path(), Dict({{"Thunderbolt", List(personalities)}}),
+                                    {"a.bin", "b.bin"})) {
     messages.push_back(row.message + " [" + std::string(row.rule->id) + "]");
   }
   return messages;

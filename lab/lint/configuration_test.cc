@@ -11,6 +11,7 @@
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
 namespace {
@@ -65,7 +66,9 @@ Dictionary AllTypes() {
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string LintOutput(const PropertyValue& configuration) {
   std::string output;
-  for (const auto& row : LintedRows(configuration, {"a.bin", "c.bin", "images/b.bin"})) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row :
+       LintedRows(directory.Path(), configuration, {"a.bin", "c.bin", "images/b.bin"})) {
     output.append(NameOf(row.rule->severity)).append(": ").append(row.message);
     output.append(" [").append(row.rule->id).append("]\n");
   }

@@ -14,6 +14,7 @@
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 #include "value/textual_dump.h"
 
 namespace fernwick::lab {
@@ -86,7 +87,8 @@ std::string IdsIn(const PropertyValue& configuration) {
     images.push_back(image + ".bin");
   }
   std::string ids;
-  for (const auto& row : LintedRows(configuration, images)) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row : LintedRows(directory.Path(), configuration, images)) {
     ids.append(row.rule->id).append(" ");
   }
   return ids;
