@@ -78,7 +78,7 @@ const std::vector<KnownKey>& KnownKeys() {
 }
 
 // A single word points to a key when no other key has it. "Name" and the like are comments.
-bool IsTelling(const Words& words) {
+bool IsSpecific(const Words& words) {
   if (words.size() > 1) return true;
   const auto& word = *words.begin();
   const auto hasWord = [&](const KnownKey& known) { return known.words.contains(word); };
@@ -87,7 +87,7 @@ bool IsTelling(const Words& words) {
 
 // Less is more similar; npos: not similar.
 std::size_t WordDistance(const Words& words, const Words& known) {
-  if (Contains(known, words) && IsTelling(words)) return known.size() - words.size();
+  if (Contains(known, words) && IsSpecific(words)) return known.size() - words.size();
   if (Contains(words, known) && known.size() > 1) return words.size() - known.size();
   return std::string_view::npos;
 }
