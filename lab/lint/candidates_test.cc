@@ -10,6 +10,7 @@
 #include "lab/lint/linted.h"
 #include "testing/dictionaries.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
 namespace {
@@ -36,7 +37,9 @@ std::vector<std::string> MessagesOf(int count, Make make) {
   std::vector<PropertyValue> personalities;
   for (int i = 0; i < count; ++i) personalities.emplace_back(Dict(With(Both, make(i))));
   std::vector<std::string> messages;
-  for (const auto& row : LintedRows(Dict({{"Thunderbolt", List(personalities)}}), {"a.bin"})) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row : LintedRows(directory.Path(), Dict({{"Thunderbolt", List(personalities)}}),
+                                    {"a.bin", "b.bin"})) {
     messages.push_back(row.message + " [" + std::string(row.rule->id) + "]");
   }
   return messages;
@@ -63,7 +66,9 @@ TEST(Limits, OfNvramSettingsDoNotCountThoseOfTheSameValue) {
 
 TEST(Limits, OfComparedListsAreReported) {
   const auto withCommonValue = [](int i) {
-    return Record{{"Device Model ID", List({0, i + 1})}, {"Existing Min Version", 199 - i}};
+    return Record{{"Device Model ID", List({0, i + 1})},
+                  {"Existing Min Version", 199 - i},
+                  {"Firmware", i == 0 ? "b.bin" : "a.bin"}};
   };
   EXPECT_EQ(MessagesOf(129, withCommonValue), Messages{});
   EXPECT_EQ(
@@ -71,7 +76,7 @@ TEST(Limits, OfComparedListsAreReported) {
       Messages{"1 personality of \"Thunderbolt\" was compared with 256 others only to find out "
                "whether the order decides which image a controller gets "
                "[overlap-not-examined]"});
-  EXPECT_EQ(MessagesOf(131, withCommonValue).at(0).substr(0, 36),
+  EXPECT_EQ(MessagesOf(131, withCommonValue).at(0).substr(0, 37),
             "2 personalities of \"Thunderbolt\" were");
 }
 

@@ -1,6 +1,7 @@
 // Interval covering. The personalities are grouped by what they accept; in each group the intervals
 // are sorted by where they begin, and a gap is where one begins after all earlier ones have ended.
-// O(n log n) for a group, for each board revision at which one of its personalities begins.
+// O(n log n) for a group, and O(n) for each board revision at which one of its personalities
+// begins.
 
 #include <algorithm>
 #include <cmath>
@@ -67,19 +68,34 @@ bool BeginsBefore(const LivePersonality* a, const LivePersonality* b) {
   return beginOfA == nullptr || NumberLess(*beginOfA, *beginOfB);
 }
 
+// A personality of a line, and the version at which its window ends; nullopt when it never does.
+struct Step {
+  const LivePersonality* live;
+  std::optional<PropertyValue> end;
+};
+
+// The steps in the order in which their windows begin.
+std::vector<Step> StepsOf(Line line) {
+  std::ranges::stable_sort(line, BeginsBefore);
+  const auto scale = ScaleOf(line);
+  std::vector<Step> steps;
+  for (const auto* live : line) {
+    const auto& window = live->acceptance;
+    steps.push_back({live, LowestVersionAfter(scale, *window.version, window.maximum)});
+  }
+  return steps;
+}
+
 // The personalities with a gap before their windows, and the lowest version in it.
 using Gaps = std::map<const LivePersonality*, PropertyValue>;
 
-void FindGaps(Line line, Gaps& gaps) {
-  std::ranges::stable_sort(line, BeginsBefore);
-  const auto scale = ScaleOf(line);
+void FindGaps(const std::vector<Step>& steps, int revision, Gaps& gaps) {
   std::optional<PropertyValue> end;
-  for (const auto* live : line) {
-    const auto& window = live->acceptance;
-    if (end && window.minimum != nullptr && NumberGreater(*window.minimum, *end)) {
-      gaps.emplace(live, *end);
-    }
-    const auto next = LowestVersionAfter(scale, *window.version, window.maximum);
+  for (const auto& [live, next] : steps) {
+    const auto& [lowest, highest] = live->acceptance.revisions;
+    if (revision < lowest || revision > highest) continue;
+    const auto* minimum = live->acceptance.minimum;
+    if (end && minimum != nullptr && NumberGreater(*minimum, *end)) gaps.emplace(live, *end);
     if (!next) return;
     if (!end || NumberGreater(*next, *end)) end = next;
   }
@@ -88,15 +104,9 @@ void FindGaps(Line line, Gaps& gaps) {
 void LintWindows(const Line& line, ConfigurationFindings& findings) {
   std::set<int> revisions;
   for (const auto* live : line) revisions.insert(live->acceptance.revisions.lowest);
+  const auto steps = StepsOf(line);
   Gaps gaps;
-  for (const int revision : revisions) {
-    Line atRevision;
-    std::ranges::copy_if(line, std::back_inserter(atRevision), [&](const auto* live) {
-      const auto& range = live->acceptance.revisions;
-      return range.lowest <= revision && revision <= range.highest;
-    });
-    FindGaps(std::move(atRevision), gaps);
-  }
+  for (const int revision : revisions) FindGaps(steps, revision, gaps);
   for (const auto& [live, version] : gaps) {
     const auto* minimum = live->personality->Find("Existing Min Version");
     findings.Enter(live->personality);

@@ -23,6 +23,7 @@ using Personalities = std::vector<const LivePersonality*>;
 struct Group {
   std::unordered_map<std::uint32_t, std::vector<const ValueSet*>> listsByValue;
   std::unordered_map<const ValueSet*, Personalities> personalities;
+  std::set<std::string_view> images;
 };
 
 // The type, the index of the key, and the sets of all other keys.
@@ -62,7 +63,8 @@ class ImageOrderLinter {
     if (same.empty()) {
       for (const auto value : list) group.listsByValue[value].push_back(&list);
     }
-    FindTaken(live, key, list, group);
+    group.images.insert(ImageOf(live));
+    if (group.images.size() > 1) FindTaken(live, key, list, group);
     same.push_back(&live);
   }
 

@@ -14,6 +14,7 @@
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
+#include "testing/temporary_directory.h"
 #include "value/textual_dump.h"
 
 namespace fernwick::lab {
@@ -86,7 +87,8 @@ std::string IdsIn(const PropertyValue& configuration) {
     images.push_back(image + ".bin");
   }
   std::string ids;
-  for (const auto& row : LintedRows(configuration, images)) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row : LintedRows(directory.Path(), configuration, images)) {
     ids.append(row.rule->id).append(" ");
   }
   return ids;
@@ -329,9 +331,9 @@ TEST(SimilarKey, IsNoneForAComment) {
   }
 }
 
-const std::vector<std::string> Boards = {"Zed-1A05", "Zed-1A06"};
+const BoardNames Boards({"Zed-1A05", "Zed-1A06"});
 
-TEST(BoardNameProblem, SuggestsTheNameThatIsMeant) {
+TEST(BoardNames, SuggestTheNameThatIsMeant) {
   const std::pair<std::string, std::string> rows[] = {
       {"Zed-1AO7", "Zed-1A07"},     {"zed-1A07", "Zed-1A07"},      {"Zed-1a07", "Zed-1A07"},
       {"1A07", "Zed-1A07"},         {"Zed-Zed-1A07", "Zed-1A07"},  {"Zed-1A07 ", "Zed-1A07"},
@@ -340,32 +342,32 @@ TEST(BoardNameProblem, SuggestsTheNameThatIsMeant) {
       {"Zed1A07", "Zed-1A07"},      {"Zed-1A07~", "Zed-1A07"},     {"Zed-1A07 (2)", "Zed-1A07"},
   };
   for (const auto& [name, meant] : rows) {
-    const auto problem = BoardNameProblem(name, Boards);
+    const auto problem = Boards.Problem(name);
     ASSERT_TRUE(problem) << name;
     EXPECT_NE(problem->find("; \"" + meant + "\" may be meant"), std::string::npos) << *problem;
   }
-  EXPECT_NE(BoardNameProblem("Zed-1A05 copy", Boards)->find("\"Zed-1A05\" is there as well"),
+  EXPECT_NE(Boards.Problem("Zed-1A05 copy")->find("\"Zed-1A05\" is there as well"),
             std::string::npos);
 }
 
-TEST(BoardNameProblem, HasNoSuggestionForAnotherName) {
+TEST(BoardNames, SuggestNothingForAnotherName) {
   for (const std::string name : {"old", "Zed-", "2024 builds"}) {
-    EXPECT_EQ(BoardNameProblem(name, Boards),
+    EXPECT_EQ(Boards.Problem(name),
               "a board identifier is \"Zed-\" and upper-case hexadecimal digits");
   }
 }
 
-TEST(BoardNameProblem, IsNoneOfIdentifiers) {
+TEST(BoardNames, HaveNoProblemWithIdentifiers) {
   for (const std::string name : {"Zed-1A05", "Zed-0", "Zed-0A05", "Zed-0123456789ABCDEF"}) {
-    EXPECT_EQ(BoardNameProblem(name, Boards), std::nullopt) << name;
+    EXPECT_EQ(Boards.Problem(name), std::nullopt) << name;
   }
 }
 
-TEST(SameBoardBefore, DiffersInZerosOnly) {
-  const std::vector<std::string> boards = {"Zed-0A05", "Zed-1A05", "Zed-A05", "Zed-a05"};
-  EXPECT_EQ(SameBoardBefore("Zed-A05", boards), "Zed-0A05");
-  for (const std::string name : {"Zed-0A05", "Zed-1A05", "Zed-a05"}) {
-    EXPECT_EQ(SameBoardBefore(name, boards), "") << name;
+TEST(BoardNames, FindTheBoardThatDiffersInZerosOnly) {
+  const BoardNames boards({"Zed-00A05", "Zed-0A05", "Zed-1A05", "Zed-A05", "Zed-a05"});
+  EXPECT_EQ(boards.SameBefore("Zed-A05"), "Zed-0A05");
+  for (const std::string name : {"Zed-0A05", "Zed-1A05"}) {
+    EXPECT_EQ(boards.SameBefore(name), "") << name;
   }
 }
 

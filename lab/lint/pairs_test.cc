@@ -168,9 +168,9 @@ TEST_P(LintRulePair, RaisesItAtItsLocationAndTheTwinNothing) {
   const auto* rule = FindLintRule(IdOf(name));
   ASSERT_NE(rule, nullptr);
   const testing::TemporaryDirectory raising;
-  const auto place = WritePayload(raising, pair.raises);
+  const auto location = WritePayload(raising, pair.raises);
   EXPECT_EQ(FindingsIn(raising),
-            place + std::string(NameOf(rule->severity)) + " [" + std::string(rule->id) + "]\n");
+            location + std::string(NameOf(rule->severity)) + " [" + std::string(rule->id) + "]\n");
   const testing::TemporaryDirectory twin;
   WritePayload(twin, pair.twin);
   EXPECT_EQ(FindingsIn(twin), "");

@@ -53,55 +53,11 @@ auto OrderOf(const Finding& finding) {
                     std::string_view(finding.message));
 }
 
-class PayloadLinter {
+// The findings of one board, or of the payload as a whole, until they are passed on.
+class Found {
  public:
-  PayloadLinter(const std::string& payload, const FindingSink& sink, const FindingFilter& filter)
-      : payload_(payload),
-        personalitiesDirectory_(AppendPathComponent(payload, "Fernwick")),
-        sink_(sink),
-        filter_(filter) {}
-
-  PayloadLinting Lint(std::vector<std::string> boards) {
-    if (!RefusePayload() && SelectBoards(boards)) {
-      PassOn();
-      for (const auto& board : boards) {
-        LintBoard(board);
-        PassOn();
-      }
-    }
-    return std::move(result_);
-  }
-
- private:
-  void Refuse(const std::string& path, const std::string& why) {
-    result_.error = path + ": " + why;
-    result_.status = LabStatus::UnreadableInput;
-  }
-
-  // Whether there is nothing to lint.
-  bool RefusePayload() {
-    std::error_code error;
-    if (!fs::is_directory(payload_, error)) {
-      Refuse(payload_, error ? error.message() : "Not a directory");
-      return true;
-    }
-    const auto type = fs::status(personalitiesDirectory_, error).type();
-    if (type == fs::file_type::directory) return false;
-    if (error && type != fs::file_type::not_found) {
-      Refuse(personalitiesDirectory_, error.message());
-      return true;
-    }
-    Add(LintRuleOf::NoFernwickDirectory, payload_, "there is no directory Fernwick/ in it");
-    PassOn();
-    return true;
-  }
-
-  // The findings of one board, or of the payload.
-  void PassOn() {
-    std::ranges::sort(found_, {}, OrderOf);
-    for (auto& finding : found_) sink_(std::move(finding));
-    found_.clear();
-  }
+  Found(const std::string& payload, const FindingSink& sink, const FindingFilter& filter)
+      : payload_(payload), sink_(sink), filter_(filter) {}
 
   std::string RelativeToPayload(const std::string& path) const {
     const auto start = AppendPathComponent(payload_, "").size();
@@ -134,8 +90,74 @@ class PayloadLinter {
     found_.push_back({&rule, directory, {}, MessageOfUnlisted(unlisted), fingerprint, unlisted});
   }
 
+  // What is found in the configuration at the path.
+  void AddConfiguration(const LintSubject& subject, const std::string& path,
+                        const BoardFiles& files) {
+    ConfigurationFindings findings(RelativeToPayload(path), filter_);
+    LintConfiguration(subject, files, findings);
+    for (auto& [rule, offset, message, fingerprint, count] : findings.TakeSorted()) {
+      found_.push_back(
+          {rule, path, subject.file.LocationOf(offset), std::move(message), fingerprint, count});
+    }
+  }
+
+  void PassOn() {
+    std::ranges::sort(found_, {}, OrderOf);
+    for (auto& finding : found_) sink_(std::move(finding));
+    found_.clear();
+  }
+
+ private:
+  const std::string& payload_;
+  const FindingSink& sink_;
+  const FindingFilter& filter_;  // may be empty
+  std::vector<Finding> found_;
+};
+
+class PayloadLinter {
+ public:
+  PayloadLinter(const std::string& payload, const FindingSink& sink, const FindingFilter& filter)
+      : payload_(payload),
+        personalitiesDirectory_(AppendPathComponent(payload, "Fernwick")),
+        found_(payload, sink, filter) {}
+
+  PayloadLinting Lint(std::vector<std::string> boards) {
+    if (!RefusePayload() && SelectBoards(boards)) {
+      found_.PassOn();
+      for (const auto& board : boards) {
+        LintBoard(board);
+        found_.PassOn();
+      }
+    }
+    return std::move(result_);
+  }
+
+ private:
+  void Refuse(const std::string& path, const std::string& why) {
+    result_.error = path + ": " + why;
+    result_.status = LabStatus::UnreadableInput;
+  }
+
+  // Whether there is nothing to lint.
+  bool RefusePayload() {
+    std::error_code error;
+    if (!fs::is_directory(payload_, error)) {
+      Refuse(payload_, error ? error.message() : "Not a directory");
+      return true;
+    }
+    const auto type = fs::status(personalitiesDirectory_, error).type();
+    if (type == fs::file_type::directory) return false;
+    if (type == fs::file_type::none) {  // it is not known
+      Refuse(personalitiesDirectory_, error.message());
+      return true;
+    }
+    found_.Add(LintRuleOf::NoFernwickDirectory, payload_, "there is no directory Fernwick/ in it");
+    found_.PassOn();
+    return true;
+  }
+
   void AddUnreadable(const std::string& path, const std::string& why) {
-    Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
+    found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
     result_.status = LabStatus::UnreadableInput;
   }
 
@@ -143,8 +165,8 @@ class PayloadLinter {
     if (error.status == LabStatus::UnreadableInput) {
       return AddUnreadable(path, error.error.message);
     }
-    Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
-        error.error.location);
+    found_.Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
+               error.error.location);
     if (result_.status == LabStatus::Done) result_.status = error.status;
   }
 
@@ -152,14 +174,15 @@ class PayloadLinter {
   bool SelectBoards(std::vector<std::string>& boards) {
     auto listing = List(personalitiesDirectory_);
     std::erase_if(listing.directories, IsNoBoard);
-    allBoards_ = std::move(listing.directories);
+    names_ = BoardNames(std::move(listing.directories));
     if (boards.empty()) {
       if (listing.error) {
         AddUnreadable(personalitiesDirectory_, listing.error.message());
-      } else if (allBoards_.empty()) {
-        Add(LintRuleOf::NoBoards, personalitiesDirectory_, "there is no board directory in it");
+      } else if (names_.All().empty()) {
+        found_.Add(LintRuleOf::NoBoards, personalitiesDirectory_,
+                   "there is no board directory in it");
       }
-      boards = allBoards_;
+      boards = names_.All();
     }
     std::ranges::sort(boards);
     boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
@@ -180,8 +203,8 @@ class PayloadLinter {
     const auto listing = List(directory);
     if (listing.error) AddUnreadable(directory, listing.error.message());
     if (FindInvalidUtf8(board) != npos) {
-      Add(LintRuleOf::ImpossibleBoardId, directory,
-          "its name is not UTF-8, so no board has it for its identifier");
+      found_.Add(LintRuleOf::ImpossibleBoardId, directory,
+                 "its name is not UTF-8, so no board has it for its identifier");
     } else {
       LintBoardName(board, directory);
     }
@@ -191,18 +214,18 @@ class PayloadLinter {
     const bool exists = fs::exists(path, error);
     if (error) return AddUnreadable(path, error.message());
     if (!exists) {
-      Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
+      found_.Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
       return;
     }
     LintFile(path, {personalitiesDirectory_, directory}, listing.files);
   }
 
   void LintBoardName(const std::string& board, const std::string& directory) {
-    if (const auto problem = BoardNameProblem(board, allBoards_)) {
-      Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
-    } else if (const auto other = SameBoardBefore(board, allBoards_); !other.empty()) {
-      Add(LintRuleOf::SameBoardTwice, directory,
-          "it differs from " + Quoted(other) + " only in leading zeros");
+    if (const auto problem = names_.Problem(board)) {
+      found_.Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
+    } else if (const auto other = names_.SameBefore(board); !other.empty()) {
+      found_.Add(LintRuleOf::SameBoardTwice, directory,
+                 "it differs from " + Quoted(other) + " only in leading zeros");
     }
   }
 
@@ -215,8 +238,8 @@ class PayloadLinter {
     };
     std::vector<std::string> nested;
     std::ranges::copy_if(names, std::back_inserter(nested), isBoard);
-    AddForEach(LintRuleOf::NestedBoard, nested, directory,
-               "it is inside a board directory, where no computer looks");
+    found_.AddForEach(LintRuleOf::NestedBoard, nested, directory,
+                      "it is inside a board directory, where no computer looks");
   }
 
   void LintFile(const std::string& path, const BoardFiles& files,
@@ -224,23 +247,16 @@ class PayloadLinter {
     const auto configuration = LoadConfiguration(path);
     if (!configuration) return AddUnusable(path, configuration.Error());
     const LintSubject subject(*configuration);
-    ConfigurationFindings findings(RelativeToPayload(path), filter_);
-    LintConfiguration(subject, files, findings);
-    for (auto& [rule, offset, message, fingerprint, count] : findings.TakeSorted()) {
-      found_.push_back(
-          {rule, path, configuration->LocationOf(offset), std::move(message), fingerprint, count});
-    }
+    found_.AddConfiguration(subject, path, files);
     if (!configuration->Value().AsDictionary()) return;
-    AddForEach(LintRuleOf::UnusedFile, UnusedFiles(subject, names), files.boardDirectory,
-               "no personality of the board names it");
+    found_.AddForEach(LintRuleOf::UnusedFile, UnusedFiles(subject, names), files.boardDirectory,
+                      "no personality of the board names it");
   }
 
   const std::string& payload_;
   const std::string personalitiesDirectory_;
-  const FindingSink& sink_;
-  const FindingFilter& filter_;
-  std::vector<std::string> allBoards_;  // sorted
-  std::vector<Finding> found_;          // those that were not passed on yet
+  BoardNames names_{{}};
+  Found found_;
   PayloadLinting result_;
 };
 

@@ -37,10 +37,10 @@ class LintedPayload : public ::testing::Test {
   std::string Path(const std::string& path) const { return directory_.Path() + "/" + path; }
 
   // Of a user without privileges: "PATH: MESSAGE [ID]" of each finding, after a last "/".
-  Lines Lint() {
+  Lines Lint(const std::vector<std::string>& boards = {}) {
     Lines lines;
     const testing::Unprivileged unprivileged;
-    result_ = LintPayload(directory_.Path(), {}, [&](const Finding& finding) {
+    result_ = LintPayload(directory_.Path(), boards, [&](const Finding& finding) {
       lines.push_back(finding.path.substr(finding.path.rfind('/') + 1) + ": " + finding.message +
                       " [" + std::string(finding.rule->id) + "]");
     });
@@ -84,6 +84,14 @@ TEST_F(LintedPayload, HasBoardsThatMayNotBeEntered) {
   EXPECT_EQ(Lint(), (Lines{"Zed-42: it cannot be read: Permission denied [unreadable-file]",
                            "Config.plist: it cannot be read: Permission denied "
                            "[unreadable-file]"}));
+  EXPECT_EQ(result_.status, 66);
+}
+
+TEST_F(LintedPayload, HasBoardsThatCannotBeListed) {
+  fs::permissions(Path("Fernwick"), fs::perms(0311));
+  EXPECT_EQ(Lint({"Zed-42"}), Lines{});
+  EXPECT_EQ(result_.status, 0);
+  EXPECT_EQ(Lint(), Lines{"Fernwick: it cannot be read: Permission denied [unreadable-file]"});
   EXPECT_EQ(result_.status, 66);
 }
 

@@ -1,5 +1,5 @@
-// What is said of personalities that can never match or are never reached, compared with the real
-// matcher over random configurations and computers.
+// What is reported of personalities that can never match or are never reached, compared with the
+// real matcher over random configurations and computers.
 
 #include "lab/lint/shadowing.h"
 
