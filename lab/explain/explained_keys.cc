@@ -133,10 +133,9 @@ class KeyExplainer {
         .pairs = {},
         .sources = {},
     };
-    if (trace.outcomes.empty()) return controller;
-    for (const auto outcome : trace.outcomes[index]) {
-      ExplainedPair pair = {.personality = controller.pairs.size(), .outcome = outcome};
-      if (outcome == PairOutcome::Rejected) ExplainRejection(type, source, controller, pair);
+    for (std::size_t i = 0; trace.HasPairs() && i < candidates_.size(); ++i) {
+      ExplainedPair pair = {.personality = i, .outcome = trace.OutcomeOf(index, i)};
+      if (pair.outcome == PairOutcome::Rejected) ExplainRejection(type, source, controller, pair);
       controller.pairs.push_back(std::move(pair));
     }
     return controller;

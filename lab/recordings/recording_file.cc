@@ -25,7 +25,7 @@ Result<Recording, LabError> Interpret(Result<std::string, LabError> bytes, Seria
 
 Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
   auto file = ReadWholeFile(path);
-  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+  if (!file) return LabError{file.Error(), UnreadableStatus(file.Error())};
   return Interpret(*std::move(file), form);
 }
 

@@ -1,5 +1,6 @@
 #include "lab/support/messages.h"
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 
@@ -7,6 +8,21 @@
 #include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
+
+int UnreadableStatus(const Error& error) {
+  switch (error.systemError) {
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM: return LabStatus::OutOfMemory;
+    default: return LabStatus::UnreadableInput;
+  }
+}
+
+LabError PathFailure(const std::string& path, int systemError) {
+  const Error error = {.message = path + ": " + std::strerror(systemError),
+                       .systemError = systemError};
+  return {error, UnreadableStatus(error)};
+}
 
 std::string PrintableText(std::string_view text) {
   std::string printable;

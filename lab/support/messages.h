@@ -24,6 +24,13 @@ struct LabError {
   int status;  // LabStatus
 };
 
+/// The status for an input that the operating system refused to open or read: OutOfMemory for a
+/// lack of memory or descriptors, which any input would meet, otherwise UnreadableInput.
+int UnreadableStatus(const Error& error);
+
+/// The error of a path that could not be looked at, "PATH: MESSAGE", from an errno.
+LabError PathFailure(const std::string& path, int systemError);
+
 /// A text from a file or a path as a terminal may show it: control characters, and bytes that are
 /// not UTF-8, as octal escapes.
 std::string PrintableText(std::string_view text);

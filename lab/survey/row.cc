@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <utility>
 
 namespace fernwick::lab {
@@ -194,20 +193,6 @@ std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   row.plan = OptionalPlan(members);
   if (!members.AreSound()) return std::nullopt;
   return row;
-}
-
-std::vector<DiagnosticCount> CountLines(std::string_view text) {
-  std::vector<DiagnosticCount> counts;
-  std::map<std::string_view, std::size_t> indexes;
-  while (!text.empty()) {
-    const auto end = text.find('\n');
-    const auto line = text.substr(0, end);
-    const auto [index, isNew] = indexes.emplace(line, counts.size());
-    if (isNew) counts.push_back({std::string(line), 0});
-    ++counts[index->second].count;
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  }
-  return counts;
 }
 
 }  // namespace fernwick::lab

@@ -37,7 +37,7 @@ class SurveyRun : public ::testing::Test {
 
   std::string Survey(const Selected& selected, bool bypassVersion = false) {
     const auto options = ToolOptions(directory_.Path() + "/payload", bypassVersion);
-    return PrintJsonRow(ToJson(SurveyComputer(selected, options)));
+    return PrintJsonRow(ToJson(*SurveyComputer(selected, options)));
   }
 
   testing::TemporaryDirectory directory_;

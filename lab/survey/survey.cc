@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -157,15 +158,18 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   SurveyReport report(*format, expectation, options.updates);
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> std::function<void()> {
-    auto row = SurveyComputer(selected, toolOptions);
-    auto text = report.TextOf(row);
-    return [&, isNamed = selected.isNamed, row = std::move(row), text = std::move(text)] {
+  const auto work = [&](const Selected& selected) -> BatchResult {
+    auto surveyed = SurveyComputer(selected, toolOptions);
+    if (!surveyed) return surveyed.Error();
+    auto text = report.TextOf(*surveyed);
+    const std::function<void()> print = [&, isNamed = selected.isNamed, row = *std::move(surveyed),
+                                         text = std::move(text)] {
       if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
         refusal = row.status.value();
       }
       report.Add(row, text);
     };
+    return print;
   };
   const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;

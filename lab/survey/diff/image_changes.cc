@@ -2,40 +2,71 @@
 
 #include <sys/stat.h>
 
-#include <fstream>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
 #include <string_view>
 
 #include "lab/survey/diff/matches_by_controller.h"
 #include "lab/survey/plan_summary.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
-std::optional<std::uint64_t> SizeOf(const std::string& path) {
-  struct stat status;
-  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  return static_cast<std::uint64_t>(status.st_size);
-}
-
-// Whether two files of the same size have the same bytes, read piece by piece.
-bool HaveSameBytes(const std::string& a, const std::string& b) {
-  std::ifstream left(a, std::ios::binary);
-  std::ifstream right(b, std::ios::binary);
-  std::string pieceOfLeft(1 << 16, '\0');
-  std::string pieceOfRight(1 << 16, '\0');
-  while (left && right) {
-    left.read(pieceOfLeft.data(), static_cast<std::streamsize>(pieceOfLeft.size()));
-    right.read(pieceOfRight.data(), static_cast<std::streamsize>(pieceOfRight.size()));
-    const auto count = static_cast<std::size_t>(left.gcount());
-    const auto countOfRight = static_cast<std::size_t>(right.gcount());
-    const auto piece = std::string_view(pieceOfLeft).substr(0, count);
-    if (piece != std::string_view(pieceOfRight).substr(0, countOfRight)) return false;
-  }
-  return left.eof() && right.eof();
-}
-
 std::string_view FileName(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
+}
+
+// The size of a regular file, empty where there is none.
+Result<std::optional<std::uint64_t>, LabError> SizeOf(const std::string& path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) {
+    if (!IsAbsence(errno)) return PathFailure(path, errno);
+    return std::optional<std::uint64_t>();
+  }
+  if (!S_ISREG(status.st_mode)) return std::optional<std::uint64_t>();
+  return std::optional(static_cast<std::uint64_t>(status.st_size));
+}
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// Whether two files have the same bytes, read piece by piece.
+Result<bool, LabError> HaveSameBytes(const std::string& a, const std::string& b) {
+  const File left(std::fopen(a.c_str(), "rbe"));
+  if (left == nullptr) return PathFailure(a, errno);
+  const File right(std::fopen(b.c_str(), "rbe"));
+  if (right == nullptr) return PathFailure(b, errno);
+  std::string pieceOfLeft(1 << 16, '\0');
+  std::string pieceOfRight(1 << 16, '\0');
+  for (;;) {
+    const auto count = std::fread(pieceOfLeft.data(), 1, pieceOfLeft.size(), left.get());
+    if (std::ferror(left.get()) != 0) return PathFailure(a, errno);
+    const auto other = std::fread(pieceOfRight.data(), 1, pieceOfRight.size(), right.get());
+    if (std::ferror(right.get()) != 0) return PathFailure(b, errno);
+    const auto piece = std::string_view(pieceOfLeft).substr(0, count);
+    if (piece != std::string_view(pieceOfRight).substr(0, other)) return false;
+    if (count == 0) return true;
+  }
+}
+
+Result<PayloadImages::Comparison, LabError> CompareFiles(const std::string& before,
+                                                         const std::string& after) {
+  const auto sizeBefore = SizeOf(before);
+  if (!sizeBefore) return sizeBefore.Error();
+  const auto sizeAfter = SizeOf(after);
+  if (!sizeAfter) return sizeAfter.Error();
+  PayloadImages::Comparison comparison = {*sizeBefore, *sizeAfter};
+  if (!*sizeBefore || *sizeBefore != *sizeAfter || FileName(before) != FileName(after)) {
+    return comparison;
+  }
+  const auto areSame = HaveSameBytes(before, after);
+  if (!areSame) return areSame.Error();
+  comparison.isSame = *areSame;
+  return comparison;
 }
 
 Json ImageOf(const MatchedPair* pair) {
@@ -64,23 +95,24 @@ std::optional<DiffChange> ChangeOf(const MatchedPair* before, const MatchedPair&
 
 }  // namespace
 
-PayloadImages::Comparison PayloadImages::Compare(const std::string& before,
-                                                 const std::string& after) {
+Result<PayloadImages::Comparison, LabError> PayloadImages::Compare(const std::string& before,
+                                                                   const std::string& after) {
   {
     const std::lock_guard lock(mutex_);
     const auto known = known_.find({before, after});
     if (known != known_.end()) return known->second;
   }
-  Comparison comparison = {SizeOf(before), SizeOf(after)};
-  comparison.isSame = comparison.sizeBefore && comparison.sizeBefore == comparison.sizeAfter &&
-                      FileName(before) == FileName(after) && HaveSameBytes(before, after);
+  const auto comparison = CompareFiles(before, after);
+  if (!comparison) return comparison.Error();
   const std::lock_guard lock(mutex_);
-  return known_.emplace(std::pair(before, after), comparison).first->second;
+  return known_.emplace(std::pair(before, after), *comparison).first->second;
 }
 
-std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options& before,
-                                         const ToolRun& runAfter, const Options& after,
-                                         PayloadImages& files) {
+Result<std::vector<DiffChange>, LabError> FindImageChanges(const ToolRun& runBefore,
+                                                           const Options& before,
+                                                           const ToolRun& runAfter,
+                                                           const Options& after,
+                                                           PayloadImages& files) {
   std::vector<DiffChange> changes;
   const MatchesByController matchesBefore(runBefore);
   const MatchesByController matchesAfter(runAfter);
@@ -92,7 +124,8 @@ std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options
                                 ? std::nullopt
                                 : ImagePath(*pairBefore, runBefore, before.personalitiesDirectory);
     const auto comparison = files.Compare(pathBefore.value_or(""), *path);
-    if (auto change = ChangeOf(pathBefore ? pairBefore : nullptr, pair, comparison)) {
+    if (!comparison) return comparison.Error();
+    if (auto change = ChangeOf(pathBefore ? pairBefore : nullptr, pair, *comparison)) {
       changes.push_back(*std::move(change));
     }
   }

@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "driver/options.h"
+#include "lab/support/messages.h"
 #include "lab/support/tool_run.h"
 #include "lab/survey/diff/diff_row.h"
+#include "value/result.h"
 
 namespace fernwick::lab {
 
@@ -25,7 +27,8 @@ class PayloadImages {
     bool isSame = false;  // same name, same bytes
   };
 
-  Comparison Compare(const std::string& before, const std::string& after);
+  /// Fails when a file cannot be looked at or read for lack of permission, memory or descriptors.
+  Result<Comparison, LabError> Compare(const std::string& before, const std::string& after);
 
  private:
   std::mutex mutex_;
@@ -35,9 +38,11 @@ class PayloadImages {
 /// How the files of the planned images differ between two runs over the same computer: a planned
 /// image that the new payload lacks and the old one does not, the reverse, and other bytes under
 /// the same name. `before` and `after` are the options of the runs, neither of which ended with a
-/// fault.
-std::vector<DiffChange> FindImageChanges(const ToolRun& runBefore, const Options& before,
-                                         const ToolRun& runAfter, const Options& after,
-                                         PayloadImages& files);
+/// fault. Fails as PayloadImages::Compare.
+Result<std::vector<DiffChange>, LabError> FindImageChanges(const ToolRun& runBefore,
+                                                           const Options& before,
+                                                           const ToolRun& runAfter,
+                                                           const Options& after,
+                                                           PayloadImages& files);
 
 }  // namespace fernwick::lab

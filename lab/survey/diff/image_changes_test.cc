@@ -36,9 +36,10 @@ class ImageChanges : public ::testing::Test {
     const auto after = ToolOptions(directory_.Path() + "/new", false);
     PayloadImages files;
     std::string text;
-    for (const auto& change :
-         FindImageChanges(RunTool(computer_.Recorded(), before), before,
-                          RunTool(computer_.Recorded(), after), after, files)) {
+    const auto changes = FindImageChanges(RunTool(computer_.Recorded(), before), before,
+                                          RunTool(computer_.Recorded(), after), after, files);
+    if (!changes) return changes.Error().error.message + "\n";
+    for (const auto& change : *changes) {
       EXPECT_EQ(change.match, "LegacyUSBC, controller 1 (RID -, port -, version 5)");
       text += change.kind + ": " + change.before.dump() + " -> " + change.after.dump() + "\n";
     }

@@ -47,8 +47,8 @@ std::vector<std::string> FailureTexts(const MatchedPair& pair, const ToolRun& ru
 
 std::vector<std::string> LogLines(const ToolRun& run) {
   std::vector<std::string> lines;
-  for (auto& [text, count] : CountLines(run.standardError)) {
-    if (!text.starts_with("** ")) lines.push_back(std::move(text));
+  for (const auto& [text, count] : run.diagnostics) {
+    if (!text.starts_with("** ")) lines.push_back(text);
   }
   return lines;
 }
