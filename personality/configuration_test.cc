@@ -245,7 +245,7 @@ TEST(Configuration, ABoardIdentifierIsReportedAsItIs) {
 TEST(Configuration, AnOverLongBoardIdentifierReportsThatThereAreNoFiles) {
   const Payload payload;
   const std::string boardId(5000, 'Z');
-  EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId));
+  EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId, ENAMETOOLONG));
 }
 
 TEST(Configuration, AnEmptyBoardIdentifierNamesThePersonalitiesDirectory) {
@@ -292,13 +292,13 @@ TEST(Configuration, OfAnotherNameIsMissing) {
 TEST(Configuration, ABoardDirectoryThatIsAPlainFileExistsWithoutAConfiguration) {
   const Payload payload;
   payload.Write("Zed-43", SmallConfig);
-  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig());
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig(ENOTDIR));
 }
 
 TEST(Configuration, ABoardDirectoryBelowAPlainFileDoesNotExist) {
   const Payload payload;
   payload.Write("Zed-43", SmallConfig);
-  EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x"));
+  EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x", ENOTDIR));
 }
 
 TEST(Configuration, ADanglingLinkInsteadOfTheBoardDirectoryDoesNotExist) {
@@ -316,7 +316,7 @@ TEST(Configuration, ADanglingLinkInsteadOfTheFileDoesNotExist) {
 TEST(Configuration, ALinkToItselfDoesNotExist) {
   const Payload payload;
   fs::create_symlink("Config.plist", payload.ConfigPath());
-  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+  EXPECT_EQ(payload.LoadConfig(), NoConfig(ELOOP));
 }
 
 TEST(Configuration, IsReadThroughLinks) {

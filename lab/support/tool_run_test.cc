@@ -62,9 +62,11 @@ TEST_F(Tool, ThatEndsWithAFaultIsAResultToo) {
 }
 
 TEST_F(Tool, CountsItsDiagnosticsAlsoWhereNoTextsAreKept) {
-  payload_.Write("Fernwick/Zed-42/Config.plist", "<dict><key>LegacyUSBC</key><dict/></dict>");
+  payload_.Write("Fernwick/Zed-42/Config.plist",
+                 "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>999</integer>"
+                 "<key>Existing Min Version</key><integer>998</integer></dict></dict>");
   const auto options = ToolOptions(payload_.Path(), false);
-  const std::vector<DiagnosticCount> counts = {{"** No new firmware version?", 3}};
+  const std::vector<DiagnosticCount> counts = {{"** Min firmware version not met.  Aborting", 3}};
   const auto run = RunTool(computer_.Recorded(), options, KeptOutput::Counts);
   EXPECT_EQ(run.diagnostics, counts);
   EXPECT_EQ(run.standardError, "");

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <system_error>
 #include <utility>
 
@@ -17,8 +18,18 @@
 namespace fernwick::lab {
 namespace {
 
+// The text as a polynomial modulo the prime 2^61-1, at a point that is random in each process, so
+// that nobody can choose paths that collide.
 std::uint64_t HashOf(std::string_view file) {
-  return std::hash<std::string_view>()(file);
+  constexpr std::uint64_t Prime = (std::uint64_t{1} << 61) - 1;
+  static const std::uint64_t point = (std::uint64_t{std::random_device()()} << 29 | 0x1234567);
+  __extension__ using Wide = unsigned __int128;
+  std::uint64_t hash = 0;
+  for (const char c : file) {
+    hash = static_cast<std::uint64_t>((Wide{hash} * point + static_cast<unsigned char>(c) + 1) %
+                                      Prime);
+  }
+  return hash;
 }
 
 // A path as a saved row has it: bytes that are not UTF-8 were replaced by U+FFFD there.

@@ -57,10 +57,11 @@ Result<SurveyRow, LabError> Refused(const std::string& path, const LabError& err
 
 }  // namespace
 
-Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Options& options) {
+Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Options& options,
+                                           std::size_t maxSize) {
   const auto& path = selected.path;
   if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
-  const auto recording = LoadRecording(path);
+  const auto recording = LoadRecording(path, nullptr, maxSize);
   if (!recording) return Refused(path, recording.Error());
   RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);

@@ -19,6 +19,7 @@
 #include "lab/survey/run.h"
 #include "lab/survey/survey_report.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
@@ -49,6 +50,8 @@ struct SurveyOptions {
   bool bypassVersion = false;
   BatchOptions batch;
   std::string format = "table";
+  bool isWide = false;
+  std::size_t maxMebibytes = 64;
   std::optional<std::string> expectation;
   bool updates = false;
   std::optional<std::string> failOnList;
@@ -87,6 +90,13 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
        .help = "table, ndjson, csv or junit",
        .valueName = "FORMAT",
        .choices = {"table", "ndjson", "csv", "junit"}},
+      {.name = "--wide",
+       .target = &options.isWide,
+       .help = "do not limit the columns of the table to 60 characters"},
+      {.name = "--max-size",
+       .target = BoundedNumber{&options.maxMebibytes, 1, MaxFileSize >> 20},
+       .help = "refuse a recording of more than so many MiB (default: 64)",
+       .valueName = "MIB"},
       {.name = "--expect",
        .target = &options.expectation,
        .help = "print the differences from a survey saved as ndjson",
@@ -133,7 +143,7 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& 
   if (options.format == "ndjson") return MakeNdjsonFormat(console);
   if (options.format == "csv") return MakeCsvFormat(console, isComparison);
   if (options.format == "junit") return MakeJunitFormat(console);
-  return MakeTableFormat(console, isComparison);
+  return MakeTableFormat(console, isComparison, options.isWide);
 }
 
 int UpdateExpectation(const std::string& path, const SurveyReport& report) {
@@ -159,7 +169,7 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   int refusal = LabStatus::Done;
   const auto work = [&](const Selected& selected) -> BatchResult {
-    auto surveyed = SurveyComputer(selected, toolOptions);
+    auto surveyed = SurveyComputer(selected, toolOptions, options.maxMebibytes << 20);
     if (!surveyed) return surveyed.Error();
     auto text = report.TextOf(*surveyed);
     const std::function<void()> print = [&, isNamed = selected.isNamed, row = *std::move(surveyed),

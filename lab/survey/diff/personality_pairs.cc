@@ -1,11 +1,11 @@
-// A join in several passes. The exact passes are hash joins on a key of the personality, each
-// less strict than the one before: the purpose (what the controller must be: type, silicon, RID,
-// address, UUID, model) with the version bounds and the image, with either, alone. What is left is
-// joined by similarity: of all pairs of compatible personalities, which accept a common value under
-// every key, the most similar first (greedy matching). A last exact pass pairs what has the same
-// image and another purpose. The exact passes cost n log n of the size of the arrays. The
-// similarity costs the product of what is left of both, of which at most MaxCompared elements of
-// each are looked at.
+// A join in several passes. The exact passes are joins by a search tree on a key of the
+// personality, each less strict than the one before: the purpose (what the controller must be:
+// type, silicon, RID, address, UUID, model) with the version bounds and the image, with either,
+// alone. What is left is joined by similarity: of all pairs of compatible personalities, which
+// accept a common value under every key, the most similar first (greedy matching). A last exact
+// pass pairs what has the same image and another purpose. The exact passes cost n log n of the size
+// of the arrays. The similarity costs the product of what is left of both, of which at most
+// MaxCompared elements of each are looked at.
 
 #include "lab/survey/diff/personality_pairs.h"
 
@@ -13,9 +13,9 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <span>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "lab/support/words.h"
@@ -152,7 +152,7 @@ class Join {
   // Pairs what has equal keys, in the order of the arrays.
   template <typename Key>
   void ByKey(Key key) {
-    std::unordered_map<std::string, std::vector<std::size_t>> unpaired;
+    std::map<std::string, std::vector<std::size_t>> unpaired;  // payloads choose the keys
     for (std::size_t i = after_.size(); i-- > 0;) {
       if (auto text = key(after_[i]); !text.empty()) unpaired[std::move(text)].push_back(i);
     }
