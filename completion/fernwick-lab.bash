@@ -4,7 +4,7 @@ declare -gA _fernwick_lab_options=(
   [replay]="--help"
   [explain]="-p --payload --bypassVersion --json --help"
   [lint]="--format --fail-level --ignore --severity --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--plane --json --help"
   [convert]="--to --force --help"
@@ -44,7 +44,7 @@ _fernwick_lab_value() {
     'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
     'survey --expect') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
-    'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }
