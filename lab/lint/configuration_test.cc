@@ -1,7 +1,5 @@
 // What lint says of a configuration, whole, without the locations: those are compared by the pairs.
 
-#include "lab/lint/configuration.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "lab/lint/linted.h"
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
-#include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
 namespace {
@@ -66,17 +64,8 @@ Dictionary AllTypes() {
 
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string LintOutput(const PropertyValue& configuration) {
-  const testing::TemporaryDirectory directory;
-  directory.Write("Fernwick/RidgeFlash.efi", "RidgeFlash.efi");
-  directory.Write("Fernwick/PortFlash.efi", "PortFlash.efi");
-  directory.Write("Fernwick/Zed-42/a.bin", "Zed-42/a.bin");
-  directory.Write("Fernwick/Zed-42/c.bin", "c");
-  directory.Write("Fernwick/Zed-42/images/b.bin", "Zed-42/images/b.bin");
-  const auto path = directory.Path() + "/Fernwick";
-  const auto file =
-      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
   std::string output;
-  for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
+  for (const auto& row : LintedRows(configuration, {"a.bin", "c.bin", "images/b.bin"})) {
     output.append(NameOf(row.rule->severity)).append(": ").append(row.message);
     output.append(" [").append(row.rule->id).append("]\n");
   }

@@ -2,8 +2,6 @@
 // are sorted by where they begin, and a gap is where one begins after all earlier ones have ended.
 // O(n log n) for a group, for each board revision at which one of its personalities begins.
 
-#include "lab/lint/gaps.h"
-
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -14,24 +12,13 @@
 #include <tuple>
 #include <utility>
 
-#include "lab/lint/version_rules.h"
-#include "value/textual_dump.h"
+#include "lab/lint/comparisons.h"
+#include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
 namespace {
 
 using Line = std::vector<const LivePersonality*>;
-
-// The same for personalities of one type that accept the same controllers.
-std::string SameControllers(const LivePersonality& live) {
-  std::string text(live.personality->typeName);
-  for (const auto& values : live.acceptance.sets) {
-    text += values ? "\n=" : "\n*";
-    if (!values) continue;
-    for (const auto* value : *values) text.append(DumpText(*value)).append(",");
-  }
-  return text;
-}
 
 std::string LocationOf(const LintSubject& subject, const LivePersonality& live) {
   return Describe(subject.file.LocationOf(live.personality->offset));
@@ -44,6 +31,7 @@ void LintRevisions(const LintSubject& subject, Line line, ConfigurationFindings&
     const int end = last->acceptance.revisions.highest;
     const int begin = live->acceptance.revisions.lowest;
     if (begin > end + 1) {
+      findings.Enter(live->personality);
       findings.Add(LintRuleOf::BoardRevisionGap, live->personality->offset,
                    "this personality begins at board revision " + std::to_string(begin) +
                        ", but the one for the same controllers at " + LocationOf(subject, *last) +
@@ -111,6 +99,7 @@ void LintWindows(const Line& line, ConfigurationFindings& findings) {
   }
   for (const auto& [live, version] : gaps) {
     const auto* minimum = live->personality->Find("Existing Min Version");
+    findings.Enter(live->personality);
     findings.Add(LintRuleOf::VersionGap, minimum->valueOffset,
                  "this personality begins at " + Shown(*minimum->value) +
                      ", but the installed version " + Shown(version) +
@@ -123,13 +112,17 @@ void LintWindows(const Line& line, ConfigurationFindings& findings) {
 
 void LintGaps(const LintSubject& subject, const std::vector<LivePersonality>& live,
               ConfigurationFindings& findings) {
-  std::map<std::string, Line> lines;
-  for (const auto& one : live) lines[SameControllers(one)].push_back(&one);
+  // By the type and all that is accepted.
+  std::map<std::pair<TypeSet, std::vector<const ValueSet*>>, Line> lines;
+  for (const auto& one : live) {
+    lines[{one.personality->type, one.acceptance.sets}].push_back(&one);
+  }
   for (const auto& [controllers, line] : lines) {
     if (line.size() < 2) continue;
     LintRevisions(subject, line, findings);
     LintWindows(line, findings);
   }
+  findings.Enter(nullptr);
 }
 
 }  // namespace fernwick::lab

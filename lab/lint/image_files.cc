@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <functional>
 
-#include "lab/lint/payload_rules.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/payload_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "lab/lint/image_files.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "personality/requirements.h"
 #include "plan/invocation_builder.h"
 #include "plan/value_conversions.h"
@@ -145,9 +145,11 @@ void LintImages(const LintSubject& subject, const BoardFiles& files,
   for (const auto& type : subject.types) {
     linter.LintUtility(type);
     for (const auto& personality : type.personalities) {
+      findings.Enter(&personality);
       linter.Lint(personality);
       linter.LintVersion(personality);
     }
+    findings.Enter(nullptr);
   }
 }
 

@@ -1,7 +1,7 @@
 #include <vector>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/shape_rules.h"
+#include "lab/lint/rules/shape_rules.h"
 #include "lab/support/spelling.h"
 
 namespace fernwick::lab {

@@ -1,5 +1,5 @@
 #include "lab/lint/checks.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "personality/requirements.h"
 #include "plan/plan_values.h"
 #include "plan/value_conversions.h"

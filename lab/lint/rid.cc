@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "lab/lint/value_rules.h"
+#include "lab/lint/rules/value_rules.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {

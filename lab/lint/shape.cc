@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/shape_rules.h"
+#include "lab/lint/rules/shape_rules.h"
 #include "lab/support/spelling.h"
 #include "lab/support/words.h"
 

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/controller_values.h"
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
+#include "lab/support/controller_values.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {

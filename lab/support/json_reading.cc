@@ -83,7 +83,7 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
 
 }  // namespace
 
-std::optional<Json> ParseJson(std::string_view text) {
+std::optional<Json> ParseOrderedJson(std::string_view text) {
   JsonBuilder builder;
   if (!Json::sax_parse(text, &builder)) return std::nullopt;
   return builder.TakeDocument();

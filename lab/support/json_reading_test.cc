@@ -13,31 +13,31 @@ std::string Nested(std::size_t depth, const std::string& begin, const std::strin
   return text;
 }
 
-TEST(ParseJson, ReadsAsTheLibraryDoes) {
+TEST(ParseOrderedJson, ReadsAsTheLibraryDoes) {
   for (const auto* text : {"null", "true", "-1", "18446744073709551615", "2.5", "\"x\\ty\"", "[]",
                            "{}", R"({"a":[1,{"b":null}],"c":{"d":-1.5},"e":"f"})"}) {
-    EXPECT_EQ(ParseJson(text), std::optional(Json::parse(text))) << text;
+    EXPECT_EQ(ParseOrderedJson(text), std::optional(Json::parse(text))) << text;
   }
 }
 
-TEST(ParseJson, RefusesWhatIsMalformed) {
+TEST(ParseOrderedJson, RefusesWhatIsMalformed) {
   for (const auto* text : {"", "{", "[1,]", "{\"a\":1}x", "nul", "\"\xFF\"", "{\"a\" 1}"}) {
-    EXPECT_FALSE(ParseJson(text)) << text;
+    EXPECT_FALSE(ParseOrderedJson(text)) << text;
   }
 }
 
-TEST(ParseJson, OfAKeyThatOccursTwiceKeepsThePositionAndTheLastValue) {
-  EXPECT_EQ(PrintJsonRow(ParseJson(R"({"a":1,"b":2,"a":{"c":3}})").value()),
+TEST(ParseOrderedJson, OfAKeyThatOccursTwiceKeepsThePositionAndTheLastValue) {
+  EXPECT_EQ(PrintJsonRow(ParseOrderedJson(R"({"a":1,"b":2,"a":{"c":3}})").value()),
             "{\"a\":{\"c\":3},\"b\":2}\n");
 }
 
-TEST(ParseJson, HasALimitOfDepth) {
-  EXPECT_TRUE(ParseJson(Nested(1024, "[", "]")));
-  EXPECT_FALSE(ParseJson(Nested(1025, "[", "]")));
-  EXPECT_TRUE(ParseJson(Nested(1024, "{\"a\":", "}")));
-  EXPECT_FALSE(ParseJson(Nested(1025, "{\"a\":", "}")));
-  EXPECT_FALSE(ParseJson(Nested(66'000, "[", "]")));
-  EXPECT_TRUE(ParseJson("\"" + std::string(66'000, '[') + "\""));
+TEST(ParseOrderedJson, HasALimitOfDepth) {
+  EXPECT_TRUE(ParseOrderedJson(Nested(1024, "[", "]")));
+  EXPECT_FALSE(ParseOrderedJson(Nested(1025, "[", "]")));
+  EXPECT_TRUE(ParseOrderedJson(Nested(1024, "{\"a\":", "}")));
+  EXPECT_FALSE(ParseOrderedJson(Nested(1025, "{\"a\":", "}")));
+  EXPECT_FALSE(ParseOrderedJson(Nested(66'000, "[", "]")));
+  EXPECT_TRUE(ParseOrderedJson("\"" + std::string(66'000, '[') + "\""));
 }
 
 }  // namespace

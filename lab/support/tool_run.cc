@@ -16,6 +16,10 @@ Options ToolOptions(const std::string& payload, bool bypassVersion) {
 
 ToolRun RunTool(const Recording& recording, const Options& options, KeptOutput kept) {
   RecordedRegistry registry(recording);
+  return RunTool(registry, options, kept);
+}
+
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept) {
   DiagnosticConsole console(kept == KeptOutput::Texts);
   RunTrace trace;
   auto result = Run(options, registry, console, &trace);

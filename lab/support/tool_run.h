@@ -47,6 +47,9 @@ std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& 
 /// otherwise.
 std::optional<Error> ConfigurationFault(const ToolRun& run);
 
+/// The same over another registry, whose values must outlive the run.
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts);
+
 /// A personality and the controller that it matched. Points into the ToolRun.
 struct MatchedPair {
   const KeyTrace* key;

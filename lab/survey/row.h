@@ -8,7 +8,7 @@
 
 #include "lab/support/diagnostics.h"
 #include "lab/support/json_values.h"
-#include "lab/survey/plan_summary.h"
+#include "lab/support/plan_summary.h"
 
 namespace fernwick::lab {
 

@@ -12,7 +12,7 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/diff/diff_format.h"
-#include "lab/survey/diff/image_changes.h"
+#include "lab/survey/diff/file_changes.h"
 #include "lab/survey/diff/payload_diff.h"
 #include "lab/survey/run.h"
 #include "lab/verbs.h"
@@ -118,7 +118,7 @@ void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
 
 // As SurveyComputer: a lack of anything is an error, not a result.
 Result<ComparedComputer, LabError> DiffComputer(const Selected& selected, const Payloads& payloads,
-                                                PayloadImages& images) {
+                                                PayloadFiles& files) {
   const auto& path = selected.path;
   if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
   const auto recording = LoadRecording(path);
@@ -133,7 +133,7 @@ Result<ComparedComputer, LabError> DiffComputer(const Selected& selected, const 
   CompareRuns(before, after, row);
   NoteFaults(before, after, row);
   if (!before.result.fault && !after.result.fault) {
-    auto changes = FindImageChanges(before, payloads.before, after, payloads.after, images);
+    auto changes = FindFileChanges(before, payloads.before, after, payloads.after, files);
     if (!changes) return changes.Error();
     std::ranges::move(*changes, std::back_inserter(row.changes));
   }
@@ -153,10 +153,10 @@ int RunDiff(const DiffOptions& options) {
   ProcessConsole console;
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
-  PayloadImages images;
+  PayloadFiles files;
   int refusal = LabStatus::Done;
   const auto work = [&](const Selected& selected) -> BatchResult {
-    auto result = DiffComputer(selected, payloads, images);
+    auto result = DiffComputer(selected, payloads, files);
     if (!result) return result.Error();
     const std::function<void()> print = [&, isNamed = selected.isNamed,
                                          compared = *std::move(result)] {

@@ -87,8 +87,9 @@ const MatchReasons::Counterparts& MatchReasons::CounterpartsOf(std::string_view 
   const auto known = counterparts_.find(type);
   if (known != counterparts_.end()) return known->second;
   const auto after = PersonalitiesIn(after_, type);
-  Counterparts counterparts = {PairPersonalities(PersonalitiesIn(before_, type), after),
-                               PersonalityPairs(after.size())};
+  Counterparts counterparts = {
+      PairPersonalities(TypeNamed(type), PersonalitiesIn(before_, type), after),
+      PersonalityPairs(after.size())};
   for (std::size_t i = 0; i < counterparts.ofOld.size(); ++i) {
     if (counterparts.ofOld[i]) counterparts.ofNew[*counterparts.ofOld[i]] = i;
   }

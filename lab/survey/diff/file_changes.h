@@ -16,9 +16,9 @@
 
 namespace fernwick::lab {
 
-/// Compares the image files of two payloads. Remembers each comparison by its two paths, since the
+/// Compares the files of two payloads. Remembers each comparison by its two paths, since the
 /// computers of one board plan the same images. May be used on several threads.
-class PayloadImages {
+class PayloadFiles {
  public:
   /// The sizes of both files; empty where there is no file that can be read.
   struct Comparison {
@@ -35,14 +35,14 @@ class PayloadImages {
   std::map<std::pair<std::string, std::string>, Comparison> known_;
 };
 
-/// How the files of the planned images differ between two runs over the same computer: a planned
-/// image that the new payload lacks and the old one does not, the reverse, and other bytes under
-/// the same name. `before` and `after` are the options of the runs, neither of which ended with a
-/// fault. Fails as PayloadImages::Compare.
-Result<std::vector<DiffChange>, LabError> FindImageChanges(const ToolRun& runBefore,
-                                                           const Options& before,
-                                                           const ToolRun& runAfter,
-                                                           const Options& after,
-                                                           PayloadImages& files);
+/// How the files that the plans need, images and flashing utilities, differ between two runs over
+/// the same computer: a planned image that the new payload lacks and the old one does not, the
+/// reverse, and other bytes under the same name. `before` and `after` are the options of the runs,
+/// neither of which ended with a fault. Fails as PayloadFiles::Compare.
+Result<std::vector<DiffChange>, LabError> FindFileChanges(const ToolRun& runBefore,
+                                                          const Options& before,
+                                                          const ToolRun& runAfter,
+                                                          const Options& after,
+                                                          PayloadFiles& files);
 
 }  // namespace fernwick::lab

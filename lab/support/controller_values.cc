@@ -1,4 +1,4 @@
-#include "lab/lint/controller_values.h"
+#include "lab/support/controller_values.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,10 +1,12 @@
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <regex>
 #include <string>
+
+#include "lab/lint/rules/rule_texts.h"
 
 namespace fernwick::lab {
 namespace {
@@ -23,7 +25,7 @@ TEST(LintRules, HaveIdsThatNeedNoQuoting) {
 }
 
 // Of some the remedy is to write nothing.
-TEST(LintRules, SayWhyTheyMatterAndHowToMend) {
+TEST(LintRules, SayWhyTheyMatterAndHowToFix) {
   for (const auto* rule : LintRules()) {
     EXPECT_FALSE(rule->title.empty() || rule->title.ends_with('.')) << rule->id;
     EXPECT_TRUE(rule->reason.ends_with('.')) << rule->id;
@@ -44,6 +46,30 @@ TEST(Severity, HasANameAndRises) {
   EXPECT_EQ(NameOf(Severity::Warning), "warning");
   EXPECT_EQ(NameOf(Severity::Error), "error");
   EXPECT_TRUE(Severity::Note < Severity::Warning && Severity::Warning < Severity::Error);
+}
+
+TEST(ListLintRules, HasALineForEach) {
+  const auto list = ListLintRules();
+  EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(list, '\n')), LintRules().size());
+  EXPECT_EQ(list.substr(0, list.find('\n')),
+            "altered-firmware-mode          warning  \"Firmware Mode\" is read as another number "
+            "than is written");
+}
+
+TEST(ExplainLintRule, SaysWhereTheRemedyIsToWriteNothing) {
+  EXPECT_EQ(ExplainLintRule(*FindLintRule("empty-type")),
+            "empty-type (note): a type has no personality\n"
+            "\n"
+            "It matches nothing and only makes the tool read the controllers once more.\n"
+            "\n"
+            "Remove the key.\n"
+            "\n"
+            "Instead of\n"
+            "\n"
+            "    <key>USBC</key>\n"
+            "    <array/>\n"
+            "\n"
+            "write nothing.\n");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
-#include "lab/survey/diff/image_changes.h"
+#include "lab/survey/diff/file_changes.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 #include "testing/computer.h"
 #include "testing/property_values.h"
@@ -13,11 +15,12 @@ namespace {
 using testing::Dict;
 
 // A computer with one port and two payloads whose one personality plans an image.
-class ImageChanges : public ::testing::Test {
+class FileChanges : public ::testing::Test {
  protected:
-  ImageChanges() {
+  FileChanges() {
     computer_.SetBoard("Zed-42", 3);
     computer_.AddPort("hpm0", {{"Version", 5}});
+    for (const char* payload : {"old", "new"}) WriteUtility(payload, "utility");
   }
 
   void WritePayload(const std::string& payload, const char* image, int version = 9) {
@@ -30,17 +33,23 @@ class ImageChanges : public ::testing::Test {
     directory_.Write(payload + "/Fernwick/Zed-42/" + image, bytes);
   }
 
+  void WriteUtility(const std::string& payload, const std::string& bytes) {
+    directory_.Write(payload + "/Fernwick/PortFlash.efi", bytes);
+  }
+
   // "kind: before -> after" of each change.
   std::string Changes() {
     const auto before = ToolOptions(directory_.Path() + "/old", false);
     const auto after = ToolOptions(directory_.Path() + "/new", false);
-    PayloadImages files;
+    PayloadFiles files;
     std::string text;
-    const auto changes = FindImageChanges(RunTool(computer_.Recorded(), before), before,
-                                          RunTool(computer_.Recorded(), after), after, files);
+    const auto changes = FindFileChanges(RunTool(computer_.Recorded(), before), before,
+                                         RunTool(computer_.Recorded(), after), after, files);
     if (!changes) return changes.Error().error.message + "\n";
     for (const auto& change : *changes) {
-      EXPECT_EQ(change.match, "LegacyUSBC, controller 1 (RID -, port -, version 5)");
+      const bool isOfMatch = change.kind.starts_with("image");
+      EXPECT_EQ(change.match,
+                isOfMatch ? "LegacyUSBC, controller 1 (RID -, port -, version 5)" : "");
       text += change.kind + ": " + change.before.dump() + " -> " + change.after.dump() + "\n";
     }
     return text;
@@ -50,7 +59,7 @@ class ImageChanges : public ::testing::Test {
   testing::Computer computer_;
 };
 
-TEST_F(ImageChanges, OfOtherBytesUnderTheSameNameAreFound) {
+TEST_F(FileChanges, OfOtherBytesUnderTheSameNameAreFound) {
   WritePayload("old", "a.bin");
   WritePayload("new", "a.bin");
   WriteImage("old", "a.bin", "old bytes");
@@ -62,7 +71,7 @@ TEST_F(ImageChanges, OfOtherBytesUnderTheSameNameAreFound) {
   EXPECT_EQ(Changes(), "image bytes: \"a.bin, 9 bytes\" -> \"a.bin, 12 bytes\"\n");
 }
 
-TEST_F(ImageChanges, AreFoundAtTheEndOfALargeImage) {
+TEST_F(FileChanges, AreFoundAtTheEndOfALargeImage) {
   WritePayload("old", "a.bin");
   WritePayload("new", "a.bin");
   WriteImage("old", "a.bin", std::string(200'000, 'x') + "y");
@@ -72,7 +81,7 @@ TEST_F(ImageChanges, AreFoundAtTheEndOfALargeImage) {
   EXPECT_EQ(Changes(), "image bytes: \"a.bin, 200001 bytes\" -> \"a.bin, 200001 bytes\"\n");
 }
 
-TEST_F(ImageChanges, OfARenamedImageAreNone) {
+TEST_F(FileChanges, OfARenamedImageAreNone) {
   WritePayload("old", "a.bin");
   WritePayload("new", "b.bin");
   WriteImage("old", "a.bin", "old");
@@ -80,7 +89,7 @@ TEST_F(ImageChanges, OfARenamedImageAreNone) {
   EXPECT_EQ(Changes(), "");
 }
 
-TEST_F(ImageChanges, AreAMissingImageAndOneThatIsThereAgain) {
+TEST_F(FileChanges, AreAMissingImageAndOneThatIsThereAgain) {
   WritePayload("old", "a.bin");
   WritePayload("new", "b.bin");
   EXPECT_EQ(Changes(), "") << "missing in both";
@@ -91,12 +100,35 @@ TEST_F(ImageChanges, AreAMissingImageAndOneThatIsThereAgain) {
   EXPECT_EQ(Changes(), "image no longer missing: null -> \"b.bin\"\n");
 }
 
-TEST_F(ImageChanges, OfAMatchThatIsGainedAreItsMissingImage) {
+TEST_F(FileChanges, OfAMatchThatIsGainedAreItsMissingImage) {
   WritePayload("old", "a.bin", 5);
   WritePayload("new", "a.bin");
   EXPECT_EQ(Changes(), "image missing: null -> \"a.bin\"\n");
   WriteImage("new", "a.bin", "");
   EXPECT_EQ(Changes(), "");
+}
+
+TEST_F(FileChanges, AreThoseOfTheFlashingUtility) {
+  for (const char* payload : {"old", "new"}) {
+    WritePayload(payload, "a.bin");
+    WriteImage(payload, "a.bin", "image");
+  }
+  EXPECT_EQ(Changes(), "");
+  WriteUtility("new", "other utility");
+  EXPECT_EQ(Changes(),
+            "flashing utility bytes: \"PortFlash.efi, 7 bytes\" -> \"PortFlash.efi, 13 bytes\"\n");
+  std::filesystem::remove(directory_.Path() + "/new/Fernwick/PortFlash.efi");
+  EXPECT_EQ(Changes(), "flashing utility missing: null -> \"PortFlash.efi\"\n");
+  WritePayload("old", "a.bin", 5);  // plans nothing
+  EXPECT_EQ(Changes(), "flashing utility missing: null -> \"PortFlash.efi\"\n");
+}
+
+TEST_F(FileChanges, NameAFlashingUtilityOfSeveralMatchesOnce) {
+  computer_.AddPort("hpm1", {{"Version", 5}});
+  for (const char* payload : {"old", "new"}) WritePayload(payload, "");
+  WriteUtility("new", "other");
+  EXPECT_EQ(Changes(),
+            "flashing utility bytes: \"PortFlash.efi, 7 bytes\" -> \"PortFlash.efi, 5 bytes\"\n");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 namespace fernwick::lab::LintRuleOf {
 

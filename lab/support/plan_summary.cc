@@ -1,4 +1,4 @@
-#include "lab/survey/plan_summary.h"
+#include "lab/support/plan_summary.h"
 
 #include <algorithm>
 #include <string>

@@ -1,15 +1,15 @@
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 #include <algorithm>
 #include <array>
 
-#include "lab/lint/doubtful_rules.h"
-#include "lab/lint/nvram_rules.h"
-#include "lab/lint/payload_rules.h"
-#include "lab/lint/plan_rules.h"
-#include "lab/lint/shape_rules.h"
-#include "lab/lint/value_rules.h"
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/doubtful_rules.h"
+#include "lab/lint/rules/nvram_rules.h"
+#include "lab/lint/rules/payload_rules.h"
+#include "lab/lint/rules/plan_rules.h"
+#include "lab/lint/rules/shape_rules.h"
+#include "lab/lint/rules/value_rules.h"
+#include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
 namespace {
@@ -32,7 +32,7 @@ constexpr auto SortedRules = [] {
       &VersionBoundsCrossed, &VersionNotAboveMinimum, &EmptyVersionWindow, &MaximumJustMissed,
       &UnreportableVersion, &EmptyBoardRevisionRange, &BoardRevisionOutOfRange,
       &ShadowedPersonality, &TwoImagesForOneController, &VersionGap, &BoardRevisionGap,
-      &ShadowingNotExamined,
+      &ShadowingNotExamined, &OverlapNotExamined, &OrderDecidesImage,
       // What the plan contains.
       &NoFirmware, &MissingImage, &ImageNotAFile, &ImageOutsideBoardDirectory, &ImageNotAPlainName,
       &EmptyImage, &PointerFile, &ImageLinkedOutside, &ConfigurationAsImage, &SameImageTwice,

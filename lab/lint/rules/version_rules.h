@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 
 namespace fernwick::lab::LintRuleOf {
 
@@ -159,6 +159,39 @@ inline constexpr LintRule ShadowingNotExamined = {
     "fewer ones with lists.",
     "300 personalities for the same silicon",
     "one personality with a list of the RIDs that it is for",
+};
+
+inline constexpr LintRule OverlapNotExamined = {
+    "overlap-not-examined",
+    Severity::Note,
+    "too many personalities overlap to compare them all",
+    "Two personalities may plan two images for one controller, leave it to their order which image "
+    "a "
+    "controller gets, or use one NVRAM variable differently. Each is compared with no more than "
+    "256 "
+    "others that agree with it in the most selective key; beyond that limit such a pair may be "
+    "there without being reported.",
+    "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
+    "into fewer ones with lists.",
+    "300 personalities of two types for the same silicon",
+    "one personality with a list of the RIDs that it is for",
+};
+
+inline constexpr LintRule OrderDecidesImage = {
+    "order-decides-image",
+    Severity::Warning,
+    "the order of two personalities decides which image a controller gets",
+    "A controller gets the first personality of the array that fits it. Two personalities accept "
+    "the "
+    "same controllers except for the lists of one key; each list has values of its own, and a "
+    "value "
+    "of the later one is in both. What the later personality says of that value is never used, and "
+    "the image that it names never gets there.",
+    "Remove the value from the list of the personality for which it is not meant.",
+    "<dict>... \"RID\" 0 and 1, \"Firmware\" left-200.bin ...</dict>\n"
+    "<dict>... \"RID\" 1 and 2, \"Firmware\" right-200.bin ...</dict>",
+    "<dict>... \"RID\" 0 and 1, \"Firmware\" left-200.bin ...</dict>\n"
+    "<dict>... \"RID\" 2, \"Firmware\" right-200.bin ...</dict>",
 };
 
 }  // namespace fernwick::lab::LintRuleOf
