@@ -4,7 +4,7 @@ declare -gA _fernwick_lab_options=(
   [replay]="--help"
   [explain]="-p --payload --bypassVersion --type --controller --nearest --format --json --help"
   [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--plane --json --help"
   [convert]="--to --force --help"
@@ -46,7 +46,7 @@ _fernwick_lab_value() {
     'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
     'survey --expect' | 'lint --baseline') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }

@@ -27,12 +27,20 @@ class Descriptor {
   int number_;
 };
 
-Error SystemError() {
-  return {std::strerror(errno)};
+// "1 GiB", "64 MiB" or, where it is no multiple, "1000 bytes".
+std::string SizeText(std::size_t size) {
+  constexpr std::size_t Mebibyte = std::size_t{1} << 20;
+  if (size % (1024 * Mebibyte) == 0) return std::to_string(size / (1024 * Mebibyte)) + " GiB";
+  if (size % Mebibyte == 0) return std::to_string(size / Mebibyte) + " MiB";
+  return std::to_string(size) + " bytes";
+}
+
+Error TooLarge(std::size_t maxSize) {
+  return {"the file is larger than " + SizeText(maxSize)};
 }
 
 // Grows as it reads: the size may have changed since fstat, and some files report 0.
-Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
+Result<std::string> ReadToEnd(int file, std::size_t expectedSize, std::size_t maxSize) {
   std::string bytes(expectedSize + 1, '\0');
   std::size_t length = 0;
   for (;;) {
@@ -42,7 +50,7 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
     if (count < 0) return SystemError();
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
-    if (length > MaxFileSize) return Error{"the file is larger than 1 GiB"};
+    if (length > maxSize) return TooLarge(maxSize);
   }
   bytes.resize(length);
   return bytes;
@@ -50,12 +58,24 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
 
 }  // namespace
 
-bool PathExists(const std::string& path) {
-  struct stat status;
-  return stat(path.c_str(), &status) == 0;
+Error SystemError() {
+  return {.message = std::strerror(errno), .systemError = errno};
 }
 
-Result<std::string> ReadWholeFile(const std::string& path) {
+bool PathExists(const std::string& path) {
+  return PathError(path) == 0;
+}
+
+int PathError(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 ? 0 : errno;
+}
+
+bool IsAbsence(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
+}
+
+Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize) {
   // Without O_NONBLOCK, opening a FIFO would wait for its writer.
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   if (file.Number() < 0) return SystemError();
@@ -64,8 +84,8 @@ Result<std::string> ReadWholeFile(const std::string& path) {
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > MaxFileSize) return Error{"the file is larger than 1 GiB"};
-  return ReadToEnd(file.Number(), size);
+  if (size > maxSize) return TooLarge(maxSize);
+  return ReadToEnd(file.Number(), size, maxSize);
 }
 
 std::string AppendPathComponent(std::string_view path, std::string_view component) {

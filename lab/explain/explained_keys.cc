@@ -68,8 +68,8 @@ std::size_t PairsOfEach(const RunTrace& trace, const ExplainFilter& filter) {
   std::size_t pairs = 0;
   for (const auto& key : trace.keys) {
     if (!IsSelected(TypeNamed(key.key), filter)) continue;
-    controllers += key.outcomes.size();
-    for (const auto& outcomes : key.outcomes) pairs += outcomes.size();
+    controllers += key.matched.size();
+    pairs += key.matched.size() * key.isPersonality.size();
   }
   if (pairs <= MaxPairs) return MaxPairs;
   return std::max<std::size_t>(1, MaxPairs / controllers);
@@ -172,19 +172,19 @@ class KeyExplainer {
         .pairs = {},
         .sources = {},
     };
-    if (trace.outcomes.empty()) return controller;
-    controller.pairs = NearestPairs(type, trace.outcomes[index], controller.record);
-    controller.otherPairs = trace.outcomes[index].size() - controller.pairs.size();
+    if (!trace.HasPairs()) return controller;
+    controller.pairs = NearestPairs(type, trace, index, controller.record);
+    controller.otherPairs = candidates_.size() - controller.pairs.size();
     for (auto& pair : controller.pairs) ExplainFailures(type, source, controller, pair);
     return controller;
   }
 
   // The pairs without their failures, of which there may be many: only the distances are kept.
-  std::vector<ExplainedPair> NearestPairs(TypeSet type, const std::vector<PairOutcome>& outcomes,
+  std::vector<ExplainedPair> NearestPairs(TypeSet type, const KeyTrace& trace, std::size_t record,
                                           Dictionary hardware) const {
     std::vector<ExplainedPair> pairs;
-    for (const auto outcome : outcomes) {
-      ExplainedPair pair = {.personality = pairs.size(), .outcome = outcome};
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+      ExplainedPair pair = {.personality = i, .outcome = trace.OutcomeOf(record, i)};
       pair.distance = DistanceOf(FailuresOf(type, pair, hardware));
       pairs.push_back(std::move(pair));
     }

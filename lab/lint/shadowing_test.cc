@@ -166,10 +166,8 @@ std::vector<bool> MatchedBy(const testing::Computer& computer, std::uint32_t rev
                                            std::string(Board), revision, directory + "/");
   EXPECT_TRUE(matching);
   std::vector<bool> matched(count);
-  for (const auto& outcomes : trace.keys.at(0).outcomes) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (outcomes[i] == PairOutcome::Matched) matched[i] = true;
-    }
+  for (const auto index : trace.keys.at(0).matched) {
+    if (index != KeyTrace::NoMatch) matched[index] = true;
   }
   return matched;
 }

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "lab/support/input_file.h"
-#include "platform/file_system.h"
 #include "registry/recording_reader.h"
 #include "value/binary/writer.h"
 #include "value/xml/writer.h"
@@ -21,11 +20,19 @@ Result<Recording, LabError> Interpret(Result<std::string, LabError> bytes, Seria
   return *std::move(recording);
 }
 
+void Write(const PropertyValue& value, Serialisation form, const TextSink& sink) {
+  constexpr std::size_t MaxIndentation = 32;
+  if (form == Serialisation::Binary) return sink(WriteBinaryPropertyList(value));
+  WriteXmlPropertyList(value, MaxIndentation, sink);
+  sink("\n");
+}
+
 }  // namespace
 
-Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
-  auto file = ReadWholeFile(path);
-  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form,
+                                          std::size_t maxSize) {
+  auto file = ReadWholeFile(path, maxSize);
+  if (!file) return LabError{file.Error(), UnreadableStatus(file.Error())};
   return Interpret(*std::move(file), form);
 }
 
@@ -35,10 +42,13 @@ Result<Recording, LabError> LoadRecordingOperand(const std::string& operand, Ser
 
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists) {
-  const auto bytes = form == Serialisation::Binary ? WriteBinaryPropertyList(value)
-                                                   : WriteXmlPropertyList(value) + "\n";
-  if (out == "-") return PrintResult(bytes);
-  const auto error = WriteOutputFile(out, bytes, ifExists);
+  const auto write = [&](const TextSink& sink) { Write(value, form, sink); };
+  if (out == "-") {
+    ProcessConsole console;
+    write([&](std::string_view text) { console.Write(text); });
+    return FinishOutput(console);
+  }
+  const auto error = WriteOutputFile(out, write, ifExists);
   if (error.empty()) return LabStatus::Done;
   return PrintError(out, {{error}, LabStatus::OutputLost});
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "lab/support/messages.h"
 #include "lab/support/output_file.h"
+#include "platform/file_system.h"
 #include "registry/recorded_registry.h"
 #include "value/property_list_reader.h"
 #include "value/property_value.h"
@@ -11,9 +13,10 @@
 
 namespace fernwick::lab {
 
-/// Reads a recording, which is refused whole when it breaks a rule of the format. Stores its
-/// serialisation in `form`, which may be null.
-Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr);
+/// Reads a recording of at most `maxSize` bytes, which is refused whole when it breaks a rule of
+/// the format. Stores its serialisation in `form`, which may be null.
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr,
+                                          std::size_t maxSize = MaxFileSize);
 
 /// The same for an operand of a verb that accepts one recording: "-" is standard input.
 Result<Recording, LabError> LoadRecordingOperand(const std::string& operand,

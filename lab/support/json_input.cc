@@ -41,7 +41,7 @@ Result<SortedJson> ParseJson(std::string_view json) {
 
 Result<SortedJson, LabError> ReadJsonFile(const std::string& path) {
   const auto text = ReadWholeFile(path);
-  if (!text) return LabError{text.Error(), LabStatus::UnreadableInput};
+  if (!text) return LabError{text.Error(), UnreadableStatus(text.Error())};
   auto json = ParseJson(*text);
   if (!json) return LabError{json.Error(), LabStatus::MalformedInput};
   return *std::move(json);

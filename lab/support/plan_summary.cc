@@ -1,6 +1,7 @@
 #include "lab/support/plan_summary.h"
 
-#include <span>
+#include <algorithm>
+#include <string>
 
 #include "personality/configuration.h"
 #include "plan/invocation_builder.h"
@@ -9,6 +10,32 @@
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
+namespace {
+
+// What the options argument is made of, without the rest of a personality, which may be large.
+MatchRecord OptionsOf(const MatchRecord& match) {
+  MatchRecord record = {{"Firmware", "image"}};
+  for (const auto* key : {"Personality Type", "RID", "Firmware Mode"}) {
+    record.SetOrRemove(key, match.Find(key));
+  }
+  return record;
+}
+
+// Each match adds the names of its personality, so that there may be more than anyone would read.
+Json NamesToClear(const PlanValues& plan) {
+  constexpr std::size_t MaxNames = 10'000;
+  auto names = Json::array();
+  std::size_t left = 0;
+  for (const auto& clearing : plan.clearings) {
+    const auto count = std::min(clearing.size(), MaxNames - names.size());
+    for (std::size_t i = 0; i < count; ++i) names.push_back(ToJson(clearing[i]));
+    left += clearing.size() - count;
+  }
+  if (left > 0) names.push_back("(" + std::to_string(left) + " more)");
+  return names;
+}
+
+}  // namespace
 
 std::optional<PlanSummary> SummaryOfPlan(const ToolRun& run) {
   const auto& result = run.result;
@@ -20,12 +47,15 @@ std::optional<PlanSummary> SummaryOfPlan(const ToolRun& run) {
   StringConsole console;
   for (const auto& match : result.matches) {
     FoldPriority(match, plan);
-    builder.AddMatch(match, plan, false, console);
+    MergeNvram(match, plan);
+    PlanValues none;
+    builder.AddMatch(OptionsOf(match), none, false, console);
   }
   builder.FinishInvocation();
+  const auto toSet = NvramToSet(plan);
   return PlanSummary{.priority = plan.lowestPriority,
-                     .setNvram = ToJson(PropertyValue(Dictionary(plan.nvramToSet))),
-                     .clearNvram = ToJson(PropertyValue(Array(std::span(plan.nvramToClear)))),
+                     .setNvram = ToJson(PropertyValue(Dictionary(toSet))),
+                     .clearNvram = NamesToClear(plan),
                      .options = builder.Arguments().back()};
 }
 

@@ -13,7 +13,7 @@ namespace fernwick::lab {
 struct PlanSummary {  // NOLINT: Json moves without exceptions, whatever it is made of
   std::uint32_t priority = 0;
   Json setNvram = Json::object();   // variable to value
-  Json clearNvram = Json::array();  // names of variables
+  Json clearNvram = Json::array();  // names of variables; of very many only the first and a count
   std::string options = {};         // the options argument of the boot-target tool
 };
 

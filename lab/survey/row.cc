@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <utility>
 
-#include "lab/support/json_input.h"
+#include "lab/support/json_reading.h"
 
 namespace fernwick::lab {
 namespace {
@@ -161,9 +160,9 @@ Json ToJson(const SurveyRow& row) {
 }
 
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
-  if (IsTooDeep(json)) return std::nullopt;
-  const auto parsed = Json::parse(json, nullptr, false);
-  Members members(parsed);
+  const auto parsed = ParseOrderedJson(json);
+  if (!parsed) return std::nullopt;
+  Members members(*parsed);
   SurveyRow row;
   row.file = members.Text("file");
   row.outcome = InterpretOutcome(members);
@@ -176,20 +175,6 @@ std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   row.plan = OptionalPlan(members);
   if (!members.AreSound()) return std::nullopt;
   return row;
-}
-
-std::vector<DiagnosticCount> CountLines(std::string_view text) {
-  std::vector<DiagnosticCount> counts;
-  std::map<std::string_view, std::size_t> indexes;
-  while (!text.empty()) {
-    const auto end = text.find('\n');
-    const auto line = text.substr(0, end);
-    const auto [index, isNew] = indexes.emplace(line, counts.size());
-    if (isNew) counts.push_back({std::string(line), 0});
-    ++counts[index->second].count;
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  }
-  return counts;
 }
 
 }  // namespace fernwick::lab

@@ -3,41 +3,72 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <fstream>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
 #include <string_view>
 
 #include "lab/support/plan_summary.h"
 #include "lab/survey/diff/matches_by_controller.h"
 #include "plan/invocation_builder.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
-std::optional<std::uint64_t> SizeOf(const std::string& path) {
-  struct stat status;
-  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  return static_cast<std::uint64_t>(status.st_size);
-}
-
-// Whether two files of the same size have the same bytes, read piece by piece.
-bool HaveSameBytes(const std::string& a, const std::string& b) {
-  std::ifstream left(a, std::ios::binary);
-  std::ifstream right(b, std::ios::binary);
-  std::string pieceOfLeft(1 << 16, '\0');
-  std::string pieceOfRight(1 << 16, '\0');
-  while (left && right) {
-    left.read(pieceOfLeft.data(), static_cast<std::streamsize>(pieceOfLeft.size()));
-    right.read(pieceOfRight.data(), static_cast<std::streamsize>(pieceOfRight.size()));
-    const auto count = static_cast<std::size_t>(left.gcount());
-    const auto countOfRight = static_cast<std::size_t>(right.gcount());
-    const auto piece = std::string_view(pieceOfLeft).substr(0, count);
-    if (piece != std::string_view(pieceOfRight).substr(0, countOfRight)) return false;
-  }
-  return left.eof() && right.eof();
-}
-
 std::string_view FileName(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
+}
+
+// The size of a regular file, empty where there is none.
+Result<std::optional<std::uint64_t>, LabError> SizeOf(const std::string& path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) {
+    if (!IsAbsence(errno)) return PathFailure(path, errno);
+    return std::optional<std::uint64_t>();
+  }
+  if (!S_ISREG(status.st_mode)) return std::optional<std::uint64_t>();
+  return std::optional(static_cast<std::uint64_t>(status.st_size));
+}
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// Whether two files have the same bytes, read piece by piece.
+Result<bool, LabError> HaveSameBytes(const std::string& a, const std::string& b) {
+  const File left(std::fopen(a.c_str(), "rbe"));
+  if (left == nullptr) return PathFailure(a, errno);
+  const File right(std::fopen(b.c_str(), "rbe"));
+  if (right == nullptr) return PathFailure(b, errno);
+  std::string pieceOfLeft(1 << 16, '\0');
+  std::string pieceOfRight(1 << 16, '\0');
+  for (;;) {
+    const auto count = std::fread(pieceOfLeft.data(), 1, pieceOfLeft.size(), left.get());
+    if (std::ferror(left.get()) != 0) return PathFailure(a, errno);
+    const auto other = std::fread(pieceOfRight.data(), 1, pieceOfRight.size(), right.get());
+    if (std::ferror(right.get()) != 0) return PathFailure(b, errno);
+    const auto piece = std::string_view(pieceOfLeft).substr(0, count);
+    if (piece != std::string_view(pieceOfRight).substr(0, other)) return false;
+    if (count == 0) return true;
+  }
+}
+
+Result<PayloadFiles::Comparison, LabError> CompareFiles(const std::string& before,
+                                                        const std::string& after) {
+  const auto sizeBefore = SizeOf(before);
+  if (!sizeBefore) return sizeBefore.Error();
+  const auto sizeAfter = SizeOf(after);
+  if (!sizeAfter) return sizeAfter.Error();
+  PayloadFiles::Comparison comparison = {*sizeBefore, *sizeAfter};
+  if (!*sizeBefore || *sizeBefore != *sizeAfter || FileName(before) != FileName(after)) {
+    return comparison;
+  }
+  const auto areSame = HaveSameBytes(before, after);
+  if (!areSame) return areSame.Error();
+  comparison.isSame = *areSame;
+  return comparison;
 }
 
 Json ImageOf(const MatchedPair& pair) {
@@ -82,31 +113,34 @@ std::vector<std::string> UtilitiesOf(const MatchesByController& matches) {
 
 }  // namespace
 
-PayloadFiles::Comparison PayloadFiles::Compare(const std::string& before,
-                                               const std::string& after) {
+Result<PayloadFiles::Comparison, LabError> PayloadFiles::Compare(const std::string& before,
+                                                                 const std::string& after) {
   {
     const std::lock_guard lock(mutex_);
     const auto known = known_.find({before, after});
     if (known != known_.end()) return known->second;
   }
-  Comparison comparison = {SizeOf(before), SizeOf(after)};
-  comparison.isSame = comparison.sizeBefore && comparison.sizeBefore == comparison.sizeAfter &&
-                      FileName(before) == FileName(after) && HaveSameBytes(before, after);
+  const auto comparison = CompareFiles(before, after);
+  if (!comparison) return comparison.Error();
   const std::lock_guard lock(mutex_);
-  return known_.emplace(std::pair(before, after), comparison).first->second;
+  return known_.emplace(std::pair(before, after), *comparison).first->second;
 }
 
-std::vector<DiffChange> FindFileChanges(const ToolRun& runBefore, const Options& before,
-                                        const ToolRun& runAfter, const Options& after,
-                                        PayloadFiles& files) {
+Result<std::vector<DiffChange>, LabError> FindFileChanges(const ToolRun& runBefore,
+                                                          const Options& before,
+                                                          const ToolRun& runAfter,
+                                                          const Options& after,
+                                                          PayloadFiles& files) {
   std::vector<DiffChange> changes;
   const MatchesByController matchesBefore(runBefore);
   const MatchesByController matchesAfter(runAfter);
+  // Returns why the files could not be compared.
   const auto compare = [&](const NeededFile& file, const std::string& pathBefore,
-                           const std::string& pathAfter) {
-    if (auto change = ChangeOf(file, files.Compare(pathBefore, pathAfter))) {
-      changes.push_back(*std::move(change));
-    }
+                           const std::string& pathAfter) -> std::optional<LabError> {
+    const auto comparison = files.Compare(pathBefore, pathAfter);
+    if (!comparison) return comparison.Error();
+    if (auto change = ChangeOf(file, *comparison)) changes.push_back(*std::move(change));
+    return std::nullopt;
   };
   for (const auto& pair : matchesAfter.InOrder()) {
     const auto path = ImagePath(pair, runAfter, after.personalitiesDirectory);
@@ -116,14 +150,18 @@ std::vector<DiffChange> FindFileChanges(const ToolRun& runBefore, const Options&
                                 ? std::nullopt
                                 : ImagePath(*pairBefore, runBefore, before.personalitiesDirectory);
     const auto imageBefore = pathBefore ? ImageOf(*pairBefore) : Json(nullptr);
-    compare({"image", NameOf(pair), imageBefore, ImageOf(pair)}, pathBefore.value_or(""), *path);
+    const auto failure = compare({"image", NameOf(pair), imageBefore, ImageOf(pair)},
+                                 pathBefore.value_or(""), *path);
+    if (failure) return *failure;
   }
   const auto utilitiesBefore = UtilitiesOf(matchesBefore);
   for (const auto& utility : UtilitiesOf(matchesAfter)) {
     const bool wasNeeded = std::ranges::find(utilitiesBefore, utility) != utilitiesBefore.end();
-    compare({"flashing utility", "", wasNeeded ? Json(utility) : Json(nullptr), utility},
-            before.personalitiesDirectory.value_or("") + utility,
-            after.personalitiesDirectory.value_or("") + utility);
+    const auto failure =
+        compare({"flashing utility", "", wasNeeded ? Json(utility) : Json(nullptr), utility},
+                before.personalitiesDirectory.value_or("") + utility,
+                after.personalitiesDirectory.value_or("") + utility);
+    if (failure) return *failure;
   }
   return changes;
 }

@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "driver/options.h"
+#include "lab/support/messages.h"
 #include "lab/support/tool_run.h"
 #include "lab/survey/diff/diff_row.h"
+#include "value/result.h"
 
 namespace fernwick::lab {
 
@@ -25,7 +27,8 @@ class PayloadFiles {
     bool isSame = false;  // same name, same bytes
   };
 
-  Comparison Compare(const std::string& before, const std::string& after);
+  /// Fails when a file cannot be looked at or read for lack of permission, memory or descriptors.
+  Result<Comparison, LabError> Compare(const std::string& before, const std::string& after);
 
  private:
   std::mutex mutex_;
@@ -35,9 +38,11 @@ class PayloadFiles {
 /// How the files that the plans need, images and flashing utilities, differ between two runs over
 /// the same computer: a planned image that the new payload lacks and the old one does not, the
 /// reverse, and other bytes under the same name. `before` and `after` are the options of the runs,
-/// neither of which ended with a fault.
-std::vector<DiffChange> FindFileChanges(const ToolRun& runBefore, const Options& before,
-                                        const ToolRun& runAfter, const Options& after,
-                                        PayloadFiles& files);
+/// neither of which ended with a fault. Fails as PayloadFiles::Compare.
+Result<std::vector<DiffChange>, LabError> FindFileChanges(const ToolRun& runBefore,
+                                                          const Options& before,
+                                                          const ToolRun& runAfter,
+                                                          const Options& after,
+                                                          PayloadFiles& files);
 
 }  // namespace fernwick::lab

@@ -43,8 +43,10 @@ class FileChanges : public ::testing::Test {
     const auto after = ToolOptions(directory_.Path() + "/new", false);
     PayloadFiles files;
     std::string text;
-    for (const auto& change : FindFileChanges(RunTool(computer_.Recorded(), before), before,
-                                              RunTool(computer_.Recorded(), after), after, files)) {
+    const auto changes = FindFileChanges(RunTool(computer_.Recorded(), before), before,
+                                         RunTool(computer_.Recorded(), after), after, files);
+    if (!changes) return changes.Error().error.message + "\n";
+    for (const auto& change : *changes) {
       const bool isOfMatch = change.kind.starts_with("image");
       EXPECT_EQ(change.match,
                 isOfMatch ? "LegacyUSBC, controller 1 (RID -, port -, version 5)" : "");
