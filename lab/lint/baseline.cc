@@ -3,7 +3,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "lab/support/json_input.h"
+#include "lab/support/json_reading.h"
 #include "lab/support/json_stream.h"
 
 namespace fernwick::lab {
@@ -21,7 +21,7 @@ std::optional<std::uint64_t> ParseFingerprint(const std::string& text) {
 }
 
 // The number of findings with each fingerprint; nullopt when the document is no baseline.
-std::optional<Counts> CountsIn(const SortedJson& document) {
+std::optional<Counts> CountsIn(const Json& document) {
   Counts counts;
   try {
     if (document.at("version") != FormatVersion) return std::nullopt;
@@ -30,7 +30,7 @@ std::optional<Counts> CountsIn(const SortedJson& document) {
       if (!fingerprint) return std::nullopt;
       counts[*fingerprint] += entry.at("count").get<std::size_t>();
     }
-  } catch (const SortedJson::exception&) {  // a member that is missing or of another kind
+  } catch (const Json::exception&) {  // a member that is missing or of another kind
     return std::nullopt;
   }
   return counts;

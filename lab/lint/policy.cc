@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "lab/support/json_input.h"
+#include "lab/support/json_reading.h"
 
 namespace fernwick::lab {
 namespace {
@@ -14,7 +14,7 @@ std::string NoSuchFinding(std::string_view id) {
 }
 
 // The strings of an array; nullopt when it is something else.
-std::optional<std::vector<std::string>> TextsIn(const SortedJson& array) {
+std::optional<std::vector<std::string>> TextsIn(const Json& array) {
   if (!array.is_array()) return std::nullopt;
   std::vector<std::string> texts;
   for (const auto& element : array) {
@@ -25,7 +25,7 @@ std::optional<std::vector<std::string>> TextsIn(const SortedJson& array) {
 }
 
 // The members of an object as "ID=LEVEL"; nullopt when it is something else.
-std::optional<std::vector<std::string>> SettingsIn(const SortedJson& object) {
+std::optional<std::vector<std::string>> SettingsIn(const Json& object) {
   if (!object.is_object()) return std::nullopt;
   std::vector<std::string> settings;
   for (const auto& [key, value] : object.items()) {

@@ -1,9 +1,13 @@
 #include "lab/support/json_reading.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "platform/file_system.h"
+#include "value/unicode/text_position.h"
 
 // Builds the document from the events of the library's parser: its own builder looks a key up by
 // comparing it with each before it, and knows no limit of depth.
@@ -15,6 +19,8 @@ constexpr std::size_t MaxDepth = 1024;
 
 class JsonBuilder : public nlohmann::json_sax<Json> {
  public:
+  explicit JsonBuilder(std::string_view text) : text_(text) {}
+
   bool null() override { return Add(nullptr); }
   bool boolean(bool value) override { return Add(value); }
   bool number_integer(number_integer_t value) override { return Add(value); }
@@ -32,11 +38,16 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
   bool end_object() override { return End(); }
   bool end_array() override { return End(); }
 
-  bool parse_error(std::size_t, const std::string&, const Json::exception&) override {
+  bool parse_error(std::size_t byte, const std::string&, const Json::exception& error) override {
+    const auto offset = std::min(byte - std::min<std::size_t>(byte, 1), text_.size());
+    const bool isOutOfRange = dynamic_cast<const Json::out_of_range*>(&error) != nullptr;
+    error_ = isOutOfRange ? Error{"a number is out of range"}
+                          : ErrorAt(text_, offset, "this is no JSON");
     return false;
   }
 
   Json TakeDocument() { return std::move(document_); }
+  const Error& WhyNone() const { return error_; }
 
  private:
   // An array or object that has begun.
@@ -48,7 +59,9 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
 
   bool Begin(Json value) {
     levels_.push_back({std::move(value)});
-    return levels_.size() <= MaxDepth;
+    if (levels_.size() <= MaxDepth) return true;
+    error_ = {"arrays and objects are nested too deeply"};
+    return false;
   }
 
   bool End() {
@@ -77,16 +90,26 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
     return true;
   }
 
+  std::string_view text_;
   Json document_;
+  Error error_;
   std::vector<Level> levels_;
 };
 
 }  // namespace
 
-std::optional<Json> ParseOrderedJson(std::string_view text) {
-  JsonBuilder builder;
-  if (!Json::sax_parse(text, &builder)) return std::nullopt;
+Result<Json> ParseJson(std::string_view text) {
+  JsonBuilder builder(text);
+  if (!Json::sax_parse(text, &builder)) return builder.WhyNone();
   return builder.TakeDocument();
+}
+
+Result<Json, LabError> ReadJsonFile(const std::string& path) {
+  const auto text = ReadWholeFile(path);
+  if (!text) return LabError{text.Error(), UnreadableStatus(text.Error())};
+  auto json = ParseJson(*text);
+  if (!json) return LabError{json.Error(), LabStatus::MalformedInput};
+  return *std::move(json);
 }
 
 }  // namespace fernwick::lab

@@ -160,7 +160,7 @@ Json ToJson(const SurveyRow& row) {
 }
 
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
-  const auto parsed = ParseOrderedJson(json);
+  const auto parsed = ParseJson(json);
   if (!parsed) return std::nullopt;
   Members members(*parsed);
   SurveyRow row;
