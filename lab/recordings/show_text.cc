@@ -44,7 +44,7 @@ class TextTree {
     const auto& recorded = computer_.recording.entries[entry - 1];
     out_.append(2 * depth, ' ');
     out_ += recorded.name.empty() ? "/" : PrintableText(recorded.name);
-    if (!recorded.class_.empty()) out_ += "  <" + PrintableText(recorded.class_) + ">";
+    if (!recorded.className.empty()) out_ += "  <" + PrintableText(recorded.className) + ">";
     out_ += MarkOf(computer_.thunderbolt, entry) + MarkOf(computer_.ports, entry) + "\n";
     AppendProperties(recorded.properties, 2 * depth + 6, out_);
     for (const auto child : plane_.placements.at(entry).children) AppendNode(child, depth + 1);

@@ -24,7 +24,7 @@ class JsonTree {
   Json Node(RegistryEntry entry) const {
     const auto& recorded = computer_.recording.entries[entry - 1];
     Json node = {{"name", recorded.name}};
-    if (!recorded.class_.empty()) node["class"] = recorded.class_;
+    if (!recorded.className.empty()) node["class"] = recorded.className;
     for (const auto* controllers : {&computer_.thunderbolt, &computer_.ports}) {
       AddController(*controllers, entry, node);
     }
