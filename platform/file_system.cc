@@ -11,28 +11,16 @@
 namespace fernwick {
 namespace {
 
-// Closes a file descriptor at the end of its scope.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int Number() const { return number_; }
-
- private:
-  int number_;
-};
-
 Error SystemError() {
   return {std::strerror(errno)};
 }
 
+Error TooLarge(SizeLimit limit) {
+  return {std::string("the file is larger than ") + limit.name};
+}
+
 // Grows as it reads: the size may have changed since fstat, and some files report 0.
-Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
+Result<std::string> ReadToEnd(int file, std::size_t expectedSize, SizeLimit limit) {
   std::string bytes(expectedSize + 1, '\0');
   std::size_t length = 0;
   for (;;) {
@@ -42,7 +30,7 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize) {
     if (count < 0) return SystemError();
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
-    if (length > MaxFileSize) return Error{"the file is larger than 1 GiB"};
+    if (length > limit.bytes) return TooLarge(limit);
   }
   bytes.resize(length);
   return bytes;
@@ -55,17 +43,26 @@ bool PathExists(const std::string& path) {
   return stat(path.c_str(), &status) == 0;
 }
 
+const int CautiousReading = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+Descriptor::~Descriptor() {
+  if (number_ >= 0) close(number_);
+}
+
 Result<std::string> ReadWholeFile(const std::string& path) {
-  // Without O_NONBLOCK, opening a FIFO would wait for its writer.
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  const Descriptor file(open(path.c_str(), CautiousReading));
   if (file.Number() < 0) return SystemError();
+  return ReadRegularFile(file.Number(), {MaxFileSize, "1 GiB"});
+}
+
+Result<std::string> ReadRegularFile(int file, SizeLimit limit) {
   struct stat status;
-  if (fstat(file.Number(), &status) != 0) return SystemError();
+  if (fstat(file, &status) != 0) return SystemError();
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > MaxFileSize) return Error{"the file is larger than 1 GiB"};
-  return ReadToEnd(file.Number(), size);
+  if (size > limit.bytes) return TooLarge(limit);
+  return ReadToEnd(file, size, limit);
 }
 
 std::string AppendPathComponent(std::string_view path, std::string_view component) {
