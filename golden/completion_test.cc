@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 5);
+  EXPECT_EQ(count, 6);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

@@ -35,6 +35,8 @@ constexpr char Usage[] =
     "  show       print the registry of a recorded computer and what the tool reads of it\n"
     "  convert    write a property list in another serialisation\n"
     "  redact     write recorded computers without what identifies them\n"
+    "  record     write this computer, or one whose files were copied, as a recording\n"
+    "  import     make a recording of registry dumps\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "\n"

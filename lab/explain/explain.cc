@@ -10,7 +10,6 @@
 #include "lab/explain/print.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
-#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -18,9 +17,8 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Prints which personality of a payload matches which controller of a recorded computer and, "
-    "for "
-    "every other pair, why not: all requirements that fail, near misses first.";
+    "Prints which personality of a payload matches which controller of a recorded computer, or of "
+    "this one, and, for every other pair, why not: all requirements that fail, near misses first.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
 
@@ -40,7 +38,7 @@ bool ShowsEmphasis() {
 }  // namespace
 
 VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
-  std::string path;
+  ComputerOperand computer;
   std::string payload;
   bool bypassVersion = false;
   bool asJson = false;
@@ -49,10 +47,8 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "RECORDING",
-           .target = &path,
-           .help = "the recorded computer; - is standard input",
-           .least = 1},
+          RecordingArgument(computer),
+          HostArgument(computer),
           {.name = "-p,--payload",
            .target = &payload,
            .help = "the payload directory",
@@ -62,8 +58,8 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
           {.name = "--json", .target = &asJson, .help = "print JSON"},
       }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecordingOperand(path);
-  if (!recording) return PrintError(InputName(path), recording.Error());
+  const auto recording = LoadComputer(computer);
+  if (!recording) return PrintError(computer.Name(), recording.Error());
   if (const auto fault = DirectoryFault(payload); !fault.empty()) {
     return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
   }

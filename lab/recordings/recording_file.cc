@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "lab/support/input_file.h"
+#include "lab/recordings/host_recording.h"
 #include "platform/file_system.h"
 #include "registry/recording_reader.h"
 #include "value/binary/writer.h"
@@ -33,10 +33,35 @@ Result<Recording, LabError> LoadRecordingOperand(const std::string& operand, Ser
   return Interpret(ReadInput(operand), form);
 }
 
+Argument RecordingArgument(ComputerOperand& computer) {
+  return {.name = "RECORDING",
+          .target = &computer.recording,
+          .help = "the recorded computer; - is standard input"};
+}
+
+Argument HostArgument(ComputerOperand& computer) {
+  return {.name = "--host",
+          .target = &computer.isHost,
+          .help = "the computer that this runs on, in place of RECORDING",
+          .replaces = "RECORDING"};
+}
+
+Result<Recording, LabError> LoadComputer(const ComputerOperand& computer) {
+  if (!computer.isHost) return LoadRecordingOperand(computer.recording);
+  HostRegistry registry;
+  auto recording = InterpretRecording(RecordHost(registry, RecordedProperties::ThoseOfTheTool));
+  if (!recording) return LabError{recording.Error(), LabStatus::MalformedInput};
+  return *std::move(recording);
+}
+
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists) {
   const auto bytes = form == Serialisation::Binary ? WriteBinaryPropertyList(value)
                                                    : WriteXmlPropertyList(value) + "\n";
+  if (bytes.size() > MaxFileSize) {
+    return PrintError(
+        out, {{"it would be larger than 1 GiB and could not be read"}, LabStatus::OutputLost});
+  }
   if (out == "-") return PrintResult(bytes);
   const auto error = WriteOutputFile(out, bytes, ifExists);
   if (error.empty()) return LabStatus::Done;
