@@ -30,6 +30,7 @@ using testing::ChildOutcome;
 using testing::ExpectOutcome;
 using Words = std::vector<std::string>;
 
+const fs::path SourceDirectory = FERNWICK_SOURCE_DIRECTORY;
 const fs::path Hosts = fs::path(FERNWICK_GOLDEN_DIRECTORY) / "hosts";
 const std::string Payload = "../examples/payload";
 
@@ -142,6 +143,31 @@ TEST_P(HostCase, IsExplainedShownAndRecordedTheSameOnTheComputerItself) {
   }
 }
 
+// The text between the first line that is `start` and the next line that is `end`.
+std::string BlockOf(const fs::path& document, const std::string& start, const std::string& end) {
+  const auto text = testing::ReadFile(document);
+  const auto at = text.find("\n" + start + "\n");
+  if (at == std::string::npos) return "";
+  const auto begin = at + start.size() + 2;
+  return text.substr(begin, text.find("\n" + end + "\n", begin) + 1 - begin);
+}
+
+// cp would wait for the writer of a FIFO, which a real computer does not have there.
+TEST_P(HostCase, IsRecordedTheSameFromTheCopyThatTheDocumentMakes) {
+  const auto reason = testing::NoHostNamespaceReason();
+  if (!reason.empty()) GTEST_SKIP() << reason;
+  if (GetParam() == "hostile") GTEST_SKIP() << "has FIFOs, which cp waits for";
+  const auto script = BlockOf(SourceDirectory / "docs/recording.md", "```bash", "```");
+  ASSERT_NE(script, "");
+  ExpectOutcome(testing::RunOnHost(tree_.Root(), {"bash", "-c", script}, directory_.Path()),
+                {"0", "", ""});
+  ExpectOutcome(testing::RunChild({"sh", "-c", "rm -r computer && tar -xzf computer.tar.gz"},
+                                  directory_.Path()),
+                {"0", "", ""});
+  ExpectOutcome(RunLab({"record", "-", "--root", directory_.Path() + "/computer"}),
+                {"0", testing::ReadFile(recording_), ""});
+}
+
 Words Cases() {
   Words names;
   for (const auto& file : fs::directory_iterator(Hosts)) {
@@ -160,7 +186,28 @@ std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
 INSTANTIATE_TEST_SUITE_P(Hosts, HostCase, ::testing::ValuesIn(Cases()), TestName);
 
 TEST(HostCases, AreManyComputers) {
-  EXPECT_GE(Cases().size(), 15u);
+  EXPECT_GE(Cases().size(), 17u);
+}
+
+// The first command of the README, on a computer with a controller and on one without.
+TEST(HostCases, EndAsTheReadmeShows) {
+  const auto reason = testing::NoHostNamespaceReason();
+  if (!reason.empty()) GTEST_SKIP() << reason;
+  const auto readme = testing::ReadFile(SourceDirectory / "README.md");
+  for (const char* name : {"unknown-board", "unknown-board-without-thunderbolt"}) {
+    const auto text = testing::ReadFile(Hosts / (std::string(name) + ".txt"));
+    const testing::HostTree tree(text.substr(0, text.find("\n$ ") + 1));
+    const std::string command = "fernwick -v -p examples/payload";
+    const auto outcome = testing::RunOnHost(
+        tree.Root(),
+        {"sh", "-c", "PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; exec " + command + " 2>&1"},
+        SourceDirectory.string());
+    EXPECT_EQ(outcome.status, "13");
+    EXPECT_NE(readme.find("```text\n$ " + command + "\n" + outcome.standardOutput +
+                          "[status 13]\n```\n"),
+              std::string::npos)
+        << outcome.standardOutput;
+  }
 }
 
 }  // namespace
