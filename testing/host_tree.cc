@@ -1,12 +1,13 @@
 #include "testing/host_tree.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #include "platform/file_system.h"
@@ -129,8 +130,12 @@ std::string UnfoldTree(std::string_view description, const std::string& director
 }
 
 HostTree::HostTree(std::string_view description) {
-  EXPECT_EQ(UnfoldTree("proc/\nsys/\n", Root()), "");
-  EXPECT_EQ(UnfoldTree(description, Root()), "");
+  for (const auto text : {std::string_view("proc/\nsys/\n"), description}) {
+    const auto failed = UnfoldTree(text, Root());
+    if (failed.empty()) continue;
+    std::fprintf(stderr, "%s: cannot be created: %s\n", Root().c_str(), failed.c_str());
+    std::abort();
+  }
 }
 
 }  // namespace fernwick::testing

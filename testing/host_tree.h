@@ -29,7 +29,7 @@ namespace fernwick::testing {
 std::string UnfoldTree(std::string_view description, const std::string& directory);
 
 /// A temporary directory with what the text describes, and the directories "proc" and "sys".
-/// A line that cannot be unfolded fails the test.
+/// A line that cannot be unfolded ends the process.
 class HostTree {
  public:
   explicit HostTree(std::string_view description);
