@@ -1,7 +1,7 @@
 #include "registry/host/boot_options.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <string_view>
 
 #include "registry/host/file_text.h"
 #include "registry/host/limits.h"
@@ -15,12 +15,6 @@ constexpr char EfiDirectory[] = "sys/firmware/efi/efivars";
 constexpr std::size_t GuidLength = 36;
 constexpr std::size_t AttributeBytes = 4;  // before the value of a variable
 
-// The name of the variable in NAME-GUID; empty for a file of another name.
-std::string_view VariableIn(std::string_view file) {
-  if (file.size() <= GuidLength || file[file.size() - GuidLength - 1] != '-') return {};
-  return file.substr(0, file.size() - GuidLength - 1);
-}
-
 }  // namespace
 
 std::optional<std::string> ReadBootArguments(const HostFiles& files) {
@@ -31,14 +25,23 @@ std::optional<std::string> ReadBootArguments(const HostFiles& files) {
   return std::string(arguments);
 }
 
-EfiVariables ListEfiVariables(const HostFiles& files) {
-  EfiVariables variables;
-  for (const auto& file : files.List(EfiDirectory).files) {
-    const auto name = VariableIn(file);
-    const bool isName = !name.empty() && FindInvalidText(name) == npos;
-    if (isName) variables.emplace(name, file);
+std::vector<std::string> ListEfiFiles(const HostFiles& files) {
+  return files.List(EfiDirectory).files;
+}
+
+std::string_view EfiVariableOf(std::string_view file) {
+  if (file.size() <= GuidLength || file[file.size() - GuidLength - 1] != '-') return {};
+  return file.substr(0, file.size() - GuidLength - 1);
+}
+
+// Files whose names begin alike are neighbours.
+const std::string* FindEfiFile(const std::vector<std::string>& efiFiles, std::string_view name) {
+  if (name.empty()) return nullptr;
+  auto file = std::ranges::lower_bound(efiFiles, name);
+  for (; file != efiFiles.end() && file->starts_with(name); ++file) {
+    if (EfiVariableOf(*file) == name) return &*file;
   }
-  return variables;
+  return nullptr;
 }
 
 std::optional<std::string> ReadEfiVariable(const HostFiles& files, const std::string& file) {

@@ -44,6 +44,8 @@ sys/firmware/efi/efivars/
   Boot-Order-8be4df61-93ca-11d2-aa0d-00e098032b8c : \x07\x00\x00\x00\x31
   b-22222222-2222-2222-2222-222222222222 : \x07\x00\x00\x00second
   b-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00first
+  b+-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00before the others in byte order
+  bb-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00x
   short-11111111-1111-1111-1111-111111111111 : \x07\x00\x00
   empty-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00
   any-123456789012345678901234567890123456 : \x07\x00\x00\x00x
@@ -56,17 +58,31 @@ sys/firmware/efi/efivars/
   fifo-11111111-1111-1111-1111-111111111111 |
 )";
 
-TEST(ListEfiVariables, NamesThoseWithAGuidAfterTheName) {
+TEST(EfiVariableOf, NamesThoseWithAGuidAfterTheName) {
+  const std::string guid = "-11111111-1111-1111-1111-111111111111";
+  EXPECT_EQ(EfiVariableOf("a" + guid), "a");
+  EXPECT_EQ(EfiVariableOf("Boot-Order" + guid), "Boot-Order");
+  EXPECT_EQ(EfiVariableOf("any-123456789012345678901234567890123456"), "any");
+  EXPECT_EQ(EfiVariableOf(guid), "");
+  EXPECT_EQ(EfiVariableOf(guid.substr(1)), "");
+  EXPECT_EQ(EfiVariableOf("none" + guid.substr(0, 36)), "");
+  EXPECT_EQ(EfiVariableOf("none_" + guid.substr(1)), "");
+}
+
+TEST(FindEfiFile, FindsTheFirstRegularFileOfAVariable) {
   const HostTree tree(Variables);
-  const EfiVariables expected = {
-      {"Boot-Order", "Boot-Order-8be4df61-93ca-11d2-aa0d-00e098032b8c"},
-      {"any", "any-123456789012345678901234567890123456"},
-      {"b", "b-11111111-1111-1111-1111-111111111111"},
-      {"empty", "empty-11111111-1111-1111-1111-111111111111"},
-      {"short", "short-11111111-1111-1111-1111-111111111111"},
+  const auto efiFiles = ListEfiFiles(HostFiles(tree.Root()));
+  const auto find = [&](std::string_view name) {
+    const auto* file = FindEfiFile(efiFiles, name);
+    return file == nullptr ? "none" : *file;
   };
-  EXPECT_EQ(ListEfiVariables(HostFiles(tree.Root())), expected);
-  EXPECT_EQ(ListEfiVariables(HostFiles("/none")), EfiVariables());
+  EXPECT_EQ(find("b"), "b-11111111-1111-1111-1111-111111111111");
+  EXPECT_EQ(find("Boot-Order"), "Boot-Order-8be4df61-93ca-11d2-aa0d-00e098032b8c");
+  EXPECT_EQ(find("bb"), "bb-11111111-1111-1111-1111-111111111111");
+  for (const char* name : {"", "Boot", "c", "zzz", "link", "directory", "fifo", "none", "B"}) {
+    EXPECT_EQ(find(name), "none") << name;
+  }
+  EXPECT_EQ(ListEfiFiles(HostFiles("/none")), std::vector<std::string>());
 }
 
 TEST(ReadEfiVariable, ReturnsTheBytesAfterTheAttributes) {

@@ -36,7 +36,7 @@ bool IsServiceClass(std::string_view className) {
 }
 
 // Names of files can be any bytes; those of entries and properties are texts.
-bool IsText(const std::string& name) {
+bool IsText(std::string_view name) {
   return FindInvalidText(name) == npos;
 }
 
@@ -197,14 +197,13 @@ std::optional<PropertyValue> HostRegistry::OptionsProperty(const Entry& entry,
     if (!arguments) return std::nullopt;
     return arena_.Adopt(*std::move(arguments));
   }
-  const auto variable = Variables().find(key);
-  if (variable == Variables().end()) return std::nullopt;
-  return KeptData(ReadEfiVariable(files_, variable->second));
+  const auto* file = FindEfiFile(EfiFiles(), key);
+  return file == nullptr ? std::nullopt : KeptData(ReadEfiVariable(files_, *file));
 }
 
-const EfiVariables& HostRegistry::Variables() {
-  if (!variables_) variables_ = ListEfiVariables(files_);
-  return *variables_;
+const std::vector<std::string>& HostRegistry::EfiFiles() {
+  if (!efiFiles_) efiFiles_ = ListEfiFiles(files_);
+  return *efiFiles_;
 }
 
 std::optional<PropertyValue> HostRegistry::SearchProperty(RegistryEntry entry,
@@ -279,14 +278,15 @@ std::set<std::string> HostRegistry::PropertyNamesOf(RegistryEntry handle) {
   if (entry.kind == Kind::DmiBoard) return {"board-id", "board-rev"};
   if (entry.kind == Kind::Switch) return SwitchPropertyNames();
   std::set<std::string> names;
+  const auto add = [&](std::string_view name) {
+    if (!name.empty() && IsText(name)) names.emplace(name);
+  };
   if (!entry.path.empty()) {
-    for (const auto& name : files_.List(entry.path).files) {
-      if (IsText(name)) names.insert(name);
-    }
+    for (const auto& name : files_.List(entry.path).files) add(name);
   }
   if (entry.kind == Kind::Options) {
-    names.insert("boot-args");
-    for (const auto& [name, file] : Variables()) names.insert(name);
+    add("boot-args");
+    for (const auto& file : EfiFiles()) add(EfiVariableOf(file));
   }
   return names;
 }

@@ -88,7 +88,7 @@ class HostRegistry : public Registry {
   RegistryEntry RootOf(std::string_view plane);
   void FindTreeChildren(RegistryEntry parent);
   void FindSwitches(RegistryEntry root);
-  const EfiVariables& Variables();
+  const std::vector<std::string>& EfiFiles();
   std::optional<PropertyValue> FindBelow(RegistryEntry entry, std::string_view key);
   void AppendServices(RegistryEntry entry, std::vector<RegistryEntry>& found);
   std::optional<std::string> ReadTreeFile(const Entry& entry, std::string_view key) const;
@@ -102,7 +102,7 @@ class HostRegistry : public Registry {
   std::vector<Iterator> iterators_;
   RegistryEntry treeRoot_ = 0;  // 0 until it is asked for
   RegistryEntry serviceRoot_ = 0;
-  std::optional<EfiVariables> variables_;
+  std::optional<std::vector<std::string>> efiFiles_;
 };
 
 }  // namespace fernwick

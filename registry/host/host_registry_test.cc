@@ -250,6 +250,8 @@ sys/firmware/efi/efivars/
   switch-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x001
   own-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00efi
   boot-args-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00efi
+  \xFF-11111111-1111-1111-1111-111111111111 : \x07\x00\x00\x00no text
+  no variable : x
 )";
 
 TEST(HostRegistry, AlwaysHasOptions) {
@@ -272,6 +274,7 @@ TEST(HostRegistry, HasTheEfiVariablesAsOptions) {
   Host host(EfiFiles);
   EXPECT_EQ(host.Property(Options, "switch"), PropertyValue(Bytes("1")));
   EXPECT_EQ(host.Property(Options, "switc"), std::nullopt);
+  EXPECT_EQ(host.Property(Options, ""), std::nullopt);
   EXPECT_EQ(host.Property(Root, "switch"), std::nullopt);
 }
 
