@@ -72,12 +72,20 @@ std::vector<std::string> StepsOf(std::string_view path) {
   return steps;
 }
 
+// Whether the step leads to an entry of a directory and nowhere else. An escape can stand for any
+// byte.
+bool IsName(const std::string& step) {
+  using namespace std::string_view_literals;
+  return !step.empty() && step != "." && step != ".." &&
+         step.find_first_of("/\0"sv) == std::string::npos;
+}
+
 // The directory at the end of the steps, created where it is missing. Negative where it cannot be.
 Descriptor MakeDirectories(const std::string& root, const std::vector<std::string>& steps) {
   int directory = open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   for (const auto& step : steps) {
     const Descriptor above(directory);
-    if (step.empty() || step == "." || step == "..") return Descriptor(-1);
+    if (!IsName(step)) return Descriptor(-1);
     mkdirat(above.Number(), step.c_str(), 0755);  // which may exist
     directory = openat(above.Number(), step.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   }
@@ -94,13 +102,14 @@ bool WriteNewFile(int directory, const char* name, const std::string& bytes) {
 // The entry of the line, at the steps from the root.
 bool Create(const Line& line, std::vector<std::string> steps, const std::string& root) {
   if (line.sign == "/") return MakeDirectories(root, steps).Number() >= 0;
-  if (steps.empty()) return false;
+  if (steps.empty() || !IsName(steps.back())) return false;
   const auto name = steps.back();
   steps.pop_back();
   const auto directory = MakeDirectories(root, steps);
   const auto contents = Unescaped(line.contents);
-  if (line.sign == " -> ")
+  if (line.sign == " -> ") {
     return symlinkat(contents.c_str(), directory.Number(), name.c_str()) == 0;
+  }
   if (line.sign == " |") return mkfifoat(directory.Number(), name.c_str(), 0644) == 0;
   return WriteNewFile(directory.Number(), name.c_str(),
                       contents + (line.sign == " = " ? "\n" : ""));

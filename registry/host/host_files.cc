@@ -67,7 +67,9 @@ HostFiles::HostFiles(const std::string& root)
 // The second open shows whether the system has the call that everything in a copy needs.
 std::string HostFiles::CopyError() const {
   if (root_.Number() < 0 || !IsDirectory(".")) return std::strerror(errno);
-  if (IsDirectory("proc") || IsDirectory("sys")) return {};
+  for (const char* name : {"proc", "sys"}) {
+    if (IsDirectory(name)) return {};
+  }
   return "there is neither \"proc\" nor \"sys\" in it";
 }
 

@@ -93,7 +93,7 @@ TEST(ListSwitches, AcceptsAllEightHops) {
 
 TEST(ListSwitches, LeavesOutOtherNames) {
   EXPECT_EQ(NamesIn(Switches({"domain0", "0-0:1.1", "0", "-", "0-", "-0", "00-0", "0-00", "0-0A",
-                              "x-0", "0-x", "0-0.1", "0--1", "0-+1", "0-0x0",
+                              "0-A", "x-0", "0-x", "0-0.1", "0--1", "0-+1", "0-0x0",
                               "18446744073709551616-0", "0-10000000000000000"})),
             Names());
 }
