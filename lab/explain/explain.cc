@@ -20,7 +20,10 @@ constexpr char Description[] =
     "Prints which personality of a payload matches which controller of a recorded computer, or of "
     "this one, and, for every other pair, why not: all requirements that fail, near misses first.";
 
-constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
+constexpr char Example[] =
+    "Example:\n"
+    "  fernwick-lab explain desk.registry.plist -p payload\n"
+    "  fernwick-lab explain --host -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
 std::string DirectoryFault(const std::string& path) {
