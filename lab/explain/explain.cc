@@ -2,9 +2,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +14,7 @@
 #include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
@@ -27,11 +27,11 @@ constexpr char Description[] =
 constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
-std::string DirectoryFault(const std::string& path) {
+std::optional<Error> DirectoryFault(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (directory < 0) return std::strerror(errno);
+  if (directory < 0) return SystemError();
   close(directory);
-  return {};
+  return std::nullopt;
 }
 
 bool ShowsEmphasis() {
@@ -126,12 +126,18 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto recording = LoadRecordingOperand(parsed.path);
   if (!recording) return PrintError(InputName(parsed.path), recording.Error());
-  if (const auto fault = DirectoryFault(parsed.payload); !fault.empty()) {
-    return PrintError(parsed.payload, {{fault}, LabStatus::UnreadableInput});
+  if (const auto fault = DirectoryFault(parsed.payload)) {
+    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
   }
   const auto filter = FilterOf(parsed);
-  const auto explanation =
-      Explain(*recording, ToolOptions(parsed.payload, parsed.bypassVersion), filter);
+  const auto options = ToolOptions(parsed.payload, parsed.bypassVersion);
+  const auto explanation = Explain(*recording, options, filter);
+  // Without descriptors there is nothing to explain.
+  const auto failure = ConfigurationFailure(explanation.run, options);
+  if (failure && failure->status == LabStatus::OutOfMemory) {
+    PrintError(failure->error.message);
+    return failure->status;
+  }
   if (LacksController(explanation, filter)) {
     return PrintError(
         InputName(parsed.path),
