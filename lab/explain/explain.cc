@@ -2,9 +2,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
@@ -30,11 +30,11 @@ constexpr char Example[] =
     "  fernwick-lab explain --host -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
-std::string DirectoryFault(const std::string& path) {
+std::optional<Error> DirectoryFault(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (directory < 0) return std::strerror(errno);
+  if (directory < 0) return SystemError();
   close(directory);
-  return {};
+  return std::nullopt;
 }
 
 bool ShowsEmphasis() {
@@ -127,12 +127,18 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   const auto recording = LoadComputer(parsed.computer);
   if (!recording) return PrintError(parsed.computer.Name(), recording.Error());
-  if (const auto fault = DirectoryFault(parsed.payload); !fault.empty()) {
-    return PrintError(parsed.payload, {{fault}, LabStatus::UnreadableInput});
+  if (const auto fault = DirectoryFault(parsed.payload)) {
+    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
   }
   const auto filter = FilterOf(parsed);
-  const auto explanation =
-      Explain(*recording, ToolOptions(parsed.payload, parsed.bypassVersion), filter);
+  const auto options = ToolOptions(parsed.payload, parsed.bypassVersion);
+  const auto explanation = Explain(*recording, options, filter);
+  // Without descriptors there is nothing to explain.
+  const auto failure = ConfigurationFailure(explanation.run, options);
+  if (failure && failure->status == LabStatus::OutOfMemory) {
+    PrintError(failure->error.message);
+    return failure->status;
+  }
   if (LacksController(explanation, filter)) {
     return PrintError(
         parsed.computer.Name(),
