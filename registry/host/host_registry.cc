@@ -17,7 +17,6 @@ namespace fernwick {
 namespace {
 
 constexpr std::string_view TreePlane = "IODeviceTree";
-constexpr std::string_view ServicePlane = "IOService";
 constexpr char RootName[] = "Root";
 constexpr char OptionsName[] = "options";
 
