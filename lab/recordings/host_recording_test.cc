@@ -18,7 +18,7 @@ void AppendNode(const Recording& recording, const RecordedPlane& plane, Registry
                 const std::string& indentation, std::string& outline) {
   const auto& recorded = recording.entries[entry - 1];
   outline += indentation + std::string(recorded.name);
-  if (!recorded.class_.empty()) outline += " <" + std::string(recorded.class_) + ">";
+  if (!recorded.className.empty()) outline += " <" + std::string(recorded.className) + ">";
   for (const auto& property : recorded.properties.Entries()) {
     outline += " " + std::string(property.key);
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "registry/board_identity.h"
 #include "registry/host/file_text.h"
 #include "registry/host/limits.h"
 #include "registry/thunderbolt_inventory.h"
@@ -16,7 +17,6 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view TreePlane = "IODeviceTree";
 constexpr char RootName[] = "Root";
 constexpr char OptionsName[] = "options";
 
@@ -61,7 +61,7 @@ RegistryEntry HostRegistry::RootOf(std::string_view plane) {
     if (serviceRoot_ == 0) serviceRoot_ = Add({.kind = Kind::ServiceRoot, .name = RootName});
     return serviceRoot_;
   }
-  if (plane != TreePlane) return 0;
+  if (plane != DeviceTreePlane) return 0;
   if (treeRoot_ != 0) return treeRoot_;
   treeRoot_ = files_.IsDirectory(TreeDirectory)
                   ? Add({.kind = Kind::TreeNode, .name = RootName, .path = TreeDirectory})
@@ -226,7 +226,7 @@ std::optional<PropertyValue> HostRegistry::FindBelow(RegistryEntry entry, std::s
 
 std::string_view HostRegistry::PlaneOf(const Entry& entry) {
   const bool isService = entry.kind == Kind::ServiceRoot || entry.kind == Kind::Switch;
-  return isService ? ServicePlane : TreePlane;
+  return isService ? ServicePlane : DeviceTreePlane;
 }
 
 RegistryStatus HostRegistry::GetParentEntry(RegistryEntry entry, std::string_view plane,
