@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "testing/coverage_counting.h"
 #include "testing/files.h"
@@ -91,16 +92,17 @@ TEST(Permission, ThatIsMissingForAConfigurationOrItsDirectoryIsAnError) {
   const Payload payload;
   for (const auto& path : {payload.Configuration(), payload.Board()}) {
     fs::permissions(path, fs::perms::none);
-    for (const auto& command :
-         {"survey -j1 -p " + payload.Path() + " " + OnePort,
-          "diff -j1 -p payload -p " + payload.Path() + " " + OnePort,
-          "diff -j1 -p " + payload.Path() + " -p " + payload.Path() + " " + OnePort}) {
+    const std::vector<std::vector<std::string>> commands = {
+        {"survey", "-j1", "-p", payload.Path(), OnePort},
+        {"diff", "-j1", "-p", "payload", "-p", payload.Path(), OnePort},
+        {"diff", "-j1", "-p", payload.Path(), "-p", payload.Path(), OnePort}};
+    for (auto command : commands) {
+      command.insert(command.begin(), FERNWICK_LAB_PROGRAM);
+      // Without a shell, which would return to the user that it was started by.
       const testing::Unprivileged unprivileged;
-      const auto found = RunWith("true", command);
-      EXPECT_EQ(found.status, "66") << command;
-      EXPECT_EQ(found.standardError,
-                "fernwick-lab: " + payload.Configuration() + ": Permission denied\n");
-      EXPECT_EQ(found.standardOutput, "");
+      testing::ExpectOutcome(
+          RunChild(command, Examples),
+          {"66", "", "fernwick-lab: " + payload.Configuration() + ": Permission denied\n"});
     }
     fs::permissions(path, fs::perms::owner_all);
   }
