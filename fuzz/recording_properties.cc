@@ -174,7 +174,7 @@ void CheckMatching(const Recording& recording, RecordedRegistry& registry,
 
 std::set<std::string_view> ClassesOf(const Recording& recording) {
   std::set<std::string_view> classes{"", "no such class"};
-  for (const auto& entry : FirstFew(recording.entries)) classes.insert(entry.class_);
+  for (const auto& entry : FirstFew(recording.entries)) classes.insert(entry.className);
   for (const auto& [name, superclass] : FirstFew(recording.superclasses)) {
     classes.insert({name, superclass});
   }

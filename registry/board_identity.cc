@@ -8,14 +8,12 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view DeviceTreeRoot = "IODeviceTree:/";
-constexpr std::string_view DeviceTree = "IODeviceTree";
 constexpr std::string_view BoardIdPrefix = "Zed-";
 
 // The bytes of a property at or below the entry; empty (nullopt) when it is absent or not data.
 std::optional<std::string> SearchData(Registry& registry, RegistryEntry entry,
                                       std::string_view key) {
-  const auto value = registry.SearchProperty(entry, DeviceTree, key, SearchRecursively);
+  const auto value = registry.SearchProperty(entry, DeviceTreePlane, key, SearchRecursively);
   const auto bytes = value ? value->AsData() : std::nullopt;
   if (!bytes) return std::nullopt;
   return std::string(*bytes);
@@ -28,7 +26,7 @@ std::uint64_t ParseBoardId(const std::string& text) {
 }
 
 std::uint8_t SearchBoardRevision(Registry& registry, RegistryEntry root) {
-  const auto bytes = SearchData(registry, root, "board-rev");
+  const auto bytes = SearchData(registry, root, BoardRevisionProperty);
   if (!bytes || bytes->empty()) return 0;
   return static_cast<std::uint8_t>(bytes->front());
 }

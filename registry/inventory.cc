@@ -17,6 +17,16 @@ std::optional<std::uint32_t> ReadU32(Registry& registry, RegistryEntry entry,
 std::optional<PropertyValue> Convert(Registry& registry, RegistryEntry entry,
                                      const PropertyOrigin& origin) {
   switch (origin.conversion) {
+    case Conversion::Signed32: {
+      const auto number = ReadU32(registry, entry, origin.property);
+      if (!number) return std::nullopt;
+      return static_cast<std::int32_t>(*number);
+    }
+    case Conversion::Bcd: {
+      const auto number = ReadU32(registry, entry, origin.property);
+      if (!number) return std::nullopt;
+      return static_cast<std::int32_t>(DecodeBcd(*number));
+    }
     case Conversion::LowNibble: {
       std::uint64_t number = 0;
       const auto status = ReadU64Property(registry, entry, origin.property, number);
@@ -33,13 +43,7 @@ std::optional<PropertyValue> Convert(Registry& registry, RegistryEntry entry,
       const auto value = registry.GetProperty(entry, origin.property);
       return value && value->AsString() ? value : std::nullopt;
     }
-    case Conversion::AsIs: return registry.GetProperty(entry, origin.property);
-    default: {
-      const auto number = ReadU32(registry, entry, origin.property);
-      if (!number) return std::nullopt;
-      const bool isBcd = origin.conversion == Conversion::Bcd;
-      return static_cast<std::int32_t>(isBcd ? DecodeBcd(*number) : *number);
-    }
+    default: return std::nullopt;  // of no property, or not of one alone
   }
 }
 

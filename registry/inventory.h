@@ -10,8 +10,9 @@
 namespace fernwick {
 
 /// Reads the property of `entry` that `origin` names and writes the converted value under `key`. A
-/// property that is absent or of another kind leaves the record as it is. REQUIRES: the conversion
-/// needs this property alone, and there is one.
+/// property that is absent or of another kind leaves the record as it is. So does, without a read,
+/// a conversion that is not of one property alone: only Signed32, Bcd, LowNibble, NonZero and Text
+/// are; the callers have rules of their own for the others.
 void FillKey(Registry& registry, RegistryEntry entry, std::string_view key,
              const PropertyOrigin& origin, HardwareRecord& record);
 

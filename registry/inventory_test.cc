@@ -120,16 +120,18 @@ TEST_P(FillKeyOf, AKindOtherThanANumberLeavesTheKeyOut) {
   }
 }
 
-TEST_P(FillKeyOf, AnyKindIsWrittenAsItIs) {
-  EXPECT_EQ(Converted(GetParam().row, Conversion::AsIs), GetParam().row);
-}
-
 INSTANTIATE_TEST_SUITE_P(Inventory, FillKeyOf, ::testing::ValuesIn(NonNumbers()), RowName);
 
-TEST(FillKey, WritesANumberAsItIsWithItsKind) {
-  for (const PropertyValue value :
-       {PropertyValue(AllOnes), PropertyValue(5.9), PropertyValue(true)}) {
-    EXPECT_EQ(Converted(value, Conversion::AsIs), value);
+TEST(FillKey, ReadsAndWritesNothingByAConversionThatIsNotOfOnePropertyAlone) {
+  for (const auto conversion : {Conversion::None, Conversion::AsIs, Conversion::ThunderboltVersion,
+                                Conversion::EngineeringBits}) {
+    Computer computer;
+    const RegistryEntry entry = computer.AddPort("Port0", {{"Property", 5}});
+    LoggingRegistry registry(computer.Recorded());
+    HardwareRecord record = {{"Key", "old"}};
+    FillKey(registry, entry, "Key", {"Property", conversion}, record);
+    EXPECT_EQ(registry.Calls(), CallList());
+    EXPECT_EQ(record, (Record{{"Key", "old"}}));
   }
 }
 

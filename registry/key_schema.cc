@@ -15,7 +15,7 @@ constexpr TypeSet RidgeSilicon = Types::Thunderbolt | Types::LegacyThunderbolt;
 
 // clang-format off
 constexpr Key Keys[] = {
-    // Keys of hardware records, most of them required by personalities.
+    // Keys of hardware records; a personality may test all but the last.
     {.name = "RID", .port = {"RID", Signed32}, .thunderbolt = {"UID", LowNibble},
      .kind = NumberOrList, .checkedBy = PortSilicon | RidgeSilicon, .inMatch = ByOwnRule},
     {.name = "Port Silicon Vendor ID", .port = {"Vendor ID", Signed32},
@@ -124,11 +124,8 @@ std::optional<IntegerRange> NumbersOfControllers(const Key& key, TypeSet type) {
 }
 
 TypeSet TypeNamed(std::string_view topLevelKey) {
-  if (topLevelKey == "LegacyThunderbolt") return Types::LegacyThunderbolt;
-  if (topLevelKey == "Thunderbolt") return Types::Thunderbolt;
-  if (topLevelKey == "LegacyUSBC") return Types::LegacyUsbc;
-  if (topLevelKey == "USBC") return Types::Usbc;
-  return Types::None;
+  const auto* found = std::ranges::find(NamedTypes, topLevelKey, &NamedType::name);
+  return found == std::end(NamedTypes) ? Types::None : found->type;
 }
 
 std::vector<PropertySource> SourcesOf(std::string_view name, const RecordSource& source) {
@@ -142,8 +139,8 @@ std::vector<PropertySource> SourcesOf(std::string_view name, const RecordSource&
   if (source.thunderbolt != 0 && !key->thunderbolt.property.empty() && origin != Origin::Port) {
     sources.push_back(SourceIn(source.thunderbolt, key->thunderbolt));
     if (key->thunderbolt.conversion == ThunderboltVersion && origin == Origin::Thunderbolt) {
-      sources.push_back(
-          {source.thunderbolt, "EEPROM Revision", "the low 6 bits are hundredths; 1e-9 is added"});
+      sources.push_back({source.thunderbolt, FindKey("Engineering Version")->thunderbolt.property,
+                         "the low 6 bits are hundredths; 1e-9 is added"});
     }
   }
   return sources;

@@ -25,6 +25,28 @@ inline constexpr TypeSet Ports = Thunderbolt | LegacyUsbc | Usbc;
 inline constexpr TypeSet All = LegacyThunderbolt | Ports;
 }  // namespace Types
 
+/// The top-level keys of a configuration that name a type, exact and case-sensitive.
+namespace PersonalityType {
+inline constexpr std::string_view LegacyThunderbolt = "LegacyThunderbolt";
+inline constexpr std::string_view Thunderbolt = "Thunderbolt";
+inline constexpr std::string_view LegacyUsbc = "LegacyUSBC";
+inline constexpr std::string_view Usbc = "USBC";
+}  // namespace PersonalityType
+
+/// A type with its name.
+struct NamedType {
+  std::string_view name;
+  TypeSet type;
+};
+
+/// All types.
+inline constexpr NamedType NamedTypes[] = {
+    {PersonalityType::LegacyThunderbolt, Types::LegacyThunderbolt},
+    {PersonalityType::Thunderbolt, Types::Thunderbolt},
+    {PersonalityType::LegacyUsbc, Types::LegacyUsbc},
+    {PersonalityType::Usbc, Types::Usbc},
+};
+
 /// How a record's value is converted from the property that it comes from.
 enum class Conversion {
   None,                // there is no property
@@ -34,7 +56,8 @@ enum class Conversion {
   NonZero,             // whether a number is not 0
   Text,                // a string as it is
   AsIs,                // any value as it is, or a fault of the run when there is none
-  ThunderboltVersion,  // the real of ThunderboltFirmwareVersion, with "EEPROM Revision"
+  ThunderboltVersion,  // the real of ThunderboltFirmwareVersion, of this property and that of
+                       // "Engineering Version"; without this one there is neither key
   EngineeringBits,     // bits 6 and 7 of a number
 };
 
@@ -71,7 +94,7 @@ enum class MatchValue {
   ByOwnRule,     // BuildMatchRecord has a rule for this key
 };
 
-/// Everything there is to know about one key of hardware records and personalities.
+/// The facts of one key of hardware records and personalities that several parts share.
 struct Key {
   std::string_view name;
   PropertyOrigin port = {};         // of a port controller

@@ -11,8 +11,6 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view ServicePlane = "IOService";
-
 // Only the low 32 bits of a route are tested.
 bool IsOwnPort(Registry& registry, RegistryEntry port) {
   std::uint32_t route = 0;
@@ -45,8 +43,7 @@ bool FillPortFields(Registry& registry, RegistryEntry port, HardwareRecord& reco
                     RegistryStatus& uuidStatus) {
   bool hasNonZeroAddress = false;
   for (const auto& key : KeySchema()) {
-    if (key.port.conversion == Conversion::None) continue;
-    if (key.port.conversion == Conversion::Text) {
+    if (key.name == "Port UUID") {
       FillUuid(registry, port, key, record, uuidStatus);
       continue;
     }

@@ -3,8 +3,6 @@
 namespace fernwick {
 namespace {
 
-constexpr std::string_view ServicePlane = "IOService";
-
 std::optional<PropertyValue> Copied(const PropertyValue* value) {
   if (value == nullptr) return std::nullopt;
   return *value;
@@ -139,8 +137,8 @@ RegistryEntry RecordedRegistry::NextEntry(RegistryEntry iterator) {
 
 bool RecordedRegistry::ConformsToClass(RegistryEntry entry, std::string_view className) {
   const auto* recorded = EntryOf(entry);
-  if (recorded == nullptr || recorded->class_.empty()) return false;
-  return ClassesConformingTo(className).contains(recorded->class_);
+  if (recorded == nullptr || recorded->className.empty()) return false;
+  return ClassesConformingTo(className).contains(recorded->className);
 }
 
 // A depth-first traversal from the class down to everything that derives from it, once for each

@@ -16,8 +16,8 @@ namespace fernwick {
 
 /// One entry of a recorded computer. Views the recording's property list.
 struct RecordedEntry {
-  std::string_view name;    // empty for a plane's root that has none
-  std::string_view class_;  // empty: it conforms to no class
+  std::string_view name;       // empty for a plane's root that has none
+  std::string_view className;  // empty: it conforms to no class
   Dictionary properties;
 
   friend bool operator==(const RecordedEntry&, const RecordedEntry&) = default;

@@ -296,7 +296,7 @@ std::vector<RegistryEntry> ServicesOf(const Recording& recording, std::string_vi
 
 Recording TwoPlanesOfFans(const std::vector<RegistryEntry>& fans) {
   Recording recording = TwoPlanes({});
-  for (const RegistryEntry fan : fans) recording.entries[fan - 1].class_ = "Fan";
+  for (const RegistryEntry fan : fans) recording.entries[fan - 1].className = "Fan";
   return recording;
 }
 

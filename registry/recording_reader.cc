@@ -11,6 +11,13 @@
 #include "value/property_list_reader.h"
 #include "value/unicode/text_position.h"
 
+// Three passes over the planes, each up to the first error. The nodes of all planes are read in the
+// order of the file into one table, and their entries into the recording; then the links between
+// planes are resolved by the IDs of the entries; then the entries are given their positions in the
+// planes, which finds an entry that a plane has twice. The chains of classes are checked before,
+// by marked walks (see CheckClassChains). O(n log n) for n nodes and classes; recursive, to the
+// depth of the property list.
+
 namespace fernwick {
 namespace {
 
@@ -18,14 +25,15 @@ std::string Quoted(std::string_view text) {
   return "\"" + Excerpt(text) + "\"";
 }
 
-// The error of a dictionary with a key that is not among those known; empty when there is none.
-std::string DescribeUnknownKey(Dictionary dictionary,
-                               std::initializer_list<std::string_view> known) {
+// The message about the first key of a dictionary that is not among those known; empty (nullopt)
+// when there is none.
+std::optional<std::string> DescribeUnknownKey(Dictionary dictionary,
+                                              std::initializer_list<std::string_view> known) {
   for (const auto& entry : dictionary.Entries()) {
     if (std::ranges::find(known, entry.key) != known.end()) continue;
     return "the key " + Quoted(entry.key) + " is not known";
   }
-  return {};
+  return std::nullopt;
 }
 
 constexpr std::size_t NoNode = ~std::size_t{0};
@@ -63,25 +71,26 @@ struct NodeTable {
     return PathOf(node.parent) + "/Children[" + std::to_string(node.ordinal) + "]";
   }
 
-  std::string FaultAt(std::size_t node, std::string_view message) const {
-    return PathOf(node) + ": " + std::string(message);
+  Error ErrorAt(std::size_t node, std::string_view message) const {
+    return {PathOf(node) + ": " + std::string(message)};
   }
 };
 
-// Each function from here on returns an error message, or an empty text.
+// The first error of a pass or a part of one; empty (nullopt) when there is none.
+using MaybeError = std::optional<Error>;
 
 // Called first, so that a recording of another version is refused for its version.
-std::string CheckVersion(Dictionary top) {
+MaybeError CheckVersion(Dictionary top) {
   const auto* version = top.Find("Recording Version");
-  if (version == nullptr) return "\"Recording Version\" is missing";
-  if (version->AsInteger() == Integer(1)) return {};
-  return "\"Recording Version\" is not the integer 1";
+  if (version == nullptr) return Error{"\"Recording Version\" is missing"};
+  if (version->AsInteger() == Integer(1)) return std::nullopt;
+  return Error{"\"Recording Version\" is not the integer 1"};
 }
 
 // Finds a cycle by walking up from every class and marking each class with the start of the walk
 // that reached it: a class with the mark of the current walk closes a cycle, one with the mark of
 // an earlier walk ends this one. Every class is visited once, so this costs n log n for n classes.
-std::string CheckClassChains(const Recording& recording) {
+MaybeError CheckClassChains(const Recording& recording) {
   std::map<std::string_view, std::string_view>
       walks;  // the start of the walk that reached the class
   for (const auto& [start, ignored] : recording.superclasses) {
@@ -89,27 +98,27 @@ std::string CheckClassChains(const Recording& recording) {
     for (;;) {
       const auto [walk, isNew] = walks.emplace(name, start);
       if (!isNew && walk->second == start) {
-        return "Classes: the class " + Quoted(name) + " derives from itself";
+        return Error{"Classes: the class " + Quoted(name) + " derives from itself"};
       }
       const auto superclass = recording.superclasses.find(name);
       if (!isNew || superclass == recording.superclasses.end()) break;
       name = superclass->second;
     }
   }
-  return {};
+  return std::nullopt;
 }
 
-std::string ReadClasses(Dictionary top, Recording& recording) {
+MaybeError ReadClasses(Dictionary top, Recording& recording) {
   const auto* value = top.Find("Classes");
-  if (value == nullptr) return {};
+  if (value == nullptr) return std::nullopt;
   const auto classes = value->AsDictionary();
-  if (!classes) return "Classes: not a dictionary";
+  if (!classes) return Error{"Classes: not a dictionary"};
   for (const auto& [key, superclass] : classes->Entries()) {
     const auto name = superclass.AsString();
-    if (key.empty()) return "Classes: the name of a class is empty";
-    if (!name) return "Classes: the superclass of " + Quoted(key) + " is not a string";
+    if (key.empty()) return Error{"Classes: the name of a class is empty"};
+    if (!name) return Error{"Classes: the superclass of " + Quoted(key) + " is not a string"};
     if (name->empty()) {
-      return "Classes: the name of the superclass of " + Quoted(key) + " is empty";
+      return Error{"Classes: the name of the superclass of " + Quoted(key) + " is empty"};
     }
     recording.superclasses.emplace(key, *name);
   }
@@ -122,154 +131,155 @@ class NodeReader {
   NodeReader(NodeTable& table, std::vector<RecordedEntry>& entries)
       : table_(table), entries_(entries) {}
 
-  std::string ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
+  MaybeError ReadNode(const PropertyValue& value, std::size_t parent, std::size_t ordinal) {
     const std::size_t number = table_.nodes.size();
     table_.nodes.push_back({table_.planeNames.size() - 1, parent, ordinal, 0});
     const auto node = value.AsDictionary();
-    if (!node) return table_.FaultAt(number, "not a dictionary");
+    if (!node) return table_.ErrorAt(number, "not a dictionary");
     const bool isLink = node->Find("Link") != nullptr;
-    auto fault = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
-    return fault.empty() ? ReadChildren(number, *node) : fault;
+    auto error = isLink ? ReadLink(number, *node) : ReadEntry(number, *node);
+    return error ? error : ReadChildren(number, *node);
   }
 
  private:
-  std::string ReadLink(std::size_t number, Dictionary node) {
+  MaybeError ReadLink(std::size_t number, Dictionary node) {
     for (const std::string_view key : {"Name", "Class", "Properties", "ID"}) {
       if (node.Find(key) != nullptr) {
-        return table_.FaultAt(number, "a link must not have " + Quoted(key));
+        return table_.ErrorAt(number, "a link must not have " + Quoted(key));
       }
     }
     std::string_view target;
-    auto fault = CheckKeys(number, node, {"Link", "Children"});
-    if (fault.empty()) fault = ReadText(number, node, "Link", target);
-    if (fault.empty()) table_.links.push_back({number, target});
-    return fault;
+    auto error = CheckKeys(number, node, {"Link", "Children"});
+    if (!error) error = ReadText(number, node, "Link", target);
+    if (!error) table_.links.push_back({number, target});
+    return error;
   }
 
-  std::string ReadEntry(std::size_t number, Dictionary node) {
+  MaybeError ReadEntry(std::size_t number, Dictionary node) {
     RecordedEntry entry;
-    auto fault = CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"});
-    if (fault.empty()) fault = ReadName(number, node, entry.name);
-    if (fault.empty()) fault = ReadClass(number, node, entry.class_);
-    if (fault.empty()) fault = ReadProperties(number, node, entry.properties);
-    if (!fault.empty()) return fault;
+    auto error = CheckKeys(number, node, {"Name", "Class", "Properties", "ID", "Children"});
+    if (!error) error = ReadName(number, node, entry.name);
+    if (!error) error = ReadClass(number, node, entry.className);
+    if (!error) error = ReadProperties(number, node, entry.properties);
+    if (error) return error;
     entries_.push_back(entry);
     table_.nodes[number].entry = static_cast<RegistryEntry>(entries_.size());
     return ReadId(number, node);
   }
 
-  std::string CheckKeys(std::size_t number, Dictionary node,
-                        std::initializer_list<std::string_view> known) const {
+  MaybeError CheckKeys(std::size_t number, Dictionary node,
+                       std::initializer_list<std::string_view> known) const {
     const auto unknown = DescribeUnknownKey(node, known);
-    return unknown.empty() ? unknown : table_.FaultAt(number, unknown);
+    if (!unknown) return std::nullopt;
+    return table_.ErrorAt(number, *unknown);
   }
 
   // The string under `key`; `text` is left as it was when the key is absent.
-  std::string ReadText(std::size_t number, Dictionary node, std::string_view key,
-                       std::string_view& text) const {
+  MaybeError ReadText(std::size_t number, Dictionary node, std::string_view key,
+                      std::string_view& text) const {
     const auto* value = node.Find(key);
-    if (value == nullptr) return {};
+    if (value == nullptr) return std::nullopt;
     const auto string = value->AsString();
-    if (!string) return table_.FaultAt(number, Quoted(key) + " is not a string");
+    if (!string) return table_.ErrorAt(number, Quoted(key) + " is not a string");
     text = *string;
-    return {};
+    return std::nullopt;
   }
 
-  std::string ReadName(std::size_t number, Dictionary node, std::string_view& name) const {
+  MaybeError ReadName(std::size_t number, Dictionary node, std::string_view& name) const {
     if (node.Find("Name") == nullptr) {
-      const bool isRoot = table_.nodes[number].parent == NoNode;
-      return isRoot ? std::string() : table_.FaultAt(number, "\"Name\" is missing");
+      if (table_.nodes[number].parent == NoNode) return std::nullopt;
+      return table_.ErrorAt(number, "\"Name\" is missing");
     }
-    auto fault = ReadText(number, node, "Name", name);
-    if (!fault.empty()) return fault;
-    if (name.empty()) return table_.FaultAt(number, "\"Name\" is empty");
-    if (name.find('/') == std::string_view::npos) return {};
-    return table_.FaultAt(number, "\"Name\" holds a \"/\"");
+    auto error = ReadText(number, node, "Name", name);
+    if (error) return error;
+    if (name.empty()) return table_.ErrorAt(number, "\"Name\" is empty");
+    if (name.find('/') == std::string_view::npos) return std::nullopt;
+    return table_.ErrorAt(number, "\"Name\" holds a \"/\"");
   }
 
-  std::string ReadClass(std::size_t number, Dictionary node, std::string_view& name) const {
-    auto fault = ReadText(number, node, "Class", name);
-    if (!fault.empty() || !name.empty() || node.Find("Class") == nullptr) return fault;
-    return table_.FaultAt(number, "\"Class\" is empty");
+  MaybeError ReadClass(std::size_t number, Dictionary node, std::string_view& name) const {
+    auto error = ReadText(number, node, "Class", name);
+    if (error || !name.empty() || node.Find("Class") == nullptr) return error;
+    return table_.ErrorAt(number, "\"Class\" is empty");
   }
 
-  std::string ReadProperties(std::size_t number, Dictionary node, Dictionary& properties) const {
+  MaybeError ReadProperties(std::size_t number, Dictionary node, Dictionary& properties) const {
     const auto* value = node.Find("Properties");
-    if (value == nullptr) return {};
+    if (value == nullptr) return std::nullopt;
     const auto dictionary = value->AsDictionary();
-    if (!dictionary) return table_.FaultAt(number, "\"Properties\" is not a dictionary");
+    if (!dictionary) return table_.ErrorAt(number, "\"Properties\" is not a dictionary");
     properties = *dictionary;
-    return {};
+    return std::nullopt;
   }
 
-  std::string ReadId(std::size_t number, Dictionary node) {
-    if (node.Find("ID") == nullptr) return {};
+  MaybeError ReadId(std::size_t number, Dictionary node) {
+    if (node.Find("ID") == nullptr) return std::nullopt;
     std::string_view id;
-    auto fault = ReadText(number, node, "ID", id);
-    if (!fault.empty()) return fault;
-    if (id.empty()) return table_.FaultAt(number, "\"ID\" is empty");
+    auto error = ReadText(number, node, "ID", id);
+    if (error) return error;
+    if (id.empty()) return table_.ErrorAt(number, "\"ID\" is empty");
     const auto& [plane, parent, ordinal, entry] = table_.nodes[number];
-    if (table_.entriesById.emplace(id, IdentifiedEntry{entry, plane}).second) return {};
-    return table_.FaultAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
+    if (table_.entriesById.emplace(id, IdentifiedEntry{entry, plane}).second) return std::nullopt;
+    return table_.ErrorAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
   }
 
-  std::string ReadChildren(std::size_t number, Dictionary node) {
+  MaybeError ReadChildren(std::size_t number, Dictionary node) {
     const auto* value = node.Find("Children");
-    if (value == nullptr) return {};
+    if (value == nullptr) return std::nullopt;
     const auto children = value->AsArray();
-    if (!children) return table_.FaultAt(number, "\"Children\" is not an array");
+    if (!children) return table_.ErrorAt(number, "\"Children\" is not an array");
     for (std::size_t i = 0; i < children->size(); ++i) {
-      auto fault = ReadNode((*children)[i], number, i);
-      if (!fault.empty()) return fault;
+      auto error = ReadNode((*children)[i], number, i);
+      if (error) return error;
     }
-    return {};
+    return std::nullopt;
   }
 
   NodeTable& table_;
   std::vector<RecordedEntry>& entries_;
 };
 
-std::string ReadPlanes(Dictionary top, NodeTable& table, std::vector<RecordedEntry>& entries) {
+MaybeError ReadPlanes(Dictionary top, NodeTable& table, std::vector<RecordedEntry>& entries) {
   const auto* value = top.Find("Planes");
-  if (value == nullptr) return "\"Planes\" is missing";
+  if (value == nullptr) return Error{"\"Planes\" is missing"};
   const auto planes = value->AsDictionary();
-  if (!planes) return "Planes: not a dictionary";
+  if (!planes) return Error{"Planes: not a dictionary"};
   NodeReader reader(table, entries);
   for (const auto& [name, root] : planes->Entries()) {
-    if (name.empty()) return "Planes: the name of a plane is empty";
+    if (name.empty()) return Error{"Planes: the name of a plane is empty"};
     if (name.find(':') != std::string_view::npos) {
-      return "Planes: the name " + Quoted(name) + " contains a \":\"";
+      return Error{"Planes: the name " + Quoted(name) + " contains a \":\""};
     }
     table.planeNames.push_back(name);
-    auto fault = reader.ReadNode(root, NoNode, 0);
-    if (!fault.empty()) return fault;
+    auto error = reader.ReadNode(root, NoNode, 0);
+    if (error) return error;
   }
-  return {};
+  return std::nullopt;
 }
 
 constexpr char TwiceInPlane[] = "the entry already stands in this plane";
 
-std::string ResolveLinks(NodeTable& table) {
+MaybeError ResolveLinks(NodeTable& table) {
   for (const auto& [number, id] : table.links) {
     const auto target = table.entriesById.find(id);
     if (target == table.entriesById.end()) {
-      return table.FaultAt(number, "no entry has the ID " + Quoted(id));
+      return table.ErrorAt(number, "no entry has the ID " + Quoted(id));
     }
     auto& node = table.nodes[number];
-    if (target->second.plane == node.plane) return table.FaultAt(number, TwiceInPlane);
+    if (target->second.plane == node.plane) return table.ErrorAt(number, TwiceInPlane);
     node.entry = target->second.entry;
   }
-  return {};
+  return std::nullopt;
 }
 
-std::string PlaceEntries(const NodeTable& table, Recording& recording) {
+MaybeError PlaceEntries(const NodeTable& table, Recording& recording) {
   for (std::size_t number = 0; number < table.nodes.size(); ++number) {
     const auto& node = table.nodes[number];
     auto& plane = recording.planes[table.planeNames[node.plane]];
     const bool isRoot = node.parent == NoNode;
     const RegistryEntry parent = isRoot ? 0 : table.nodes[node.parent].entry;
     if (!plane.placements.try_emplace(node.entry, RecordedPlane::Placement{parent, {}}).second) {
-      return table.FaultAt(number, TwiceInPlane);
+      return table.ErrorAt(number, TwiceInPlane);
     }
     if (isRoot) {
       plane.root = node.entry;
@@ -277,22 +287,26 @@ std::string PlaceEntries(const NodeTable& table, Recording& recording) {
       plane.placements[parent].children.push_back(node.entry);
     }
   }
-  return {};
+  return std::nullopt;
 }
 
-std::string ReadTopLevel(const PropertyValue& value, Recording& recording) {
+MaybeError CheckTopLevelKeys(Dictionary top) {
+  auto unknown = DescribeUnknownKey(top, {"Recording Version", "Classes", "Planes"});
+  if (!unknown) return std::nullopt;
+  return Error{*std::move(unknown)};
+}
+
+MaybeError ReadTopLevel(const PropertyValue& value, Recording& recording) {
   const auto top = value.AsDictionary();
-  if (!top) return "a recording is a dictionary";
+  if (!top) return Error{"a recording is a dictionary"};
   NodeTable table;
-  auto fault = CheckVersion(*top);
-  if (fault.empty()) {
-    fault = DescribeUnknownKey(*top, {"Recording Version", "Classes", "Planes"});
-  }
-  if (fault.empty()) fault = ReadClasses(*top, recording);
-  if (fault.empty()) fault = ReadPlanes(*top, table, recording.entries);
-  if (fault.empty()) fault = ResolveLinks(table);
-  if (fault.empty()) fault = PlaceEntries(table, recording);
-  return fault;
+  auto error = CheckVersion(*top);
+  if (!error) error = CheckTopLevelKeys(*top);
+  if (!error) error = ReadClasses(*top, recording);
+  if (!error) error = ReadPlanes(*top, table, recording.entries);
+  if (!error) error = ResolveLinks(table);
+  if (!error) error = PlaceEntries(table, recording);
+  return error;
 }
 
 }  // namespace
@@ -311,8 +325,8 @@ Result<Recording> InterpretRecording(PropertyListReading reading) {
 
 Result<Recording> InterpretRecording(PropertyList list) {
   Recording recording;
-  auto fault = ReadTopLevel(list.value, recording);
-  if (!fault.empty()) return Error{std::move(fault)};
+  auto error = ReadTopLevel(list.value, recording);
+  if (error) return *std::move(error);
   recording.list = std::move(list);
   return recording;
 }

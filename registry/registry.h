@@ -9,7 +9,7 @@
 namespace fernwick {
 
 /// A handle of a registry entry or of an iterator over entries. 0 is the null handle: what every
-/// operation returns when there is nothing to return. A handle stays valid until the process ends,
+/// operation returns when there is nothing to return. A handle stays valid as long as the registry,
 /// whether or not it is released.
 using RegistryEntry = std::uint32_t;
 
@@ -22,13 +22,16 @@ inline constexpr RegistryStatus RegistrySuccess = 0;
 /// The property is absent or not of the requested kind.
 inline constexpr auto RegistryNotFound = static_cast<RegistryStatus>(0xE00002F0);
 
+/// The plane of the services, among them all controllers.
+inline constexpr std::string_view ServicePlane = "IOService";
+
 /// Bit of the options of `SearchProperty`: search the entries below, too.
 inline constexpr std::uint32_t SearchRecursively = 1;
 
 /// The computer's I/O registry: entries with a class and properties, linked in named planes. The
-/// only access to the hardware; the live registry and a recorded one
-/// obey the same contract. Synchronous, without side effects on the registry, used from one thread.
-/// No operation prints or logs, and each accepts a handle of 0.
+/// only access to the hardware; the live registry and a recorded one obey the same contract.
+/// Synchronous, without side effects on the registry, used from one thread. No operation prints or
+/// logs, and each accepts a handle of 0.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -53,7 +56,7 @@ class Registry {
 
   /// An iterator over every entry of the service plane whose class is, or derives from,
   /// `className`, in the registry's own order. Callers proceed only when the status is 0 and the
-  /// iterator is not.
+  /// iterator is not 0.
   virtual RegistryStatus MatchServicesByClass(std::string_view className,
                                               RegistryEntry& iterator) = 0;
 

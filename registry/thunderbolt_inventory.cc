@@ -20,15 +20,19 @@ bool IsAtRootOfTopology(Registry& registry, RegistryEntry controller) {
          depth == 0;
 }
 
-// From two properties, together with "Engineering Version".
-void FillVersion(Registry& registry, RegistryEntry controller, HardwareRecord& record,
-                 RecordSource& source) {
+// Both keys from both properties: without the first there is neither key, and the second counts as
+// 0 when it does not read.
+void FillVersions(Registry& registry, RegistryEntry controller, HardwareRecord& record,
+                  RecordSource& source) {
+  const auto& version = *FindKey("Version");
+  const auto& engineering = *FindKey("Engineering Version");
   std::uint32_t rom = 0;
-  if (ReadU32Property(registry, controller, "ROM Version", rom) != RegistrySuccess) return;
+  const auto status = ReadU32Property(registry, controller, version.thunderbolt.property, rom);
+  if (status != RegistrySuccess) return;
   std::uint32_t eeprom = 0;
-  ReadU32Property(registry, controller, "EEPROM Revision", eeprom);  // 0 when it does not read
-  record.Set("Version", ThunderboltFirmwareVersion(rom, eeprom));
-  record.Set("Engineering Version", static_cast<std::uint8_t>(eeprom & 0xC0));
+  ReadU32Property(registry, controller, engineering.thunderbolt.property, eeprom);
+  record.Set(version.name, ThunderboltFirmwareVersion(rom, eeprom));
+  record.Set(engineering.name, static_cast<std::uint8_t>(eeprom & 0xC0));
   source.version = Origin::Thunderbolt;
 }
 
@@ -38,6 +42,13 @@ void FillRid(Registry& registry, RegistryEntry controller, const Key& key, Hardw
   if (record.Find(key.name) != nullptr) return;
   FillKey(registry, controller, key.name, key.thunderbolt, record);
   if (record.Find(key.name) != nullptr) source.rid = Origin::Thunderbolt;
+}
+
+// The value as it is, whatever its kind. False, and nothing is written, when there is none.
+bool FillUid(Registry& registry, RegistryEntry controller, const Key& key, HardwareRecord& record) {
+  const auto uid = registry.GetProperty(controller, key.thunderbolt.property);
+  if (uid) record.Set(key.name, *uid);
+  return uid.has_value();
 }
 
 }  // namespace
@@ -62,22 +73,15 @@ std::optional<Fault> FillThunderboltFields(Registry& registry, RegistryEntry con
   if (record == nullptr) return std::nullopt;
   source.thunderbolt = controller;
   for (const auto& key : KeySchema()) {
-    switch (key.thunderbolt.conversion) {
-      case Conversion::None:
-      case Conversion::ThunderboltVersion:  // these two come last
-      case Conversion::EngineeringBits: break;
-      case Conversion::LowNibble: FillRid(registry, controller, key, *record, source); break;
-      case Conversion::AsIs: {
-        // Written without a test of presence or kind.
-        const auto uid = registry.GetProperty(controller, key.thunderbolt.property);
-        if (!uid) return Fault::MissingUid;
-        record->Set(key.name, *uid);
-        break;
-      }
-      default: FillKey(registry, controller, key.name, key.thunderbolt, *record);
+    if (key.name == "RID") {
+      FillRid(registry, controller, key, *record, source);
+    } else if (key.name == "Ridge UID") {
+      if (!FillUid(registry, controller, key, *record)) return Fault::MissingUid;
+    } else {
+      FillKey(registry, controller, key.name, key.thunderbolt, *record);
     }
   }
-  FillVersion(registry, controller, *record, source);
+  FillVersions(registry, controller, *record, source);
   return std::nullopt;
 }
 

@@ -13,14 +13,15 @@ namespace fernwick {
 inline constexpr std::string_view ThunderboltControllerClass = "IOThunderboltSwitch";
 
 /// The computer's own Thunderbolt controllers: those at the root of the topology, with "Depth" and
-/// "Route String" 0. Controllers of devices plugged in by cable are deeper. Read again each time; a
-/// fault as FillThunderboltFields returns it.
+/// "Route String" 0. Controllers of devices plugged in by cable are deeper. Each call reads the
+/// registry again; nothing is cached. A fault as FillThunderboltFields returns it.
 InventoryResult CollectThunderboltControllers(Registry& registry);
 
 /// Writes the controller's own properties into `record`, replacing what is there except "RID", and
-/// records in `source` what comes from the controller. Without a record (null) it does nothing. A
-/// controller without "UID" is a fault: no real one lacks it, and a record must never have an
-/// absent value.
+/// records in `source` what comes from the controller. A controller without "UID" is a fault: no
+/// real one lacks it, and a record must never have an absent value. Without a record (null) nothing
+/// is read and nothing is a fault; the inventories always pass one, so that this is a guarantee to
+/// other callers only.
 std::optional<Fault> FillThunderboltFields(Registry& registry, RegistryEntry controller,
                                            HardwareRecord* record, RecordSource& source);
 

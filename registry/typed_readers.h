@@ -7,9 +7,9 @@
 
 namespace fernwick {
 
-/// Typed reads of an entry's own property. An integer, a real and a boolean are numbers and are
-/// all accepted. Each returns 0 and stores the number in `result`; or returns RegistryNotFound,
-/// when the property is absent or anything but a number, and leaves `result` exactly as it was.
+// Typed reads of an entry's own property. An integer, a real and a boolean are numbers and are all
+// accepted. Each returns 0 and stores the number in `result`; or returns RegistryNotFound, when the
+// property is absent or anything but a number, and leaves `result` exactly as it was.
 
 /// Whether the number is other than 0.
 RegistryStatus ReadBoolProperty(Registry& registry, RegistryEntry entry, std::string_view key,

@@ -88,7 +88,7 @@ std::size_t Occurrences(std::string_view piece, const std::string& text) {
 
 bool HasControllerWithoutUid(const Recording& recording) {
   return std::ranges::any_of(recording.entries, [](const RecordedEntry& entry) {
-    return entry.class_ == ThunderboltControllerClass && entry.properties.Find("UID") == nullptr;
+    return entry.className == ThunderboltControllerClass && entry.properties.Find("UID") == nullptr;
   });
 }
 

@@ -3,13 +3,13 @@
 namespace fernwick::lab {
 
 std::string EntryPath(const Recording& recording, RegistryEntry entry) {
-  const auto& plane = recording.planes.at("IOService");
+  const auto& plane = recording.planes.at(ServicePlane);
   std::string path;
   while (entry != plane.root) {
     path.insert(0, "/" + std::string(recording.entries[entry - 1].name));
     entry = plane.placements.at(entry).parent;
   }
-  return "IOService:" + (path.empty() ? "/" : path);
+  return std::string(ServicePlane) + ":" + (path.empty() ? "/" : path);
 }
 
 }  // namespace fernwick::lab

@@ -45,7 +45,7 @@ class TextTree {
     const auto& recorded = computer_.recording.entries[entry - 1];
     const auto indentation = TreeIndentation(depth);
     auto line = indentation + (recorded.name.empty() ? "/" : PrintableText(recorded.name));
-    if (!recorded.class_.empty()) line += "  <" + PrintableText(recorded.class_) + ">";
+    if (!recorded.className.empty()) line += "  <" + PrintableText(recorded.className) + ">";
     sink_(line + MarkOf(computer_.thunderbolt, entry) + MarkOf(computer_.ports, entry) + "\n");
     PrintProperties(recorded.properties, indentation + "      ", sink_);
     for (const auto child : plane_.placements.at(entry).children) PrintNode(child, depth + 1);

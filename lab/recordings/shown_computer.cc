@@ -25,7 +25,7 @@ class JsonTree {
   void PrintMembers(RegistryEntry entry) {
     const auto& recorded = computer_.recording.entries[entry - 1];
     stream_.AddMember("name", recorded.name);
-    if (!recorded.class_.empty()) stream_.AddMember("class", recorded.class_);
+    if (!recorded.className.empty()) stream_.AddMember("class", recorded.className);
     for (const auto* controllers : {&computer_.thunderbolt, &computer_.ports}) {
       PrintController(*controllers, entry);
     }

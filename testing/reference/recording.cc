@@ -27,7 +27,7 @@ std::optional<std::string_view> SuperclassOf(const Recording& recording, std::st
 }
 
 bool Conforms(const Recording& recording, RegistryEntry entry, std::string_view className) {
-  std::optional<std::string_view> name = EntryOf(recording, entry).class_;
+  std::optional<std::string_view> name = EntryOf(recording, entry).className;
   if (name->empty()) return false;
   for (; name; name = SuperclassOf(recording, *name)) {
     if (*name == className) return true;
