@@ -41,7 +41,7 @@ function(fernwick_knows_tests program)
   add_dependencies(${program} ${programs})
 endfunction()
 
-# fernwick_compile_quickly(TARGET): under the sanitizers, what no fuzz target runs is compiled in half
+# fernwick_compile_quickly(TARGET): under the sanitizers, what no fuzz target is about is compiled in half
 # the time, neither optimised nor with the counters that guide fuzzing: it is slower to build than
 # to run.
 function(fernwick_compile_quickly target)

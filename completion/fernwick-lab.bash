@@ -1,14 +1,16 @@
 # Completion of fernwick-lab for bash. It needs no helper of any other package.
 
 declare -gA _fernwick_lab_options=(
-  [replay]="--help"
-  [explain]="-p --payload --bypassVersion --type --controller --nearest --format --json --help"
+  [replay]="--host --help"
+  [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --help"
   [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
   [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
-  [show]="--plane --json --help"
+  [show]="--host --plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
+  [record]="--root --to --all --force --help"
+  [import]="--plane --name-key --children-key --class-key --id-key --classes --force --help"
 )
 
 # The tool's own, after the recording of "replay".
@@ -43,9 +45,12 @@ _fernwick_lab_value() {
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
-    'convert --to') _fernwick_lab_words 'xml binary' "$3" ;;
+    'convert --to' | 'record --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'lint --baseline') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'survey --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'record --root') _fernwick_lab_directories "$3" ;;
+    'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
+    'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
     'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac

@@ -2,7 +2,7 @@
 #include "driver/process.h"
 #include "driver/run.h"
 #include "platform/console.h"
-#include "registry/host_registry.h"
+#include "registry/host/host_registry.h"
 
 int main(int argc, char* argv[]) {
   fernwick::PrepareProcess();

@@ -156,6 +156,22 @@ void MakeRunSeeds(SeedMaker& maker, const Texts& recordings, const Texts& config
   maker.AddWords("run", Joined({WordsIn(computers), WordsIn(ValuesOf(configurations))}));
 }
 
+// The computers of golden/hosts/, with a configuration for the board that most of them have.
+void MakeHostSeeds(SeedMaker& maker, const fs::path& source) {
+  const auto configuration =
+      testing::ReadFile(source / "examples/payload/Fernwick/Zed-1A06/Config.plist");
+  Texts seeds;
+  for (const auto& host : FilesBelow(source / "golden/hosts", ".txt")) {
+    // Before the commands.
+    const auto files = host.substr(0, host.find("\n$ ") + 1);
+    for (const auto& options : {"-v -p @", "-p @ --bypassVersion"}) {
+      seeds.push_back(Pack({options, files, configuration}));
+    }
+  }
+  maker.Add("host", seeds);
+  maker.AddWords("host", {" -> ", " = ", " : ", " |", "0-0", "domain0", "unique_id", "board-id"});
+}
+
 void MakeSwitchSeeds(SeedMaker& maker) {
   using namespace std::string_literals;
   const std::string usbc = "fernwick_bypass_usbc_updates";
@@ -174,6 +190,7 @@ void MakeSeeds(const fs::path& source, const fs::path& output) {
   MakeReaderSeeds(maker, Joined({recordings, configurations}));
   MakeRecordingSeeds(maker, recordings);
   MakeSwitchSeeds(maker);
+  MakeHostSeeds(maker, source);
   MakeRunSeeds(maker, recordings, configurations);
 }
 

@@ -10,7 +10,9 @@
 
 #include "testing/coverage_counting.h"
 #include "testing/files.h"
+#include "testing/host_tree.h"
 #include "testing/programs/child_process.h"
+#include "testing/programs/host_namespace.h"
 #include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
@@ -152,6 +154,56 @@ TEST(Configuration, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {
 TEST(Configuration, ThatGrowsBeyondTheMaximumWhileItIsReadEndsInNoPlan) {
   ExpectOutcome(ReplayWithRace("read", "enlarge", "Config.plist"),
                 NoPlan("the file is larger than 1 GiB, format: 0"));
+}
+
+// What the lab shows of a computer with a fault in the file of its command line, from "boot-args"
+// on: nothing where that is absent.
+std::string BootArgumentsWith(const std::string& moment, const std::string& action) {
+  const testing::HostTree tree("proc/cmdline = quiet\n");
+  const auto shown = testing::RunOnHost(
+      tree.Root(),
+      {"/usr/bin/env", "LD_PRELOAD=" FERNWICK_FAULT_SHIM,
+       "FERNWICK_FAULT=" + moment + ":" + action + ":/proc/cmdline", FERNWICK_DYNAMIC_LAB_PROGRAM,
+       "show", "--host", "--plane", "IODeviceTree"},
+      "/");
+  EXPECT_EQ(shown.status, "0");
+  EXPECT_EQ(shown.standardError, "");
+  const auto end = shown.standardOutput.find("\n\nThunderbolt");
+  const auto start = std::min(shown.standardOutput.find("\"boot-args\""), end);
+  return shown.standardOutput.substr(start, end - start);
+}
+
+// A file that vanishes, becomes another or grows between the listing of its directory and its end.
+TEST(Host, WhoseFilesChangeBeforeOrWhileTheyAreReadLacksWhatTheyHad) {
+  const auto reason = testing::NoHostNamespaceReason();
+  if (!reason.empty()) GTEST_SKIP() << reason;
+  const std::string usual = "\"boot-args\" = \"quiet\"";
+  const std::string absent;
+  const struct {
+    std::string moment, action, found;
+  } races[] = {
+      {"", "", usual},
+      {"open", "remove", absent},
+      {"open", "fifo", absent},
+      {"open", "directory", absent},
+      {"open", "forbid", absent},
+      {"open", "empty", "\"boot-args\" = \"\""},
+      {"open", "grow", absent},
+      {"open", "enlarge", absent},
+      {"fstat", "fail", absent},
+      {"fstat", "remove", usual},
+      {"fstat", "fifo", usual},
+      {"fstat", "grow", absent},
+      {"read", "fail", absent},
+      {"read", "remove", usual},
+      {"read", "grow", absent},
+      {"reread", "fail", absent},
+      {"read", "interrupt", usual},
+      {"reread", "interrupt", usual},
+  };
+  for (const auto& [moment, action, found] : races) {
+    EXPECT_EQ(BootArgumentsWith(moment, action), found) << moment << ", " << action;
+  }
 }
 
 TEST(Recording, ThatChangesBeforeOrWhileItIsReadEndsInAPlanOrNone) {

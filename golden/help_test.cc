@@ -54,8 +54,8 @@ std::vector<std::string> Verbs() {
   return verbs;
 }
 
-// The files of the examples: two computers, by themselves and in a directory, payloads for them,
-// and a directory to write to.
+// The files of the examples: two computers, by themselves and in a directory, payloads for them, a
+// dump of a registry, and a directory to write to.
 class Bench {
  public:
   Bench() {
@@ -68,6 +68,7 @@ class Bench {
         fs::copy(recording, directory_.Path() + directory + name + ".registry.plist");
       }
     }
+    directory_.Write("services.plist", "{ children = ( { name = ridge0; class = Gen3; } ); }");
     for (const char* payload : {"/payload", "/payload-1", "/payload-2"}) {
       fs::copy(Examples / "payload", directory_.Path() + payload, fs::copy_options::recursive);
       const auto boards = directory_.Path() + payload + "/Fernwick/";

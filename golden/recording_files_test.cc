@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "testing/files.h"
+#include "testing/host_tree.h"
 #include "testing/programs/child_process.h"
 #include "testing/temporary_directory.h"
 
@@ -291,6 +292,78 @@ TEST(Redact, OfSeveralNeedsADirectoryAndDifferentNames) {
   EXPECT_EQ(RunLab({"redact", one, "./" + one, directory.Path()}),
             "fernwick-lab: " + directory.Path() + "/" + one +
                 ": two recordings of that name would go there\n[status 64]\n");
+}
+
+// The files of a computer that reports a board and nothing else.
+constexpr char Board[] = "sys/class/dmi/id/board_name = Zed-42\n";
+
+constexpr char ShownBoard[] =
+    "Board Zed-42 (0x42), revision 0\n\nIODeviceTree:\nRoot\n"
+    "      \"board-id\" = <5a65642d 343200>\n  options\n";
+
+TEST(Record, WritesXmlOrBinary) {
+  const testing::HostTree tree(Board);
+  const TemporaryDirectory directory;
+  for (const char* form : {"xml", "binary"}) {
+    const auto out = directory.Path() + "/" + form;
+    EXPECT_EQ(RunLab({"record", out, "--root", tree.Root(), "--to", form}), Done);
+    EXPECT_EQ(ReadFile(out).starts_with("bplist00"), form == std::string("binary"));
+    EXPECT_TRUE(RunLab({"show", out}).starts_with(ShownBoard));
+  }
+}
+
+TEST(Record, WritesStandardOutput) {
+  const testing::HostTree tree(Board);
+  const auto lab = std::string(FERNWICK_LAB_PROGRAM);
+  const auto outcome = testing::RunChild(
+      {"/bin/sh", "-c", lab + " record - --root . | " + lab + " show - | head -n 6"}, tree.Root());
+  EXPECT_EQ(outcome.standardOutput + outcome.standardError, ShownBoard);
+}
+
+TEST(Record, ReplacesAFileOnlyWhenForced) {
+  const testing::HostTree tree(Board);
+  const TemporaryDirectory directory;
+  const auto out = directory.Write("out", "old");
+  EXPECT_EQ(RunLab({"record", out, "--root", tree.Root()}),
+            "fernwick-lab: " + out +
+                ": there is a file of that name; --force replaces it\n[status 74]\n");
+  EXPECT_EQ(ReadFile(out), "old");
+  EXPECT_EQ(RunLab({"record", out, "--root", tree.Root(), "--force"}), Done);
+  EXPECT_TRUE(ReadFile(out).starts_with("<?xml"));
+}
+
+TEST(Record, NeedsACopyOfAComputer) {
+  const TemporaryDirectory directory;
+  const auto out = directory.Path() + "/out";
+  EXPECT_EQ(RunLab({"record", out, "--root", directory.Path()}),
+            "fernwick-lab: " + directory.Path() +
+                ": there is neither \"proc\" nor \"sys\" in it\n[status 66]\n");
+  EXPECT_EQ(RunLab({"record", out, "--root", "/nowhere"}),
+            "fernwick-lab: /nowhere: No such file or directory\n[status 66]\n");
+  EXPECT_FALSE(fs::exists(out));
+}
+
+TEST(Record, ReportsAnOutputThatCannotBeWritten) {
+  const testing::HostTree tree(Board);
+  EXPECT_EQ(RunLab({"record", "/nowhere/out", "--root", tree.Root()}),
+            "fernwick-lab: /nowhere/out: No such file or directory\n[status 74]\n");
+}
+
+TEST(Record, OfThisComputerCanAlwaysBeReplayed) {
+  const TemporaryDirectory directory;
+  const auto out = directory.Path() + "/out";
+  EXPECT_EQ(RunLab({"record", out, "--all"}), Done);
+  EXPECT_NE(RunLab({"show", out}).find("[status 0]"), std::string::npos);
+}
+
+TEST(Host, IsInPlaceOfARecording) {
+  EXPECT_EQ(RunLab({"show", "--host", "ports-only.registry.plist"}),
+            "fernwick-lab: --host is used in place of RECORDING; see fernwick-lab show --help\n"
+            "[status 64]\n");
+  EXPECT_EQ(RunLab({"explain", "-p", "payload"}),
+            "fernwick-lab: RECORDING or --host is required; see fernwick-lab explain --help\n"
+            "[status 64]\n");
+  EXPECT_EQ(RunLab({"replay", "--hots"}), RunLab({"replay"}));
 }
 
 }  // namespace

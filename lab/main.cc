@@ -26,6 +26,8 @@ constexpr Verb Verbs[] = {
     {"show", "print the registry of a recorded computer and what the tool reads of it", Show},
     {"convert", "write a property list in another serialisation", Convert},
     {"redact", "write recorded computers without what identifies them", Redact},
+    {"record", "write this computer, or one whose files were copied, as a recording", RecordVerb},
+    {"import", "make a recording of registry dumps", Import},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
 };

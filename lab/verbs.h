@@ -23,7 +23,7 @@ struct VerbEnd {
 /// of the severity --fail-level or a higher one.
 VerbEnd Lint(int argumentCount, char* const arguments[]);
 
-/// Runs the tool over a recorded computer. The end is the tool's own, once it runs.
+/// Runs the tool over a recorded computer or this one. The end is the tool's own, once it runs.
 VerbEnd Replay(int argumentCount, char* const arguments[]);
 
 /// What `fernwick-lab replay --help` prints.
@@ -33,8 +33,8 @@ extern const char ReplayHelp[];
 /// the status of the run, as long as it is explained.
 VerbEnd ExplainVerb(int argumentCount, char* const arguments[]);
 
-/// Prints the registry of a recorded computer as a tree, with the controllers marked, and both
-/// inventories as the tool sees them.
+/// Prints the registry of a recorded computer or this one as a tree, with the controllers marked,
+/// and both inventories as the tool sees them.
 VerbEnd Show(int argumentCount, char* const arguments[]);
 
 /// Writes a property list, a recording or any other, in another serialisation, value for value.
@@ -43,6 +43,12 @@ VerbEnd Convert(int argumentCount, char* const arguments[]);
 /// Writes recordings without what identifies the computers. Equal identifiers have equal pseudonyms
 /// in all recordings of one command.
 VerbEnd Redact(int argumentCount, char* const arguments[]);
+
+/// Writes the computer that this runs on, or one whose files were copied, as a recording.
+VerbEnd RecordVerb(int argumentCount, char* const arguments[]);
+
+/// Writes registry dumps, nested dictionaries with keys of any name, as a recording.
+VerbEnd Import(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over every selected computer and prints a row for each.
 VerbEnd Survey(int argumentCount, char* const arguments[]);

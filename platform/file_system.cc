@@ -11,22 +11,6 @@
 namespace fernwick {
 namespace {
 
-// Closes a file descriptor at the end of its scope.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int Number() const { return number_; }
-
- private:
-  int number_;
-};
-
 // "1 GiB", "64 MiB" or, where it is no multiple, "1000 bytes".
 std::string SizeText(std::size_t size) {
   constexpr std::size_t Mebibyte = std::size_t{1} << 20;
@@ -75,17 +59,26 @@ bool IsAbsence(int error) {
   return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
 }
 
+const int CautiousReading = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+Descriptor::~Descriptor() {
+  if (number_ >= 0) close(number_);
+}
+
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize) {
-  // Without O_NONBLOCK, opening a FIFO would wait for its writer.
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  const Descriptor file(open(path.c_str(), CautiousReading));
   if (file.Number() < 0) return SystemError();
+  return ReadRegularFile(file.Number(), maxSize);
+}
+
+Result<std::string> ReadRegularFile(int file, std::size_t maxSize) {
   struct stat status;
-  if (fstat(file.Number(), &status) != 0) return SystemError();
+  if (fstat(file, &status) != 0) return SystemError();
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
   if (size > maxSize) return TooLarge(maxSize);
-  return ReadToEnd(file.Number(), size, maxSize);
+  return ReadToEnd(file, size, maxSize);
 }
 
 std::string AppendPathComponent(std::string_view path, std::string_view component) {

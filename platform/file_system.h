@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "value/result.h"
 
@@ -29,6 +31,30 @@ inline constexpr std::size_t MaxFileSize = std::size_t{1} << 30;
 /// Reads a regular file of at most `maxSize` bytes. Never waits for a writer: a FIFO or a device is
 /// an error.
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize = MaxFileSize);
+
+/// Reads an open file to its end. Anything but a regular file is an error, and so is one of more
+/// than `maxSize` bytes, whatever size it claims to have: no more than that is read of a file
+/// without an end.
+Result<std::string> ReadRegularFile(int file, std::size_t maxSize);
+
+/// Flags of open(2) to read what may be any kind of file: it does not wait, as for the writer of a
+/// FIFO, and a terminal does not become that of the process.
+extern const int CautiousReading;
+
+/// An open file, closed at the end of its scope.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor();
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor& operator=(Descriptor&&) = delete;
+
+  /// Negative where nothing could be opened.
+  int Number() const { return number_; }
+
+ private:
+  int number_;
+};
 
 /// Appends a component: all "/" at the end of `path` and at the start of `component` are
 /// replaced by exactly one. An empty component results in `path` without the "/" at its end. A

@@ -2,9 +2,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,26 +11,30 @@
 #include "lab/explain/print.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
-#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Prints what the tool plans for a recorded computer: which personality of a payload matches "
+    "Prints what the tool plans for a recorded computer, or for this one: which personality of a "
+    "payload matches "
     "which controller and, for every other pair, why not: all requirements that fail, near misses "
     "first. Where a switch of the computer ends the run, also what happens without it.";
 
-constexpr char Example[] = "Example:\n  fernwick-lab explain desk.registry.plist -p payload\n";
+constexpr char Example[] =
+    "Example:\n"
+    "  fernwick-lab explain desk.registry.plist -p payload\n"
+    "  fernwick-lab explain --host -p payload\n";
 
 // What is wrong with a directory; empty when nothing is.
-std::string DirectoryFault(const std::string& path) {
+std::optional<Error> DirectoryFault(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (directory < 0) return std::strerror(errno);
+  if (directory < 0) return SystemError();
   close(directory);
-  return {};
+  return std::nullopt;
 }
 
 bool ShowsEmphasis() {
@@ -41,7 +44,7 @@ bool ShowsEmphasis() {
 
 // The arguments of the verb.
 struct ExplainArguments {
-  std::string path;
+  ComputerOperand computer;
   std::string payload;
   bool bypassVersion = false;
   bool asJson = false;
@@ -63,10 +66,8 @@ CommandLine CommandLineOf(ExplainArguments& into) {
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "RECORDING",
-           .target = &into.path,
-           .help = "the recorded computer; - is standard input",
-           .least = 1},
+          RecordingArgument(into.computer),
+          HostArgument(into.computer),
           {.name = "-p,--payload",
            .target = &into.payload,
            .help = "the payload directory",
@@ -130,17 +131,23 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   ExplainArguments parsed;
   const auto line = CommandLineOf(parsed);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecordingOperand(parsed.path);
-  if (!recording) return PrintError(InputName(parsed.path), recording.Error());
-  if (const auto fault = DirectoryFault(parsed.payload); !fault.empty()) {
-    return PrintError(parsed.payload, {{fault}, LabStatus::UnreadableInput});
+  const auto recording = LoadComputer(parsed.computer);
+  if (!recording) return PrintError(parsed.computer.Name(), recording.Error());
+  if (const auto fault = DirectoryFault(parsed.payload)) {
+    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
   }
   const auto filter = FilterOf(parsed);
-  const auto explanation =
-      Explain(*recording, ToolOptions(parsed.payload, parsed.bypassVersion), filter);
+  const auto options = ToolOptions(parsed.payload, parsed.bypassVersion);
+  const auto explanation = Explain(*recording, options, filter);
+  // Without descriptors there is nothing to explain.
+  const auto failure = ConfigurationFailure(explanation.run, options);
+  if (failure && failure->status == LabStatus::OutOfMemory) {
+    PrintError(failure->error.message);
+    return failure->status;
+  }
   if (LacksController(explanation, filter)) {
     return PrintError(
-        InputName(parsed.path),
+        parsed.computer.Name(),
         {{"no controller that the payload is matched against is named " + filter.controller},
          LabStatus::UnreadableInput});
   }

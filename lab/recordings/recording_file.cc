@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "lab/recordings/host_recording.h"
 #include "lab/support/input_file.h"
+#include "platform/file_system.h"
 #include "registry/recording_reader.h"
 #include "value/binary/writer.h"
 #include "value/xml/writer.h"
@@ -40,9 +42,36 @@ Result<Recording, LabError> LoadRecordingOperand(const std::string& operand, Ser
   return Interpret(ReadInput(operand), form);
 }
 
+Argument RecordingArgument(ComputerOperand& computer) {
+  return {.name = "RECORDING",
+          .target = &computer.recording,
+          .help = "the recorded computer; - is standard input"};
+}
+
+Argument HostArgument(ComputerOperand& computer) {
+  return {.name = "--host",
+          .target = &computer.isHost,
+          .help = "the computer that this runs on, in place of RECORDING",
+          .replaces = "RECORDING"};
+}
+
+Result<Recording, LabError> LoadComputer(const ComputerOperand& computer) {
+  if (!computer.isHost) return LoadRecordingOperand(computer.recording);
+  HostRegistry registry;
+  auto recording = InterpretRecording(RecordHost(registry, RecordedProperties::ThoseOfTheTool));
+  if (!recording) return LabError{recording.Error(), LabStatus::MalformedInput};
+  return *std::move(recording);
+}
+
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists) {
   const auto write = [&](const TextSink& sink) { Write(value, form, sink); };
+  std::size_t size = 0;
+  write([&](std::string_view text) { size += text.size(); });
+  if (size > MaxFileSize) {
+    return PrintError(
+        out, {{"it would be larger than 1 GiB and could not be read"}, LabStatus::OutputLost});
+  }
   if (out == "-") {
     ProcessConsole console;
     write([&](std::string_view text) { console.Write(text); });

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "lab/support/command_line.h"
+#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/support/output_file.h"
 #include "platform/file_system.h"
@@ -21,6 +23,22 @@ Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation
 /// The same for an operand of a verb that accepts one recording: "-" is standard input.
 Result<Recording, LabError> LoadRecordingOperand(const std::string& operand,
                                                  Serialisation* form = nullptr);
+
+/// The computer that a verb is about: a recorded one, or the one that it runs on.
+struct ComputerOperand {
+  std::string recording = {};  // its path, or "-"
+  bool isHost = false;         // --host, in place of the recording
+
+  /// In messages.
+  std::string Name() const { return isHost ? "this computer" : InputName(recording); }
+};
+
+/// The operand RECORDING of a verb and the option --host that replaces it, stored in `computer`.
+Argument RecordingArgument(ComputerOperand& computer);
+Argument HostArgument(ComputerOperand& computer);
+
+/// Reads the recording, or records this computer with the properties that the tool reads.
+Result<Recording, LabError> LoadComputer(const ComputerOperand& computer);
 
 /// Writes a property list, in XML with a newline at the end or in binary, to the file `out`,
 /// completely or not at all, or to standard output where `out` is "-". Returns the exit status:

@@ -5,7 +5,6 @@
 #include "driver/options.h"
 #include "driver/run.h"
 #include "lab/recordings/recording_file.h"
-#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 #include "registry/recorded_registry.h"
@@ -25,13 +24,14 @@ std::vector<char*> ToolArguments(std::string& toolName, int argumentCount,
 }  // namespace
 
 const char ReplayHelp[] =
-    "Runs the tool, unchanged, over a recorded computer.\n"
-    "Usage: fernwick-lab replay RECORDING [TOOL-ARGUMENT...]\n"
+    "Runs the tool, unchanged, over a recorded computer, or over this one.\n"
+    "Usage: fernwick-lab replay RECORDING|--host [TOOL-ARGUMENT...]\n"
     "\n"
     "Everything after RECORDING is the tool's own command line; standard output, standard error\n"
-    "and exit status are the tool's own. RECORDING may be -, standard input. When the recording is "
-    "not well formed, nothing runs and\n"
-    "the status is 65; 66 when it cannot be read.\n"
+    "and exit status are the tool's own. RECORDING may be -, standard input. When the recording\n"
+    "is not well formed, nothing runs and the status is 65; 66 when it cannot be read.\n"
+    "\n"
+    "  --host      the computer that this runs on, in place of RECORDING\n"
     "\n"
     "Example:\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n";
@@ -39,12 +39,14 @@ const char ReplayHelp[] =
 VerbEnd Replay(int argumentCount, char* const arguments[]) {
   const std::string_view first = argumentCount == 0 ? "" : arguments[0];
   if (first == "-h" || first == "--help") return PrintResult(ReplayHelp);
-  if (argumentCount == 0 || (first.starts_with('-') && first != "-")) {
+  const bool isOption = first.starts_with('-') && first != "-" && first != "--host";
+  if (argumentCount == 0 || isOption) {
     ProcessConsole().WriteError(ReplayHelp);
     return LabStatus::BadUsage;
   }
-  const auto recording = LoadRecordingOperand(arguments[0]);
-  if (!recording) return PrintError(InputName(arguments[0]), recording.Error());
+  const ComputerOperand computer = {.recording = arguments[0], .isHost = first == "--host"};
+  const auto recording = LoadComputer(computer);
+  if (!recording) return PrintError(computer.Name(), recording.Error());
   std::string toolName = "fernwick";
   const auto vector = ToolArguments(toolName, argumentCount - 1, arguments + 1);
   const auto options = ParseOptions(argumentCount, vector.data());

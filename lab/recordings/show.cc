@@ -4,7 +4,6 @@
 #include "lab/recordings/recording_file.h"
 #include "lab/recordings/shown_computer.h"
 #include "lab/support/command_line.h"
-#include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
 
@@ -12,7 +11,8 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Prints the registry of a recorded computer as a tree, with the controllers marked, and both "
+    "Prints the registry of a recorded computer, or of this one, as a tree, with the controllers "
+    "marked, and both "
     "inventories as the tool sees them.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --plane IOService\n";
@@ -20,17 +20,15 @@ constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --
 }  // namespace
 
 VerbEnd Show(int argumentCount, char* const arguments[]) {
-  std::string path;
+  ComputerOperand operand;
   std::optional<std::string> plane;
   bool asJson = false;
   const CommandLine line = {.verb = "show",
                             .description = Description,
                             .footer = Example,
                             .arguments = {
-                                {.name = "RECORDING",
-                                 .target = &path,
-                                 .help = "the recorded computer; - is standard input",
-                                 .least = 1},
+                                RecordingArgument(operand),
+                                HostArgument(operand),
                                 {.name = "--plane",
                                  .target = &plane,
                                  .help = "print only this plane",
@@ -38,10 +36,10 @@ VerbEnd Show(int argumentCount, char* const arguments[]) {
                                 {.name = "--json", .target = &asJson, .help = "print JSON"},
                             }};
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadRecordingOperand(path);
-  if (!recording) return PrintError(InputName(path), recording.Error());
+  const auto recording = LoadComputer(operand);
+  if (!recording) return PrintError(operand.Name(), recording.Error());
   if (plane && !recording->planes.contains(*plane)) {
-    PrintError(InputName(path) + ": there is no plane \"" + *plane + "\"");
+    PrintError(operand.Name() + ": there is no plane \"" + *plane + "\"");
     return LabStatus::BadUsage;
   }
   const auto computer = Inspect(*recording);

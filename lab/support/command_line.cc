@@ -79,6 +79,18 @@ std::string UnknownOptionMessage(const CLI::App& app, const std::string& unknown
   return "there is no option \"" + unknown + "\"" + SuggestionFor(unknown, known);
 }
 
+// What is wrong with an operand and the option that replaces it; empty when nothing is.
+std::string ReplacementFault(const CLI::App& app, const CommandLine& line) {
+  for (const auto& option : line.arguments) {
+    if (option.replaces.empty()) continue;
+    const bool hasOption = app.count(option.name) > 0;
+    const bool hasOperand = app.count(option.replaces) > 0;
+    if (hasOption && hasOperand) return option.name + " is used in place of " + option.replaces;
+    if (!hasOption && !hasOperand) return option.replaces + " or " + option.name + " is required";
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
@@ -86,18 +98,19 @@ std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
   CLI::App app(line.description, "fernwick-lab " + line.verb);
   Declare(app, line);
   const std::vector<std::string> words(arguments, arguments + argumentCount);
+  std::string fault;
   try {
     app.parse(Reversed(words));
+    fault = ReplacementFault(app, line);
   } catch (const CLI::CallForHelp&) {
     return PrintResult(app.help());
   } catch (const CLI::ParseError& error) {
     const auto unknown = FindUnknownOption(line, words);
-    const auto message =
-        unknown.empty() ? std::string(error.what()) : UnknownOptionMessage(app, unknown);
-    PrintError(message + "; see " + app.get_name() + " --help");
-    return LabStatus::BadUsage;
+    fault = unknown.empty() ? std::string(error.what()) : UnknownOptionMessage(app, unknown);
   }
-  return std::nullopt;
+  if (fault.empty()) return std::nullopt;
+  PrintError(fault + "; see " + app.get_name() + " --help");
+  return LabStatus::BadUsage;
 }
 
 }  // namespace fernwick::lab

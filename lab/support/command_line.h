@@ -29,6 +29,9 @@ struct Argument {
   int least = 0;                          // the number of values that the verb needs
   std::string valueName = "TEXT";         // for the help
   std::vector<std::string> choices = {};  // the only values that are accepted; empty: any
+  // An operand that this option replaces: exactly one of the two is needed. The operand is declared
+  // as one that is not needed.
+  std::string replaces = {};
 };
 
 /// The arguments that a verb accepts, and the text of its help around their descriptions.

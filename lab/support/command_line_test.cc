@@ -50,6 +50,36 @@ TEST(CommandLine, WithoutANeededOperandIsRefusedInOneLine) {
             "fernwick-lab: RECORDING is required; see fernwick-lab show --help\n");
 }
 
+// Of a verb with an operand and an option in its place.
+Parsed ParseEither(const testing::CommandLine& line) {
+  Parsed parsed;
+  const CommandLine show = {
+      .verb = "show",
+      .description = "Shows one.",
+      .footer = "",
+      .arguments = {
+          {.name = "RECORDING", .target = &parsed.recording, .help = "the one"},
+          {.name = "--host", .target = &parsed.json, .help = "this one", .replaces = "RECORDING"},
+      }};
+  testing::StandardErrorCapture errors;
+  parsed.status = ParseCommandLine(show, line.Count() - 1, line.Vector() + 1);
+  parsed.standardError = errors.TakeText();
+  return parsed;
+}
+
+TEST(CommandLine, NeedsAnOperandOrTheOptionThatReplacesIt) {
+  EXPECT_EQ(ParseEither({"--host"}).status, std::nullopt);
+  EXPECT_EQ(ParseEither({"one"}).status, std::nullopt);
+  const auto neither = ParseEither({});
+  EXPECT_EQ(neither.status, 64);
+  EXPECT_EQ(neither.standardError,
+            "fernwick-lab: RECORDING or --host is required; see fernwick-lab show --help\n");
+  const auto both = ParseEither({"one", "--host"});
+  EXPECT_EQ(both.status, 64);
+  EXPECT_EQ(both.standardError,
+            "fernwick-lab: --host is used in place of RECORDING; see fernwick-lab show --help\n");
+}
+
 TEST(CommandLine, WithAnUnknownOptionIsRefusedInOneLineThatIsSafeToShow) {
   const auto parsed = Parse({"x", "--\x1B[31m"});
   EXPECT_EQ(parsed.status, 64);

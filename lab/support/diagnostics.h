@@ -20,18 +20,21 @@ struct DiagnosticCount {
 };
 
 /// Counts the diagnostics of a run and the lines of its system log, each text once, in the order in
-/// which they first came. Optionally collects everything that is printed.
+/// which they first came. Optionally collects what is printed, of each stream at most MaxKept
+/// bytes: a run prints a diagnostic for each pair that it rejects.
 class DiagnosticConsole : public Console {
  public:
+  static constexpr std::size_t MaxKept = std::size_t{1} << 20;
+
   explicit DiagnosticConsole(bool keepsTexts) : keepsTexts_(keepsTexts) {}
 
   void WriteError(std::string_view text) override;
   void Log(const std::string& message) override;
 
   /// What was written to standard output and flushed, and to standard error; empty unless texts are
-  /// kept.
+  /// kept. The last line of the latter says how many texts are not in it, if there are any.
   std::string TakeOutput() { return std::move(output_); }
-  std::string TakeError() { return std::move(error_); }
+  std::string TakeError();
 
   std::vector<DiagnosticCount> TakeCounts() { return std::move(counts_); }
 
@@ -41,6 +44,7 @@ class DiagnosticConsole : public Console {
   bool keepsTexts_;
   std::string output_;
   std::string error_;
+  std::size_t errorsLeftOut_ = 0;
   std::vector<DiagnosticCount> counts_;
   std::map<std::string, std::size_t, std::less<>> indexes_;  // in counts_, by text
 };

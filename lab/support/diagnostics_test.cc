@@ -38,5 +38,19 @@ TEST(DiagnosticConsole, CollectsTextsWhereTheyAreKept) {
   EXPECT_EQ(console.TakeOutput(), "a plan");
 }
 
+TEST(DiagnosticConsole, CollectsTextsUpToALimit) {
+  DiagnosticConsole console(true);
+  const std::string text(DiagnosticConsole::MaxKept / 2, 'x');
+  for (int i = 0; i < 4; ++i) console.WriteError(text);
+  console.WriteError("short");
+  EXPECT_EQ(console.TakeError(), text + text + "(3 more)\n");
+  console.Write(text + text + "y");
+  console.Flush();
+  console.Write("z");
+  console.Flush();
+  EXPECT_EQ(console.TakeOutput(), text + text);
+  EXPECT_EQ(console.TakeCounts(), (Counts{{text, 4}, {"short", 1}}));
+}
+
 }  // namespace
 }  // namespace fernwick::lab

@@ -1,5 +1,8 @@
 #include "lab/survey/run.h"
 
+#include <limits.h>
+
+#include <cerrno>
 #include <string_view>
 #include <utility>
 
@@ -17,17 +20,39 @@ Outcome OutcomeOf(const RunResult& result) {
   return result.status == ExitStatus::PlanPrinted ? Outcome::Plan : Outcome::NoPlan;
 }
 
+// Many controllers may match one personality, so that a row may repeat a long text many times: its
+// first bytes and its length.
+Json ShortJson(const PropertyValue* value) {
+  constexpr std::size_t MaxLength = 512;
+  const auto text = value == nullptr ? std::nullopt : value->AsString();
+  if (!text || text->size() <= MaxLength) return ToJson(value);
+  auto length = MaxLength;
+  while (((*text)[length] & 0xC0) == 0x80) --length;  // not inside a character
+  return std::string(text->substr(0, length)) + " (the first of " + std::to_string(text->size()) +
+         " bytes)";
+}
+
+// The errno that says why the planned image is not found; 0 when it is, or when none is named.
+int ImageError(const MatchedPair& pair, const ToolRun& run, const Options& options) {
+  const auto* image = pair.match->Find("Firmware");
+  const auto name = image == nullptr ? std::nullopt : image->AsString();
+  if (name && name->size() > PATH_MAX) return ENAMETOOLONG;
+  const auto path = ImagePath(pair, run, options.personalitiesDirectory);
+  return path ? PathError(*path) : 0;
+}
+
 Result<SurveyMatch, LabError> MatchOf(const MatchedPair& pair, const ToolRun& run,
                                       const Options& options) {
-  const auto path = ImagePath(pair, run, options.personalitiesDirectory);
-  const int error = path ? PathError(*path) : 0;
-  if (error != 0 && !IsAbsence(error)) return PathFailure(*path, error);
+  const int error = ImageError(pair, run, options);
+  if (error != 0 && !IsAbsence(error)) {
+    return PathFailure(*ImagePath(pair, run, options.personalitiesDirectory), error);
+  }
   return SurveyMatch{.type = std::string(pair.key->key),
                      .rid = ToJson(pair.match->Find("RID")),
                      .portAddress = ToJson(pair.Controller().Find("Port Address")),
                      .installed = ToJson(pair.Controller().Find("Version")),
                      .version = ToJson(pair.match->Find("Version")),
-                     .image = ToJson(pair.match->Find("Firmware")),
+                     .image = ShortJson(pair.match->Find("Firmware")),
                      .isImageMissing = error != 0};
 }
 

@@ -81,6 +81,21 @@ TEST_F(SurveyRun, SaysWhetherThePlannedImageIsThere) {
   EXPECT_NE(Survey({path}).find("\"imageMissing\":false"), std::string::npos);
 }
 
+// Many controllers could repeat it.
+TEST_F(SurveyRun, HasOnlyTheBeginOfALongImageName) {
+  const auto path = Write(Port("<key>Version</key><integer>4</integer>"));
+  directory_.Write("payload/Fernwick/Zed-1/Config.plist",
+                   "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>"
+                   "<key>Firmware</key><string>" +
+                       std::string(511, 'x') + "\u00E9" + std::string(5000, 'y') +
+                       "</string></dict></dict>");
+  const auto row = Survey({path});
+  EXPECT_NE(row.find("\"image\":\"" + std::string(511, 'x') +
+                     " (the first of 5513 bytes)\",\"imageMissing\":true}"),
+            std::string::npos)
+      << row;
+}
+
 TEST_F(SurveyRun, OfARefusedRecordingHasTheReason) {
   const auto path = directory_.Write("a.registry.plist", "<dict/>");
   EXPECT_EQ(

@@ -64,8 +64,16 @@ class Comparison {
     if (before == nullptr) {
       return Add({"gains match", NameOf(after), {}, Summary(after), reasons_.WithoutInOld(after)});
     }
-    AddIfDifferent("image", Value(*before, "Firmware"), Value(after, "Firmware"), NameOf(after));
-    AddIfDifferent("version", Value(*before, "Version"), Value(after, "Version"), NameOf(after));
+    CompareValue("image", "Firmware", *before, after);
+    CompareValue("version", "Version", *before, after);
+  }
+
+  void CompareValue(const char* kind, std::string_view key, const MatchedPair& before,
+                    const MatchedPair& after) {
+    const auto* valueBefore = before.match->Find(key);
+    const auto* value = after.match->Find(key);
+    if (valueBefore != nullptr && value != nullptr && *valueBefore == *value) return;
+    AddIfDifferent(kind, ToJson(valueBefore), ToJson(value), NameOf(after));
   }
 
   // Of the matches that both have.
