@@ -10,7 +10,7 @@
 
 namespace fernwick {
 
-/// For verbose output only.
+// For verbose output only.
 
 /// The host's identity and where its personalities are searched.
 void PrintHeader(Console& console, const BoardIdentity& identity,

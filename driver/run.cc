@@ -17,11 +17,11 @@ namespace {
 
 // Both switches set: the second is not even read.
 std::optional<Fault> ReadSwitches(Registry& registry, RunResult& result) {
-  const auto bypassesUpdates = ReadBypassSwitch(registry, "fernwick_bypass_usbc_updates");
+  const auto bypassesUpdates = ReadBypassSwitch(registry, UpdatesSwitch);
   if (!bypassesUpdates) return bypassesUpdates.Error();
   result.bypassesUpdates = *bypassesUpdates;
   if (result.bypassesUpdates) return std::nullopt;
-  const auto bypassesVersion = ReadBypassSwitch(registry, "fernwick_bypassversioncheck");
+  const auto bypassesVersion = ReadBypassSwitch(registry, VersionSwitch);
   if (!bypassesVersion) return bypassesVersion.Error();
   result.switchBypassesVersion = *bypassesVersion;
   return std::nullopt;

@@ -18,7 +18,7 @@ namespace fernwick {
 /// The exit statuses of a run.
 namespace ExitStatus {
 inline constexpr int PlanPrinted = 0;  // or USB-C updates are bypassed by a switch
-inline constexpr int EmptyPlan = 1;    // a guard that is never reached
+inline constexpr int EmptyPlan = 1;    // unreachable: the builder always adds the options argument
 inline constexpr int BadCommandLine = 2;
 inline constexpr int NoMatches = 13;
 inline constexpr int OutOfMemory = 71;  // of the process, not of a run

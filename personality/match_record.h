@@ -8,15 +8,22 @@
 namespace fernwick {
 
 /// A personality that applies, overlaid with the values of the controller that it applies to and
-/// labelled with its "Personality Type".
-/// It views what the two view.
+/// labelled with its "Personality Type". It views what the two view.
 using MatchRecord = Record;
 
 /// Builds the record of a personality found under `type` and a controller that passed its check.
-/// Keys that describe the controller have its values, or are removed where it has none: "RID", what
-/// the personality names of silicon, UUID and unique id, "Port Address" together with a "RID",
-/// "Version" where the personality's is no number, and under "Thunderbolt" a "Firmware Mode" that
-/// it has. All others stay as the file has them. `type` outlives the record.
+/// The value of each key is the personality's, except:
+///
+///   "Personality Type"               `type`
+///   "RID"                            the controller's
+///   "Version"                        the controller's, where the personality has no number
+///   "Port Address"                   the controller's, where the controller has a "RID"
+///   silicon, "Port OTP Revision",    the controller's, where the personality has the key: those
+///     "Port UUID", "Ridge UID"       that the schema marks MatchValue::OfController
+///   "Firmware Mode"                  the controller's, under "Thunderbolt" and where it has one
+///
+/// A key that should have the controller's value is removed where the controller has none. `type`
+/// outlives the record.
 MatchRecord BuildMatchRecord(const Personality& personality, const HardwareRecord& controller,
                              std::string_view type);
 

@@ -10,6 +10,9 @@
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
 
+// First match: for each top-level key and each controller the first personality whose requirements
+// are all met. O(controllers x personalities x requirements) for each key, plus one inventory.
+
 namespace fernwick {
 namespace {
 
@@ -85,14 +88,14 @@ Result<Matching, Fault> MatchPersonalities(
   Matching matching;
   if (!loaded) matching.configurationError = loaded.Error();
   if (loaded) matching.configuration = *std::move(loaded);
-  const auto types =
+  const auto topLevel =
       matching.configuration ? matching.configuration->value.AsDictionary() : std::nullopt;
-  if (!types) {
+  if (!topLevel) {
     PlatformLog(context.console, "Unexpected format for config plist file.  Aborting");
     return matching;
   }
   const auto revision = static_cast<std::uint8_t>(boardRevision);
-  for (const auto& [name, value] : types->Entries()) {
+  for (const auto& [name, value] : topLevel->Entries()) {
     const KeyMatch key = {context, name, TypeNamed(name), revision, matching.matches};
     if (const auto fault = MatchKey(key, value)) return *fault;
   }

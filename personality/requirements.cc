@@ -22,9 +22,9 @@ constexpr Requirement Installed = {InstalledVersion, "Version", "Version"};
 constexpr Requirement Minimum = {MinVersion, "Existing Min Version", "Version"};
 constexpr Requirement Maximum = {MaxVersion, "Existing Max Version", "Version"};
 
-// With the engineering gate on, and off.
+// With and without the test for engineering firmware.
 constexpr std::array FirmwareVersionWindow = {Newer, Released, Installed, Minimum, Maximum};
-constexpr std::array FirmwareVersionWindowWithoutGate = {Newer, Installed, Minimum, Maximum};
+constexpr std::array FirmwareVersionWindowForAnyFirmware = {Newer, Installed, Minimum, Maximum};
 
 constexpr Requirement Optional(std::string_view key) {
   return {.key = key, .hardwareKey = key};
@@ -87,20 +87,20 @@ constexpr auto Joined(const std::array<Requirement, Sizes>&... tables) {
 
 // The table with each requirement marked as the type's own.
 template <std::size_t Size>
-constexpr auto Of(std::string_view type, std::array<Requirement, Size> table) {
+constexpr auto OwnedBy(std::string_view type, std::array<Requirement, Size> table) {
   for (auto& requirement : table) requirement.type = type;
   return table;
 }
 
 constexpr auto LegacyUsbc =
-    Of(PersonalityType::LegacyUsbc, Joined(FirmwareVersionWindow, LegacyUsbcOwn));
-constexpr auto Usbc = Joined(LegacyUsbc, Of(PersonalityType::Usbc, UsbcOwn));
+    OwnedBy(PersonalityType::LegacyUsbc, Joined(FirmwareVersionWindow, LegacyUsbcOwn));
+constexpr auto Usbc = Joined(LegacyUsbc, OwnedBy(PersonalityType::Usbc, UsbcOwn));
 constexpr auto LegacyThunderbolt =
-    Of(PersonalityType::LegacyThunderbolt,
-       Joined(FirmwareVersionWindowWithoutGate, LegacyThunderboltOwn));
+    OwnedBy(PersonalityType::LegacyThunderbolt,
+            Joined(FirmwareVersionWindowForAnyFirmware, LegacyThunderboltOwn));
 // The version window and "RID" are in it twice.
 constexpr auto Thunderbolt =
-    Joined(Usbc, LegacyThunderbolt, Of(PersonalityType::Thunderbolt, ThunderboltOwn));
+    Joined(Usbc, LegacyThunderbolt, OwnedBy(PersonalityType::Thunderbolt, ThunderboltOwn));
 
 std::partial_ordering Compare(const PropertyValue& a, const PropertyValue& b) {
   const auto integer = a.AsInteger();

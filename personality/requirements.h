@@ -14,13 +14,13 @@
 
 namespace fernwick {
 
-/// The requirements of the personality types as tables, and the function that tests one of them. A
-/// requirement is one test of a personality against a hardware record; the table of a type is the
-/// list of its requirements in the order in which they are tested; the first that fails decides. A
-/// table is composed at compile time and begins with those of the types that it includes, so what
-/// two of them test is listed twice.
+// The requirements of the personality types as tables, and the function that tests one of them. A
+// requirement is one test of a personality against a hardware record; the table of a type is the
+// list of its requirements in the order in which they are tested; the first that fails decides. A
+// table is composed at compile time and begins with those of the types that it includes, so what
+// two of them test is listed twice.
 
-/// The comparisons. The personality's value comes first, the hardware's second. An operand of
+/// The comparisons: the personality's value comes first, the hardware's second. An operand of
 /// another kind makes each of them false.
 bool NumbersEqual(const PropertyValue& a, const PropertyValue& b);
 bool NumberGreater(const PropertyValue& a, const PropertyValue& b);
@@ -47,7 +47,7 @@ enum class FailureReason {
 enum class RequirementTest {
   NewerVersion,      // than the installed one, unless the version check is bypassed
   ReleasedFirmware,  // is installed, unless the version check is bypassed
-  InstalledVersion,  // is known; only ever a diagnostic
+  InstalledVersion,  // reports that it is not known; never fails
   MinVersion,        // of the installed version, inclusive
   MaxVersion,
   MinBoardRevision,  // inclusive
@@ -80,7 +80,7 @@ struct RequirementContext {
   bool bypassVersionCheck = false;
 };
 
-/// The result of testing one requirement.
+/// The result of testing one requirement. A diagnostic may come without a failure.
 struct Verdict {
   std::optional<FailureReason> failure = std::nullopt;  // none: the requirement is met
   std::string_view diagnostic = {};                     // a line for standard error; empty: none
@@ -118,6 +118,9 @@ class ControllerCheck {
   RequirementContext context_;
   std::array<const PropertyValue*, MaxRequirements> found_;  // by each; null: absent
 };
+
+// The check of each type by its name, for callers that test one pair. All is as in ControllerCheck,
+// which the matcher uses.
 
 /// Whether a "LegacyUSBC" personality applies to a port: the version window and "Port Address".
 bool CheckLegacyUsbcRequirements(Dictionary personality, const RequirementContext& context,

@@ -189,7 +189,7 @@ const Rows OwnUsbcRows = {
      MissingUuid},
 };
 
-// Without the gate of engineering firmware.
+// Without the test for engineering firmware.
 const Rows LegacyThunderboltRows = {
     {NewerVersion, "Version", "Version", "LegacyThunderbolt"},
     {InstalledVersion, "Version", "Version", "LegacyThunderbolt"},

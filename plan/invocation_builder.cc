@@ -7,6 +7,7 @@
 #include "plan/value_conversions.h"
 #include "platform/file_system.h"
 #include "platform/platform_log.h"
+#include "registry/key_schema.h"
 #include "value/textual_dump.h"
 
 namespace fernwick {
@@ -16,13 +17,13 @@ enum class UtilityFamily { None, Ridge, Port };
 
 // Which EFI flashing utility serves the type.
 UtilityFamily FamilyOf(std::string_view type) {
-  if (type == PersonalityType::LegacyThunderbolt || type == PersonalityType::Thunderbolt) {
-    return UtilityFamily::Ridge;
+  switch (TypeNamed(type)) {
+    case Types::LegacyThunderbolt:
+    case Types::Thunderbolt: return UtilityFamily::Ridge;
+    case Types::LegacyUsbc:
+    case Types::Usbc: return UtilityFamily::Port;
+    default: return UtilityFamily::None;
   }
-  if (type == PersonalityType::LegacyUsbc || type == PersonalityType::Usbc) {
-    return UtilityFamily::Port;
-  }
-  return UtilityFamily::None;
 }
 
 // The utility's file in the PersonalitiesDirectory; a type without one leaves the bare directory.
@@ -55,71 +56,73 @@ std::string_view FlashingUtility(std::string_view type) {
   return UtilityFile(FamilyOf(type));
 }
 
-InvocationBuilder::InvocationBuilder(std::string directory,
+InvocationBuilder::InvocationBuilder(std::string personalitiesDirectory,
                                      const std::optional<std::string>& boardIdString)
-    : personalitiesDirectory(std::move(directory)),
-      boardDirectory(BoardDirectory(boardIdString, personalitiesDirectory)) {}
+    : personalitiesDirectory_(std::move(personalitiesDirectory)),
+      boardDirectory_(BoardDirectory(boardIdString, personalitiesDirectory_)) {}
 
 bool InvocationBuilder::AddMatch(const MatchRecord& match, PlanValues& plan, bool verbose,
                                  Console& console) {
   const std::string type(TextOf(match.Find("Personality Type")).value_or(AbsentText));
-  if (type != currentType) StartGroup(type);
+  if (type != invocation_.currentType) StartGroup(type);
   MergeNvram(match, plan);
   const auto family = FamilyOf(type);
   if (family != UtilityFamily::None) {
     const auto image = TextOf(match.Find("Firmware")).value_or("");
-    if (image.empty() || !boardDirectory) {
+    if (image.empty() || !boardDirectory_) {
       PlatformLog(console, "Error in personality: no firmware image to flash for type %@",
                   {std::string_view(type)});
       return false;
     }
     family == UtilityFamily::Ridge ? AddThunderboltOptions(match) : AddPortOptions();
-    Append(arguments, {"-payload", AppendPathComponent(*boardDirectory, image)});
+    Append(invocation_.arguments, {"-payload", AppendPathComponent(*boardDirectory_, image)});
   } else if (verbose) {
     console.Write("\t*** No supported platform type? (was using " + type + ")***\n");
     console.Flush();
   }
-  ++payloadIndex;
+  ++invocation_.payloadIndex;
   return true;
 }
 
 // The whole head is repeated for each group, deliberately: it must not be merged into one.
 void InvocationBuilder::StartGroup(std::string_view type) {
-  currentType = type;
-  Append(arguments, {"/usr/sbin/hallow", "-verbose", "-mount", "/"});
-  firmwarePath = personalitiesDirectory;
+  auto firmwarePath = personalitiesDirectory_;
   firmwarePath += FlashingUtility(type);
-  Append(arguments, {"-firmware", firmwarePath});
-  Append(trailer, {"-folder", "TBTH", "-options"});
-  payloadIndex = 0;
+  invocation_.currentType = type;
+  Append(invocation_.arguments,
+         {"/usr/sbin/hallow", "-verbose", "-mount", "/", "-firmware", firmwarePath});
+  Append(invocation_.trailer, {"-folder", "TBTH", "-options"});
+  invocation_.payloadIndex = 0;
 }
 
 void InvocationBuilder::AddThunderboltOptions(const MatchRecord& match) {
   const auto rid = std::to_string(Integer32Of(match.Find("RID")));
   const char* mode = Integer32Of(match.Find("Firmware Mode")) == 0 ? "-ee" : "-fs";
-  Append(optionTokens, {"-g", "-o", "-sr", rid, "0", mode, PayloadVariable()});
+  Append(invocation_.optionTokens, {"-g", "-o", "-sr", rid, "0", mode, PayloadVariable()});
 }
 
 void InvocationBuilder::AddPortOptions() {
-  Append(optionTokens, {"-g", "-os", "-o", "u", "-f", PayloadVariable()});
+  Append(invocation_.optionTokens, {"-g", "-os", "-o", "u", "-f", PayloadVariable()});
 }
 
 // The NVRAM variable that carries the payload.
 std::string InvocationBuilder::PayloadVariable() const {
-  return "efi-quince-payload" + std::to_string(payloadIndex) + "-data";
+  return "efi-quince-payload" + std::to_string(invocation_.payloadIndex) + "-data";
 }
 
 void InvocationBuilder::FinishInvocation() {
-  optionTokens.emplace_back("-noreset");
+  auto& arguments = invocation_.arguments;
+  const auto& trailer = invocation_.trailer;
   arguments.insert(arguments.end(), trailer.begin(), trailer.end());
-  arguments.push_back(JoinWithBlanks(optionTokens));
+  invocation_.optionTokens.emplace_back("-noreset");
+  arguments.push_back(JoinWithBlanks(invocation_.optionTokens));
 }
 
 void InvocationBuilder::PrintInvocation(Console& console) const {
   console.Write("Hallow Invocation:\n");
   console.Flush();
   console.Write("\t");
-  for (const auto& argument : arguments) {
+  for (const auto& argument : invocation_.arguments) {
     const bool containsBlank = argument.find(' ') != std::string::npos;
     console.Write(containsBlank ? "\"" + argument + "\"" : argument + " ");
   }

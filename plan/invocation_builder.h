@@ -38,22 +38,26 @@ class InvocationBuilder {
   void PrintInvocation(Console& console) const;
 
   /// The finished vector, program path first.
-  const std::vector<std::string>& Arguments() const { return arguments; }
+  const std::vector<std::string>& Arguments() const { return invocation_.arguments; }
 
  private:
+  // The vector while it is built.
+  struct Invocation {
+    std::vector<std::string> arguments;
+    std::vector<std::string> optionTokens;           // the words of the one options argument
+    std::vector<std::string> trailer;                // the words that close the vector
+    std::optional<std::string> currentType;          // of the group
+    std::uint32_t payloadIndex = ~std::uint32_t{0};  // in the group, whose start sets it to 0
+  };
+
   void StartGroup(std::string_view type);
   void AddThunderboltOptions(const MatchRecord& match);
   void AddPortOptions();
   std::string PayloadVariable() const;
 
-  std::string personalitiesDirectory;
-  std::optional<std::string> boardDirectory;
-  std::vector<std::string> arguments;
-  std::vector<std::string> optionTokens;  // the words of the one options argument
-  std::vector<std::string> trailer;       // the words that close the vector
-  std::optional<std::string> currentType;
-  std::string firmwarePath;  // the flashing utility of the current group
-  std::uint32_t payloadIndex = ~std::uint32_t{0};
+  std::string personalitiesDirectory_;
+  std::optional<std::string> boardDirectory_;
+  Invocation invocation_;
 };
 
 }  // namespace fernwick

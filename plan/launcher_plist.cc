@@ -5,7 +5,7 @@
 namespace fernwick {
 int WritePlan(Console& console, bool verbose, const std::vector<std::string>& arguments,
               const PlanValues& plan) {
-  // Never so today: the builder always adds the options argument.
+  // Unreachable in a run: the builder always adds the options argument.
   if (arguments.empty()) return 1;
   if (verbose) console.Write("\n\nResulting Kestrel Plist:\n\n");
   const std::vector<PropertyValue> words(arguments.begin(), arguments.end());

@@ -5,7 +5,7 @@
 
 namespace fernwick {
 
-/// For verbose output only. Each line is flushed.
+// For verbose output only. Each line is flushed.
 
 /// The line above the first match.
 void PrintMatchReportHeader(Console& console);

@@ -9,7 +9,7 @@
 
 namespace fernwick {
 
-/// How the report and the plan convert the values of a match record. Null is an absent value.
+// How the report and the plan convert the values of a match record. Null is an absent value.
 
 /// 64 bits in two's-complement form; a narrower integer is its low bits. A number is converted as
 /// by ToSigned64Bits; a text is the decimal number at its start, saturated; anything else and an

@@ -16,9 +16,6 @@
 namespace fernwick {
 namespace {
 
-// Up to this size comparing keys with each other costs less than sorting them.
-constexpr std::size_t FewEntries = 32;
-
 // The bit of a key in the Bloom filter: computed from its length and its first and last byte.
 std::uint64_t FilterBitOf(std::string_view key) {
   if (key.empty()) return 1;
@@ -96,7 +93,7 @@ bool operator==(const PropertyValue& a, const PropertyValue& b) {
   if (a.kind_ != b.kind_) return false;
   switch (a.kind_) {
     case Kind::Dictionary: return a.AsDictionary() == b.AsDictionary();
-    case Kind::Sequence: return a.AsArray() == b.AsArray();
+    case Kind::Array: return a.AsArray() == b.AsArray();
     case Kind::String:
     case Kind::Data: return a.Bytes() == b.Bytes();
     case Kind::Integer: return a.AsInteger() == b.AsInteger();

@@ -91,7 +91,7 @@ class PropertyValue {
   PropertyValue(Dictionary value)  // NOLINT: each kind is a value
       : content_{.entries = value.entries_}, size_(value.size_), kind_(Kind::Dictionary) {}
   PropertyValue(Array value)  // NOLINT
-      : content_{.elements = value.elements_}, size_(value.size_), kind_(Kind::Sequence) {}
+      : content_{.elements = value.elements_}, size_(value.size_), kind_(Kind::Array) {}
   PropertyValue(std::string_view text)  // NOLINT
       : PropertyValue(Kind::String, text) {}
   PropertyValue(const char* text) : PropertyValue(std::string_view(text)) {}  // NOLINT
@@ -116,7 +116,7 @@ class PropertyValue {
     return Dictionary(content_.entries, size_);
   }
   std::optional<Array> AsArray() const {
-    if (kind_ != Kind::Sequence) return std::nullopt;
+    if (kind_ != Kind::Array) return std::nullopt;
     return Array(content_.elements, size_);
   }
   std::optional<std::string_view> AsString() const {
@@ -156,7 +156,7 @@ class PropertyValue {
   auto Visit(Visitor&& visitor) const {
     switch (kind_) {
       case Kind::Dictionary: return visitor(Dictionary(content_.entries, size_));
-      case Kind::Sequence: return visitor(Array(content_.elements, size_));
+      case Kind::Array: return visitor(Array(content_.elements, size_));
       case Kind::String: return visitor(Bytes());
       case Kind::Integer: return visitor(Integer::OfBits(content_.bits, isNegative_));
       case Kind::Real: return visitor(content_.real);
@@ -170,16 +170,7 @@ class PropertyValue {
   friend bool operator==(const PropertyValue& a, const PropertyValue& b);
 
  private:
-  enum class Kind : std::uint8_t {
-    Dictionary,
-    Sequence,
-    String,
-    Integer,
-    Real,
-    Boolean,
-    Data,
-    Date
-  };
+  enum class Kind : std::uint8_t { Dictionary, Array, String, Integer, Real, Boolean, Data, Date };
 
   union Content {
     const DictionaryEntry* entries;  // size_ of them
@@ -234,6 +225,9 @@ inline const PropertyValue* Dictionary::Find(std::string_view key) const {
   }
   return nullptr;
 }
+
+/// Up to this many entries, comparing their keys with each other costs less than sorting them.
+inline constexpr std::size_t FewEntries = 32;
 
 /// Removes repeated keys in place: a key that occurs twice keeps its first position and its last
 /// value. Returns the entries that remain, at the front of `entries`. Costs n log n for n entries,

@@ -3,12 +3,6 @@
 #include <algorithm>
 
 namespace fernwick {
-namespace {
-
-// Up to this size setting entries one by one costs less than sorting all keys.
-constexpr std::size_t FewEntries = 32;
-
-}  // namespace
 
 Record::Record(std::initializer_list<DictionaryEntry> entries) : entries_(entries) {
   entries_.resize(WithoutRepeatedKeys(entries_).size());

@@ -45,7 +45,7 @@ void CountAll(const Explanation& explanation, Counts& counts) {
   Count(NameOf(explanation.end), counts);
   for (const auto& key : explanation.keys) {
     if (key.type == Types::None) Count("no type", counts);
-    if (key.type != Types::None && !key.hasShape) Count("wrong shape", counts);
+    if (key.type != Types::None && !key.hasExpectedShape) Count("wrong shape", counts);
     for (const auto& skip : key.skipped) Count(NameOf(skip.reason), counts);
     for (const auto& personality : key.personalities) {
       if (!personality.unread.empty()) Count("unread", counts);

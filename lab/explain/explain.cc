@@ -54,6 +54,12 @@ struct ExplainArguments {
   std::size_t nearest = 0;
 };
 
+std::vector<std::string> AllTypeNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, type] : NamedTypes) names.emplace_back(name);
+  return names;
+}
+
 CommandLine CommandLineOf(ExplainArguments& into) {
   return {
       .verb = "explain",
@@ -74,7 +80,7 @@ CommandLine CommandLineOf(ExplainArguments& into) {
            .target = &into.types,
            .help = "only personalities of this type; may be repeated",
            .valueName = "TYPE",
-           .choices = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"}},
+           .choices = AllTypeNames()},
           {.name = "--controller",
            .target = &into.controller,
            .help = "only the controllers with this name or path",

@@ -3,33 +3,18 @@
 #include <algorithm>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "lab/recordings/entry_path.h"
 #include "personality/personality.h"
 
+// For each controller the failures of all its pairs are counted, and where there are more pairs
+// than are wanted, quickselect (nth_element) finds those that are nearest to a match; only of these
+// the failures are computed again and kept. O(pairs x requirements) for each controller, memory
+// linear in the pairs of one controller and in what is kept.
+
 namespace fernwick::lab {
 namespace {
-
-// The locations of the keys of a dictionary; of one that occurs twice the last, whose value counts.
-class KeyLocations {
- public:
-  // Null: no location is known.
-  explicit KeyLocations(const ValueLocation* dictionary) {
-    if (dictionary == nullptr) return;
-    for (const auto& entry : dictionary->entries) locations_[entry.key] = &entry;
-  }
-
-  // Null when it is not known.
-  const KeyLocation* Find(std::string_view key) const {
-    const auto location = locations_.find(key);
-    return location == locations_.end() ? nullptr : location->second;
-  }
-
- private:
-  std::unordered_map<std::string_view, const KeyLocation*> locations_;
-};
 
 std::string_view NameOf(const Recording& recording, RegistryEntry entry) {
   return recording.entries[entry - 1].name;
@@ -94,7 +79,7 @@ class KeyExplainer {
     ExplainedKey key = {.key = trace.key,
                         .location = LocationOf(location),
                         .type = TypeNamed(trace.key),
-                        .hasShape = candidates.has_value(),
+                        .hasExpectedShape = candidates.has_value(),
                         .isSelected = IsSelected(TypeNamed(trace.key), filter_),
                         .value = value,
                         .controllerCount = trace.inventory.records.size()};
@@ -190,7 +175,7 @@ class KeyExplainer {
     }
     if (pairs.size() <= pairsOfEach_) return pairs;
     const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>(pairsOfEach_);
-    std::ranges::nth_element(pairs, middle, IsReadBefore);
+    std::ranges::nth_element(pairs, middle, IsShownBefore);
     pairs.erase(middle, pairs.end());
     std::ranges::sort(pairs, {}, &ExplainedPair::personality);
     return pairs;
@@ -208,9 +193,9 @@ class KeyExplainer {
 
   void ExplainFailures(TypeSet type, const RecordSource& source, ExplainedController& controller,
                        ExplainedPair& pair) const {
+    const KeyLocations locations(locations_[pair.personality]);
     for (const auto& failed : FailuresOf(type, pair, controller.record)) {
-      const auto* at = locations_[pair.personality];
-      const auto* key = at == nullptr ? nullptr : FindKey(*at, failed.requirement->key);
+      const auto* key = locations.Find(failed.requirement->key);
       pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
       const auto hardwareKey = failed.requirement->hardwareKey;
       auto [sources, isNew] = controller.sources.try_emplace(hardwareKey);
@@ -240,7 +225,7 @@ class KeyExplainer {
 
 }  // namespace
 
-bool IsReadBefore(const ExplainedPair& a, const ExplainedPair& b) {
+bool IsShownBefore(const ExplainedPair& a, const ExplainedPair& b) {
   const auto rank = [](const ExplainedPair& pair) {
     return std::tuple(pair.outcome, pair.distance, pair.personality);
   };

@@ -17,9 +17,9 @@ std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFil
                                       const ExplainedSource& boardRevision,
                                       const ExplainFilter& filter);
 
-/// The order in which pairs are read: matches, then rejections, the nearest to a match first;
+/// The order in which pairs are shown: matches, then rejections, the nearest to a match first;
 /// otherwise that of the file.
-bool IsReadBefore(const ExplainedPair& a, const ExplainedPair& b);
+bool IsShownBefore(const ExplainedPair& a, const ExplainedPair& b);
 
 /// The value of a property of an entry of the service plane.
 ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source);

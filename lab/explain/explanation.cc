@@ -52,13 +52,13 @@ SetSwitch WhereSet(const Recording& recording, std::string_view name) {
 
 // Found at or below the root of the device tree; without it the revision is 0.
 ExplainedSource BoardRevisionSource(Registry& registry) {
-  const std::string path = "IODeviceTree:/";
-  const auto root = registry.LookupEntryByPath(path);
-  const auto value = registry.SearchProperty(root, "IODeviceTree", "board-rev", SearchRecursively);
+  const auto root = registry.LookupEntryByPath(DeviceTreeRoot);
+  const auto value =
+      registry.SearchProperty(root, DeviceTreePlane, BoardRevisionProperty, SearchRecursively);
   const auto bytes = value ? value->AsData() : std::nullopt;
-  return {.path = path,
+  return {.path = std::string(DeviceTreeRoot),
           .name = "the device tree",
-          .property = "board-rev",
+          .property = BoardRevisionProperty,
           .value = value,
           .conversion = bytes && !bytes->empty() ? "its first byte" : "counts as 0"};
 }

@@ -94,13 +94,13 @@ struct ExplainedPersonality {
 struct ExplainedKey {
   std::string_view key;
   std::optional<FileLocation> location;
-  TypeSet type;   // Types::None: the key is not read
-  bool hasShape;  // its value is of the shape that the type needs
+  TypeSet type;           // Types::None: the key is not read
+  bool hasExpectedShape;  // its value is of the shape that the type needs
   bool isSelected;
   PropertyValue value;
   std::vector<ExplainedPersonality> personalities = {};
   std::vector<ExplainedController> controllers = {};  // the selected ones
-  std::vector<ExplainedSkip> skipped = {};            // as well
+  std::vector<ExplainedSkip> skipped = {};            // the selected ones
   std::size_t controllerCount = 0;                    // of the inventory
 };
 

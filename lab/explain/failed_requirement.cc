@@ -6,6 +6,11 @@
 #include "lab/support/controller_values.h"
 #include "lab/support/words.h"
 
+// Full evaluation of a requirement table and, for an installed version that is not known, a
+// feasibility test: limits are added in the order "Version", minimum, maximum; one that leaves no
+// version that can be reported is itself the failure and is not added. O(requirements), and a
+// binary search of the scale of versions for each limit.
+
 namespace fernwick::lab {
 namespace {
 
@@ -15,7 +20,7 @@ std::optional<PropertyValue> ValueIn(Dictionary dictionary, std::string_view key
 }
 
 // A failure and where its personality's value is, in words.
-struct Sides {
+struct FailureWording {
   const FailedRequirement& failure;
   const std::optional<FileLocation>& location;
 
@@ -48,7 +53,7 @@ struct Sides {
   }
 
   std::string WrongKindText() const {
-    const auto* key = fernwick::FindKey(failure.requirement->key);
+    const auto* key = FindKey(failure.requirement->key);
     const bool isOfBoard = failure.requirement->hardwareKey.empty();
     const auto found = failure.found ? Found() : "none";
     return Wanted() + " is not " + std::string(WordsFor(key->kind)) + "; the " +
@@ -108,9 +113,9 @@ VersionScales ScalesOf(TypeSet type, Dictionary hardware) {
 }
 
 // The failure that a bound of the version would still be once the controller reported one.
-std::optional<FailureReason> ReasonWithAnyVersion(TypeSet type, const Requirement& requirement,
-                                                  Dictionary personality,
-                                                  const RequirementContext& context) {
+std::optional<FailureReason> ReasonForEveryVersion(TypeSet type, const Requirement& requirement,
+                                                   Dictionary personality,
+                                                   const RequirementContext& context) {
   const bool isMinimum = requirement.test == RequirementTest::MinVersion;
   if (!isMinimum && requirement.test != RequirementTest::MaxVersion) return std::nullopt;
   const bool isCompared = context.hardware.Find(requirement.hardwareKey) != nullptr;
@@ -130,7 +135,7 @@ std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary perso
   std::vector<FailedRequirement> failures;
   for (const auto& requirement : RequirementsOf(type)) {
     auto reason = Test(requirement, personality, context).failure;
-    if (!reason) reason = ReasonWithAnyVersion(type, requirement, personality, context);
+    if (!reason) reason = ReasonForEveryVersion(type, requirement, personality, context);
     const auto isSame = [&](const FailedRequirement& failure) {
       return failure.requirement->key == requirement.key && failure.reason == reason;
     };
@@ -153,22 +158,22 @@ Distance DistanceOf(std::span<const FailedRequirement> failures) {
 
 std::string FailureText(const FailedRequirement& failure,
                         const std::optional<FileLocation>& location) {
-  const Sides sides{failure, location};
+  const FailureWording wording{failure, location};
   switch (failure.reason) {
-    case FailureReason::PersonalityLacksKey: return "is missing; " + sides.FoundText();
+    case FailureReason::PersonalityLacksKey: return "is missing; " + wording.FoundText();
     case FailureReason::HardwareLacksKey:
-      return sides.WantedText() + ", but the controller has none";
-    case FailureReason::WrongKind: return sides.WrongKindText();
-    case FailureReason::Unequal: return sides.WantedText() + ", finds " + sides.Found();
-    case FailureReason::NotNewer: return sides.NotNewerText();
-    case FailureReason::EngineeringFirmware: return sides.EngineeringText();
-    case FailureReason::AboveInstalled: return sides.BoundText("above");
-    case FailureReason::BelowInstalled: return sides.BoundText("below");
+      return wording.WantedText() + ", but the controller has none";
+    case FailureReason::WrongKind: return wording.WrongKindText();
+    case FailureReason::Unequal: return wording.WantedText() + ", finds " + wording.Found();
+    case FailureReason::NotNewer: return wording.NotNewerText();
+    case FailureReason::EngineeringFirmware: return wording.EngineeringText();
+    case FailureReason::AboveInstalled: return wording.BoundText("above");
+    case FailureReason::BelowInstalled: return wording.BoundText("below");
     case FailureReason::AboveBoardRevision:
-      return sides.Wanted() + " is above the board's revision " + sides.Found();
+      return wording.Wanted() + " is above the board's revision " + wording.Found();
     case FailureReason::BelowBoardRevision: break;
   }
-  return sides.Wanted() + " is below the board's revision " + sides.Found();
+  return wording.Wanted() + " is below the board's revision " + wording.Found();
 }
 
 std::string AtLocation(const std::optional<FileLocation>& location) {

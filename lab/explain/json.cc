@@ -105,7 +105,7 @@ void PrintKey(const ExplainedKey& key, JsonStream& stream) {
   stream.AddMembers({{"key", key.key},
                      {"place", LocationJson(key.location)},
                      {"isType", key.type != Types::None},
-                     {"hasShape", key.hasShape},
+                     {"hasShape", key.hasExpectedShape},
                      {"personalities", ListOf(key.personalities, PersonalityJson)},
                      {"passedOver", ListOf(key.skipped, SkipJson)}});
   stream.Begin("controllers", '[');

@@ -143,7 +143,7 @@ std::string MissingImageText(const Explanation& explanation) {
 
 std::string KeySummary(const ExplainedKey& key) {
   if (key.type == Types::None) return "names no type and is not read";
-  if (!key.hasShape) {
+  if (!key.hasExpectedShape) {
     const bool isSingle = key.type == Types::LegacyUsbc;
     return "is " + std::string(KindOf(key.value)) + " where the type needs " +
            (isSingle ? "one dictionary" : "an array of dictionaries") + "; nothing matches";

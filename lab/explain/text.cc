@@ -18,10 +18,10 @@ constexpr std::size_t PairWidth = 17;
 constexpr std::size_t MaxUnread = 100;
 
 // O(n log n).
-std::vector<const ExplainedPair*> InReadingOrder(const std::vector<ExplainedPair>& pairs) {
+std::vector<const ExplainedPair*> InDisplayOrder(const std::vector<ExplainedPair>& pairs) {
   std::vector<const ExplainedPair*> order;
   for (const auto& pair : pairs) order.push_back(&pair);
-  std::ranges::sort(order, [](auto* a, auto* b) { return IsReadBefore(*a, *b); });
+  std::ranges::sort(order, [](auto* a, auto* b) { return IsShownBefore(*a, *b); });
   return order;
 }
 
@@ -174,7 +174,7 @@ class KeyWriter : LineWriter {
     if (!key.isSelected) return;
     Line("");
     Line(Bold(PrintableText(key.key)) + AtLocation(key.location) + ": " + KeySummary(key));
-    if (key.type == Types::None || !key.hasShape) return;
+    if (key.type == Types::None || !key.hasExpectedShape) return;
     for (const auto& skip : key.skipped) Line(SkipText(key, skip), 2);
     for (const auto& controller : key.controllers) WriteController(key, controller);
     WriteUnread(key);
@@ -187,7 +187,7 @@ class KeyWriter : LineWriter {
              ControllerName(controller) + Traits(controller.record),
          2);
     Line(PrintableText(controller.path), 4);
-    for (const auto* pair : InReadingOrder(controller.pairs)) WritePair(key, controller, *pair);
+    for (const auto* pair : InDisplayOrder(controller.pairs)) WritePair(key, controller, *pair);
     if (controller.otherPairs > 0) Line(OtherPairsText(controller), 4);
   }
 

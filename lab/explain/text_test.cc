@@ -26,7 +26,7 @@ Explanation EveryOutcome() {
   ExplainedKey key = {.key = "USBC",
                       .location = FileLocation{2, 1, 0},
                       .type = Types::Usbc,
-                      .hasShape = true,
+                      .hasExpectedShape = true,
                       .isSelected = true,
                       .value = Array(),
                       .controllerCount = 1};

@@ -9,10 +9,6 @@
 
 namespace fernwick::lab {
 
-/// The names of the switches that a computer may set.
-inline constexpr std::string_view UpdatesSwitch = "fernwick_bypass_usbc_updates";
-inline constexpr std::string_view VersionSwitch = "fernwick_bypassversioncheck";
-
 /// A recorded computer that can be changed a little, to try what the tool would do then.
 class TrialRegistry : public RecordedRegistry {
  public:

@@ -8,8 +8,7 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::string_view Switches[] = {"fernwick_bypass_usbc_updates",
-                                         "fernwick_bypassversioncheck"};
+constexpr std::string_view Switches[] = {UpdatesSwitch, VersionSwitch};
 
 // A computer with one NVRAM variable and nothing else.
 class OneVariable final : public Registry {

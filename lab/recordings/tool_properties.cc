@@ -2,19 +2,15 @@
 
 #include <algorithm>
 
+#include "driver/bypass_switch.h"
 #include "registry/key_schema.h"
 
 namespace fernwick::lab {
 namespace {
 
 // Those that become no key of a hardware record.
-constexpr std::string_view OtherProperties[] = {"board-id",
-                                                "board-rev",
-                                                "boot-args",
-                                                "Depth",
-                                                "Route String",
-                                                "fernwick_bypass_usbc_updates",
-                                                "fernwick_bypassversioncheck"};
+constexpr std::string_view OtherProperties[] = {
+    "board-id", "board-rev", "boot-args", "Depth", "Route String", UpdatesSwitch, VersionSwitch};
 
 }  // namespace
 

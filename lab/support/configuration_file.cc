@@ -68,11 +68,14 @@ Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path) {
   return ConfigurationFile(*std::move(reading.list), reading.serialisation, std::move(locations));
 }
 
-const KeyLocation* FindKey(const ValueLocation& dictionary, std::string_view key) {
-  const auto& entries = dictionary.entries;
-  const auto last = std::find_if(entries.rbegin(), entries.rend(),
-                                 [&](const KeyLocation& entry) { return entry.key == key; });
-  return last == entries.rend() ? nullptr : &*last;
+KeyLocations::KeyLocations(const ValueLocation* dictionary) {
+  if (dictionary == nullptr) return;
+  for (const auto& entry : dictionary->entries) locations_[entry.key] = &entry;
+}
+
+const KeyLocation* KeyLocations::Find(std::string_view key) const {
+  const auto location = locations_.find(key);
+  return location == locations_.end() ? nullptr : location->second;
 }
 
 const ValueLocation* FindElement(const ValueLocation& array, std::size_t index) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "lab/support/messages.h"
@@ -51,11 +52,22 @@ class ConfigurationFile {
 /// Reads a configuration with the locations of its values, a dictionary or not.
 Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path);
 
-/// The location of the key in a dictionary; of one that occurs twice the last, whose value counts.
-/// Null when it is not known, as for the keys of a dictionary that a binary file shares.
-const KeyLocation* FindKey(const ValueLocation& dictionary, std::string_view key);
+/// The locations of the keys of a dictionary; of one that occurs twice the last, whose value
+/// counts. A hash table: linear to build, and a search costs the same in a dictionary of any size.
+/// Views the dictionary's location, which must outlive it.
+class KeyLocations {
+ public:
+  /// Without a dictionary (null) there are none.
+  explicit KeyLocations(const ValueLocation* dictionary);
 
-/// The location of the element in an array. Null when it is not known.
+  /// Null when the dictionary has no such key.
+  const KeyLocation* Find(std::string_view key) const;
+
+ private:
+  std::unordered_map<std::string_view, const KeyLocation*> locations_;
+};
+
+/// The location of the element in an array. Null when the array has no such element.
 const ValueLocation* FindElement(const ValueLocation& array, std::size_t index);
 
 }  // namespace fernwick::lab

@@ -22,12 +22,13 @@ constexpr char Xml[] =
 TEST(ConfigurationFile, NamesLocationsByLineAndColumn) {
   const auto file = *Load(Xml);
   EXPECT_EQ(Describe(file.LocationOf(file.Root().offset)), "2:1");
-  const auto* key = FindKey(file.Root(), "USBC");
+  const auto* key = KeyLocations(&file.Root()).Find("USBC");
   ASSERT_NE(key, nullptr);
   EXPECT_EQ(Describe(file.LocationOf(key->offset)), "5:2");
   EXPECT_EQ(Describe(file.LocationOf(key->value.offset)), "6:1");
   EXPECT_EQ(Describe(file.LocationOf(FindElement(key->value, 0)->offset)), "6:8");
-  EXPECT_EQ(Describe(file.LocationOf(FindKey(file.Root(), "\xC3\xA4")->value.offset)), "3:14");
+  EXPECT_EQ(Describe(file.LocationOf(KeyLocations(&file.Root()).Find("\xC3\xA4")->value.offset)),
+            "3:14");
 }
 
 TEST(ConfigurationFile, NamesEveryLocationAsAnErrorThereWouldBe) {
@@ -65,17 +66,17 @@ TEST(ConfigurationFile, KeepsWhatItHasWhenItIsMoved) {
   const auto& [key, value] = moved.Value().AsDictionary()->Entries()[1];
   EXPECT_EQ(key, "USBC");
   EXPECT_EQ(value.AsArray()->size(), 1u);
-  EXPECT_EQ(Describe(moved.LocationOf(FindKey(moved.Root(), "USBC")->offset)), "5:2");
+  EXPECT_EQ(Describe(moved.LocationOf(KeyLocations(&moved.Root()).Find("USBC")->offset)), "5:2");
 }
 
 TEST(ConfigurationFile, FindsTheLastOfAKeyThatOccursTwice) {
   const auto file = *Load("{ a = b; a = c; }");
-  EXPECT_EQ(Describe(file.LocationOf(FindKey(file.Root(), "a")->offset)), "1:10");
+  EXPECT_EQ(Describe(file.LocationOf(KeyLocations(&file.Root()).Find("a")->offset)), "1:10");
 }
 
 TEST(ConfigurationFile, FindsNothingThatIsNotThere) {
   const auto file = *Load("( x )");
-  EXPECT_EQ(FindKey(file.Root(), "x"), nullptr);
+  EXPECT_EQ(KeyLocations(&file.Root()).Find("x"), nullptr);
   EXPECT_EQ(FindElement(file.Root(), 1), nullptr);
 }
 

@@ -3,9 +3,8 @@
 namespace fernwick {
 namespace {
 
-constexpr std::size_t HeaderSize = 8;
+constexpr std::size_t HeaderSize = BinaryHeader.size();
 constexpr std::size_t TrailerSize = 32;
-constexpr std::string_view Header = "bplist00";
 
 bool IsWidth(std::uint64_t width) {
   return width >= 1 && width <= 8;
@@ -20,7 +19,8 @@ std::uint64_t BigEndianNumber(std::string_view bytes) {
 }
 
 bool BinaryLayout::Read(std::string_view file, ParseFault& fault) {
-  if (!file.starts_with(Header)) return fault.Set(7, "the version is not \"00\"");
+  if (!file.starts_with(BinaryHeader))
+    return fault.Set(BinarySignature.size(), "the version is not \"00\"");
   if (file.size() < HeaderSize + TrailerSize)
     return fault.Set(file.size(), "the file is cut short");
   file_ = file;

@@ -20,6 +20,39 @@ namespace fernwick {
 /// What begins with this is a binary property list, whatever its version.
 inline constexpr std::string_view BinarySignature = "bplist0";
 
+/// The header: the signature and the one version that is read and written.
+inline constexpr std::string_view BinaryHeader = "bplist00";
+
+/// The kinds of object, in the high four bits of the marker byte that an object begins with. The
+/// low four are the count of bytes, units or elements, or CountFollows before a count of its own;
+/// of an integer and a real the base-2 logarithm of the width.
+enum class ObjectKind : std::uint8_t {
+  Simple = 0x0,
+  Integer = 0x1,
+  Real = 0x2,
+  Date = 0x3,
+  Data = 0x4,
+  AsciiString = 0x5,
+  Utf16String = 0x6,
+  Uid = 0x8,
+  Array = 0xA,
+  Set = 0xC,
+  Dictionary = 0xD,
+};
+
+/// In the low four bits of a marker: the count follows, as an integer object.
+inline constexpr std::uint8_t CountFollows = 0xF;
+
+/// Whole marker bytes.
+namespace BinaryMarker {
+inline constexpr std::uint8_t Null = 0x00;
+inline constexpr std::uint8_t False = 0x08;
+inline constexpr std::uint8_t True = 0x09;
+inline constexpr std::uint8_t WideInteger = 0x14;  // of 16 bytes
+inline constexpr std::uint8_t Double = 0x23;
+inline constexpr std::uint8_t Date = 0x33;
+}  // namespace BinaryMarker
+
 /// The table of contents of a file whose header and trailer have been checked against its size.
 class BinaryLayout {
  public:

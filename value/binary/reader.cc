@@ -29,30 +29,9 @@
 namespace fernwick {
 namespace {
 
-// How far the counts of what is reached may exceed the size of the file in bytes.
-constexpr std::uint64_t SharedValues = std::uint64_t{1} << 16;
-constexpr std::uint64_t SharedBytes = std::uint64_t{1} << 26;
-
-// The kinds of object that a marker byte can begin, in its high four bits.
-enum class ObjectKind : std::uint8_t {
-  Simple = 0x0,
-  Integer = 0x1,
-  Real = 0x2,
-  Date = 0x3,
-  Data = 0x4,
-  AsciiString = 0x5,
-  Utf16String = 0x6,
-  Uid = 0x8,
-  Array = 0xA,
-  Set = 0xC,
-  Dictionary = 0xD,
-};
-
-constexpr std::uint8_t NullMarker = 0x00;
-constexpr std::uint8_t FalseMarker = 0x08;
-constexpr std::uint8_t TrueMarker = 0x09;
-constexpr std::uint8_t DateMarker = 0x33;
-constexpr std::uint8_t CountFollows = 0xF;
+// By how much the counts of what is reached may exceed the size of the file in bytes.
+constexpr std::uint64_t ExtraValues = std::uint64_t{1} << 16;
+constexpr std::uint64_t ExtraBytes = std::uint64_t{1} << 26;
 
 // A decoded marker byte, and where the bytes after it begin.
 struct Object {
@@ -91,7 +70,7 @@ class BinaryObjects {
   bool Locate(std::uint64_t number, std::size_t referrer, Object& object) {
     if (number >= layout_.ObjectCount()) return Fail(referrer, "a reference to no object");
     const std::uint64_t offset = layout_.OffsetOf(number);
-    if (offset < BinarySignature.size() + 1 || offset >= layout_.EndOfObjects()) {
+    if (offset < BinaryHeader.size() || offset >= layout_.EndOfObjects()) {
       return Fail(referrer, "an object lies outside the file");
     }
     const auto at = static_cast<std::size_t>(offset);
@@ -135,11 +114,11 @@ class BinaryObjects {
 };
 
 bool ReadSimple(BinaryObjects& objects, const Object& object, PropertyValue& value) {
-  if (object.marker == NullMarker)
+  if (object.marker == BinaryMarker::Null)
     return objects.Fail(object.offset, "null is no property-list value");
-  if (object.marker != FalseMarker && object.marker != TrueMarker)
+  if (object.marker != BinaryMarker::False && object.marker != BinaryMarker::True)
     return objects.FailUnknown(object);
-  value = object.marker == TrueMarker;
+  value = object.marker == BinaryMarker::True;
   return true;
 }
 
@@ -180,7 +159,7 @@ bool ReadReal(BinaryObjects& objects, const Object& object, PropertyValue& value
 
 bool ReadDate(BinaryObjects& objects, const Object& object, PropertyValue& value) {
   std::string_view bytes;
-  if (object.marker != DateMarker) return objects.FailUnknown(object);
+  if (object.marker != BinaryMarker::Date) return objects.FailUnknown(object);
   if (!objects.Bytes(object, 8, bytes)) return false;
   const auto date = DateFromSecondsSince2001(std::bit_cast<double>(BigEndianNumber(bytes)));
   if (!date) return objects.Fail(object.offset, "a date lies outside the years 1 to 9999");
@@ -189,9 +168,9 @@ bool ReadDate(BinaryObjects& objects, const Object& object, PropertyValue& value
 }
 
 // Reads keys, strings and data, and counts their bytes each time one is reached.
-class BinaryTexts {
+class BinaryLeaves {
  public:
-  BinaryTexts(BinaryObjects& objects, Arena& arena) : objects_(objects), arena_(arena) {}
+  BinaryLeaves(BinaryObjects& objects, Arena& arena) : objects_(objects), arena_(arena) {}
 
   // REQUIRES: the layout has been read; called once, before all else.
   void Prepare() { isChecked_.resize(static_cast<std::size_t>(objects_.Layout().ObjectCount())); }
@@ -220,7 +199,7 @@ class BinaryTexts {
  private:
   // Counts the bytes of a key, a string or data as they are in the file.
   bool CountBytes(std::size_t offset, std::uint64_t count) {
-    if (count > objects_.File().size() + SharedBytes - bytes_) {
+    if (count > objects_.File().size() + ExtraBytes - bytes_) {
       return objects_.Fail(offset,
                            "more bytes of keys, strings and data than the size of the file allows");
     }
@@ -230,10 +209,10 @@ class BinaryTexts {
 
   // Counts the bytes of a UTF-16 string that is decoded for the first time. Strings that do not
   // overlap fit into the file together; overlapping ones could decode to any amount of text.
-  bool CountText(const Object& object, std::string_view bytes) {
-    if (bytes.size() > objects_.File().size() - textBytes_)
+  bool CountDecodedUtf16(const Object& object, std::string_view bytes) {
+    if (bytes.size() > objects_.File().size() - decodedBytes_)
       return objects_.Fail(object.offset, "strings overlap");
-    textBytes_ += bytes.size();
+    decodedBytes_ += bytes.size();
     return true;
   }
 
@@ -269,7 +248,7 @@ class BinaryTexts {
   }
 
   bool DecodeUtf16Text(const Object& object, std::string_view bytes, std::string_view& text) {
-    if (!CountText(object, bytes)) return false;
+    if (!CountDecodedUtf16(object, bytes)) return false;
     const auto transcoded = TranscodeUtf16(bytes, ByteOrder::BigEndian);
     if (transcoded.invalidAt != npos) return objects_.Fail(object.offset, "a string is not UTF-16");
     if (FindInvalidText(transcoded.text) != npos) return FailNotXmlCharacter(object);
@@ -284,9 +263,9 @@ class BinaryTexts {
 
   BinaryObjects& objects_;
   Arena& arena_;
-  std::uint64_t bytes_ = 0;      // of keys, strings and data reached so far
-  std::uint64_t textBytes_ = 0;  // of UTF-16 strings decoded so far
-  std::vector<bool> isChecked_;  // by object: an ASCII string that has been validated
+  std::uint64_t bytes_ = 0;         // of keys, strings and data reached so far
+  std::uint64_t decodedBytes_ = 0;  // of UTF-16 strings decoded so far
+  std::vector<bool> isChecked_;     // by object: an ASCII string that has been validated
   // The decoded UTF-16 strings, by offset. A tree and not a hash table: the file chooses the
   // offsets and could make them collide.
   std::map<std::size_t, std::string_view> decodedTexts_;
@@ -295,7 +274,7 @@ class BinaryTexts {
 class BinaryPropertyListReader {
  public:
   BinaryPropertyListReader(std::string_view file, Arena& arena, LocationBuilder* locations)
-      : objects_(file), texts_(objects_, arena), arena_(arena), locations_(locations) {}
+      : objects_(file), leaves_(objects_, arena), arena_(arena), locations_(locations) {}
 
   Result<PropertyValue> Read() {
     PropertyValue value;
@@ -306,7 +285,7 @@ class BinaryPropertyListReader {
  private:
   bool ReadFile(PropertyValue& value) {
     if (!objects_.ReadLayout()) return false;
-    texts_.Prepare();
+    leaves_.Prepare();
     isOpen_.resize(static_cast<std::size_t>(objects_.Layout().ObjectCount()));
     return ReadValue(objects_.Layout().TopObject(), TopObjectReference(), value);
   }
@@ -329,9 +308,9 @@ class BinaryPropertyListReader {
       case ObjectKind::Integer: return ReadInteger(objects_, object, value);
       case ObjectKind::Real: return ReadReal(objects_, object, value);
       case ObjectKind::Date: return ReadDate(objects_, object, value);
-      case ObjectKind::Data: return texts_.ReadData(object, value);
+      case ObjectKind::Data: return leaves_.ReadData(object, value);
       case ObjectKind::AsciiString:
-      case ObjectKind::Utf16String: return texts_.ReadString(object, value);
+      case ObjectKind::Utf16String: return leaves_.ReadString(object, value);
       case ObjectKind::Array:
       case ObjectKind::Dictionary: return ReadContainer(object, value);
       case ObjectKind::Uid: return objects_.Fail(object.offset, "a UID is no property-list value");
@@ -342,7 +321,7 @@ class BinaryPropertyListReader {
 
   // Counts values before memory is allocated for them.
   bool CountValues(std::size_t offset, std::uint64_t count) {
-    if (count > objects_.File().size() + SharedValues - values_) {
+    if (count > objects_.File().size() + ExtraValues - values_) {
       return objects_.Fail(offset, "more values than the size of the file allows");
     }
     values_ += count;
@@ -415,16 +394,16 @@ class BinaryPropertyListReader {
     if (object.Kind() != ObjectKind::AsciiString && object.Kind() != ObjectKind::Utf16String) {
       return objects_.Fail(object.offset, "a key is not a string");
     }
-    if (!texts_.ReadText(object, key)) return false;
+    if (!leaves_.ReadText(object, key)) return false;
     if (locations_ != nullptr) locations_->Key(key, object.offset);
     return true;
   }
 
   BinaryObjects objects_;
-  BinaryTexts texts_;
+  BinaryLeaves leaves_;
   Arena& arena_;
   LocationBuilder* locations_;  // may be null
-  std::uint64_t values_ = 1;    // reached so far; the top object is referred to by no other
+  std::uint64_t values_ = 1;    // counted so far, the top object included
   std::size_t nesting_ = 0;
   std::vector<bool> isOpen_;  // by object: a container that is being read
 };

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "value/binary/layout.h"
 #include "value/calendar_date.h"
 #include "value/unicode/utf8.h"
 
@@ -20,20 +21,6 @@
 
 namespace fernwick {
 namespace {
-
-// The high four bits of a marker.
-constexpr unsigned IntegerKind = 0x1;
-constexpr unsigned DataKind = 0x4;
-constexpr unsigned AsciiKind = 0x5;
-constexpr unsigned Utf16Kind = 0x6;
-constexpr unsigned ArrayKind = 0xA;
-constexpr unsigned DictionaryKind = 0xD;
-
-constexpr char FalseMarker = 0x08;
-constexpr char TrueMarker = 0x09;
-constexpr char WideIntegerMarker = 0x14;
-constexpr char RealMarker = 0x23;
-constexpr char DateMarker = 0x33;
 
 void AppendBigEndian(std::string& bytes, std::uint64_t number, std::size_t width) {
   for (std::size_t i = width; i-- > 0;) bytes.push_back(static_cast<char>(number >> (8 * i)));
@@ -51,13 +38,13 @@ std::size_t WidthFor(std::uint64_t number) {
 }
 
 // A marker byte of a kind and its low four bits.
-char Marker(unsigned kind, unsigned low) {
-  return static_cast<char>(kind << 4 | low);
+char Marker(ObjectKind kind, unsigned low) {
+  return static_cast<char>(static_cast<unsigned>(kind) << 4 | low);
 }
 
 std::string UnsignedObject(std::uint64_t number) {
   const unsigned exponent = WidthExponent(number);
-  std::string object = {Marker(IntegerKind, exponent)};
+  std::string object = {Marker(ObjectKind::Integer, exponent)};
   AppendBigEndian(object, number, std::size_t{1} << exponent);
   return object;
 }
@@ -67,22 +54,22 @@ std::string IntegerObject(const Integer& integer) {
   // Eight bytes are signed, so the largest numbers need sixteen.
   const bool needsSixteen = !integer.IsNegative() && bits >> 63 != 0;
   if (!needsSixteen) return UnsignedObject(bits);
-  std::string object = {WideIntegerMarker};
+  std::string object = {static_cast<char>(BinaryMarker::WideInteger)};
   AppendBigEndian(object, 0, 8);
   AppendBigEndian(object, bits, 8);
   return object;
 }
 
-std::string DoubleObject(char marker, double number) {
-  std::string object = {marker};
+std::string DoubleObject(std::uint8_t marker, double number) {
+  std::string object = {static_cast<char>(marker)};
   AppendBigEndian(object, std::bit_cast<std::uint64_t>(number), 8);
   return object;
 }
 
-// A marker that contains the count, or is followed by it as an integer when it is 15 or more.
-std::string CountedMarker(unsigned kind, std::uint64_t count) {
-  if (count < 15) return {Marker(kind, static_cast<unsigned>(count))};
-  return Marker(kind, 15) + UnsignedObject(count);
+// A marker that contains the count, or is followed by it as an integer when it does not fit.
+std::string CountedMarker(ObjectKind kind, std::uint64_t count) {
+  if (count < CountFollows) return {Marker(kind, static_cast<unsigned>(count))};
+  return Marker(kind, CountFollows) + UnsignedObject(count);
 }
 
 std::string Utf16BigEndian(std::string_view text) {
@@ -102,14 +89,14 @@ std::string Utf16BigEndian(std::string_view text) {
 
 std::string StringObject(std::string_view text) {
   const bool isAscii = std::ranges::none_of(text, [](char c) { return (c & 0x80) != 0; });
-  if (isAscii) return CountedMarker(AsciiKind, text.size()).append(text);
+  if (isAscii) return CountedMarker(ObjectKind::AsciiString, text.size()).append(text);
   const auto units = Utf16BigEndian(text);
-  return CountedMarker(Utf16Kind, units.size() / 2) + units;
+  return CountedMarker(ObjectKind::Utf16String, units.size() / 2) + units;
 }
 
 // The objects that an array or dictionary refers to, by number; a dictionary's keys come first.
 struct Container {
-  unsigned kind;
+  ObjectKind kind;
   std::uint64_t count;
   std::vector<std::uint64_t> references;
 };
@@ -137,7 +124,7 @@ class BinaryWriter {
 
   std::uint64_t AddContent(Array array) {
     const auto number = AddObject({});
-    Container container{ArrayKind, array.size(), {}};
+    Container container{ObjectKind::Array, array.size(), {}};
     for (const auto& element : array) container.references.push_back(Add(element));
     containers_.emplace(number, std::move(container));
     return number;
@@ -145,7 +132,7 @@ class BinaryWriter {
 
   std::uint64_t AddContent(Dictionary dictionary) {
     const auto number = AddObject({});
-    Container container{DictionaryKind, dictionary.Size(), {}};
+    Container container{ObjectKind::Dictionary, dictionary.Size(), {}};
     for (const auto& entry : dictionary.Entries()) {
       container.references.push_back(AddText(entry.key));
     }
@@ -158,14 +145,18 @@ class BinaryWriter {
 
   std::uint64_t AddContent(std::string_view string) { return AddText(string); }
   std::uint64_t AddContent(const Data& data) {
-    return AddObject(CountedMarker(DataKind, data.bytes.size()).append(data.bytes));
+    return AddObject(CountedMarker(ObjectKind::Data, data.bytes.size()).append(data.bytes));
   }
   std::uint64_t AddContent(const Date& date) {
-    return AddObject(DoubleObject(DateMarker, SecondsSince2001(date)));
+    return AddObject(DoubleObject(BinaryMarker::Date, SecondsSince2001(date)));
   }
   std::uint64_t AddContent(const Integer& integer) { return AddObject(IntegerObject(integer)); }
-  std::uint64_t AddContent(double real) { return AddObject(DoubleObject(RealMarker, real)); }
-  std::uint64_t AddContent(bool boolean) { return AddObject({boolean ? TrueMarker : FalseMarker}); }
+  std::uint64_t AddContent(double real) {
+    return AddObject(DoubleObject(BinaryMarker::Double, real));
+  }
+  std::uint64_t AddContent(bool boolean) {
+    return AddObject({static_cast<char>(boolean ? BinaryMarker::True : BinaryMarker::False)});
+  }
 
   std::uint64_t AddText(std::string_view text) {
     const auto known = texts_.find(text);
@@ -185,7 +176,7 @@ class BinaryWriter {
 
   // Header, objects, offset table and trailer.
   std::string JoinObjects(std::size_t referenceWidth) const {
-    std::string file = "bplist00";
+    std::string file(BinaryHeader);
     std::vector<std::uint64_t> offsets;
     for (const auto& object : objects_) {
       offsets.push_back(file.size());

@@ -9,6 +9,10 @@
 #include "value/unicode/text_position.h"
 #include "value/unicode/utf8.h"
 
+// Recursive descent, in one pass. The elements of an open array or dictionary are collected in a
+// vector and copied into the arena when it is closed; strings are views of the text unless they
+// have an escape. Linear, except for repeated keys (see property_value.cc).
+
 namespace fernwick {
 namespace {
 

@@ -11,6 +11,10 @@
 #include "value/xml/declaration.h"
 #include "value/xml/names.h"
 
+// A hand-written scanner: the plain forms, which nearly all markup has, are read by the inline
+// functions of the header, everything else here. One pass, linear; n log n in the attributes of one
+// tag, which are sorted to find a name that occurs twice.
+
 namespace fernwick {
 namespace {
 
@@ -176,9 +180,9 @@ bool XmlCursor::ReadAttributes(XmlStartTag& tag) {
     if (!ReadAttribute(names.emplace_back())) return false;
   }
   std::ranges::sort(names);
-  const auto twin = std::ranges::adjacent_find(names);
-  if (twin != names.end()) {
-    return Fail(tag.offset, "the attribute " + Excerpt(*twin) + " occurs twice in one tag");
+  const auto duplicate = std::ranges::adjacent_find(names);
+  if (duplicate != names.end()) {
+    return Fail(tag.offset, "the attribute " + Excerpt(*duplicate) + " occurs twice in one tag");
   }
   tag.isEmptyElement = LookingAt("/>");
   at_ += tag.isEmptyElement ? 2 : 1;
@@ -224,28 +228,33 @@ bool XmlCursor::ReadAnyEndTag(std::string_view name) {
   return true;
 }
 
+// A view is possible while there is exactly one chunk of characters between tags, comments and the
+// like, and it is plain. What comes second, or is not plain, has everything copied.
 bool XmlCursor::ReadAnyCharacters(std::string_view& characters, std::string& decoded) {
   decoded.clear();
   bool viewsDocument = true;
   characters = {};
+  const auto copyView = [&] {
+    if (viewsDocument) decoded = characters;
+    viewsDocument = false;
+  };
   for (;;) {
     const std::size_t end = std::min(document_.find('<', at_), document_.size());
     const auto chunk = document_.substr(at_, end - at_);
-    if (viewsDocument && characters.empty() && PlainXmlCharacters(chunk).size() == chunk.size()) {
+    const bool isFirst = viewsDocument && characters.empty();
+    if (isFirst && PlainXmlCharacters(chunk).size() == chunk.size()) {
       characters = chunk;
       at_ = end;
     } else if (!chunk.empty()) {
-      if (viewsDocument) decoded = characters;
-      viewsDocument = false;
-      if (!AppendPlainCharacters(end, decoded)) return false;
+      copyView();
+      if (!AppendCharacters(end, decoded)) return false;
     }
     if (LookingAt("<!--")) {
       if (!SkipComment()) return false;
     } else if (LookingAt("<?")) {
       if (!SkipProcessingInstruction()) return false;
     } else if (LookingAt(CdataOpening)) {
-      if (viewsDocument) decoded = characters;
-      viewsDocument = false;
+      copyView();
       if (!AppendCdataSection(decoded)) return false;
     } else {
       break;
@@ -256,7 +265,7 @@ bool XmlCursor::ReadAnyCharacters(std::string_view& characters, std::string& dec
 }
 
 // Appends the character data up to `end`, which no tag interrupts.
-bool XmlCursor::AppendPlainCharacters(std::size_t end, std::string& decoded) {
+bool XmlCursor::AppendCharacters(std::size_t end, std::string& decoded) {
   const auto text = document_.substr(0, end);
   while (at_ < end) {
     const std::size_t special = std::min(text.find_first_of("&]", at_), end);
@@ -280,7 +289,8 @@ bool XmlCursor::AppendCdataSection(std::string& decoded) {
   return true;
 }
 
-// Resolves the reference at text[at] and moves `at` past it. REQUIRES: text begins the document.
+// Resolves the reference at text[at] and moves `at` past it. REQUIRES: `text` is a prefix
+// of the document, so that `at` counts in both.
 bool XmlCursor::AppendReference(std::string_view text, std::size_t& at, std::string& decoded) {
   const std::size_t start = at;
   const std::size_t end = text.find_first_of("; \t\n\r<&", start + 1);

@@ -84,7 +84,7 @@ class XmlCursor {
   bool CheckAttributeValue(std::size_t offset, std::string_view value);
   bool AppendReference(std::string_view text, std::size_t& at, std::string& decoded);
   bool AppendCharacterReference(std::string_view name, std::size_t offset, std::string& decoded);
-  bool AppendPlainCharacters(std::size_t end, std::string& decoded);
+  bool AppendCharacters(std::size_t end, std::string& decoded);
   bool AppendCdataSection(std::string& decoded);
 
   std::string_view document_;

@@ -12,7 +12,7 @@ namespace fernwick {
 /// has no references. These functions return the plain prefix of a text or its length. They are
 /// short enough to be inlined; the caller handles everything else, faults included.
 
-/// How many characters of white space the text begins with.
+/// How many bytes of white space the text begins with.
 inline std::size_t XmlWhiteSpaceLength(std::string_view text) {
   constexpr std::string_view Indentation =
       "\t\t\t\t\t\t\t\t";  // deeply nested lines begin with many tabs

@@ -208,8 +208,13 @@ class XmlPropertyListReader {
     return true;
   }
 
-  // Skips to the next start tag inside a container, or to its end tag.
-  bool AtNextElement(bool& more) {
+  bool Close(const XmlStartTag& tag) {
+    --nesting_;
+    return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
+  }
+
+  // To the next start tag inside a container, or to its end tag, for which `more` is false.
+  bool SkipToNextElement(bool& more) {
     if (!cursor_.SkipMiscellany()) return false;
     more = !cursor_.LookingAt("</");
     return true;
@@ -218,7 +223,9 @@ class XmlPropertyListReader {
   bool ReadArray(const XmlStartTag& tag) {
     const std::size_t first = values_.size();
     if (!ReadContents(tag, [this] { return ReadValue(); })) return false;
-    return Produce(Array(MoveToArena(values_, first)));
+    const Array array(MoveToArena(values_, first));
+    values_.emplace_back(array);
+    return true;
   }
 
   bool ReadDictionary(const XmlStartTag& tag) {
@@ -226,7 +233,8 @@ class XmlPropertyListReader {
     if (!ReadContents(tag, [this] { return ReadEntry(); })) return false;
     const auto unique = WithoutRepeatedKeys(std::span(entries_).subspan(first));
     entries_.resize(first + unique.size());
-    return Produce(Dictionary(MoveToArena(entries_, first)));
+    values_.emplace_back(Dictionary(MoveToArena(entries_, first)));
+    return true;
   }
 
   // Everything inside a container, each part by `readPart`, and its end tag.
@@ -234,11 +242,10 @@ class XmlPropertyListReader {
   bool ReadContents(const XmlStartTag& tag, ReadPart readPart) {
     if (!Open(tag)) return false;
     for (bool more = !tag.isEmptyElement; more;) {
-      if (!AtNextElement(more)) return false;
+      if (!SkipToNextElement(more)) return false;
       if (more && !readPart()) return false;
     }
-    --nesting_;
-    return tag.isEmptyElement || cursor_.ReadEndTag(tag.name);
+    return Close(tag);
   }
 
   // Moves the top of a stack, from `first` on, into the arena.
@@ -262,11 +269,6 @@ class XmlPropertyListReader {
     if (!ReadValue()) return false;
     entries_.push_back({text, values_.back()});
     values_.pop_back();
-    return true;
-  }
-
-  bool Produce(PropertyValue value) {
-    values_.push_back(value);
     return true;
   }
 

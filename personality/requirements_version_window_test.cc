@@ -39,29 +39,30 @@ const Record RidgeSilicon = {
 
 enum class VersionCheck { Done, Bypassed };
 
-// Without more in either record, each check is the window: this one with the engineering gate.
-CheckResult GatedWindow(const Record& personality, const Record& hardware,
-                        VersionCheck check = VersionCheck::Done) {
+// Without more in either record, each check is the window: this one with the test for engineering
+// firmware.
+CheckResult WindowForReleasedFirmware(const Record& personality, const Record& hardware,
+                                      VersionCheck check = VersionCheck::Done) {
   return ResultOf(CheckLegacyUsbcRequirements, personality,
                   {hardware, 3, check == VersionCheck::Bypassed});
 }
 
 // And this one without it.
-CheckResult UngatedWindow(const Record& personality, const Record& hardware,
-                          VersionCheck check = VersionCheck::Done) {
+CheckResult WindowForAnyFirmware(const Record& personality, const Record& hardware,
+                                 VersionCheck check = VersionCheck::Done) {
   const auto update = With(RidgeSilicon, personality);
   const auto controller = With(RidgeSilicon, hardware);
   return ResultOf(CheckLegacyThunderboltRequirements, update,
                   {controller, 3, check == VersionCheck::Bypassed});
 }
 
-// The window of a controller that reports nothing of engineering firmware, for which the gate makes
-// no difference.
+// The window of a controller that reports nothing of engineering firmware, for which that test
+// makes no difference.
 CheckResult Window(const Record& personality, const Record& hardware,
                    VersionCheck check = VersionCheck::Done) {
   EXPECT_EQ(hardware.Find("Engineering Version"), nullptr);
-  const auto result = GatedWindow(personality, hardware, check);
-  EXPECT_EQ(UngatedWindow(personality, hardware, check), result);
+  const auto result = WindowForReleasedFirmware(personality, hardware, check);
+  EXPECT_EQ(WindowForAnyFirmware(personality, hardware, check), result);
   return result;
 }
 
@@ -130,13 +131,13 @@ TEST(FirmwareVersionWindow, AVersionThatIsNotANumberFailsSilently) {
 const Record Version4 = {{"Version", 4}};
 const Record Version5 = {{"Version", 5}};
 
-TEST(FirmwareVersionWindow, EngineeringFirmwareIsRejectedOnlyByTheGate) {
+TEST(FirmwareVersionWindow, EngineeringFirmwareIsRejectedOnlyWhereItIsTestedFor) {
   for (const PropertyValue& engineering :
        List({64, 128, 192, 1, -1, MaxUnsigned, 1.0, 64.5, true})) {
     const auto hardware = With(Version4, {{"Engineering Version", engineering}});
-    EXPECT_EQ(GatedWindow(Version5, hardware), DoesNotApply())
+    EXPECT_EQ(WindowForReleasedFirmware(Version5, hardware), DoesNotApply())
         << ::testing::PrintToString(engineering);
-    EXPECT_EQ(UngatedWindow(Version5, hardware), Applies())
+    EXPECT_EQ(WindowForAnyFirmware(Version5, hardware), Applies())
         << ::testing::PrintToString(engineering);
   }
 }
@@ -144,9 +145,10 @@ TEST(FirmwareVersionWindow, EngineeringFirmwareIsRejectedOnlyByTheGate) {
 TEST(FirmwareVersionWindow, EngineeringVersionZeroIsAccepted) {
   for (const PropertyValue& engineering : List({0, 0.0, false, 0.5, -0.5, NotANumber})) {
     const auto hardware = With(Version4, {{"Engineering Version", engineering}});
-    EXPECT_EQ(GatedWindow(Version5, hardware), Applies()) << ::testing::PrintToString(engineering);
+    EXPECT_EQ(WindowForReleasedFirmware(Version5, hardware), Applies())
+        << ::testing::PrintToString(engineering);
   }
-  EXPECT_EQ(GatedWindow(Version5, Version4), Applies());
+  EXPECT_EQ(WindowForReleasedFirmware(Version5, Version4), Applies());
 }
 
 TEST(FirmwareVersionWindow, ThePersonalitysEngineeringVersionIsNotRead) {
@@ -167,8 +169,8 @@ TEST(FirmwareVersionWindow, BypassedAcceptsAnyVersion) {
 
 TEST(FirmwareVersionWindow, BypassedAcceptsEngineeringFirmware) {
   const auto hardware = With(Version4, {{"Engineering Version", 64}});
-  EXPECT_EQ(GatedWindow(Version5, hardware, VersionCheck::Bypassed), Applies());
-  EXPECT_EQ(GatedWindow({}, hardware, VersionCheck::Bypassed), Applies());
+  EXPECT_EQ(WindowForReleasedFirmware(Version5, hardware, VersionCheck::Bypassed), Applies());
+  EXPECT_EQ(WindowForReleasedFirmware({}, hardware, VersionCheck::Bypassed), Applies());
 }
 
 TEST(FirmwareVersionWindow, BypassedStillChecksTheBounds) {
@@ -270,8 +272,8 @@ TEST(FirmwareVersionWindow, AVersionThatIsNotNewerFailsSilentlyWhateverTheBounds
   EXPECT_EQ(Window({{"Version", 5}, {"Existing Min Version", "9"}}, {{"Version", 5}}),
             DoesNotApply());
   EXPECT_EQ(Window({{"Version", 5}, {"Existing Max Version", "9"}}, {}), DoesNotApply());
-  EXPECT_EQ(GatedWindow({{"Version", 5}, {"Existing Max Version", 1}},
-                        {{"Version", 4}, {"Engineering Version", 64}}),
+  EXPECT_EQ(WindowForReleasedFirmware({{"Version", 5}, {"Existing Max Version", 1}},
+                                      {{"Version", 4}, {"Engineering Version", 64}}),
             DoesNotApply());
 }
 
