@@ -364,7 +364,8 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
   directory.Write("c.registry.plist", "<dict/>");
   directory.Write("payload/Fernwick/README", "");
   const auto outcome = testing::RunChild(
-      {"/bin/sh", "-c", "ulimit -v 200000; exec \"$0\" survey -p payload . -j1 --format csv --max-size 512",
+      {"/bin/sh", "-c",
+       "ulimit -v 200000; exec \"$0\" survey -p payload . -j1 --format csv --max-size 1024",
        FERNWICK_LAB_PROGRAM},
       directory.Path());
   ExpectOutcome(outcome, {"71",
