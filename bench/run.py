@@ -148,16 +148,20 @@ def measure_survey(bench):
         recordings = bench.directory / f"recordings-{count}"
         samples.write_recordings(recordings, count)
         survey = [bench.lab, "survey", "-p", payload, recordings]
-        # By a list, as the names in a directory are sorted, and so kept.
+        # By a list, as the names in a directory are sorted, and so kept; a table has all its lines in
+        # memory for the widths of its columns.
         peaks.append(processes.peak_memory(
             ["/bin/sh", "-c", f"printf '%s\\n' {shlex.quote(str(recordings))}/* | "
-             f"{shlex.quote(str(bench.lab))} survey -p {shlex.quote(str(payload))} -"]))
+             f"{shlex.quote(str(bench.lab))} survey -p {shlex.quote(str(payload))} --format ndjson -"]))
     loop = ["/bin/sh", "-c", f"printf '%s\\0' {shlex.quote(str(recordings))}/*.registry.plist | "
             f"xargs -0 -P2 -I RECORDING {shlex.quote(str(bench.lab))} replay RECORDING "
             f"-p {shlex.quote(str(payload))}"]
     ours, theirs = processes.medians([survey, loop], bench.size.rounds)
     bench.add(f"survey of {count:,} computers", milliseconds(ours),
               f"a loop of replays {milliseconds(theirs)}", theirs / ours, least=5)
+    one, two = processes.medians([survey + ["-j1"], survey + ["-j2"]], bench.size.rounds)
+    bench.add(f"survey of {count:,} computers, one thread", milliseconds(one),
+              f"two threads {milliseconds(two)}", one / two, least=1.8)
     few, many = bench.size.recordings
     bench.add(f"survey of {many:,} computers, memory", megabytes(peaks[1]),
               f"of {few:,} {megabytes(peaks[0])}", peaks[1] / max(peaks[0], 1), most=1.1)

@@ -2,6 +2,11 @@
 add_test(NAME Bench.Works
          COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/bench/run.py ${CMAKE_BINARY_DIR} --smoke)
 add_test(NAME Bench.run_test COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/bench/run_test.py)
+add_test(NAME Cost.run_test COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/cost/run_test.py)
+if(NOT FERNWICK_SANITIZE AND NOT FERNWICK_COVERAGE)  # which cost more by themselves
+  add_test(NAME Cost.IsThatOfTheInput
+           COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/cost/run.py ${CMAKE_BINARY_DIR} --short)
+endif()
 
 # All that "./dev bench" measures.
 add_custom_target(benchmarks)

@@ -2,9 +2,9 @@
 
 declare -gA _fernwick_lab_options=(
   [replay]="--host --help"
-  [explain]="--host -p --payload --bypassVersion --json --help"
-  [lint]="--format --fail-level --ignore --severity --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --expect --update --fail-on -j --jobs --help"
+  [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --help"
+  [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
+  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
@@ -37,6 +37,8 @@ _fernwick_lab_boards() {
 _fernwick_lab_value() {
   case "$1 $2" in
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
+    'explain --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
+    'explain --format') _fernwick_lab_words 'text json' "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
     'survey --fail-on') _fernwick_lab_words 'refused abnormal no-plan' "$3" ;;
@@ -45,11 +47,11 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'survey --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }

@@ -32,6 +32,7 @@ void ReserveIfClosed(int descriptor, int mode) {
 
 void PrepareProcess() {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   ReserveIfClosed(STDIN_FILENO, O_WRONLY);
   ReserveIfClosed(STDOUT_FILENO, O_RDONLY);
   ReserveIfClosed(STDERR_FILENO, O_RDONLY);

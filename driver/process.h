@@ -4,9 +4,9 @@
 
 namespace fernwick {
 
-/// What every program does before anything else: a broken pipe becomes a failed write instead of a
-/// silent death, and no file that is opened later can get the descriptor of a standard stream that
-/// was closed.
+/// What every program does before anything else: a broken pipe and a file that reaches the limit of
+/// its size become a failed write instead of a silent death, and no file that is opened later can
+/// get the descriptor of a standard stream that was closed.
 void PrepareProcess();
 
 /// From now on, when memory runs out, the process says so on standard error and ends with `status`,

@@ -61,6 +61,7 @@ std::optional<Fault> RunWithOptions(const Options& options, Registry& registry, 
                                      options.personalitiesDirectory);
   if (!matching) return matching.Error();
   result.configuration = std::move(matching->configuration);
+  result.configurationError = std::move(matching->configurationError);
   result.matches = std::move(matching->matches);
   result.status =
       result.matches.empty() ? ExitStatus::NoMatches : PrintPlan(options, console, result);

@@ -35,6 +35,7 @@ struct RunResult {
   bool bypassesVersionCheck = false;     // by an option or a switch
   std::optional<BoardIdentity> identity = {};
   std::optional<PropertyList> configuration = {};  // as it was loaded, its value of whatever kind
+  std::optional<Error> configurationError = {};    // why there is none, where one was looked for
   std::vector<MatchRecord> matches = {};  // in the order of the plan; empty without a match
   std::size_t plannedMatches = 0;         // fewer than matches when the next one ended the run
 };

@@ -129,9 +129,7 @@ TEST(RunResult, HasTheMatchesThatArePlanned) {
   EXPECT_EQ(run.Result().matches, (std::vector<MatchRecord>{Match, Match}));
   EXPECT_EQ(run.Result().plannedMatches, 2u);
   ASSERT_EQ(run.Trace().keys.size(), 1u);
-  EXPECT_EQ(
-      run.Trace().keys.front().outcomes,
-      (std::vector<std::vector<PairOutcome>>{{PairOutcome::Matched}, {PairOutcome::Matched}}));
+  EXPECT_EQ(run.Trace().keys.front().matched, (std::vector<std::size_t>{0, 0}));
 }
 
 TEST(RunResult, HasTheConfiguration) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/lint/report.h"
+#include "lab/lint/rules/rule_texts.h"
 #include "testing/coverage_counting.h"
 #include "testing/files.h"
 #include "testing/programs/child_process.h"
@@ -65,10 +65,6 @@ TEST(Lint, PrintsJson) {
   ExpectOutcome(Lint({"--format", "json", "examples/payload", "Zed-1A09"}),
                 {"1",
                  "{\n"
-                 "  \"boards\": 1,\n"
-                 "  \"errors\": 1,\n"
-                 "  \"warnings\": 1,\n"
-                 "  \"notes\": 0,\n"
                  "  \"findings\": [\n"
                  "    {\n"
                  "      \"id\": \"no-priority\",\n"
@@ -77,7 +73,9 @@ TEST(Lint, PrintsJson) {
                  "      \"line\": 4,\n"
                  "      \"column\": 18,\n"
                  "      \"message\": \"without \\\"Priority\\\" a match of this personality drives "
-                 "the plan's priority to 0\"\n"
+                 "the plan's priority to 0\",\n"
+                 "      \"count\": 1,\n"
+                 "      \"fingerprint\": \"3d566d9126e7aef5\"\n"
                  "    },\n"
                  "    {\n"
                  "      \"id\": \"wrong-kind\",\n"
@@ -85,9 +83,16 @@ TEST(Lint, PrintsJson) {
                  "      \"path\": \"examples/payload/Fernwick/Zed-1A09/Config.plist\",\n"
                  "      \"line\": 5,\n"
                  "      \"column\": 19,\n"
-                 "      \"message\": \"\\\"Version\\\" is \\\"210\\\"; only a number can match\"\n"
+                 "      \"message\": \"\\\"Version\\\" is \\\"210\\\"; only a number can match\",\n"
+                 "      \"count\": 1,\n"
+                 "      \"fingerprint\": \"e97fdb692fd6f317\"\n"
                  "    }\n"
-                 "  ]\n"
+                 "  ],\n"
+                 "  \"boards\": 1,\n"
+                 "  \"errors\": 1,\n"
+                 "  \"warnings\": 1,\n"
+                 "  \"notes\": 0,\n"
+                 "  \"known\": 0\n"
                  "}\n",
                  ""});
 }
@@ -138,24 +143,40 @@ TEST(Lint, ReportsAConfigurationThatCannotBeInspected) {
        ""});
 }
 
+// A copy of the program that is within reach of everybody: where it was built may not be.
+std::string ReachableProgram(const testing::TemporaryDirectory& directory) {
+  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  const auto program = directory.Path() + "/fernwick-lab";
+  std::filesystem::copy_file(FERNWICK_LAB_PROGRAM, program);
+  return program;
+}
+
 TEST(Lint, ReportsADirectoryThatCannotBeListed) {
   // Where leaks are looked for, or counters are to be written at the end, a process must keep the
   // rights that it began with.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/Zed-A/Config.plist", "{}");
-  std::filesystem::permissions(directory.Path(), std::filesystem::perms(0755));
+  const auto program = ReachableProgram(directory);
   std::filesystem::permissions(directory.Path() + "/p/Fernwick/Zed-A",
                                std::filesystem::perms(0311));
-  // Where it was built may be out of reach for others.
-  const auto program = directory.Path() + "/fernwick-lab";
-  std::filesystem::copy_file(FERNWICK_LAB_PROGRAM, program);
   const testing::Unprivileged unprivileged;
   ExpectOutcome(RunChild({program, "lint", "p"}, directory.Path()),
                 {"66",
                  "p/Fernwick/Zed-A: error: it cannot be read: Permission denied [unreadable-file]\n"
                  "1 board: 1 error, 0 warnings, 0 notes\n",
                  ""});
+}
+
+TEST(Lint, ReportsAPayloadThatMayNotBeEntered) {
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-A/Config.plist", "{}");
+  const auto program = ReachableProgram(directory);
+  std::filesystem::permissions(directory.Path() + "/p", std::filesystem::perms(0644));
+  const testing::Unprivileged unprivileged;
+  ExpectOutcome(RunChild({program, "lint", "p"}, directory.Path()),
+                {"66", "", "fernwick-lab: p/Fernwick: Permission denied\n"});
 }
 
 TEST(Lint, PassesOverVersionControlAndReportsAUtilityThatIsADirectoryOnce) {
@@ -255,6 +276,95 @@ TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {
         {"64", "",
          "fernwick-lab: --severity: " + bad + " is not ID=error, ID=warning or ID=note\n"});
   }
+}
+
+constexpr char OneComment[] = "{ Comment = x; }";
+
+// What lint prints of OneComment in the board directory Zed-42 at that location.
+std::string CommentAt(const std::string& location, const std::string& severity = "warning") {
+  return "p/Fernwick/Zed-42/Config.plist:" + location + ": " + severity +
+         ": \"Comment\" is no type, so its contents match nothing [unknown-type]\n";
+}
+
+TEST(Lint, ReadsTheSettingsInThePayload) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-42/Config.plist", OneComment);
+  directory.Write("p/.fernwick-lint.json", "{\"severity\": {\"unknown-type\": \"error\"}}");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"1", CommentAt("1:3", "error") + "1 board: 1 error, 0 warnings, 0 notes\n", ""});
+  ExpectOutcome(Lint({"p", "--severity", "unknown-type=note"}, directory.Path()),
+                {"0", CommentAt("1:3", "note") + "1 board: 0 errors, 0 warnings, 1 note\n", ""});
+  directory.Write("p/.fernwick-lint.json", "{\"ignore\": [\"unknown-type\"]}");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"0", "1 board: 0 errors, 0 warnings, 0 notes\n", ""});
+}
+
+TEST(Lint, RefusesSettingsThatItCannotUse) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-42/Config.plist", OneComment);
+  directory.Write("p/.fernwick-lint.json", "{\"ignored\": []}");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"65", "",
+                 "fernwick-lab: p/.fernwick-lint.json: there is no setting \"ignored\"; there are "
+                 "\"ignore\" and \"severity\"\n"});
+  std::filesystem::remove(directory.Path() + "/p/.fernwick-lint.json");
+  std::filesystem::create_symlink("nowhere", directory.Path() + "/p/.fernwick-lint.json");
+  ExpectOutcome(Lint({"p"}, directory.Path()),
+                {"66", "", "fernwick-lab: p/.fernwick-lint.json: No such file or directory\n"});
+}
+
+TEST(Lint, ReportsOnlyWhatIsNotInTheBaseline) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-42/Config.plist", OneComment);
+  const std::vector<std::string> lint = {"p", "--fail-level", "note", "--baseline", "known.json"};
+  auto update = lint;
+  update.push_back("--update-baseline");
+  ExpectOutcome(Lint(lint, directory.Path()),
+                {"66", "", "fernwick-lab: known.json: No such file or directory\n"});
+  ExpectOutcome(Lint(update, directory.Path()),
+                {"0", CommentAt("1:3") + "1 board: 0 errors, 1 warning, 0 notes\n",
+                 "known.json: 1 finding saved\n"});
+  const std::string known =
+      "1 board: 0 errors, 0 warnings, 0 notes; 1 finding is in the baseline\n";
+  ExpectOutcome(Lint(lint, directory.Path()), {"0", known, ""});
+  directory.Write("p/Fernwick/Zed-42/Config.plist",
+                  std::string("/* a line more */\n") + OneComment);
+  ExpectOutcome(Lint(lint, directory.Path()), {"0", known, ""});
+  directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; Author = y; }");
+  ExpectOutcome(Lint(lint, directory.Path()),
+                {"1",
+                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is no type, so its "
+                 "contents match nothing [unknown-type]\n"
+                 "1 board: 0 errors, 1 warning, 0 notes; 1 finding is in the baseline\n",
+                 ""});
+  ExpectOutcome(Lint(update, directory.Path()),
+                {"0",
+                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is no type, so its "
+                 "contents match nothing [unknown-type]\n"
+                 "1 board: 0 errors, 1 warning, 0 notes; 1 finding is in the baseline\n",
+                 "known.json: 2 findings saved\n"});
+}
+
+TEST(Lint, SavesTheBaselineOfAWholePayload) {
+  ExpectOutcome(Lint({"examples/payload", "--update-baseline"}),
+                {"64", "", "fernwick-lab: --update-baseline needs --baseline FILE\n"});
+  ExpectOutcome(
+      Lint({"examples/payload", "Zed-1A05", "--baseline", "x", "--update-baseline"}),
+      {"64", "", "fernwick-lab: --update-baseline needs all boards, so it excludes BOARD\n"});
+}
+
+TEST(Lint, LosesNoBaselineSilently) {
+  const testing::TemporaryDirectory directory;
+  directory.Write("p/Fernwick/Zed-42/Config.plist", OneComment);
+  directory.Write("known.json/file", "");
+  ExpectOutcome(Lint({"p", "--baseline", "known.json"}, directory.Path()),
+                {"66", "", "fernwick-lab: known.json: Is a directory\n"});
+  directory.Write("other.json", "[]");
+  ExpectOutcome(Lint({"p", "--baseline", "other.json", "--update-baseline"}, directory.Path()),
+                {"65", "", "fernwick-lab: other.json: it is no baseline of lint\n"});
+  ExpectOutcome(Lint({"p", "--baseline", "none/known.json", "--update-baseline"}, directory.Path()),
+                {"74", CommentAt("1:3") + "1 board: 0 errors, 1 warning, 0 notes\n",
+                 "fernwick-lab: none/known.json: No such file or directory\n"});
 }
 
 TEST(Lint, ExplainsARule) {

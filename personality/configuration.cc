@@ -1,5 +1,7 @@
 #include "personality/configuration.h"
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "platform/file_system.h"
@@ -8,11 +10,16 @@
 namespace fernwick {
 namespace {
 
-std::nullopt_t FailReading(Console& console, const Error& error, Serialisation serialisation) {
+Error FailReading(Console& console, const Error& error, Serialisation serialisation) {
   const auto text = Describe(error);
   PlatformLog(console, "Error reading plist: %@, format: %lu",
               {std::string_view(text), static_cast<unsigned long>(serialisation)});
-  return std::nullopt;
+  return error;
+}
+
+// Why there is no file: `error` is an errno.
+Error NotFound(int error) {
+  return {.message = std::strerror(error), .systemError = error};
 }
 
 }  // namespace
@@ -32,18 +39,18 @@ std::optional<std::string> ConfigurationPath(
   return AppendPathComponent(*directory, "Config.plist");
 }
 
-std::optional<PropertyList> LoadPersonalityConfiguration(
+Result<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory, Console& console) {
   const auto directory = BoardDirectory(boardIdString, personalitiesDirectory);
-  if (!directory || !PathExists(*directory)) {
+  if (const int error = directory ? PathError(*directory) : ENOENT) {
     PlatformLog(console, "Error reading plist: No files to support boardID: %@", {boardIdString});
-    return std::nullopt;
+    return NotFound(error);
   }
   const auto path = *ConfigurationPath(boardIdString, personalitiesDirectory);
-  if (!PathExists(path)) {
+  if (const int error = PathError(path)) {
     PlatformLog(console, "Error reading plist: No config file for this project");
-    return std::nullopt;
+    return NotFound(error);
   }
   auto file = ReadWholeFile(path);
   if (!file) return FailReading(console, file.Error(), Serialisation::None);

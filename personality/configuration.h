@@ -19,9 +19,10 @@ std::optional<std::string> ConfigurationPath(
     const std::optional<std::string>& personalitiesDirectory);
 
 /// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns the
-/// property list, with a value of whatever kind, or nullopt after one line in the system log: there
-/// is no such directory, no such file, or it cannot be read or parsed.
-std::optional<PropertyList> LoadPersonalityConfiguration(
+/// property list, with a value of whatever kind, or after one line in the system log why there is
+/// none: there is no such directory, no such file, or it cannot be read, each with an errno as its
+/// `systemError`, or it is not well formed, without one.
+Result<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory, Console& console);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -35,16 +36,17 @@ using OptionalText = std::optional<std::string>;
 struct Loading {
   std::optional<PropertyValue> value;
   std::string log;
+  int systemError = 0;
   std::optional<PropertyList> list = {};  // which the value views
 
   friend bool operator==(const Loading& a, const Loading& b) {
-    return a.value == b.value && a.log == b.log;
+    return a.value == b.value && a.log == b.log && a.systemError == b.systemError;
   }
 };
 
 void PrintTo(const Loading& loading, std::ostream* out) {
   *out << ::testing::PrintToString(loading.value) << ", log "
-       << ::testing::PrintToString(loading.log);
+       << ::testing::PrintToString(loading.log) << ", errno " << loading.systemError;
 }
 
 Loading Load(const OptionalText& boardIdString, const OptionalText& personalitiesDirectory) {
@@ -52,23 +54,28 @@ Loading Load(const OptionalText& boardIdString, const OptionalText& personalitie
   auto list = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
   console.Flush();
   EXPECT_EQ(console.Output(), "");
-  Loading loading = {{}, console.Error(), std::move(list)};
-  if (loading.list) loading.value = loading.list->value;
-  return loading;
+  if (!list) return {{}, console.Error(), list.Error().systemError};
+  const auto value = list->value;
+  return {value, console.Error(), 0, *std::move(list)};
 }
 
-Loading NoFiles(std::string_view boardId) {
-  return {std::nullopt, "fernwick: Error reading plist: No files to support boardID: " +
-                            std::string(boardId) + "\n"};
+Loading NoFiles(std::string_view boardId, int systemError = ENOENT) {
+  return {
+      std::nullopt,
+      "fernwick: Error reading plist: No files to support boardID: " + std::string(boardId) + "\n",
+      systemError};
 }
 
-Loading NoConfig() {
-  return {std::nullopt, "fernwick: Error reading plist: No config file for this project\n"};
+Loading NoConfig(int systemError = ENOENT) {
+  return {std::nullopt, "fernwick: Error reading plist: No config file for this project\n",
+          systemError};
 }
 
-Loading NotRead(std::string_view error, int format) {
-  return {std::nullopt, "fernwick: Error reading plist: " + std::string(error) +
-                            ", format: " + std::to_string(format) + "\n"};
+Loading NotRead(std::string_view error, int format, int systemError = 0) {
+  return {std::nullopt,
+          "fernwick: Error reading plist: " + std::string(error) +
+              ", format: " + std::to_string(format) + "\n",
+          systemError};
 }
 
 // A payload with room for the one board "Zed-42".
@@ -238,7 +245,7 @@ TEST(Configuration, ABoardIdentifierIsReportedAsItIs) {
 TEST(Configuration, AnOverLongBoardIdentifierReportsThatThereAreNoFiles) {
   const Payload payload;
   const std::string boardId(5000, 'Z');
-  EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId));
+  EXPECT_EQ(Load(boardId, payload.PersonalitiesDirectory()), NoFiles(boardId, ENAMETOOLONG));
 }
 
 TEST(Configuration, AnEmptyBoardIdentifierNamesThePersonalitiesDirectory) {
@@ -285,13 +292,13 @@ TEST(Configuration, OfAnotherNameIsMissing) {
 TEST(Configuration, ABoardDirectoryThatIsAPlainFileExistsWithoutAConfiguration) {
   const Payload payload;
   payload.Write("Zed-43", SmallConfig);
-  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig());
+  EXPECT_EQ(Load("Zed-43", payload.PersonalitiesDirectory()), NoConfig(ENOTDIR));
 }
 
 TEST(Configuration, ABoardDirectoryBelowAPlainFileDoesNotExist) {
   const Payload payload;
   payload.Write("Zed-43", SmallConfig);
-  EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x"));
+  EXPECT_EQ(Load("Zed-43/x", payload.PersonalitiesDirectory()), NoFiles("Zed-43/x", ENOTDIR));
 }
 
 TEST(Configuration, ADanglingLinkInsteadOfTheBoardDirectoryDoesNotExist) {
@@ -309,7 +316,7 @@ TEST(Configuration, ADanglingLinkInsteadOfTheFileDoesNotExist) {
 TEST(Configuration, ALinkToItselfDoesNotExist) {
   const Payload payload;
   fs::create_symlink("Config.plist", payload.ConfigPath());
-  EXPECT_EQ(payload.LoadConfig(), NoConfig());
+  EXPECT_EQ(payload.LoadConfig(), NoConfig(ELOOP));
 }
 
 TEST(Configuration, IsReadThroughLinks) {
@@ -344,7 +351,7 @@ TEST(Configuration, AFileThatMayNotBeReadIsReported) {
   payload.RestorePermissions();
   fs::permissions(payload.ConfigPath(), fs::perms::none);
   const testing::Unprivileged unprivileged;
-  EXPECT_EQ(payload.LoadConfig(), NotRead("Permission denied", 0));
+  EXPECT_EQ(payload.LoadConfig(), NotRead("Permission denied", 0, EACCES));
 }
 
 TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHasNoConfiguration) {
@@ -354,7 +361,7 @@ TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHasNoConfiguration) {
   fs::permissions(payload.BoardDirectoryPath(), fs::perms::none);
   {
     const testing::Unprivileged unprivileged;
-    EXPECT_EQ(payload.LoadConfig(), NoConfig());
+    EXPECT_EQ(payload.LoadConfig(), NoConfig(EACCES));
   }
   fs::permissions(payload.BoardDirectoryPath(), fs::perms::owner_all);
 }
@@ -362,7 +369,7 @@ TEST(Configuration, ABoardDirectoryThatMayNotBeSearchedHasNoConfiguration) {
 TEST(Configuration, AFileThatFailsWhileItIsReadIsReported) {
   const Payload payload;
   fs::create_symlink("/proc/self/mem", payload.ConfigPath());
-  EXPECT_EQ(payload.LoadConfig(), NotRead("Input/output error", 0));
+  EXPECT_EQ(payload.LoadConfig(), NotRead("Input/output error", 0, EIO));
 }
 
 TEST(Configuration, AnEmptyFileHasNoSerialisation) {

@@ -23,26 +23,23 @@ struct KeyMatch {
 };
 
 // Tests one candidate against the controller of `check`, and adds the record of a match.
-PairOutcome MatchPair(const KeyMatch& key, const PropertyValue& candidate,
-                      const HardwareRecord& controller, const ControllerCheck& check) {
+bool MatchPair(const KeyMatch& key, const PropertyValue& candidate,
+               const HardwareRecord& controller, const ControllerCheck& check) {
   const auto personality = candidate.AsDictionary();
-  if (!personality) return PairOutcome::NotAPersonality;
-  if (!check.Applies(*personality, key.context.console)) return PairOutcome::Rejected;
+  if (!personality || !check.Applies(*personality, key.context.console)) return false;
   key.matches.push_back(BuildMatchRecord(*personality, controller, key.typeName));
-  return PairOutcome::Matched;
+  return true;
 }
 
-// The controller gets the first candidate that applies. `outcomes` may be null.
-void MatchController(const KeyMatch& key, Array candidates, const HardwareRecord& controller,
-                     std::vector<PairOutcome>* outcomes) {
+// The controller gets the first candidate that applies: returns its index, or KeyTrace::NoMatch.
+std::size_t MatchController(const KeyMatch& key, Array candidates,
+                            const HardwareRecord& controller) {
   const ControllerCheck check(key.type,
                               {controller, key.boardRevision, key.context.bypassVersionCheck});
-  for (const auto& candidate : candidates) {
-    const auto outcome = MatchPair(key, candidate, controller, check);
-    if (outcomes != nullptr) outcomes->push_back(outcome);
-    if (outcome == PairOutcome::Matched) break;
+  for (std::size_t i = 0; i < candidates.size(); ++i) {
+    if (MatchPair(key, candidates[i], controller, check)) return i;
   }
-  if (outcomes != nullptr) outcomes->resize(candidates.size(), PairOutcome::NotReached);
+  return KeyTrace::NoMatch;
 }
 
 // Controllers are matched independently: the one personality of "LegacyUSBC" may apply to several,
@@ -52,8 +49,12 @@ void MatchControllers(const KeyMatch& key, const PropertyValue& value,
   const auto candidates = PersonalitiesOf(key.typeName, value);
   if (key.type == Types::None || !candidates) return;
   for (const auto& controller : inventory.records) {
-    auto* outcomes = trace == nullptr ? nullptr : &trace->outcomes.emplace_back();
-    MatchController(key, *candidates, controller, outcomes);
+    const auto matched = MatchController(key, *candidates, controller);
+    if (trace != nullptr) trace->matched.push_back(matched);
+  }
+  if (trace == nullptr) return;
+  for (const auto& candidate : *candidates) {
+    trace->isPersonality.push_back(candidate.AsDictionary().has_value());
   }
 }
 
@@ -68,6 +69,7 @@ std::optional<Fault> MatchKey(const KeyMatch& key, const PropertyValue& value) {
     return std::nullopt;
   }
   auto& trace = key.context.trace->keys.emplace_back(KeyTrace{std::string(key.typeName)});
+  if (key.type == Types::None) return std::nullopt;
   trace.inventory = *std::move(inventory);
   MatchControllers(key, value, trace.inventory, &trace);
   return std::nullopt;
@@ -78,9 +80,11 @@ std::optional<Fault> MatchKey(const KeyMatch& key, const PropertyValue& value) {
 Result<Matching, Fault> MatchPersonalities(
     const MatchContext& context, const std::optional<std::string>& boardIdString,
     std::uint32_t boardRevision, const std::optional<std::string>& personalitiesDirectory) {
-  Matching matching{.configuration = LoadPersonalityConfiguration(
-                        boardIdString, personalitiesDirectory, context.console),
-                    .matches = {}};
+  auto loaded =
+      LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, context.console);
+  Matching matching;
+  if (!loaded) matching.configurationError = loaded.Error();
+  if (loaded) matching.configuration = *std::move(loaded);
   const auto types =
       matching.configuration ? matching.configuration->value.AsDictionary() : std::nullopt;
   if (!types) {

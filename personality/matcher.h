@@ -26,8 +26,9 @@ struct MatchContext {
 /// What the matcher found. The records view the configuration and the registry, which must outlive
 /// them; moving this keeps them valid.
 struct Matching {
-  std::optional<PropertyList> configuration;  // as it was loaded, its value of whatever kind
-  std::vector<MatchRecord> matches;           // empty: the result of the match is nothing
+  std::optional<PropertyList> configuration = {};  // as it was loaded, its value of whatever kind
+  std::optional<Error> configurationError = {};    // why there is none
+  std::vector<MatchRecord> matches = {};           // empty: the result of the match is nothing
 };
 
 /// Pairs the personalities of the board's configuration with the controllers of the computer. Of

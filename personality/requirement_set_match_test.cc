@@ -71,6 +71,12 @@ Verdict Matching(const Requirement& requirement, const std::optional<PropertyVal
   return verdict;
 }
 
+TEST(Verdict, EqualityIsThatOfTheFailureAndTheDiagnostic) {
+  EXPECT_NE(Met, WrongKind);
+  EXPECT_NE(WrongKind, Unequal);
+  EXPECT_NE(WrongKind, (Verdict{FailureReason::WrongKind, "why"}));
+}
+
 TEST(RequirementSetMatch, AnOptionalKeyThatThePersonalityLacksSetsNoConstraint) {
   EXPECT_EQ(Matching(Optional, Absent, Absent), Met);
   EXPECT_EQ(Matching(Optional, Absent, 2), Met);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,14 +17,28 @@ enum class PairOutcome : std::uint8_t {
   NotAPersonality,  // its value is not a dictionary
 };
 
-/// One top-level key of the configuration: the inventory collected for it and the outcomes of each
-/// of its controllers, one for each personality in the order of the array. The single personality
-/// of "LegacyUSBC" is the only one. No outcomes under a key that names no type and where the value
-/// does not have the shape that its type needs.
+/// One top-level key of the configuration: the inventory collected for it and which personality
+/// each of its controllers matched, by the index in the array. The single personality of
+/// "LegacyUSBC" has the index 0. Only the first match of a controller is stored, from which the
+/// outcomes of all its pairs follow: memory is linear in controllers and personalities.
 struct KeyTrace {
+  static constexpr std::size_t NoMatch = ~std::size_t{0};
+
   std::string key;  // of its own: after a fault there is no configuration that it could view
-  HardwareInventory inventory = {};
-  std::vector<std::vector<PairOutcome>> outcomes = {};  // of the record with the same index
+  HardwareInventory inventory = {};       // not stored for a key that names no type
+  std::vector<bool> isPersonality = {};   // by candidate: whether it is a dictionary
+  std::vector<std::size_t> matched = {};  // by record: the candidate that it matched, or NoMatch
+
+  /// Whether candidates were tried: the key names a type, its value has the shape that the type
+  /// needs, and there is a controller.
+  bool HasPairs() const { return !matched.empty(); }
+
+  /// REQUIRES: both exist, and there are pairs.
+  PairOutcome OutcomeOf(std::size_t record, std::size_t candidate) const {
+    if (candidate == matched[record]) return PairOutcome::Matched;
+    if (candidate > matched[record]) return PairOutcome::NotReached;
+    return isPersonality[candidate] ? PairOutcome::Rejected : PairOutcome::NotAPersonality;
+  }
 };
 
 /// Why a run decided as it did, filled while it decides. The tool itself uses none. The records

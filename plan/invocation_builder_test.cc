@@ -213,8 +213,8 @@ TEST(InvocationBuilder, MergesNvramAlsoForAnUnknownType) {
   const auto built = Build({{{"Personality Type", "Serial"},
                              {"SetNVRAM", Dict({{"a", 1}})},
                              {"ClearNVRAM", List({"b"})}}});
-  EXPECT_EQ(built.plan.nvramToSet, (Record{{"a", 1}}));
-  EXPECT_EQ(built.plan.nvramToClear, (std::vector<PropertyValue>{"b"}));
+  EXPECT_EQ(NvramToSet(built.plan), (Record{{"a", 1}}));
+  EXPECT_EQ(NvramToClear(built.plan), (std::vector<PropertyValue>{"b"}));
 }
 
 TEST(InvocationBuilder, DoubledSlashStaysInBothPaths) {

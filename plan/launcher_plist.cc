@@ -12,8 +12,10 @@ int WritePlan(Console& console, bool verbose, const std::vector<std::string>& ar
   Record list = {{"Version", 1},  // of the list's own format
                  {"Priority", plan.lowestPriority},
                  {"HallowArguments", Array(words)}};
-  if (plan.nvramToSet.Size() > 0) list.Set("SetNVRAM", Dictionary(plan.nvramToSet));
-  if (!plan.nvramToClear.empty()) list.Set("ClearNVRAM", Array(plan.nvramToClear));
+  const auto toSet = NvramToSet(plan);
+  const auto toClear = NvramToClear(plan);
+  if (toSet.Size() > 0) list.Set("SetNVRAM", Dictionary(toSet));
+  if (!toClear.empty()) list.Set("ClearNVRAM", Array(toClear));
   console.Write(WriteXmlPropertyList(Dictionary(list)));
   console.Write("\n");
   console.Flush();

@@ -60,8 +60,8 @@ TEST(WritePlan, WithoutArgumentsWritesNothing) {
 TEST(WritePlan, CarriesNvramSettingsAsTheyAre) {
   PlanValues plan;
   plan.lowestPriority = 0;
-  plan.nvramToSet = {{"b", 1.5}, {"a", List({true})}};
-  plan.nvramToClear = {"x", "x", 7};
+  plan.settings = {testing::Dict({{"b", 1.5}, {"a", List({true})}})};
+  plan.clearings = {List({"x", "x", 7})};
   EXPECT_EQ(Write(false, {"a & b", "\x01"}, plan).flushes,
             std::vector<std::string>{"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                      "<plist version=\"1.0\">\n"

@@ -61,36 +61,49 @@ PlanValues MergedFrom(std::initializer_list<MatchRecord> matches) {
 TEST(MergeNvram, LaterMatchWinsInTheEarlierPosition) {
   const auto plan = MergedFrom(
       {{{"SetNVRAM", Dict({{"a", "1"}, {"b", "1"}})}}, {{"SetNVRAM", Dict({{"c", 2}, {"a", 2}})}}});
-  EXPECT_EQ(plan.nvramToSet, (Record{{"a", 2}, {"b", "1"}, {"c", 2}}));
+  EXPECT_EQ(NvramToSet(plan), (Record{{"a", 2}, {"b", "1"}, {"c", 2}}));
+}
+
+// As merging them one after the other would.
+TEST(MergeNvram, OfManyMatchesOfTheSamePersonalitiesIsTheSame) {
+  const MatchRecord a = {{"SetNVRAM", Dict({{"x", "a"}, {"y", "a"}})}};
+  const MatchRecord b = {{"SetNVRAM", Dict({{"y", "b"}, {"z", "b"}})}};
+  const MatchRecord empty = {{"SetNVRAM", Dictionary()}};
+  const auto merged = [](std::initializer_list<MatchRecord> matches) {
+    return NvramToSet(MergedFrom(matches));
+  };
+  EXPECT_EQ(merged({a, b, a}), (Record{{"x", "a"}, {"y", "a"}, {"z", "b"}}));
+  EXPECT_EQ(merged({b, a, b, b}), (Record{{"y", "b"}, {"z", "b"}, {"x", "a"}}));
+  EXPECT_EQ(merged({empty, a, empty, a}), (Record{{"x", "a"}, {"y", "a"}}));
 }
 
 TEST(MergeNvram, KeepsDuplicatesToClear) {
   const auto plan = MergedFrom({{{"ClearNVRAM", List({"x", "y"})}}, {{"ClearNVRAM", List({"x"})}}});
-  EXPECT_EQ(plan.nvramToClear, (Values{"x", "y", "x"}));
+  EXPECT_EQ(NvramToClear(plan), (Values{"x", "y", "x"}));
 }
 
 TEST(MergeNvram, CarriesElementsThatAreNotStrings) {
   const auto plan = MergedFrom({{{"ClearNVRAM", List({1, Dict({{"a", true}})})}}});
-  EXPECT_EQ(plan.nvramToClear, (Values{1, Dict({{"a", true}})}));
+  EXPECT_EQ(NvramToClear(plan), (Values{1, Dict({{"a", true}})}));
 }
 
 TEST(MergeNvram, AbsentAddsNothing) {
   const auto plan = MergedFrom({{{"Firmware", "a.bin"}}});
-  EXPECT_EQ(plan.nvramToSet, Record());
-  EXPECT_EQ(plan.nvramToClear, Values());
+  EXPECT_EQ(NvramToSet(plan), Record());
+  EXPECT_EQ(NvramToClear(plan), Values());
 }
 
 TEST(MergeNvram, IgnoresOtherShapes) {
   const auto plan = MergedFrom({{{"SetNVRAM", List({"a"})}, {"ClearNVRAM", Dict({{"a", 1}})}},
                                 {{"SetNVRAM", "a"}, {"ClearNVRAM", "a"}}});
-  EXPECT_EQ(plan.nvramToSet, Record());
-  EXPECT_EQ(plan.nvramToClear, Values());
+  EXPECT_EQ(NvramToSet(plan), Record());
+  EXPECT_EQ(NvramToClear(plan), Values());
 }
 
 TEST(MergeNvram, SetAndClearOfOneVariableAreBothKept) {
   const auto plan = MergedFrom({{{"SetNVRAM", Dict({{"a", 1}})}, {"ClearNVRAM", List({"a"})}}});
-  EXPECT_EQ(plan.nvramToSet, (Record{{"a", 1}}));
-  EXPECT_EQ(plan.nvramToClear, (Values{"a"}));
+  EXPECT_EQ(NvramToSet(plan), (Record{{"a", 1}}));
+  EXPECT_EQ(NvramToClear(plan), (Values{"a"}));
 }
 
 }  // namespace

@@ -11,16 +11,20 @@
 namespace fernwick {
 namespace {
 
-Error SystemError() {
-  return {std::strerror(errno)};
+// "1 GiB", "64 MiB" or, where it is no multiple, "1000 bytes".
+std::string SizeText(std::size_t size) {
+  constexpr std::size_t Mebibyte = std::size_t{1} << 20;
+  if (size % (1024 * Mebibyte) == 0) return std::to_string(size / (1024 * Mebibyte)) + " GiB";
+  if (size % Mebibyte == 0) return std::to_string(size / Mebibyte) + " MiB";
+  return std::to_string(size) + " bytes";
 }
 
-Error TooLarge(SizeLimit limit) {
-  return {std::string("the file is larger than ") + limit.name};
+Error TooLarge(std::size_t maxSize) {
+  return {"the file is larger than " + SizeText(maxSize)};
 }
 
 // Grows as it reads: the size may have changed since fstat, and some files report 0.
-Result<std::string> ReadToEnd(int file, std::size_t expectedSize, SizeLimit limit) {
+Result<std::string> ReadToEnd(int file, std::size_t expectedSize, std::size_t maxSize) {
   std::string bytes(expectedSize + 1, '\0');
   std::size_t length = 0;
   for (;;) {
@@ -30,7 +34,7 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize, SizeLimit limi
     if (count < 0) return SystemError();
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
-    if (length > limit.bytes) return TooLarge(limit);
+    if (length > maxSize) return TooLarge(maxSize);
   }
   bytes.resize(length);
   return bytes;
@@ -38,9 +42,21 @@ Result<std::string> ReadToEnd(int file, std::size_t expectedSize, SizeLimit limi
 
 }  // namespace
 
+Error SystemError() {
+  return {.message = std::strerror(errno), .systemError = errno};
+}
+
 bool PathExists(const std::string& path) {
+  return PathError(path) == 0;
+}
+
+int PathError(const std::string& path) {
   struct stat status;
-  return stat(path.c_str(), &status) == 0;
+  return stat(path.c_str(), &status) == 0 ? 0 : errno;
+}
+
+bool IsAbsence(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
 }
 
 const int CautiousReading = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
@@ -49,20 +65,20 @@ Descriptor::~Descriptor() {
   if (number_ >= 0) close(number_);
 }
 
-Result<std::string> ReadWholeFile(const std::string& path) {
+Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize) {
   const Descriptor file(open(path.c_str(), CautiousReading));
   if (file.Number() < 0) return SystemError();
-  return ReadRegularFile(file.Number(), {MaxFileSize, "1 GiB"});
+  return ReadRegularFile(file.Number(), maxSize);
 }
 
-Result<std::string> ReadRegularFile(int file, SizeLimit limit) {
+Result<std::string> ReadRegularFile(int file, std::size_t maxSize) {
   struct stat status;
   if (fstat(file, &status) != 0) return SystemError();
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > limit.bytes) return TooLarge(limit);
-  return ReadToEnd(file, size, limit);
+  if (size > maxSize) return TooLarge(maxSize);
+  return ReadToEnd(file, size, maxSize);
 }
 
 std::string AppendPathComponent(std::string_view path, std::string_view component) {

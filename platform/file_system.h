@@ -9,26 +9,33 @@
 
 namespace fernwick {
 
+/// The error of a call that has just failed, with its errno and the message for it.
+Error SystemError();
+
 /// Whether anything is at the path, links followed. A dangling link, a path through a file and
 /// an over-long path do not exist.
 bool PathExists(const std::string& path);
+
+/// 0 when anything is at the path, as PathExists; otherwise the errno that says why it is not
+/// found.
+int PathError(const std::string& path);
+
+/// Whether that errno means that there is nothing at a path. Any other, such as a lack of
+/// permission or of memory, leaves open what is there.
+bool IsAbsence(int error);
 
 /// In bytes. Larger files are refused: no configuration or recording comes near it, and whatever
 /// is there must not exhaust the computer that is about to be updated.
 inline constexpr std::size_t MaxFileSize = std::size_t{1} << 30;
 
-/// Reads a regular file. Never waits for a writer: a FIFO or a device is an error.
-Result<std::string> ReadWholeFile(const std::string& path);
+/// Reads a regular file of at most `maxSize` bytes. Never waits for a writer: a FIFO or a device is
+/// an error.
+Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize = MaxFileSize);
 
-/// The most bytes that a file may have, and their number as messages name it.
-struct SizeLimit {
-  std::size_t bytes;
-  const char* name;
-};
-
-/// Reads an open file to its end. Anything but a regular file is an error, and so is one above the
-/// limit, whatever size it claims to have: no more than that is read of a file without an end.
-Result<std::string> ReadRegularFile(int file, SizeLimit limit);
+/// Reads an open file to its end. Anything but a regular file is an error, and so is one of more
+/// than `maxSize` bytes, whatever size it claims to have: no more than that is read of a file
+/// without an end.
+Result<std::string> ReadRegularFile(int file, std::size_t maxSize);
 
 /// Flags of open(2) to read what may be any kind of file: it does not wait, as for the writer of a
 /// FIFO, and a terminal does not become that of the process.

@@ -127,9 +127,35 @@ TEST(PathExists, NotForAnOverLongPath) {
   EXPECT_FALSE(PathExists(path));
 }
 
+TEST(PathError, SaysWhyNothingIsFound) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.Write("locked/file", "");
+  EXPECT_EQ(PathError(file), 0);
+  EXPECT_EQ(PathError(file + "x"), ENOENT);
+  EXPECT_EQ(PathError(file + "/x"), ENOTDIR);
+  fs::permissions(directory.Path(), fs::perms(0755));
+  fs::permissions(directory.Path() + "/locked", fs::perms::none);
+  {
+    const Unprivileged unprivileged;
+    EXPECT_EQ(PathError(file), EACCES);
+  }
+  fs::permissions(directory.Path() + "/locked", fs::perms::owner_all);
+}
+
+TEST(IsAbsence, OnlyOfErrorsThatSayThatNothingIsThere) {
+  for (const int error : {ENOENT, ENOTDIR, ENAMETOOLONG, ELOOP}) EXPECT_TRUE(IsAbsence(error));
+  for (const int error : {0, EACCES, ENOMEM, EMFILE, EIO}) EXPECT_FALSE(IsAbsence(error));
+}
+
 /// Expects that the path cannot be read, with that error.
 void ExpectUnreadable(const std::string& path, const std::string& message) {
   EXPECT_EQ(ReadWholeFile(path), Result<std::string>(Error{message}));
+}
+
+/// The same of an error of the operating system, by its errno.
+void ExpectUnreadable(const std::string& path, int error) {
+  EXPECT_EQ(ReadWholeFile(path),
+            Result<std::string>(Error{.message = std::strerror(error), .systemError = error}));
 }
 
 /// Expects that the path can be read and has these bytes.
@@ -175,32 +201,32 @@ TEST(ReadWholeFile, OfAFileThatClaimsToBeEmptyReturnsAllOfIt) {
 
 TEST(ReadWholeFile, ReportsAMissingFile) {
   const TemporaryDirectory directory;
-  ExpectUnreadable(directory.Path() + "/missing", std::strerror(ENOENT));
-  ExpectUnreadable("", std::strerror(ENOENT));
+  ExpectUnreadable(directory.Path() + "/missing", ENOENT);
+  ExpectUnreadable("", ENOENT);
 }
 
 TEST(ReadWholeFile, ReportsADanglingLinkAsMissing) {
   const TemporaryDirectory directory;
   const std::string link = directory.Path() + "/link";
   fs::create_symlink("missing", link);
-  ExpectUnreadable(link, std::strerror(ENOENT));
+  ExpectUnreadable(link, ENOENT);
 }
 
 TEST(ReadWholeFile, ReportsALinkToItself) {
   const TemporaryDirectory directory;
   const std::string link = directory.Path() + "/link";
   fs::create_symlink("link", link);
-  ExpectUnreadable(link, std::strerror(ELOOP));
+  ExpectUnreadable(link, ELOOP);
 }
 
 TEST(ReadWholeFile, ReportsAPathThroughAFile) {
   const TemporaryDirectory directory;
-  ExpectUnreadable(directory.Write("file", "") + "/other", std::strerror(ENOTDIR));
+  ExpectUnreadable(directory.Write("file", "") + "/other", ENOTDIR);
 }
 
 TEST(ReadWholeFile, ReportsAnOverLongPath) {
   const TemporaryDirectory directory;
-  ExpectUnreadable(directory.Path() + "/" + std::string(256, 'a'), std::strerror(ENAMETOOLONG));
+  ExpectUnreadable(directory.Path() + "/" + std::string(256, 'a'), ENAMETOOLONG);
 }
 
 TEST(ReadWholeFile, ReportsADirectory) {
@@ -213,7 +239,7 @@ TEST(ReadWholeFile, ReportsAFileWithoutPermission) {
   const std::string file = directory.Write("file", "text");
   fs::permissions(file, fs::perms::none);
   const Unprivileged unprivileged;
-  ExpectUnreadable(file, std::strerror(EACCES));
+  ExpectUnreadable(file, EACCES);
 }
 
 TEST(ReadWholeFile, OfAFifoWithoutWriterDoesNotWait) {
@@ -237,7 +263,7 @@ TEST(ReadWholeFile, ReportsASocketAsOneThatCannotBeOpened) {
   path.copy(address.sun_path, path.size());
   const int socketNumber = socket(AF_UNIX, SOCK_STREAM, 0);
   ASSERT_EQ(bind(socketNumber, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
-  ExpectUnreadable(path, std::strerror(ENXIO));
+  ExpectUnreadable(path, ENXIO);
   close(socketNumber);
 }
 
@@ -253,6 +279,23 @@ TEST(ReadWholeFile, RefusesAFileWhoseLow32BitsOfSizeAreSmall) {
   const std::string path = directory.Write("sparse", "");
   fs::resize_file(path, 4 * MaxFileSize + 1);
   ExpectUnreadable(path, "the file is larger than 1 GiB");
+}
+
+TEST(ReadWholeFile, RefusesAFileBeyondAMaximumOfItsCaller) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("file", std::string(1001, 'x'));
+  EXPECT_EQ(ReadWholeFile(path, 1001), Result<std::string>(std::string(1001, 'x')));
+  const auto message = [&](std::size_t maxSize) {
+    return ReadWholeFile(path, maxSize).Error().message;
+  };
+  EXPECT_EQ(message(1000), "the file is larger than 1000 bytes");
+  fs::resize_file(path, std::size_t{65} << 20);
+  EXPECT_EQ(message(std::size_t{64} << 20), "the file is larger than 64 MiB");
+}
+
+TEST(ReadWholeFile, RefusesAFileThatGrowsBeyondTheMaximum) {
+  EXPECT_EQ(ReadWholeFile("/proc/sys/kernel/ostype", 3).Error().message,
+            "the file is larger than 3 bytes");
 }
 
 TEST(ReadWholeFile, LeavesNoDescriptorOpen) {

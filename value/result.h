@@ -22,6 +22,7 @@ struct FileLocation {
 struct Error {
   std::string message;
   std::optional<FileLocation> location = std::nullopt;
+  int systemError = 0;  // errno, where the operating system refused a call
 
   friend bool operator==(const Error&, const Error&) = default;
 };

@@ -1,7 +1,7 @@
 #include "value/textual_dump.h"
 
+#include <algorithm>
 #include <string_view>
-#include <utility>
 
 #include "value/calendar_date.h"
 #include "value/number_text.h"
@@ -13,13 +13,18 @@ namespace {
 
 constexpr char HexDigits[] = "0123456789abcdef";
 
+// Text is passed on when there is so much of it.
+constexpr std::size_t PartSize = std::size_t{1} << 16;
+
 class Dumper {
  public:
+  Dumper(const DumpLayout& layout, const TextSink& sink) : layout_(layout), sink_(sink) {}
+
   void Dump(const PropertyValue& value) {
     value.Visit([this](const auto& content) { DumpContent(content); });
   }
 
-  std::string TakeText() { return std::move(text_); }
+  void Finish() { sink_(text_); }
 
  private:
   void DumpContent(Dictionary dictionary) {
@@ -78,7 +83,14 @@ class Dumper {
     text_ += bracket;
   }
 
-  void Indent() { text_.append(4 * level_, ' '); }
+  // Begins a line.
+  void Indent() {
+    if (text_.size() >= PartSize) {
+      sink_(text_);
+      text_.clear();
+    }
+    text_.append(layout_.indentation + 4 * std::min(level_, layout_.maxLevels), ' ');
+  }
 
   void Quote(std::string_view text) {
     text_ += '"';
@@ -103,16 +115,24 @@ class Dumper {
     }
   }
 
-  std::string text_;
+  const DumpLayout layout_;
+  const TextSink& sink_;
+  std::string text_;  // not passed on yet
   std::size_t level_ = 0;
 };
 
 }  // namespace
 
 std::string DumpText(const PropertyValue& value) {
-  Dumper dumper;
+  std::string text;
+  DumpText(value, {}, [&](std::string_view part) { text += part; });
+  return text;
+}
+
+void DumpText(const PropertyValue& value, const DumpLayout& layout, const TextSink& sink) {
+  Dumper dumper(layout, sink);
   dumper.Dump(value);
-  return dumper.TakeText();
+  dumper.Finish();
 }
 
 }  // namespace fernwick

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "testing/property_values.h"
 
@@ -106,6 +107,23 @@ TEST(TextualDump, ContainersAreIndentedByFourBlanksALevel) {
        "    \"d\" = {};\n"
        "}"},
   });
+}
+
+TEST(TextualDump, IsPassedOnInPartsOfWholeLines) {
+  std::vector<PropertyValue> texts(100, PropertyValue(testing::Kept(std::string(1000, 'x'))));
+  const PropertyValue value = Array(std::span<const PropertyValue>(texts));
+  std::vector<std::string> parts;
+  DumpText(value, {}, [&](std::string_view part) { parts.emplace_back(part); });
+  ASSERT_EQ(parts.size(), 2u);
+  EXPECT_TRUE(parts[0].ends_with("\n"));
+  EXPECT_EQ(parts[0] + parts[1], DumpText(value));
+}
+
+TEST(TextualDump, IsIndentedByALayout) {
+  std::string text;
+  DumpText(testing::NestedArrays(3, Array()), {.indentation = 2, .maxLevels = 1},
+           [&](std::string_view part) { text += part; });
+  EXPECT_EQ(text, "(\n      (\n      (\n      ()\n      )\n      )\n  )");
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "lab/explain/explanation.h"
 #include "lab/explain/print.h"
@@ -17,8 +19,10 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char Description[] =
-    "Prints which personality of a payload matches which controller of a recorded computer, or of "
-    "this one, and, for every other pair, why not: all requirements that fail, near misses first.";
+    "Prints what the tool plans for a recorded computer, or for this one: which personality of a "
+    "payload matches which controller and, for every other pair, why not: all requirements that "
+    "fail, near misses "
+    "first. Where a switch of the computer ends the run, also what happens without it.";
 
 constexpr char Example[] =
     "Example:\n"
@@ -38,42 +42,104 @@ bool ShowsEmphasis() {
   return isatty(STDOUT_FILENO) == 1 && (plain == nullptr || *plain == '\0');
 }
 
-}  // namespace
-
-VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
+// The arguments of the verb.
+struct ExplainArguments {
   ComputerOperand computer;
   std::string payload;
   bool bypassVersion = false;
   bool asJson = false;
-  const CommandLine line = {
+  std::string format = "text";
+  std::vector<std::string> types;
+  std::string controller;
+  std::size_t nearest = 0;
+};
+
+CommandLine CommandLineOf(ExplainArguments& into) {
+  return {
       .verb = "explain",
       .description = Description,
       .footer = Example,
       .arguments = {
-          RecordingArgument(computer),
-          HostArgument(computer),
+          RecordingArgument(into.computer),
+          HostArgument(into.computer),
           {.name = "-p,--payload",
-           .target = &payload,
+           .target = &into.payload,
            .help = "the payload directory",
            .least = 1,
            .valueName = "PAYLOAD"},
-          {.name = "--bypassVersion", .target = &bypassVersion, .help = "as the tool's option"},
-          {.name = "--json", .target = &asJson, .help = "print JSON"},
+          {.name = "--bypassVersion",
+           .target = &into.bypassVersion,
+           .help = "as the tool's option"},
+          {.name = "--type",
+           .target = &into.types,
+           .help = "only personalities of this type; may be repeated",
+           .valueName = "TYPE",
+           .choices = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"}},
+          {.name = "--controller",
+           .target = &into.controller,
+           .help = "only the controllers with this name or path",
+           .valueName = "ENTRY"},
+          {.name = "--nearest",
+           .target = BoundedNumber{&into.nearest, 1, 1'000'000},
+           .help = "only so many personalities for each controller, matches and the nearest misses "
+                   "(default: all, as long as they are no more than 10,000 in all)",
+           .valueName = "NUMBER"},
+          {.name = "--format",
+           .target = &into.format,
+           .help = "how to print (default: text)",
+           .valueName = "FORMAT",
+           .choices = {"text", "json"}},
+          {.name = "--json", .target = &into.asJson, .help = "the same as --format json"},
       }};
-  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadComputer(computer);
-  if (!recording) return PrintError(computer.Name(), recording.Error());
-  if (const auto fault = DirectoryFault(payload); !fault.empty()) {
-    return PrintError(payload, {{fault}, LabStatus::UnreadableInput});
-  }
-  const auto explanation = Explain(*recording, ToolOptions(payload, bypassVersion));
+}
+
+ExplainFilter FilterOf(const ExplainArguments& arguments) {
+  ExplainFilter filter = {.controller = arguments.controller};
+  if (!arguments.types.empty()) filter.types = Types::None;
+  for (const auto& type : arguments.types) filter.types |= TypeNamed(type);
+  if (arguments.nearest > 0) filter.nearest = arguments.nearest;
+  return filter;
+}
+
+// Whether a controller was wanted and configurations were matched, but none has the controller.
+bool LacksController(const Explanation& explanation, const ExplainFilter& filter) {
+  const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+  return !filter.controller.empty() && !explained.keys.empty() &&
+         std::ranges::none_of(explained.keys, &ExplainedKey::isSelected);
+}
+
+int Print(const Explanation& explanation, bool asJson) {
   ProcessConsole console;
   const auto print = [&](std::string_view text) { console.Write(text); };
   asJson ? PrintExplanationJson(explanation, print)
          : PrintExplanationText(explanation, ShowsEmphasis(), print);
   const int status = FinishOutput(console);
-  if (status != LabStatus::Done || !explanation.configurationError) return status;
-  return PrintError(*explanation.configurationPath, *explanation.configurationError);
+  const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+  if (status != LabStatus::Done || !explained.configurationError) return status;
+  return PrintError(*explained.configurationPath, *explained.configurationError);
+}
+
+}  // namespace
+
+VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
+  ExplainArguments parsed;
+  const auto line = CommandLineOf(parsed);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  const auto recording = LoadComputer(parsed.computer);
+  if (!recording) return PrintError(parsed.computer.Name(), recording.Error());
+  if (const auto fault = DirectoryFault(parsed.payload); !fault.empty()) {
+    return PrintError(parsed.payload, {{fault}, LabStatus::UnreadableInput});
+  }
+  const auto filter = FilterOf(parsed);
+  const auto explanation =
+      Explain(*recording, ToolOptions(parsed.payload, parsed.bypassVersion), filter);
+  if (LacksController(explanation, filter)) {
+    return PrintError(
+        parsed.computer.Name(),
+        {{"no controller that the payload is matched against is named " + filter.controller},
+         LabStatus::UnreadableInput});
+  }
+  return Print(explanation, parsed.asJson || parsed.format == "json");
 }
 
 }  // namespace fernwick::lab

@@ -1,6 +1,8 @@
 #include "lab/explain/explained_keys.h"
 
+#include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -55,16 +57,36 @@ ExplainedSkip ExplainSkip(const Recording& recording, const SkippedController& s
   return explained;
 }
 
+bool IsSelected(TypeSet type, const ExplainFilter& filter) {
+  return filter.types == Types::All || (type & filter.types) != 0;
+}
+
+// How many pairs of each controller are explained.
+std::size_t PairsOfEach(const RunTrace& trace, const ExplainFilter& filter) {
+  if (filter.nearest) return *filter.nearest;
+  std::size_t controllers = 0;
+  std::size_t pairs = 0;
+  for (const auto& key : trace.keys) {
+    if (!IsSelected(TypeNamed(key.key), filter)) continue;
+    controllers += key.matched.size();
+    pairs += key.matched.size() * key.isPersonality.size();
+  }
+  if (pairs <= MaxPairs) return MaxPairs;
+  return std::max<std::size_t>(1, MaxPairs / controllers);
+}
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
   KeyExplainer(const ToolRun& run, const ConfigurationFile* file, const Recording& recording,
-               const ExplainedSource& boardRevision)
+               const ExplainedSource& boardRevision, const ExplainFilter& filter)
       : result_(run.result),
         file_(file),
         keyLocations_(file == nullptr ? nullptr : &file->Root()),
         recording_(recording),
-        boardRevision_(boardRevision) {}
+        boardRevision_(boardRevision),
+        filter_(filter),
+        pairsOfEach_(PairsOfEach(run.trace, filter)) {}
 
   ExplainedKey Explain(const KeyTrace& trace, const PropertyValue& value) {
     const auto* location = keyLocations_.Find(trace.key);
@@ -73,19 +95,34 @@ class KeyExplainer {
                         .location = LocationOf(location),
                         .type = TypeNamed(trace.key),
                         .hasShape = candidates.has_value(),
-                        .value = value};
+                        .isSelected = IsSelected(TypeNamed(trace.key), filter_),
+                        .value = value,
+                        .controllerCount = trace.inventory.records.size()};
     candidates_ = candidates.value_or(Array());
     if (key.type != Types::None) ExplainPersonalities(location, key);
-    for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
-      key.controllers.push_back(ExplainController(key.type, trace, i));
-    }
-    for (const auto& skipped : trace.inventory.skipped) {
-      key.skipped.push_back(ExplainSkip(recording_, skipped));
-    }
+    if (key.isSelected) ExplainControllers(trace, key);
+    const bool isEmpty = key.controllers.empty() && key.skipped.empty();
+    if (isEmpty && !filter_.controller.empty()) key.isSelected = false;
     return key;
   }
 
  private:
+  void ExplainControllers(const KeyTrace& trace, ExplainedKey& key) const {
+    for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
+      if (!IsWanted(trace.inventory.sources[i].Controller())) continue;
+      key.controllers.push_back(ExplainController(key.type, trace, i));
+    }
+    for (const auto& skipped : trace.inventory.skipped) {
+      if (IsWanted(skipped.controller)) key.skipped.push_back(ExplainSkip(recording_, skipped));
+    }
+  }
+
+  bool IsWanted(RegistryEntry entry) const {
+    const auto& wanted = filter_.controller;
+    return wanted.empty() || NameOf(recording_, entry) == wanted ||
+           EntryPath(recording_, entry) == wanted;
+  }
+
   // Of a key or a value; null: not known.
   template <typename Location>
   std::optional<FileLocation> LocationOf(const Location* location) const {
@@ -97,8 +134,9 @@ class KeyExplainer {
     locations_.clear();
     for (std::size_t i = 0; i < candidates_.size(); ++i) {
       locations_.push_back(LocationOfCandidate(keyLocation, key.type, i));
-      ExplainedPersonality personality{.location = LocationOf(locations_.back()), .firmware = {}};
+      ExplainedPersonality personality{.location = LocationOf(locations_.back())};
       if (const auto dictionary = candidates_[i].AsDictionary()) {
+        personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
         personality.unread = UnreadKeys(*dictionary, key.type, locations_.back());
       }
@@ -124,6 +162,7 @@ class KeyExplainer {
     const auto& source = trace.inventory.sources[index];
     const bool hasThunderbolt = source.port != 0 && source.thunderbolt != 0;
     ExplainedController controller = {
+        .number = index + 1,
         .isPort = source.port != 0,
         .path = EntryPath(recording_, source.Controller()),
         .name = NameOf(recording_, source.Controller()),
@@ -133,21 +172,43 @@ class KeyExplainer {
         .pairs = {},
         .sources = {},
     };
-    if (trace.outcomes.empty()) return controller;
-    for (const auto outcome : trace.outcomes[index]) {
-      ExplainedPair pair = {.personality = controller.pairs.size(), .outcome = outcome};
-      if (outcome == PairOutcome::Rejected) ExplainRejection(type, source, controller, pair);
-      controller.pairs.push_back(std::move(pair));
-    }
+    if (!trace.HasPairs()) return controller;
+    controller.pairs = NearestPairs(type, trace, index, controller.record);
+    controller.otherPairs = candidates_.size() - controller.pairs.size();
+    for (auto& pair : controller.pairs) ExplainFailures(type, source, controller, pair);
     return controller;
   }
 
-  void ExplainRejection(TypeSet type, const RecordSource& source, ExplainedController& controller,
-                        ExplainedPair& pair) const {
-    const auto personality = *candidates_[pair.personality].AsDictionary();
-    const RequirementContext context = {controller.record, result_.identity->boardRevision,
-                                        result_.bypassesVersionCheck};
-    for (const auto& failed : FailedRequirements(type, personality, context)) {
+  // The pairs without their failures, of which there may be many: only the distances are kept.
+  std::vector<ExplainedPair> NearestPairs(TypeSet type, const KeyTrace& trace, std::size_t record,
+                                          Dictionary hardware) const {
+    std::vector<ExplainedPair> pairs;
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+      ExplainedPair pair = {.personality = i, .outcome = trace.OutcomeOf(record, i)};
+      pair.distance = DistanceOf(FailuresOf(type, pair, hardware));
+      pairs.push_back(std::move(pair));
+    }
+    if (pairs.size() <= pairsOfEach_) return pairs;
+    const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>(pairsOfEach_);
+    std::ranges::nth_element(pairs, middle, IsReadBefore);
+    pairs.erase(middle, pairs.end());
+    std::ranges::sort(pairs, {}, &ExplainedPair::personality);
+    return pairs;
+  }
+
+  std::vector<FailedRequirement> FailuresOf(TypeSet type, const ExplainedPair& pair,
+                                            Dictionary hardware) const {
+    const auto personality = candidates_[pair.personality].AsDictionary();
+    if (!personality) return {};
+    const bool isMatch = pair.outcome == PairOutcome::Matched;
+    const RequirementContext context = {hardware, result_.identity->boardRevision,
+                                        result_.bypassesVersionCheck && !isMatch};
+    return FailedRequirements(type, *personality, context);
+  }
+
+  void ExplainFailures(TypeSet type, const RecordSource& source, ExplainedController& controller,
+                       ExplainedPair& pair) const {
+    for (const auto& failed : FailuresOf(type, pair, controller.record)) {
       const auto* at = locations_[pair.personality];
       const auto* key = at == nullptr ? nullptr : FindKey(*at, failed.requirement->key);
       pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
@@ -171,11 +232,20 @@ class KeyExplainer {
   KeyLocations keyLocations_;  // of the top-level keys
   const Recording& recording_;
   const ExplainedSource& boardRevision_;
+  const ExplainFilter& filter_;
+  std::size_t pairsOfEach_;
   Array candidates_;                             // of the key that is explained
   std::vector<const ValueLocation*> locations_;  // of these; null where it is not known
 };
 
 }  // namespace
+
+bool IsReadBefore(const ExplainedPair& a, const ExplainedPair& b) {
+  const auto rank = [](const ExplainedPair& pair) {
+    return std::tuple(pair.outcome, pair.distance, pair.personality);
+  };
+  return rank(a) < rank(b);
+}
 
 ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source) {
   const auto& entry = recording.entries[source.entry - 1];
@@ -190,11 +260,12 @@ ExplainedSource LookUpSource(const Recording& recording, const PropertySource& s
 
 std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFile* file,
                                       const Recording& recording,
-                                      const ExplainedSource& boardRevision) {
+                                      const ExplainedSource& boardRevision,
+                                      const ExplainFilter& filter) {
   std::vector<ExplainedKey> keys;
   const auto configuration = run.result.configuration->value.AsDictionary();
   if (!configuration) return keys;
-  KeyExplainer explainer(run, file, recording, boardRevision);
+  KeyExplainer explainer(run, file, recording, boardRevision, filter);
   for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
     keys.push_back(explainer.Explain(run.trace.keys[i], configuration->Entries()[i].value));
   }

@@ -14,7 +14,12 @@ namespace fernwick::lab {
 /// REQUIRES: the run loaded a configuration.
 std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFile* file,
                                       const Recording& recording,
-                                      const ExplainedSource& boardRevision);
+                                      const ExplainedSource& boardRevision,
+                                      const ExplainFilter& filter);
+
+/// The order in which pairs are read: matches, then rejections, the nearest to a match first;
+/// otherwise that of the file.
+bool IsReadBefore(const ExplainedPair& a, const ExplainedPair& b);
 
 /// The value of a property of an entry of the service plane.
 ExplainedSource LookUpSource(const Recording& recording, const PropertySource& source);

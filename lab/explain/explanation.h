@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "lab/explain/failed_requirement.h"
 #include "lab/support/configuration_file.h"
 #include "lab/support/messages.h"
+#include "lab/support/plan_summary.h"
 #include "lab/support/tool_run.h"
 #include "registry/key_schema.h"
 #include "registry/recorded_registry.h"
@@ -33,22 +35,27 @@ struct ExplainedFailure {
   std::optional<FileLocation> wantedLocation;
 };
 
-/// A personality and a controller that were tested against each other.
+/// A personality and a controller of its kind. Of a rejected pair the first failure decided. One
+/// that was not reached has those that would have rejected it; a match those that would without the
+/// bypass of the version check.
 struct ExplainedPair {
   std::size_t personality;  // in ExplainedKey::personalities
   PairOutcome outcome;
-  std::vector<ExplainedFailure> failures = {};  // the first one decided
+  Distance distance = {};
+  std::vector<ExplainedFailure> failures = {};
 };
 
 /// A controller of an inventory, with the result of each personality on it.
 struct ExplainedController {
+  std::size_t number;  // in the inventory, from 1
   bool isPort;
   std::string path;
   std::string_view name;
   std::string_view thunderboltName;  // of a port, of the Thunderbolt controller above it, if any
   Dictionary record;
   bool isUuidUnread;                 // an earlier port has no UUID, after which none is read
-  std::vector<ExplainedPair> pairs;  // in the order of the file
+  std::vector<ExplainedPair> pairs;  // the selected ones, in the order of the file
+  std::size_t otherPairs = 0;        // the number of those that are not selected
 
   // By the hardware key of each failure in `pairs`, the properties that the value is read from; an
   // empty list: no entry of the registry could have it.
@@ -78,7 +85,8 @@ struct UnreadKey {
 /// A candidate under a type, a personality or not.
 struct ExplainedPersonality {
   std::optional<FileLocation> location;
-  std::optional<PropertyValue> firmware;  // its "Firmware", of any kind
+  bool isDictionary = false;
+  std::optional<PropertyValue> firmware = {};  // its "Firmware", of any kind
   std::vector<UnreadKey> unread = {};
 };
 
@@ -88,11 +96,50 @@ struct ExplainedKey {
   std::optional<FileLocation> location;
   TypeSet type;   // Types::None: the key is not read
   bool hasShape;  // its value is of the shape that the type needs
+  bool isSelected;
   PropertyValue value;
   std::vector<ExplainedPersonality> personalities = {};
-  std::vector<ExplainedController> controllers = {};
-  std::vector<ExplainedSkip> skipped = {};
+  std::vector<ExplainedController> controllers = {};  // the selected ones
+  std::vector<ExplainedSkip> skipped = {};            // as well
+  std::size_t controllerCount = 0;                    // of the inventory
 };
+
+/// An image of the plan.
+struct PlannedImage {
+  std::string_view key;     // of the configuration
+  std::string personality;  // "personality 2 at 50:3"
+  std::size_t number;       // of the personality, from 1
+  std::string controller;   // the path of its entry
+  std::string_view name;    // of the entry
+  std::optional<PropertyValue> installed = {};
+  std::optional<PropertyValue> version = {};  // of the image
+  std::string path;
+  bool isMissing;  // the payload has no such file
+};
+
+/// What the run plans.
+struct ExplainedPlan {
+  PlanSummary summary;
+  std::vector<PlannedImage> images;  // in the order of the plan
+};
+
+/// A switch that is set, and where.
+struct SetSwitch {
+  std::string_view name;
+  bool isBootArgument;  // otherwise an NVRAM variable
+  ExplainedSource source;
+};
+
+/// What of an explanation is wanted.
+struct ExplainFilter {
+  TypeSet types = Types::All;               // the keys of other types, and of none, are left out
+  std::string controller = {};              // the name of an entry or its path; empty: all
+  std::optional<std::size_t> nearest = {};  // this many pairs of each controller; empty: all, as
+                                            // long as they are not more than MaxPairs
+};
+
+/// How many pairs are explained when no number is wanted, at least one of each controller.
+inline constexpr std::size_t MaxPairs = 10'000;
 
 /// How the run ends.
 enum class RunEnd {
@@ -112,13 +159,19 @@ struct Explanation {
   ToolRun run = {};                    // after a fault only the fault
   ExplainedSources faultSources = {};  // the properties that the fault is about
   BoardIdentity identity = {};
+  std::vector<SetSwitch> switches = {};  // the bypass switches that the run reads as set
   std::optional<std::string> configurationPath = {};
   std::optional<LabError> configurationError = {};  // why one that exists cannot be used
+  std::vector<std::string> nearBoards = {};         // of a board that the payload does not have
   bool optionBypassesVersion = false;
+  std::optional<ExplainedPlan> plan = {};
   std::vector<ExplainedKey> keys = {};
+  std::unique_ptr<Explanation> withoutSwitch = {};  // where a switch ends the run: what it would do
+                                                    // otherwise
 };
 
 /// Runs the tool over the computer and explains what it decides.
-Explanation Explain(const Recording& recording, const Options& options);
+Explanation Explain(const Recording& recording, const Options& options,
+                    const ExplainFilter& filter = {});
 
 }  // namespace fernwick::lab

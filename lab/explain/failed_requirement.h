@@ -1,6 +1,9 @@
 #pragma once
 
+#include <compare>
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,7 +13,8 @@
 namespace fernwick::lab {
 
 /// One requirement that a personality does not meet. The values view the personality and the
-/// hardware record.
+/// hardware record. Of a version bound without `found` no version is known to compare it with, and
+/// none that the controller could report would meet it.
 struct FailedRequirement {
   const Requirement* requirement;  // a row of a type's table
   FailureReason reason;
@@ -19,9 +23,23 @@ struct FailedRequirement {
 };
 
 /// All requirements of the type that the personality does not meet, in the order of the table,
-/// where the tool stops at the first. What the table tests twice is there once.
+/// where the tool stops at the first. What the table tests twice is there once. The tool compares
+/// no bound with a version that the controller does not report; a bound that every version would
+/// fail is in the list all the same, so that the pair matches once all that is listed is met.
 std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
                                                   const RequirementContext& context);
+
+/// How far a pair is from a match; less is nearer. What a controller is counts before its version
+/// and the board's revision, so that another port with the right version is farther than the right
+/// port with a version that is too new.
+struct Distance {
+  std::size_t ofController = 0;  // requirements of what the controller is
+  std::size_t whole = 0;         // all that fail
+
+  friend auto operator<=>(const Distance&, const Distance&) = default;
+};
+
+Distance DistanceOf(std::span<const FailedRequirement> failures);
 
 /// What is wrong, with both sides, to follow the requirement's key: "wants 0 at 27:13, finds 1".
 /// The location is that of the personality's value. Safe to show, on one line.

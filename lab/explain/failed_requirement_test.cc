@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+
 #include "testing/dictionaries.h"
 #include "testing/inputs/fitting_personality.h"
 #include "testing/property_values.h"
@@ -13,6 +17,7 @@ namespace {
 using testing::FittingPersonality;
 using testing::FullController;
 using testing::List;
+using testing::SingleEntry;
 using testing::With;
 using testing::Without;
 using Value = std::optional<PropertyValue>;
@@ -56,6 +61,17 @@ TEST(FailureText, OfABoundThatIsNoNumberHasTheBoardsRevision) {
   const Requirement requirement = {.key = "MinBoardRevision", .hardwareKey = ""};
   EXPECT_EQ(FailureText({&requirement, FailureReason::WrongKind, "4", 3}, Location),
             "\"4\" at 9:4 is not a number; the board's revision is 3");
+}
+
+TEST(FailureText, OfABoundThatNoVersionMeetsSaysSo) {
+  EXPECT_EQ(TextOf("Existing Min Version", FailureReason::AboveInstalled, 42, {}),
+            "42 at 9:4 is above every version that the controller could have and the other "
+            "requirements allow");
+  EXPECT_EQ(TextOf("Existing Max Version", FailureReason::BelowInstalled, -1, {}),
+            "-1 at 9:4 is below every version that the controller could have and the other "
+            "requirements allow");
+  EXPECT_EQ(TextOf("Existing Max Version", FailureReason::WrongKind, "1", {}),
+            "\"1\" at 9:4 is not a number; the controller has none");
 }
 
 TEST(AtLocation, IsEmptyForAnUnknownLocation) {
@@ -142,6 +158,100 @@ TEST(FailedRequirements, AreNoneOfTheVersionThatIsBypassed) {
   EXPECT_EQ(FailuresOf(Types::Thunderbolt, Without(FittingPersonality, "Version"),
                        With(FullController, {{"Engineering Version", 64}}), true),
             Texts{});
+}
+
+const Record Port = {{"Port Address", 2}};
+const Record Ridge = {{"Ridge UID", 2}};
+
+// The keys that a "LegacyUSBC" personality with these versions fails on a port without a version.
+std::vector<std::string> FailedKeys(const Record& versions, const Record& controller = Port) {
+  std::vector<std::string> keys;
+  for (const auto& failed : FailedRequirements(Types::LegacyUsbc, versions, {controller})) {
+    keys.emplace_back(failed.requirement->key);
+  }
+  return keys;
+}
+
+TEST(FailedRequirements, WithoutAVersionHaveTheBoundsThatNoVersionMeets) {
+  const Record plain = {{"Version", 5}};
+  const auto with = [&](const Record& bounds) { return FailedKeys(With(plain, bounds)); };
+  EXPECT_EQ(FailedKeys(plain), Texts{"Version"});
+  EXPECT_EQ(with({{"Existing Min Version", 4}, {"Existing Max Version", 4}}), Texts{"Version"});
+  EXPECT_EQ(with({{"Existing Min Version", "4"}}), (Texts{"Version", "Existing Min Version"}));
+  EXPECT_EQ(with({{"Existing Max Version", List({})}}), (Texts{"Version", "Existing Max Version"}));
+  EXPECT_EQ(with({{"Existing Min Version", 5}}), (Texts{"Version", "Existing Min Version"}));
+  EXPECT_EQ(with({{"Existing Max Version", -1}}), (Texts{"Version", "Existing Max Version"}));
+  EXPECT_EQ(with({{"Existing Min Version", 3}, {"Existing Max Version", 2}}),
+            (Texts{"Version", "Existing Max Version"}));
+  EXPECT_EQ(with({{"Existing Min Version", double(NAN)}, {"Existing Max Version", double(NAN)}}),
+            Texts{"Version"});
+}
+
+TEST(FailedRequirements, WithoutAVersionDependOnWhatTheControllerCouldReport) {
+  const Record hundredths = {
+      {"Version", 5}, {"Existing Min Version", 4.5}, {"Existing Max Version", 4.6}};
+  EXPECT_EQ(FailedKeys(hundredths), (Texts{"Version", "Existing Min Version"}));
+  EXPECT_EQ(FailedKeys(hundredths, Ridge), Texts{"Version"});
+  const Record whole = {{"Version", 5}, {"Existing Min Version", 4}, {"Existing Max Version", 4}};
+  EXPECT_EQ(FailuresOf(Types::LegacyThunderbolt, whole, Ridge).at(1),
+            "LegacyThunderbolt: Existing Max Version 4, Version -");
+  const Record high = {{"Version", 1e12}, {"Existing Min Version", 1e11}};
+  EXPECT_EQ(FailedKeys(high), (Texts{"Version", "Existing Min Version"}));
+}
+
+TEST(FailedRequirements, WithoutAVersionThatIsNotNeededHaveNoBounds) {
+  const Record bad = {{"Existing Min Version", "1"}, {"Existing Max Version", -1}};
+  EXPECT_EQ(FailuresOf(Types::LegacyUsbc, bad, Port, true), Texts{});
+}
+
+// Whether the port could report a version with which the personality matches.
+bool MatchesWithAnyVersion(const Record& personality) {
+  StringConsole console;
+  const auto matches = [&](int version) {
+    return CheckLegacyUsbcRequirements(personality, {With(Port, {{"Version", version}})}, console);
+  };
+  return std::ranges::any_of(std::array{0, 1, 2, 3, 4, 5, 6, 7, 8}, matches);
+}
+
+// "would match if these were met" is true, and each of them is needed, for every combination.
+TEST(FailedRequirements, WithoutAVersionAreExactlyWhatMustBeMet) {
+  const std::vector<Value> bounds = {Value(),  Value("1"), Value(0),  Value(1),          Value(2),
+                                     Value(3), Value(7),   Value(-1), Value(double(NAN))};
+  for (const auto& offered : {Value(2), Value(4), Value(0), Value("x"), Value()}) {
+    for (const auto& minimum : bounds) {
+      for (const auto& maximum : bounds) {
+        auto personality = With(SingleEntry("Version", offered),
+                                With(SingleEntry("Existing Min Version", minimum),
+                                     SingleEntry("Existing Max Version", maximum)));
+        const auto keys = FailedKeys(personality);
+        ASSERT_EQ(keys.at(0), "Version");
+        auto met = personality;
+        for (std::size_t i = 1; i < keys.size(); ++i) met = Without(met, keys[i]);
+        const bool isOffered = MatchesWithAnyVersion(SingleEntry("Version", offered));
+        if (!isOffered) met = With(met, {{"Version", 9}});
+        EXPECT_TRUE(MatchesWithAnyVersion(met)) << DumpText(Dictionary(personality));
+        for (std::size_t i = 1; i < keys.size(); ++i) {
+          const auto bound = With(met, SingleEntry(keys[i], *personality.Find(keys[i])));
+          EXPECT_FALSE(MatchesWithAnyVersion(bound)) << DumpText(Dictionary(personality));
+        }
+      }
+    }
+  }
+}
+
+TEST(DistanceOf, ThatOfAnotherControllerIsLongerThanThatOfEveryVersion) {
+  const auto distance = [](const Record& personality) {
+    return DistanceOf(FailedRequirements(Types::Usbc, personality, {FullController, 2}));
+  };
+  const auto tooOld = With(FittingPersonality, {{"Version", 1},
+                                                {"Existing Min Version", 9},
+                                                {"Existing Max Version", 0},
+                                                {"MinBoardRevision", 9}});
+  const auto otherPort = With(FittingPersonality, {{"Port Address", 1}});
+  EXPECT_EQ(distance(FittingPersonality), Distance());
+  EXPECT_EQ(distance(tooOld), (Distance{0, 4}));
+  EXPECT_EQ(distance(otherPort), (Distance{1, 1}));
+  EXPECT_LT(distance(tooOld), distance(otherPort));
 }
 
 }  // namespace

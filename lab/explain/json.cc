@@ -29,8 +29,12 @@ Json LocationJson(const std::optional<FileLocation>& location) {
   return {{"line", location->line}, {"column", location->column}};
 }
 
+Json AsJson(std::string_view text) {
+  return Json(text);
+}
+
 Json TypesJson(TypeSet types) {
-  return ListOf(NamesOf(types), [](std::string_view name) { return Json(name); });
+  return ListOf(NamesOf(types), AsJson);
 }
 
 Json SourceJson(const ExplainedSource& source) {
@@ -56,11 +60,11 @@ Json FailureJson(const ExplainedFailure& failure, const ExplainedController& con
 
 Json PairJson(const ExplainedPair& pair, const ExplainedController& controller) {
   Json json = {{"personality", pair.personality + 1}, {"outcome", NameOf(pair.outcome)}};
-  if (pair.outcome == PairOutcome::Rejected) {
-    json["failures"] = ListOf(pair.failures, [&](const ExplainedFailure& failure) {
-      return FailureJson(failure, controller);
-    });
-  }
+  const bool isTested = pair.outcome != PairOutcome::NotAPersonality;
+  if (!isTested || (pair.outcome == PairOutcome::Matched && pair.failures.empty())) return json;
+  json["failures"] = ListOf(pair.failures, [&](const ExplainedFailure& failure) {
+    return FailureJson(failure, controller);
+  });
   return json;
 }
 
@@ -84,16 +88,19 @@ Json PersonalityJson(const ExplainedPersonality& personality) {
 
 void PrintController(const ExplainedController& controller, JsonStream& stream) {
   stream.Begin('{');
-  stream.AddMembers({{"kind", controller.isPort ? "port" : "thunderbolt"},
+  stream.AddMembers({{"number", controller.number},
+                     {"kind", controller.isPort ? "port" : "thunderbolt"},
                      {"entry", controller.path},
                      {"record", ToJson(PropertyValue(controller.record))}});
   stream.Begin("pairs", '[');
   for (const auto& pair : controller.pairs) stream.Add(PairJson(pair, controller));
   stream.End();
+  stream.AddMembers({{"otherPairs", controller.otherPairs}});
   stream.End();
 }
 
 void PrintKey(const ExplainedKey& key, JsonStream& stream) {
+  if (!key.isSelected) return;
   stream.Begin('{');
   stream.AddMembers({{"key", key.key},
                      {"place", LocationJson(key.location)},
@@ -131,6 +138,46 @@ Json OutcomeJson(const Explanation& explanation) {
   json["fault"] = Describe(*result.fault);
   json["sources"] = ListOf(explanation.faultSources, SourceJson);
   return json;
+}
+
+Json SwitchJson(const SetSwitch& set) {
+  return {{"name", set.name},
+          {"setBy", set.isBootArgument ? "bootArgument" : "nvramVariable"},
+          {"source", SourceJson(set.source)}};
+}
+
+Json ImageJson(const PlannedImage& image) {
+  return {{"key", image.key},
+          {"personality", image.number},
+          {"entry", image.controller},
+          {"installed", ValueOrNull(image.installed)},
+          {"version", ValueOrNull(image.version)},
+          {"path", image.path},
+          {"missing", image.isMissing}};
+}
+
+Json PlanJson(const std::optional<ExplainedPlan>& plan) {
+  if (!plan) return nullptr;
+  auto json = ToJson(plan->summary);
+  json["images"] = ListOf(plan->images, ImageJson);
+  return json;
+}
+
+void PrintMembers(const Explanation& explanation, JsonStream& stream) {
+  const auto& result = explanation.run.result;
+  stream.AddMembers({{"board", BoardJson(explanation.identity)},
+                     {"configuration", OrNull(explanation.configurationPath)},
+                     {"nearBoards", ListOf(explanation.nearBoards, AsJson)},
+                     {"versionCheck",
+                      {{"bypassed", result.bypassesVersionCheck},
+                       {"byOption", explanation.optionBypassesVersion},
+                       {"bySwitch", result.switchBypassesVersion}}},
+                     {"switches", ListOf(explanation.switches, SwitchJson)},
+                     {"outcome", OutcomeJson(explanation)},
+                     {"plan", PlanJson(explanation.plan)}});
+  stream.Begin("keys", '[');
+  for (const auto& key : explanation.keys) PrintKey(key, stream);
+  stream.End();
 }
 
 }  // namespace
@@ -184,19 +231,16 @@ std::string_view NameOf(SkipReason reason) {
 }
 
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {
-  const auto& result = explanation.run.result;
   JsonStream stream(sink);
   stream.Begin('{');
-  stream.AddMembers({{"board", BoardJson(explanation.identity)},
-                     {"configuration", OrNull(explanation.configurationPath)},
-                     {"versionCheck",
-                      {{"bypassed", result.bypassesVersionCheck},
-                       {"byOption", explanation.optionBypassesVersion},
-                       {"bySwitch", result.switchBypassesVersion}}},
-                     {"outcome", OutcomeJson(explanation)}});
-  stream.Begin("keys", '[');
-  for (const auto& key : explanation.keys) PrintKey(key, stream);
-  stream.End();
+  PrintMembers(explanation, stream);
+  if (explanation.withoutSwitch) {
+    stream.Begin("withoutSwitch", '{');
+    PrintMembers(*explanation.withoutSwitch, stream);
+    stream.End();
+  } else {
+    stream.AddMembers({{"withoutSwitch", nullptr}});
+  }
   stream.End();
 }
 

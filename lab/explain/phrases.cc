@@ -13,7 +13,7 @@ namespace fernwick::lab {
 namespace {
 
 std::string CountedControllers(const ExplainedKey& key) {
-  return Counted(key.controllers.size(), ControllerKind(key, false), ControllerKind(key, true));
+  return Counted(key.controllerCount, ControllerKind(key, false), ControllerKind(key, true));
 }
 
 std::string PropertyText(const ExplainedSource& source) {
@@ -98,10 +98,39 @@ std::vector<std::string> SourceLines(const FailedRequirement& failed,
   return lines;
 }
 
-std::string BypassText(bool byOption, bool bySwitch) {
-  return std::string("bypassed by ") + (byOption ? "the option --bypassVersion" : "") +
-         (byOption && bySwitch ? " and " : "") +
-         (bySwitch ? "the switch fernwick_bypassversioncheck" : "");
+std::string SwitchText(const SetSwitch& set) {
+  return std::string("the ") + (set.isBootArgument ? "boot argument " : "NVRAM variable ") +
+         std::string(set.name);
+}
+
+std::string BypassText(const Explanation& explanation) {
+  std::string text = "bypassed by ";
+  if (explanation.optionBypassesVersion) text += "the option --bypassVersion";
+  for (const auto& set : explanation.switches) {
+    text += (explanation.optionBypassesVersion ? " and " : "") + SwitchText(set);
+  }
+  return text;
+}
+
+std::vector<std::string> SettingLines(const PlanSummary& plan) {
+  std::vector<std::string> lines;
+  std::string text;
+  for (const auto& [name, value] : plan.setNvram.items()) {
+    text += (text.empty() ? "" : ", ") + InlineText(name) + " to " + PrintableText(value.dump());
+  }
+  if (!text.empty()) lines.push_back("set NVRAM " + text);
+  text.clear();
+  for (const auto& name : plan.clearNvram) {
+    text += (text.empty() ? "" : ", ") + PrintableText(name.dump());
+  }
+  if (!text.empty()) lines.push_back("clear NVRAM " + text);
+  lines.push_back("options " + PrintableText(plan.options));
+  return lines;
+}
+
+std::string OtherPairsText(const ExplainedController& controller) {
+  return "and " + Counted(controller.otherPairs, "personality", "personalities") +
+         " farther from a match; --nearest shows more";
 }
 
 std::string MissingImageText(const Explanation& explanation) {
@@ -120,13 +149,13 @@ std::string KeySummary(const ExplainedKey& key) {
            (isSingle ? "one dictionary" : "an array of dictionaries") + "; nothing matches";
   }
   const auto personalities = Counted(key.personalities.size(), "personality", "personalities");
-  if (!key.controllers.empty()) return CountedControllers(key) + ", " + personalities;
+  if (key.controllerCount > 0) return CountedControllers(key) + ", " + personalities;
   return "no " + std::string(ControllerKind(key, false)) + " for its " + personalities;
 }
 
 std::string SkipText(const ExplainedKey& key, const ExplainedSkip& skip) {
   std::string text =
-      "passed over: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.name);
+      "passed over: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.path);
   const bool isAddressed = skip.reason == SkipReason::AddressBelowThunderbolt;
   text +=
       isAddressed ? ", below Thunderbolt and not at address 0: " : ", not of the computer itself: ";

@@ -38,8 +38,18 @@ std::string SourceText(const ExplainedSource& source);
 std::vector<std::string> SourceLines(const FailedRequirement& failed,
                                      const ExplainedController& controller);
 
-/// What bypasses the version check. REQUIRES: one of the two does.
-std::string BypassText(bool byOption, bool bySwitch);
+/// "the boot argument fernwick_bypassversioncheck", "the NVRAM variable ...".
+std::string SwitchText(const SetSwitch& set);
+
+/// What bypasses the version check. REQUIRES: the option or a switch does.
+std::string BypassText(const Explanation& explanation);
+
+/// "set NVRAM "a" to 1, "b" to <00>", "clear NVRAM "c"", "options -g -o": what the plan does
+/// besides its images, a line for each kind that is there.
+std::vector<std::string> SettingLines(const PlanSummary& plan);
+
+/// That pairs of a controller are not shown, and how to see them. REQUIRES: there are some.
+std::string OtherPairsText(const ExplainedController& controller);
 
 /// The match that names no image. REQUIRES: the run ended with RunEnd::NoFirmware.
 std::string MissingImageText(const Explanation& explanation);

@@ -18,19 +18,22 @@ Explanation EveryOutcome() {
                                 FileLocation{3, 1, 0}};
   const ExplainedFailure version = {{&VersionRequirement, FailureReason::NotNewer, 1, 2},
                                     FileLocation{3, 1, 0}};
-  const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {version, rid}},
+  const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {1, 2}, {version, rid}},
                                             {1, PairOutcome::NotAPersonality},
-                                            {2, PairOutcome::Rejected, {rid}},
+                                            {2, PairOutcome::Rejected, {1, 1}, {rid}},
                                             {3, PairOutcome::Matched},
                                             {4, PairOutcome::NotReached}};
   ExplainedKey key = {.key = "USBC",
                       .location = FileLocation{2, 1, 0},
                       .type = Types::Usbc,
                       .hasShape = true,
-                      .value = Array()};
-  for (std::size_t i = 0; i < pairs.size(); ++i) key.personalities.push_back({{}, {}, {}});
+                      .isSelected = true,
+                      .value = Array(),
+                      .controllerCount = 1};
+  for (std::size_t i = 0; i < pairs.size(); ++i) key.personalities.push_back({});
   const ExplainedSources fromRid = {{"IOService:/hpm0", "hpm0", "RID", 2, ""}};
-  key.controllers = {{.isPort = true,
+  key.controllers = {{.number = 1,
+                      .isPort = true,
                       .path = "IOService:/hpm0",
                       .name = "hpm0",
                       .thunderboltName = "",
@@ -38,7 +41,8 @@ Explanation EveryOutcome() {
                       .isUuidUnread = false,
                       .pairs = pairs,
                       .sources = {{"RID", fromRid}, {"Version", fromRid}}}};
-  Explanation explanation = {.end = RunEnd::Planned, .keys = {key}};
+  Explanation explanation = {.end = RunEnd::Planned};
+  explanation.keys.push_back(key);
   explanation.run.result.matches.resize(1);
   explanation.run.result.plannedMatches = 1;
   return explanation;
@@ -50,7 +54,7 @@ Explanation OneFailure(const Requirement& requirement, std::optional<PropertyVal
   auto explanation = EveryOutcome();
   auto& controller = explanation.keys[0].controllers[0];
   const auto reason = found ? FailureReason::Unequal : FailureReason::HardwareLacksKey;
-  controller.pairs = {{0, PairOutcome::Rejected, {{{&requirement, reason, 1, found}, {}}}}};
+  controller.pairs = {{0, PairOutcome::Rejected, {1, 1}, {{{&requirement, reason, 1, found}, {}}}}};
   controller.sources = {{requirement.hardwareKey, std::move(sources)}};
   return explanation;
 }
@@ -85,11 +89,77 @@ constexpr char Plain[] =
     "                          \"RID\" of hpm0 is 2\n"
     "                 RID      wants 1 at 3:1, finds 2 [USBC check]\n"
     "                          \"RID\" of hpm0 is 2\n"
-    "    not reached  personality 5; an earlier one took the controller\n"
+    "    not reached  personality 5; an earlier one matched, and it is no dictionary\n"
     "    skipped      personality 2; it is no dictionary\n";
 
 TEST(ExplanationText, HasNearMissesFirst) {
   EXPECT_EQ(TextOf(EveryOutcome(), false), Plain);
+}
+
+TEST(ExplanationText, SaysWhatAPersonalityThatWasNotReachedWouldHaveBeen) {
+  auto explanation = EveryOutcome();
+  auto& key = explanation.keys[0];
+  auto& pair = key.controllers[0].pairs[4];
+  key.personalities[4].isDictionary = true;
+  const auto line = [&] {
+    const auto text = TextOf(explanation, false);
+    const auto start = text.find("    not reached");
+    return text.substr(start, text.find('\n', start) - start);
+  };
+  EXPECT_EQ(line(),
+            "    not reached  personality 5; an earlier one matched, and this one would, too");
+  pair.failures = key.controllers[0].pairs[0].failures;
+  pair.failures.insert(pair.failures.begin(), pair.failures.front());
+  EXPECT_EQ(
+      line(),
+      "    not reached  personality 5; an earlier one matched, this one would fail Version, RID");
+}
+
+TEST(ExplanationText, SaysThatTheBypassMadeAMatch) {
+  auto explanation = EveryOutcome();
+  auto& pairs = explanation.keys[0].controllers[0].pairs;
+  pairs[3].failures = {pairs[0].failures[0]};
+  const auto text = TextOf(explanation, false);
+  EXPECT_NE(
+      text.find("    matched      personality 4; would be rejected without the bypass of the "
+                "version check:\n"
+                "                 Version  1 at 3:1 is not newer than the installed 2 [LegacyUSBC "
+                "check]\n"),
+      std::string::npos);
+}
+
+TEST(ExplanationText, ListsAHundredKeysThatAreNotRead) {
+  auto explanation = EveryOutcome();
+  auto& unread = explanation.keys[0].personalities[0].unread;
+  unread.assign(101, {"Colour", {}, Types::None});
+  EXPECT_NE(TextOf(explanation, false).find("  not read: 1 more key\n"), std::string::npos);
+  unread.pop_back();
+  EXPECT_EQ(TextOf(explanation, false).find("more key"), std::string::npos);
+}
+
+TEST(ExplanationText, OfAnImageWithoutAVersionSaysUnknown) {
+  auto explanation = EveryOutcome();
+  explanation.plan = ExplainedPlan{.summary = {.priority = 3}, .images = {}};
+  explanation.plan->summary.setNvram["a"] = 1;
+  explanation.plan->summary.setNvram["b"] = "x";
+  explanation.plan->summary.clearNvram = {"c", "d"};
+  explanation.plan->summary.options = "-g";
+  explanation.plan->images.push_back({.key = "USBC",
+                                      .personality = "personality 2",
+                                      .number = 2,
+                                      .controller = "IOService:/hpm0",
+                                      .name = "hpm0",
+                                      .path = "p/a.bin",
+                                      .isMissing = true});
+  EXPECT_NE(TextOf(explanation, false)
+                .find("Plan            priority 3\n"
+                      "                p/a.bin (missing)\n"
+                      "                  by USBC, personality 2 for hpm0, version unknown to "
+                      "unknown\n"
+                      "                set NVRAM \"a\" to 1, \"b\" to \"x\"\n"
+                      "                clear NVRAM \"c\", \"d\"\n"
+                      "                options -g\n"),
+            std::string::npos);
 }
 
 TEST(ExplanationText, EmphasisedDiffersInNothingElse) {

@@ -1,6 +1,10 @@
+// Sets of values as sorted lists of numbers: each value has a number (interning), so that a
+// comparison of two lists is a merge of integers, and equal lists are one object (hash-consing).
+
 #include "lab/lint/acceptance.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -31,14 +35,10 @@ std::string Describe(const IntegerRange& range) {
   return "whole numbers from " + lowest + " to " + Shown(range.highest);
 }
 
-bool IsSortedUnique(const AcceptedValues& values) {
-  return std::ranges::adjacent_find(values, [](auto* a, auto* b) { return !IsBefore(a, b); }) ==
-         values.end();
-}
-
 // What the requirement accepts of a single value or of the elements of an array.
-AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const Requirement& requirement) {
-  AcceptedValues values;
+std::vector<const PropertyValue*> ValuesAcceptedBy(const PropertyValue& wanted,
+                                                   const Requirement& requirement) {
+  std::vector<const PropertyValue*> values;
   if (const auto list = wanted.AsArray()) {
     for (const auto& element : *list) {
       if (requirement.equal(element, element)) values.push_back(&element);
@@ -46,10 +46,6 @@ AcceptedValues ValuesAcceptedBy(const PropertyValue& wanted, const Requirement& 
   } else if (IsAcceptedAlone(wanted, requirement)) {
     values.push_back(&wanted);
   }
-  if (IsSortedUnique(values)) return values;
-  std::ranges::sort(values, IsBefore);
-  const auto isSame = [](auto* a, auto* b) { return !IsBefore(a, b); };
-  values.erase(std::unique(values.begin(), values.end(), isSame), values.end());
   return values;
 }
 
@@ -79,23 +75,32 @@ bool AcceptsAnyVersion(const Acceptance& acceptance) {
                              [&](const auto& v) { return IsVersionAccepted(acceptance, v); });
 }
 
-bool AcceptsAnyValue(const std::optional<AcceptedValues>& values, const Requirement& requirement,
+bool AcceptsAnyValue(const std::vector<const PropertyValue*>& values, const Key& key,
                      TypeSet type) {
-  if (!values) return requirement.presence == KeyPresence::OptionalKey;
-  const auto& key = *fernwick::FindKey(requirement.key);
   return std::ranges::any_of(
-      *values, [&](auto* value) { return UnmatchableReason(*value, key, type).empty(); });
+      values, [&](auto* value) { return UnmatchableReason(*value, key, type).empty(); });
 }
 
-bool ContainsAll(const AcceptedValues& wide, const AcceptedValues& narrow) {
-  return narrow.size() <= wide.size() && std::ranges::all_of(narrow, [&](auto* value) {
-           return std::ranges::binary_search(wide, value, IsBefore);
-         });
+// The set that the personality accepts under the key; null when it does not constrain it. Makes
+// `acceptsAny` false when no controller has a value of the set.
+const ValueSet* SetUnder(const Key& key, const LocatedPersonality& personality, ValueSets& sets,
+                         bool& acceptsAny) {
+  const auto* requirement = FindSetRequirement(personality.type, key.name);
+  if (requirement == nullptr) return nullptr;
+  const auto* wanted = ValueOf(personality, key.name);
+  if (wanted == nullptr) {
+    acceptsAny = acceptsAny && requirement->presence == KeyPresence::OptionalKey;
+    return nullptr;
+  }
+  const auto values = ValuesAcceptedBy(*wanted, *requirement);
+  acceptsAny = acceptsAny && AcceptsAnyValue(values, key, personality.type);
+  return acceptsAny ? sets.SetOf(values) : nullptr;
 }
 
-bool CoversSet(const std::optional<AcceptedValues>& wide,
-               const std::optional<AcceptedValues>& narrow) {
-  return !wide || (narrow && ContainsAll(*wide, *narrow));
+bool CoversSet(const ValueSet* wide, const ValueSet* narrow) {
+  if (wide == nullptr || wide == narrow) return true;
+  return narrow != nullptr && narrow->size() <= wide->size() &&
+         std::ranges::includes(*wide, *narrow);
 }
 
 }  // namespace
@@ -110,17 +115,6 @@ std::string UnmatchableReason(const PropertyValue& element, const Key& key, Type
   return "controllers have " + Describe(*range) + " there";
 }
 
-std::vector<const Requirement*> SetRequirements(TypeSet type) {
-  std::vector<const Requirement*> requirements;
-  for (const auto& requirement : RequirementsOf(type)) {
-    const bool isFirst =
-        std::ranges::find(requirements, requirement.key, &Requirement::key) == requirements.end();
-    const bool isSet = requirement.test == RequirementTest::SetMatch;
-    if (isSet && isFirst) requirements.push_back(&requirement);
-  }
-  return requirements;
-}
-
 const Requirement* FindSetRequirement(TypeSet type, std::string_view key) {
   const auto table = RequirementsOf(type);
   const auto found = std::ranges::find_if(table, [&](const Requirement& requirement) {
@@ -129,12 +123,44 @@ const Requirement* FindSetRequirement(TypeSet type, std::string_view key) {
   return found == table.end() ? nullptr : &*found;
 }
 
-bool IsBefore(const PropertyValue* a, const PropertyValue* b) {
-  if (const auto text = a->AsString()) return *text < *b->AsString();
-  return NumberLess(*a, *b);
+const std::vector<const Key*>& SetKeys() {
+  static const std::vector<const Key*> keys = [] {
+    constexpr std::array types = {Types::LegacyThunderbolt, Types::Thunderbolt, Types::LegacyUsbc,
+                                  Types::Usbc};
+    std::vector<const Key*> tested;
+    for (const auto& key : KeySchema()) {
+      const auto isTestedBy = [&](TypeSet type) { return FindSetRequirement(type, key.name); };
+      if (std::ranges::any_of(types, isTestedBy)) tested.push_back(&key);
+    }
+    return tested;
+  }();
+  return keys;
 }
 
-Acceptance AcceptanceOf(const LocatedPersonality& personality) {
+std::size_t SetIndexOf(std::string_view key) {
+  const auto found = std::ranges::find(SetKeys(), key, &Key::name);
+  return static_cast<std::size_t>(found - SetKeys().begin());
+}
+
+bool IsBefore(const PropertyValue* a, const PropertyValue* b) {
+  if (a->IsNumber() != b->IsNumber()) return a->IsNumber();
+  return a->IsNumber() ? NumberLess(*a, *b) : *a->AsString() < *b->AsString();
+}
+
+const ValueSet* ValueSets::SetOf(const std::vector<const PropertyValue*>& values) {
+  ValueSet set;
+  for (const auto* value : values) {
+    const auto next = static_cast<std::uint32_t>(values_.size());
+    const auto [known, isNew] = numbers_.emplace(value, next);
+    if (isNew) values_.push_back(value);
+    set.push_back(known->second);
+  }
+  std::ranges::sort(set);
+  set.erase(std::unique(set.begin(), set.end()), set.end());
+  return &*sets_.insert(std::move(set)).first;
+}
+
+Acceptance AcceptanceOf(const LocatedPersonality& personality, ValueSets& sets) {
   Acceptance acceptance;
   acceptance.version = ValueOf(personality, "Version");
   acceptance.minimum = BoundOf(personality, "Existing Min Version");
@@ -146,17 +172,15 @@ Acceptance AcceptanceOf(const LocatedPersonality& personality) {
   acceptance.scales = VersionScalesOf(personality.type, ValueOf(personality, "Port Address"));
   acceptance.acceptsAny = !acceptance.revisions.IsEmpty() && AcceptsAnyVersion(acceptance) &&
                           !RidContradictsUid(personality);
-  for (const auto* requirement : SetRequirements(personality.type)) {
-    const auto* wanted = ValueOf(personality, requirement->key);
-    auto& values = acceptance.sets.emplace_back();
-    if (wanted != nullptr) values = ValuesAcceptedBy(*wanted, *requirement);
-    acceptance.acceptsAny =
-        acceptance.acceptsAny && AcceptsAnyValue(values, *requirement, personality.type);
+  for (const auto* key : SetKeys()) {
+    if (!acceptance.acceptsAny) break;
+    acceptance.sets.push_back(SetUnder(*key, personality, sets, acceptance.acceptsAny));
   }
+  if (!acceptance.acceptsAny) acceptance.sets = {};
   return acceptance;
 }
 
-bool Covers(const Acceptance& wide, const Acceptance& narrow) {
+bool CoversWindow(const Acceptance& wide, const Acceptance& narrow) {
   if (NumberLess(*wide.version, *narrow.version)) return false;
   if (wide.minimum != nullptr &&
       (narrow.minimum == nullptr || NumberGreater(*wide.minimum, *narrow.minimum))) {
@@ -167,8 +191,19 @@ bool Covers(const Acceptance& wide, const Acceptance& narrow) {
     return false;
   }
   return wide.revisions.lowest <= narrow.revisions.lowest &&
-         wide.revisions.highest >= narrow.revisions.highest &&
-         std::ranges::equal(wide.sets, narrow.sets, CoversSet);
+         wide.revisions.highest >= narrow.revisions.highest;
+}
+
+bool Covers(const Acceptance& wide, const Acceptance& narrow) {
+  return CoversWindow(wide, narrow) && std::ranges::equal(wide.sets, narrow.sets, CoversSet);
+}
+
+bool HaveCommonValue(const ValueSet& a, const ValueSet& b) {
+  for (auto i = a.begin(), j = b.begin(); i != a.end() && j != b.end();) {
+    if (*i == *j) return true;
+    ++(*i < *j ? i : j);
+  }
+  return false;
 }
 
 }  // namespace fernwick::lab

@@ -1,6 +1,7 @@
 #include "lab/lint/board_names.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "lab/lint/finding.h"
 
@@ -73,20 +74,6 @@ std::string NameMeant(std::string_view name) {
   return meant;
 }
 
-// Other boards whose identifiers are of the same length show that zeros fill it up.
-bool AreZerosUsual(const std::string& board, const std::vector<std::string>& boards) {
-  return DigitsOf(board).size() == DigitsOf64Bits ||
-         std::ranges::any_of(boards, [&](const std::string& other) {
-           return other.size() == board.size() && IsWellSpelt(other) && !HasLeadingZero(other);
-         });
-}
-
-std::string Suggestion(const std::string& meant, const std::vector<std::string>& boards) {
-  if (meant.empty()) return "";
-  const bool isThere = std::ranges::find(boards, meant) != boards.end();
-  return "; " + Quoted(meant) + (isThere ? " is there as well" : " may be meant");
-}
-
 }  // namespace
 
 bool IsNoBoard(std::string_view directory) {
@@ -95,25 +82,37 @@ bool IsNoBoard(std::string_view directory) {
   return std::ranges::find(Names, directory) != std::end(Names);
 }
 
-std::optional<std::string> BoardNameProblem(const std::string& board,
-                                            const std::vector<std::string>& boards) {
-  if (!IsWellSpelt(board)) {
-    return "a board identifier is \"Zed-\" and upper-case hexadecimal digits" +
-           Suggestion(NameMeant(board), boards);
+BoardNames::BoardNames(std::vector<std::string> boards) : boards_(std::move(boards)) {
+  for (const auto& board : boards_) {
+    if (IsWellSpelt(board) && !HasLeadingZero(board)) lengths_.insert(board.size());
   }
-  if (!HasLeadingZero(board) || AreZerosUsual(board, boards)) return std::nullopt;
-  return "leading zeros are part of the name, and boards have them only to reach a common length" +
-         Suggestion(WithoutZeros(board), boards);
+  for (const auto& board : boards_) {
+    if (!Problem(board)) firstOfNumber_.emplace(WithoutZeros(board), board);
+  }
 }
 
-std::string SameBoardBefore(const std::string& board, const std::vector<std::string>& boards) {
-  if (!IsWellSpelt(board)) return "";
-  for (const auto& other : boards) {
-    if (other == board) break;
-    if (!IsWellSpelt(other) || WithoutZeros(other) != WithoutZeros(board)) continue;
-    if (!BoardNameProblem(other, boards)) return other;
+std::optional<std::string> BoardNames::Problem(const std::string& board) const {
+  if (!IsWellSpelt(board)) {
+    return "a board identifier is \"Zed-\" and upper-case hexadecimal digits" +
+           Suggestion(NameMeant(board));
   }
-  return "";
+  // Other boards whose identifiers are of the same length show that zeros fill it up.
+  const bool areZerosUsual =
+      DigitsOf(board).size() == DigitsOf64Bits || lengths_.contains(board.size());
+  if (!HasLeadingZero(board) || areZerosUsual) return std::nullopt;
+  return "leading zeros are part of the name, and boards have them only to reach a common length" +
+         Suggestion(WithoutZeros(board));
+}
+
+std::string BoardNames::SameBefore(const std::string& board) const {
+  const auto first = firstOfNumber_.find(WithoutZeros(board));
+  return first == firstOfNumber_.end() || first->second == board ? "" : first->second;
+}
+
+std::string BoardNames::Suggestion(const std::string& meant) const {
+  if (meant.empty()) return "";
+  const bool isThere = std::ranges::binary_search(boards_, meant);
+  return "; " + Quoted(meant) + (isThere ? " is there as well" : " may be meant");
 }
 
 bool LooksLikeBoard(std::string_view directory) {

@@ -1,12 +1,8 @@
 #include "lab/lint/configuration.h"
 
-#include <utility>
-
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/gaps.h"
-#include "lab/lint/nvram.h"
-#include "lab/lint/overlap.h"
+#include "lab/lint/comparisons.h"
 #include "lab/lint/rid.h"
 #include "lab/lint/shadowing.h"
 
@@ -14,6 +10,7 @@ namespace fernwick::lab {
 namespace {
 
 void LintPersonality(const LocatedPersonality& personality, ConfigurationFindings& findings) {
+  findings.Enter(&personality);
   LintKeys(personality, findings);
   LintValues(personality, findings);
   LintDoubtfulValues(personality, findings);
@@ -25,40 +22,26 @@ void LintPersonality(const LocatedPersonality& personality, ConfigurationFinding
   LintFirmwareMode(personality, findings);
   LintNvramShapes(personality, findings);
   LintNvramNames(personality, findings);
-}
-
-// Those that can match and are not shadowed go to the end of `live`.
-void LintReach(const LintSubject& subject, const LocatedType& type,
-               std::vector<LivePersonality>& live, ConfigurationFindings& findings) {
-  std::vector<Acceptance> acceptances;
-  for (const auto& personality : type.personalities) {
-    acceptances.push_back(AcceptanceOf(personality));
-  }
-  const auto shadowing = FindShadowed(acceptances);
-  LintShadowing(subject, type, shadowing, findings);
-  for (std::size_t i = 0; i < acceptances.size(); ++i) {
-    if (!acceptances[i].acceptsAny || shadowing.shadowedBy[i] != i) continue;
-    live.push_back({&type.personalities[i], std::move(acceptances[i])});
-  }
+  findings.Enter(nullptr);
 }
 
 }  // namespace
 
-std::vector<ConfigurationFindings::Row> LintConfiguration(const LintSubject& subject,
-                                                          const BoardFiles& files) {
-  ConfigurationFindings findings;
+void LintConfiguration(const LintSubject& subject, const BoardFiles& files,
+                       ConfigurationFindings& findings) {
   LintDuplicateKeys(subject.file.Root(), findings);
   LintShape(subject, findings);
+  ValueSets sets;
   std::vector<LivePersonality> live;
   for (const auto& type : subject.types) {
     for (const auto& personality : type.personalities) LintPersonality(personality, findings);
-    LintReach(subject, type, live, findings);
+    LintShadowing(subject, type, sets, live, findings);
   }
   LintOverlaps(subject, live, findings);
+  LintImageOrder(subject, live, sets, findings);
   LintGaps(subject, live, findings);
   LintImages(subject, files, findings);
   LintNvramVariables(subject, live, findings);
-  return findings.TakeSorted();
 }
 
 }  // namespace fernwick::lab

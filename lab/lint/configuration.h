@@ -1,15 +1,13 @@
 #pragma once
 
-#include <vector>
-
 #include "lab/lint/finding.h"
 #include "lab/lint/images.h"
 #include "lab/lint/subject.h"
 
 namespace fernwick::lab {
 
-/// Everything that is wrong with a configuration that could be read, by location.
-std::vector<ConfigurationFindings::Row> LintConfiguration(const LintSubject& subject,
-                                                          const BoardFiles& files);
+/// Looks for everything that can be wrong with a configuration that could be read.
+void LintConfiguration(const LintSubject& subject, const BoardFiles& files,
+                       ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

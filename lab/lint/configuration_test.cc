@@ -1,7 +1,5 @@
 // What lint says of a configuration, whole, without the locations: those are compared by the pairs.
 
-#include "lab/lint/configuration.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "lab/lint/linted.h"
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
@@ -66,17 +65,10 @@ Dictionary AllTypes() {
 
 // Lines "SEVERITY: MESSAGE [ID]" in the order of the locations.
 std::string LintOutput(const PropertyValue& configuration) {
-  const testing::TemporaryDirectory directory;
-  directory.Write("Fernwick/RidgeFlash.efi", "RidgeFlash.efi");
-  directory.Write("Fernwick/PortFlash.efi", "PortFlash.efi");
-  directory.Write("Fernwick/Zed-42/a.bin", "Zed-42/a.bin");
-  directory.Write("Fernwick/Zed-42/c.bin", "c");
-  directory.Write("Fernwick/Zed-42/images/b.bin", "Zed-42/images/b.bin");
-  const auto path = directory.Path() + "/Fernwick";
-  const auto file =
-      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
   std::string output;
-  for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row :
+       LintedRows(directory.Path(), configuration, {"a.bin", "c.bin", "images/b.bin"})) {
     output.append(NameOf(row.rule->severity)).append(": ").append(row.message);
     output.append(" [").append(row.rule->id).append("]\n");
   }
@@ -135,7 +127,7 @@ const Named<Row> Shapes[] = {
 };
 
 const Named<Row> Keys[] = {
-    {"ThatNothingReads",
+    {"Unread",
      {Usbc({{"Author", 1}, {"Personality Type", "x"}, {"firmware_mode", 1}}),
       "note: \"Author\" is not read, so it has no effect [unread-key]\n"
       "note: \"Personality Type\" is replaced by the type of the personality "
@@ -243,10 +235,10 @@ const std::string NoVersion =
     "error: no version that can be installed is in the window of this personality "
     "[empty-version-window]\n";
 
-std::string JustMissed(const std::string& maximum, const std::string& held) {
+std::string JustMissed(const std::string& maximum, const std::string& reported) {
   return "warning: \"Existing Max Version\" " + maximum +
-         " excludes the version that it names, which a Thunderbolt controller reports as " + held +
-         " [maximum-just-missed]\n";
+         " excludes the version that it names, which a Thunderbolt controller reports as " +
+         reported + " [maximum-just-missed]\n";
 }
 
 const Named<Row> Versions[] = {
@@ -258,7 +250,7 @@ const Named<Row> Versions[] = {
      {LegacyThunderbolt({{"Existing Min Version", 42.0}}),
       "error: \"Version\" 42 is not above \"Existing Min Version\" 42 "
       "[version-not-above-minimum]\n"}},
-    // 42.00 is held as 42.000000001, which is above 42.
+    // 42.00 is stored as 42.000000001, which is above 42.
     {"BelowTheFirstHundredth", {LegacyThunderbolt({{"Existing Min Version", 41.635}}), NoVersion}},
     {"AtTheLastHundredth", {LegacyThunderbolt({{"Existing Min Version", 41.63}}), ""}},
     {"Zero", {LegacyThunderbolt({{"Version", 0}}), NoVersion}},
@@ -306,7 +298,7 @@ const Named<Row> BoardRevisions[] = {
      {Usbc({{"MinBoardRevision", 256}}),
       "error: no board revision, 0 to 255, is within the bounds of this personality "
       "[empty-board-revision-range]\n"}},
-    {"HoldingNothingBack",
+    {"ExcludingNothing",
      {Usbc({{"MinBoardRevision", -1}, {"MaxBoardRevision", 1000}}),
       "warning: \"MinBoardRevision\" is -1, but board revisions are 0 to 255, so it excludes "
       "nothing [board-revision-out-of-range]\n"
@@ -356,8 +348,8 @@ const Named<Row> Images[] = {
       "[image-not-a-plain-name]\n"}},
 };
 
-std::string Altered(const std::string& said, const std::string& taken) {
-  return "warning: \"Priority\" is " + said + ", which counts as " + taken +
+std::string Altered(const std::string& written, const std::string& read) {
+  return "warning: \"Priority\" is " + written + ", which counts as " + read +
          " [altered-priority]\n";
 }
 
@@ -379,8 +371,8 @@ const Named<Row> Priorities[] = {
       "[priority-without-effect]\n"}},
 };
 
-std::string AlteredMode(const std::string& said, const std::string& taken) {
-  return "warning: \"Firmware Mode\" is " + said + ", which the plan reads as " + taken +
+std::string AlteredMode(const std::string& written, const std::string& read) {
+  return "warning: \"Firmware Mode\" is " + written + ", which the plan reads as " + read +
          " [altered-firmware-mode]\n";
 }
 

@@ -5,7 +5,7 @@
 
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/doubtful_rules.h"
+#include "lab/lint/rules/doubtful_rules.h"
 
 namespace fernwick::lab {
 namespace {
@@ -52,20 +52,14 @@ bool IsComparable(const PropertyValue& value) {
   return value.AsString() || NumbersEqual(value, value);
 }
 
-// Numbers before text; numbers by value, text by its bytes.
-bool IsLess(const PropertyValue* a, const PropertyValue* b) {
-  if (a->IsNumber() != b->IsNumber()) return a->IsNumber();
-  return IsBefore(a, b);
-}
-
 void LintRepetitions(const LocatedEntry& entry, Array list, ConfigurationFindings& findings) {
   std::vector<const PropertyValue*> values;
   for (const auto& value : list) {
     if (IsComparable(value)) values.push_back(&value);
   }
-  std::ranges::stable_sort(values, IsLess);
+  std::ranges::stable_sort(values, IsBefore);
   for (std::size_t i = 1; i < values.size(); ++i) {
-    if (IsLess(values[i - 1], values[i])) continue;
+    if (IsBefore(values[i - 1], values[i])) continue;
     const auto index = static_cast<std::size_t>(values[i] - list.begin());
     findings.Add(LintRuleOf::RepeatedElement, OffsetOfElement(entry, index),
                  Shown(*values[i]) + " is in " + Quoted(entry.key) + " twice");

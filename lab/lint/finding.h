@@ -1,26 +1,43 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "lab/lint/rules.h"
+#include "lab/lint/fingerprint.h"
+#include "lab/lint/rules/rules.h"
+#include "lab/lint/subject.h"
 #include "lab/support/configuration_file.h"
 
 namespace fernwick::lab {
 
-/// One violation of a rule.
+/// One violation of a rule, or the violations of one rule in one file that are not listed each.
 struct Finding {
   const LintRule* rule;
-  std::string path;                   // of a file or directory, as it was named or found
-  std::optional<FileLocation> place;  // nullopt: the file or directory as a whole
-  std::string message;                // one sentence, fit for a terminal
+  std::string path;                      // of a file or directory, as it was named or found
+  std::optional<FileLocation> location;  // nullopt: the file or directory as a whole
+  std::string message;                   // one sentence, fit for a terminal
+  std::uint64_t fingerprint = 0;         // of its identity
+  std::size_t count = 1;                 // how many violations it stands for
   Severity severity = rule->severity;
 };
 
-/// What was found in one configuration, by the offsets of its values.
+/// Decides whether a violation is reported. It is called once for each.
+using FindingFilter = std::function<bool(const FindingIdentity&)>;
+
+/// Of a rule no more than this many violations in one file are listed.
+inline constexpr std::size_t MaxListed = 100;
+
+/// The message of a finding that stands for so many violations.
+std::string MessageOfUnlisted(std::size_t count);
+
+/// What was found in one configuration, by the offsets of its values. Its memory is bounded: of
+/// each rule the first MaxListed violations are stored, and the number of the others.
 class ConfigurationFindings {
  public:
   /// One finding; the offset is in bytes, as ValueLocation has it.
@@ -28,17 +45,38 @@ class ConfigurationFindings {
     const LintRule* rule;
     std::size_t offset;
     std::string message;
+    std::uint64_t fingerprint = 0;
+    std::size_t count = 1;
   };
 
-  void Add(const LintRule& rule, std::size_t offset, std::string message) {
-    rows_.push_back({&rule, offset, std::move(message)});
-  }
+  /// `path` is that of the configuration, relative to the payload.
+  explicit ConfigurationFindings(std::string path = {}, FindingFilter filter = {})
+      : path_(std::move(path)), filter_(std::move(filter)) {}
 
-  /// By offset, then by ID, then by message.
+  /// The violations that are added next are in this personality, or (null) in none. It must exist
+  /// as long as they are added.
+  void Enter(const LocatedPersonality* personality);
+
+  void Add(const LintRule& rule, std::size_t offset, std::string message);
+
+  /// By offset, then by ID, then by message. What is not listed of a rule is one row where it
+  /// begins.
   std::vector<Row> TakeSorted();
 
  private:
-  std::vector<Row> rows_;
+  struct RowsOfRule {
+    std::vector<Row> rows;
+    std::size_t unlisted = 0;
+    std::size_t unlistedOffset = 0;  // of the first of them
+  };
+
+  static void Shorten(RowsOfRule& ofRule);
+
+  std::string path_;
+  FindingFilter filter_;  // may be empty: everything is reported
+  const LocatedPersonality* personality_ = nullptr;
+  std::optional<std::uint64_t> identity_;  // of the personality, once it is computed
+  std::map<const LintRule*, RowsOfRule> found_;
 };
 
 /// "Excerpt" in double quotes: a text from a file, short and fit for a terminal.

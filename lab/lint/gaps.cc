@@ -1,8 +1,7 @@
 // Interval covering. The personalities are grouped by what they accept; in each group the intervals
 // are sorted by where they begin, and a gap is where one begins after all earlier ones have ended.
-// O(n log n) for a group, for each board revision at which one of its personalities begins.
-
-#include "lab/lint/gaps.h"
+// O(n log n) for a group, and O(n) for each board revision at which one of its personalities
+// begins.
 
 #include <algorithm>
 #include <cmath>
@@ -14,24 +13,13 @@
 #include <tuple>
 #include <utility>
 
-#include "lab/lint/version_rules.h"
-#include "value/textual_dump.h"
+#include "lab/lint/comparisons.h"
+#include "lab/lint/rules/version_rules.h"
 
 namespace fernwick::lab {
 namespace {
 
 using Line = std::vector<const LivePersonality*>;
-
-// The same for personalities of one type that accept the same controllers.
-std::string SameControllers(const LivePersonality& live) {
-  std::string text(live.personality->typeName);
-  for (const auto& values : live.acceptance.sets) {
-    text += values ? "\n=" : "\n*";
-    if (!values) continue;
-    for (const auto* value : *values) text.append(DumpText(*value)).append(",");
-  }
-  return text;
-}
 
 std::string LocationOf(const LintSubject& subject, const LivePersonality& live) {
   return Describe(subject.file.LocationOf(live.personality->offset));
@@ -44,6 +32,7 @@ void LintRevisions(const LintSubject& subject, Line line, ConfigurationFindings&
     const int end = last->acceptance.revisions.highest;
     const int begin = live->acceptance.revisions.lowest;
     if (begin > end + 1) {
+      findings.Enter(live->personality);
       findings.Add(LintRuleOf::BoardRevisionGap, live->personality->offset,
                    "this personality begins at board revision " + std::to_string(begin) +
                        ", but the one for the same controllers at " + LocationOf(subject, *last) +
@@ -79,19 +68,34 @@ bool BeginsBefore(const LivePersonality* a, const LivePersonality* b) {
   return beginOfA == nullptr || NumberLess(*beginOfA, *beginOfB);
 }
 
+// A personality of a line, and the version at which its window ends; nullopt when it never does.
+struct Step {
+  const LivePersonality* live;
+  std::optional<PropertyValue> end;
+};
+
+// The steps in the order in which their windows begin.
+std::vector<Step> StepsOf(Line line) {
+  std::ranges::stable_sort(line, BeginsBefore);
+  const auto scale = ScaleOf(line);
+  std::vector<Step> steps;
+  for (const auto* live : line) {
+    const auto& window = live->acceptance;
+    steps.push_back({live, LowestVersionAfter(scale, *window.version, window.maximum)});
+  }
+  return steps;
+}
+
 // The personalities with a gap before their windows, and the lowest version in it.
 using Gaps = std::map<const LivePersonality*, PropertyValue>;
 
-void FindGaps(Line line, Gaps& gaps) {
-  std::ranges::stable_sort(line, BeginsBefore);
-  const auto scale = ScaleOf(line);
+void FindGaps(const std::vector<Step>& steps, int revision, Gaps& gaps) {
   std::optional<PropertyValue> end;
-  for (const auto* live : line) {
-    const auto& window = live->acceptance;
-    if (end && window.minimum != nullptr && NumberGreater(*window.minimum, *end)) {
-      gaps.emplace(live, *end);
-    }
-    const auto next = LowestVersionAfter(scale, *window.version, window.maximum);
+  for (const auto& [live, next] : steps) {
+    const auto& [lowest, highest] = live->acceptance.revisions;
+    if (revision < lowest || revision > highest) continue;
+    const auto* minimum = live->acceptance.minimum;
+    if (end && minimum != nullptr && NumberGreater(*minimum, *end)) gaps.emplace(live, *end);
     if (!next) return;
     if (!end || NumberGreater(*next, *end)) end = next;
   }
@@ -100,17 +104,12 @@ void FindGaps(Line line, Gaps& gaps) {
 void LintWindows(const Line& line, ConfigurationFindings& findings) {
   std::set<int> revisions;
   for (const auto* live : line) revisions.insert(live->acceptance.revisions.lowest);
+  const auto steps = StepsOf(line);
   Gaps gaps;
-  for (const int revision : revisions) {
-    Line atRevision;
-    std::ranges::copy_if(line, std::back_inserter(atRevision), [&](const auto* live) {
-      const auto& range = live->acceptance.revisions;
-      return range.lowest <= revision && revision <= range.highest;
-    });
-    FindGaps(std::move(atRevision), gaps);
-  }
+  for (const int revision : revisions) FindGaps(steps, revision, gaps);
   for (const auto& [live, version] : gaps) {
     const auto* minimum = live->personality->Find("Existing Min Version");
+    findings.Enter(live->personality);
     findings.Add(LintRuleOf::VersionGap, minimum->valueOffset,
                  "this personality begins at " + Shown(*minimum->value) +
                      ", but the installed version " + Shown(version) +
@@ -123,13 +122,17 @@ void LintWindows(const Line& line, ConfigurationFindings& findings) {
 
 void LintGaps(const LintSubject& subject, const std::vector<LivePersonality>& live,
               ConfigurationFindings& findings) {
-  std::map<std::string, Line> lines;
-  for (const auto& one : live) lines[SameControllers(one)].push_back(&one);
+  // By the type and all that is accepted.
+  std::map<std::pair<TypeSet, std::vector<const ValueSet*>>, Line> lines;
+  for (const auto& one : live) {
+    lines[{one.personality->type, one.acceptance.sets}].push_back(&one);
+  }
   for (const auto& [controllers, line] : lines) {
     if (line.size() < 2) continue;
     LintRevisions(subject, line, findings);
     LintWindows(line, findings);
   }
+  findings.Enter(nullptr);
 }
 
 }  // namespace fernwick::lab

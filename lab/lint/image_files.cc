@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <functional>
 
-#include "lab/lint/payload_rules.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/payload_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -27,8 +27,9 @@ bool IsInside(const std::string& path, const std::string& directory) {
 
 }  // namespace
 
-bool ImageFiles::Lint(std::string_view name, const std::string& path, std::size_t offset) {
-  const auto contents = ReadWholeFile(path);
+std::optional<std::string> ImageFiles::Read(std::string_view name, const std::string& path,
+                                            std::size_t offset) {
+  auto contents = ReadWholeFile(path);
   if (!contents) {
     findings_.Add(LintRuleOf::UnreadableFile, offset,
                   Quoted(name) + " cannot be read: " + contents.Error().message);
@@ -38,19 +39,19 @@ bool ImageFiles::Lint(std::string_view name, const std::string& path, std::size_
     findings_.Add(LintRuleOf::PointerFile, offset,
                   Quoted(name) + " is the pointer file of a large-file store, not the file itself");
   } else {
-    return true;
+    return *std::move(contents);
   }
-  return false;
+  return std::nullopt;
 }
 
 void ImageFiles::LintImage(std::string_view name, const std::string& path,
                            const std::string& boardDirectory, std::size_t offset) {
+  const auto contents = Read(name, path, offset);
+  if (!contents) return;
   if (!IsInside(path, boardDirectory)) {
     findings_.Add(LintRuleOf::ImageLinkedOutside, offset,
                   Quoted(name) + " is a link to a file outside the board directory");
   }
-  const auto contents = ReadWholeFile(path);
-  if (!contents) return;
   const std::pair key(contents->size(), std::hash<std::string>()(*contents));
   const auto [same, isNew] = images_.emplace(key, name);
   if (isNew || same->second == name) return;

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "lab/lint/image_files.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "personality/requirements.h"
 #include "plan/invocation_builder.h"
 #include "plan/value_conversions.h"
@@ -77,7 +77,7 @@ class ImageLinter {
     const auto path = AppendPathComponent(files_.personalitiesDirectory, utility);
     if (type.personalities.empty()) return;
     if (TypeOf(path) == fs::file_type::regular) {
-      contents_.Lint(utility, path, type.entry.keyOffset);
+      contents_.LintUtility(utility, path, type.entry.keyOffset);
       return;
     }
     findings_.Add(LintRuleOf::MissingUtility, type.entry.keyOffset,
@@ -116,8 +116,7 @@ class ImageLinter {
     const auto type = TypeOf(path);
     imageTypes_.emplace(image, type);
     const auto name = Normalised(image).value_or("");
-    if (type == fs::file_type::regular && name != "Config.plist" &&
-        contents_.Lint(name, path, offset)) {
+    if (type == fs::file_type::regular && name != "Config.plist") {
       contents_.LintImage(name, path, files_.boardDirectory, offset);
     }
     return type;
@@ -145,9 +144,11 @@ void LintImages(const LintSubject& subject, const BoardFiles& files,
   for (const auto& type : subject.types) {
     linter.LintUtility(type);
     for (const auto& personality : type.personalities) {
+      findings.Enter(&personality);
       linter.Lint(personality);
       linter.LintVersion(personality);
     }
+    findings.Enter(nullptr);
   }
 }
 

@@ -1,7 +1,8 @@
+#include <algorithm>
 #include <vector>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/shape_rules.h"
+#include "lab/lint/rules/shape_rules.h"
 #include "lab/support/spelling.h"
 
 namespace fernwick::lab {
@@ -21,8 +22,9 @@ const std::vector<std::string_view>& KnownNames() {
   return names;
 }
 
-void LintUnknownKey(const LocatedEntry& entry, const LocatedPersonality& personality,
-                    ConfigurationFindings& findings) {
+// `present` are the keys of the personality that anything reads.
+void LintUnknownKey(const LocatedEntry& entry, TypeSet type,
+                    const std::vector<std::string_view>& present, ConfigurationFindings& findings) {
   if (entry.key == ReservedKeyName) {
     findings.Add(LintRuleOf::ReservedKey, entry.keyOffset,
                  Quoted(entry.key) + " is replaced by the type of the personality");
@@ -34,8 +36,8 @@ void LintUnknownKey(const LocatedEntry& entry, const LocatedPersonality& persona
                  unread + "; \"" + std::string(meant) + "\" may be meant");
     return;
   }
-  const auto similar = SimilarKey(entry.key, personality.type);
-  if (similar.empty() || personality.Find(similar) != nullptr) {
+  const auto similar = SimilarKey(entry.key, type);
+  if (similar.empty() || std::ranges::find(present, similar) != present.end()) {
     findings.Add(LintRuleOf::UnreadKey, entry.keyOffset, unread + ", so it has no effect");
   } else {
     findings.Add(
@@ -58,10 +60,14 @@ void LintMissingKeys(const LocatedPersonality& personality, ConfigurationFinding
 }  // namespace
 
 void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& findings) {
+  std::vector<std::string_view> present;
+  for (const auto& entry : personality.entries) {
+    if (FindPersonalityKey(entry.key) != nullptr) present.push_back(entry.key);
+  }
   for (const auto& entry : personality.entries) {
     const auto* key = FindPersonalityKey(entry.key);
     if (key == nullptr) {
-      LintUnknownKey(entry, personality, findings);
+      LintUnknownKey(entry, personality.type, present, findings);
     } else if (((key->checkedBy | key->plannedBy) & personality.type) == 0) {
       findings.Add(LintRuleOf::KeyNotReadByType, entry.keyOffset,
                    "\"" + std::string(key->name) + "\" constrains nothing in a personality of \"" +

@@ -1,28 +1,44 @@
-#include <algorithm>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "lab/lint/baseline.h"
 #include "lab/lint/payload.h"
 #include "lab/lint/policy.h"
 #include "lab/lint/report.h"
+#include "lab/lint/rules/rule_texts.h"
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
+#include "lab/support/output_file.h"
+#include "lab/support/words.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
 constexpr int FoundSomething = 1;
 
+// In the payload directory.
+constexpr char SettingsFile[] = ".fernwick-lint.json";
+
 constexpr char Description[] =
     "Looks for mistakes in the configurations of a payload, of all its boards or of those named: "
     "what can never match, what does not mean what it seems to, what the plan will lack.";
 
 constexpr char Footer[] =
-    "Exit status: 0 nothing found of the severity of --fail-level; 1 something found; 65 a\n"
-    "configuration is no property list, 66 something cannot be read (the other boards are linted\n"
-    "all the same).\n"
+    "The file .fernwick-lint.json in PAYLOAD, if there is one, has the same settings as --ignore\n"
+    "and --severity, which override it:\n"
+    "  {\"ignore\": [\"unread-key\"], \"severity\": {\"no-priority\": \"error\"}}\n"
+    "\n"
+    "A finding of --baseline is recognised when lines and other personalities were added, removed\n"
+    "or moved. --update-baseline writes the file again, whole or not at all, and creates it.\n"
+    "\n"
+    "Exit status: 0 nothing found of the severity of --fail-level, or --update-baseline; 1\n"
+    "something found; 65 a configuration is no property list, or a file of settings or a baseline\n"
+    "is not well formed; 66 something cannot be read (the other boards are linted all the same).\n"
     "\n"
     "Example:\n"
     "  fernwick-lab lint payload Zed-42 --fail-level warning\n"
@@ -37,6 +53,8 @@ struct LintOptions {
   bool list = false;
   std::vector<std::string> ignored;
   std::vector<std::string> severities;
+  std::optional<std::string> baseline;
+  bool updatesBaseline = false;
 };
 
 CommandLine Declare(LintOptions& options) {
@@ -66,6 +84,13 @@ CommandLine Declare(LintOptions& options) {
                .target = &options.severities,
                .help = "report findings of this ID as error, warning or note; may be repeated",
                .valueName = "ID=LEVEL"},
+              {.name = "--baseline",
+               .target = &options.baseline,
+               .help = "report only findings that are not in this file",
+               .valueName = "FILE"},
+              {.name = "--update-baseline",
+               .target = &options.updatesBaseline,
+               .help = "save all findings as the file of --baseline"},
               {.name = "--explain",
                .target = &options.explained,
                .help = "print why a finding of this ID matters and how to fix it",
@@ -74,17 +99,84 @@ CommandLine Declare(LintOptions& options) {
           }};
 }
 
-int Explain(const std::string& id) {
-  const auto* rule = FindLintRule(id);
-  if (rule != nullptr) return PrintResult(ExplainLintRule(*rule));
-  PrintError("there is no finding \"" + id + "\"; see fernwick-lab lint --list");
+int Refuse(const std::string& message) {
+  PrintError(message);
   return LabStatus::BadUsage;
 }
 
-std::string Rendered(const PayloadLinting& linting, const std::string& format) {
-  if (format == "json") return LintAsJson(linting);
-  if (format == "sarif") return LintAsSarif(linting);
-  return LintAsText(linting);
+int Explain(const std::string& id) {
+  const auto* rule = FindLintRule(id);
+  if (rule != nullptr) return PrintResult(ExplainLintRule(*rule));
+  return Refuse("there is no finding \"" + id + "\"; see fernwick-lab lint --list");
+}
+
+std::unique_ptr<LintFormat> MakeFormat(const std::string& format, Console& console) {
+  if (format == "json") return MakeLintJson(console);
+  if (format == "sarif") return MakeLintSarif(console);
+  return MakeLintText(console);
+}
+
+// What is wrong with the options together; empty when nothing is.
+std::string Fault(const LintOptions& options) {
+  if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
+    return "one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help";
+  }
+  if (!options.updatesBaseline) return "";
+  if (!options.baseline) return "--update-baseline needs --baseline FILE";
+  return options.boards.empty() ? "" : "--update-baseline needs all boards, so it excludes BOARD";
+}
+
+// The status of a file that cannot be used, after a message; Done when both can be.
+int Load(const LintOptions& options, LintPolicy& policy, Baseline& baseline) {
+  const auto settings = AppendPathComponent(*options.payload, SettingsFile);
+  std::error_code error;
+  if (std::filesystem::exists(std::filesystem::symlink_status(settings, error))) {
+    if (const auto fault = policy.ReadFile(settings)) return PrintError(settings, *fault);
+  }
+  if (!options.baseline || (options.updatesBaseline && !PathExists(*options.baseline))) {
+    return LabStatus::Done;
+  }
+  const auto fault = baseline.Read(*options.baseline);
+  return fault ? PrintError(*options.baseline, *fault) : LabStatus::Done;
+}
+
+int Save(const Baseline& baseline, const std::string& path) {
+  const auto error = WriteOutputFile(path, baseline.Text());
+  if (!error.empty()) return PrintError(path, {{error}, LabStatus::OutputLost});
+  const auto saved = Counted(baseline.Found(), "finding", "findings") + " saved\n";
+  ProcessConsole().WriteError(PrintableText(path) + ": " + saved);
+  return LabStatus::Done;
+}
+
+int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline) {
+  ProcessConsole console;
+  const auto format = MakeFormat(options.format, console);
+  LintTotals totals;
+  bool fails = false;
+  const auto isReported = [&](const FindingIdentity& identity) {
+    return !policy.Ignores(*identity.rule) && baseline.IsNew(identity);
+  };
+  const auto report = [&](Finding finding) {
+    finding.severity = policy.SeverityOf(*finding.rule);
+    fails = fails || finding.severity >= SeverityNamed(options.failLevel);
+    Count(finding, totals);
+    format->Add(finding);
+  };
+  const auto linting = LintPayload(*options.payload, options.boards, report, isReported);
+  if (!linting.error.empty()) {
+    PrintError(linting.error);
+    return linting.status;
+  }
+  totals.boards = linting.boards;
+  totals.known = baseline.Known();
+  format->Finish(totals);
+  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
+  if (options.updatesBaseline) {
+    const int lost = Save(baseline, *options.baseline);
+    if (lost != LabStatus::Done) return lost;
+  }
+  if (linting.status != LabStatus::Done) return linting.status;
+  return fails && !options.updatesBaseline ? FoundSomething : LabStatus::Done;
 }
 
 }  // namespace
@@ -93,30 +185,14 @@ VerbEnd Lint(int argumentCount, char* const arguments[]) {
   LintOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
-    PrintError("one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help");
-    return LabStatus::BadUsage;
-  }
+  if (const auto fault = Fault(options); !fault.empty()) return Refuse(fault);
   if (options.list) return PrintResult(ListLintRules());
   if (options.explained) return Explain(*options.explained);
   LintPolicy policy;
-  if (const auto fault = policy.Read(options.ignored, options.severities)) {
-    PrintError(*fault);
-    return LabStatus::BadUsage;
-  }
-  auto linting = LintPayload(*options.payload, options.boards);
-  if (!linting.error.empty()) {
-    PrintError(linting.error);
-    return linting.status;
-  }
-  policy.ApplyTo(linting.findings);
-  const int printed = PrintResult(Rendered(linting, options.format));
-  if (printed != LabStatus::Done) return printed;
-  if (linting.status != LabStatus::Done) return linting.status;
-  const bool fails = std::ranges::any_of(linting.findings, [&](const Finding& finding) {
-    return finding.severity >= SeverityNamed(options.failLevel);
-  });
-  return fails ? FoundSomething : LabStatus::Done;
+  if (const auto fault = policy.Read(options.ignored, options.severities)) return Refuse(*fault);
+  Baseline baseline(options.updatesBaseline);
+  const int status = Load(options, policy, baseline);
+  return status == LabStatus::Done ? Run(options, policy, baseline) : status;
 }
 
 }  // namespace fernwick::lab

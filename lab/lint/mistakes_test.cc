@@ -10,7 +10,7 @@
 
 #include "lab/lint/board_names.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/configuration.h"
+#include "lab/lint/linted.h"
 #include "testing/dictionaries.h"
 #include "testing/named_rows.h"
 #include "testing/property_values.h"
@@ -81,18 +81,14 @@ Dictionary LegacyUsbc(const Record& change) {
 
 // The IDs of the findings in the order of the locations, a blank after each.
 std::string IdsIn(const PropertyValue& configuration) {
-  const testing::TemporaryDirectory directory;
-  directory.Write("Fernwick/RidgeFlash.efi", "x");
-  directory.Write("Fernwick/PortFlash.efi", "x");
-  for (const std::string image : {"a", "ridge", "100", "150", "160", "41.05", "42", "43.105",
+  std::vector<std::string> images;
+  for (const std::string image : {"a", "b", "ridge", "100", "150", "160", "41.05", "42", "43.105",
                                   "43.63", "43.75", "200", "200.5", "inf", "true", "1"}) {
-    directory.Write("Fernwick/Zed-42/" + image + ".bin", image);
+    images.push_back(image + ".bin");
   }
-  const auto path = directory.Path() + "/Fernwick";
-  const auto file =
-      LoadConfiguration(directory.Write("Config.plist", WriteXmlPropertyList(configuration)));
   std::string ids;
-  for (const auto& row : LintConfiguration(LintSubject(*file), {path, path + "/Zed-42"})) {
+  const testing::TemporaryDirectory directory;
+  for (const auto& row : LintedRows(directory.Path(), configuration, images)) {
     ids.append(row.rule->id).append(" ");
   }
   return ids;
@@ -162,6 +158,40 @@ const Named<Row> TwoImages[] = {
     {"ForOtherSilicon",
      {Together(Thunderbolt({{}}), LegacyThunderbolt({{{"Ridge Silicon Revision", 7}}})), ""}},
     {"OfAPortAndItsThunderboltController", {Together(Thunderbolt({{}}), Usbc({{}})), ""}},
+};
+
+const Named<Row> ImageOrders[] = {
+    {"ListsWithACommonValue",
+     {Usbc({{{"RID", List({0, 1})}}, {{"RID", List({1, 2})}, {"Firmware", "ridge.bin"}}}),
+      "order-decides-image "}},
+    {"ListsOfNames",
+     {Thunderbolt({{{"Device Model Name", List({"Slate 13", "Slate 15"})}},
+                   {{"Device Model Name", List({"Slate 11", "Slate 15"})}, {"Firmware", "a.bin"}}}),
+      "order-decides-image "}},
+    {"OneImage", {Usbc({{{"RID", List({0, 1})}}, {{"RID", List({1, 2})}}}), ""}},
+    {"NoCommonValue",
+     {Usbc({{{"RID", List({0, 1})}}, {{"RID", List({2, 3})}, {"Firmware", "ridge.bin"}}}), ""}},
+    {"AllOthersLast",
+     {Usbc({{{"RID", List({0, 1})}}, {{"RID", List({0, 1, 2})}, {"Firmware", "ridge.bin"}}}), ""}},
+    {"TwoKeys",
+     {Usbc({{{"RID", List({0, 1})}, {"Port OTP Revision", 1}},
+            {{"RID", List({1, 2})}, {"Firmware", "ridge.bin"}}}),
+      ""}},
+    {"StepsOfOneUpgrade",
+     {Usbc({{{"RID", List({0, 1})}, {"Version", 150}},
+            {{"RID", List({1, 2})}, {"Existing Min Version", 150}}}),
+      ""}},
+    {"StepsWithoutAMinimum",
+     {Usbc({{{"RID", List({0, 1})}, {"Version", 150}}, {{"RID", List({1, 2})}}}), ""}},
+    {"OtherBoardRevisions",
+     {Usbc({{{"RID", List({0, 1})}, {"MaxBoardRevision", 3}},
+            {{"RID", List({1, 2})}, {"MinBoardRevision", 4}, {"Firmware", "ridge.bin"}}}),
+      ""}},
+    {"TwoStepsBeforeIt",
+     {Usbc({{{"RID", List({0, 1})}, {"Existing Max Version", 99}, {"Firmware", "ridge.bin"}},
+            {{"RID", List({0, 1})}, {"Existing Min Version", 100}, {"Firmware", "ridge.bin"}},
+            {{"RID", List({1, 2})}, {"Existing Min Version", 100}}}),
+      "order-decides-image "}},
 };
 
 Record Setting(const char* name, const PropertyValue& value) {
@@ -269,6 +299,7 @@ using testing::RowName;
 INSTANTIATE_TEST_SUITE_P(Matching, Mistake, ::testing::ValuesIn(NeverMatching), RowName);
 INSTANTIATE_TEST_SUITE_P(Settling, Mistake, ::testing::ValuesIn(NeverSettling), RowName);
 INSTANTIATE_TEST_SUITE_P(TwoImages, Mistake, ::testing::ValuesIn(TwoImages), RowName);
+INSTANTIATE_TEST_SUITE_P(ImageOrder, Mistake, ::testing::ValuesIn(ImageOrders), RowName);
 INSTANTIATE_TEST_SUITE_P(NvramName, Mistake, ::testing::ValuesIn(NvramNames), RowName);
 INSTANTIATE_TEST_SUITE_P(Value, Mistake, ::testing::ValuesIn(Values), RowName);
 INSTANTIATE_TEST_SUITE_P(Gap, Mistake, ::testing::ValuesIn(Gaps), RowName);
@@ -300,9 +331,9 @@ TEST(SimilarKey, IsNoneForAComment) {
   }
 }
 
-const std::vector<std::string> Boards = {"Zed-1A05", "Zed-1A06"};
+const BoardNames Boards({"Zed-1A05", "Zed-1A06"});
 
-TEST(BoardNameProblem, SuggestsTheNameThatIsMeant) {
+TEST(BoardNames, SuggestTheNameThatIsMeant) {
   const std::pair<std::string, std::string> rows[] = {
       {"Zed-1AO7", "Zed-1A07"},     {"zed-1A07", "Zed-1A07"},      {"Zed-1a07", "Zed-1A07"},
       {"1A07", "Zed-1A07"},         {"Zed-Zed-1A07", "Zed-1A07"},  {"Zed-1A07 ", "Zed-1A07"},
@@ -311,32 +342,32 @@ TEST(BoardNameProblem, SuggestsTheNameThatIsMeant) {
       {"Zed1A07", "Zed-1A07"},      {"Zed-1A07~", "Zed-1A07"},     {"Zed-1A07 (2)", "Zed-1A07"},
   };
   for (const auto& [name, meant] : rows) {
-    const auto problem = BoardNameProblem(name, Boards);
+    const auto problem = Boards.Problem(name);
     ASSERT_TRUE(problem) << name;
     EXPECT_NE(problem->find("; \"" + meant + "\" may be meant"), std::string::npos) << *problem;
   }
-  EXPECT_NE(BoardNameProblem("Zed-1A05 copy", Boards)->find("\"Zed-1A05\" is there as well"),
+  EXPECT_NE(Boards.Problem("Zed-1A05 copy")->find("\"Zed-1A05\" is there as well"),
             std::string::npos);
 }
 
-TEST(BoardNameProblem, HasNoSuggestionForAnotherName) {
+TEST(BoardNames, SuggestNothingForAnotherName) {
   for (const std::string name : {"old", "Zed-", "2024 builds"}) {
-    EXPECT_EQ(BoardNameProblem(name, Boards),
+    EXPECT_EQ(Boards.Problem(name),
               "a board identifier is \"Zed-\" and upper-case hexadecimal digits");
   }
 }
 
-TEST(BoardNameProblem, IsNoneOfIdentifiers) {
+TEST(BoardNames, HaveNoProblemWithIdentifiers) {
   for (const std::string name : {"Zed-1A05", "Zed-0", "Zed-0A05", "Zed-0123456789ABCDEF"}) {
-    EXPECT_EQ(BoardNameProblem(name, Boards), std::nullopt) << name;
+    EXPECT_EQ(Boards.Problem(name), std::nullopt) << name;
   }
 }
 
-TEST(SameBoardBefore, DiffersInZerosOnly) {
-  const std::vector<std::string> boards = {"Zed-0A05", "Zed-1A05", "Zed-A05", "Zed-a05"};
-  EXPECT_EQ(SameBoardBefore("Zed-A05", boards), "Zed-0A05");
-  for (const std::string name : {"Zed-0A05", "Zed-1A05", "Zed-a05"}) {
-    EXPECT_EQ(SameBoardBefore(name, boards), "") << name;
+TEST(BoardNames, FindTheBoardThatDiffersInZerosOnly) {
+  const BoardNames boards({"Zed-00A05", "Zed-0A05", "Zed-1A05", "Zed-A05", "Zed-a05"});
+  EXPECT_EQ(boards.SameBefore("Zed-A05"), "Zed-0A05");
+  for (const std::string name : {"Zed-0A05", "Zed-1A05"}) {
+    EXPECT_EQ(boards.SameBefore(name), "") << name;
   }
 }
 

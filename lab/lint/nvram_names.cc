@@ -3,7 +3,7 @@
 
 #include "driver/bypass_switch.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/nvram_rules.h"
+#include "lab/lint/rules/nvram_rules.h"
 
 namespace fernwick::lab {
 namespace {
@@ -95,7 +95,7 @@ void LintNvramNames(const LocatedPersonality& personality, ConfigurationFindings
   const auto* toSet = personality.Find("SetNVRAM");
   const auto variables = toSet == nullptr ? std::nullopt : toSet->value->AsDictionary();
   if (variables) {
-    for (const auto& entry : LocatedEntries(*variables, toSet->location, toSet->valueOffset)) {
+    for (const auto& entry : LocatedEntries(*variables, *toSet->location)) {
       LintAnyUse(entry.key, entry.keyOffset, findings);
       LintSetting(entry, findings);
     }

@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "lab/lint/payload.h"
-#include "lab/lint/report.h"
-#include "lab/lint/rules.h"
+#include "lab/lint/rules/rules.h"
 #include "testing/inputs/corruption.h"
 #include "testing/named_rows.h"
 #include "testing/temporary_directory.h"
@@ -103,14 +102,23 @@ Payload And(Payload payload, const std::string& path, const std::string& content
 }
 
 // So many personalities, each with a greater minimum than the one after.
-std::string EverLower(int count) {
+std::string EverLower(int count, const std::string& silicon = PortSilicon) {
   std::string personalities;
   for (int i = count; i > 0; --i) {
     personalities +=
-        Dict(Version + PortSilicon + Image + Priority + "<key>Existing Min Version</key><real>" +
+        Dict(Version + silicon + Image + Priority + "<key>Existing Min Version</key><real>" +
              std::to_string(i) + "e-1</real>");
   }
   return personalities;
+}
+
+// So many of "LegacyThunderbolt", and after them one of "Thunderbolt" for later versions.
+std::string WithLaterThunderbolt(int count) {
+  const auto later = Dict("<key>Version</key><integer>300</integer>" + PortSilicon + RidgeSilicon +
+                          Priority + "<key>Firmware</key><string>b.bin</string>" +
+                          "<key>Existing Min Version</key><integer>200</integer>");
+  return Dict("<key>LegacyThunderbolt</key><array>" + EverLower(count, RidgeSilicon) + "</array>@" +
+              "<key>Thunderbolt</key><array>" + later + "</array>");
 }
 
 // Removes the mark from the text. Returns its offset, or npos.
@@ -139,12 +147,12 @@ std::string WritePayload(const testing::TemporaryDirectory& directory, const Pay
 // What lint finds, a line "LOCATION: SEVERITY [ID]" each, by paths relative to the payload.
 std::string FindingsIn(const testing::TemporaryDirectory& directory) {
   std::string text;
-  for (const auto& finding : LintPayload(directory.Path(), {}).findings) {
-    const auto path =
-        finding.path.substr(std::min(finding.path.size(), directory.Path().size() + 1));
-    text += path + (finding.place ? ":" + Describe(*finding.place) : "") + ": ";
-    text.append(NameOf(finding.rule->severity)).append(" [").append(finding.rule->id).append("]\n");
-  }
+  LintPayload(directory.Path(), {}, [&](const Finding& finding) {
+    text += finding.path.substr(std::min(finding.path.size(), directory.Path().size() + 1));
+    if (finding.location) text += ":" + Describe(*finding.location);
+    text.append(": ").append(NameOf(finding.rule->severity));
+    text.append(" [").append(finding.rule->id).append("]\n");
+  });
   return text;
 }
 
@@ -160,9 +168,9 @@ TEST_P(LintRulePair, RaisesItAtItsLocationAndTheTwinNothing) {
   const auto* rule = FindLintRule(IdOf(name));
   ASSERT_NE(rule, nullptr);
   const testing::TemporaryDirectory raising;
-  const auto place = WritePayload(raising, pair.raises);
+  const auto location = WritePayload(raising, pair.raises);
   EXPECT_EQ(FindingsIn(raising),
-            place + std::string(NameOf(rule->severity)) + " [" + std::string(rule->id) + "]\n");
+            location + std::string(NameOf(rule->severity)) + " [" + std::string(rule->id) + "]\n");
   const testing::TemporaryDirectory twin;
   WritePayload(twin, pair.twin);
   EXPECT_EQ(FindingsIn(twin), "");
@@ -346,6 +354,16 @@ const Named<RulePair> Pairs[] = {
     {"shadowing_not_examined",
      {With(Dict("@<key>USBC</key><array>" + EverLower(258) + "</array>")),
       With(Dict("<key>USBC</key><array>" + EverLower(257) + "</array>"))}},
+    {"overlap_not_examined", {With(WithLaterThunderbolt(257)), With(WithLaterThunderbolt(256))}},
+    {"order_decides_image",
+     {With(Usbc(
+          Personality("<key>RID</key><array><integer>0</integer><integer>1</integer></array>") +
+          Dict(Version + PortSilicon + Priority + "<key>Firmware</key><string>b.bin</string>" +
+               "<key>RID</key><array><integer>2</integer>@<integer>1</integer></array>"))),
+      With(Usbc(
+          Personality("<key>RID</key><array><integer>0</integer><integer>1</integer></array>") +
+          Dict(Version + PortSilicon + Priority + "<key>Firmware</key><string>b.bin</string>" +
+               "<key>RID</key><integer>2</integer>")))}},
 
     // What the plan contains.
     {"no_firmware",

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <tuple>
@@ -9,8 +10,8 @@
 
 #include "lab/lint/board_names.h"
 #include "lab/lint/configuration.h"
-#include "lab/lint/payload_rules.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/payload_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "lab/support/configuration_file.h"
 #include "lab/support/messages.h"
 #include "platform/file_system.h"
@@ -21,43 +22,113 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The entries of a directory of one kind, links followed, sorted by their bytes.
+// The names in a directory, links followed, sorted by their bytes.
 struct Listing {
-  std::vector<std::string> names;
+  std::vector<std::string> directories;
+  std::vector<std::string> files;  // regular ones
   std::error_code error;
 };
 
-Listing List(const std::string& directory, fs::file_type type) {
+Listing List(const std::string& directory) {
   Listing listing;
   auto entry = fs::directory_iterator(directory, listing.error);
   for (; !listing.error && entry != fs::directory_iterator(); entry.increment(listing.error)) {
     std::error_code unknown;  // of a dangling link, which is of no kind
-    if (entry->status(unknown).type() == type) listing.names.push_back(entry->path().filename());
+    const auto type = entry->status(unknown).type();
+    if (unknown == std::errc::permission_denied) {
+      listing.error = unknown;
+      break;
+    }
+    if (type == fs::file_type::directory) listing.directories.push_back(entry->path().filename());
+    if (type == fs::file_type::regular) listing.files.push_back(entry->path().filename());
   }
-  std::ranges::sort(listing.names);
+  std::ranges::sort(listing.directories);
+  std::ranges::sort(listing.files);
   return listing;
 }
 
+auto OrderOf(const Finding& finding) {
+  const auto at = finding.location.value_or(FileLocation{});
+  return std::tuple(std::string_view(finding.path), at.line, at.column, at.byte, finding.rule->id,
+                    std::string_view(finding.message));
+}
+
+// The findings of one board, or of the payload as a whole, until they are passed on.
+class Found {
+ public:
+  Found(const std::string& payload, const FindingSink& sink, const FindingFilter& filter)
+      : payload_(payload), sink_(sink), filter_(filter) {}
+
+  std::string RelativeToPayload(const std::string& path) const {
+    const auto start = AppendPathComponent(payload_, "").size();
+    const auto relative = std::string_view(path).substr(start);
+    return std::string(relative.substr(std::min(relative.size(), relative.find_first_not_of('/'))));
+  }
+
+  // Whether the finding was added.
+  bool Add(const LintRule& rule, const std::string& path, std::string message,
+           std::optional<FileLocation> location = {}) {
+    const auto relative = RelativeToPayload(path);
+    const FindingIdentity identity = {&rule, relative, 0, message};
+    if (filter_ && !filter_(identity)) return false;
+    const auto fingerprint = FingerprintOf(identity);
+    found_.push_back({&rule, path, location, std::move(message), fingerprint});
+    return true;
+  }
+
+  // A finding for each of the names in the directory, of no more than MaxListed of them.
+  void AddForEach(const LintRule& rule, const std::vector<std::string>& names,
+                  const std::string& directory, const std::string& message) {
+    std::size_t count = 0;
+    for (const auto& name : names) {
+      if (!Add(rule, AppendPathComponent(directory, name), message)) continue;
+      if (++count > MaxListed) found_.pop_back();
+    }
+    if (count <= MaxListed) return;
+    const auto unlisted = count - MaxListed;
+    const auto fingerprint = FingerprintOf({&rule, RelativeToPayload(directory), 0, ""});
+    found_.push_back({&rule, directory, {}, MessageOfUnlisted(unlisted), fingerprint, unlisted});
+  }
+
+  // What is found in the configuration at the path.
+  void AddConfiguration(const LintSubject& subject, const std::string& path,
+                        const BoardFiles& files) {
+    ConfigurationFindings findings(RelativeToPayload(path), filter_);
+    LintConfiguration(subject, files, findings);
+    for (auto& [rule, offset, message, fingerprint, count] : findings.TakeSorted()) {
+      found_.push_back(
+          {rule, path, subject.file.LocationOf(offset), std::move(message), fingerprint, count});
+    }
+  }
+
+  void PassOn() {
+    std::ranges::sort(found_, {}, OrderOf);
+    for (auto& finding : found_) sink_(std::move(finding));
+    found_.clear();
+  }
+
+ private:
+  const std::string& payload_;
+  const FindingSink& sink_;
+  const FindingFilter& filter_;  // may be empty
+  std::vector<Finding> found_;
+};
+
 class PayloadLinter {
  public:
-  explicit PayloadLinter(const std::string& payload)
-      : personalitiesDirectory_(AppendPathComponent(payload, "Fernwick")) {}
+  PayloadLinter(const std::string& payload, const FindingSink& sink, const FindingFilter& filter)
+      : payload_(payload),
+        personalitiesDirectory_(AppendPathComponent(payload, "Fernwick")),
+        found_(payload, sink, filter) {}
 
-  PayloadLinting Lint(const std::string& payload, std::vector<std::string> boards) {
-    std::error_code error;
-    if (!fs::is_directory(payload, error)) {
-      Refuse(payload, error ? error.message() : "Not a directory");
-    } else if (!fs::is_directory(personalitiesDirectory_, error)) {
-      Add(LintRuleOf::NoFernwickDirectory, payload, "there is no directory Fernwick/ in it");
-    } else if (SelectBoards(boards)) {
-      for (const auto& board : boards) LintBoard(board);
+  PayloadLinting Lint(std::vector<std::string> boards) {
+    if (!RefusePayload() && SelectBoards(boards)) {
+      found_.PassOn();
+      for (const auto& board : boards) {
+        LintBoard(board);
+        found_.PassOn();
+      }
     }
-    const auto place = [](const Finding& f) {
-      const auto at = f.place.value_or(FileLocation{});
-      return std::tuple(std::string_view(f.path), at.line, at.column, at.byte, f.rule->id,
-                        std::string_view(f.message));
-    };
-    std::ranges::sort(result_.findings, {}, place);
     return std::move(result_);
   }
 
@@ -67,13 +138,26 @@ class PayloadLinter {
     result_.status = LabStatus::UnreadableInput;
   }
 
-  void Add(const LintRule& rule, const std::string& path, std::string message,
-           std::optional<FileLocation> place = {}) {
-    result_.findings.push_back({&rule, path, place, std::move(message)});
+  // Whether there is nothing to lint.
+  bool RefusePayload() {
+    std::error_code error;
+    if (!fs::is_directory(payload_, error)) {
+      Refuse(payload_, error ? error.message() : "Not a directory");
+      return true;
+    }
+    const auto type = fs::status(personalitiesDirectory_, error).type();
+    if (type == fs::file_type::directory) return false;
+    if (type == fs::file_type::none) {  // it is not known
+      Refuse(personalitiesDirectory_, error.message());
+      return true;
+    }
+    found_.Add(LintRuleOf::NoFernwickDirectory, payload_, "there is no directory Fernwick/ in it");
+    found_.PassOn();
+    return true;
   }
 
   void AddUnreadable(const std::string& path, const std::string& why) {
-    Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
+    found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
     result_.status = LabStatus::UnreadableInput;
   }
 
@@ -81,23 +165,24 @@ class PayloadLinter {
     if (error.status == LabStatus::UnreadableInput) {
       return AddUnreadable(path, error.error.message);
     }
-    Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
-        error.error.location);
+    found_.Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
+               error.error.location);
     if (result_.status == LabStatus::Done) result_.status = error.status;
   }
 
   // Fills in all boards when none is named. False when one that is named is not there.
   bool SelectBoards(std::vector<std::string>& boards) {
-    auto listing = List(personalitiesDirectory_, fs::file_type::directory);
-    std::erase_if(listing.names, IsNoBoard);
-    allBoards_ = std::move(listing.names);
+    auto listing = List(personalitiesDirectory_);
+    std::erase_if(listing.directories, IsNoBoard);
+    names_ = BoardNames(std::move(listing.directories));
     if (boards.empty()) {
       if (listing.error) {
         AddUnreadable(personalitiesDirectory_, listing.error.message());
-      } else if (allBoards_.empty()) {
-        Add(LintRuleOf::NoBoards, personalitiesDirectory_, "there is no board directory in it");
+      } else if (names_.All().empty()) {
+        found_.Add(LintRuleOf::NoBoards, personalitiesDirectory_,
+                   "there is no board directory in it");
       }
-      boards = allBoards_;
+      boards = names_.All();
     }
     std::ranges::sort(boards);
     boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
@@ -115,71 +200,71 @@ class PayloadLinter {
   void LintBoard(const std::string& board) {
     ++result_.boards;
     const auto directory = AppendPathComponent(personalitiesDirectory_, board);
+    const auto listing = List(directory);
+    if (listing.error) AddUnreadable(directory, listing.error.message());
     if (FindInvalidUtf8(board) != npos) {
-      Add(LintRuleOf::ImpossibleBoardId, directory,
-          "its name is not UTF-8, so no board has it for its identifier");
+      found_.Add(LintRuleOf::ImpossibleBoardId, directory,
+                 "its name is not UTF-8, so no board has it for its identifier");
     } else {
       LintBoardName(board, directory);
     }
-    LintNestedBoards(directory);
+    LintNestedBoards(directory, listing.directories);
     const auto path = AppendPathComponent(directory, "Config.plist");
     std::error_code error;
     const bool exists = fs::exists(path, error);
     if (error) return AddUnreadable(path, error.message());
     if (!exists) {
-      Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
+      found_.Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
       return;
     }
-    LintFile(path, {personalitiesDirectory_, directory});
+    LintFile(path, {personalitiesDirectory_, directory}, listing.files);
   }
 
   void LintBoardName(const std::string& board, const std::string& directory) {
-    if (const auto problem = BoardNameProblem(board, allBoards_)) {
-      Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
-    } else if (const auto other = SameBoardBefore(board, allBoards_); !other.empty()) {
-      Add(LintRuleOf::SameBoardTwice, directory,
-          "it differs from " + Quoted(other) + " only in leading zeros");
+    if (const auto problem = names_.Problem(board)) {
+      found_.Add(LintRuleOf::DoubtfulBoardId, directory, "no computer may ask for it: " + *problem);
+    } else if (const auto other = names_.SameBefore(board); !other.empty()) {
+      found_.Add(LintRuleOf::SameBoardTwice, directory,
+                 "it differs from " + Quoted(other) + " only in leading zeros");
     }
   }
 
-  void LintNestedBoards(const std::string& directory) {
-    for (const auto& name : List(directory, fs::file_type::directory).names) {
+  void LintNestedBoards(const std::string& directory, const std::vector<std::string>& names) {
+    const auto isBoard = [&](const std::string& name) {
       const auto path = AppendPathComponent(directory, name);
       std::error_code error;
-      const bool isBoard = fs::exists(AppendPathComponent(path, "Config.plist"), error);
-      if (name == "Config.plist" || (!isBoard && !LooksLikeBoard(name))) continue;
-      Add(LintRuleOf::NestedBoard, path, "it is inside a board directory, where no computer looks");
-    }
+      return name != "Config.plist" &&
+             (LooksLikeBoard(name) || fs::exists(AppendPathComponent(path, "Config.plist"), error));
+    };
+    std::vector<std::string> nested;
+    std::ranges::copy_if(names, std::back_inserter(nested), isBoard);
+    found_.AddForEach(LintRuleOf::NestedBoard, nested, directory,
+                      "it is inside a board directory, where no computer looks");
   }
 
-  void LintFile(const std::string& path, const BoardFiles& files) {
+  void LintFile(const std::string& path, const BoardFiles& files,
+                const std::vector<std::string>& names) {
     const auto configuration = LoadConfiguration(path);
     if (!configuration) return AddUnusable(path, configuration.Error());
     const LintSubject subject(*configuration);
-    for (auto& row : LintConfiguration(subject, files)) {
-      Add(*row.rule, path, std::move(row.message), configuration->LocationOf(row.offset));
-    }
-    if (configuration->Value().AsDictionary()) LintUnusedFiles(subject, files);
+    found_.AddConfiguration(subject, path, files);
+    if (!configuration->Value().AsDictionary()) return;
+    found_.AddForEach(LintRuleOf::UnusedFile, UnusedFiles(subject, names), files.boardDirectory,
+                      "no personality of the board names it");
   }
 
-  void LintUnusedFiles(const LintSubject& subject, const BoardFiles& files) {
-    const auto [names, error] = List(files.boardDirectory, fs::file_type::regular);
-    if (error) return AddUnreadable(files.boardDirectory, error.message());
-    for (const auto& name : UnusedFiles(subject, names)) {
-      Add(LintRuleOf::UnusedFile, AppendPathComponent(files.boardDirectory, name),
-          "no personality of the board names it");
-    }
-  }
-
+  const std::string& payload_;
   const std::string personalitiesDirectory_;
-  std::vector<std::string> allBoards_;  // sorted
+  BoardNames names_{{}};
+  Found found_;
   PayloadLinting result_;
 };
 
 }  // namespace
 
-PayloadLinting LintPayload(const std::string& payload, std::vector<std::string> boards) {
-  return PayloadLinter(payload).Lint(payload, std::move(boards));
+PayloadLinting LintPayload(const std::string& payload, std::vector<std::string> boards,
+                           const FindingSink& sink, const FindingFilter& filter) {
+  return PayloadLinter(payload, sink, filter).Lint(std::move(boards));
 }
 
 }  // namespace fernwick::lab

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,16 +9,21 @@
 
 namespace fernwick::lab {
 
-/// What was found in a payload.
+/// The result of linting a payload, apart from the findings.
 struct PayloadLinting {
-  std::vector<Finding> findings;  // by path, then by location, then by ID
-  std::size_t boards = 0;         // how many were looked at
-  int status = 0;                 // LabStatus: Done; UnreadableInput when something could not be
-                                  // read, or else MalformedInput when a configuration is malformed
-  std::string error;  // "PATH: what is wrong" when nothing could be looked at; else empty
+  std::size_t boards = 0;  // how many were looked at
+  int status = 0;          // LabStatus: Done; UnreadableInput when something could not be read, or
+                           // else MalformedInput when a configuration is malformed
+  std::string error;       // "PATH: what is wrong" when nothing could be looked at; else empty
 };
 
-/// Looks at the boards of that name, or at all when none is named.
-PayloadLinting LintPayload(const std::string& payload, std::vector<std::string> boards);
+/// Receives findings.
+using FindingSink = std::function<void(Finding)>;
+
+/// Looks at the boards of that name, or at all when none is named. Passes on what is found in the
+/// payload as a whole and then in each board, by path, then by location, then by ID; nothing when
+/// nothing could be looked at. `filter` may be empty.
+PayloadLinting LintPayload(const std::string& payload, std::vector<std::string> boards,
+                           const FindingSink& sink, const FindingFilter& filter = {});
 
 }  // namespace fernwick::lab

@@ -1,5 +1,5 @@
 #include "lab/lint/checks.h"
-#include "lab/lint/plan_rules.h"
+#include "lab/lint/rules/plan_rules.h"
 #include "personality/requirements.h"
 #include "plan/plan_values.h"
 #include "plan/value_conversions.h"
@@ -15,12 +15,12 @@ void LintPriority(const LocatedPersonality& personality, ConfigurationFindings& 
         "without \"Priority\" a match of this personality drives the plan's priority to 0");
     return;
   }
-  const auto taken = Integer32Of(priority->value);
-  if (!NumbersEqual(*priority->value, taken)) {
-    findings.Add(LintRuleOf::AlteredPriority, priority->valueOffset,
-                 "\"Priority\" is " + Shown(*priority->value) + ", which counts as " +
-                     std::to_string(taken));
-  } else if (taken >= PlanValues{}.lowestPriority) {
+  const auto read = Integer32Of(priority->value);
+  if (!NumbersEqual(*priority->value, read)) {
+    findings.Add(
+        LintRuleOf::AlteredPriority, priority->valueOffset,
+        "\"Priority\" is " + Shown(*priority->value) + ", which counts as " + std::to_string(read));
+  } else if (read >= PlanValues{}.lowestPriority) {
     findings.Add(LintRuleOf::PriorityWithoutEffect, priority->valueOffset,
                  "\"Priority\" " + Shown(*priority->value) +
                      " never lowers the plan's, which begins at " +
@@ -30,13 +30,13 @@ void LintPriority(const LocatedPersonality& personality, ConfigurationFindings& 
 
 void LintFirmwareMode(const LocatedPersonality& personality, ConfigurationFindings& findings) {
   const auto* mode = personality.Find("Firmware Mode");
-  const auto takenBy = FindPersonalityKey("Firmware Mode")->plannedBy;
-  if (mode == nullptr || (takenBy & personality.type) == 0) return;
-  const auto taken = Integer32Of(mode->value);
-  if (NumbersEqual(*mode->value, taken)) return;
+  const auto readBy = FindPersonalityKey("Firmware Mode")->plannedBy;
+  if (mode == nullptr || (readBy & personality.type) == 0) return;
+  const auto read = Integer32Of(mode->value);
+  if (NumbersEqual(*mode->value, read)) return;
   findings.Add(LintRuleOf::AlteredFirmwareMode, mode->valueOffset,
                "\"Firmware Mode\" is " + Shown(*mode->value) + ", which the plan reads as " +
-                   std::to_string(taken));
+                   std::to_string(read));
 }
 
 void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFindings& findings) {

@@ -2,13 +2,15 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "lab/lint/finding.h"
+#include "lab/lint/rules/rules.h"
+#include "lab/support/messages.h"
 
 namespace fernwick::lab {
 
-/// Which findings a caller of lint does not want, and the severities that it gives to others.
+/// Which findings a caller of lint does not want, and the severities of others.
 class LintPolicy {
  public:
   /// Both are lists as on the command line: IDs, and "ID=LEVEL" with one of the names of the
@@ -16,8 +18,15 @@ class LintPolicy {
   std::optional<std::string> Read(const std::vector<std::string>& ignored,
                                   const std::vector<std::string>& severities);
 
-  /// Removes the ignored findings and sets the severities of the others.
-  void ApplyTo(std::vector<Finding>& findings) const;
+  /// Reads the configuration file of a payload, {"ignore": [ID...], "severity": {ID: LEVEL...}};
+  /// both members are optional. What Read has read overrides it. Returns why it cannot be used, or
+  /// nullopt.
+  std::optional<LabError> ReadFile(const std::string& path);
+
+  bool Ignores(const LintRule& rule) const;
+
+  /// The severity of the findings of the rule. REQUIRES: they are not ignored.
+  Severity SeverityOf(const LintRule& rule) const;
 
  private:
   struct Change {
@@ -25,7 +34,10 @@ class LintPolicy {
     std::optional<Severity> severity;  // nullopt: ignored
   };
 
-  std::vector<Change> changes_;  // of one rule the last counts
+  // The last one of the rule, which counts; null when there is none.
+  const Change* Find(const LintRule& rule) const;
+
+  std::vector<Change> changes_;
 };
 
 /// The severity of that name; nullopt when there is none.

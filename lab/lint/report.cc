@@ -1,135 +1,103 @@
 #include "lab/lint/report.h"
 
-#include <algorithm>
 #include <string_view>
 
-#include "lab/support/json_values.h"
+#include "lab/support/json_stream.h"
 #include "lab/support/messages.h"
+#include "lab/support/words.h"
 
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t LineWidth = 80;
+class LintText : public LintFormat {
+ public:
+  using LintFormat::LintFormat;
 
-std::size_t Count(const PayloadLinting& linting, Severity severity) {
-  return static_cast<std::size_t>(
-      std::ranges::count(linting.findings, severity, &Finding::severity));
-}
+  void Add(const Finding& finding) override {
+    auto line = PrintableText(finding.path);
+    if (finding.location) line.append(":").append(Describe(*finding.location));
+    line.append(": ").append(NameOf(finding.severity)).append(": ");
+    line.append(PrintableText(finding.message)).append(" [").append(finding.rule->id);
+    Out().Write(line.append("]\n"));
+  }
 
-std::string Counted(std::size_t count, std::string_view what) {
-  return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
-}
-
-void AppendPadded(std::string& text, std::string_view word, std::size_t width) {
-  text.append(word);
-  text.append(width - std::min(width, word.size()), ' ');
-}
-
-// Wrapped at blanks.
-void AppendParagraph(std::string& text, std::string_view paragraph) {
-  std::size_t column = 0;
-  while (!paragraph.empty()) {
-    const auto word = paragraph.substr(0, paragraph.find(' '));
-    if (column > 0 && column + 1 + word.size() > LineWidth) {
-      text += '\n';
-      column = 0;
+  void Finish(const LintTotals& totals) override {
+    auto line = Counted(totals.boards, "board", "boards") + ": " +
+                Counted(totals.errors, "error", "errors") + ", " +
+                Counted(totals.warnings, "warning", "warnings") + ", " +
+                Counted(totals.notes, "note", "notes");
+    if (totals.known > 0) {
+      line += "; " + Counted(totals.known, "finding is", "findings are") + " in the baseline";
     }
-    if (column > 0) text += ' ';
-    text += word;
-    column += word.size() + (column > 0 ? 1 : 0);
-    paragraph.remove_prefix(std::min(paragraph.size(), word.size() + 1));
+    Out().Write(line + "\n");
   }
-  text += '\n';
-}
+};
 
-void AppendIndented(std::string& text, std::string_view lines) {
-  while (!lines.empty()) {
-    const auto line = lines.substr(0, lines.find('\n'));
-    text.append("    ").append(line).append("\n");
-    lines.remove_prefix(std::min(lines.size(), line.size() + 1));
-  }
-}
-
-Json FindingAsJson(const Finding& finding) {
+Json ToJson(const Finding& finding) {
   Json json = {
       {"id", finding.rule->id}, {"severity", NameOf(finding.severity)}, {"path", finding.path}};
-  if (finding.place && finding.place->line != 0) {
-    json["line"] = finding.place->line;
-    json["column"] = finding.place->column;
-  } else if (finding.place) {
-    json["byte"] = finding.place->byte;
+  if (finding.location && finding.location->line != 0) {
+    json["line"] = finding.location->line;
+    json["column"] = finding.location->column;
+  } else if (finding.location) {
+    json["byte"] = finding.location->byte;
   }
   json["message"] = finding.message;
+  json["count"] = finding.count;
+  json["fingerprint"] = FingerprintText(finding.fingerprint);
   return json;
 }
 
-void AppendCode(std::string& text, std::string_view head, std::string_view code) {
-  text.append(head).append("\n\n```text\n").append(code).append("\n```\n\n");
-}
+class LintJson : public LintFormat {
+ public:
+  explicit LintJson(Console& console)
+      : LintFormat(console), stream_([this](std::string_view text) { Out().Write(text); }) {}
+
+  void Add(const Finding& finding) override {
+    Begin();
+    stream_.Add(ToJson(finding));
+  }
+
+  void Finish(const LintTotals& totals) override {
+    Begin();
+    stream_.End();
+    stream_.AddMembers({{"boards", totals.boards},
+                        {"errors", totals.errors},
+                        {"warnings", totals.warnings},
+                        {"notes", totals.notes},
+                        {"known", totals.known}});
+    stream_.End();
+  }
+
+ private:
+  void Begin() {
+    if (hasBegun_) return;
+    stream_.Begin('{');
+    stream_.Begin("findings", '[');
+    hasBegun_ = true;
+  }
+
+  JsonStream stream_;
+  bool hasBegun_ = false;
+};
 
 }  // namespace
 
-std::string LintRulesAsMarkdown() {
-  std::string text;
-  for (const auto* rule : LintRules()) {
-    text.append("### ").append(rule->id).append("\n\n");
-    text.append("*").append(NameOf(rule->severity)).append(":* ").append(rule->title);
-    text.append(".\n\n").append(rule->reason).append("\n\n").append(rule->remedy).append("\n\n");
-    AppendCode(text, "Wrong:", rule->wrong);
-    if (!rule->right.empty()) AppendCode(text, "Right:", rule->right);
+void Count(const Finding& finding, LintTotals& totals) {
+  switch (finding.severity) {
+    case Severity::Error: totals.errors += finding.count; return;
+    case Severity::Warning: totals.warnings += finding.count; return;
+    case Severity::Note: break;
   }
-  text.pop_back();
-  return text;
+  totals.notes += finding.count;
 }
 
-std::string LintAsText(const PayloadLinting& linting) {
-  std::string text;
-  for (const auto& [rule, path, place, message, severity] : linting.findings) {
-    text += PrintableText(path);
-    if (place) text.append(":").append(Describe(*place));
-    text.append(": ").append(NameOf(severity)).append(": ").append(message);
-    text.append(" [").append(rule->id).append("]\n");
-  }
-  text.append(Counted(linting.boards, "board")).append(": ");
-  text.append(Counted(Count(linting, Severity::Error), "error")).append(", ");
-  text.append(Counted(Count(linting, Severity::Warning), "warning")).append(", ");
-  return text.append(Counted(Count(linting, Severity::Note), "note")).append("\n");
+std::unique_ptr<LintFormat> MakeLintText(Console& console) {
+  return std::make_unique<LintText>(console);
 }
 
-std::string LintAsJson(const PayloadLinting& linting) {
-  auto findings = Json::array();
-  for (const auto& finding : linting.findings) findings.push_back(FindingAsJson(finding));
-  return PrintJson({{"boards", linting.boards},
-                    {"errors", Count(linting, Severity::Error)},
-                    {"warnings", Count(linting, Severity::Warning)},
-                    {"notes", Count(linting, Severity::Note)},
-                    {"findings", std::move(findings)}});
-}
-
-std::string ListLintRules() {
-  std::size_t width = 0;
-  for (const auto* rule : LintRules()) width = std::max(width, rule->id.size());
-  std::string text;
-  for (const auto* rule : LintRules()) {
-    AppendPadded(text, rule->id, width + 2);
-    AppendPadded(text, NameOf(rule->severity), std::string_view("warning").size() + 2);
-    text.append(rule->title).append("\n");
-  }
-  return text;
-}
-
-std::string ExplainLintRule(const LintRule& rule) {
-  std::string text(rule.id);
-  text.append(" (").append(NameOf(rule.severity)).append("): ").append(rule.title).append("\n\n");
-  AppendParagraph(text, rule.reason);
-  text += '\n';
-  AppendParagraph(text, rule.remedy);
-  text += "\nInstead of\n\n";
-  AppendIndented(text, rule.wrong);
-  if (rule.right.empty()) return text + "\nwrite nothing.\n";
-  text += "\nwrite\n\n";
-  AppendIndented(text, rule.right);
-  return text;
+std::unique_ptr<LintFormat> MakeLintJson(Console& console) {
+  return std::make_unique<LintJson>(console);
 }
 
 }  // namespace fernwick::lab

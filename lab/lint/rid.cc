@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "lab/lint/value_rules.h"
+#include "lab/lint/rules/value_rules.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {
@@ -18,18 +18,29 @@ std::span<const PropertyValue> ValuesOf(const LocatedEntry* entry) {
   return list ? std::span(list->begin(), list->size()) : std::span(entry->value, 1);
 }
 
-// As the inventory computes it from the unique id.
-bool IsRidOf(const PropertyValue& rid, const PropertyValue& uid) {
+// A set of RIDs, which are 0 to 15: bit N for N.
+using Rids = unsigned;
+
+// The RID that the number is; none when it is no RID.
+Rids OfRid(const PropertyValue& number) {
+  for (int rid = 0; rid < 16; ++rid) {
+    if (NumbersEqual(number, rid)) return 1u << rid;
+  }
+  return 0;
+}
+
+// The RID of a controller with the unique id, as the inventory computes it; none when it is no id.
+Rids OfUid(const PropertyValue& uid) {
   const auto number = uid.AsNumber();
-  return number && NumbersEqual(rid, static_cast<int>(ToUnsigned64(*number) & 0xF));
+  return number ? 1u << (ToUnsigned64(*number) & 0xF) : 0;
 }
 
-bool HasRidIn(const PropertyValue& uid, std::span<const PropertyValue> rids) {
-  return std::ranges::any_of(rids, [&](const auto& rid) { return IsRidOf(rid, uid); });
-}
+using RidOf = Rids (*)(const PropertyValue&);
 
-bool HasUidIn(const PropertyValue& rid, std::span<const PropertyValue> uids) {
-  return std::ranges::any_of(uids, [&](const auto& uid) { return IsRidOf(rid, uid); });
+Rids OfAll(std::span<const PropertyValue> values, RidOf ridOf) {
+  Rids rids = 0;
+  for (const auto& value : values) rids |= ridOf(value);
+  return rids;
 }
 
 // Other values are reported by other rules.
@@ -46,18 +57,16 @@ bool IsAnyRid(const PropertyValue& number) {
 bool Contradict(const LocatedPersonality& personality) {
   const auto rids = ValuesOf(personality.Find("RID"));
   const auto uids = ValuesOf(personality.Find("Ridge UID"));
-  return AreNumbers(rids) && AreNumbers(uids) &&
-         std::ranges::none_of(uids, [&](const auto& uid) { return HasRidIn(uid, rids); });
+  return AreNumbers(rids) && AreNumbers(uids) && (OfAll(rids, OfRid) & OfAll(uids, OfUid)) == 0;
 }
 
-// Of a list, the elements that the other key excludes.
-void LintElements(const LocatedEntry& entry, const LocatedEntry& other,
-                  bool (*isPossible)(const PropertyValue&, std::span<const PropertyValue>),
+// Of a list, the elements that the other key excludes, which has these RIDs.
+void LintElements(const LocatedEntry& entry, RidOf ridOf, const LocatedEntry& other, Rids rids,
                   ConfigurationFindings& findings) {
   if (!entry.value->AsArray()) return;
   const auto values = ValuesOf(&entry);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (isPossible(values[i], ValuesOf(&other))) continue;
+    if ((ridOf(values[i]) & rids) != 0) continue;
     findings.Add(LintRuleOf::DeadListElement, OffsetOfElement(entry, i),
                  Shown(values[i]) + " in " + Quoted(entry.key) + " can never match: \"" +
                      std::string(other.key) +
@@ -87,8 +96,8 @@ void LintRidAndUid(const LocatedPersonality& personality, ConfigurationFindings&
   }
   if (personality.type != Types::LegacyThunderbolt) return;
   if (!AreNumbers(ValuesOf(rid)) || !AreNumbers(ValuesOf(uid))) return;
-  LintElements(*rid, *uid, HasUidIn, findings);
-  LintElements(*uid, *rid, HasRidIn, findings);
+  LintElements(*rid, OfRid, *uid, OfAll(ValuesOf(uid), OfUid), findings);
+  LintElements(*uid, OfUid, *rid, OfAll(ValuesOf(rid), OfRid), findings);
 }
 
 }  // namespace fernwick::lab

@@ -1,11 +1,14 @@
 // The rendering of findings that code-scanning services and editors import.
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <map>
 #include <string_view>
+#include <utility>
 
 #include "lab/lint/report.h"
-#include "lab/support/json_values.h"
+#include "lab/support/json_stream.h"
 
 namespace fernwick::lab {
 namespace {
@@ -41,38 +44,77 @@ Json RuleAsJson(const LintRule& rule) {
 
 Json LocationOf(const Finding& finding) {
   Json location = {{"artifactLocation", {{"uri", UriOf(finding.path)}}}};
-  if (finding.place && finding.place->line != 0) {
-    location["region"] = {{"startLine", finding.place->line},
-                          {"startColumn", finding.place->column}};
-  } else if (finding.place) {
-    location["region"] = {{"byteOffset", finding.place->byte}, {"byteLength", 0}};
+  if (finding.location && finding.location->line != 0) {
+    location["region"] = {{"startLine", finding.location->line},
+                          {"startColumn", finding.location->column}};
+  } else if (finding.location) {
+    location["region"] = {{"byteOffset", finding.location->byte}, {"byteLength", 0}};
   }
   return {{"physicalLocation", std::move(location)}};
 }
 
-Json ResultAsJson(const Finding& finding) {
-  const auto rule = std::ranges::find(LintRules(), finding.rule);
-  return {{"ruleId", finding.rule->id},
-          {"ruleIndex", std::distance(LintRules().begin(), rule)},
-          {"level", NameOf(finding.severity)},
-          {"message", {{"text", finding.message}}},
-          {"locations", Json::array({LocationOf(finding)})}};
+std::ptrdiff_t IndexOf(const LintRule* rule) {
+  return std::distance(LintRules().begin(), std::ranges::find(LintRules(), rule));
 }
+
+class LintSarif : public LintFormat {
+ public:
+  explicit LintSarif(Console& console)
+      : LintFormat(console), stream_([this](std::string_view text) { Out().Write(text); }) {}
+
+  void Add(const Finding& finding) override {
+    Begin();
+    Json result = {{"ruleId", finding.rule->id},
+                   {"ruleIndex", IndexOf(finding.rule)},
+                   {"level", NameOf(finding.severity)},
+                   {"message", {{"text", finding.message}}},
+                   {"locations", Json::array({LocationOf(finding)})},
+                   {"partialFingerprints", {{"fernwickLint/v1", FingerprintOf(finding)}}}};
+    if (finding.count > 1) result["occurrenceCount"] = finding.count;
+    stream_.Add(result);
+  }
+
+  void Finish(const LintTotals&) override {
+    Begin();
+    for (int level = 0; level < 4; ++level) stream_.End();
+  }
+
+ private:
+  void Begin() {
+    if (hasBegun_) return;
+    hasBegun_ = true;
+    stream_.Begin('{');
+    stream_.AddMembers(
+        {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"}, {"version", "2.1.0"}});
+    stream_.Begin("runs", '[');
+    stream_.Begin('{');
+    auto rules = Json::array();
+    for (const auto* rule : LintRules()) rules.push_back(RuleAsJson(*rule));
+    // Columns count characters, not UTF-16 units.
+    stream_.AddMembers(
+        {{"tool", {{"driver", {{"name", "fernwick-lab lint"}, {"rules", std::move(rules)}}}}},
+         {"columnKind", "unicodeCodePoints"}});
+    stream_.Begin("results", '[');
+  }
+
+  // Of findings with equal identities each has another number at the end.
+  std::string FingerprintOf(const Finding& finding) {
+    if (finding.path != path_) numbers_.clear();
+    path_ = finding.path;
+    const auto number = ++numbers_[finding.fingerprint];
+    return FingerprintText(finding.fingerprint) + ":" + std::to_string(number);
+  }
+
+  JsonStream stream_;
+  bool hasBegun_ = false;
+  std::string path_;
+  std::map<std::uint64_t, std::size_t> numbers_;  // by fingerprint, in the file of that path
+};
 
 }  // namespace
 
-std::string LintAsSarif(const PayloadLinting& linting) {
-  auto rules = Json::array();
-  for (const auto* rule : LintRules()) rules.push_back(RuleAsJson(*rule));
-  auto results = Json::array();
-  for (const auto& finding : linting.findings) results.push_back(ResultAsJson(finding));
-  // Columns count characters, not UTF-16 units.
-  Json run = {{"tool", {{"driver", {{"name", "fernwick-lab lint"}, {"rules", std::move(rules)}}}}},
-              {"columnKind", "unicodeCodePoints"},
-              {"results", std::move(results)}};
-  return PrintJson({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-                    {"version", "2.1.0"},
-                    {"runs", Json::array({std::move(run)})}});
+std::unique_ptr<LintFormat> MakeLintSarif(Console& console) {
+  return std::make_unique<LintSarif>(console);
 }
 
 }  // namespace fernwick::lab

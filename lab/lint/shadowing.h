@@ -9,10 +9,6 @@
 
 namespace fernwick::lab {
 
-/// A personality is compared with no more than this many earlier ones. Comparing all with all would
-/// last hours for a large configuration of personalities that are all alike.
-inline constexpr std::size_t MaxCompared = 256;
-
 /// Which personalities of an array are shadowed: by each the index of an earlier one that accepts
 /// everything that it accepts, or its own index. Those that accept nothing shadow nothing and are
 /// not shadowed.
@@ -24,8 +20,9 @@ struct Shadowing {
 /// The personalities are in the order of their array. REQUIRES: all are of one type.
 Shadowing FindShadowed(const std::vector<Acceptance>& personalities);
 
-/// Reports which personalities are shadowed.
-void LintShadowing(const LintSubject& subject, const LocatedType& type, const Shadowing& shadowing,
-                   ConfigurationFindings& findings);
+/// Reports which personalities of a type are shadowed, and adds those that can match and are not to
+/// the end of `live`.
+void LintShadowing(const LintSubject& subject, const LocatedType& type, ValueSets& sets,
+                   std::vector<LivePersonality>& live, ConfigurationFindings& findings);
 
 }  // namespace fernwick::lab

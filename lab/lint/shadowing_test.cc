@@ -1,5 +1,5 @@
-// What is said of personalities that can never match or are never reached, compared with the real
-// matcher over random configurations and computers.
+// What is reported of personalities that can never match or are never reached, compared with the
+// real matcher over random configurations and computers.
 
 #include "lab/lint/shadowing.h"
 
@@ -84,8 +84,9 @@ Record RandomPersonality(Dice& dice, TypeSet type) {
        {"Existing Min Version", "Existing Max Version", "MinBoardRevision", "MaxBoardRevision"}) {
     if (dice.OneIn(4)) personality.Set(key, RandomBound(dice));
   }
-  for (const auto* requirement : SetRequirements(type)) {
-    const auto& key = *fernwick::FindKey(requirement->key);
+  for (const auto* tested : SetKeys()) {
+    const auto& key = *tested;
+    if (FindSetRequirement(type, key.name) == nullptr) continue;
     const bool isRequired = (key.requiredBy & type) != 0;
     if (isRequired && !dice.OneIn(3)) {
       personality.Set(key.name, List({0, 1, 2}));  // or hardly any would match
@@ -98,8 +99,9 @@ Record RandomPersonality(Dice& dice, TypeSet type) {
 
 // The personality with a requirement more, or one that accepts less.
 Record Narrowed(Dice& dice, Record personality, TypeSet type) {
-  for (const auto* requirement : SetRequirements(type)) {
-    const auto& key = *fernwick::FindKey(requirement->key);
+  for (const auto* tested : SetKeys()) {
+    const auto& key = *tested;
+    if (FindSetRequirement(type, key.name) == nullptr) continue;
     const auto* values = personality.Find(key.name);
     const bool isOptional = (key.requiredBy & type) == 0;
     if (values == nullptr && isOptional && dice.OneIn(4)) {
@@ -164,10 +166,8 @@ std::vector<bool> MatchedBy(const testing::Computer& computer, std::uint32_t rev
                                            std::string(Board), revision, directory + "/");
   EXPECT_TRUE(matching);
   std::vector<bool> matched(count);
-  for (const auto& outcomes : trace.keys.at(0).outcomes) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (outcomes[i] == PairOutcome::Matched) matched[i] = true;
-    }
+  for (const auto index : trace.keys.at(0).matched) {
+    if (index != KeyTrace::NoMatch) matched[index] = true;
   }
   return matched;
 }
@@ -186,10 +186,10 @@ class Reach : public ::testing::TestWithParam<testing::Named<TypeSet>> {
   std::optional<ConfigurationFile> file_;
 };
 
-std::vector<Acceptance> AcceptancesOf(const LintSubject& subject) {
+std::vector<Acceptance> AcceptancesOf(const LintSubject& subject, ValueSets& sets) {
   std::vector<Acceptance> acceptances;
   for (const auto& personality : subject.types.at(0).personalities) {
-    acceptances.push_back(AcceptanceOf(personality));
+    acceptances.push_back(AcceptanceOf(personality, sets));
   }
   return acceptances;
 }
@@ -231,7 +231,8 @@ TEST_P(Reach, WhatIsShadowedOrDeadIsNeverMatched) {
   int matched = 0;
   for (int round = 0; round < 120; ++round) {
     const auto [personalities, firstPlanted] = RandomArray(dice, GetParam().row);
-    const auto acceptances = AcceptancesOf(Subject(personalities));
+    ValueSets sets;
+    const auto acceptances = AcceptancesOf(Subject(personalities), sets);
     const auto shadowing = FindShadowed(acceptances);
     for (int turn = 0; turn < 6; ++turn) {
       const bool bypass = turn % 2 == 0;
@@ -255,7 +256,8 @@ TEST_P(Reach, APlantedNarrowerPersonalityIsFoundShadowed) {
   int planted = 0;
   for (int round = 0; round < 300; ++round) {
     const auto [personalities, firstPlanted] = RandomArray(dice, GetParam().row);
-    const auto acceptances = AcceptancesOf(Subject(personalities));
+    ValueSets sets;
+    const auto acceptances = AcceptancesOf(Subject(personalities), sets);
     const auto shadowing = FindShadowed(acceptances);
     for (std::size_t i = firstPlanted; i < 2 * firstPlanted; ++i) {
       if (!acceptances[i].acceptsAny) continue;
@@ -273,18 +275,18 @@ bool Applies(TypeSet type, Dictionary personality, const HardwareRecord& control
 }
 
 // A controller that the personality accepts by what is known of it.
-HardwareRecord Witness(const Acceptance& acceptance, TypeSet type) {
+HardwareRecord Witness(const Acceptance& acceptance, const ValueSets& sets, TypeSet type) {
   HardwareRecord controller;
   for (const auto& version : LowestInstalledVersions(acceptance.scales, acceptance.minimum)) {
     if (acceptance.maximum != nullptr && NumberLess(*acceptance.maximum, version)) continue;
     if (NumberGreater(*acceptance.version, version)) controller.Set("Version", version);
   }
-  const auto requirements = SetRequirements(type);
-  for (std::size_t i = 0; i < requirements.size(); ++i) {
-    if (!acceptance.sets[i]) continue;
-    const auto& key = *fernwick::FindKey(requirements[i]->key);
-    for (const auto* value : *acceptance.sets[i]) {
-      if (UnmatchableReason(*value, key, type).empty()) controller.Set(key.name, *value);
+  for (std::size_t i = 0; i < SetKeys().size(); ++i) {
+    if (acceptance.sets[i] == nullptr) continue;
+    const auto& key = *SetKeys()[i];
+    for (const auto number : *acceptance.sets[i]) {
+      const auto& value = sets.ValueOf(number);
+      if (UnmatchableReason(value, key, type).empty()) controller.Set(key.name, value);
     }
   }
   return controller;
@@ -296,13 +298,14 @@ TEST_P(Reach, WhatIsNotDeadMatchesSomething) {
   int alive = 0;
   for (int round = 0; round < 300; ++round) {
     const auto [personalities, firstPlanted] = RandomArray(dice, type);
-    const auto acceptances = AcceptancesOf(Subject(personalities));
+    ValueSets sets;
+    const auto acceptances = AcceptancesOf(Subject(personalities), sets);
     for (std::size_t i = 0; i < personalities.size(); ++i) {
       if (!acceptances[i].acceptsAny) continue;
       for (const int revision :
            {acceptances[i].revisions.lowest, acceptances[i].revisions.highest}) {
-        EXPECT_TRUE(Applies(type, *personalities[i].AsDictionary(), Witness(acceptances[i], type),
-                            revision))
+        EXPECT_TRUE(Applies(type, *personalities[i].AsDictionary(),
+                            Witness(acceptances[i], sets, type), revision))
             << round << " " << ::testing::PrintToString(personalities[i]);
       }
       ++alive;

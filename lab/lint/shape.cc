@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/shape_rules.h"
+#include "lab/lint/rules/shape_rules.h"
 #include "lab/support/spelling.h"
 #include "lab/support/words.h"
 
@@ -67,16 +67,16 @@ void LintShape(const LintSubject& subject, ConfigurationFindings& findings) {
   for (const auto& type : subject.types) LintType(type, findings);
 }
 
-void LintDuplicateKeys(const ValueLocation& place, ConfigurationFindings& findings) {
-  const auto keys = SortedKeys(place);
+void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& findings) {
+  const auto keys = SortedKeys(location);
   for (std::size_t i = 1; i < keys.size(); ++i) {
     if (!(keys[i]->key == keys[i - 1]->key)) continue;
     findings.Add(LintRuleOf::DuplicateKey, keys[i]->offset,
                  Quoted(keys[i]->key) +
                      " occurs a second time in this dictionary; its earlier value is lost");
   }
-  for (const auto& entry : place.entries) LintDuplicateKeys(entry.value, findings);
-  for (const auto& element : place.elements) LintDuplicateKeys(element, findings);
+  for (const auto& entry : location.entries) LintDuplicateKeys(entry.value, findings);
+  for (const auto& element : location.elements) LintDuplicateKeys(element, findings);
 }
 
 }  // namespace fernwick::lab

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <set>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,23 +63,31 @@ bool Contains(const Words& all, const Words& some) {
   return std::ranges::includes(all, some);
 }
 
-// How many keys have the word.
-std::size_t CountKeysWith(const std::string& word) {
-  return static_cast<std::size_t>(std::ranges::count_if(
-      KeySchema(), [&](const Key& key) { return WordsOf(key.name).contains(word); }));
+struct KnownKey {
+  const Key* key;
+  Words words;
+};
+
+const std::vector<KnownKey>& KnownKeys() {
+  static const std::vector<KnownKey> known = [] {
+    std::vector<KnownKey> all;
+    for (const auto& key : KeySchema()) all.push_back({&key, WordsOf(key.name)});
+    return all;
+  }();
+  return known;
 }
 
 // A single word points to a key when no other key has it. "Name" and the like are comments.
-bool IsTelling(const Words& words) {
+bool IsSpecific(const Words& words) {
   if (words.size() > 1) return true;
   const auto& word = *words.begin();
-  return word != "name" && word != "firmware" && CountKeysWith(word) == 1;
+  const auto hasWord = [&](const KnownKey& known) { return known.words.contains(word); };
+  return word != "name" && word != "firmware" && std::ranges::count_if(KnownKeys(), hasWord) == 1;
 }
 
 // Less is more similar; npos: not similar.
-std::size_t WordDistance(const Words& words, const Key& key) {
-  const auto known = WordsOf(key.name);
-  if (Contains(known, words) && IsTelling(words)) return known.size() - words.size();
+std::size_t WordDistance(const Words& words, const Words& known) {
+  if (Contains(known, words) && IsSpecific(words)) return known.size() - words.size();
   if (Contains(words, known) && known.size() > 1) return words.size() - known.size();
   return std::string_view::npos;
 }
@@ -89,29 +96,30 @@ bool IsPropertyOf(std::string_view name, const Key& key) {
   return name == key.port.property || name == key.thunderbolt.property;
 }
 
-std::string_view SimilarAmong(std::string_view name, std::span<const Key* const> keys) {
-  const auto words = WordsOf(name);
-  if (words.empty() || keys.empty()) return "";
-  const auto distance = [&](const Key* key) { return WordDistance(words, *key); };
-  const auto nearest = std::ranges::min_element(keys, {}, distance);
-  if (distance(*nearest) != std::string_view::npos) return (*nearest)->name;
-  const auto property =
-      std::ranges::find_if(keys, [&](const Key* key) { return IsPropertyOf(name, *key); });
-  return property == keys.end() ? "" : (*property)->name;
+// Among the keys that the type reads, or among the others.
+std::string_view SimilarAmong(std::string_view name, const Words& words, TypeSet type,
+                              bool isReadByType) {
+  std::string_view similar;
+  std::string_view origin;
+  auto least = std::string_view::npos;
+  for (const auto& [key, known] : KnownKeys()) {
+    const bool isRead = ((key->checkedBy | key->plannedBy) & type) != 0;
+    if (key->kind == KeyKind::NotRead || isRead != isReadByType) continue;
+    const auto distance = WordDistance(words, known);
+    if (distance < least) similar = key->name;
+    least = std::min(least, distance);
+    if (origin.empty() && IsPropertyOf(name, *key)) origin = key->name;
+  }
+  return similar.empty() ? origin : similar;
 }
 
 }  // namespace
 
 std::string_view SimilarKey(std::string_view key, TypeSet type) {
-  std::vector<const Key*> ofType;
-  std::vector<const Key*> ofOthers;
-  for (const auto& known : KeySchema()) {
-    if (known.kind == KeyKind::NotRead) continue;
-    const bool isRead = ((known.checkedBy | known.plannedBy) & type) != 0;
-    (isRead ? ofType : ofOthers).push_back(&known);
-  }
-  const auto similar = SimilarAmong(key, ofType);
-  return similar.empty() ? SimilarAmong(key, ofOthers) : similar;
+  const auto words = WordsOf(key);
+  if (words.empty()) return "";
+  const auto similar = SimilarAmong(key, words, type, true);
+  return similar.empty() ? SimilarAmong(key, words, type, false) : similar;
 }
 
 }  // namespace fernwick::lab

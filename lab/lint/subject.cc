@@ -1,7 +1,6 @@
 #include "lab/lint/subject.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 namespace fernwick::lab {
@@ -32,55 +31,42 @@ std::vector<LocatedEntry> LocatedAtLast(Dictionary dictionary, const ValueLocati
   return entries;
 }
 
-std::vector<LocatedEntry> LocatedAt(Dictionary dictionary, std::size_t offset) {
-  std::vector<LocatedEntry> entries;
-  for (const auto& [key, value] : dictionary.Entries()) {
-    entries.push_back({key, &value, offset, offset, nullptr});
-  }
-  return entries;
-}
-
 LocatedPersonality MakePersonality(const LocatedType& type, Personality values,
-                                   const ValueLocation* location, std::size_t offset) {
-  return {type.type, type.entry.key, offset, LocatedEntries(values, location, offset)};
+                                   const ValueLocation& location) {
+  return {type.type, type.entry.key, location.offset, LocatedEntries(values, location)};
 }
 
 void AddPersonalities(LocatedType& type) {
-  const auto& [key, value, keyOffset, valueOffset, location] = type.entry;
+  const auto& value = *type.entry.value;
+  const auto& location = *type.entry.location;
   if (HasSinglePersonality(type.type)) {
-    const auto values = value->AsDictionary();
-    if (!values) return;
-    type.personalities.push_back(MakePersonality(type, *values, location, valueOffset));
+    const auto values = value.AsDictionary();
+    if (values) type.personalities.push_back(MakePersonality(type, *values, location));
     return;
   }
-  const auto array = value->AsArray();
+  const auto array = value.AsArray();
   if (!array) return;
+  type.personalities.reserve(array->size());
   for (std::size_t i = 0; i < array->size(); ++i) {
     const auto values = (*array)[i].AsDictionary();
-    if (!values) continue;
-    const auto* element = location == nullptr ? nullptr : FindElement(*location, i);
-    type.personalities.push_back(
-        MakePersonality(type, *values, element, OffsetOfElement(type.entry, i)));
+    if (values) type.personalities.push_back(MakePersonality(type, *values, location.elements[i]));
   }
 }
 
 }  // namespace
 
-std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* location,
-                                         std::size_t offset) {
-  if (location == nullptr || location->entries.empty()) return LocatedAt(dictionary, offset);
-  if (location->entries.size() != dictionary.Size()) return LocatedAtLast(dictionary, *location);
+std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation& location) {
+  if (location.entries.size() != dictionary.Size()) return LocatedAtLast(dictionary, location);
   std::vector<LocatedEntry> entries;
   entries.reserve(dictionary.Size());
   for (std::size_t i = 0; i < dictionary.Size(); ++i) {
-    entries.push_back(Located(dictionary.Entries()[i], location->entries[i]));
+    entries.push_back(Located(dictionary.Entries()[i], location.entries[i]));
   }
   return entries;
 }
 
 std::size_t OffsetOfElement(const LocatedEntry& array, std::size_t index) {
-  const auto* element = array.location == nullptr ? nullptr : FindElement(*array.location, index);
-  return element == nullptr ? array.valueOffset : element->offset;
+  return array.location->elements[index].offset;
 }
 
 const LocatedEntry* LocatedPersonality::Find(std::string_view key) const {
@@ -91,7 +77,7 @@ const LocatedEntry* LocatedPersonality::Find(std::string_view key) const {
 LintSubject::LintSubject(const ConfigurationFile& configuration) : file(configuration) {
   const auto top = file.Value().AsDictionary();
   if (!top) return;
-  entries = LocatedEntries(*top, &file.Root(), file.Root().offset);
+  entries = LocatedEntries(*top, file.Root());
   for (const auto& entry : entries) {
     const auto type = TypeNamed(entry.key);
     if (type == Types::None) continue;

@@ -18,15 +18,14 @@ struct LocatedEntry {
   const PropertyValue* value;
   std::size_t keyOffset;
   std::size_t valueOffset;
-  const ValueLocation* location;  // of the value; null when it is unknown
+  const ValueLocation* location;  // of the value and what is in it
 };
 
-/// The entries of a dictionary in their order; of a key that occurs twice the last, which counts. A
-/// container without locations (`location` is null, or has no entries) has everything at `offset`.
-std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation* location,
-                                         std::size_t offset);
+/// The entries of a dictionary in their order; of a key that occurs twice the last, which counts.
+/// REQUIRES: the location is that of the dictionary.
+std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation& location);
 
-/// The offset of an element of the entry's array, or of the array when that is not known.
+/// The offset of an element of the entry's array.
 std::size_t OffsetOfElement(const LocatedEntry& array, std::size_t index);
 
 /// One personality of a configuration.

@@ -2,7 +2,7 @@
 
 #include "lab/lint/acceptance.h"
 #include "lab/lint/checks.h"
-#include "lab/lint/value_rules.h"
+#include "lab/lint/rules/value_rules.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "lab/lint/checks.h"
-#include "lab/lint/controller_values.h"
-#include "lab/lint/version_rules.h"
+#include "lab/lint/rules/version_rules.h"
+#include "lab/support/controller_values.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {
@@ -80,8 +80,8 @@ void LintWindow(const Window& window, TypeSet type, VersionScales scales,
                  "\"Version\" " + Shown(*version->value) +
                      " is not above \"Existing Min Version\" " + Shown(*minimum->value));
   } else if (IsEmpty(window, scales)) {
-    const auto* place = maximum != nullptr ? maximum : version;
-    findings.Add(LintRuleOf::EmptyVersionWindow, place->valueOffset,
+    const auto* location = maximum != nullptr ? maximum : version;
+    findings.Add(LintRuleOf::EmptyVersionWindow, location->valueOffset,
                  scales.thunderbolt
                      ? "no version that can be installed is in the window of this personality"
                      : "no version that can be installed is in the window of this personality: at "

@@ -3,18 +3,29 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <iterator>
 
 #include "value/number_text.h"
 #include "value/unicode/ascii.h"
 
-// Finds identifiers in texts. Known ones: each of the n spellings is searched for in each text, O(n
-// * length); a recording has a few dozen. Unknown ones: one pass over a name that tries each form
-// at the start of each run of letters and digits.
+// Finds identifiers in texts.
+//
+// Known ones: a search in a sorted array of their spellings, at each character of a text. The first
+// eight bytes, which every spelling has, are looked up as a number; where there are spellings that
+// begin so, a binary search finds the last one that is not above the rest of the text. Every
+// spelling that the rest begins with is that one or a prefix of it, to which each spelling has a
+// link. What agrees in MaxComparedLength characters counts as found, so no character costs more
+// comparisons than that many, and what agrees further is passed over: n log m for a text of n
+// characters.
+//
+// Unknown ones: one pass over a name that tries each form at the start of each run of letters and
+// digits.
 
 namespace fernwick::lab {
 namespace {
 
 constexpr std::size_t MinIdentifierLength = 8;
+constexpr std::size_t MaxComparedLength = 64;
 constexpr std::size_t MinHexadecimalLength = 12;
 
 bool IsLetterOrDigit(char c) {
@@ -83,6 +94,20 @@ std::size_t FormLength(std::string_view text) {
   return isNumber ? prefix + digits.size() : 0;
 }
 
+// The first bytes of the text as a number that is ordered as they are. REQUIRES: there are eight.
+std::uint64_t StartOf(std::string_view text) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < MinIdentifierLength; ++i) {
+    number = number << 8 | static_cast<unsigned char>(text[i]);
+  }
+  return number;
+}
+
+// How many characters both begin with.
+std::size_t CommonLength(std::string_view a, std::string_view b) {
+  return static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());
+}
+
 }  // namespace
 
 bool IdentifiesComputer(std::string_view key) {
@@ -120,32 +145,84 @@ void Identifiers::AddBytes(std::string_view bytes) {
 
 void Identifiers::AddSpelling(std::string_view text) {
   if (text.size() < MinIdentifierLength) return;
-  Spelling spelling = {Lower(text), std::string(text)};
-  const auto order = [](const Spelling& a, const Spelling& b) {
-    return a.text.size() != b.text.size() ? a.text.size() > b.text.size() : a.text < b.text;
-  };
-  const auto next = std::ranges::lower_bound(spellings_, spelling, order);
-  if (next != spellings_.end() && next->text == spelling.text) return;
-  spellings_.insert(next, std::move(spelling));
+  const auto original = arena_.Copy(text);
+  const auto lower = Lower(text);
+  spellings_.push_back({lower == text ? original : arena_.Copy(lower), original});
+  isSorted_ = false;
 }
 
-std::optional<std::string> Identifiers::Replaced(std::string_view bytes,
-                                                 Pseudonyms& pseudonyms) const {
-  auto replaced = std::string(bytes);
-  auto lower = Lower(bytes);  // changes with `replaced`
-  bool isChanged = false;
-  for (const auto& [text, original] : spellings_) {
-    auto at = lower.find(text);
-    if (at == std::string::npos) continue;
-    const auto pseudonym = pseudonyms.OfText(original);
-    for (; at != std::string::npos; at = lower.find(text, at + pseudonym.size())) {
-      lower.replace(at, text.size(), pseudonym);
-      replaced.replace(at, text.size(), pseudonym);
+// Each text once, with the original that came first.
+void Identifiers::Sort() {
+  if (isSorted_) return;
+  isSorted_ = true;
+  std::ranges::stable_sort(spellings_, {}, &Spelling::text);
+  const auto areEqual = [](const Spelling& a, const Spelling& b) { return a.text == b.text; };
+  spellings_.erase(std::unique(spellings_.begin(), spellings_.end(), areEqual), spellings_.end());
+  starts_.clear();
+  for (const auto& spelling : spellings_) starts_.push_back(StartOf(spelling.text));
+  LinkPrefixes();
+}
+
+// The prefixes of a spelling come before it, and the one before it begins with all of them: they
+// are found by following the links of that one. A spelling is passed over by at most one such walk.
+void Identifiers::LinkPrefixes() {
+  for (std::size_t i = 0; i < spellings_.size(); ++i) {
+    auto& spelling = spellings_[i];
+    spelling.prefix = i;
+    for (auto other = i == 0 ? i : i - 1; other != i;) {
+      if (spelling.text.starts_with(spellings_[other].text)) {
+        spelling.prefix = other;
+        break;
+      }
+      const auto next = spellings_[other].prefix;
+      other = next == other ? i : next;
     }
-    isChanged = true;
   }
-  if (!isChanged) return std::nullopt;
-  return replaced;
+}
+
+Identifiers::Found Identifiers::FindAtStart(std::string_view text) const {
+  const auto [begin, end] = std::equal_range(starts_.begin(), starts_.end(), StartOf(text));
+  if (begin == end) return {};
+  const auto first = spellings_.begin() + (begin - starts_.begin());
+  const auto last = first + (end - begin);
+  const auto above = std::ranges::upper_bound(first, last, text, {}, &Spelling::text);
+  const auto lengthAbove = above == last ? 0 : CommonLength(above->text, text);
+  const auto lengthBelow = above == first ? 0 : CommonLength(std::prev(above)->text, text);
+  if (std::max(lengthAbove, lengthBelow) >= MaxComparedLength) {
+    if (lengthAbove > lengthBelow) return {lengthAbove, nullptr};
+    const auto& below = *std::prev(above);
+    return {lengthBelow, lengthBelow == below.text.size() ? &below : nullptr};
+  }
+  if (above == first) return {};
+  const auto* spelling = &*std::prev(above);
+  while (spelling->text.size() > lengthBelow) {
+    const auto* prefix = &spellings_[spelling->prefix];
+    if (prefix == spelling) return {};
+    spelling = prefix;
+  }
+  return {spelling->text.size(), spelling};
+}
+
+std::optional<std::string> Identifiers::Replaced(std::string_view bytes, Pseudonyms& pseudonyms) {
+  Sort();
+  if (spellings_.empty() || bytes.size() < MinIdentifierLength) return std::nullopt;
+  const auto lower = Lower(bytes);
+  std::string replaced;
+  std::size_t copied = 0;
+  for (std::size_t i = 0; i + MinIdentifierLength <= lower.size();) {
+    const auto rest = std::string_view(lower).substr(i);
+    const auto [length, whole] = FindAtStart(rest);
+    if (length == 0) {
+      ++i;
+      continue;
+    }
+    replaced += bytes.substr(copied, i - copied);
+    replaced += pseudonyms.OfText(whole != nullptr ? whole->original : rest.substr(0, length));
+    i += length;
+    copied = i;
+  }
+  if (copied == 0) return std::nullopt;
+  return replaced.append(bytes.substr(copied));
 }
 
 std::optional<std::string> ReplaceIdentifierForms(std::string_view name, Pseudonyms& pseudonyms) {

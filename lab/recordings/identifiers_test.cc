@@ -61,6 +61,61 @@ TEST(Identifiers, ThatContainAnotherAreReplacedWhole) {
   EXPECT_EQ(Replaced(List({"12345678", "0-12345678"}), "0-12345678"), "0-00000001");
 }
 
+TEST(Identifiers, OfThoseThatBeginAlikeTheLongestIsReplaced) {
+  const auto identifiers = List({"abcdefgh", "abcdefghij", "abcdefghijklmn", "abcdefghix"});
+  EXPECT_EQ(Replaced(identifiers, "abcdefghijklm abcdefghz abcdefghijklmn abcdefghi"),
+            "0000000001klm 00000002z 00000000000003 00000002i");
+  EXPECT_EQ(Replaced(identifiers, "abcdefg"), "unchanged");
+  EXPECT_EQ(Replaced(identifiers, "aaaaaaaa zzzzzzzz abcdefga"), "unchanged");
+}
+
+TEST(Identifiers, ThatAreLongAreFoundByTheirFirstCharacters) {
+  const auto begin = std::string(64, 'A');
+  const auto identifiers = List({testing::Kept(begin + "BBBB"), testing::Kept(begin + "CC")});
+  const auto pseudonym = [](std::size_t length, char number) {
+    return std::string(length - 1, '0') + number;
+  };
+  EXPECT_EQ(Replaced(identifiers, begin + "bbbb!"), pseudonym(68, '1') + "!");
+  EXPECT_EQ(Replaced(identifiers, begin + "bbx" + begin + "CC"),
+            pseudonym(66, '1') + "x" + pseudonym(66, '2'));
+  EXPECT_EQ(Replaced(identifiers, begin.substr(1) + "b"), "unchanged");
+}
+
+// Against a search for each spelling at each character.
+TEST(Identifiers, AreThoseThatAPlainSearchFinds) {
+  std::uint32_t state = 1;
+  const auto random = [&](std::uint32_t limit) {
+    state = state * 1664525 + 1013904223;
+    return (state >> 16) % limit;
+  };
+  const auto word = [&](std::size_t length) {
+    std::string text;
+    while (text.size() < length) text += static_cast<char>('a' + random(2));
+    return text;
+  };
+  for (int round = 0; round < 300; ++round) {
+    std::vector<std::string> spellings;
+    Identifiers identifiers;
+    for (int i = 0; i < 20; ++i) {
+      spellings.push_back(word(8 + random(4)));
+      identifiers.Add(PropertyValue(std::string_view(spellings.back())));
+    }
+    const auto text = word(100);
+    std::string expected;
+    Pseudonyms pseudonyms;
+    for (std::size_t i = 0; i < text.size();) {
+      std::string longest;
+      for (const auto& each : spellings) {
+        if (text.compare(i, each.size(), each) == 0 && each.size() > longest.size()) longest = each;
+      }
+      expected += longest.empty() ? text.substr(i, 1) : pseudonyms.OfText(longest);
+      i += longest.empty() ? 1 : longest.size();
+    }
+    Pseudonyms others;
+    EXPECT_EQ(identifiers.Replaced(text, others).value_or(text), expected);
+  }
+}
+
 TEST(Identifiers, ShorterThanEightCharactersAreNotReplaced) {
   EXPECT_EQ(Replaced(List({"1234567", 1234567, Bytes("abc"), true}), "1234567 616263"),
             "unchanged");

@@ -21,11 +21,19 @@ Result<Recording, LabError> Interpret(Result<std::string, LabError> bytes, Seria
   return *std::move(recording);
 }
 
+void Write(const PropertyValue& value, Serialisation form, const TextSink& sink) {
+  constexpr std::size_t MaxIndentation = 32;
+  if (form == Serialisation::Binary) return sink(WriteBinaryPropertyList(value));
+  WriteXmlPropertyList(value, MaxIndentation, sink);
+  sink("\n");
+}
+
 }  // namespace
 
-Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form) {
-  auto file = ReadWholeFile(path);
-  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form,
+                                          std::size_t maxSize) {
+  auto file = ReadWholeFile(path, maxSize);
+  if (!file) return LabError{file.Error(), UnreadableStatus(file.Error())};
   return Interpret(*std::move(file), form);
 }
 
@@ -56,16 +64,21 @@ Result<Recording, LabError> LoadComputer(const ComputerOperand& computer) {
 
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists) {
-  const auto bytes = form == Serialisation::Binary ? WriteBinaryPropertyList(value)
-                                                   : WriteXmlPropertyList(value) + "\n";
-  if (bytes.size() > MaxFileSize) {
-    return PrintError(
-        out, {{"it would be larger than 1 GiB and could not be read"}, LabStatus::OutputLost});
+  const auto write = [&](const TextSink& sink) { Write(value, form, sink); };
+  if (out == "-") {
+    ProcessConsole console;
+    write([&](std::string_view text) { console.Write(text); });
+    return FinishOutput(console);
   }
-  if (out == "-") return PrintResult(bytes);
-  const auto error = WriteOutputFile(out, bytes, ifExists);
+  const auto error = WriteOutputFile(out, write, ifExists);
   if (error.empty()) return LabStatus::Done;
   return PrintError(out, {{error}, LabStatus::OutputLost});
+}
+
+bool CanBeRead(const PropertyValue& value, Serialisation form) {
+  std::size_t size = 0;
+  Write(value, form, [&](std::string_view text) { size += text.size(); });
+  return size <= MaxFileSize;
 }
 
 int CheckOutput(const std::string& out, IfExists ifExists) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "lab/support/command_line.h"
 #include "lab/support/input_file.h"
 #include "lab/support/messages.h"
 #include "lab/support/output_file.h"
+#include "platform/file_system.h"
 #include "registry/recorded_registry.h"
 #include "value/property_list_reader.h"
 #include "value/property_value.h"
@@ -13,9 +15,10 @@
 
 namespace fernwick::lab {
 
-/// Reads a recording, which is refused whole when it breaks a rule of the format. Stores its
-/// serialisation in `form`, which may be null.
-Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr);
+/// Reads a recording of at most `maxSize` bytes, which is refused whole when it breaks a rule of
+/// the format. Stores its serialisation in `form`, which may be null.
+Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr,
+                                          std::size_t maxSize = MaxFileSize);
 
 /// The same for an operand of a verb that accepts one recording: "-" is standard input.
 Result<Recording, LabError> LoadRecordingOperand(const std::string& operand,
@@ -42,6 +45,9 @@ Result<Recording, LabError> LoadComputer(const ComputerOperand& computer);
 /// LabStatus::Done, or OutputLost after a line on standard error.
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists);
+
+/// Whether WritePropertyList writes no more than a file may have to be read again.
+bool CanBeRead(const PropertyValue& value, Serialisation form);
 
 /// Prints an error and returns LabStatus::OutputLost when WritePropertyList would refuse to replace
 /// what is at `out`, before any work is done; otherwise LabStatus::Done.

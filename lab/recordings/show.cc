@@ -43,7 +43,10 @@ VerbEnd Show(int argumentCount, char* const arguments[]) {
     return LabStatus::BadUsage;
   }
   const auto computer = Inspect(*recording);
-  return PrintResult(asJson ? PrintJson(ShowAsJson(computer, plane)) : ShowAsText(computer, plane));
+  ProcessConsole console;
+  const TextSink sink = [&](std::string_view text) { console.Write(text); };
+  asJson ? PrintComputerJson(computer, plane, sink) : PrintComputerText(computer, plane, sink);
+  return FinishOutput(console);
 }
 
 }  // namespace fernwick::lab

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 
@@ -8,20 +9,20 @@
 namespace fernwick::lab {
 namespace {
 
-std::string Indented(std::string_view text, std::size_t indentation) {
-  std::string indented(indentation, ' ');
-  for (const char c : text) {
-    indented.push_back(c);
-    if (c == '\n') indented.append(indentation, ' ');
-  }
-  return indented;
+// The blanks at the start of a line of a tree, which are not more than those of this level.
+std::string TreeIndentation(std::size_t level) {
+  constexpr std::size_t MaxLevels = 32;
+  return std::string(2 * std::min(level, MaxLevels), ' ');
 }
 
 // One "key" = value a line.
-void AppendProperties(Dictionary properties, std::size_t indentation, std::string& out) {
+void PrintProperties(Dictionary properties, const std::string& indentation, const TextSink& sink) {
+  constexpr std::size_t MaxValueLevels = 16;
+  const DumpLayout layout = {indentation.size(), MaxValueLevels};
   for (const auto& [key, value] : properties.Entries()) {
-    const auto line = DumpText(key) + " = " + DumpText(value);
-    out += Indented(line, indentation) + "\n";
+    sink(indentation + PrintableText(DumpText(key)) + " = ");
+    DumpText(value, layout, [&](std::string_view text) { sink(PrintableLines(text)); });
+    sink("\n");
   }
 }
 
@@ -37,41 +38,37 @@ std::string MarkOf(const Controllers& controllers, RegistryEntry entry) {
 // One plane of the computer as an indented tree.
 class TextTree {
  public:
-  TextTree(const ShownComputer& computer, const RecordedPlane& plane, std::string& out)
-      : computer_(computer), plane_(plane), out_(out) {}
+  TextTree(const ShownComputer& computer, const RecordedPlane& plane, const TextSink& sink)
+      : computer_(computer), plane_(plane), sink_(sink) {}
 
-  void AppendNode(RegistryEntry entry, std::size_t depth) {
+  void PrintNode(RegistryEntry entry, std::size_t depth) {
     const auto& recorded = computer_.recording.entries[entry - 1];
-    out_.append(2 * depth, ' ');
-    out_ += recorded.name.empty() ? "/" : PrintableText(recorded.name);
-    if (!recorded.class_.empty()) out_ += "  <" + PrintableText(recorded.class_) + ">";
-    out_ += MarkOf(computer_.thunderbolt, entry) + MarkOf(computer_.ports, entry) + "\n";
-    AppendProperties(recorded.properties, 2 * depth + 6, out_);
-    for (const auto child : plane_.placements.at(entry).children) AppendNode(child, depth + 1);
+    const auto indentation = TreeIndentation(depth);
+    auto line = indentation + (recorded.name.empty() ? "/" : PrintableText(recorded.name));
+    if (!recorded.class_.empty()) line += "  <" + PrintableText(recorded.class_) + ">";
+    sink_(line + MarkOf(computer_.thunderbolt, entry) + MarkOf(computer_.ports, entry) + "\n");
+    PrintProperties(recorded.properties, indentation + "      ", sink_);
+    for (const auto child : plane_.placements.at(entry).children) PrintNode(child, depth + 1);
   }
 
  private:
   const ShownComputer& computer_;
   const RecordedPlane& plane_;
-  std::string& out_;
+  const TextSink& sink_;
 };
 
-void AppendInventory(const Controllers& controllers, std::string& out) {
-  out += "\n" + std::string(controllers.kind) + "s as the tool sees them:";
+void PrintInventory(const Controllers& controllers, const TextSink& sink) {
+  sink("\n" + std::string(controllers.kind) + "s as the tool sees them:");
   if (controllers.endsRun) {
-    out +=
-        " reading them ends the run abnormally\n      (a Thunderbolt controller has no \"UID\")\n";
-    return;
+    return sink(
+        " reading them ends the run abnormally\n      (a Thunderbolt controller has no \"UID\")\n");
   }
-  if (controllers.inventory.records.empty()) {
-    out += " none\n";
-    return;
-  }
-  out += "\n";
+  if (controllers.inventory.records.empty()) return sink(" none\n");
+  sink("\n");
   std::size_t number = 0;
   for (const auto& record : controllers.inventory.records) {
-    out += "  " + std::to_string(++number) + "\n";
-    AppendProperties(record, 6, out);
+    sink("  " + std::to_string(++number) + "\n");
+    PrintProperties(record, "      ", sink);
   }
 }
 
@@ -85,16 +82,16 @@ std::string BoardLine(const BoardIdentity& board) {
 
 }  // namespace
 
-std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted) {
-  auto text = BoardLine(computer.board);
+void PrintComputerText(const ShownComputer& computer, const std::optional<std::string>& wanted,
+                       const TextSink& sink) {
+  sink(BoardLine(computer.board));
   for (const auto& [name, plane] : computer.recording.planes) {
     if (wanted && *wanted != name) continue;
-    text += "\n" + PrintableText(name) + ":\n";
-    TextTree(computer, plane, text).AppendNode(plane.root, 0);
+    sink("\n" + PrintableText(name) + ":\n");
+    TextTree(computer, plane, sink).PrintNode(plane.root, 0);
   }
-  AppendInventory(computer.thunderbolt, text);
-  AppendInventory(computer.ports, text);
-  return text;
+  PrintInventory(computer.thunderbolt, sink);
+  PrintInventory(computer.ports, sink);
 }
 
 }  // namespace fernwick::lab

@@ -1,50 +1,55 @@
 #include "lab/recordings/shown_computer.h"
 
-#include <cstdio>
-#include <utility>
+#include "lab/support/json_stream.h"
+#include "lab/support/json_values.h"
 
 namespace fernwick::lab {
 namespace {
 
-Json InventoryAsJson(const Controllers& controllers) {
-  if (controllers.endsRun) return {{"endsRunAbnormally", true}};
-  auto list = Json::array();
+void PrintInventory(const char* key, const Controllers& controllers, JsonStream& stream) {
+  if (controllers.endsRun) return stream.AddMembers({{key, {{"endsRunAbnormally", true}}}});
+  stream.Begin(key, '[');
   for (const auto& record : controllers.inventory.records) {
-    list.push_back(ToJson(Dictionary(record)));
-  };
-  return list;
+    stream.Add(PropertyValue(Dictionary(record)));
+  }
+  stream.End();
 }
 
 // One plane of the computer as a tree of JSON objects.
 class JsonTree {
  public:
-  JsonTree(const ShownComputer& computer, const RecordedPlane& plane)
-      : computer_(computer), plane_(plane) {}
+  JsonTree(const ShownComputer& computer, const RecordedPlane& plane, JsonStream& stream)
+      : computer_(computer), plane_(plane), stream_(stream) {}
 
-  Json Node(RegistryEntry entry) const {
+  // The members of an object that has begun.
+  void PrintMembers(RegistryEntry entry) {
     const auto& recorded = computer_.recording.entries[entry - 1];
-    Json node = {{"name", recorded.name}};
-    if (!recorded.class_.empty()) node["class"] = recorded.class_;
+    stream_.AddMember("name", recorded.name);
+    if (!recorded.class_.empty()) stream_.AddMember("class", recorded.class_);
     for (const auto* controllers : {&computer_.thunderbolt, &computer_.ports}) {
-      AddController(*controllers, entry, node);
+      PrintController(*controllers, entry);
     }
-    node["properties"] = ToJson(recorded.properties);
-    auto children = Json::array();
-    for (const auto child : plane_.placements.at(entry).children) children.push_back(Node(child));
-    node["children"] = std::move(children);
-    return node;
+    stream_.AddMember("properties", recorded.properties);
+    stream_.Begin("children", '[');
+    for (const auto child : plane_.placements.at(entry).children) {
+      stream_.Begin('{');
+      PrintMembers(child);
+      stream_.End();
+    }
+    stream_.End();
   }
 
  private:
-  static void AddController(const Controllers& controllers, RegistryEntry entry, Json& node) {
+  void PrintController(const Controllers& controllers, RegistryEntry entry) {
     const auto number = controllers.numbers.find(entry);
     if (number == controllers.numbers.end()) return;
-    node["controller"] = controllers.kind;
-    node["listed"] = number->second == 0 ? Json(nullptr) : Json(number->second);
+    stream_.AddMembers({{"controller", controllers.kind},
+                        {"listed", number->second == 0 ? Json(nullptr) : Json(number->second)}});
   }
 
   const ShownComputer& computer_;
   const RecordedPlane& plane_;
+  JsonStream& stream_;
 };
 
 Json BoardAsJson(const BoardIdentity& board) {
@@ -61,16 +66,22 @@ ShownComputer Inspect(const Recording& recording) {
           FindPortControllers(recording)};
 }
 
-Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted) {
-  auto planes = Json::object();
+void PrintComputerJson(const ShownComputer& computer, const std::optional<std::string>& wanted,
+                       const TextSink& sink) {
+  JsonStream stream(sink);
+  stream.Begin('{');
+  stream.AddMembers({{"board", BoardAsJson(computer.board)}});
+  stream.Begin("planes", '{');
   for (const auto& [name, plane] : computer.recording.planes) {
     if (wanted && *wanted != name) continue;
-    planes[name] = JsonTree(computer, plane).Node(plane.root);
+    stream.Begin(name, '{');
+    JsonTree(computer, plane, stream).PrintMembers(plane.root);
+    stream.End();
   }
-  return {{"board", BoardAsJson(computer.board)},
-          {"planes", std::move(planes)},
-          {"thunderboltControllers", InventoryAsJson(computer.thunderbolt)},
-          {"portControllers", InventoryAsJson(computer.ports)}};
+  stream.End();
+  PrintInventory("thunderboltControllers", computer.thunderbolt, stream);
+  PrintInventory("portControllers", computer.ports, stream);
+  stream.End();
 }
 
 }  // namespace fernwick::lab

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "lab/recordings/controllers.h"
-#include "lab/support/json_values.h"
 #include "registry/board_identity.h"
 #include "registry/recorded_registry.h"
+#include "value/text_sink.h"
 
 namespace fernwick::lab {
 
@@ -22,11 +22,13 @@ struct ShownComputer {
 /// Collects both inventories as a run would. A fault that would end the run is only noted.
 ShownComputer Inspect(const Recording& recording);
 
-/// As a text for people, with the plane `wanted` alone or, if it is empty, every plane in the order
-/// of their names.
-std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted);
+/// Prints it as a text for people, with the plane `wanted` alone or, if it is empty, every plane in
+/// the order of their names.
+void PrintComputerText(const ShownComputer& computer, const std::optional<std::string>& wanted,
+                       const TextSink& sink);
 
 /// The same in JSON.
-Json ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted);
+void PrintComputerJson(const ShownComputer& computer, const std::optional<std::string>& wanted,
+                       const TextSink& sink);
 
 }  // namespace fernwick::lab

@@ -2,11 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include "lab/support/json_values.h"
 #include "testing/computer.h"
 #include "testing/property_values.h"
 
 namespace fernwick::lab {
 namespace {
+
+std::string ShowAsText(const ShownComputer& computer, const std::optional<std::string>& wanted) {
+  std::string text;
+  PrintComputerText(computer, wanted, [&](std::string_view part) { text += part; });
+  return text;
+}
+
+// As it is printed, without white space.
+std::string ShowAsJson(const ShownComputer& computer, const std::optional<std::string>& wanted) {
+  std::string text;
+  PrintComputerJson(computer, wanted, [&](std::string_view part) { text += part; });
+  const auto json = Json::parse(text);
+  EXPECT_EQ(PrintJson(json), text);
+  return PrintJsonRow(json);
+}
 
 testing::Computer SmallComputer() {
   testing::Computer computer;
@@ -83,7 +99,7 @@ TEST(ShowAsJson, ContainsTheSame) {
   const auto computer = SmallComputer();
   const auto json = ShowAsJson(Inspect(computer.Recorded()), "IOService");
   EXPECT_EQ(
-      PrintJsonRow(json),
+      json,
       R"({"board":{"id":"Zed-2B","number":43,"revision":3},)"
       R"("planes":{"IOService":{"name":"","properties":{},"children":[)"
       R"({"name":"ridge","class":"IOThunderboltSwitch","controller":"Thunderbolt controller",)"
@@ -101,10 +117,32 @@ TEST(ShowAsJson, ReportsAnInventoryThatEndsTheRun) {
   testing::Computer computer;
   computer.AddThunderbolt("ridge", {{"Depth", 0}, {"Route String", 0}});
   const auto json = ShowAsJson(Inspect(computer.Recorded()), "none");
-  EXPECT_EQ(PrintJsonRow(json),
-            R"({"board":{"id":null,"number":0,"revision":0},"planes":{},)"
-            R"("thunderboltControllers":{"endsRunAbnormally":true},"portControllers":[]})"
-            "\n");
+  EXPECT_EQ(json, R"({"board":{"id":null,"number":0,"revision":0},"planes":{},)"
+                  R"("thunderboltControllers":{"endsRunAbnormally":true},"portControllers":[]})"
+                  "\n");
+}
+
+// Neither the tree nor a value is indented without bound: 400 levels of four blanks would be 1600.
+TEST(ShowAsText, HasABoundedIndentation) {
+  testing::Computer computer;
+  auto entry = computer.AddThunderbolt("ridge", {{"UID", 1}});
+  for (int i = 0; i < 50; ++i) entry = computer.AddService(entry, "deep", "", {});
+  computer.Set(entry, "nested", testing::NestedArrays(100, 1));
+  const auto text = ShowAsText(Inspect(computer.Recorded()), "IOService");
+  const std::string tree(64, ' ');
+  EXPECT_NE(text.find("\n" + tree + "deep\n"), std::string::npos);
+  EXPECT_EQ(text.find("\n" + tree + " deep\n"), std::string::npos);
+  EXPECT_NE(text.find("\n" + tree + std::string(6 + 4 * 16, ' ') + "(\n"), std::string::npos);
+  EXPECT_EQ(text.find(tree + std::string(6 + 4 * 16 + 1, ' ')), std::string::npos);
+}
+
+TEST(ShowAsText, EscapesWhatChangesTheDirectionOfAText) {
+  testing::Computer computer;
+  computer.Set(computer.Board(), "a\u202Eb", testing::List({"c\u2066d", 1}));
+  const auto text = ShowAsText(Inspect(computer.Recorded()), "IODeviceTree");
+  EXPECT_NE(text.find("      \"a\\u202eb\" = (\n          \"c\\u2066d\",\n          1\n      )\n"),
+            std::string::npos)
+      << text;
 }
 
 }  // namespace

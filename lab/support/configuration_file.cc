@@ -61,7 +61,7 @@ FileLocation ConfigurationFile::LocationOf(std::size_t offset) const {
 
 Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path) {
   auto file = ReadWholeFile(path);
-  if (!file) return LabError{file.Error(), LabStatus::UnreadableInput};
+  if (!file) return LabError{file.Error(), UnreadableStatus(file.Error())};
   LocationBuilder locations;
   auto reading = ReadPropertyList(*std::move(file), &locations);
   if (!reading.list) return LabError{reading.list.Error(), LabStatus::MalformedInput};

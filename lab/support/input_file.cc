@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "platform/file_system.h"
 
@@ -17,7 +16,7 @@ Result<std::string> ReadStandardInput() {
     const ssize_t count = read(STDIN_FILENO, block, sizeof block);
     if (count == 0) return bytes;
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return Error{std::strerror(errno)};
+    if (count < 0) return SystemError();
     bytes.append(block, static_cast<std::size_t>(count));
     if (bytes.size() > MaxFileSize) return Error{"the input is larger than 1 GiB"};
   }
@@ -27,7 +26,7 @@ Result<std::string> ReadStandardInput() {
 
 Result<std::string, LabError> ReadInput(const std::string& operand) {
   auto bytes = operand == "-" ? ReadStandardInput() : ReadWholeFile(operand);
-  if (!bytes) return LabError{bytes.Error(), LabStatus::UnreadableInput};
+  if (!bytes) return LabError{bytes.Error(), UnreadableStatus(bytes.Error())};
   return *std::move(bytes);
 }
 

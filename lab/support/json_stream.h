@@ -1,17 +1,14 @@
 #pragma once
 
-#include <functional>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "lab/support/json_values.h"
+#include "value/property_value.h"
+#include "value/text_sink.h"
 
 namespace fernwick::lab {
-
-/// Accepts a text in parts, so that a long one is never in memory as a whole.
-using TextSink = std::function<void(std::string_view)>;
 
 /// Prints a JSON document as PrintJson does, but as a stream: objects and arrays that may be long
 /// are begun and ended, and their contents are added value by value.
@@ -31,8 +28,14 @@ class JsonStream {
   /// Adds an element to an array.
   void Add(const Json& element);
 
+  /// The same, of a property list, which may be large.
+  void Add(const PropertyValue& element);
+
   /// Adds every member of `members` to an object.
   void AddMembers(const Json& members);
+
+  /// Adds a member whose value is that of a property list, which may be large.
+  void AddMember(std::string_view key, const PropertyValue& value);
 
  private:
   struct Level {
@@ -41,8 +44,8 @@ class JsonStream {
   };
 
   void BeginLine();
+  void BeginMember(std::string_view key);
   void Open(char bracket);
-  std::string Print(const Json& value) const;
 
   TextSink sink_;
   std::vector<Level> levels_;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "value/property_value.h"
+#include "value/text_sink.h"
 
 namespace fernwick::lab {
 
@@ -21,12 +22,19 @@ Json ToJson(const PropertyValue& value);
 Json ToJson(const PropertyValue* value);
 
 /// The text of a JSON document, indented by two, with a newline at the end. Bytes that are not
-/// UTF-8 (a path may contain any) become U+FFFD; control characters are escaped.
+/// UTF-8 (a path may contain any) become U+FFFD; control characters and those that change the
+/// direction or the lines of a text are escaped.
 std::string PrintJson(const Json& json);
 
-/// The same for a value inside a document, on a line that is indented by so many blanks: further
-/// lines are indented by as many, the first is not, and there is no newline at the end.
-std::string PrintJsonInside(const Json& json, std::size_t indentation);
+/// The same for a value inside a document, on a line of that level: further lines are indented by
+/// that much more, the first is not, and there is no newline at the end.
+void PrintJsonAt(std::size_t level, const Json& json, const TextSink& sink);
+
+/// The same of ToJson(value), which is not built.
+void PrintJsonAt(std::size_t level, const PropertyValue& value, const TextSink& sink);
+
+/// The blanks at the start of a line of that level, which are not more than those of level 32.
+std::string JsonIndentation(std::size_t level);
 
 /// As PrintJson, on one line: a row of ndjson.
 std::string PrintJsonRow(const Json& json);

@@ -56,5 +56,43 @@ TEST(JsonValues, EscapeControlCharactersAndReplaceWhatIsNotUtf8) {
             "\"\\u007f \\u0080\\u009f \xC2\xA0\xC3\x80\\u007f\"\n");
 }
 
+TEST(JsonValues, EscapeWhatChangesTheDirectionOrTheLinesOfAText) {
+  EXPECT_EQ(PrintJsonRow({{"a\u202E", "\u2028b\u00E9\u202F\u2069"}}),
+            "{\"a\\u202e\":\"\\u2028b\u00E9\u202F\\u2069\"}\n");
+}
+
+// As a document without a bound on its indentation would be.
+TEST(JsonValues, ArePrintedAsTheLibraryDoes) {
+  const Json json = {{"a", {1, -2.5, "x\ty", nullptr, true}},
+                     {"empty", {{"array", Json::array()}, {"object", Json::object()}}}};
+  EXPECT_EQ(PrintJson(json), json.dump(2) + "\n");
+  EXPECT_EQ(PrintJsonRow(json), json.dump() + "\n");
+}
+
+TEST(JsonValues, OfAPropertyListArePrintedWithoutBuildingThem) {
+  const auto value = testing::Dict({{"a", testing::List({1, "x", testing::Bytes("Z")})},
+                                    {"b\u202E", Array()},
+                                    {"c", Dictionary()}});
+  std::string text;
+  PrintJsonAt(0, value, [&](std::string_view part) { text += part; });
+  EXPECT_EQ(text + "\n", PrintJson(ToJson(value)));
+}
+
+TEST(JsonValues, ThatAreDeepHaveABoundedIndentation) {
+  std::string text;
+  PrintJsonAt(1, testing::NestedArrays(40, 1), [&](std::string_view part) { text += part; });
+  EXPECT_NE(text.find("\n" + std::string(64, ' ') + "1\n"), std::string::npos);
+  EXPECT_EQ(text.find(std::string(65, ' ')), std::string::npos);
+}
+
+TEST(JsonValues, ThatAreLongArePrintedInParts) {
+  std::size_t parts = 0;
+  PrintJsonAt(0, Json(std::vector<int>(100'000, 1)), [&](std::string_view part) {
+    EXPECT_LT(part.size(), 70'000u);
+    ++parts;
+  });
+  EXPECT_GT(parts, 3u);
+}
+
 }  // namespace
 }  // namespace fernwick::lab

@@ -24,9 +24,27 @@ struct LabError {
   int status;  // LabStatus
 };
 
+/// The status for an input that the operating system refused to open or read: OutOfMemory for a
+/// lack of memory or descriptors, which any input would meet, otherwise UnreadableInput.
+int UnreadableStatus(const Error& error);
+
+/// The error of a path that could not be looked at, "PATH: MESSAGE", from an errno.
+LabError PathFailure(const std::string& path, int systemError);
+
+/// Whether a terminal or an editor acts on the character instead of showing it: a control character
+/// (U+0000 to U+001F, U+007F to U+009F), or one that changes the direction of a text (U+202A to
+/// U+202E, U+2066 to U+2069) or its lines (U+2028, U+2029).
+bool ActsOnText(char32_t character);
+
+/// Appends "\u" and the code in four hexadecimal digits. REQUIRES: it is below 0x10000.
+void AppendUnicodeEscape(std::string& text, char32_t code);
+
 /// A text from a file or a path as a terminal may show it: control characters, and bytes that are
-/// not UTF-8, as octal escapes.
+/// not UTF-8, as octal escapes, other characters that act on the text as "\u202e".
 std::string PrintableText(std::string_view text);
+
+/// As PrintableText, but for a text of whole lines in UTF-8: line feeds and tabs stay.
+std::string PrintableLines(std::string_view text);
 
 /// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control
 /// characters, which may come from a file, are printed as octal escapes.

@@ -21,10 +21,18 @@ namespace {
 
 constexpr char ExistsMessage[] = "there is a file of that name; --force replaces it";
 
-// The file to write, or why it cannot be written.
+// The permissions of a new file of this process.
+mode_t NewFileMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return static_cast<mode_t>(0666) & ~mask;
+}
+
+// The file to write and its permissions, or why it cannot be written.
 struct Target {
   std::string path;
   std::string error;
+  mode_t mode = NewFileMode();
 };
 
 // The file that the path leads to, links followed; the path itself when there is none. A directory
@@ -33,21 +41,17 @@ Target Resolve(const std::string& path, IfExists ifExists) {
   if (ifExists == IfExists::Refuse) return {path, ExistingOutputError(path)};
   struct stat status;
   if (stat(path.c_str(), &status) != 0) {
-    return {path, errno == ENOENT ? "" : std::strerror(errno)};
+    if (errno != ENOENT) return {path, std::strerror(errno)};
+    const bool isLink = lstat(path.c_str(), &status) == 0;
+    return {path, isLink ? "a link to a file that does not exist" : ""};
   }
   if (S_ISDIR(status.st_mode)) return {path, {}};
   if (!S_ISREG(status.st_mode)) return {path, "not a regular file"};
   const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
                                                              std::free);
   if (resolved == nullptr) return {path, std::strerror(errno)};
-  return {resolved.get(), {}};
-}
-
-// The permissions of a new file of this process.
-mode_t NewFileMode() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return static_cast<mode_t>(0666) & ~mask;
+  constexpr mode_t Permissions = 0777;
+  return {resolved.get(), {}, status.st_mode & Permissions};
 }
 
 // Blocks the signals that end a process, so that none leaves a temporary file; they arrive when
@@ -80,15 +84,24 @@ bool Rename(const std::string& newPath, const std::string& path, IfExists ifExis
   return std::rename(newPath.c_str(), path.c_str()) == 0;
 }
 
-// Writes and closes the temporary file and renames it to `path`.
-bool Finish(int file, const std::string& newPath, const std::string& path, std::string_view bytes,
+// Writes all contents until that fails. Returns whether it did not; errno has the reason if it did.
+bool WriteAll(int file, const WriteContents& write) {
+  int error = 0;
+  write([&](std::string_view bytes) {
+    if (error == 0 && !WriteWhole(file, bytes)) error = errno;
+  });
+  errno = error;
+  return error == 0;
+}
+
+// Writes and closes the temporary file and renames it to the target.
+bool Finish(int file, const std::string& newPath, const Target& target, const WriteContents& write,
             IfExists ifExists) {
-  const bool written =
-      WriteWhole(file, bytes) && fchmod(file, NewFileMode()) == 0 && fsync(file) == 0;
+  const bool written = WriteAll(file, write) && fchmod(file, target.mode) == 0 && fsync(file) == 0;
   const int error = errno;
   const bool closed = close(file) == 0;
   if (!written) errno = error;
-  return written && closed && Rename(newPath, path, ifExists);
+  return written && closed && Rename(newPath, target.path, ifExists);
 }
 
 }  // namespace
@@ -111,13 +124,19 @@ std::string ExistingOutputError(const std::string& path) {
 }
 
 std::string WriteOutputFile(const std::string& path, std::string_view bytes, IfExists ifExists) {
-  const auto [target, fault] = Resolve(path, ifExists);
-  if (!fault.empty()) return fault;
+  return WriteOutputFile(
+      path, [&](const TextSink& sink) { sink(bytes); }, ifExists);
+}
+
+std::string WriteOutputFile(const std::string& path, const WriteContents& write,
+                            IfExists ifExists) {
+  const auto target = Resolve(path, ifExists);
+  if (!target.error.empty()) return target.error;
   const BlockedSignals blocked;
-  std::string newPath = target + ".XXXXXX";
+  std::string newPath = target.path + ".XXXXXX";
   const int file = mkostemp(newPath.data(), O_CLOEXEC);
   if (file < 0) return std::strerror(errno);
-  if (Finish(file, newPath, target, bytes, ifExists)) return {};
+  if (Finish(file, newPath, target, write, ifExists)) return {};
   const int error = errno;
   unlink(newPath.c_str());
   return error == EEXIST ? ExistsMessage : std::strerror(error);

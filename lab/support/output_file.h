@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+
+#include "value/text_sink.h"
 
 namespace fernwick::lab {
 
@@ -13,12 +16,19 @@ bool WriteWhole(int file, std::string_view bytes);
 enum class IfExists { Replace, Refuse };
 
 /// Writes a file completely or not at all (atomic replace by rename): the bytes go to a temporary
-/// file beside `path`, which is then renamed. Links are followed. Anything but a regular file, such
-/// as a device or a pipe, is left alone, which is an error; so is, with IfExists::Refuse, whatever
-/// is at the path, a dangling link too. A signal that ends the process meanwhile has its effect
-/// when the file is complete. Returns what went wrong; empty when nothing did.
+/// file beside `path`, which is then renamed. Links are followed, and a file that is replaced keeps
+/// its mode. Anything but a regular file, such as a device or a pipe, is left alone, which is an
+/// error, and so is a dangling link; with IfExists::Refuse whatever is at the path. A signal that
+/// ends the process meanwhile has its effect when the file is complete. Returns what went wrong;
+/// empty when nothing did.
 std::string WriteOutputFile(const std::string& path, std::string_view bytes,
                             IfExists ifExists = IfExists::Replace);
+
+/// What writes the bytes of a file, in parts.
+using WriteContents = std::function<void(const TextSink& sink)>;
+
+/// The same of a file that is never in memory as a whole.
+std::string WriteOutputFile(const std::string& path, const WriteContents& write, IfExists ifExists);
 
 /// "there is a file of that name; --force replaces it" when something is at the path, by which a
 /// verb can refuse an output before it starts; otherwise empty.

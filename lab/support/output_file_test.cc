@@ -1,6 +1,7 @@
 #include "lab/support/output_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -62,6 +63,34 @@ TEST(OutputFile, HasThePermissionsOfAnyNewFile) {
   EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
 }
 
+TEST(OutputFile, KeepsThePermissionsOfTheFileThatItReplaces) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Write("out", "what was there before");
+  for (const auto mode : {fs::perms(0600), fs::perms(0664)}) {
+    fs::permissions(path, mode);
+    EXPECT_EQ(WriteOutputFile(path, "new"), "");
+    EXPECT_EQ(fs::status(path).permissions(), mode);
+  }
+}
+
+TEST(OutputFile, BeyondTheLimitOfFileSizesIsAnErrorAndLeavesNothing) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Path() + "/out";
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit limit = {1000, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+  const auto parts = [](const TextSink& sink) {
+    for (int i = 0; i < 3; ++i) sink(std::string(600, 'x'));
+  };
+  const auto error = WriteOutputFile(path, parts, IfExists::Refuse);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, SIG_DFL);
+  EXPECT_EQ(error, "File too large");
+  EXPECT_EQ(FilesIn(directory.Path()), 0u);
+}
+
 TEST(OutputFile, ThatCannotBeRenamedLeavesNothing) {
   const testing::TemporaryDirectory directory;
   const auto path = directory.Path() + "/out";
@@ -101,12 +130,13 @@ TEST(OutputFile, ReachedByALinkReplacesTheFileAndLeavesTheLink) {
   EXPECT_EQ(FilesIn(directory.Path()), 2u);
 }
 
-TEST(OutputFile, ReachedByDanglingLinksIsWrittenOrAnError) {
+TEST(OutputFile, ReachedByADanglingLinkIsAnError) {
   const testing::TemporaryDirectory directory;
   const auto dangling = directory.Path() + "/dangling";
   fs::create_symlink("none", dangling);
-  EXPECT_EQ(WriteOutputFile(dangling, "new"), "");
-  EXPECT_EQ(testing::ReadFile(dangling), "new");
+  EXPECT_EQ(WriteOutputFile(dangling, "new"), "a link to a file that does not exist");
+  EXPECT_EQ(fs::read_symlink(dangling), "none");
+  EXPECT_EQ(FilesIn(directory.Path()), 1u);
   const auto loop = directory.Path() + "/loop";
   fs::create_symlink("loop", loop);
   EXPECT_EQ(WriteOutputFile(loop, "new"), "Too many levels of symbolic links");

@@ -1,6 +1,7 @@
 #include "lab/support/tool_run.h"
 
-#include <algorithm>
+#include "personality/configuration.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 
@@ -13,23 +14,39 @@ Options ToolOptions(const std::string& payload, bool bypassVersion) {
   return ParseOptions(static_cast<int>(words.size()), arguments.data());
 }
 
-ToolRun RunTool(const Recording& recording, const Options& options) {
+ToolRun RunTool(const Recording& recording, const Options& options, KeptOutput kept) {
   RecordedRegistry registry(recording);
-  StringConsole console;
+  return RunTool(registry, options, kept);
+}
+
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept) {
+  DiagnosticConsole console(kept == KeptOutput::Texts);
   RunTrace trace;
   auto result = Run(options, registry, console, &trace);
-  return {std::move(result), console.Output(), console.Error(), std::move(trace)};
+  return {std::move(result), console.TakeOutput(), console.TakeError(), console.TakeCounts(),
+          std::move(trace)};
+}
+
+std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& options) {
+  const auto& error = run.result.configurationError;
+  if (!error || error->systemError == 0 || IsAbsence(error->systemError)) return std::nullopt;
+  const auto path =
+      ConfigurationPath(run.result.identity->boardIdString, options.personalitiesDirectory);
+  return LabError{{*path + ": " + error->message}, UnreadableStatus(*error)};
+}
+
+std::optional<Error> ConfigurationFault(const ToolRun& run) {
+  const auto& error = run.result.configurationError;
+  return error && error->systemError == 0 ? error : std::nullopt;
 }
 
 std::vector<MatchedPair> MatchedPairs(const ToolRun& run) {
   std::vector<MatchedPair> matched;
   if (run.result.fault) return matched;
   for (const auto& key : run.trace.keys) {
-    for (std::size_t i = 0; i < key.outcomes.size(); ++i) {
-      const auto first = std::ranges::find(key.outcomes[i], PairOutcome::Matched);
-      if (first == key.outcomes[i].end()) continue;
-      const auto personality = static_cast<std::size_t>(first - key.outcomes[i].begin());
-      matched.push_back({&key, i, personality, &run.result.matches[matched.size()]});
+    for (std::size_t i = 0; i < key.matched.size(); ++i) {
+      if (key.matched[i] == KeyTrace::NoMatch) continue;
+      matched.push_back({&key, i, key.matched[i], &run.result.matches[matched.size()]});
     }
   }
   return matched;

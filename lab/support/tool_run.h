@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "driver/options.h"
 #include "driver/run.h"
+#include "lab/support/diagnostics.h"
+#include "lab/support/messages.h"
 #include "personality/run_trace.h"
 #include "registry/recorded_registry.h"
 
@@ -18,8 +21,13 @@ struct ToolRun {
   RunResult result;
   std::string standardOutput = {};  // after a fault what was flushed before it
   std::string standardError = {};
+  std::vector<DiagnosticCount> diagnostics = {};  // of standard error, each text once
   RunTrace trace = {};
 };
+
+/// What a run stores of what the tool prints. Counts alone do not grow with the number of rejected
+/// pairs.
+enum class KeptOutput { Texts, Counts };
 
 /// The tool's options for "-p PAYLOAD" and, if wanted, "--bypassVersion". To be called while there
 /// is one thread.
@@ -27,7 +35,20 @@ Options ToolOptions(const std::string& payload, bool bypassVersion);
 
 /// Runs the tool over the recorded computer. Nothing reaches this process's own streams. Several
 /// threads may run it at once, also over one recording.
-ToolRun RunTool(const Recording& recording, const Options& options);
+ToolRun RunTool(const Recording& recording, const Options& options,
+                KeptOutput kept = KeptOutput::Texts);
+
+/// Why a run says nothing about the computer: its configuration could not be looked for or read,
+/// for lack of permission, memory or descriptors. Empty otherwise: an absent or malformed
+/// configuration is a result. The message begins with the path.
+std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& options);
+
+/// Why the run has no configuration though there is one: what is wrong in it, and where. Empty
+/// otherwise.
+std::optional<Error> ConfigurationFault(const ToolRun& run);
+
+/// The same over another registry, whose values must outlive the run.
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts);
 
 /// A personality and the controller that it matched. Points into the ToolRun.
 struct MatchedPair {

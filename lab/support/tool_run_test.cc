@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <thread>
 #include <vector>
 
 #include "testing/computer.h"
 #include "testing/property_values.h"
 #include "testing/temporary_directory.h"
+#include "testing/unprivileged.h"
 
 namespace fernwick::lab {
 namespace {
@@ -59,6 +61,57 @@ TEST_F(Tool, ThatEndsWithAFaultIsAResultToo) {
   EXPECT_TRUE(MatchedPairs(run).empty());
 }
 
+TEST_F(Tool, CountsItsDiagnosticsAlsoWhereNoTextsAreKept) {
+  payload_.Write("Fernwick/Zed-42/Config.plist",
+                 "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>999</integer>"
+                 "<key>Existing Min Version</key><integer>998</integer></dict></dict>");
+  const auto options = ToolOptions(payload_.Path(), false);
+  const std::vector<DiagnosticCount> counts = {{"** Min firmware version not met.  Aborting", 3}};
+  const auto run = RunTool(computer_.Recorded(), options, KeptOutput::Counts);
+  EXPECT_EQ(run.diagnostics, counts);
+  EXPECT_EQ(run.standardError, "");
+  EXPECT_EQ(Run().diagnostics, counts);
+  EXPECT_NE(Run().standardError, "");
+}
+
+class UnreadConfiguration : public Tool {
+ protected:
+  std::optional<LabError> Failure() const {
+    return ConfigurationFailure(Run(), ToolOptions(payload_.Path(), false));
+  }
+
+  const std::string board_ = payload_.Path() + "/Fernwick/Zed-42";
+};
+
+TEST_F(UnreadConfiguration, ThatIsThereOrAbsentOrMalformedIsNoFailure) {
+  EXPECT_FALSE(Failure());
+  EXPECT_FALSE(ConfigurationFault(Run()));
+  payload_.Write("Fernwick/Zed-42/Config.plist", "<dict>");
+  EXPECT_FALSE(Failure());
+  EXPECT_EQ(ConfigurationFault(Run()).value().location.value().column, 7u);
+  std::filesystem::remove_all(board_);
+  EXPECT_FALSE(Failure());
+  EXPECT_FALSE(ConfigurationFault(Run()));
+  EXPECT_FALSE(ConfigurationFailure(RunTool(computer_.Recorded(), {}), {}));
+}
+
+TEST_F(UnreadConfiguration, ThatMayNotBeReadIsAFailure) {
+  namespace fs = std::filesystem;
+  fs::permissions(payload_.Path(), fs::perms(0755));
+  for (const auto& path : {board_ + "/Config.plist", board_}) {
+    fs::permissions(path, fs::perms::none);
+    {
+      const testing::Unprivileged unprivileged;
+      const auto failure = Failure();
+      ASSERT_TRUE(failure) << path;
+      EXPECT_EQ(failure->error.message, board_ + "/Config.plist: Permission denied");
+      EXPECT_EQ(failure->status, LabStatus::UnreadableInput);
+      EXPECT_FALSE(ConfigurationFault(Run()));
+    }
+    fs::permissions(path, fs::perms::owner_all);
+  }
+}
+
 // Those of a run that ends with a fault later are dropped with its matches.
 TEST_F(Tool, ThatEndsWithAFaultHasNoMatchedPairs) {
   computer_.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
@@ -90,17 +143,16 @@ HardwareRecord Controller(int rid) {
 }
 
 TEST(MatchedPairs, AreThoseThatMatchedInTheOrderOfThePlan) {
-  using enum PairOutcome;
   ToolRun run;
   run.trace.keys = {{.key = "Other", .inventory = {.records = {Controller(0)}}},
                     {.key = "USBC",
                      .inventory = {.records = {Controller(0), Controller(1), Controller(2)}},
-                     .outcomes = {{Rejected, Matched, NotReached},
-                                  {Rejected, Rejected, Rejected},
-                                  {Matched, NotReached, NotReached}}},
+                     .isPersonality = {true, true, true},
+                     .matched = {1, KeyTrace::NoMatch, 0}},
                     {.key = "LegacyUSBC",
                      .inventory = {.records = {Controller(0), Controller(1)}},
-                     .outcomes = {{NotAPersonality}, {Matched}}}};
+                     .isPersonality = {true},
+                     .matched = {KeyTrace::NoMatch, 0}}};
   run.result.matches = {{{"Firmware", "a"}}, {{"Firmware", "b"}}, {{"Firmware", "c"}}};
   std::string found;
   for (const auto& pair : MatchedPairs(run)) {

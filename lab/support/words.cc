@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <type_traits>
 
+#include "lab/support/messages.h"
 #include "personality/personality.h"
 #include "value/textual_dump.h"
 
@@ -14,7 +15,7 @@ constexpr std::size_t MaxListLength = 8;
 
 std::string WithHex(const PropertyValue& value) {
   const auto integer = value.AsInteger();
-  auto text = DumpText(value);
+  auto text = PrintableText(DumpText(value));
   if (!integer || integer->IsNegative() || integer->Bits() < 10) return text;
   char hex[32];
   std::snprintf(hex, sizeof hex, " (0x%" PRIX64 ")", integer->Bits());
@@ -64,7 +65,8 @@ std::vector<std::string_view> NamesOf(TypeSet types) {
 }
 
 std::string InlineText(const PropertyValue& value) {
-  return TextOf(value, [](const PropertyValue& element) { return DumpText(element); });
+  return TextOf(value,
+                [](const PropertyValue& element) { return PrintableText(DumpText(element)); });
 }
 
 std::string InlineTextWithHex(const PropertyValue& value) {

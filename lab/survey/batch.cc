@@ -45,11 +45,16 @@ int RunBatch(const BatchOptions& options, const BatchWork& work, Console& consol
   Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
   Selection selection(options.paths);
   bool isEmpty = true;
+  std::optional<LabError> failure;
   WorkInOrder(selection, options.jobs, [&](const Selected& selected) -> Report {
     return [&, print = work(selected)] {
       isEmpty = false;
       progress.Clear();
-      print();
+      if (!print) {
+        failure = print.Error();
+        return false;
+      }
+      (*print)();
       console.Flush();
       progress.Step();
       return console.OutputError() == 0;
@@ -57,6 +62,10 @@ int RunBatch(const BatchOptions& options, const BatchWork& work, Console& consol
   });
   progress.Clear();
   if (console.OutputError() != 0) return FinishOutput(console);
+  if (failure) {
+    PrintError(failure->error.message);
+    return failure->status;
+  }
   if (!isEmpty) return LabStatus::Done;
   PrintError("there is no recording in what is selected");
   return LabStatus::UnreadableInput;

@@ -6,8 +6,10 @@
 #include <vector>
 
 #include "lab/support/command_line.h"
+#include "lab/support/messages.h"
 #include "lab/survey/selection.h"
 #include "platform/console.h"
+#include "value/result.h"
 
 namespace fernwick::lab {
 
@@ -27,13 +29,17 @@ extern const char SelectionHelp[];
 /// Whether `PAYLOAD/Fernwick` is there. Prints an error when it is not.
 bool IsPayload(const std::string& payload);
 
-/// Processes one computer, on any thread. Returns what prints its result on the console.
-using BatchWork = std::function<std::function<void()>(const Selected& selected)>;
+/// What prints the result of one computer on the console, or why there is none, as a lack of memory
+/// or of permission says nothing about the computer.
+using BatchResult = Result<std::function<void()>, LabError>;
+
+/// Processes one computer, on any thread.
+using BatchWork = std::function<BatchResult(const Selected& selected)>;
 
 /// Processes everything that is selected, on several threads, and prints the results on `console`,
 /// one after the other in the order of the selection. Returns LabStatus::Done, or the status after
-/// a line on standard error: nothing was selected, or `console` failed, which ends everything. On a
-/// terminal, standard error shows the progress.
+/// a line on standard error: nothing was selected, or a computer without a result or a failure of
+/// `console`, which end everything. On a terminal, standard error shows the progress.
 int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console);
 
 }  // namespace fernwick::lab

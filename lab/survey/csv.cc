@@ -32,6 +32,12 @@ CsvCells PlanCells(const SurveyRow& row) {
           CsvText(plan.options)};
 }
 
+// Of a cell that is the same in each line of a computer: a long one is whole in the first alone.
+void Shorten(std::string& cell) {
+  constexpr std::size_t MaxRepeated = 1000;
+  if (cell.size() > MaxRepeated) cell = "(as in the first line)";
+}
+
 CsvCells Joined(const CsvCells& first, const CsvCells& second, const CsvCells& third) {
   auto cells = first;
   cells.insert(cells.end(), second.begin(), second.end());
@@ -51,6 +57,8 @@ std::string Lines(const CsvCells& first, const SurveyRow& row) {
     return CsvLine(Joined(computer, {"", "", "", "", "", "", diagnostics, ""}, plan));
   }
   std::string lines;
+  auto diagnosticsCell = diagnostics;
+  auto planCells = plan;
   for (const auto& match : row.matches) {
     const CsvCells cells = {CsvText(match.type),
                             CsvValue(match.rid),
@@ -58,9 +66,11 @@ std::string Lines(const CsvCells& first, const SurveyRow& row) {
                             CsvValue(match.installed),
                             CsvValue(match.version),
                             CsvValue(match.image),
-                            diagnostics,
+                            diagnosticsCell,
                             match.isImageMissing ? "yes" : ""};
-    lines += CsvLine(Joined(computer, cells, plan));
+    lines += CsvLine(Joined(computer, cells, planCells));
+    Shorten(diagnosticsCell);
+    for (auto& cell : planCells) Shorten(cell);
   }
   return lines;
 }

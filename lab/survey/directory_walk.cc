@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "lab/support/messages.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -43,6 +44,13 @@ std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
   return names;
 }
 
+Selected Unreadable(const std::string& path, int error) {
+  const Error reason = {.message = std::strerror(error), .systemError = error};
+  return {.path = path,
+          .error = reason.message,
+          .lacksResources = UnreadableStatus(reason) == LabStatus::OutOfMemory};
+}
+
 }  // namespace
 
 void DirectoryWalk::Enter(std::string directory) {
@@ -50,7 +58,7 @@ void DirectoryWalk::Enter(std::string directory) {
   const std::unique_ptr<DIR, CloseDirectory> stream(opendir(level.path.c_str()));
   errno = stream == nullptr ? errno : 0;
   if (stream != nullptr) level.names = NamesIn(stream.get(), level.path);
-  if (errno != 0) level.error = std::strerror(errno);
+  level.error = errno;
   // With its "/", a directory is sorted as the paths below it are.
   std::ranges::sort(level.names);
 }
@@ -58,7 +66,7 @@ void DirectoryWalk::Enter(std::string directory) {
 std::optional<Selected> DirectoryWalk::Next() {
   while (!levels_.empty()) {
     auto& level = levels_.back();
-    if (!level.error.empty()) return Selected{level.path, std::exchange(level.error, {})};
+    if (level.error != 0) return Unreadable(level.path, std::exchange(level.error, 0));
     if (level.next == level.names.size()) {
       levels_.pop_back();
       continue;

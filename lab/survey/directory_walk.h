@@ -11,7 +11,8 @@ namespace fernwick::lab {
 struct Selected {
   std::string path;
   std::string error = {};
-  bool isNamed = false;  // it is an argument of the command line itself
+  bool isNamed = false;         // it is an argument of the command line itself
+  bool lacksResources = false;  // the error is a lack of memory or descriptors
 
   friend bool operator==(const Selected&, const Selected&) = default;
 };
@@ -31,7 +32,7 @@ class DirectoryWalk {
     std::string path;
     std::vector<std::string> names;  // sorted; that of a directory ends in "/"
     std::size_t next = 0;
-    std::string error = {};
+    int error = 0;  // errno
   };
 
   void Enter(std::string directory);

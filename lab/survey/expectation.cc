@@ -9,14 +9,27 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <system_error>
 #include <utility>
+
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
+// The text as a polynomial modulo the prime 2^61-1, at a point that is random in each process, so
+// that nobody can choose paths that collide.
 std::uint64_t HashOf(std::string_view file) {
-  return std::hash<std::string_view>()(file);
+  constexpr std::uint64_t Prime = (std::uint64_t{1} << 61) - 1;
+  static const std::uint64_t point = (std::uint64_t{std::random_device()()} << 29 | 0x1234567);
+  __extension__ using Wide = unsigned __int128;
+  std::uint64_t hash = 0;
+  for (const char c : file) {
+    hash = static_cast<std::uint64_t>((Wide{hash} * point + static_cast<unsigned char>(c) + 1) %
+                                      Prime);
+  }
+  return hash;
 }
 
 // A path as a saved row has it: bytes that are not UTF-8 were replaced by U+FFFD there.
@@ -60,9 +73,7 @@ SurveyExpectation::SurveyExpectation(std::string path)
     : path_(std::move(path)), ofFile_(DirectoryOf(path_)), ofWorkingDirectory_(".") {}
 
 std::optional<LabError> SurveyExpectation::Load() {
-  if (auto error = Open(); !error.empty()) {
-    return LabError{{std::move(error)}, LabStatus::UnreadableInput};
-  }
+  if (auto error = Open()) return LabError{*error, UnreadableStatus(*error)};
   if (auto error = ReadRows()) return error;
   std::ranges::sort(index_);
   return std::nullopt;
@@ -74,18 +85,20 @@ bool SurveyExpectation::Exists() const {
          std::filesystem::file_type::not_found;
 }
 
-std::string SurveyExpectation::Open() {
+std::optional<Error> SurveyExpectation::Open() {
   if (path_ == "-") {
     file_.reset(CopyOfStandardInput());
-    return file_ == nullptr ? std::strerror(errno) : "";
+    if (file_ == nullptr) return SystemError();
+    return std::nullopt;
   }
   const int descriptor = open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-  if (descriptor < 0) return std::strerror(errno);
+  if (descriptor < 0) return SystemError();
   file_.reset(fdopen(descriptor, "r"));
   struct stat state;
-  if (fstat(descriptor, &state) != 0) return std::strerror(errno);
-  if (S_ISDIR(state.st_mode)) return std::strerror(EISDIR);
-  return S_ISREG(state.st_mode) ? "" : "not a regular file";
+  if (fstat(descriptor, &state) != 0) return SystemError();
+  if (S_ISDIR(state.st_mode)) return Error{std::strerror(EISDIR)};
+  if (!S_ISREG(state.st_mode)) return Error{"not a regular file"};
+  return std::nullopt;
 }
 
 std::optional<LabError> SurveyExpectation::ReadRows() {
@@ -105,7 +118,7 @@ std::optional<LabError> SurveyExpectation::ReadRows() {
                LabStatus::MalformedInput};
     }
   }
-  if (std::ferror(file_.get()) != 0) error = {{std::strerror(errno)}, LabStatus::UnreadableInput};
+  if (std::ferror(file_.get()) != 0) error = {SystemError(), LabStatus::UnreadableInput};
   std::free(line);
   return error;
 }

@@ -61,7 +61,7 @@ class SurveyExpectation {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
 
-  std::string Open();
+  std::optional<Error> Open();
   std::optional<LabError> ReadRows();
   void Index(const std::string& file, std::size_t row);
   bool IsFor(const IndexEntry& entry, const SurveyRow& row, const std::string& path);

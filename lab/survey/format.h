@@ -58,8 +58,9 @@ std::unique_ptr<SurveyFormat> MakeNdjsonFormat(Console& console);
 std::unique_ptr<SurveyFormat> MakeCsvFormat(Console& console, bool isComparison);
 
 /// For people: aligned columns, for which it stores all texts to the end, or the lines in which two
-/// rows differ.
-std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison);
+/// rows differ. A column is at most 60 characters wide unless `isWide`; a longer cell is whole and
+/// moves the rest of its line.
+std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison, bool isWide);
 
 /// JUnit XML: a test case for each computer. It stores all texts to the end, since the counts come
 /// first.

@@ -15,10 +15,11 @@ namespace fernwick::lab {
 InputList::InputList() : stop_(eventfd(0, EFD_CLOEXEC)) {}
 
 InputList::~InputList() {
-  close(stop_);
+  if (stop_ >= 0) close(stop_);
 }
 
 std::optional<std::string> InputList::Next() {
+  if (stop_ < 0) return Fail("no descriptor is left to wait for standard input");
   for (;;) {
     auto path = NextOrEmpty();
     if (!path || !path->empty()) return path;

@@ -23,6 +23,9 @@ class InputList {
   /// Why the list ended before standard input did, once; otherwise empty.
   std::string TakeError();
 
+  /// Whether that was a lack of memory or descriptors.
+  bool LacksResources() const { return stop_ < 0; }
+
   /// Reads on after an end, as for a terminal.
   void Restart() { hasEnded_ = false; }
 
@@ -35,7 +38,7 @@ class InputList {
   std::optional<std::string> Fail(std::string error);
   bool ReadMore();
 
-  int stop_;               // a descriptor that is readable after Stop
+  int stop_;               // a descriptor that is readable after Stop; negative: there is none
   std::string unread_;     // from taken_ on
   std::size_t taken_ = 0;  // bytes of unread_ that were returned
   bool isNulSeparated_ = false;

@@ -36,7 +36,7 @@ bool Progress::IsShown() {
 void Progress::Step() {
   ++done_;
   const auto now = Clock::now();
-  if (!IsShown() || now - shown_ < Interval) return;
+  if (!isShown_ || now - shown_ < Interval) return;
   shown_ = now;
   const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(now - begin_);
   ProcessConsole().WriteError("\r" + ProgressText(done_, total_, elapsed) + "\x1B[K");

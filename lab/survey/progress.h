@@ -33,6 +33,7 @@ class Progress {
  private:
   using Clock = std::chrono::steady_clock;
 
+  const bool isShown_ = IsShown();
   std::optional<std::size_t> total_;
   std::size_t done_ = 0;
   Clock::time_point begin_ = Clock::now();

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <utility>
+
+#include "lab/support/json_reading.h"
 
 namespace fernwick::lab {
 namespace {
@@ -128,26 +129,6 @@ std::optional<PlanSummary> OptionalPlan(Members& members) {
   return summary;
 }
 
-// Whether arrays and objects are nested deeper than in any row; printing a value is recursive.
-bool IsTooDeep(std::string_view json) {
-  constexpr std::size_t MaxDepth = 1024;
-  std::size_t depth = 0;
-  bool isInText = false;
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    const char c = json[i];
-    if (isInText && c == '\\') {
-      ++i;
-    } else if (c == '"') {
-      isInText = !isInText;
-    } else if (!isInText && (c == '[' || c == '{')) {
-      if (++depth > MaxDepth) return true;
-    } else if (!isInText && (c == ']' || c == '}') && depth > 0) {
-      --depth;
-    }
-  }
-  return false;
-}
-
 Outcome InterpretOutcome(Members& members) {
   const auto* const found = std::ranges::find(OutcomeNames, members.Text("outcome"));
   if (found == OutcomeNames.end()) members.Refuse();
@@ -179,9 +160,9 @@ Json ToJson(const SurveyRow& row) {
 }
 
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
-  if (IsTooDeep(json)) return std::nullopt;
-  const auto parsed = Json::parse(json, nullptr, false);
-  Members members(parsed);
+  const auto parsed = ParseJson(json);
+  if (!parsed) return std::nullopt;
+  Members members(*parsed);
   SurveyRow row;
   row.file = members.Text("file");
   row.outcome = InterpretOutcome(members);
@@ -194,20 +175,6 @@ std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   row.plan = OptionalPlan(members);
   if (!members.AreSound()) return std::nullopt;
   return row;
-}
-
-std::vector<DiagnosticCount> CountLines(std::string_view text) {
-  std::vector<DiagnosticCount> counts;
-  std::map<std::string_view, std::size_t> indexes;
-  while (!text.empty()) {
-    const auto end = text.find('\n');
-    const auto line = text.substr(0, end);
-    const auto [index, isNew] = indexes.emplace(line, counts.size());
-    if (isNew) counts.push_back({std::string(line), 0});
-    ++counts[index->second].count;
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  }
-  return counts;
 }
 
 }  // namespace fernwick::lab

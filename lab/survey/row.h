@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "lab/support/diagnostics.h"
 #include "lab/support/json_values.h"
-#include "lab/survey/plan_summary.h"
+#include "lab/support/plan_summary.h"
 
 namespace fernwick::lab {
 
@@ -35,12 +36,6 @@ struct SurveyMatch {  // NOLINT: Json moves without exceptions, whatever it is m
   bool isImageMissing = false;  // the payload has no such file
 };
 
-/// A line of standard error and how often it came.
-struct DiagnosticCount {
-  std::string text;
-  std::size_t count;
-};
-
 /// One computer of a survey.
 struct SurveyRow {
   std::string file;
@@ -50,7 +45,7 @@ struct SurveyRow {
   std::optional<std::string> board = {};
   std::optional<int> revision = {};
   std::vector<SurveyMatch> matches = {};          // in the order of the plan
-  std::vector<DiagnosticCount> diagnostics = {};  // in the order of their first lines
+  std::vector<DiagnosticCount> diagnostics = {};  // in the order in which they first came
   std::optional<PlanSummary> plan = {};           // empty without a plan
 };
 
@@ -60,8 +55,5 @@ Json ToJson(const SurveyRow& row);
 /// A row from its JSON, such as one of an earlier survey: one that was saved before rows had
 /// "imageMissing" and "plan" lacks them. Empty when it is not a row, or nested too deep to be one.
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json);
-
-/// Counts the lines of a text. The last may lack its line feed.
-std::vector<DiagnosticCount> CountLines(std::string_view text);
 
 }  // namespace fernwick::lab

@@ -74,13 +74,5 @@ TEST(SurveyRow, OfAnotherShapeIsNone) {
   }
 }
 
-TEST(CountLines, CountsEachTextAtItsFirstPlace) {
-  const auto counts = CountLines("b\na\n\nb\nlast");
-  std::string found;
-  for (const auto& [text, count] : counts) found += text + "=" + std::to_string(count) + " ";
-  EXPECT_EQ(found, "b=2 a=1 =1 last=1 ");
-  EXPECT_TRUE(CountLines("").empty());
-}
-
 }  // namespace
 }  // namespace fernwick::lab

@@ -1,16 +1,23 @@
 #pragma once
 
+#include <cstddef>
+
 #include "driver/options.h"
+#include "lab/support/messages.h"
 #include "lab/survey/row.h"
 #include "lab/survey/selection.h"
+#include "value/result.h"
 
 namespace fernwick::lab {
 
 /// How a process of the tool ends after a fault, as the lab names it.
 inline constexpr char AbnormalEndName[] = "SIGABRT";
 
-/// Runs the tool over the computer. What the selection refused has a row too. May be called on any
-/// thread.
-SurveyRow SurveyComputer(const Selected& selected, const Options& options);
+/// Runs the tool over the computer. What the selection refused has a row too. No row says what only
+/// a lack of memory or descriptors, or of permission in the payload, would make it say: that is an
+/// error, whose message begins with the path. A recording of more than `maxSize` bytes is refused.
+/// May be called on any thread.
+Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Options& options,
+                                           std::size_t maxSize);
 
 }  // namespace fernwick::lab

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "lab/support/tool_run.h"
+#include "platform/file_system.h"
 #include "testing/programs/many_computers.h"
 #include "testing/temporary_directory.h"
 
@@ -37,7 +38,7 @@ class SurveyRun : public ::testing::Test {
 
   std::string Survey(const Selected& selected, bool bypassVersion = false) {
     const auto options = ToolOptions(directory_.Path() + "/payload", bypassVersion);
-    return PrintJsonRow(ToJson(SurveyComputer(selected, options)));
+    return PrintJsonRow(ToJson(*SurveyComputer(selected, options, MaxFileSize)));
   }
 
   testing::TemporaryDirectory directory_;

@@ -56,7 +56,13 @@ std::optional<Selected> Selection::NextOfInput() {
   readsInput_ = false;
   auto error = input_.TakeError();
   if (error.empty()) return std::nullopt;
-  return Selected{"-", std::move(error)};
+  return Selected{
+      .path = "-", .error = std::move(error), .lacksResources = input_.LacksResources()};
+}
+
+LabError ErrorOf(const Selected& selected) {
+  return {{selected.error},
+          selected.lacksResources ? LabStatus::OutOfMemory : LabStatus::UnreadableInput};
 }
 
 std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "lab/support/messages.h"
 #include "lab/survey/directory_walk.h"
 #include "lab/survey/input_list.h"
 
@@ -35,6 +36,9 @@ class Selection {
   bool readsInput_ = false;
   InputList input_;
 };
+
+/// The error of what was selected. REQUIRES: there is one.
+LabError ErrorOf(const Selected& selected);
 
 /// How many there are; empty when standard input is among the arguments, whose end is not known.
 std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 #include "lab/survey/run.h"
 #include "lab/survey/survey_report.h"
 #include "lab/verbs.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
@@ -48,6 +50,8 @@ struct SurveyOptions {
   bool bypassVersion = false;
   BatchOptions batch;
   std::string format = "table";
+  bool isWide = false;
+  std::size_t maxMebibytes = 64;
   std::optional<std::string> expectation;
   bool updates = false;
   std::optional<std::string> failOnList;
@@ -86,6 +90,13 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
        .help = "table, ndjson, csv or junit",
        .valueName = "FORMAT",
        .choices = {"table", "ndjson", "csv", "junit"}},
+      {.name = "--wide",
+       .target = &options.isWide,
+       .help = "do not limit the columns of the table to 60 characters"},
+      {.name = "--max-size",
+       .target = BoundedNumber{&options.maxMebibytes, 1, MaxFileSize >> 20},
+       .help = "refuse a recording of more than so many MiB (default: 64)",
+       .valueName = "MIB"},
       {.name = "--expect",
        .target = &options.expectation,
        .help = "print the differences from a survey saved as ndjson",
@@ -132,7 +143,7 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& 
   if (options.format == "ndjson") return MakeNdjsonFormat(console);
   if (options.format == "csv") return MakeCsvFormat(console, isComparison);
   if (options.format == "junit") return MakeJunitFormat(console);
-  return MakeTableFormat(console, isComparison);
+  return MakeTableFormat(console, isComparison, options.isWide);
 }
 
 int UpdateExpectation(const std::string& path, const SurveyReport& report) {
@@ -157,15 +168,18 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   SurveyReport report(*format, expectation, options.updates);
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> std::function<void()> {
-    auto row = SurveyComputer(selected, toolOptions);
-    auto text = report.TextOf(row);
-    return [&, isNamed = selected.isNamed, row = std::move(row), text = std::move(text)] {
+  const auto work = [&](const Selected& selected) -> BatchResult {
+    auto surveyed = SurveyComputer(selected, toolOptions, options.maxMebibytes << 20);
+    if (!surveyed) return surveyed.Error();
+    auto text = report.TextOf(*surveyed);
+    const std::function<void()> print = [&, isNamed = selected.isNamed, row = *std::move(surveyed),
+                                         text = std::move(text)] {
       if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
         refusal = row.status.value();
       }
       report.Add(row, text);
     };
+    return print;
   };
   const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;

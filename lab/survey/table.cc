@@ -12,6 +12,7 @@ namespace fernwick::lab {
 namespace {
 
 constexpr std::size_t ColumnCount = 10;
+constexpr std::size_t MaxColumnWidth = 60;
 using Cells = std::array<std::string, ColumnCount>;
 
 const Cells Names = {"FILE", "BOARD", "REV",       "STATUS",  "TYPE",
@@ -90,8 +91,10 @@ void ForEachLine(std::string_view text, Visit visit) {
 
 class TableFormat : public SurveyFormat {
  public:
-  TableFormat(Console& console, bool isComparison)
-      : SurveyFormat(console), isComparison_(isComparison) {
+  TableFormat(Console& console, bool isComparison, bool isWide)
+      : SurveyFormat(console),
+        isComparison_(isComparison),
+        maxWidth_(isWide ? std::string::npos : MaxColumnWidth) {
     Widen(Names);
   }
 
@@ -148,7 +151,7 @@ class TableFormat : public SurveyFormat {
  private:
   void Widen(const Cells& cells) {
     for (std::size_t i = 0; i < ColumnCount; ++i) {
-      widths_[i] = std::max(widths_[i], CharacterCount(cells[i]));
+      widths_[i] = std::max(widths_[i], std::min(CharacterCount(cells[i]), maxWidth_));
     }
   }
 
@@ -156,21 +159,23 @@ class TableFormat : public SurveyFormat {
     std::string line;
     for (std::size_t i = 0; i < ColumnCount; ++i) {
       line += cells[i];
-      line.append(widths_[i] + 2 - CharacterCount(cells[i]), ' ');
+      line.append(std::max(widths_[i], CharacterCount(cells[i])) + 2 - CharacterCount(cells[i]),
+                  ' ');
     }
     line.resize(line.find_last_not_of(' ') + 1);
     Out().Write(line + "\n");
   }
 
   bool isComparison_;
+  std::size_t maxWidth_;
   std::string kept_;  // the texts of a survey without an expectation
   std::array<std::size_t, ColumnCount> widths_ = {};
 };
 
 }  // namespace
 
-std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison) {
-  return std::make_unique<TableFormat>(console, isComparison);
+std::unique_ptr<SurveyFormat> MakeTableFormat(Console& console, bool isComparison, bool isWide) {
+  return std::make_unique<TableFormat>(console, isComparison, isWide);
 }
 
 }  // namespace fernwick::lab

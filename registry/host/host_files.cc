@@ -79,11 +79,11 @@ Descriptor HostFiles::Open(const std::string& path, int flags) const {
   return Descriptor(OpenInRoot(root_.Number(), path.c_str(), flags));
 }
 
-std::optional<std::string> HostFiles::Read(const std::string& path, SizeLimit limit,
+std::optional<std::string> HostFiles::Read(const std::string& path, std::size_t maxSize,
                                            Links links) const {
   const auto file = Open(path, CautiousReading | (links == Links::Ignored ? O_NOFOLLOW : 0));
   if (file.Number() < 0) return std::nullopt;
-  auto bytes = ReadRegularFile(file.Number(), limit);
+  auto bytes = ReadRegularFile(file.Number(), maxSize);
   if (!bytes) return std::nullopt;
   return *std::move(bytes);
 }

@@ -27,7 +27,7 @@ using testing::HostTree;
 using Links = HostFiles::Links;
 using Names = std::vector<std::string>;
 
-constexpr SizeLimit Limit = {100, "100 bytes"};
+constexpr std::size_t Limit = 100;
 
 std::optional<std::string> Read(const HostTree& tree, const std::string& path,
                                 Links links = Links::Followed) {
@@ -81,8 +81,7 @@ TEST(HostFiles, AreAbsentAboveTheLimit) {
 
 // Files of /proc claim a size of 0: what counts is what can be read.
 TEST(HostFiles, ThatUnderstateTheirSizeAreAbsentAboveTheLimit) {
-  const SizeLimit tiny = {1, "1 byte"};
-  EXPECT_EQ(HostFiles("/").Read("proc/self/status", tiny), std::nullopt);
+  EXPECT_EQ(HostFiles("/").Read("proc/self/status", 1), std::nullopt);
 }
 
 TEST(HostFiles, OtherThanRegularOnesAreAbsentAndNeverWaitedFor) {

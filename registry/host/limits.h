@@ -1,11 +1,12 @@
 #pragma once
 
-#include "platform/file_system.h"
+#include <cstddef>
 
 namespace fernwick {
 
-/// Longer files are absent: those of /sys and /proc, and those of the device tree.
-inline constexpr SizeLimit MaxSystemFile = {std::size_t{64} << 10, "64 KiB"};
-inline constexpr SizeLimit MaxTreeFile = {std::size_t{16} << 20, "16 MiB"};
+/// Bytes that a file of /sys or /proc, and one of the device tree, can have. Longer ones are
+/// absent.
+inline constexpr std::size_t MaxSystemFile = std::size_t{64} << 10;
+inline constexpr std::size_t MaxTreeFile = std::size_t{16} << 20;
 
 }  // namespace fernwick

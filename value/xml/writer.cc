@@ -1,7 +1,7 @@
 #include "value/xml/writer.h"
 
+#include <algorithm>
 #include <string_view>
-#include <utility>
 
 #include "value/calendar_date.h"
 #include "value/number_text.h"
@@ -11,15 +11,26 @@
 namespace fernwick {
 namespace {
 
+// Text is passed on when there is so much of it.
+constexpr std::size_t PartSize = std::size_t{1} << 16;
+
 class XmlWriter {
  public:
+  XmlWriter(std::size_t maxIndentation, const TextSink& sink)
+      : maxIndentation_(maxIndentation), sink_(sink) {}
+
+  void WriteDocument(const PropertyValue& value) {
+    text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
+    Write(value);
+    text_ += "</plist>";
+    sink_(text_);
+  }
+
+ private:
   void Write(const PropertyValue& value) {
     value.Visit([this](const auto& content) { WriteContent(content); });
   }
 
-  std::string TakeText() { return std::move(text_); }
-
- private:
   void WriteContent(Dictionary dictionary) {
     if (dictionary.Size() == 0) return Line("<dict/>");
     Line("<dict>");
@@ -59,7 +70,14 @@ class XmlWriter {
     text_.append(content).append("\n");
   }
 
-  void Indent() { text_.append(indentation_, '\t'); }
+  // Begins a line.
+  void Indent() {
+    if (text_.size() >= PartSize) {
+      sink_(text_);
+      text_.clear();
+    }
+    text_.append(std::min(indentation_, maxIndentation_), '\t');
+  }
 
   static std::string Escaped(std::string_view text) {
     std::string escaped;
@@ -82,17 +100,23 @@ class XmlWriter {
     }
   }
 
-  std::string text_;
+  const std::size_t maxIndentation_;
+  const TextSink& sink_;
+  std::string text_;  // not passed on yet
   std::size_t indentation_ = 0;
 };
 
 }  // namespace
 
 std::string WriteXmlPropertyList(const PropertyValue& value) {
-  XmlWriter writer;
-  writer.Write(value);
-  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n" +
-         writer.TakeText() + "</plist>";
+  std::string text;
+  WriteXmlPropertyList(value, std::string::npos, [&](std::string_view part) { text += part; });
+  return text;
+}
+
+void WriteXmlPropertyList(const PropertyValue& value, std::size_t maxIndentation,
+                          const TextSink& sink) {
+  XmlWriter(maxIndentation, sink).WriteDocument(value);
 }
 
 }  // namespace fernwick

@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "testing/inputs/parse_tables.h"
 #include "testing/property_values.h"
@@ -126,6 +127,24 @@ TEST(PropertyListWriter, ReplacesWhatXmlCannotCarry) {
     EXPECT_EQ(WriteXmlPropertyList(Dict({{text, true}})),
               Framed("<dict>\n\t<key>" + written + "</key>\n\t<true/>\n</dict>"));
   }
+}
+
+TEST(PropertyListWriter, PassesOnPartsOfWholeLines) {
+  std::vector<PropertyValue> texts(100, PropertyValue(testing::Kept(std::string(1000, 'x'))));
+  const PropertyValue value = Array(std::span<const PropertyValue>(texts));
+  std::vector<std::string> parts;
+  WriteXmlPropertyList(value, 32, [&](std::string_view part) { parts.emplace_back(part); });
+  ASSERT_EQ(parts.size(), 2u);
+  EXPECT_TRUE(parts[0].ends_with("\n"));
+  EXPECT_EQ(parts[0] + parts[1], WriteXmlPropertyList(value));
+}
+
+TEST(PropertyListWriter, IndentsAtMostAsAsked) {
+  std::string text;
+  WriteXmlPropertyList(NestedArrays(2, Array()), 1, [&](std::string_view part) { text += part; });
+  EXPECT_NE(text.find("\n<array>\n\t<array>\n\t<array/>\n\t</array>\n</array>\n"),
+            std::string::npos)
+      << text;
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -10,7 +12,7 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/diff/diff_format.h"
-#include "lab/survey/diff/image_changes.h"
+#include "lab/survey/diff/file_changes.h"
 #include "lab/survey/diff/payload_diff.h"
 #include "lab/survey/run.h"
 #include "lab/verbs.h"
@@ -96,29 +98,46 @@ struct ComparedComputer {
   int refusal = LabStatus::Done;  // why it was refused
 };
 
-ComparedComputer DiffComputer(const Selected& selected, const Payloads& payloads,
-                              PayloadImages& images) {
+// What was refused has a row, unless it is refused for lack of memory or descriptors.
+Result<ComparedComputer, LabError> Refused(const std::string& path, const LabError& error) {
+  if (error.status == LabStatus::OutOfMemory) {
+    return LabError{{path + ": " + error.error.message}, error.status};
+  }
+  return ComparedComputer{{.file = path, .refusal = Describe(error.error)}, error.status};
+}
+
+// Both payloads say the same of the computer, for a reason that is no decision.
+void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
+  const auto faultBefore = ConfigurationFault(before);
+  const auto faultAfter = ConfigurationFault(after);
+  if (!faultBefore || !faultAfter) return;
+  row.notes.push_back({.kind = "malformed configuration in both",
+                       .before = Describe(*faultBefore),
+                       .after = Describe(*faultAfter)});
+}
+
+// As SurveyComputer: a lack of anything is an error, not a result.
+Result<ComparedComputer, LabError> DiffComputer(const Selected& selected, const Payloads& payloads,
+                                                PayloadFiles& files) {
   const auto& path = selected.path;
-  if (!selected.error.empty()) {
-    return {{.file = path, .refusal = selected.error}, LabStatus::UnreadableInput};
-  }
+  if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
   const auto recording = LoadRecording(path);
-  if (!recording) {
-    const auto& error = recording.Error();
-    return {{.file = path, .refusal = Describe(error.error)}, error.status};
-  }
+  if (!recording) return Refused(path, recording.Error());
   RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);
   DiffRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
-  const auto before = RunTool(*recording, payloads.before);
-  const auto after = RunTool(*recording, payloads.after);
+  const auto before = RunTool(*recording, payloads.before, KeptOutput::Counts);
+  if (auto failure = ConfigurationFailure(before, payloads.before)) return *std::move(failure);
+  const auto after = RunTool(*recording, payloads.after, KeptOutput::Counts);
+  if (auto failure = ConfigurationFailure(after, payloads.after)) return *std::move(failure);
   CompareRuns(before, after, row);
+  NoteFaults(before, after, row);
   if (!before.result.fault && !after.result.fault) {
-    for (auto& change : FindImageChanges(before, payloads.before, after, payloads.after, images)) {
-      row.changes.push_back(std::move(change));
-    }
+    auto changes = FindFileChanges(before, payloads.before, after, payloads.after, files);
+    if (!changes) return changes.Error();
+    std::ranges::move(*changes, std::back_inserter(row.changes));
   }
-  return {std::move(row)};
+  return ComparedComputer{std::move(row)};
 }
 
 std::unique_ptr<DiffFormat> MakeFormat(const DiffOptions& options, Console& console) {
@@ -134,15 +153,18 @@ int RunDiff(const DiffOptions& options) {
   ProcessConsole console;
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
-  PayloadImages images;
+  PayloadFiles files;
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> std::function<void()> {
-    auto compared = DiffComputer(selected, payloads, images);
-    return [&, isNamed = selected.isNamed, compared = std::move(compared)] {
+  const auto work = [&](const Selected& selected) -> BatchResult {
+    auto result = DiffComputer(selected, payloads, files);
+    if (!result) return result.Error();
+    const std::function<void()> print = [&, isNamed = selected.isNamed,
+                                         compared = *std::move(result)] {
       if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
       totals.Add(compared.row);
       format->Add(compared.row);
     };
+    return print;
   };
   const int status = RunBatch(options.batch, work, console);
   if (status != LabStatus::Done) return status;

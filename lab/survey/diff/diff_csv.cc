@@ -21,9 +21,11 @@ class DiffCsv : public DiffFormat {
     if (!row.abnormalEnd.empty()) {
       AddLine(row, {"ends abnormally with both", "", "", "", CsvText(row.abnormalEnd)});
     }
-    for (const auto& change : row.changes) {
-      AddLine(row, {change.kind, CsvText(change.match), CsvValue(change.before),
-                    CsvValue(change.after), CsvText(Joined(change.reasons))});
+    for (const auto* list : {&row.notes, &row.changes}) {
+      for (const auto& change : *list) {
+        AddLine(row, {change.kind, CsvText(change.match), CsvValue(change.before),
+                      CsvValue(change.after), CsvText(Joined(change.reasons))});
+      }
     }
   }
 

@@ -12,7 +12,7 @@ class DiffJson : public DiffFormat {
       : DiffFormat(console), stream_([this](std::string_view text) { Out().Write(text); }) {}
 
   void Add(const DiffRow& row) override {
-    if (row.refusal.empty() && row.abnormalEnd.empty() && row.changes.empty()) return;
+    if (!IsReported(row)) return;
     Begin();
     stream_.Add(ToJson(row));
   }

@@ -31,6 +31,12 @@ std::string Failure(const DiffRow& row) {
   return text + "      </failure>\n";
 }
 
+std::string SystemOut(const DiffRow& row) {
+  std::string text = "      <system-out>\n";
+  for (const auto& note : row.notes) text += LinesOf(note);
+  return text + "      </system-out>\n";
+}
+
 class DiffJunit : public DiffFormat {
  public:
   using DiffFormat::DiffFormat;
@@ -41,6 +47,7 @@ class DiffJunit : public DiffFormat {
     if (!row.refusal.empty()) kept_ += Skipped("refused: " + row.refusal);
     if (!row.abnormalEnd.empty()) kept_ += Skipped("ends abnormally with both payloads");
     if (!row.changes.empty()) kept_ += Failure(row);
+    if (!row.notes.empty()) kept_ += SystemOut(row);
     kept_ += "    </testcase>\n";
   }
 

@@ -24,6 +24,11 @@ std::string SidesText(const DiffChange& change) {
 
 }  // namespace
 
+bool IsReported(const DiffRow& row) {
+  return !row.refusal.empty() || !row.abnormalEnd.empty() || !row.changes.empty() ||
+         !row.notes.empty();
+}
+
 Json ToJson(const DiffChange& change) {
   return {{"kind", change.kind},
           {"match", TextOrNull(change.match)},
@@ -43,12 +48,15 @@ std::string DescribeChange(const DiffChange& change, const std::string& indentat
 Json ToJson(const DiffRow& row) {
   auto changes = Json::array();
   for (const auto& change : row.changes) changes.push_back(ToJson(change));
+  auto notes = Json::array();
+  for (const auto& note : row.notes) notes.push_back(ToJson(note));
   return {{"file", row.file},
           {"board", row.board ? Json(*row.board) : Json(nullptr)},
           {"revision", row.revision},
           {"refused", TextOrNull(row.refusal)},
           {"abnormalEnd", TextOrNull(row.abnormalEnd)},
-          {"changes", std::move(changes)}};
+          {"changes", std::move(changes)},
+          {"notes", std::move(notes)}};
 }
 
 std::string DescribeRow(const DiffRow& row) {
@@ -57,7 +65,9 @@ std::string DescribeRow(const DiffRow& row) {
   if (!row.abnormalEnd.empty()) return text + ": ends abnormally: " + row.abnormalEnd + "\n";
   text += ": board " + PrintableText(row.board.value_or("-")) + ", revision " +
           std::to_string(row.revision) + "\n";
-  for (const auto& change : row.changes) text += "  " + DescribeChange(change, "    ");
+  for (const auto* list : {&row.notes, &row.changes}) {
+    for (const auto& change : *list) text += "  " + DescribeChange(change, "    ");
+  }
   return text;
 }
 

@@ -25,7 +25,11 @@ struct DiffRow {
   std::optional<std::string> board = {};
   int revision = 0;
   std::vector<DiffChange> changes = {};
+  std::vector<DiffChange> notes = {};  // what is the same with both payloads but needs attention
 };
+
+/// Whether there is anything to report of the computer.
+bool IsReported(const DiffRow& row);
 
 /// All keys are always there, in the same order.
 Json ToJson(const DiffChange& change);
@@ -35,8 +39,8 @@ Json ToJson(const DiffRow& row);
 /// the reasons, each after `indentation`.
 std::string DescribeChange(const DiffChange& change, const std::string& indentation);
 
-/// A changed, refused or abnormal row as lines for people, each with its line feed and safe to
-/// show.
+/// A changed, refused or abnormal row, or one with notes, as lines for people, each with its line
+/// feed and safe to show.
 std::string DescribeRow(const DiffRow& row);
 
 }  // namespace fernwick::lab

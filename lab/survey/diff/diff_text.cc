@@ -1,8 +1,8 @@
-// The texts of a comparison for people. Grouping is a hash join of the changes by their JSON: one
+// The texts of a comparison for people. Changes are grouped by their JSON, in a search tree: one
 // look-up for each change, memory for each different one.
 
+#include <map>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -13,16 +13,12 @@
 namespace fernwick::lab {
 namespace {
 
-bool IsUnchanged(const DiffRow& row) {
-  return row.refusal.empty() && row.abnormalEnd.empty() && row.changes.empty();
-}
-
 class DiffList : public DiffFormat {
  public:
   using DiffFormat::DiffFormat;
 
   void Add(const DiffRow& row) override {
-    if (!IsUnchanged(row)) Out().Write(DescribeRow(row));
+    if (IsReported(row)) Out().Write(DescribeRow(row));
   }
   void Finish(const DiffTotals& totals) override { Out().Write(Describe(totals)); }
   bool ShowsTotals() const override { return true; }
@@ -33,16 +29,9 @@ class DiffGroups : public DiffFormat {
   using DiffFormat::DiffFormat;
 
   void Add(const DiffRow& row) override {
-    if (row.changes.empty()) {
-      if (!IsUnchanged(row)) Out().Write(DescribeRow(row));
-      return;
-    }
-    const auto board = row.board.value_or("-");
-    for (const auto& change : row.changes) {
-      const auto key = PrintJsonRow({board, ToJson(change)});
-      const auto [index, isNew] = indexes_.emplace(key, groups_.size());
-      if (isNew) groups_.push_back({board, change});
-      ++groups_[index->second].computers;
+    if (!row.refusal.empty() || !row.abnormalEnd.empty()) return Out().Write(DescribeRow(row));
+    for (const auto* list : {&row.notes, &row.changes}) {
+      for (const auto& change : *list) AddToGroup(row.board.value_or("-"), change);
     }
   }
 
@@ -63,7 +52,14 @@ class DiffGroups : public DiffFormat {
     std::size_t computers = 0;
   };
 
-  std::unordered_map<std::string, std::size_t> indexes_;
+  void AddToGroup(const std::string& board, const DiffChange& change) {
+    const auto key = PrintJsonRow({board, ToJson(change)});
+    const auto [index, isNew] = indexes_.emplace(key, groups_.size());
+    if (isNew) groups_.push_back({board, change});
+    ++groups_[index->second].computers;
+  }
+
+  std::map<std::string, std::size_t> indexes_;  // a tree: payloads choose the keys
   std::vector<Group> groups_;
 };
 

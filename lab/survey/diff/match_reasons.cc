@@ -47,8 +47,8 @@ std::vector<std::string> FailureTexts(const MatchedPair& pair, const ToolRun& ru
 
 std::vector<std::string> LogLines(const ToolRun& run) {
   std::vector<std::string> lines;
-  for (auto& [text, count] : CountLines(run.standardError)) {
-    if (!text.starts_with("** ")) lines.push_back(std::move(text));
+  for (const auto& [text, count] : run.diagnostics) {
+    if (!text.starts_with("** ")) lines.push_back(text);
   }
   return lines;
 }
@@ -79,18 +79,21 @@ std::vector<std::string> MatchReasons::Reasons(const MatchedPair& pair, const Ot
 // The index of the personality of the other run that has the same purpose as the pair's.
 std::optional<std::size_t> MatchReasons::CounterpartOf(const MatchedPair& pair,
                                                        const Other& other) {
-  const auto& pairs = PairsOf(pair.key->key);
-  if (&other.run == &after_) return pairs[pair.personality];
-  const auto found = std::ranges::find(pairs, std::optional(pair.personality));
-  if (found == pairs.end()) return std::nullopt;
-  return static_cast<std::size_t>(found - pairs.begin());
+  const auto& counterparts = CounterpartsOf(pair.key->key);
+  return (&other.run == &after_ ? counterparts.ofOld : counterparts.ofNew)[pair.personality];
 }
 
-const PersonalityPairs& MatchReasons::PairsOf(std::string_view type) {
-  const auto known = pairs_.find(type);
-  if (known != pairs_.end()) return known->second;
-  auto pairs = PairPersonalities(PersonalitiesIn(before_, type), PersonalitiesIn(after_, type));
-  return pairs_.emplace(type, std::move(pairs)).first->second;
+const MatchReasons::Counterparts& MatchReasons::CounterpartsOf(std::string_view type) {
+  const auto known = counterparts_.find(type);
+  if (known != counterparts_.end()) return known->second;
+  const auto after = PersonalitiesIn(after_, type);
+  Counterparts counterparts = {
+      PairPersonalities(TypeNamed(type), PersonalitiesIn(before_, type), after),
+      PersonalityPairs(after.size())};
+  for (std::size_t i = 0; i < counterparts.ofOld.size(); ++i) {
+    if (counterparts.ofOld[i]) counterparts.ofNew[*counterparts.ofOld[i]] = i;
+  }
+  return counterparts_.emplace(type, std::move(counterparts)).first->second;
 }
 
 }  // namespace fernwick::lab

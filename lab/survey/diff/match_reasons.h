@@ -32,13 +32,19 @@ class MatchReasons {
     const char* payload;
   };
 
+  // For each personality of the one payload the index of its counterpart in the other.
+  struct Counterparts {
+    PersonalityPairs ofOld;
+    PersonalityPairs ofNew;
+  };
+
   std::vector<std::string> Reasons(const MatchedPair& pair, const Other& other);
   std::optional<std::size_t> CounterpartOf(const MatchedPair& pair, const Other& other);
-  const PersonalityPairs& PairsOf(std::string_view type);
+  const Counterparts& CounterpartsOf(std::string_view type);
 
   const ToolRun& before_;
   const ToolRun& after_;
-  std::map<std::string, PersonalityPairs, std::less<>> pairs_;  // by type, once they are asked for
+  std::map<std::string, Counterparts, std::less<>> counterparts_;  // by type, once asked for
 };
 
 }  // namespace fernwick::lab

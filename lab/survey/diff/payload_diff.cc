@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
+#include "lab/support/plan_summary.h"
 #include "lab/survey/diff/match_reasons.h"
 #include "lab/survey/diff/matches_by_controller.h"
-#include "lab/survey/plan_summary.h"
 #include "lab/survey/text.h"
 
 namespace fernwick::lab {

@@ -1,21 +1,19 @@
-// A join in several passes. The exact passes are hash joins on a key of the personality, each
-// less strict than the one before: the purpose (what the controller must be: type, silicon, RID,
-// address, UUID, model) with the version bounds and the image, with either, alone. What is left is
-// joined by similarity: of all pairs of compatible personalities, which accept a common value under
-// every key, the most similar first (greedy matching). A last exact pass pairs what has the same
-// image and another purpose. The exact passes cost n log n of the size of the arrays. The
-// similarity costs the product of what is left of both, of which at most MaxCompared elements of
-// each are looked at.
+// A join in several passes. The exact passes look up a key of the personality in a sorted index,
+// each by a less strict key than the one before: the purpose (what the controller and the board
+// must be, whatever the version) with the version bounds and the image, with either, alone. What is
+// left is joined by similarity: of all pairs of compatible personalities, which accept a common
+// value under every key, the most similar first (greedy matching). A last exact pass pairs what has
+// the same image and another purpose. The exact passes cost n log n of the size of the arrays, the
+// similarity m log m of the pairs of what is left, at most MaxCompared elements of each array.
 
 #include "lab/survey/diff/personality_pairs.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <span>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "lab/support/words.h"
@@ -26,25 +24,21 @@ namespace {
 
 constexpr std::size_t MaxCompared = 256;
 
-// The keys by which a personality selects its controllers.
-constexpr std::array<std::string_view, 16> PurposeKeys = {"RID",
-                                                          "Port Silicon Vendor ID",
-                                                          "Port Silicon Device ID",
-                                                          "Port Silicon Revision",
-                                                          "Port OTP Revision",
-                                                          "Port Address",
-                                                          "Port UUID",
-                                                          "Ridge Silicon Vendor ID",
-                                                          "Ridge Silicon Device ID",
-                                                          "Ridge Silicon Revision",
-                                                          "Ridge UID",
-                                                          "Device Model Name",
-                                                          "Device Model ID",
-                                                          "Device Model Revision",
-                                                          "MinBoardRevision",
-                                                          "MaxBoardRevision"};
-// The bounds at the end are not sets of accepted values.
-constexpr std::size_t SetKeyCount = PurposeKeys.size() - 2;
+// The keys by which a personality of the type selects its controllers, whatever their versions.
+std::vector<const Key*> PurposeKeys(TypeSet type) {
+  std::vector<const Key*> keys;
+  for (const auto& key : KeySchema()) {
+    const bool isOfVersion = key.name == "Version" || key.name.starts_with("Existing ");
+    if ((key.checkedBy & type) != 0 && !isOfVersion) keys.push_back(&key);
+  }
+  return keys;
+}
+
+// Whether any of the personality's values under the key is accepted; otherwise the value is a
+// bound.
+bool IsSet(const Key& key) {
+  return key.kind != KeyKind::OneNumber;
+}
 
 using Texts = std::vector<std::string>;
 
@@ -74,10 +68,10 @@ std::optional<Texts> AcceptedValues(Dictionary personality, std::string_view key
 
 // What the passes compare of a personality.
 struct Traits {
-  std::size_t index;  // in its array
-  std::array<std::optional<Texts>, PurposeKeys.size()> accepted;
-  std::string purpose;  // the same of all that is accepted, as one text
-  std::string bounds;   // of the installed version
+  std::size_t index;                           // in its array
+  std::vector<std::optional<Texts>> accepted;  // by the keys of the purpose
+  std::string purpose;                         // all that is accepted, as one text
+  std::string bounds;                          // of the installed version
   std::string image;
 };
 
@@ -90,13 +84,13 @@ std::string ValueText(Dictionary personality, std::string_view key) {
   return value == nullptr ? "" : CanonicalText(*value);
 }
 
-Traits TraitsOf(std::size_t index, Dictionary personality) {
+Traits TraitsOf(std::size_t index, Dictionary personality, const std::vector<const Key*>& keys) {
   Traits traits{index, {}, {}, {}, {}};
-  for (std::size_t i = 0; i < PurposeKeys.size(); ++i) {
-    traits.accepted[i] = AcceptedValues(personality, PurposeKeys[i]);
-    traits.purpose += traits.accepted[i] ? "[" : "-";
-    if (!traits.accepted[i]) continue;
-    for (const auto& text : *traits.accepted[i]) AppendField(traits.purpose, text);
+  for (const auto* key : keys) {
+    const auto& accepted = traits.accepted.emplace_back(AcceptedValues(personality, key->name));
+    traits.purpose += accepted ? "[" : "-";
+    if (!accepted) continue;
+    for (const auto& text : *accepted) AppendField(traits.purpose, text);
     traits.purpose += "]";
   }
   AppendField(traits.bounds, ValueText(personality, "Existing Min Version"));
@@ -105,25 +99,26 @@ Traits TraitsOf(std::size_t index, Dictionary personality) {
   return traits;
 }
 
-std::vector<Traits> TraitsOf(Array personalities) {
+std::vector<Traits> TraitsOf(Array personalities, const std::vector<const Key*>& keys) {
   std::vector<Traits> all;
   for (std::size_t i = 0; i < personalities.size(); ++i) {
     if (const auto personality = personalities[i].AsDictionary()) {
-      all.push_back(TraitsOf(i, *personality));
+      all.push_back(TraitsOf(i, *personality, keys));
     }
   }
   return all;
 }
 
 // How alike two personalities are; nullopt when no controller matches both.
-std::optional<int> Similarity(const Traits& before, const Traits& after) {
+std::optional<int> Similarity(const Traits& before, const Traits& after,
+                              const std::vector<const Key*>& keys) {
   int similarity = before.image == after.image ? 1 : 0;
-  for (std::size_t i = 0; i < PurposeKeys.size(); ++i) {
+  for (std::size_t i = 0; i < keys.size(); ++i) {
     const auto& a = before.accepted[i];
     const auto& b = after.accepted[i];
     if (a == b) {
       similarity += a ? 4 : 2;
-    } else if (i < SetKeyCount && a && b) {
+    } else if (IsSet(*keys[i]) && a && b) {
       Texts common;
       std::ranges::set_intersection(*a, *b, std::back_inserter(common));
       if (common.empty()) return std::nullopt;
@@ -135,8 +130,11 @@ std::optional<int> Similarity(const Traits& before, const Traits& after) {
 
 class Join {
  public:
-  Join(Array before, Array after)
-      : before_(TraitsOf(before)), after_(TraitsOf(after)), pairs_(before.size()) {}
+  Join(TypeSet type, Array before, Array after)
+      : keys_(PurposeKeys(type)),
+        before_(TraitsOf(before, keys_)),
+        after_(TraitsOf(after, keys_)),
+        pairs_(before.size()) {}
 
   PersonalityPairs Pairs() && {
     ByKey([](const Traits& t) { return t.purpose + t.bounds + t.image; });
@@ -152,7 +150,7 @@ class Join {
   // Pairs what has equal keys, in the order of the arrays.
   template <typename Key>
   void ByKey(Key key) {
-    std::unordered_map<std::string, std::vector<std::size_t>> unpaired;
+    std::map<std::string, std::vector<std::size_t>> unpaired;
     for (std::size_t i = after_.size(); i-- > 0;) {
       if (auto text = key(after_[i]); !text.empty()) unpaired[std::move(text)].push_back(i);
     }
@@ -178,7 +176,7 @@ class Join {
     std::vector<Candidate> candidates;
     for (std::size_t i = 0; i < std::min(before_.size(), MaxCompared); ++i) {
       for (std::size_t j = 0; j < std::min(after_.size(), MaxCompared); ++j) {
-        if (const auto similarity = Similarity(before_[i], after_[j])) {
+        if (const auto similarity = Similarity(before_[i], after_[j], keys_)) {
           candidates.push_back({*similarity, i, j});
         }
       }
@@ -200,6 +198,7 @@ class Join {
     std::erase_if(after_, [&](const Traits&) { return isPaired[i++]; });
   }
 
+  std::vector<const Key*> keys_;
   std::vector<Traits> before_;  // those without a counterpart, in the order of the array
   std::vector<Traits> after_;
   PersonalityPairs pairs_;
@@ -207,8 +206,8 @@ class Join {
 
 }  // namespace
 
-PersonalityPairs PairPersonalities(Array before, Array after) {
-  return Join(before, after).Pairs();
+PersonalityPairs PairPersonalities(TypeSet type, Array before, Array after) {
+  return Join(type, before, after).Pairs();
 }
 
 std::string PersonalityName(Array personalities, std::size_t index) {

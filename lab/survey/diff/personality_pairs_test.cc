@@ -27,7 +27,7 @@ PropertyValue At(int address, const char* image, const Record& more = {}) {
 // "1-2 2-" when the first is paired with the second and the second with none, counted from 1.
 std::string PairsOf(Array before, Array after) {
   std::string text;
-  const auto pairs = PairPersonalities(before, after);
+  const auto pairs = PairPersonalities(Types::Thunderbolt, before, after);
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     text += (i == 0 ? "" : " ") + std::to_string(i + 1) + "-";
     if (pairs[i]) text += std::to_string(*pairs[i] + 1);
@@ -77,6 +77,17 @@ TEST(PersonalityPairs, OfAnotherPurposeGoByTheImage) {
   EXPECT_EQ(PairsOf(List({At(1, "a"), At(2, "b")}), List({At(3, "b")})), "1- 2-1");
 }
 
+TEST(PersonalityPairs, GoByEveryKeyThatTheTypeTestsAndNoOther) {
+  const auto mode = [](bool isOn, const char* image) {
+    return At(1, image, {{"Firmware Mode", isOn}});
+  };
+  const auto before = List({mode(true, "a"), mode(false, "b")});
+  const auto after = List({mode(false, "c"), mode(true, "d")});
+  EXPECT_EQ(PairsOf(before, after), "1-2 2-1");
+  const auto pairs = PairPersonalities(Types::Usbc, before, after);
+  EXPECT_EQ(pairs, (PersonalityPairs{0, 1})) << "no port has a mode";
+}
+
 TEST(PersonalityPairs, LeaveOutWhatIsNotADictionary) {
   EXPECT_EQ(PairsOf(List({1, At(1, "a")}), List({At(1, "a"), "x"})), "1- 2-1");
   EXPECT_EQ(PairsOf({}, List({At(1, "a")})), "");
@@ -88,8 +99,8 @@ TEST(PersonalityPairs, OfManyPersonalitiesAreFound) {
   std::vector<PropertyValue> after;
   for (int i = 0; i < 3000; ++i) before.push_back(At(i, "old"));
   for (int i = 3000; i-- > 0;) after.push_back(At(i, "new"));
-  const auto pairs =
-      PairPersonalities(std::span(std::as_const(before)), std::span(std::as_const(after)));
+  const auto pairs = PairPersonalities(Types::Thunderbolt, std::span(std::as_const(before)),
+                                       std::span(std::as_const(after)));
   for (std::size_t i = 0; i < pairs.size(); ++i) EXPECT_EQ(pairs[i], pairs.size() - 1 - i);
 }
 
