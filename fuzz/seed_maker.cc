@@ -97,6 +97,11 @@ Texts Written(const std::vector<PropertyValue>& values, Write write) {
   return texts;
 }
 
+// The one of its overloads that returns the text.
+std::string WriteXml(const PropertyValue& value) {
+  return WriteXmlPropertyList(value);
+}
+
 // The elements of all containers, in one.
 template <typename Container>
 Container Joined(std::initializer_list<Container> parts) {
@@ -110,8 +115,8 @@ Container Joined(std::initializer_list<Container> parts) {
 void MakeReaderSeeds(SeedMaker& maker, const Texts& files) {
   const auto samples = SampleValues();
   const auto values = ValuesOf(files);
-  const auto xml = Joined({Written(samples, WriteXmlPropertyList), Written(samples, WriteBareXml),
-                           XmlOddities(), files});
+  const auto xml =
+      Joined({Written(samples, WriteXml), Written(samples, WriteBareXml), XmlOddities(), files});
   const auto binary =
       Joined({Written(samples, WriteBinaryPropertyList), Written(values, WriteBinaryPropertyList)});
   const auto text =
@@ -129,7 +134,7 @@ void MakeReaderSeeds(SeedMaker& maker, const Texts& files) {
 void MakeRecordingSeeds(SeedMaker& maker, const Texts& recordings) {
   auto values = ValuesOf(recordings);
   values.push_back(SampleRecording());
-  maker.Add("recording", Written(values, WriteXmlPropertyList));
+  maker.Add("recording", Written(values, WriteXml));
   maker.Add("recording", Written(values, WriteBinaryPropertyList));
   maker.AddWords("recording", WordsIn(values));
 }

@@ -46,6 +46,9 @@ Result<Recording, LabError> LoadComputer(const ComputerOperand& computer);
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists);
 
+/// Whether WritePropertyList writes no more than a file may have to be read again.
+bool CanBeRead(const PropertyValue& value, Serialisation form);
+
 /// Prints an error and returns LabStatus::OutputLost when WritePropertyList would refuse to replace
 /// what is at `out`, before any work is done; otherwise LabStatus::Done.
 int CheckOutput(const std::string& out, IfExists ifExists);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,7 +26,7 @@ class HostFiles {
   /// Whether a symbolic link at the end of a path is followed. Those before it always are.
   enum class Links { Followed, Ignored };
 
-  /// The contents of a regular file; absent when it is above the limit.
+  /// The contents of a regular file; absent when it has more than `maxSize` bytes.
   std::optional<std::string> Read(const std::string& path, std::size_t maxSize,
                                   Links links = Links::Followed) const;
 

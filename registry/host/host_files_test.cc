@@ -81,8 +81,7 @@ TEST(HostFiles, AreAbsentAboveTheLimit) {
 
 // Files of /proc claim a size of 0: what counts is what can be read.
 TEST(HostFiles, ThatUnderstateTheirSizeAreAbsentAboveTheLimit) {
-  const std::size_t tiny = 1;
-  EXPECT_EQ(HostFiles("/").Read("proc/self/status", tiny), std::nullopt);
+  EXPECT_EQ(HostFiles("/").Read("proc/self/status", 1), std::nullopt);
 }
 
 TEST(HostFiles, OtherThanRegularOnesAreAbsentAndNeverWaitedFor) {

@@ -4,7 +4,8 @@
 
 namespace fernwick {
 
-/// Longer files are absent: those of /sys and /proc, and those of the device tree.
+/// Bytes that a file of /sys or /proc, and one of the device tree, can have. Longer ones are
+/// absent.
 inline constexpr std::size_t MaxSystemFile = std::size_t{64} << 10;
 inline constexpr std::size_t MaxTreeFile = std::size_t{16} << 20;
 
