@@ -5,7 +5,8 @@ add_test(NAME Bench.run_test COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}
 add_test(NAME Cost.run_test COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/cost/run_test.py)
 if(NOT FERNWICK_SANITIZE AND NOT FERNWICK_COVERAGE)  # which cost more by themselves
   add_test(NAME Cost.IsThatOfTheInput
-           COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/cost/run.py ${CMAKE_BINARY_DIR} --short)
+           COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/cost/run.py ${CMAKE_BINARY_DIR} --short
+                   --memory)
 endif()
 
 # All that "./dev bench" measures.
