@@ -60,6 +60,41 @@ std::size_t PairsOfEach(const RunTrace& trace, const ExplainFilter& filter) {
   return std::max<std::size_t>(1, MaxPairs / controllers);
 }
 
+// The candidates of one key and what they are tested with besides a controller.
+struct Candidates {
+  Array personalities;
+  TypeSet type;
+  std::uint8_t boardRevision;
+  bool bypassesVersionCheck;
+
+  // What the pair fails; a match without the bypass of the version check.
+  std::vector<FailedRequirement> FailuresOf(const ExplainedPair& pair, Dictionary hardware) const {
+    const auto personality = personalities[pair.personality].AsDictionary();
+    if (!personality) return {};
+    const bool isMatch = pair.outcome == PairOutcome::Matched;
+    return FailedRequirements(type, *personality,
+                              {hardware, boardRevision, bypassesVersionCheck && !isMatch});
+  }
+};
+
+// The `count` nearest pairs of a record, without their failures, of which there may be many: only
+// the distances are stored.
+std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyTrace& trace,
+                                        std::size_t record, std::size_t count) {
+  std::vector<ExplainedPair> pairs;
+  for (std::size_t i = 0; i < candidates.personalities.size(); ++i) {
+    ExplainedPair pair = {.personality = i, .outcome = trace.OutcomeOf(record, i)};
+    pair.distance = DistanceOf(candidates.FailuresOf(pair, trace.inventory.records[record]));
+    pairs.push_back(std::move(pair));
+  }
+  if (pairs.size() <= count) return pairs;
+  const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>(count);
+  std::ranges::nth_element(pairs, middle, IsShownBefore);
+  pairs.erase(middle, pairs.end());
+  std::ranges::sort(pairs, {}, &ExplainedPair::personality);
+  return pairs;
+}
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
@@ -83,7 +118,8 @@ class KeyExplainer {
                         .isSelected = IsSelected(TypeNamed(trace.key), filter_),
                         .value = value,
                         .controllerCount = trace.inventory.records.size()};
-    candidates_ = candidates.value_or(Array());
+    candidates_ = {candidates.value_or(Array()), key.type, result_.identity->boardRevision,
+                   result_.bypassesVersionCheck};
     if (key.type != Types::None) ExplainPersonalities(location, key);
     if (key.isSelected) ExplainControllers(trace, key);
     const bool isEmpty = key.controllers.empty() && key.skipped.empty();
@@ -95,7 +131,7 @@ class KeyExplainer {
   void ExplainControllers(const KeyTrace& trace, ExplainedKey& key) const {
     for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
       if (!IsWanted(trace.inventory.sources[i].Controller())) continue;
-      key.controllers.push_back(ExplainController(key.type, trace, i));
+      key.controllers.push_back(ExplainController(trace, i));
     }
     for (const auto& skipped : trace.inventory.skipped) {
       if (IsWanted(skipped.controller)) key.skipped.push_back(ExplainSkip(recording_, skipped));
@@ -117,10 +153,11 @@ class KeyExplainer {
 
   void ExplainPersonalities(const KeyLocation* keyLocation, ExplainedKey& key) {
     locations_.clear();
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+    const auto candidates = candidates_.personalities;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
       locations_.push_back(LocationOfCandidate(keyLocation, key.type, i));
       ExplainedPersonality personality{.location = LocationOf(locations_.back())};
-      if (const auto dictionary = candidates_[i].AsDictionary()) {
+      if (const auto dictionary = candidates[i].AsDictionary()) {
         personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
         personality.unread = UnreadKeys(*dictionary, key.type, locations_.back());
@@ -142,8 +179,7 @@ class KeyExplainer {
     return unread;
   }
 
-  ExplainedController ExplainController(TypeSet type, const KeyTrace& trace,
-                                        std::size_t index) const {
+  ExplainedController ExplainController(const KeyTrace& trace, std::size_t index) const {
     const auto& source = trace.inventory.sources[index];
     const bool hasThunderbolt = source.port != 0 && source.thunderbolt != 0;
     ExplainedController controller = {
@@ -158,43 +194,16 @@ class KeyExplainer {
         .sources = {},
     };
     if (!trace.HasPairs()) return controller;
-    controller.pairs = NearestPairs(type, trace, index, controller.record);
-    controller.otherPairs = candidates_.size() - controller.pairs.size();
-    for (auto& pair : controller.pairs) ExplainFailures(type, source, controller, pair);
+    controller.pairs = NearestPairs(candidates_, trace, index, pairsOfEach_);
+    controller.otherPairs = candidates_.personalities.size() - controller.pairs.size();
+    for (auto& pair : controller.pairs) ExplainFailures(source, controller, pair);
     return controller;
   }
 
-  // The pairs without their failures, of which there may be many: only the distances are kept.
-  std::vector<ExplainedPair> NearestPairs(TypeSet type, const KeyTrace& trace, std::size_t record,
-                                          Dictionary hardware) const {
-    std::vector<ExplainedPair> pairs;
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-      ExplainedPair pair = {.personality = i, .outcome = trace.OutcomeOf(record, i)};
-      pair.distance = DistanceOf(FailuresOf(type, pair, hardware));
-      pairs.push_back(std::move(pair));
-    }
-    if (pairs.size() <= pairsOfEach_) return pairs;
-    const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>(pairsOfEach_);
-    std::ranges::nth_element(pairs, middle, IsShownBefore);
-    pairs.erase(middle, pairs.end());
-    std::ranges::sort(pairs, {}, &ExplainedPair::personality);
-    return pairs;
-  }
-
-  std::vector<FailedRequirement> FailuresOf(TypeSet type, const ExplainedPair& pair,
-                                            Dictionary hardware) const {
-    const auto personality = candidates_[pair.personality].AsDictionary();
-    if (!personality) return {};
-    const bool isMatch = pair.outcome == PairOutcome::Matched;
-    const RequirementContext context = {hardware, result_.identity->boardRevision,
-                                        result_.bypassesVersionCheck && !isMatch};
-    return FailedRequirements(type, *personality, context);
-  }
-
-  void ExplainFailures(TypeSet type, const RecordSource& source, ExplainedController& controller,
+  void ExplainFailures(const RecordSource& source, ExplainedController& controller,
                        ExplainedPair& pair) const {
     const KeyLocations locations(locations_[pair.personality]);
-    for (const auto& failed : FailuresOf(type, pair, controller.record)) {
+    for (const auto& failed : candidates_.FailuresOf(pair, controller.record)) {
       const auto* key = locations.Find(failed.requirement->key);
       pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
       const auto hardwareKey = failed.requirement->hardwareKey;
@@ -219,7 +228,7 @@ class KeyExplainer {
   const ExplainedSource& boardRevision_;
   const ExplainFilter& filter_;
   std::size_t pairsOfEach_;
-  Array candidates_;                             // of the key that is explained
+  Candidates candidates_ = {};                   // of the key that is explained
   std::vector<const ValueLocation*> locations_;  // of these; null where it is not known
 };
 

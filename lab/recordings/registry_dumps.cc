@@ -44,6 +44,26 @@ struct Identity {
   bool isLinked = false;
 };
 
+// Whether the key of a node is a property of its entry.
+bool IsProperty(std::string_view key, const DumpKeys& keys) {
+  return key != keys.name && key != keys.children && key != keys.className && key != keys.id;
+}
+
+// Adds what a recording has of an entry.
+void AddEntry(Dictionary node, const DumpKeys& keys, Arena& arena,
+              std::vector<DictionaryEntry>& built) {
+  if (const auto* name = node.Find(keys.name)) built.push_back({"Name", *name});
+  const auto* className = keys.className ? node.Find(*keys.className) : nullptr;
+  if (className != nullptr) built.push_back({"Class", *className});
+  std::vector<DictionaryEntry> properties;
+  for (const auto& entry : node.Entries()) {
+    if (IsProperty(entry.key, keys)) properties.push_back(entry);
+  }
+  if (properties.empty()) return;
+  built.push_back(
+      {"Properties", Dictionary(arena.Copy(std::span<const DictionaryEntry>(properties)))});
+}
+
 class DumpRecorder {
  public:
   DumpRecorder(const DumpKeys& keys) : keys_(keys) {}
@@ -138,7 +158,7 @@ class DumpRecorder {
   std::string CheckNesting(Dictionary node) const {
     const std::size_t above = 4 + 2 * path_.size();
     for (const auto& [key, value] : node.Entries()) {
-      if (!IsProperty(key) || above + NestingOf(value) <= MaxNesting) continue;
+      if (!IsProperty(key, keys_) || above + NestingOf(value) <= MaxNesting) continue;
       return FaultHere("in a recording " + Quoted(key) + " would be nested too deeply");
     }
     if (above <= MaxNesting) return {};
@@ -159,10 +179,6 @@ class DumpRecorder {
     return {};
   }
 
-  bool IsProperty(std::string_view key) const {
-    return key != keys_.name && key != keys_.children && key != keys_.className && key != keys_.id;
-  }
-
   Dictionary BuildNode(Dictionary node, std::size_t plane) {
     std::vector<DictionaryEntry> built;
     const auto* id = keys_.id ? node.Find(*keys_.id) : nullptr;
@@ -172,25 +188,13 @@ class DumpRecorder {
     if (isLinked && identity->second.definedIn != plane) {
       built.push_back({"Link", text});
     } else {
-      AddEntry(node, built);
+      AddEntry(node, keys_, arena_, built);
       if (isLinked) built.push_back({"ID", text});
     }
     if (const auto* children = node.Find(keys_.children)) {
       built.push_back({"Children", BuildChildren(*children->AsArray(), plane)});
     }
     return Copy(built);
-  }
-
-  void AddEntry(Dictionary node, std::vector<DictionaryEntry>& built) {
-    if (const auto* name = node.Find(keys_.name)) built.push_back({"Name", *name});
-    const auto* className = keys_.className ? node.Find(*keys_.className) : nullptr;
-    if (className != nullptr) built.push_back({"Class", *className});
-    std::vector<DictionaryEntry> properties;
-    for (const auto& entry : node.Entries()) {
-      if (IsProperty(entry.key)) properties.push_back(entry);
-    }
-    if (properties.empty()) return;
-    built.push_back({"Properties", Copy(properties)});
   }
 
   Array BuildChildren(Array children, std::size_t plane) {
