@@ -14,6 +14,12 @@ namespace {
 // Text is passed on when there is so much of it.
 constexpr std::size_t PartSize = std::size_t{1} << 16;
 
+// Whether the byte is a character that is written as it is.
+bool IsPlain(char byte) {
+  return (byte >= ' ' && byte <= '~' && byte != '&' && byte != '<' && byte != '>') ||
+         byte == '\n' || byte == '\t';
+}
+
 class XmlWriter {
  public:
   XmlWriter(std::size_t maxIndentation, const TextSink& sink)
@@ -82,7 +88,12 @@ class XmlWriter {
   static std::string Escaped(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    while (!text.empty()) {
+    for (;;) {
+      const auto* const special = std::ranges::find_if_not(text, IsPlain);
+      const auto plain = static_cast<std::size_t>(special - text.begin());
+      escaped.append(text.substr(0, plain));
+      text.remove_prefix(plain);
+      if (text.empty()) break;
       const auto [character, length] = DecodeUtf8(text);
       AppendEscaped(escaped, length == 0 ? ReplacementCharacter : character);
       text.remove_prefix(length == 0 ? 1 : length);
