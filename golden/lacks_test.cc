@@ -50,11 +50,15 @@ void ExpectAnswerOrLack(const std::string& command) {
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfASurvey) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   ExpectAnswerOrLack("survey -j1 -p payload --format ndjson " + OnePort);
   ExpectAnswerOrLack("survey -j1 -p payload --format ndjson .");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfADiff) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   ExpectAnswerOrLack("diff -j1 -p draft -p payload " + OnePort);
   ExpectAnswerOrLack("diff -j1 -p payload -p payload .");
 }
@@ -89,6 +93,8 @@ class Payload {
 };
 
 TEST(Permission, ThatIsMissingForAConfigurationOrItsDirectoryIsAnError) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const Payload payload;
   for (const auto& path : {payload.Configuration(), payload.Board()}) {
     fs::permissions(path, fs::perms::none);
@@ -138,6 +144,8 @@ TEST(Configuration, ThatIsMalformedInBothPayloadsIsMentioned) {
 }
 
 TEST(Room, ThatIsMissingForAFileLeavesNone) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const testing::TemporaryDirectory directory;
   for (const auto* verb : {"convert --to xml", "redact"}) {
     const auto found =

@@ -300,7 +300,7 @@ TEST(Explanation, OfAPersonalityThatWasNotReachedHasWhatWouldRejectIt) {
       UsbcKey(Personality(180, "0") + Personality(181, "0") + Personality(182, "1") + "<true/>"));
   const auto& pairs = explanation.keys.at(0).controllers.at(0).pairs;
   ASSERT_EQ(pairs.size(), 4u);
-  for (int i = 1; i < 4; ++i) EXPECT_EQ(pairs[i].outcome, PairOutcome::NotReached);
+  for (std::size_t i = 1; i < 4; ++i) EXPECT_EQ(pairs[i].outcome, PairOutcome::NotReached);
   EXPECT_TRUE(pairs[1].failures.empty());
   ASSERT_EQ(pairs[2].failures.size(), 1u);
   EXPECT_EQ(pairs[2].failures[0].failed.requirement->key, "Port Address");
