@@ -11,8 +11,6 @@ int main(int argc, char* argv[]) {
   fernwick::HostRegistry registry;
   fernwick::ProcessConsole console;
   const auto result = fernwick::Run(options, registry, console);
-  // coverage: 1 of 2 branches: The registry of this computer has no entries yet, so nothing is
-  // wrong with one.
   if (result.fault) fernwick::LogAndAbort(*result.fault);
   return result.status;
 }

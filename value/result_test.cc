@@ -17,7 +17,7 @@ TEST(Error, IsDescribedWithItsLocation) {
   EXPECT_EQ(Describe({"what is wrong", FileLocation{}}), "byte 0: what is wrong");
 }
 
-TEST(Error, EqualityIsThatOfMessageAndLocation) {
+TEST(Error, EqualityIsThatOfEveryMember) {
   const Error error{"a", FileLocation{.line = 1, .column = 2}};
   EXPECT_EQ(error, (Error{"a", FileLocation{.line = 1, .column = 2}}));
   EXPECT_NE(error, (Error{"b", FileLocation{.line = 1, .column = 2}}));
@@ -25,6 +25,7 @@ TEST(Error, EqualityIsThatOfMessageAndLocation) {
   EXPECT_NE(error, (Error{"a", FileLocation{.line = 1, .column = 3}}));
   EXPECT_NE(error, (Error{"a", FileLocation{.line = 1, .column = 2, .byte = 1}}));
   EXPECT_NE(error, (Error{"a"}));
+  EXPECT_NE((Error{"a", {}, 2}), (Error{"a", {}, 3}));
 }
 
 TEST(Result, OfAValueIsTrueAndTheValue) {
