@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 7);
+  EXPECT_EQ(count, 8);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

@@ -246,9 +246,9 @@ TEST(Explanation, WithoutTheSwitchThatEndsTheRunHasTheOtherOne) {
   EXPECT_TRUE(without.switches[0].isBootArgument);
 
   const auto byVariable = Switched("fernwick_bypassversioncheck", "fernwick_bypassversioncheck=1");
-  const auto& other = *ExplainText(byVariable, ForEveryPort).withoutSwitch;
-  ASSERT_EQ(other.switches.size(), 1u);
-  EXPECT_FALSE(other.switches[0].isBootArgument);
+  const auto other = ExplainText(byVariable, ForEveryPort);
+  ASSERT_EQ(other.withoutSwitch->switches.size(), 1u);
+  EXPECT_FALSE(other.withoutSwitch->switches[0].isBootArgument);
 }
 
 TEST(Explanation, OfAMatchByBypassHasWhatWouldRejectIt) {

@@ -42,6 +42,9 @@ struct FailureWording {
   }
 
   std::string NotNewerText() const {
+    if (!failure.found) {
+      return Wanted() + " is not newer than any version that the controller could have";
+    }
     const char* verdict = failure.wanted->IsNumber() ? " is not" : " is no number and not";
     return Wanted() + verdict + " newer than the installed " + Found();
   }
@@ -112,20 +115,43 @@ VersionScales ScalesOf(TypeSet type, Dictionary hardware) {
           .port = type != Types::LegacyThunderbolt};
 }
 
-// The failure that a bound of the version would still be once the controller reported one.
+// The limit of the installed version that the requirement compares; null: it compares none.
+const PropertyValue* LimitOf(const Window& window, RequirementTest test) {
+  switch (test) {
+    case RequirementTest::NewerVersion: return window.offered;
+    case RequirementTest::MinVersion: return window.minimum;
+    default: return window.maximum;
+  }
+}
+
+// The failure that a requirement of the version would still be once the controller reported one.
 std::optional<FailureReason> ReasonForEveryVersion(TypeSet type, const Requirement& requirement,
                                                    Dictionary personality,
                                                    const RequirementContext& context) {
-  const bool isMinimum = requirement.test == RequirementTest::MinVersion;
-  if (!isMinimum && requirement.test != RequirementTest::MaxVersion) return std::nullopt;
-  const bool isCompared = context.hardware.Find(requirement.hardwareKey) != nullptr;
-  const auto* bound = personality.Find(requirement.key);
-  if (isCompared || context.bypassVersionCheck || bound == nullptr) return std::nullopt;
-  if (!bound->IsNumber()) return FailureReason::WrongKind;
+  using enum RequirementTest;
+  const auto test = requirement.test;
+  const auto* limit = personality.Find(requirement.key);
+  const bool isLimit = test == NewerVersion || test == MinVersion || test == MaxVersion;
+  if (!isLimit || limit == nullptr || context.bypassVersionCheck) return std::nullopt;
+  if (context.hardware.Find(requirement.hardwareKey) != nullptr) return std::nullopt;
+  if (!limit->IsNumber()) return FailureReason::WrongKind;
   const auto window = WindowOf(personality, ScalesOf(type, context.hardware));
-  const auto* possible = isMinimum ? window.minimum : window.maximum;
-  if (possible != nullptr || !NumbersEqual(*bound, *bound)) return std::nullopt;
-  return isMinimum ? FailureReason::AboveInstalled : FailureReason::BelowInstalled;
+  if (LimitOf(window, test) != nullptr) return std::nullopt;
+  if (test == NewerVersion) return FailureReason::NotNewer;
+  if (!NumbersEqual(*limit, *limit)) return std::nullopt;  // a bound that is NaN excludes nothing
+  return test == MinVersion ? FailureReason::AboveInstalled : FailureReason::BelowInstalled;
+}
+
+// Whether no controller at all would meet it.
+bool IsNeverMet(const FailedRequirement& failure) {
+  switch (failure.reason) {
+    case FailureReason::PersonalityLacksKey:
+    case FailureReason::WrongKind: return true;
+    case FailureReason::NotNewer:
+    case FailureReason::AboveInstalled:
+    case FailureReason::BelowInstalled: return !failure.found;
+    default: return false;
+  }
 }
 
 }  // namespace
@@ -135,7 +161,8 @@ std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary perso
   std::vector<FailedRequirement> failures;
   for (const auto& requirement : RequirementsOf(type)) {
     auto reason = Test(requirement, personality, context).failure;
-    if (!reason) reason = ReasonForEveryVersion(type, requirement, personality, context);
+    const auto always = ReasonForEveryVersion(type, requirement, personality, context);
+    if (always) reason = always;
     const auto isSame = [&](const FailedRequirement& failure) {
       return failure.requirement->key == requirement.key && failure.reason == reason;
     };
@@ -152,7 +179,8 @@ Distance DistanceOf(std::span<const FailedRequirement> failures) {
   const auto isOfController = [](const FailedRequirement& failure) {
     return failure.requirement->test == RequirementTest::SetMatch;
   };
-  return {static_cast<std::size_t>(std::ranges::count_if(failures, isOfController)),
+  return {static_cast<std::size_t>(std::ranges::count_if(failures, IsNeverMet)),
+          static_cast<std::size_t>(std::ranges::count_if(failures, isOfController)),
           failures.size()};
 }
 

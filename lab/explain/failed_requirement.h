@@ -25,14 +25,17 @@ struct FailedRequirement {
 /// All requirements of the type that the personality does not meet, in the order of the table,
 /// where the tool stops at the first. What the table tests twice is there once. The tool compares
 /// no bound with a version that the controller does not report; a bound that every version would
-/// fail is in the list all the same, so that the pair matches once all that is listed is met.
+/// fail is in the list all the same, so that the pair matches once all that is listed is met. The
+/// version that the personality offers has the reason that it has with every version, too.
 std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
                                                   const RequirementContext& context);
 
-/// How far a pair is from a match; less is nearer. What a controller is counts before its version
+/// How far a pair is from a match; less is nearer. What no controller could meet counts first. Then
+/// what a controller is counts before its version
 /// and the board's revision, so that another port with the right version is farther than the right
 /// port with a version that is too new.
 struct Distance {
+  std::size_t neverMet = 0;      // requirements that the personality itself makes impossible
   std::size_t ofController = 0;  // requirements of what the controller is
   std::size_t whole = 0;         // all that fail
 

@@ -187,6 +187,18 @@ TEST(FailedRequirements, WithoutAVersionHaveTheBoundsThatNoVersionMeets) {
             Texts{"Version"});
 }
 
+TEST(FailedRequirements, WithoutAVersionHaveWhyTheOfferedOneIsNeverNewer) {
+  const auto reasonOf = [](const PropertyValue& offered) {
+    return FailedRequirements(Types::LegacyUsbc, Record{{"Version", offered}}, {Port}).at(0).reason;
+  };
+  EXPECT_EQ(reasonOf(1), FailureReason::HardwareLacksKey);
+  EXPECT_EQ(reasonOf(0), FailureReason::NotNewer);
+  EXPECT_EQ(reasonOf(double(NAN)), FailureReason::NotNewer);
+  EXPECT_EQ(reasonOf("50"), FailureReason::WrongKind);
+  EXPECT_EQ(TextOf("Version", FailureReason::NotNewer, 0, {}),
+            "0 at 9:4 is not newer than any version that the controller could have");
+}
+
 TEST(FailedRequirements, WithoutAVersionDependOnWhatTheControllerCouldReport) {
   const Record hundredths = {
       {"Version", 5}, {"Existing Min Version", 4.5}, {"Existing Max Version", 4.6}};
@@ -249,9 +261,12 @@ TEST(DistanceOf, ThatOfAnotherControllerIsLongerThanThatOfEveryVersion) {
                                                 {"MinBoardRevision", 9}});
   const auto otherPort = With(FittingPersonality, {{"Port Address", 1}});
   EXPECT_EQ(distance(FittingPersonality), Distance());
-  EXPECT_EQ(distance(tooOld), (Distance{0, 4}));
-  EXPECT_EQ(distance(otherPort), (Distance{1, 1}));
+  EXPECT_EQ(distance(tooOld), (Distance{0, 0, 4}));
+  EXPECT_EQ(distance(otherPort), (Distance{0, 1, 1}));
   EXPECT_LT(distance(tooOld), distance(otherPort));
+  const auto never = With(FittingPersonality, {{"Existing Min Version", "1"}});
+  EXPECT_EQ(distance(never), (Distance{1, 0, 1}));
+  EXPECT_LT(distance(otherPort), distance(never));
 }
 
 }  // namespace

@@ -18,9 +18,9 @@ Explanation EveryOutcome() {
                                 FileLocation{3, 1, 0}};
   const ExplainedFailure version = {{&VersionRequirement, FailureReason::NotNewer, 1, 2},
                                     FileLocation{3, 1, 0}};
-  const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {1, 2}, {version, rid}},
+  const std::vector<ExplainedPair> pairs = {{0, PairOutcome::Rejected, {0, 1, 2}, {version, rid}},
                                             {1, PairOutcome::NotAPersonality},
-                                            {2, PairOutcome::Rejected, {1, 1}, {rid}},
+                                            {2, PairOutcome::Rejected, {0, 1, 1}, {rid}},
                                             {3, PairOutcome::Matched},
                                             {4, PairOutcome::NotReached}};
   ExplainedKey key = {.key = "USBC",
@@ -54,7 +54,8 @@ Explanation OneFailure(const Requirement& requirement, std::optional<PropertyVal
   auto explanation = EveryOutcome();
   auto& controller = explanation.keys[0].controllers[0];
   const auto reason = found ? FailureReason::Unequal : FailureReason::HardwareLacksKey;
-  controller.pairs = {{0, PairOutcome::Rejected, {1, 1}, {{{&requirement, reason, 1, found}, {}}}}};
+  controller.pairs = {
+      {0, PairOutcome::Rejected, {0, 1, 1}, {{{&requirement, reason, 1, found}, {}}}}};
   controller.sources = {{requirement.hardwareKey, std::move(sources)}};
   return explanation;
 }

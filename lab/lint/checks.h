@@ -27,6 +27,9 @@ void LintKeys(const LocatedPersonality& personality, ConfigurationFindings& find
 /// and abbreviations do not matter. Prefers keys that the type reads; empty when there is none.
 std::string_view SimilarKey(std::string_view key, TypeSet type);
 
+/// Whether it is the name of a property of controllers in the registry.
+bool IsRegistryProperty(std::string_view key);
+
 /// Values with which nothing matches under their key.
 void LintValues(const LocatedPersonality& personality, ConfigurationFindings& findings);
 

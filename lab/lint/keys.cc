@@ -37,7 +37,11 @@ void LintUnknownKey(const LocatedEntry& entry, TypeSet type,
     return;
   }
   const auto similar = SimilarKey(entry.key, type);
-  if (similar.empty() || std::ranges::find(present, similar) != present.end()) {
+  const bool isMeant = !similar.empty() && std::ranges::find(present, similar) == present.end();
+  if (!isMeant && IsRegistryProperty(entry.key)) {
+    findings.Add(LintRuleOf::SimilarKey, entry.keyOffset,
+                 unread + ", so it constrains nothing; it is the name of a registry property");
+  } else if (!isMeant) {
     findings.Add(LintRuleOf::UnreadKey, entry.keyOffset, unread + ", so it has no effect");
   } else {
     findings.Add(

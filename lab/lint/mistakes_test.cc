@@ -232,6 +232,9 @@ const Named<Row> NvramNames[] = {
 };
 
 const Named<Row> Values[] = {
+    {"PropertyBesideItsKey", {Usbc({{{"Device ID", 2}}}), "similar-key "}},
+    {"PropertyOfNoKey", {Usbc({{{"Depth", 0}}}), "similar-key "}},
+    {"Comment", {Usbc({{{"Comment", "left"}}}), "unread-key "}},
     {"LowerCaseUuid",
      {Usbc({{{"Port UUID", List({"5f1c9a04-7c15-4e0c-9c2f-0a6e3d0b7a00"})}}}), "doubtful-uuid "}},
     {"BracedUuid",
@@ -322,6 +325,16 @@ TEST(SimilarKey, IsTheOneThatIsMeant) {
   for (const auto& [key, meant] : rows) EXPECT_EQ(SimilarKey(key, Types::Thunderbolt), meant);
   EXPECT_EQ(SimilarKey("Vendor ID", Types::LegacyThunderbolt), "Ridge Silicon Vendor ID");
   EXPECT_EQ(SimilarKey("UID", Types::LegacyUsbc), "Ridge UID");
+}
+
+TEST(IsRegistryProperty, IsTrueOfWhatTheToolReadsOfControllers) {
+  for (const auto* key : {"Vendor ID", "Device ID", "Revision ID", "UUID", "UID", "Depth",
+                          "Route String", "ROM Version", "EEPROM Revision"}) {
+    EXPECT_TRUE(IsRegistryProperty(key)) << key;
+  }
+  for (const auto* key : {"", "Comment", "Port UUID", "board-id"}) {
+    EXPECT_FALSE(IsRegistryProperty(key)) << key;
+  }
 }
 
 TEST(SimilarKey, IsNoneForAComment) {

@@ -115,6 +115,13 @@ std::string_view SimilarAmong(std::string_view name, const Words& words, TypeSet
 
 }  // namespace
 
+bool IsRegistryProperty(std::string_view key) {
+  constexpr std::string_view Others[] = {"Depth", "Route String", "EEPROM Revision"};
+  const auto isOf = [&](const Key& known) { return IsPropertyOf(key, known); };
+  return std::ranges::find(Others, key) != std::end(Others) ||
+         (!key.empty() && std::ranges::any_of(KeySchema(), isOf));
+}
+
 std::string_view SimilarKey(std::string_view key, TypeSet type) {
   const auto words = WordsOf(key);
   if (words.empty()) return "";

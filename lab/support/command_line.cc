@@ -24,6 +24,7 @@ CLI::Option* AddTo(CLI::App& app, const Argument& argument, const BoundedNumber&
 CLI::Option* AddTo(CLI::App& app, const Argument& argument, std::vector<std::string>* target) {
   auto* option =
       app.add_option(argument.name, *target, argument.help)->type_name(argument.valueName);
+  if (!argument.choices.empty()) option->check(CLI::IsMember(argument.choices));
   // An option that may be repeated has one value each time.
   if (argument.name.starts_with('-')) return option->allow_extra_args(false);
   return argument.least > 1 ? option->expected(argument.least, -1) : option;

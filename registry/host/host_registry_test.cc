@@ -193,7 +193,10 @@ TEST(HostRegistry, LeavesOutWhatIsVeryDeepInTheDeviceTree) {
 // --- The board of a computer without a device tree
 
 std::optional<PropertyValue> BoardOf(const std::string& files, std::string_view key) {
-  return Host("sys/class/dmi/id/\n" + files).Property(Root, key);
+  Host host("sys/class/dmi/id/\n" + files);
+  const auto value = host.Property(Root, key);
+  if (!value) return std::nullopt;
+  return PropertyValue(Bytes(value->AsData().value()));  // a copy that outlives the registry
 }
 
 TEST(HostRegistry, HasTheBoardOfDmiWhereThereIsNoDeviceTree) {
