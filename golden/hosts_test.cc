@@ -203,9 +203,9 @@ TEST(HostCases, EndAsTheReadmeShows) {
         {"sh", "-c", "PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; exec " + command + " 2>&1"},
         SourceDirectory.string());
     EXPECT_EQ(outcome.status, "13");
-    EXPECT_NE(readme.find("```text\n$ " + command + "\n" + outcome.standardOutput +
-                          "[status 13]\n```\n"),
-              std::string::npos)
+    EXPECT_NE(
+        readme.find("```text\n$ " + command + "\n" + outcome.standardOutput + "[status 13]\n```\n"),
+        std::string::npos)
         << outcome.standardOutput;
   }
 }

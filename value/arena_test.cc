@@ -155,7 +155,7 @@ TEST(Arena, MovedFromOneIsEmptyAndOfUse) {
   Arena arena;
   const auto text = arena.Copy("text");
   const Arena moved = std::move(arena);
-  EXPECT_EQ(arena.Size(), 0u);  // NOLINT(bugprone-use-after-move): that is what is tested
+  EXPECT_EQ(arena.Size(), 0u);           // NOLINT(bugprone-use-after-move): that is what is tested
   const auto another = arena.Copy("2");  // of one byte: not even that is left of the old block
   EXPECT_EQ(text, "text");
   EXPECT_EQ(another, "2");

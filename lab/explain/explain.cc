@@ -21,7 +21,8 @@ namespace {
 constexpr char Description[] =
     "Prints what the tool plans for a recorded computer, or for this one: which personality of a "
     "payload matches which controller and, for every other pair, why not: all requirements that "
-    "fail, near misses first. Where a switch of the computer ends the run, also what happens without it.";
+    "fail, near misses first. Where a switch of the computer ends the run, also what happens "
+    "without it.";
 
 constexpr char Example[] =
     "Example:\n"
