@@ -87,20 +87,20 @@ esac
 
 class MainTest(unittest.TestCase):
     def test_a_subject_that_there_is_not_is_wrong_usage(self):
-        with contextlib.redirect_stderr(io.StringIO()) as told, self.assertRaises(SystemExit) as end:
+        with contextlib.redirect_stderr(io.StringIO()) as printed, self.assertRaises(SystemExit) as end:
             run.main(["/build", "nothing"])
-        self.assertEqual((end.exception.code, told.getvalue()),
+        self.assertEqual((end.exception.code, printed.getvalue()),
                          (64, "bench: there is no subject \"nothing\"; see --help\n"))
 
     def test_what_is_not_built_is_left_out_with_a_word(self):
         with tempfile.TemporaryDirectory() as directory:
             written = pathlib.Path(directory) / "figures.json"
-            with contextlib.redirect_stdout(io.StringIO()) as told, \
+            with contextlib.redirect_stdout(io.StringIO()) as printed, \
                     contextlib.redirect_stderr(io.StringIO()):
                 run.main([directory, "matcher", "--json", str(written)])
             self.assertEqual(json.loads(written.read_text()),
                              {"figures": [], "leftOut": ["matcher (libbenchmark-dev is missing)"]})
-        self.assertTrue(told.getvalue().endswith("left out: matcher (libbenchmark-dev is missing)\n"))
+        self.assertTrue(printed.getvalue().endswith("left out: matcher (libbenchmark-dev is missing)\n"))
 
 
 if __name__ == "__main__":

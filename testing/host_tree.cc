@@ -72,8 +72,8 @@ std::vector<std::string> StepsOf(std::string_view path) {
   return steps;
 }
 
-// Whether the step leads to an entry of a directory and nowhere else. An escape can stand for any
-// byte.
+// Whether the step is the name of an entry of the directory. An escape sequence can be any byte, a
+// slash too.
 bool IsName(const std::string& step) {
   using namespace std::string_view_literals;
   return !step.empty() && step != "." && step != ".." &&

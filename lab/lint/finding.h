@@ -23,7 +23,7 @@ struct Finding {
   std::optional<FileLocation> location;  // nullopt: the file or directory as a whole
   std::string message;                   // one sentence, fit for a terminal
   std::uint64_t fingerprint = 0;         // of its identity
-  std::size_t count = 1;                 // how many violations it stands for
+  std::size_t count = 1;                 // violations
   Severity severity = rule->severity;
 };
 
@@ -33,7 +33,7 @@ using FindingFilter = std::function<bool(const FindingIdentity&)>;
 /// Of a rule no more than this many violations in one file are listed.
 inline constexpr std::size_t MaxListed = 100;
 
-/// The message of a finding that stands for so many violations.
+/// The message of the finding that summarises `count` violations which are not listed.
 std::string MessageOfUnlisted(std::size_t count);
 
 /// What was found in one configuration, by the offsets of its values. Its memory is bounded: of

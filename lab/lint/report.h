@@ -19,7 +19,7 @@ struct LintTotals {
   std::size_t known = 0;  // not reported, because they are in the baseline
 };
 
-/// Counts the violations that a finding stands for.
+/// Adds the number of violations of a finding to the totals of its severity.
 void Count(const Finding& finding, LintTotals& totals);
 
 /// An output format. Nothing is stored: a finding is printed when it is added, and nothing before

@@ -18,8 +18,8 @@
 namespace fernwick::lab {
 namespace {
 
-// The text as a polynomial modulo the prime 2^61-1, at a point that is random in each process, so
-// that nobody can choose paths that collide.
+// A polynomial hash: the text as a polynomial modulo the prime 2^61-1, at a point that is random in
+// each process, so that an input cannot contain paths that were chosen to collide.
 std::uint64_t HashOf(std::string_view file) {
   constexpr std::uint64_t Prime = (std::uint64_t{1} << 61) - 1;
   static const std::uint64_t point = (std::uint64_t{std::random_device()()} << 29 | 0x1234567);
