@@ -78,14 +78,18 @@ def medians(commands, rounds, quantity=lambda spent: spent.wall):
     return [statistics.median(values) for values in taken]
 
 
-def instructions(command):
-    """How many instructions a command executes in user mode, by callgrind. None without valgrind."""
+def instructions(command, standard_input=os.devnull, max_seconds=None):
+    """How many instructions a command executes in user mode, by callgrind. None without valgrind, and
+    where the command takes longer than `max_seconds`."""
     valgrind = shutil.which("valgrind")
     if valgrind is None:
         return None
-    with tempfile.NamedTemporaryFile() as profile:
-        done = subprocess.run(
-            [valgrind, "--tool=callgrind", f"--callgrind-out-file={profile.name}", *command],
-            stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
-    counted = re.search(r"Collected : (\d+)", done.stderr)
+    with tempfile.NamedTemporaryFile() as profile, open(standard_input) as file:
+        try:
+            done = subprocess.run(
+                [valgrind, "--tool=callgrind", f"--callgrind-out-file={profile.name}", *command],
+                stdin=file, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=max_seconds)
+        except subprocess.TimeoutExpired:
+            return None
+    counted = re.search(rb"Collected : (\d+)", done.stderr)
     return int(counted[1]) if counted else None

@@ -18,6 +18,7 @@ import tempfile
 import processes
 import reading
 import samples
+import text_table
 
 WRONG_USAGE = 64
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -238,11 +239,7 @@ HEADINGS = ["WHAT", "MEASURED", "AGAINST", "FIGURE", "TO REACH", ""]
 
 
 def table(rows):
-    lines = [HEADINGS] + [row.cells() for row in rows]
-    widths = [max(len(line[i]) for line in lines) for i in range(len(HEADINGS))]
-    return "".join(
-        "  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() + "\n"
-        for line in lines)
+    return text_table.table([HEADINGS] + [row.cells() for row in rows])
 
 
 class Arguments(argparse.ArgumentParser):

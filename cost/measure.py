@@ -1,4 +1,4 @@
-"""Measures one run of a command: its peak memory, its output and, with valgrind, its instructions.
+"""Measures one run of a command: its peak memory, its seconds and its output.
 
 Started as a process of its own, it is small, so that the peak of the command that it starts is the
 command's own: a process counts the memory of the one that started it.
@@ -6,10 +6,7 @@ command's own: a process counts the memory of the one that started it.
 
 import json
 import os
-import pathlib
-import re
 import resource
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -42,25 +39,6 @@ def _run(request):
         return {"status": os.waitstatus_to_exitcode(status), "peak": usage.ru_maxrss * 1024,
                 "seconds": usage.ru_utime + usage.ru_stime,
                 "printed": os.fstat(output.fileno()).st_size}
-
-
-def instructions(words, standard_input):
-    """How many instructions the words execute in user mode, by callgrind. None without valgrind, and
-    where the run does not end."""
-    valgrind = shutil.which("valgrind")
-    if valgrind is None:
-        return None
-    with tempfile.TemporaryDirectory() as directory, open(standard_input or os.devnull) as file:
-        profile = pathlib.Path(directory) / "profile"
-        try:
-            done = subprocess.run(
-                [valgrind, "--tool=callgrind", f"--callgrind-out-file={profile}", *words],
-                stdin=file, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
-                timeout=3 * MAX_SECONDS)
-        except subprocess.TimeoutExpired:
-            return None
-    counted = re.search(rb"Collected : (\d+)", done.stderr)
-    return int(counted[1]) if counted else None
 
 
 if __name__ == "__main__":

@@ -10,6 +10,7 @@ input. What exceeds that is marked, and makes the status 1.
 import argparse
 import dataclasses
 import math
+import os
 import pathlib
 import sys
 import tempfile
@@ -17,6 +18,10 @@ import tempfile
 import commands
 import inputs
 import measure
+
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "bench"))
+import processes  # noqa: E402
+import text_table  # noqa: E402
 
 WRONG_USAGE = 64
 FIXED_MEMORY = 64_000_000
@@ -90,11 +95,8 @@ HEADINGS = ["INPUT", "COMMAND", "BYTES", "STATUS", "INSTR/BYTE", "GROWTH", "SECO
             "PEAK/BYTE", "PRINTED MB", ""]
 
 
-def table(rows):
-    lines = [HEADINGS] + [row.cells() for row in rows]
-    widths = [max(len(line[i]) for line in lines) for i in range(len(HEADINGS))]
-    return "".join("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() + "\n"
-                   for line in lines)
+def count_instructions(words, standard_input):
+    return processes.instructions(words, standard_input or os.devnull, 3 * measure.MAX_SECONDS)
 
 
 def measure_run(lab, name, directory, counts):
@@ -105,7 +107,7 @@ def measure_run(lab, name, directory, counts):
                          4 * (FIXED_MEMORY + MEMORY_PER_BYTE * size))
     run = Run(size, **found)
     if counts and run.status >= 0:
-        run.instructions = measure.instructions(words, command.standard_input)
+        run.instructions = count_instructions(words, command.standard_input)
     for written in directory.glob("out*"):
         written.unlink()
     return run
@@ -163,7 +165,7 @@ def main(arguments):
             print(f"{family.name}: {', '.join(commands.names_of(family))}")
         return 0
     lab = options.build.resolve() / "fernwick-lab"
-    start = None if options.memory else measure.instructions([lab, "--version"], None)
+    start = None if options.memory else count_instructions([lab, "--version"], None)
     if start is None and not options.memory:
         print("cost: without valgrind no instructions are counted", file=sys.stderr)
     size = options.size or (SHORT_SIZE if options.short else SIZE)
@@ -172,7 +174,7 @@ def main(arguments):
         print(f"cost: measuring {family.name}", file=sys.stderr)
         counts = start is not None and not (options.short and number % SHORT_COUNTS)
         rows += measure_family(lab, family, names, size, counts, start or 0)
-    print(table(rows), end="")
+    print(text_table.table([HEADINGS] + [row.cells() for row in rows]), end="")
     found = [row for row in rows if row.findings()]
     print(f"{len(rows)} measured, {len(found)} cost more than their input")
     return 1 if found else 0

@@ -1,0 +1,9 @@
+"""Tables for people."""
+
+
+def table(rows):
+    """The rows, lists of equally many cells, as aligned lines."""
+    widths = [max(map(len, column)) for column in zip(*rows)]
+    return "".join(
+        "  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip() + "\n"
+        for row in rows)
