@@ -3,25 +3,15 @@
 #include <syslog.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+
+#include "platform/file_system.h"
 
 namespace fernwick {
 namespace {
 
 constexpr std::size_t LargeBuffer = std::size_t{1} << 16;
-
-// Writes all of the text. Returns 0 or the error number.
-int WriteAll(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = write(file, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return errno;
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return 0;
-}
 
 }  // namespace
 
@@ -51,12 +41,12 @@ void Console::Flush() {
 }
 
 int ProcessConsole::Send(std::string_view text) {
-  return WriteAll(STDOUT_FILENO, text);
+  return WriteWhole(STDOUT_FILENO, text);
 }
 
 // A failure to write standard error is ignored: there is nowhere to report it.
 void ProcessConsole::WriteError(std::string_view text) {
-  WriteAll(STDERR_FILENO, text);
+  WriteWhole(STDERR_FILENO, text);
 }
 
 void ProcessConsole::Log(const std::string& message) {

@@ -72,13 +72,28 @@ Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize) 
 }
 
 Result<std::string> ReadRegularFile(int file, std::size_t maxSize) {
+  const auto size = RegularFileSize(file);
+  if (!size) return size.Error();
+  if (*size > maxSize) return TooLarge(maxSize);
+  return ReadToEnd(file, *size, maxSize);
+}
+
+Result<std::size_t> RegularFileSize(int file) {
   struct stat status;
   if (fstat(file, &status) != 0) return SystemError();
   if (S_ISDIR(status.st_mode)) return Error{std::strerror(EISDIR)};
   if (!S_ISREG(status.st_mode)) return Error{"not a regular file"};
-  const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > maxSize) return TooLarge(maxSize);
-  return ReadToEnd(file, size, maxSize);
+  return static_cast<std::size_t>(status.st_size);
+}
+
+int WriteWhole(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
 }
 
 std::string AppendPathComponent(std::string_view path, std::string_view component) {

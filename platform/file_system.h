@@ -37,6 +37,13 @@ Result<std::string> ReadWholeFile(const std::string& path, std::size_t maxSize =
 /// without an end.
 Result<std::string> ReadRegularFile(int file, std::size_t maxSize);
 
+/// The size in bytes of an open file. Anything but a regular file is an error.
+Result<std::size_t> RegularFileSize(int file);
+
+/// Writes all of the bytes to an open file, in as many calls as needed. Returns 0, or the errno of
+/// the call that failed.
+int WriteWhole(int file, std::string_view bytes);
+
 /// Flags of open(2) to read what may be any kind of file: it does not wait, as for the writer of a
 /// FIFO, and a terminal does not become that of the process.
 extern const int CautiousReading;

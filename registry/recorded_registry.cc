@@ -1,5 +1,7 @@
 #include "registry/recorded_registry.h"
 
+#include "registry/path_lookup.h"
+
 namespace fernwick {
 namespace {
 
@@ -33,27 +35,20 @@ RecordedRegistry::Iterator* RecordedRegistry::IteratorOf(RegistryEntry handle) {
 }
 
 RegistryEntry RecordedRegistry::LookupEntryByPath(std::string_view path) {
-  const std::size_t colon = path.find(':');
-  if (colon == std::string_view::npos) return 0;
-  const auto* plane = PlaneOf(path.substr(0, colon));
-  path.remove_prefix(colon + 1);
-  if (plane == nullptr || !path.starts_with('/')) return 0;
-  RegistryEntry entry = plane->root;
-  if (path == "/") return entry;
-  while (entry != 0 && !path.empty()) {
-    path.remove_prefix(1);  // the "/" before the step
-    const auto step = path.substr(0, path.find('/'));
-    entry = ChildNamed(*plane, entry, step);
-    path.remove_prefix(step.size());
-  }
-  return entry;
+  const RecordedPlane* plane = nullptr;
+  const auto rootOf = [&](std::string_view name) {
+    plane = PlaneOf(name);
+    return plane == nullptr ? RegistryEntry{0} : plane->root;
+  };
+  return LookupByPath(path, rootOf, [&](RegistryEntry parent, std::string_view name) {
+    return ChildNamed(*plane, parent, name);
+  });
 }
 
-// The first child of that name. An empty step names nothing, not even a root without name that a
-// link puts below another plane's root.
+// The first child of that name. A root without name that a link puts below another plane's root is
+// never found, as no step of a path is empty.
 RegistryEntry RecordedRegistry::ChildNamed(const RecordedPlane& plane, RegistryEntry parent,
                                            std::string_view name) const {
-  if (name.empty()) return 0;
   for (const RegistryEntry child : plane.placements.at(parent).children) {
     if (EntryOf(child)->name == name) return child;
   }

@@ -107,9 +107,14 @@ ExplainFilter FilterOf(const ExplainArguments& arguments) {
   return filter;
 }
 
+// What the run does, without the switch that ends it.
+const Explanation& DecisionOf(const Explanation& explanation) {
+  return explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+}
+
 // Whether a controller was wanted and configurations were matched, but none has the controller.
 bool LacksController(const Explanation& explanation, const ExplainFilter& filter) {
-  const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+  const auto& explained = DecisionOf(explanation);
   return !filter.controller.empty() && !explained.keys.empty() &&
          std::ranges::none_of(explained.keys, &ExplainedKey::isSelected);
 }
@@ -120,7 +125,7 @@ int Print(const Explanation& explanation, bool asJson) {
   asJson ? PrintExplanationJson(explanation, print)
          : PrintExplanationText(explanation, ShowsEmphasis(), print);
   const int status = FinishOutput(console);
-  const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+  const auto& explained = DecisionOf(explanation);
   if (status != LabStatus::Done || !explained.configurationError) return status;
   return PrintError(*explained.configurationPath, *explained.configurationError);
 }

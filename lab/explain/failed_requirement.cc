@@ -71,23 +71,6 @@ struct FailureWording {
   }
 };
 
-// The limits of the installed version; null: none that could be compared.
-struct Window {
-  const PropertyValue* offered = nullptr;
-  const PropertyValue* minimum = nullptr;
-  const PropertyValue* maximum = nullptr;
-};
-
-// Whether a controller could report a version within the window: the lowest one from the minimum on
-// decides, for each kind of version.
-bool IsPossible(const Window& window, VersionScales scales) {
-  const auto versions = LowestInstalledVersions(scales, window.minimum);
-  return std::ranges::any_of(versions, [&](const PropertyValue& version) {
-    return (window.offered == nullptr || NumberGreater(*window.offered, version)) &&
-           (window.maximum == nullptr || !NumberLess(*window.maximum, version));
-  });
-}
-
 // Null where it is absent, of another kind or NaN, which excludes nothing.
 const PropertyValue* ComparableNumber(Dictionary personality, std::string_view key) {
   const auto* value = personality.Find(key);
@@ -96,11 +79,11 @@ const PropertyValue* ComparableNumber(Dictionary personality, std::string_view k
 
 // The limits of a personality. One that alone excludes every version is a failure of its own and
 // not among them.
-Window WindowOf(Dictionary personality, VersionScales scales) {
-  Window window;
+VersionWindow WindowOf(Dictionary personality, VersionScales scales) {
+  VersionWindow window;
   const auto add = [&](const PropertyValue*& limit, std::string_view key) {
     limit = ComparableNumber(personality, key);
-    if (!IsPossible(window, scales)) limit = nullptr;
+    if (!window.ContainsAny(scales)) limit = nullptr;
   };
   add(window.offered, "Version");
   add(window.minimum, "Existing Min Version");
@@ -116,7 +99,7 @@ VersionScales ScalesOf(TypeSet type, Dictionary hardware) {
 }
 
 // The limit of the installed version that the requirement compares; null: it compares none.
-const PropertyValue* LimitOf(const Window& window, RequirementTest test) {
+const PropertyValue* LimitOf(const VersionWindow& window, RequirementTest test) {
   switch (test) {
     case RequirementTest::NewerVersion: return window.offered;
     case RequirementTest::MinVersion: return window.minimum;

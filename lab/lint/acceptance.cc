@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 #include "lab/lint/finding.h"
@@ -17,11 +16,6 @@ namespace {
 // Whether a controller that has the single value itself meets the requirement.
 bool IsAcceptedAlone(const PropertyValue& wanted, const Requirement& requirement) {
   return !RequirementSetMatch(requirement, &wanted, &wanted).failure;
-}
-
-bool IsWhole(const PropertyValue& number) {
-  const auto real = number.AsReal();
-  return !real || std::trunc(*real) == *real;
 }
 
 bool IsWithin(const PropertyValue& number, const IntegerRange& range) {
@@ -49,30 +43,18 @@ std::vector<const PropertyValue*> ValuesAcceptedBy(const PropertyValue& wanted,
   return values;
 }
 
-const PropertyValue* ValueOf(const LocatedPersonality& personality, std::string_view key) {
-  const auto* entry = personality.Find(key);
-  return entry == nullptr ? nullptr : entry->value;
-}
-
 // Null as well for NaN, which excludes nothing.
 const PropertyValue* BoundOf(const LocatedPersonality& personality, std::string_view key) {
-  const auto* bound = ValueOf(personality, key);
+  const auto* bound = personality.Value(key);
   const bool isNan = bound != nullptr && bound->IsNumber() && !NumbersEqual(*bound, *bound);
   return isNan ? nullptr : bound;
 }
 
-bool IsVersionAccepted(const Acceptance& acceptance, const PropertyValue& installed) {
-  return acceptance.version != nullptr && NumberGreater(*acceptance.version, installed) &&
-         (acceptance.maximum == nullptr || !NumberLess(*acceptance.maximum, installed));
-}
-
-bool AcceptsAnyVersion(const Acceptance& acceptance) {
-  for (const auto* bound : {acceptance.minimum, acceptance.maximum}) {
+bool AcceptsAnyVersion(const VersionWindow& window, VersionScales scales) {
+  for (const auto* bound : {window.minimum, window.maximum}) {
     if (bound != nullptr && !bound->IsNumber()) return false;
   }
-  const auto versions = LowestInstalledVersions(acceptance.scales, acceptance.minimum);
-  return std::ranges::any_of(versions,
-                             [&](const auto& v) { return IsVersionAccepted(acceptance, v); });
+  return window.offered != nullptr && window.ContainsAny(scales);
 }
 
 bool AcceptsAnyValue(const std::vector<const PropertyValue*>& values, const Key& key,
@@ -87,7 +69,7 @@ const ValueSet* SetUnder(const Key& key, const LocatedPersonality& personality, 
                          bool& acceptsAny) {
   const auto* requirement = FindSetRequirement(personality.type, key.name);
   if (requirement == nullptr) return nullptr;
-  const auto* wanted = ValueOf(personality, key.name);
+  const auto* wanted = personality.Value(key.name);
   if (wanted == nullptr) {
     acceptsAny = acceptsAny && requirement->presence == KeyPresence::OptionalKey;
     return nullptr;
@@ -162,15 +144,15 @@ const ValueSet* ValueSets::SetOf(const std::vector<const PropertyValue*>& values
 
 Acceptance AcceptanceOf(const LocatedPersonality& personality, ValueSets& sets) {
   Acceptance acceptance;
-  acceptance.version = ValueOf(personality, "Version");
-  acceptance.minimum = BoundOf(personality, "Existing Min Version");
-  acceptance.maximum = BoundOf(personality, "Existing Max Version");
+  acceptance.window = {personality.Value("Version"), BoundOf(personality, "Existing Min Version"),
+                       BoundOf(personality, "Existing Max Version")};
   if ((FindPersonalityKey("MinBoardRevision")->checkedBy & personality.type) != 0) {
-    acceptance.revisions = RevisionsWithin(ValueOf(personality, "MinBoardRevision"),
-                                           ValueOf(personality, "MaxBoardRevision"));
+    acceptance.revisions = RevisionsWithin(personality.Value("MinBoardRevision"),
+                                           personality.Value("MaxBoardRevision"));
   }
-  acceptance.scales = VersionScalesOf(personality.type, ValueOf(personality, "Port Address"));
-  acceptance.acceptsAny = !acceptance.revisions.IsEmpty() && AcceptsAnyVersion(acceptance) &&
+  acceptance.scales = VersionScalesOf(personality.type, personality.Value("Port Address"));
+  acceptance.acceptsAny = !acceptance.revisions.IsEmpty() &&
+                          AcceptsAnyVersion(acceptance.window, acceptance.scales) &&
                           !RidContradictsUid(personality);
   for (const auto* key : SetKeys()) {
     if (!acceptance.acceptsAny) break;
@@ -181,13 +163,13 @@ Acceptance AcceptanceOf(const LocatedPersonality& personality, ValueSets& sets) 
 }
 
 bool CoversWindow(const Acceptance& wide, const Acceptance& narrow) {
-  if (NumberLess(*wide.version, *narrow.version)) return false;
-  if (wide.minimum != nullptr &&
-      (narrow.minimum == nullptr || NumberGreater(*wide.minimum, *narrow.minimum))) {
+  const auto& a = wide.window;
+  const auto& b = narrow.window;
+  if (NumberLess(*a.offered, *b.offered)) return false;
+  if (a.minimum != nullptr && (b.minimum == nullptr || NumberGreater(*a.minimum, *b.minimum))) {
     return false;
   }
-  if (wide.maximum != nullptr &&
-      (narrow.maximum == nullptr || NumberLess(*wide.maximum, *narrow.maximum))) {
+  if (a.maximum != nullptr && (b.maximum == nullptr || NumberLess(*a.maximum, *b.maximum))) {
     return false;
   }
   return wide.revisions.lowest <= narrow.revisions.lowest &&

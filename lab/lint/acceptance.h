@@ -57,9 +57,7 @@ class ValueSets {
 
 /// What a controller, and the computer, must be for a personality to match.
 struct Acceptance {
-  const PropertyValue* version = nullptr;  // the image's
-  const PropertyValue* minimum = nullptr;  // of the installed version; null without a limit, as is
-  const PropertyValue* maximum = nullptr;  // NaN
+  VersionWindow window;  // of the installed version, always with the image's version
   VersionScales scales;
   RevisionRange revisions;
   std::vector<const ValueSet*> sets;  // by SetKeys; null: no constraint

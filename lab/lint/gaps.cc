@@ -4,13 +4,11 @@
 // begins.
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
 #include <span>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "lab/lint/comparisons.h"
@@ -43,8 +41,7 @@ void LintRevisions(const LintSubject& subject, Line line, ConfigurationFindings&
 }
 
 bool HasFraction(const PropertyValue* number) {
-  const auto real = number == nullptr ? std::nullopt : number->AsReal();
-  return real && std::trunc(*real) != *real;
+  return number != nullptr && !IsWhole(*number);
 }
 
 // The one scale of the windows of a line.
@@ -53,18 +50,17 @@ VersionScales ScaleOf(const Line& line) {
   const bool isRidge =
       (line.front()->personality->type & (Types::LegacyThunderbolt | Types::Thunderbolt)) != 0;
   const bool hasFractions = std::ranges::any_of(line, [](const LivePersonality* live) {
-    const auto& [version, minimum, maximum] =
-        std::tie(live->acceptance.version, live->acceptance.minimum, live->acceptance.maximum);
-    return HasFraction(version) || HasFraction(minimum) || HasFraction(maximum);
+    const auto& [offered, minimum, maximum] = live->acceptance.window;
+    return HasFraction(offered) || HasFraction(minimum) || HasFraction(maximum);
   });
   const bool isThunderbolt = isRidge || (hasFractions && scales.thunderbolt);
   return {.thunderbolt = isThunderbolt, .port = !isThunderbolt};
 }
 
 bool BeginsBefore(const LivePersonality* a, const LivePersonality* b) {
-  const auto* beginOfB = b->acceptance.minimum;
+  const auto* beginOfB = b->acceptance.window.minimum;
   if (beginOfB == nullptr) return false;
-  const auto* beginOfA = a->acceptance.minimum;
+  const auto* beginOfA = a->acceptance.window.minimum;
   return beginOfA == nullptr || NumberLess(*beginOfA, *beginOfB);
 }
 
@@ -80,8 +76,8 @@ std::vector<Step> StepsOf(Line line) {
   const auto scale = ScaleOf(line);
   std::vector<Step> steps;
   for (const auto* live : line) {
-    const auto& window = live->acceptance;
-    steps.push_back({live, LowestVersionAfter(scale, *window.version, window.maximum)});
+    const auto& window = live->acceptance.window;
+    steps.push_back({live, LowestVersionAfter(scale, *window.offered, window.maximum)});
   }
   return steps;
 }
@@ -94,7 +90,7 @@ void FindGaps(const std::vector<Step>& steps, int revision, Gaps& gaps) {
   for (const auto& [live, next] : steps) {
     const auto& [lowest, highest] = live->acceptance.revisions;
     if (revision < lowest || revision > highest) continue;
-    const auto* minimum = live->acceptance.minimum;
+    const auto* minimum = live->acceptance.window.minimum;
     if (end && minimum != nullptr && NumberGreater(*minimum, *end)) gaps.emplace(live, *end);
     if (!next) return;
     if (!end || NumberGreater(*next, *end)) end = next;

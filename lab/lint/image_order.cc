@@ -30,8 +30,7 @@ struct Group {
 using GroupId = std::tuple<TypeSet, std::size_t, std::vector<const ValueSet*>>;
 
 std::string_view ImageOf(const LivePersonality& live) {
-  const auto* firmware = live.personality->Find("Firmware");
-  return TextOf(firmware == nullptr ? nullptr : firmware->value).value_or("");
+  return TextOf(live.personality->Value("Firmware")).value_or("");
 }
 
 bool AreNested(const ValueSet& a, const ValueSet& b) {

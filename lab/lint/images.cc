@@ -47,7 +47,7 @@ class ImageLinter {
 
   void Lint(const LocatedPersonality& personality) {
     const auto* firmware = personality.Find("Firmware");
-    const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value).value_or("");
+    const auto image = TextOf(personality.Value("Firmware")).value_or("");
     if (!image.empty()) return LintImage(image, firmware->valueOffset);
     std::string what = "an empty \"Firmware\"";
     if (firmware == nullptr) what = "no \"Firmware\"";
@@ -61,9 +61,8 @@ class ImageLinter {
 
   // One image is of one version.
   void LintVersion(const LocatedPersonality& personality) {
-    const auto* firmware = personality.Find("Firmware");
     const auto* version = personality.Find("Version");
-    const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value);
+    const auto image = TextOf(personality.Value("Firmware"));
     if (!image || image->empty() || version == nullptr || !version->value->IsNumber()) return;
     const auto [first, isNew] = versions_.emplace(Normalised(*image).value_or(""), version->value);
     if (isNew || NumbersEqual(*first->second, *version->value)) return;
@@ -157,8 +156,7 @@ std::vector<std::string> UnusedFiles(const LintSubject& subject,
   std::set<std::string> used = {"Config.plist"};
   for (const auto& type : subject.types) {
     for (const auto& personality : type.personalities) {
-      const auto* firmware = personality.Find("Firmware");
-      const auto image = TextOf(firmware == nullptr ? nullptr : firmware->value);
+      const auto image = TextOf(personality.Value("Firmware"));
       if (auto path = image ? Normalised(*image) : std::nullopt) used.insert(*std::move(path));
     }
   }

@@ -140,14 +140,6 @@ int Load(const LintOptions& options, LintPolicy& policy, Baseline& baseline) {
   return fault ? PrintError(*options.baseline, *fault) : LabStatus::Done;
 }
 
-int Save(const Baseline& baseline, const std::string& path) {
-  const auto error = WriteOutputFile(path, baseline.Text());
-  if (!error.empty()) return PrintError(path, {{error}, LabStatus::OutputLost});
-  const auto saved = Counted(baseline.Found(), "finding", "findings") + " saved\n";
-  ProcessConsole().WriteError(PrintableText(path) + ": " + saved);
-  return LabStatus::Done;
-}
-
 int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline) {
   ProcessConsole console;
   const auto format = MakeFormat(options.format, console);
@@ -172,7 +164,8 @@ int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline
   format->Finish(totals);
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (options.updatesBaseline) {
-    const int lost = Save(baseline, *options.baseline);
+    const int lost = SaveFile(*options.baseline, baseline.Text(),
+                              Counted(baseline.Found(), "finding", "findings"));
     if (lost != LabStatus::Done) return lost;
   }
   if (linting.status != LabStatus::Done) return linting.status;

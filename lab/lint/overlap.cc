@@ -21,25 +21,6 @@ bool RevisionsMeet(const Acceptance& a, const Acceptance& b) {
          std::min(a.revisions.highest, b.revisions.highest);
 }
 
-bool IsInside(const PropertyValue& installed, const Acceptance& window) {
-  return NumberGreater(*window.version, installed) &&
-         (window.maximum == nullptr || !NumberLess(*window.maximum, installed));
-}
-
-// The greater one; null when both are.
-const PropertyValue* GreaterOf(const PropertyValue* a, const PropertyValue* b) {
-  if (a == nullptr || b == nullptr) return a == nullptr ? b : a;
-  return NumberGreater(*a, *b) ? a : b;
-}
-
-bool WindowsMeet(const Acceptance& a, const Acceptance& b) {
-  const auto* minimum = GreaterOf(a.minimum, b.minimum);
-  if (minimum != nullptr && !(IsInside(*minimum, a) && IsInside(*minimum, b))) return false;
-  const auto versions = LowestInstalledVersions(a.scales & b.scales, minimum);
-  return std::ranges::any_of(versions,
-                             [&](const auto& v) { return IsInside(v, a) && IsInside(v, b); });
-}
-
 TypeSet PartnerOf(TypeSet type) {
   switch (type) {
     case Types::LegacyThunderbolt: return Types::Thunderbolt;
@@ -56,7 +37,7 @@ bool Overlap(const Acceptance& a, const Acceptance& b) {
   for (std::size_t i = 0; i < a.sets.size(); ++i) {
     if (AreDisjoint(a.sets[i], b.sets[i])) return false;
   }
-  return WindowsMeet(a, b);
+  return Intersection(a.window, b.window).ContainsAny(a.scales & b.scales);
 }
 
 bool CanMatchTogether(const LivePersonality& a, const LivePersonality& b) {

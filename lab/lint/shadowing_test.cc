@@ -277,9 +277,9 @@ bool Applies(TypeSet type, Dictionary personality, const HardwareRecord& control
 // A controller that the personality accepts by what is known of it.
 HardwareRecord Witness(const Acceptance& acceptance, const ValueSets& sets, TypeSet type) {
   HardwareRecord controller;
-  for (const auto& version : LowestInstalledVersions(acceptance.scales, acceptance.minimum)) {
-    if (acceptance.maximum != nullptr && NumberLess(*acceptance.maximum, version)) continue;
-    if (NumberGreater(*acceptance.version, version)) controller.Set("Version", version);
+  for (const auto& version :
+       LowestInstalledVersions(acceptance.scales, acceptance.window.minimum)) {
+    if (acceptance.window.Contains(version)) controller.Set("Version", version);
   }
   for (std::size_t i = 0; i < SetKeys().size(); ++i) {
     if (acceptance.sets[i] == nullptr) continue;

@@ -74,6 +74,11 @@ const LocatedEntry* LocatedPersonality::Find(std::string_view key) const {
   return entry == entries.end() ? nullptr : &*entry;
 }
 
+const PropertyValue* LocatedPersonality::Value(std::string_view key) const {
+  const auto* entry = Find(key);
+  return entry == nullptr ? nullptr : entry->value;
+}
+
 LintSubject::LintSubject(const ConfigurationFile& configuration) : file(configuration) {
   const auto top = file.Value().AsDictionary();
   if (!top) return;

@@ -37,6 +37,9 @@ struct LocatedPersonality {
 
   /// Null when the personality has no such key.
   const LocatedEntry* Find(std::string_view key) const;
+
+  /// The value under the key; null when the personality has no such key.
+  const PropertyValue* Value(std::string_view key) const;
 };
 
 /// A key at the top of a configuration that names a type.

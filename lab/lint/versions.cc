@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cmath>
 #include <optional>
 
 #include "lab/lint/checks.h"
@@ -10,48 +8,21 @@
 namespace fernwick::lab {
 namespace {
 
-// Versions are a hundredth apart: a maximum that misses one by less does not mean to.
-constexpr double JustMissed = 0.00001;
-
 // The version and the bounds of a personality; null where there is none that can be compared.
-struct Window {
+struct LocatedWindow {
   const LocatedEntry* version;
   const LocatedEntry* minimum;
   const LocatedEntry* maximum;
+
+  VersionWindow Values() const {
+    const auto valueOf = [](const LocatedEntry* entry) {
+      return entry == nullptr ? nullptr : entry->value;
+    };
+    return {valueOf(version), valueOf(minimum), valueOf(maximum)};
+  }
 };
 
-const PropertyValue* ValueOf(const LocatedEntry* entry) {
-  return entry == nullptr ? nullptr : entry->value;
-}
-
-// Whether the installed version is within the window.
-bool IsInside(const PropertyValue& installed, const Window& window) {
-  const auto* version = ValueOf(window.version);
-  const auto* minimum = ValueOf(window.minimum);
-  const auto* maximum = ValueOf(window.maximum);
-  return (version == nullptr || NumberGreater(*version, installed)) &&
-         (minimum == nullptr || !NumberGreater(*minimum, installed)) &&
-         (maximum == nullptr || !NumberLess(*maximum, installed));
-}
-
-bool IsEmpty(const Window& window, VersionScales scales) {
-  const auto lowest = LowestInstalledVersions(scales, ValueOf(window.minimum));
-  return std::ranges::none_of(lowest, [&](const auto& v) { return IsInside(v, window); });
-}
-
-bool IsWhole(const PropertyValue& number) {
-  const auto real = number.AsReal();
-  return !real || std::trunc(*real) == *real;
-}
-
-// The version of a Thunderbolt controller that a maximum leaves out by next to nothing.
-std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum) {
-  auto next = NextThunderboltVersion(maximum);
-  if (next && NumberGreater(*next->AsReal() - JustMissed, maximum)) return std::nullopt;
-  return next;
-}
-
-void LintMaximum(const Window& window, TypeSet type, VersionScales scales,
+void LintMaximum(const LocatedWindow& window, TypeSet type, VersionScales scales,
                  ConfigurationFindings& findings) {
   // A whole number may be the version of a port itself, which is a whole number and is not
   // excluded.
@@ -59,7 +30,10 @@ void LintMaximum(const Window& window, TypeSet type, VersionScales scales,
   if (!scales.thunderbolt) return;
   if (!hasThunderboltVersion && IsWhole(*window.maximum->value)) return;
   const auto missed = VersionJustAbove(*window.maximum->value);
-  if (!missed || !IsInside(*missed, {window.version, window.minimum, nullptr})) return;
+  if (!missed ||
+      !LocatedWindow{window.version, window.minimum, nullptr}.Values().Contains(*missed)) {
+    return;
+  }
   findings.Add(
       LintRuleOf::MaximumJustMissed, window.maximum->valueOffset,
       "\"Existing Max Version\" " + Shown(*window.maximum->value) +
@@ -67,7 +41,7 @@ void LintMaximum(const Window& window, TypeSet type, VersionScales scales,
           Shown(*missed));
 }
 
-void LintWindow(const Window& window, TypeSet type, VersionScales scales,
+void LintWindow(const LocatedWindow& window, TypeSet type, VersionScales scales,
                 ConfigurationFindings& findings) {
   const auto& [version, minimum, maximum] = window;
   if (minimum != nullptr && maximum != nullptr && NumberGreater(*minimum->value, *maximum->value)) {
@@ -79,7 +53,7 @@ void LintWindow(const Window& window, TypeSet type, VersionScales scales,
     findings.Add(LintRuleOf::VersionNotAboveMinimum, version->valueOffset,
                  "\"Version\" " + Shown(*version->value) +
                      " is not above \"Existing Min Version\" " + Shown(*minimum->value));
-  } else if (IsEmpty(window, scales)) {
+  } else if (!window.Values().ContainsAny(scales)) {
     const auto* location = maximum != nullptr ? maximum : version;
     findings.Add(LintRuleOf::EmptyVersionWindow, location->valueOffset,
                  scales.thunderbolt
@@ -101,7 +75,7 @@ const LocatedEntry* WithoutNan(const LocatedEntry* bound) {
 }
 
 VersionScales ScalesOf(const LocatedPersonality& personality) {
-  return VersionScalesOf(personality.type, ValueOf(personality.Find("Port Address")));
+  return VersionScalesOf(personality.type, personality.Value("Port Address"));
 }
 
 void LintRevisionBound(const LocatedEntry* bound, ConfigurationFindings& findings) {
@@ -121,7 +95,7 @@ void LintVersions(const LocatedPersonality& personality, ConfigurationFindings& 
   // Another rule reports values of a wrong kind.
   if (IsBadBound(minimum) || IsBadBound(maximum)) return;
   if (IsBadBound(version)) version = nullptr;
-  const Window window = {version, WithoutNan(minimum), WithoutNan(maximum)};
+  const LocatedWindow window = {version, WithoutNan(minimum), WithoutNan(maximum)};
   if (version == nullptr && window.minimum == nullptr && window.maximum == nullptr) return;
   LintWindow(window, personality.type, ScalesOf(personality), findings);
 }
@@ -143,7 +117,8 @@ void LintBoardRevisions(const LocatedPersonality& personality, ConfigurationFind
   const auto* minimum = personality.Find("MinBoardRevision");
   const auto* maximum = personality.Find("MaxBoardRevision");
   if (IsBadBound(minimum) || IsBadBound(maximum)) return;
-  if (RevisionsWithin(ValueOf(minimum), ValueOf(maximum)).IsEmpty()) {
+  if (RevisionsWithin(personality.Value("MinBoardRevision"), personality.Value("MaxBoardRevision"))
+          .IsEmpty()) {
     findings.Add(LintRuleOf::EmptyBoardRevisionRange,
                  (maximum != nullptr ? maximum : minimum)->valueOffset,
                  "no board revision, 0 to 255, is within the bounds of this personality");

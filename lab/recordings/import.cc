@@ -144,10 +144,6 @@ int ImportPlanes(const ImportArguments& arguments, const std::vector<PlaneArgume
     return PrintError(InputName(*arguments.classes),
                       {recording.Error(), LabStatus::MalformedInput});
   }
-  if (!CanBeRead(recording->list.value, Serialisation::Xml)) {
-    return PrintError(arguments.out, {{"it would be larger than 1 GiB, which cannot be read"},
-                                      LabStatus::OutputLost});
-  }
   return WritePropertyList(arguments.out, recording->list.value, Serialisation::Xml,
                            arguments.force ? IfExists::Replace : IfExists::Refuse);
 }

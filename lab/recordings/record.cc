@@ -56,10 +56,6 @@ VerbEnd RecordVerb(int argumentCount, char* const arguments[]) {
   const auto recorded = recordsAll ? RecordedProperties::All : RecordedProperties::ThoseOfTheTool;
   const auto list = RecordHost(registry, recorded);
   const auto serialisation = form == "binary" ? Serialisation::Binary : Serialisation::Xml;
-  if (!CanBeRead(list.value, serialisation)) {
-    return PrintError(
-        out, {{"it would be larger than 1 GiB, which cannot be read"}, LabStatus::OutputLost});
-  }
   return WritePropertyList(out, list.value, serialisation, ifExists);
 }
 

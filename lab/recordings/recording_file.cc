@@ -82,12 +82,6 @@ int WritePropertyList(const std::string& out, const PropertyValue& value, Serial
   return PrintError(out, {{error}, LabStatus::OutputLost});
 }
 
-bool CanBeRead(const PropertyValue& value, Serialisation form) {
-  std::size_t size = 0;
-  Write(value, form, [&](std::string_view text) { size += text.size(); });
-  return size <= MaxFileSize;
-}
-
 int CheckOutput(const std::string& out, IfExists ifExists) {
   if (out == "-" || ifExists == IfExists::Replace) return LabStatus::Done;
   const auto error = ExistingOutputError(out);

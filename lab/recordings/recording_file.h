@@ -42,12 +42,10 @@ Result<Recording, LabError> LoadComputer(const ComputerOperand& computer);
 
 /// Writes a property list, in XML with a newline at the end or in binary, to the file `out`,
 /// completely or not at all, or to standard output where `out` is "-". Returns the exit status:
-/// LabStatus::Done, or OutputLost after a line on standard error.
+/// LabStatus::Done, or OutputLost after a line on standard error, as when it would be larger than a
+/// file that can be read again.
 int WritePropertyList(const std::string& out, const PropertyValue& value, Serialisation form,
                       IfExists ifExists);
-
-/// Whether WritePropertyList writes no more than a file may have to be read again.
-bool CanBeRead(const PropertyValue& value, Serialisation form);
 
 /// Prints an error and returns LabStatus::OutputLost when WritePropertyList would refuse to replace
 /// what is at `out`, before any work is done; otherwise LabStatus::Done.

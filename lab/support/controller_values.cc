@@ -1,6 +1,7 @@
 #include "lab/support/controller_values.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 #include "personality/requirements.h"
@@ -105,6 +106,28 @@ std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
   return versions;
 }
 
+bool VersionWindow::Contains(const PropertyValue& installed) const {
+  return (offered == nullptr || NumberGreater(*offered, installed)) &&
+         (minimum == nullptr || !NumberGreater(*minimum, installed)) &&
+         (maximum == nullptr || !NumberLess(*maximum, installed));
+}
+
+// The lowest version from the minimum on decides, for each scale.
+bool VersionWindow::ContainsAny(VersionScales scales) const {
+  if (minimum != nullptr && !Contains(*minimum)) return false;
+  const auto lowest = LowestInstalledVersions(scales, minimum);
+  return std::ranges::any_of(lowest, [&](const auto& version) { return Contains(version); });
+}
+
+VersionWindow Intersection(const VersionWindow& a, const VersionWindow& b) {
+  const auto either = [](const PropertyValue* first, const PropertyValue* second, auto isBetter) {
+    if (first == nullptr || second == nullptr) return first == nullptr ? second : first;
+    return isBetter(*first, *second) ? first : second;
+  };
+  return {either(a.offered, b.offered, NumberLess), either(a.minimum, b.minimum, NumberGreater),
+          either(a.maximum, b.maximum, NumberLess)};
+}
+
 std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const PropertyValue& version,
                                                 const PropertyValue* maximum) {
   return PartitionPoint(
@@ -120,11 +143,18 @@ bool IsReportable(const PropertyValue& version, VersionScales scales) {
   });
 }
 
-std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number) {
-  if (!NumbersEqual(number, number)) return std::nullopt;
-  return PartitionPoint(ThunderboltVersions, [&](const PropertyValue& version) {
-    return !NumberGreater(version, number);
+std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum) {
+  if (!NumbersEqual(maximum, maximum)) return std::nullopt;
+  auto next = PartitionPoint(ThunderboltVersions, [&](const PropertyValue& version) {
+    return !NumberGreater(version, maximum);
   });
+  if (next && NumberGreater(*next->AsReal() - Tolerance, maximum)) return std::nullopt;
+  return next;
+}
+
+bool IsWhole(const PropertyValue& number) {
+  const auto real = number.AsReal();
+  return !real || std::trunc(*real) == *real;
 }
 
 }  // namespace fernwick::lab

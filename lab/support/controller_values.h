@@ -42,6 +42,22 @@ VersionScales VersionScalesOf(TypeSet type, const PropertyValue* portAddress);
 std::vector<PropertyValue> LowestInstalledVersions(VersionScales scales,
                                                    const PropertyValue* minimum);
 
+/// The limits that a personality sets to the installed version; null: none, as is a bound that is
+/// NaN, which excludes nothing.
+struct VersionWindow {
+  const PropertyValue* offered = nullptr;  // the image's version, below which the installed one is
+  const PropertyValue* minimum = nullptr;
+  const PropertyValue* maximum = nullptr;
+
+  bool Contains(const PropertyValue& installed) const;
+
+  /// Whether a controller can report a version that the window contains.
+  bool ContainsAny(VersionScales scales) const;
+};
+
+/// The versions that are in both windows.
+VersionWindow Intersection(const VersionWindow& a, const VersionWindow& b);
+
 /// The lowest version of the scales that is not below `version` or is above the maximum, which may
 /// be absent (null): where a window ends. nullopt when there is none. REQUIRES: both are numbers
 /// other than NaN, and one scale.
@@ -52,8 +68,11 @@ std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const Prop
 /// scales, apart from the 1e-9 that is added to those of Thunderbolt controllers.
 bool IsReportable(const PropertyValue& version, VersionScales scales);
 
-/// The lowest version of a Thunderbolt controller that is above the number; nullopt when there is
-/// none and when it is not a number.
-std::optional<PropertyValue> NextThunderboltVersion(const PropertyValue& number);
+/// The version of a Thunderbolt controller that the maximum excludes by less than it can mean;
+/// nullopt when there is none and when it is not a number.
+std::optional<PropertyValue> VersionJustAbove(const PropertyValue& maximum);
+
+/// Whether the number has no fraction.
+bool IsWhole(const PropertyValue& number);
 
 }  // namespace fernwick::lab

@@ -93,14 +93,51 @@ TEST(LowestVersionAfter, IsWhereAWindowEnds) {
   EXPECT_EQ(LowestVersionAfter(PortOnly, 1e300, nullptr), std::nullopt);
 }
 
-TEST(NextThunderboltVersion, IsTheFirstAbove) {
-  EXPECT_EQ(NextThunderboltVersion(41.05), PropertyValue(41.050000000999994));
-  EXPECT_EQ(NextThunderboltVersion(41.050000000999994), PropertyValue(41.060000001));
-  EXPECT_EQ(NextThunderboltVersion(123456789), PropertyValue(123456789.01));
-  EXPECT_EQ(NextThunderboltVersion(-5), PropertyValue(1e-9));
-  EXPECT_EQ(NextThunderboltVersion(1e9), std::nullopt);
-  EXPECT_EQ(NextThunderboltVersion(std::nan("")), std::nullopt);
-  EXPECT_EQ(NextThunderboltVersion("41.05"), std::nullopt);
+TEST(VersionJustAbove, IsOneThatTheMaximumExcludesByTheAddedFractionAlone) {
+  EXPECT_EQ(VersionJustAbove(41.05), PropertyValue(41.050000000999994));
+  EXPECT_EQ(VersionJustAbove(123456789), std::nullopt);  // to which nothing is added
+  EXPECT_EQ(VersionJustAbove(41.050000000999994), std::nullopt);
+  EXPECT_EQ(VersionJustAbove(41.04), PropertyValue(41.04 + 1e-9));
+  EXPECT_EQ(VersionJustAbove(41.045), std::nullopt);
+  EXPECT_EQ(VersionJustAbove(-5), std::nullopt);
+  EXPECT_EQ(VersionJustAbove(1e9), std::nullopt);
+  EXPECT_EQ(VersionJustAbove(std::nan("")), std::nullopt);
+  EXPECT_EQ(VersionJustAbove("41.05"), std::nullopt);
+}
+
+TEST(IsWhole, IsOfEveryKindOfNumber) {
+  for (const PropertyValue whole : {PropertyValue(41), PropertyValue(41.0), PropertyValue(true)}) {
+    EXPECT_TRUE(IsWhole(whole));
+  }
+  EXPECT_FALSE(IsWhole(41.05));
+}
+
+TEST(VersionWindow, IsAboveOrAtTheMinimumBelowTheOfferedAndUpToTheMaximum) {
+  const PropertyValue offered = 41.1;
+  const PropertyValue minimum = 41.02;
+  const PropertyValue maximum = 41.06;
+  const VersionWindow window = {&offered, &minimum, &maximum};
+  EXPECT_TRUE(window.Contains(41.02) && window.Contains(41.06));
+  EXPECT_FALSE(window.Contains(41.01) || window.Contains(41.07));
+  EXPECT_TRUE((VersionWindow{&offered, nullptr, nullptr}.Contains(-1)));
+  EXPECT_FALSE((VersionWindow{&offered, nullptr, nullptr}.Contains(41.1)));
+  EXPECT_TRUE(window.ContainsAny(ThunderboltOnly));
+  EXPECT_FALSE(window.ContainsAny(PortOnly));
+  EXPECT_FALSE((VersionWindow{&minimum, &offered, nullptr}.ContainsAny(Both)));
+}
+
+TEST(VersionWindow, IntersectionHasTheStricterLimits) {
+  const PropertyValue low = 20;
+  const PropertyValue middle = 30;
+  const PropertyValue high = 40;
+  const auto both = Intersection({&middle, &low, nullptr}, {&high, nullptr, &middle});
+  EXPECT_EQ(both.offered, &middle);
+  EXPECT_EQ(both.minimum, &low);
+  EXPECT_EQ(both.maximum, &middle);
+  const auto swapped = Intersection({&high, &middle, &low}, {&middle, &low, &high});
+  EXPECT_EQ(swapped.offered, &middle);
+  EXPECT_EQ(swapped.minimum, &middle);
+  EXPECT_EQ(swapped.maximum, &low);
 }
 
 }  // namespace

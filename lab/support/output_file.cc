@@ -12,6 +12,9 @@
 #include <cstring>
 #include <memory>
 
+#include "lab/support/messages.h"
+#include "platform/file_system.h"
+
 // Atomic replace by rename: a file is written under a temporary name in the directory of its final
 // one, flushed to the device and renamed, which the file system does in one step. A reader of the
 // final name gets the old file or the new one, never a part. Costs one fsync for each file.
@@ -88,7 +91,7 @@ bool Rename(const std::string& newPath, const std::string& path, IfExists ifExis
 bool WriteAll(int file, const WriteContents& write) {
   int error = 0;
   write([&](std::string_view bytes) {
-    if (error == 0 && !WriteWhole(file, bytes)) error = errno;
+    if (error == 0) error = WriteWhole(file, bytes);
   });
   errno = error;
   return error == 0;
@@ -106,14 +109,11 @@ bool Finish(int file, const std::string& newPath, const Target& target, const Wr
 
 }  // namespace
 
-bool WriteWhole(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
+int SaveFile(const std::string& path, std::string_view text, const std::string& what) {
+  const auto error = WriteOutputFile(path, text);
+  if (!error.empty()) return PrintError(path, {{error}, LabStatus::OutputLost});
+  ProcessConsole().WriteError(PrintableText(path) + ": " + what + " saved\n");
+  return LabStatus::Done;
 }
 
 std::string ExistingOutputError(const std::string& path) {

@@ -8,10 +8,6 @@
 
 namespace fernwick::lab {
 
-/// Writes all of `bytes` to the descriptor, in as many calls as needed. Returns whether it could;
-/// errno has the reason if not.
-bool WriteWhole(int file, std::string_view bytes);
-
 /// What happens to a file that exists at the path.
 enum class IfExists { Replace, Refuse };
 
@@ -29,6 +25,10 @@ using WriteContents = std::function<void(const TextSink& sink)>;
 
 /// The same of a file that is never in memory as a whole.
 std::string WriteOutputFile(const std::string& path, const WriteContents& write, IfExists ifExists);
+
+/// Replaces the file by the text and prints "PATH: WHAT saved" on standard error. Returns the exit
+/// status: LabStatus::Done, or OutputLost after a line that says why.
+int SaveFile(const std::string& path, std::string_view text, const std::string& what);
 
 /// "there is a file of that name; --force replaces it" when something is at the path, by which a
 /// verb can refuse an output before it starts; otherwise empty.

@@ -1,13 +1,11 @@
 #include "lab/survey/expectation.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <random>
 #include <system_error>
@@ -91,14 +89,11 @@ std::optional<Error> SurveyExpectation::Open() {
     if (file_ == nullptr) return SystemError();
     return std::nullopt;
   }
-  const int descriptor = open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+  const int descriptor = open(path_.c_str(), CautiousReading);
   if (descriptor < 0) return SystemError();
   file_.reset(fdopen(descriptor, "r"));
-  struct stat state;
-  if (fstat(descriptor, &state) != 0) return SystemError();
-  if (S_ISDIR(state.st_mode)) return Error{std::strerror(EISDIR)};
-  if (!S_ISREG(state.st_mode)) return Error{"not a regular file"};
-  return std::nullopt;
+  const auto size = RegularFileSize(descriptor);
+  return size ? std::nullopt : std::optional(size.Error());
 }
 
 std::optional<LabError> SurveyExpectation::ReadRows() {

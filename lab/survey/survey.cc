@@ -146,14 +146,6 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& 
   return MakeTableFormat(console, isComparison, options.isWide);
 }
 
-int UpdateExpectation(const std::string& path, const SurveyReport& report) {
-  const auto error = WriteOutputFile(path, report.SavedRows());
-  if (!error.empty()) return PrintError(path, {{error}, LabStatus::OutputLost});
-  ProcessConsole().WriteError(PrintableText(path) + ": " +
-                              Counted(report.Computers(), "row", "rows") + " saved\n");
-  return LabStatus::Done;
-}
-
 // `refusal` is the status of the first named recording that was refused.
 int StatusOf(const SurveyOptions& options, const SurveyReport& report, int refusal) {
   if (!options.expectation && refusal != LabStatus::Done) return refusal;
@@ -189,7 +181,8 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!isTable) console.WriteError(report.Totals());
   if (options.updates) {
-    const int lost = UpdateExpectation(*options.expectation, report);
+    const int lost = SaveFile(*options.expectation, report.SavedRows(),
+                              Counted(report.Computers(), "row", "rows"));
     if (lost != LabStatus::Done) return lost;
   }
   return StatusOf(options, report, refusal);

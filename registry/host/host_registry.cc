@@ -6,6 +6,7 @@
 #include "registry/board_identity.h"
 #include "registry/host/file_text.h"
 #include "registry/host/limits.h"
+#include "registry/path_lookup.h"
 #include "registry/thunderbolt_inventory.h"
 #include "value/unicode/utf8.h"
 
@@ -116,22 +117,14 @@ void HostRegistry::FindSwitches(RegistryEntry root) {
 }
 
 RegistryEntry HostRegistry::LookupEntryByPath(std::string_view path) {
-  const std::size_t colon = path.find(':');
-  if (colon == std::string_view::npos) return 0;
-  RegistryEntry entry = RootOf(path.substr(0, colon));
-  path.remove_prefix(colon + 1);
-  if (!path.starts_with('/')) return 0;
-  if (path == "/") return entry;
-  while (entry != 0 && !path.empty()) {
-    path.remove_prefix(1);  // the "/" before the step
-    const auto step = path.substr(0, path.find('/'));
-    const auto& children = ChildrenOf(entry);
-    const auto child =
-        std::ranges::find_if(children, [&](RegistryEntry each) { return NameOf(each) == step; });
-    entry = child == children.end() ? 0 : *child;
-    path.remove_prefix(step.size());
-  }
-  return entry;
+  const auto childNamed = [this](RegistryEntry parent, std::string_view name) {
+    const auto& children = ChildrenOf(parent);
+    const auto isNamed = [&](RegistryEntry child) { return NameOf(child) == name; };
+    const auto child = std::ranges::find_if(children, isNamed);
+    return child == children.end() ? RegistryEntry{0} : *child;
+  };
+  return LookupByPath(
+      path, [this](std::string_view plane) { return RootOf(plane); }, childNamed);
 }
 
 const std::string& HostRegistry::NameOf(RegistryEntry entry) const {
