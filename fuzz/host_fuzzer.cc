@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "driver/options.h"
-#include "driver/run.h"
 #include "fuzz/host_lines.h"
 #include "fuzz/input.h"
 #include "fuzz/packed_run.h"
@@ -18,7 +16,6 @@
 #include "lab/recordings/host_recording.h"
 #include "registry/board_identity.h"
 #include "registry/recording_reader.h"
-#include "testing/command_line.h"
 #include "testing/host_tree.h"
 #include "value/binary/writer.h"
 #include "value/xml/writer.h"
@@ -26,29 +23,20 @@
 namespace fernwick::fuzz {
 namespace {
 
-using Arguments = std::vector<std::string>;
 using lab::RecordedProperties;
 
-RunOutcome RunTool(Registry& registry, const Arguments& arguments) {
-  const testing::CommandLine line(arguments);
-  StringConsole console;
-  const auto result = Run(ParseOptions(line.Count(), line.Vector()), registry, console);
-  return {result.status, result.fault, console.Output(), console.Error()};
-}
-
-RunOutcome RunOnHost(const std::string& root, const Arguments& arguments) {
+RunOutcome RunOnHost(const std::string& root, const Options& options) {
   HostRegistry registry(root);
-  return RunTool(registry, arguments);
+  return RunTool(registry, options);
 }
 
-void CheckRecording(std::string bytes, const std::string& root, const Arguments& arguments) {
+void CheckRecording(std::string bytes, const std::string& root, const Options& options) {
   const auto recording = ReadRecording(std::move(bytes));
   Require(bool(recording), "what is recorded can be read");
   CheckWellFormed(*recording);
   RecordedRegistry registry(*recording);
-  const auto outcome = RunTool(registry, arguments);
-  Require(outcome == RunOnHost(root, arguments),
-          "a run over the recording ends as on the computer");
+  const auto outcome = RunTool(registry, options);
+  Require(outcome == RunOnHost(root, options), "a run over the recording ends as on the computer");
 }
 
 void TestHost(std::string_view input) {
@@ -61,13 +49,13 @@ void TestHost(std::string_view input) {
   if (!registry.RootError().empty()) return;  // both are files
   payload.Configure(run.configuration);
   if (const auto board = ReadBoardIdString(registry)) payload.AddBoard(*board);
-  auto arguments = WordsOf(run.options, payload.Path());
+  const auto options = OptionsOf(WordsOf(run.options, payload.Path()));
   for (const auto recorded : {RecordedProperties::ThoseOfTheTool, RecordedProperties::All}) {
     const auto list = RecordHost(registry, recorded);
-    CheckRecording(WriteXmlPropertyList(list.value), directory.Path(), arguments);
-    CheckRecording(WriteBinaryPropertyList(list.value), directory.Path(), arguments);
+    CheckRecording(WriteXmlPropertyList(list.value), directory.Path(), options);
+    CheckRecording(WriteBinaryPropertyList(list.value), directory.Path(), options);
   }
-  const auto outcome = RunOnHost(directory.Path(), arguments);
+  const auto outcome = RunOnHost(directory.Path(), options);
   Require(outcome.fault != Fault::MissingUid, "every controller has a unique id");
 }
 

@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "driver/options.h"
-#include "driver/run.h"
 #include "fuzz/input.h"
 #include "fuzz/matching_properties.h"
 #include "fuzz/packed_run.h"
@@ -17,27 +15,11 @@
 #include "fuzz/value_mutator.h"
 #include "registry/board_identity.h"
 #include "registry/recording_reader.h"
-#include "testing/command_line.h"
 
 namespace fernwick::fuzz {
 namespace {
 
 using Arguments = std::vector<std::string>;
-
-Options OptionsOf(const Arguments& arguments) {
-  const testing::CommandLine commandLine(arguments);
-  return ParseOptions(commandLine.Count(), commandLine.Vector());
-}
-
-RunOutcome OutcomeOf(const RunResult& result, const StringConsole& console) {
-  return {result.status, result.fault, console.Output(), console.Error()};
-}
-
-RunOutcome RunTool(const Recording& recording, const Options& options, RunTrace* trace) {
-  RecordedRegistry registry(recording);
-  StringConsole console;
-  return OutcomeOf(Run(options, registry, console, trace), console);
-}
 
 void TestRun(const Recording& recording, const Arguments& arguments) {
   const auto options = OptionsOf(arguments);
@@ -46,11 +28,11 @@ void TestRun(const Recording& recording, const Arguments& arguments) {
   const auto result = Run(options, registry, console);
   const auto outcome = OutcomeOf(result, console);
   RunTrace trace;
-  Require(RunTool(recording, options, &trace) == outcome, "a run that is traced ends the same");
+  Require(RunTool(registry, options, &trace) == outcome, "a run that is traced ends the same");
 
   Arguments verboseArguments = arguments;
   verboseArguments.insert(verboseArguments.begin(), "-v");
-  const auto verbose = RunTool(recording, OptionsOf(verboseArguments), nullptr);
+  const auto verbose = RunTool(registry, OptionsOf(verboseArguments));
   CheckOutcomes(outcome, verbose, result.bypassesUpdates);
 
   const auto configuration =

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "driver/run.h"
 #include "fuzz/require.h"
+#include "testing/command_line.h"
 #include "value/property_list_reader.h"
 #include "value/xml/writer.h"
 
@@ -87,6 +87,20 @@ void CheckFaults(const RunOutcome& outcome, const RunOutcome& verbose) {
 }
 
 }  // namespace
+
+RunOutcome OutcomeOf(const RunResult& result, const StringConsole& console) {
+  return {result.status, result.fault, console.Output(), console.Error()};
+}
+
+Options OptionsOf(const std::vector<std::string>& arguments) {
+  const testing::CommandLine line(arguments);
+  return ParseOptions(line.Count(), line.Vector());
+}
+
+RunOutcome RunTool(Registry& registry, const Options& options, RunTrace* trace) {
+  StringConsole console;
+  return OutcomeOf(Run(options, registry, console, trace), console);
+}
 
 void CheckOutcomes(const RunOutcome& outcome, const RunOutcome& verbose, bool bypassesUpdates) {
   if (outcome.fault || verbose.fault) return CheckFaults(outcome, verbose);

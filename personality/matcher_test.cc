@@ -14,6 +14,7 @@
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
 #include "testing/logging_registry.h"
+#include "testing/requirement_diagnostics.h"
 #include "testing/temporary_directory.h"
 #include "testing/test_console.h"
 #include "value/xml/writer.h"
@@ -25,6 +26,8 @@ using testing::Computer;
 using testing::Dict;
 using testing::List;
 using testing::LoggingRegistry;
+using testing::MaximumNotMet;
+using testing::MinimumNotMet;
 using testing::NonNumbers;
 using testing::TemporaryDirectory;
 using testing::With;
@@ -605,8 +608,6 @@ TEST(Matcher, EachInventoryReadsTheUuidsAgain) {
 // A personality whose check writes a diagnostic.
 const Record TooOld = With(PortUpdate, {{"Existing Max Version", 170}});
 const Record TooNew = With(PortUpdate, {{"Existing Min Version", 172}});
-constexpr char MaximumNotMet[] = "** Max firmware version not met.  Aborting\n";
-constexpr char MinimumNotMet[] = "** Min firmware version not met.  Aborting\n";
 
 TEST(Matcher, EachPortIsTestedAgainstThePersonalitiesInArrayOrder) {
   Computer computer;

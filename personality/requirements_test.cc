@@ -17,6 +17,7 @@
 #include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
+#include "testing/requirement_diagnostics.h"
 #include "testing/test_console.h"
 
 namespace fernwick {
@@ -27,7 +28,12 @@ using testing::Bytes;
 using testing::Dict;
 using testing::DoesNotApply;
 using testing::List;
+using testing::MinimumNotMet;
+using testing::MissingOtpRevision;
+using testing::MissingRevision;
+using testing::MissingUuid;
 using testing::NonNumbers;
+using testing::NoVersion;
 using testing::ResultOf;
 using testing::SingleEntry;
 using testing::With;
@@ -125,12 +131,6 @@ TEST(StringsEqual, AnOperandThatIsNotAStringMakesItFalse) {
     EXPECT_FALSE(StringsEqual(other, other)) << ::testing::PrintToString(other);
   }
 }
-
-constexpr char NoVersion[] = "** No current firmware version?\n";
-constexpr char MinimumNotMet[] = "** Min firmware version not met.  Aborting\n";
-constexpr char MissingRevision[] = "** Missing port silicon revision key(s)\n";
-constexpr char MissingOtpRevision[] = "** Missing port OTP revision key(s) **\n";
-constexpr char MissingUuid[] = "** Missing port UUID(s)\n";
 
 // A requirement as text, with all that decides what it tests.
 std::string Described(const Requirement& requirement) {

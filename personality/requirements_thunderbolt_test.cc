@@ -6,7 +6,9 @@
 #include "personality/requirements.h"
 #include "testing/check_result.h"
 #include "testing/dictionaries.h"
+#include "testing/inputs/full_port_record.h"
 #include "testing/inputs/odd_values.h"
+#include "testing/requirement_diagnostics.h"
 
 namespace fernwick {
 namespace {
@@ -18,33 +20,17 @@ using testing::Dict;
 using testing::DoesNotApply;
 using testing::List;
 using testing::NonNumbers;
+using testing::NoVersion;
 using testing::ResultOf;
 using testing::With;
 using testing::Without;
 
-constexpr char NoVersion[] = "** No current firmware version?\n";
 constexpr char NoVersionTwice[] =
     "** No current firmware version?\n"
     "** No current firmware version?\n";
 
-// A port below a Thunderbolt controller.
-const Record Port = {
-    {"RID", 2},
-    {"Port Silicon Vendor ID", 0x4D1},
-    {"Port Silicon Device ID", 18},
-    {"Port Silicon Revision", 7},
-    {"Port Address", 0},
-    {"Version", 41.050000000999994},
-    {"Ridge Silicon Vendor ID", 0x5A86},
-    {"Ridge Silicon Device ID", 0x1D3},
-    {"Ridge Silicon Revision", 4},
-    {"Device Model Name", "Grat"},
-    {"Device Model ID", 30},
-    {"Device Model Revision", 1},
-    {"Firmware Mode", true},
-    {"Ridge UID", 0x5A3},
-    {"Engineering Version", 0},
-};
+// A port below a Thunderbolt controller, without what some tests add.
+const Record Port = Without(Without(testing::FullPortRecord, "Port OTP Revision"), "Port UUID");
 
 const Record Update = {
     {"Version", 42},

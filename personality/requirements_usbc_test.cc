@@ -7,6 +7,7 @@
 #include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
+#include "testing/requirement_diagnostics.h"
 
 namespace fernwick {
 namespace {
@@ -17,15 +18,14 @@ using testing::CheckResult;
 using testing::Dict;
 using testing::DoesNotApply;
 using testing::List;
+using testing::MissingOtpRevision;
+using testing::MissingRevision;
+using testing::MissingUuid;
 using testing::NonNumbers;
+using testing::NoVersion;
 using testing::ResultOf;
 using testing::With;
 using testing::Without;
-
-constexpr char NoVersion[] = "** No current firmware version?\n";
-constexpr char MissingRevision[] = "** Missing port silicon revision key(s)\n";
-constexpr char MissingOtpRevision[] = "** Missing port OTP revision key(s) **\n";
-constexpr char MissingUuid[] = "** Missing port UUID(s)\n";
 
 const Record Port = {
     {"RID", 2},

@@ -8,15 +8,21 @@
 #include "testing/check_result.h"
 #include "testing/dictionaries.h"
 #include "testing/inputs/odd_values.h"
+#include "testing/requirement_diagnostics.h"
 
 namespace fernwick {
 namespace {
 
 using testing::Applies;
+using testing::BadMaximum;
+using testing::BadMinimum;
 using testing::CheckResult;
 using testing::DoesNotApply;
 using testing::List;
+using testing::MaximumNotMet;
+using testing::MinimumNotMet;
 using testing::NonNumbers;
+using testing::NoVersion;
 using testing::ResultOf;
 using testing::SingleEntry;
 using testing::With;
@@ -24,12 +30,6 @@ using testing::With;
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::uint64_t MaxUnsigned = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t TwoTo53 = std::uint64_t{1} << 53;
-
-constexpr char NoVersion[] = "** No current firmware version?\n";
-constexpr char BadMinimum[] = "** minversion bad object type in personality\n";
-constexpr char MinimumNotMet[] = "** Min firmware version not met.  Aborting\n";
-constexpr char BadMaximum[] = "** maxversion bad object type in personality\n";
-constexpr char MaximumNotMet[] = "** Max firmware version not met.  Aborting\n";
 
 constexpr std::nullopt_t Absent = std::nullopt;
 
