@@ -473,6 +473,13 @@ def ports_that_clear_the_same_variables(directory, size):
     write_configuration(directory, [("LegacyUSBC", personality([("ClearNVRAM", names)]))])
 
 
+@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "diff"))
+def ports_that_match_unread_keys(directory, size):
+    unread = [(f"Unread {i}", "<true/>") for i in range(size // 60)]
+    write_recording(directory, repeated(port, size // 2))
+    write_configuration(directory, [("LegacyUSBC", personality(unread))])
+
+
 @family(OTHER, ("replay", "explain", "survey", "diff"),
         pairs="an inventory is collected for each top-level key")
 def ports_and_top_level_keys(directory, size):

@@ -49,8 +49,10 @@ std::size_t MatchController(const KeyMatch& key, Array candidates,
 // and so may each of an array.
 void MatchControllers(const KeyMatch& key, const PropertyValue& value,
                       const HardwareInventory& inventory, KeyTrace* trace) {
-  const auto candidates = PersonalitiesOf(key.typeName, value);
+  auto candidates = PersonalitiesOf(key.typeName, value);
   if (key.type == Types::None || !candidates) return;
+  Arena copies;
+  candidates = WithoutUnreadKeys(*candidates, copies);
   for (const auto& controller : inventory.records) {
     const auto matched = MatchController(key, *candidates, controller);
     if (trace != nullptr) trace->matched.push_back(matched);

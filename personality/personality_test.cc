@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <string>
+
 #include "testing/inputs/odd_values.h"
 #include "testing/property_values.h"
 
@@ -34,6 +37,36 @@ TEST(PersonalitiesOf, AValueOfAnotherShapeIsNothing) {
   }
   EXPECT_EQ(PersonalitiesOf("USBC", 5), std::nullopt);
   EXPECT_EQ(PersonalitiesOf("LegacyUSBC", true), std::nullopt);
+}
+
+// As many keys that nothing reads as a dictionary may have before it counts as one with many.
+Record UnreadKeys() {
+  Record keys;
+  for (std::size_t i = 0; i < FewEntries; ++i) {
+    keys.Set(testing::Kept("Unread " + std::to_string(i)), 1);
+  }
+  return keys;
+}
+
+TEST(WithoutUnreadKeys, CandidatesWithFewKeysAreTheSame) {
+  const auto few = UnreadKeys();
+  const Array candidates = List({Dictionary(few), Dict({{"Note", 1}}), 5});
+  Arena arena;
+  EXPECT_EQ(WithoutUnreadKeys(candidates, arena).begin(), candidates.begin());
+  EXPECT_EQ(arena.Size(), 0);
+  EXPECT_EQ(WithoutUnreadKeys(Array(), arena), Array());
+}
+
+TEST(WithoutUnreadKeys, OneWithManyKeysLosesThoseThatNothingReads) {
+  auto many = UnreadKeys();
+  many.Set("RID", List({1, 2}));
+  many.Set("Firmware", "a.bin");
+  many.Set("Engineering Version", 0);  // a key of controllers alone
+  const auto whole = many;
+  Arena arena;
+  EXPECT_EQ(WithoutUnreadKeys(List({Dict({{"Note", 1}}), Dictionary(many), 5}), arena),
+            List({Dict({{"Note", 1}}), Dict({{"RID", List({1, 2})}, {"Firmware", "a.bin"}}), 5}));
+  EXPECT_EQ(many, whole);
 }
 
 }  // namespace

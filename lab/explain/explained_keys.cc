@@ -1,6 +1,7 @@
 #include "lab/explain/explained_keys.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -95,6 +96,9 @@ std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyT
   return pairs;
 }
 
+// The locations of the values of a personality that its type reads, where they are known, by key.
+using ReadKeys = std::map<std::string_view, const ValueLocation*>;
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
@@ -118,9 +122,9 @@ class KeyExplainer {
                         .isSelected = IsSelected(TypeNamed(trace.key), filter_),
                         .value = value,
                         .controllerCount = trace.inventory.records.size()};
-    candidates_ = {candidates.value_or(Array()), key.type, result_.identity->boardRevision,
-                   result_.bypassesVersionCheck};
-    if (key.type != Types::None) ExplainPersonalities(location, key);
+    candidates_ = {WithoutUnreadKeys(candidates.value_or(Array()), copies_), key.type,
+                   result_.identity->boardRevision, result_.bypassesVersionCheck};
+    if (key.type != Types::None) ExplainPersonalities(candidates.value_or(Array()), location, key);
     if (key.isSelected) ExplainControllers(trace, key);
     const bool isEmpty = key.controllers.empty() && key.skipped.empty();
     if (isEmpty && !filter_.controller.empty()) key.isSelected = false;
@@ -151,30 +155,34 @@ class KeyExplainer {
     return file_->LocationOf(location->offset);
   }
 
-  void ExplainPersonalities(const KeyLocation* keyLocation, ExplainedKey& key) {
+  void ExplainPersonalities(Array candidates, const KeyLocation* keyLocation, ExplainedKey& key) {
     locations_.clear();
-    const auto candidates = candidates_.personalities;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
-      locations_.push_back(LocationOfCandidate(keyLocation, key.type, i));
-      ExplainedPersonality personality{.location = LocationOf(locations_.back())};
+      const auto* location = LocationOfCandidate(keyLocation, key.type, i);
+      ExplainedPersonality personality{.location = LocationOf(location)};
+      auto& locations = locations_.emplace_back();
       if (const auto dictionary = candidates[i].AsDictionary()) {
         personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
-        personality.unread = UnreadKeys(*dictionary, key.type, locations_.back());
+        personality.unread = SortKeys(*dictionary, key.type, location, locations);
       }
       key.personalities.push_back(std::move(personality));
     }
   }
 
-  std::vector<UnreadKey> UnreadKeys(Dictionary personality, TypeSet type,
-                                    const ValueLocation* location) const {
+  // Returns the keys that the type does not read; the locations of the others go to `read`.
+  std::vector<UnreadKey> SortKeys(Dictionary personality, TypeSet type,
+                                  const ValueLocation* location, ReadKeys& read) const {
     const KeyLocations locations(location);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
       const auto* known = FindPersonalityKey(key);
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
-      if ((readBy & type) != 0) continue;
-      unread.push_back({key, LocationOf(locations.Find(key)), readBy});
+      if ((readBy & type) != 0) {
+        if (const auto* found = locations.Find(key)) read.emplace(key, &found->value);
+      } else {
+        unread.push_back({key, LocationOf(locations.Find(key)), readBy});
+      }
     }
     return unread;
   }
@@ -202,10 +210,11 @@ class KeyExplainer {
 
   void ExplainFailures(const RecordSource& source, ExplainedController& controller,
                        ExplainedPair& pair) const {
-    const KeyLocations locations(locations_[pair.personality]);
+    const auto& locations = locations_[pair.personality];
     for (const auto& failed : candidates_.FailuresOf(pair, controller.record)) {
-      const auto* key = locations.Find(failed.requirement->key);
-      pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
+      const auto wanted = locations.find(failed.requirement->key);
+      pair.failures.push_back(
+          {failed, LocationOf(wanted == locations.end() ? nullptr : wanted->second)});
       const auto hardwareKey = failed.requirement->hardwareKey;
       auto [sources, isNew] = controller.sources.try_emplace(hardwareKey);
       if (isNew) sources->second = SourcesFor(hardwareKey, source);
@@ -228,8 +237,9 @@ class KeyExplainer {
   const ExplainedSource& boardRevision_;
   const ExplainFilter& filter_;
   std::size_t pairsOfEach_;
-  Candidates candidates_ = {};                   // of the key that is explained
-  std::vector<const ValueLocation*> locations_;  // of these; null where it is not known
+  Arena copies_;                     // of candidates
+  Candidates candidates_ = {};       // of the key that is explained
+  std::vector<ReadKeys> locations_;  // of these
 };
 
 }  // namespace
