@@ -21,14 +21,16 @@ class Family:
     write: typing.Callable
     commands: typing.Sequence = ()  # names in commands.py; empty: all of the kind
     pairs: str = ""  # why the results that are asked for grow with the square of the size
+    constant: str = ""  # why the growth says nothing: most of the cost is the same for any size
 
 
 FAMILIES = []
 
 
-def family(kind, commands=(), pairs=""):
+def family(kind, commands=(), pairs="", constant=""):
     def add(write):
-        FAMILIES.append(Family(write.__name__.replace("_", " "), kind, write, commands, pairs))
+        FAMILIES.append(Family(write.__name__.replace("_", " "), kind, write, commands, pairs,
+                               constant))
         return write
     return add
 
@@ -281,7 +283,7 @@ def shared_elements_nested_deeply(directory, size):
     binary_recording(directory, services)
 
 
-@family(RECORDING)
+@family(RECORDING, constant="a file may have 65,536 values more than bytes")
 def shared_arrays_of_arrays(directory, size):
     def services(b):
         value = b.integer(1)
@@ -466,7 +468,8 @@ def ports_that_set_the_same_variables(directory, size):
         ("SetNVRAM", dictionary(variables))]))])
 
 
-@family(OTHER, ("survey", "survey ndjson", "diff"))
+@family(OTHER, ("survey", "survey ndjson", "diff"),
+        pairs="the tool's plan lists the names once for each port")
 def ports_that_clear_the_same_variables(directory, size):
     names = array([string(f"variable-{i}") for i in range(size // 56)])
     write_recording(directory, repeated(port, size // 2))

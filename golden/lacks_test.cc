@@ -63,6 +63,15 @@ TEST(Descriptors, ThatAreTooFewAreAnErrorOfADiff) {
   ExpectAnswerOrLack("diff -j1 -p payload -p payload .");
 }
 
+TEST(Descriptors, ThatAreTooFewAreAnErrorOfEveryVerbOfOneComputer) {
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  for (const auto* command : {"explain -p payload ", "explain --json -p payload ", "show "}) {
+    ExpectAnswerOrLack(command + OnePort);
+  }
+  ExpectAnswerOrLack("convert --to xml " + OnePort + " -");
+  ExpectAnswerOrLack("lint payload");
+}
+
 TEST(Memory, ThatIsTooLittleIsNoAnswer) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   for (const auto* command : {"diff -j1 -p draft -p payload .", "survey -j1 -p payload ."}) {

@@ -18,11 +18,11 @@ void Describe(const ValueLocation& location, const std::string& prefix, int dept
               std::string& out) {
   out += std::string(static_cast<std::size_t>(depth) * 2, ' ') + prefix +
          std::to_string(location.offset) + "\n";
-  for (const auto& entry : location.entries) {
+  for (const auto& entry : location.Entries()) {
     const auto key = std::string(entry.key) + "@" + std::to_string(entry.offset) + ": ";
     Describe(entry.value, key, depth + 1, out);
   }
-  for (const auto& element : location.elements) Describe(element, "", depth + 1, out);
+  for (const auto& element : location.Elements()) Describe(element, "", depth + 1, out);
 }
 
 std::string LocationsIn(const std::string& bytes) {
@@ -30,7 +30,7 @@ std::string LocationsIn(const std::string& bytes) {
   const auto reading = ReadPropertyList(bytes, &locations);
   EXPECT_EQ(testing::ErrorOf(reading.list), "");
   std::string text;
-  Describe(locations.TakeRoot(), "", 0, text);
+  Describe(locations.Root(), "", 0, text);
   return text;
 }
 
@@ -46,7 +46,7 @@ TEST(ValueLocations, OfXmlAreThoseOfTheTags) {
 
 TEST(ValueLocations, OfNothingIsTheStart) {
   LocationBuilder locations;
-  EXPECT_EQ(locations.TakeRoot().offset, 0u);
+  EXPECT_EQ(locations.Root().offset, 0u);
 }
 
 TEST(ValueLocations, CountInTheDecodedText) {
@@ -54,7 +54,7 @@ TEST(ValueLocations, CountInTheDecodedText) {
   const auto reading = ReadPropertyList("\xEF\xBB\xBF <string>\xC3\xA4</string>", &locations);
   ASSERT_EQ(testing::ErrorOf(reading.list), "");
   EXPECT_EQ(locations.Text(), " <string>\xC3\xA4</string>");
-  EXPECT_EQ(locations.TakeRoot().offset, 1u);
+  EXPECT_EQ(locations.Root().offset, 1u);
 }
 
 TEST(ValueLocations, OfAKeyThatOccursTwiceAreBothThere) {

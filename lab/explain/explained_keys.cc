@@ -1,7 +1,6 @@
 #include "lab/explain/explained_keys.h"
 
 #include <algorithm>
-#include <map>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -92,12 +91,13 @@ std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyT
   const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>(count);
   std::ranges::nth_element(pairs, middle, IsShownBefore);
   pairs.erase(middle, pairs.end());
+  pairs.shrink_to_fit();
   std::ranges::sort(pairs, {}, &ExplainedPair::personality);
   return pairs;
 }
 
-// The locations of the values of a personality that its type reads, where they are known, by key.
-using ReadKeys = std::map<std::string_view, const ValueLocation*>;
+// A key of a personality that its type reads, and the location of its value, which is known.
+using ReadKey = std::pair<std::string_view, const ValueLocation*>;
 
 // Explains one key after the other.
 class KeyExplainer {
@@ -157,6 +157,8 @@ class KeyExplainer {
 
   void ExplainPersonalities(Array candidates, const KeyLocation* keyLocation, ExplainedKey& key) {
     locations_.clear();
+    locations_.reserve(candidates.size());
+    key.personalities.reserve(candidates.size());
     for (std::size_t i = 0; i < candidates.size(); ++i) {
       const auto* location = LocationOfCandidate(keyLocation, key.type, i);
       ExplainedPersonality personality{.location = LocationOf(location)};
@@ -172,14 +174,14 @@ class KeyExplainer {
 
   // Returns the keys that the type does not read; the locations of the others go to `read`.
   std::vector<UnreadKey> SortKeys(Dictionary personality, TypeSet type,
-                                  const ValueLocation* location, ReadKeys& read) const {
+                                  const ValueLocation* location, std::vector<ReadKey>& read) const {
     const KeyLocations locations(location);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
       const auto* known = FindPersonalityKey(key);
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
       if ((readBy & type) != 0) {
-        if (const auto* found = locations.Find(key)) read.emplace(key, &found->value);
+        if (const auto* found = locations.Find(key)) read.emplace_back(key, &found->value);
       } else {
         unread.push_back({key, LocationOf(locations.Find(key)), readBy});
       }
@@ -212,7 +214,7 @@ class KeyExplainer {
                        ExplainedPair& pair) const {
     const auto& locations = locations_[pair.personality];
     for (const auto& failed : candidates_.FailuresOf(pair, controller.record)) {
-      const auto wanted = locations.find(failed.requirement->key);
+      const auto wanted = std::ranges::find(locations, failed.requirement->key, &ReadKey::first);
       pair.failures.push_back(
           {failed, LocationOf(wanted == locations.end() ? nullptr : wanted->second)});
       const auto hardwareKey = failed.requirement->hardwareKey;
@@ -237,9 +239,9 @@ class KeyExplainer {
   const ExplainedSource& boardRevision_;
   const ExplainFilter& filter_;
   std::size_t pairsOfEach_;
-  Arena copies_;                     // of candidates
-  Candidates candidates_ = {};       // of the key that is explained
-  std::vector<ReadKeys> locations_;  // of these
+  Arena copies_;                                 // of candidates
+  Candidates candidates_ = {};                   // of the key that is explained
+  std::vector<std::vector<ReadKey>> locations_;  // of these
 };
 
 }  // namespace

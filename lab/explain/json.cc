@@ -105,9 +105,11 @@ void PrintKey(const ExplainedKey& key, JsonStream& stream) {
   stream.AddMembers({{"key", key.key},
                      {"place", LocationJson(key.location)},
                      {"isType", key.type != Types::None},
-                     {"hasShape", key.hasExpectedShape},
-                     {"personalities", ListOf(key.personalities, PersonalityJson)},
-                     {"passedOver", ListOf(key.skipped, SkipJson)}});
+                     {"hasShape", key.hasExpectedShape}});
+  stream.Begin("personalities", '[');
+  for (const auto& personality : key.personalities) stream.Add(PersonalityJson(personality));
+  stream.End();
+  stream.AddMembers({{"passedOver", ListOf(key.skipped, SkipJson)}});
   stream.Begin("controllers", '[');
   for (const auto& controller : key.controllers) PrintController(controller, stream);
   stream.End();

@@ -59,6 +59,12 @@ class ConfigurationFindings {
 
   void Add(const LintRule& rule, std::size_t offset, std::string message);
 
+  /// Memory or descriptors were lacking for the file at the path: the findings say nothing.
+  void Lack(const std::string& path, const Error& error) { lack_ = path + ": " + error.message; }
+
+  /// "PATH: what was lacking" once there was a lack; else empty.
+  const std::string& Lack() const { return lack_; }
+
   /// By offset, then by ID, then by message. What is not listed of a rule is one row where it
   /// begins.
   std::vector<Row> TakeSorted();
@@ -77,6 +83,7 @@ class ConfigurationFindings {
   const LocatedPersonality* personality_ = nullptr;
   std::optional<std::uint64_t> identity_;  // of the personality, once it is computed
   std::map<const LintRule*, RowsOfRule> found_;
+  std::string lack_;
 };
 
 /// "Excerpt" in double quotes: a text from a file, short and fit for a terminal.

@@ -5,6 +5,7 @@
 
 #include "lab/lint/rules/payload_rules.h"
 #include "lab/lint/rules/plan_rules.h"
+#include "lab/support/messages.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -30,7 +31,9 @@ bool IsInside(const std::string& path, const std::string& directory) {
 std::optional<std::string> ImageFiles::Read(std::string_view name, const std::string& path,
                                             std::size_t offset) {
   auto contents = ReadWholeFile(path);
-  if (!contents) {
+  if (!contents && UnreadableStatus(contents.Error()) == LabStatus::OutOfMemory) {
+    findings_.Lack(path, contents.Error());
+  } else if (!contents) {
     findings_.Add(LintRuleOf::UnreadableFile, offset,
                   Quoted(name) + " cannot be read: " + contents.Error().message);
   } else if (contents->empty()) {

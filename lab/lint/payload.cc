@@ -95,11 +95,15 @@ class Found {
                         const BoardFiles& files) {
     ConfigurationFindings findings(RelativeToPayload(path), filter_);
     LintConfiguration(subject, files, findings);
+    lack_ = findings.Lack();
     for (auto& [rule, offset, message, fingerprint, count] : findings.TakeSorted()) {
       found_.push_back(
           {rule, path, subject.file.LocationOf(offset), std::move(message), fingerprint, count});
     }
   }
+
+  // As ConfigurationFindings::Lack.
+  const std::string& Lack() const { return lack_; }
 
   void PassOn() {
     std::ranges::sort(found_, {}, OrderOf);
@@ -112,6 +116,7 @@ class Found {
   const FindingSink& sink_;
   const FindingFilter& filter_;  // may be empty
   std::vector<Finding> found_;
+  std::string lack_;
 };
 
 class PayloadLinter {
@@ -126,6 +131,7 @@ class PayloadLinter {
       found_.PassOn();
       for (const auto& board : boards) {
         LintBoard(board);
+        if (!result_.error.empty()) break;
         found_.PassOn();
       }
     }
@@ -156,15 +162,24 @@ class PayloadLinter {
     return true;
   }
 
-  void AddUnreadable(const std::string& path, const std::string& why) {
-    found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + why);
+  void AddUnreadable(const std::string& path, const Error& error) {
+    if (UnreadableStatus(error) == LabStatus::OutOfMemory) return Lack(path + ": " + error.message);
+    found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + error.message);
     result_.status = LabStatus::UnreadableInput;
   }
 
+  void AddUnreadable(const std::string& path, const std::error_code& error) {
+    AddUnreadable(path, Error{.message = error.message(), .systemError = error.value()});
+  }
+
+  // Without memory or descriptors nothing can be said of the payload.
+  void Lack(const std::string& what) {
+    result_.error = what;
+    result_.status = LabStatus::OutOfMemory;
+  }
+
   void AddUnusable(const std::string& path, const LabError& error) {
-    if (error.status == LabStatus::UnreadableInput) {
-      return AddUnreadable(path, error.error.message);
-    }
+    if (error.status != LabStatus::MalformedInput) return AddUnreadable(path, error.error);
     found_.Add(LintRuleOf::MalformedPropertyList, path, PrintableText(error.error.message),
                error.error.location);
     if (result_.status == LabStatus::Done) result_.status = error.status;
@@ -177,12 +192,13 @@ class PayloadLinter {
     names_ = BoardNames(std::move(listing.directories));
     if (boards.empty()) {
       if (listing.error) {
-        AddUnreadable(personalitiesDirectory_, listing.error.message());
+        AddUnreadable(personalitiesDirectory_, listing.error);
       } else if (names_.All().empty()) {
         found_.Add(LintRuleOf::NoBoards, personalitiesDirectory_,
                    "there is no board directory in it");
       }
       boards = names_.All();
+      if (!result_.error.empty()) return false;
     }
     std::ranges::sort(boards);
     boards.erase(std::unique(boards.begin(), boards.end()), boards.end());
@@ -201,7 +217,7 @@ class PayloadLinter {
     ++result_.boards;
     const auto directory = AppendPathComponent(personalitiesDirectory_, board);
     const auto listing = List(directory);
-    if (listing.error) AddUnreadable(directory, listing.error.message());
+    if (listing.error) AddUnreadable(directory, listing.error);
     if (FindInvalidUtf8(board) != npos) {
       found_.Add(LintRuleOf::ImpossibleBoardId, directory,
                  "its name is not UTF-8, so no board has it for its identifier");
@@ -212,7 +228,7 @@ class PayloadLinter {
     const auto path = AppendPathComponent(directory, "Config.plist");
     std::error_code error;
     const bool exists = fs::exists(path, error);
-    if (error) return AddUnreadable(path, error.message());
+    if (error) return AddUnreadable(path, error);
     if (!exists) {
       found_.Add(LintRuleOf::NoConfiguration, directory, "there is no Config.plist in it");
       return;
@@ -248,6 +264,7 @@ class PayloadLinter {
     if (!configuration) return AddUnusable(path, configuration.Error());
     const LintSubject subject(*configuration);
     found_.AddConfiguration(subject, path, files);
+    if (!found_.Lack().empty()) return Lack(found_.Lack());
     if (!configuration->Value().AsDictionary()) return;
     found_.AddForEach(LintRuleOf::UnusedFile, UnusedFiles(subject, names), files.boardDirectory,
                       "no personality of the board names it");

@@ -14,7 +14,8 @@ struct PayloadLinting {
   std::size_t boards = 0;  // how many were looked at
   int status = 0;          // LabStatus: Done; UnreadableInput when something could not be read, or
                            // else MalformedInput when a configuration is malformed
-  std::string error;       // "PATH: what is wrong" when nothing could be looked at; else empty
+  std::string error;       // "PATH: what is wrong" when nothing could be looked at, or memory or
+                           // descriptors were lacking (OutOfMemory); else empty
 };
 
 /// Receives findings.

@@ -49,7 +49,7 @@ void LintType(const LocatedType& type, ConfigurationFindings& findings) {
 // The keys in the order of the alphabet, those of one spelling in the order of the file.
 std::vector<const KeyLocation*> SortedKeys(const ValueLocation& dictionary) {
   std::vector<const KeyLocation*> keys;
-  for (const auto& entry : dictionary.entries) keys.push_back(&entry);
+  for (const auto& entry : dictionary.Entries()) keys.push_back(&entry);
   std::ranges::stable_sort(keys, {}, [](const KeyLocation* key) { return key->key; });
   return keys;
 }
@@ -75,8 +75,8 @@ void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& fin
                  Quoted(keys[i]->key) +
                      " occurs a second time in this dictionary; its earlier value is lost");
   }
-  for (const auto& entry : location.entries) LintDuplicateKeys(entry.value, findings);
-  for (const auto& element : location.elements) LintDuplicateKeys(element, findings);
+  for (const auto& entry : location.Entries()) LintDuplicateKeys(entry.value, findings);
+  for (const auto& element : location.Elements()) LintDuplicateKeys(element, findings);
 }
 
 }  // namespace fernwick::lab

@@ -13,7 +13,7 @@ LocatedEntry Located(const DictionaryEntry& entry, const KeyLocation& location) 
 // The locations of a dictionary's keys, sorted by key; those of one key in the order of the file.
 std::vector<const KeyLocation*> SortedByKey(const ValueLocation& dictionary) {
   std::vector<const KeyLocation*> locations;
-  for (const auto& entry : dictionary.entries) locations.push_back(&entry);
+  for (const auto& entry : dictionary.Entries()) locations.push_back(&entry);
   std::ranges::stable_sort(locations, {},
                            [](const KeyLocation* location) { return location->key; });
   return locations;
@@ -49,24 +49,25 @@ void AddPersonalities(LocatedType& type) {
   type.personalities.reserve(array->size());
   for (std::size_t i = 0; i < array->size(); ++i) {
     const auto values = (*array)[i].AsDictionary();
-    if (values) type.personalities.push_back(MakePersonality(type, *values, location.elements[i]));
+    if (values)
+      type.personalities.push_back(MakePersonality(type, *values, location.Elements()[i]));
   }
 }
 
 }  // namespace
 
 std::vector<LocatedEntry> LocatedEntries(Dictionary dictionary, const ValueLocation& location) {
-  if (location.entries.size() != dictionary.Size()) return LocatedAtLast(dictionary, location);
+  if (location.Entries().size() != dictionary.Size()) return LocatedAtLast(dictionary, location);
   std::vector<LocatedEntry> entries;
   entries.reserve(dictionary.Size());
   for (std::size_t i = 0; i < dictionary.Size(); ++i) {
-    entries.push_back(Located(dictionary.Entries()[i], location.entries[i]));
+    entries.push_back(Located(dictionary.Entries()[i], location.Entries()[i]));
   }
   return entries;
 }
 
 std::size_t OffsetOfElement(const LocatedEntry& array, std::size_t index) {
-  return array.location->elements[index].offset;
+  return array.location->Elements()[index].offset;
 }
 
 const LocatedEntry* LocatedPersonality::Find(std::string_view key) const {

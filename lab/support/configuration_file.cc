@@ -49,7 +49,6 @@ ConfigurationFile::ConfigurationFile(PropertyList list, Serialisation serialisat
     : list_(std::move(list)),
       serialisation_(serialisation),
       locations_(std::move(locations)),
-      root_(locations_.TakeRoot()),
       marks_(MarksOf(locations_.Text())) {}
 
 FileLocation ConfigurationFile::LocationOf(std::size_t offset) const {
@@ -70,7 +69,7 @@ Result<ConfigurationFile, LabError> LoadConfiguration(const std::string& path) {
 
 KeyLocations::KeyLocations(const ValueLocation* dictionary) {
   if (dictionary == nullptr) return;
-  for (const auto& entry : dictionary->entries) locations_[entry.key] = &entry;
+  for (const auto& entry : dictionary->Entries()) locations_[entry.key] = &entry;
 }
 
 const KeyLocation* KeyLocations::Find(std::string_view key) const {
@@ -79,7 +78,7 @@ const KeyLocation* KeyLocations::Find(std::string_view key) const {
 }
 
 const ValueLocation* FindElement(const ValueLocation& array, std::size_t index) {
-  return index < array.elements.size() ? &array.elements[index] : nullptr;
+  return index < array.Elements().size() ? &array.Elements()[index] : nullptr;
 }
 
 }  // namespace fernwick::lab

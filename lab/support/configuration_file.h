@@ -36,7 +36,7 @@ class ConfigurationFile {
   Serialisation Form() const { return serialisation_; }
 
   /// The location of the value at the top; all others are inside it.
-  const ValueLocation& Root() const { return root_; }
+  const ValueLocation& Root() const { return locations_.Root(); }
 
   /// The location of an offset in Root() or in a location inside it, as messages name it.
   FileLocation LocationOf(std::size_t offset) const;
@@ -45,7 +45,6 @@ class ConfigurationFile {
   PropertyList list_;
   Serialisation serialisation_;
   LocationBuilder locations_;
-  ValueLocation root_;
   std::vector<TextMark> marks_;
 };
 

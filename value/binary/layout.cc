@@ -4,7 +4,6 @@ namespace fernwick {
 namespace {
 
 constexpr std::size_t HeaderSize = BinaryHeader.size();
-constexpr std::size_t TrailerSize = 32;
 
 bool IsWidth(std::uint64_t width) {
   return width >= 1 && width <= 8;

@@ -40,6 +40,9 @@ enum class ObjectKind : std::uint8_t {
   Dictionary = 0xD,
 };
 
+/// In bytes.
+inline constexpr std::size_t TrailerSize = 32;
+
 /// In the low four bits of a marker: the count follows, as an integer object.
 inline constexpr std::uint8_t CountFollows = 0xF;
 

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "value/binary/layout.h"
@@ -296,9 +297,27 @@ class BinaryPropertyListReader {
   bool ReadValue(std::uint64_t number, std::size_t referrer, PropertyValue& value) {
     Object object{};
     if (!objects_.Locate(number, referrer, object)) return false;
-    if (locations_ != nullptr) locations_->BeginValue(object.offset);
+    if (locations_ == nullptr) return ReadContents(object, value);
+    return ReadWithLocation(object, value);
+  }
+
+  // The location of a container that was read before is that of the first time, with all that is
+  // in it.
+  bool ReadWithLocation(const Object& object, PropertyValue& value) {
+    const auto known = containers_.find(object.number);
+    if (known != containers_.end()) {
+      auto* const locations = std::exchange(locations_, nullptr);
+      locations->AddValue(known->second);
+      const bool isRead = ReadContents(object, value);
+      locations_ = locations;
+      return isRead;
+    }
+    locations_->BeginValue(object.offset);
     if (!ReadContents(object, value)) return false;
-    if (locations_ != nullptr) locations_->EndValue();
+    const auto location = locations_->EndValue();
+    if (!location.Entries().empty() || !location.Elements().empty()) {
+      containers_.emplace(object.number, location);
+    }
     return true;
   }
 
@@ -364,6 +383,7 @@ class BinaryPropertyListReader {
     std::size_t references = 0;
     if (!ReadReferences(object, 1, count, references)) return false;
     const auto size = static_cast<std::size_t>(count);
+    if (locations_ != nullptr) locations_->Expect(size);
     auto* elements = arena_.Allocate<PropertyValue>(size);
     for (std::size_t i = 0; i < size; ++i) {
       auto& element = *std::construct_at(elements + i);
@@ -378,6 +398,7 @@ class BinaryPropertyListReader {
     std::size_t references = 0;  // all the keys, then all the values
     if (!ReadReferences(object, 2, count, references)) return false;
     const auto size = static_cast<std::size_t>(count);
+    if (locations_ != nullptr) locations_->Expect(size);
     auto* entries = arena_.Allocate<DictionaryEntry>(size);
     for (std::size_t i = 0; i < size; ++i) {
       auto& entry = *std::construct_at(entries + i);
@@ -402,8 +423,9 @@ class BinaryPropertyListReader {
   BinaryObjects objects_;
   BinaryLeaves leaves_;
   Arena& arena_;
-  LocationBuilder* locations_;  // may be null
-  std::uint64_t values_ = 1;    // counted so far, the top object included
+  LocationBuilder* locations_;                         // may be null
+  std::map<std::uint64_t, ValueLocation> containers_;  // by object, those whose location is known
+  std::uint64_t values_ = 1;                           // counted so far, the top object included
   std::size_t nesting_ = 0;
   std::vector<bool> isOpen_;  // by object: a container that is being read
 };

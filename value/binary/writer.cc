@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "value/binary/layout.h"
@@ -16,8 +16,9 @@
 // Two passes. The first numbers the objects in pre-order, encodes the leaves and collects the
 // references of each array and dictionary; equal strings share an object, found by a tree of the
 // strings written so far. The width of a reference depends on the number of objects, so containers
-// are encoded in the second pass. Then all objects are joined and the offset table and the trailer
-// follow. Costs linear time, plus a logarithmic lookup for each string.
+// are encoded in the second pass, which joins all objects; the offset table and the trailer follow.
+// Costs linear time, plus a logarithmic lookup for each string, and memory of a few bytes for each
+// value besides the file itself.
 
 namespace fernwick {
 namespace {
@@ -94,97 +95,65 @@ std::string StringObject(std::string_view text) {
   return CountedMarker(ObjectKind::Utf16String, units.size() / 2) + units;
 }
 
-// The objects that an array or dictionary refers to, by number; a dictionary's keys come first.
-struct Container {
-  ObjectKind kind;
-  std::uint64_t count;
-  std::vector<std::uint64_t> references;
+// How many objects and references a value has, strings that are equal counted each.
+struct Counts {
+  std::size_t objects = 0;
+  std::size_t references = 0;
+
+  void Add(const PropertyValue& value) {
+    ++objects;
+    if (const auto array = value.AsArray()) {
+      references += array->size();
+      for (const auto& element : *array) Add(element);
+    } else if (const auto dictionary = value.AsDictionary()) {
+      objects += dictionary->Size();
+      references += 2 * dictionary->Size();
+      for (const auto& entry : dictionary->Entries()) Add(entry.value);
+    }
+  }
+};
+
+// An object: where its bytes in `leaves_` end, or its references in `references_`. They begin where
+// those of the object of the same sort before it end.
+class WrittenObject {
+ public:
+  enum class Sort : std::uint8_t { Leaf, Array, Dictionary };
+
+  WrittenObject(std::size_t end, Sort sort)
+      : packed_(std::uint64_t{end} << 2 | static_cast<std::uint64_t>(sort)) {}
+
+  std::size_t End() const { return static_cast<std::size_t>(packed_ >> 2); }
+  Sort SortOf() const { return static_cast<Sort>(packed_ & 3); }
+
+ private:
+  std::uint64_t packed_;
 };
 
 class BinaryWriter {
  public:
-  // Returns the object's number.
-  std::uint64_t Add(const PropertyValue& value) {
-    return value.Visit([this](const auto& content) { return AddContent(content); });
-  }
-
-  std::string TakeFile() {
-    const std::size_t referenceWidth = WidthFor(objects_.size() - 1);
-    for (const auto& [number, container] : containers_) {
-      objects_[number] = ContainerObject(container, referenceWidth);
-    }
-    return JoinObjects(referenceWidth);
-  }
-
- private:
-  std::uint64_t AddObject(std::string object) {
-    objects_.push_back(std::move(object));
-    return objects_.size() - 1;
-  }
-
-  std::uint64_t AddContent(Array array) {
-    const auto number = AddObject({});
-    Container container{ObjectKind::Array, array.size(), {}};
-    for (const auto& element : array) container.references.push_back(Add(element));
-    containers_.emplace(number, std::move(container));
-    return number;
-  }
-
-  std::uint64_t AddContent(Dictionary dictionary) {
-    const auto number = AddObject({});
-    Container container{ObjectKind::Dictionary, dictionary.Size(), {}};
-    for (const auto& entry : dictionary.Entries()) {
-      container.references.push_back(AddText(entry.key));
-    }
-    for (const auto& entry : dictionary.Entries()) {
-      container.references.push_back(Add(entry.value));
-    }
-    containers_.emplace(number, std::move(container));
-    return number;
-  }
-
-  std::uint64_t AddContent(std::string_view string) { return AddText(string); }
-  std::uint64_t AddContent(const Data& data) {
-    return AddObject(CountedMarker(ObjectKind::Data, data.bytes.size()).append(data.bytes));
-  }
-  std::uint64_t AddContent(const Date& date) {
-    return AddObject(DoubleObject(BinaryMarker::Date, SecondsSince2001(date)));
-  }
-  std::uint64_t AddContent(const Integer& integer) { return AddObject(IntegerObject(integer)); }
-  std::uint64_t AddContent(double real) {
-    return AddObject(DoubleObject(BinaryMarker::Double, real));
-  }
-  std::uint64_t AddContent(bool boolean) {
-    return AddObject({static_cast<char>(boolean ? BinaryMarker::True : BinaryMarker::False)});
-  }
-
-  std::uint64_t AddText(std::string_view text) {
-    const auto known = texts_.find(text);
-    if (known != texts_.end()) return known->second;
-    const auto number = AddObject(StringObject(text));
-    texts_.emplace(text, number);
-    return number;
-  }
-
-  static std::string ContainerObject(const Container& container, std::size_t referenceWidth) {
-    auto object = CountedMarker(container.kind, container.count);
-    for (const auto reference : container.references) {
-      AppendBigEndian(object, reference, referenceWidth);
-    }
-    return object;
+  explicit BinaryWriter(const PropertyValue& value) {
+    Counts counts;
+    counts.Add(value);
+    objects_.reserve(counts.objects);
+    references_.reserve(counts.references);
+    Add(value);
   }
 
   // Header, objects, offset table and trailer.
-  std::string JoinObjects(std::size_t referenceWidth) const {
-    std::string file(BinaryHeader);
-    std::vector<std::uint64_t> offsets;
-    for (const auto& object : objects_) {
-      offsets.push_back(file.size());
-      file += object;
-    }
-    const std::uint64_t offsetTable = file.size();
+  std::string File() const {
+    const std::size_t referenceWidth = WidthFor(objects_.size() - 1);
+    std::uint64_t offsetTable = BinaryHeader.size();
+    ForEachObject(referenceWidth, [&](std::uint64_t size, auto) { offsetTable += size; });
     const std::size_t offsetWidth = WidthFor(offsetTable);
-    for (const auto offset : offsets) AppendBigEndian(file, offset, offsetWidth);
+    std::string file;
+    file.reserve(offsetTable + objects_.size() * offsetWidth + TrailerSize);
+    file = BinaryHeader;
+    ForEachObject(referenceWidth, [&](std::uint64_t, auto append) { append(file); });
+    std::uint64_t offset = BinaryHeader.size();
+    ForEachObject(referenceWidth, [&](std::uint64_t size, auto) {
+      AppendBigEndian(file, offset, offsetWidth);
+      offset += size;
+    });
     file.append(6, '\0');
     file.push_back(static_cast<char>(offsetWidth));
     file.push_back(static_cast<char>(referenceWidth));
@@ -194,17 +163,106 @@ class BinaryWriter {
     return file;
   }
 
-  std::vector<std::string> objects_;
-  std::map<std::uint64_t, Container> containers_;    // by object number; encoded in the second pass
-  std::map<std::string_view, std::uint64_t> texts_;  // views the value that is written
+ private:
+  // Returns the object's number.
+  std::uint32_t Add(const PropertyValue& value) {
+    return value.Visit([this](const auto& content) { return AddContent(content); });
+  }
+
+  std::uint32_t AddLeaf(std::string_view object) {
+    leaves_ += object;
+    return AddObject(leaves_.size(), WrittenObject::Sort::Leaf);
+  }
+
+  std::uint32_t AddObject(std::size_t end, WrittenObject::Sort sort) {
+    objects_.emplace_back(end, sort);
+    return static_cast<std::uint32_t>(objects_.size() - 1);
+  }
+
+  // The references are those after the current ones: returns the index of the first.
+  std::size_t AddContainer(std::size_t references, WrittenObject::Sort sort) {
+    const auto first = references_.size();
+    references_.resize(first + references);
+    AddObject(references_.size(), sort);
+    return first;
+  }
+
+  std::uint32_t AddContent(Array array) {
+    const auto number = static_cast<std::uint32_t>(objects_.size());
+    auto reference = AddContainer(array.size(), WrittenObject::Sort::Array);
+    for (const auto& element : array) references_[reference++] = Add(element);
+    return number;
+  }
+
+  // The keys come first.
+  std::uint32_t AddContent(Dictionary dictionary) {
+    const auto number = static_cast<std::uint32_t>(objects_.size());
+    auto reference = AddContainer(2 * dictionary.Size(), WrittenObject::Sort::Dictionary);
+    for (const auto& entry : dictionary.Entries()) references_[reference++] = AddText(entry.key);
+    for (const auto& entry : dictionary.Entries()) references_[reference++] = Add(entry.value);
+    return number;
+  }
+
+  std::uint32_t AddContent(std::string_view string) { return AddText(string); }
+  std::uint32_t AddContent(const Data& data) {
+    return AddLeaf(CountedMarker(ObjectKind::Data, data.bytes.size()).append(data.bytes));
+  }
+  std::uint32_t AddContent(const Date& date) {
+    return AddLeaf(DoubleObject(BinaryMarker::Date, SecondsSince2001(date)));
+  }
+  std::uint32_t AddContent(const Integer& integer) { return AddLeaf(IntegerObject(integer)); }
+  std::uint32_t AddContent(double real) {
+    return AddLeaf(DoubleObject(BinaryMarker::Double, real));
+  }
+  std::uint32_t AddContent(bool boolean) {
+    const char marker = static_cast<char>(boolean ? BinaryMarker::True : BinaryMarker::False);
+    return AddLeaf({&marker, 1});
+  }
+
+  std::uint32_t AddText(std::string_view text) {
+    const auto known = texts_.find(text);
+    if (known != texts_.end()) return known->second;
+    const auto number = AddLeaf(StringObject(text));
+    texts_.emplace(text, number);
+    return number;
+  }
+
+  // Calls `visit` with the size of each object and a function that appends it to a string.
+  template <typename Visit>
+  void ForEachObject(std::size_t referenceWidth, Visit visit) const {
+    std::size_t leaf = 0;
+    std::size_t reference = 0;
+    for (const auto object : objects_) {
+      const auto end = object.End();
+      if (object.SortOf() == WrittenObject::Sort::Leaf) {
+        const auto bytes = std::string_view(leaves_).substr(leaf, end - leaf);
+        leaf = end;
+        visit(bytes.size(), [bytes](std::string& file) { file += bytes; });
+      } else {
+        const std::span references(references_.begin() + static_cast<std::ptrdiff_t>(reference),
+                                   end - reference);
+        reference = end;
+        const bool isArray = object.SortOf() == WrittenObject::Sort::Array;
+        const auto marker = CountedMarker(isArray ? ObjectKind::Array : ObjectKind::Dictionary,
+                                          references.size() / (isArray ? 1 : 2));
+        visit(marker.size() + references.size() * referenceWidth, [&](std::string& file) {
+          file += marker;
+          for (const auto number : references) AppendBigEndian(file, number, referenceWidth);
+        });
+      }
+    }
+  }
+
+  std::vector<WrittenObject> objects_;
+  std::string leaves_;                               // their objects
+  std::vector<std::uint32_t> references_;            // of the containers, by number
+  std::map<std::string_view, std::uint32_t> texts_;  // views the value that is written
 };
 
 }  // namespace
 
 std::string WriteBinaryPropertyList(const PropertyValue& value) {
-  BinaryWriter writer;
-  writer.Add(value);
-  return writer.TakeFile();
+  return BinaryWriter(value).File();
 }
 
 }  // namespace fernwick
