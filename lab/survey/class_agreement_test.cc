@@ -25,7 +25,7 @@ namespace {
 using testing::RandomPair;
 
 constexpr bool IsSlowRun = testing::UnderAddressSanitizer || testing::CountingCoverage;
-constexpr int ClassifiedPairs = IsSlowRun ? 1000 : 10000;
+constexpr int ClassifiedPairs = IsSlowRun ? 1000 : 5000;
 
 // An explained pair of a run without a match.
 struct Candidate {
