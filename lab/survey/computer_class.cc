@@ -1,6 +1,7 @@
 // A search for the minimum: of all pairs that the run rejected, the nearest to a match by the
 // distance of its failed requirements, those that only an older version would make a match before
-// all others. O(pairs x requirements); one pair is stored.
+// all others. It ends at a pair that none can be nearer than. O(pairs x requirements); one pair is
+// stored.
 
 #include "lab/survey/computer_class.h"
 
@@ -56,6 +57,7 @@ class NearestSearch {
   void Visit(const KeyTrace& key, Array candidates) {
     for (std::size_t i = 0; i < key.matched.size(); ++i) {
       for (std::size_t j = 0; j < candidates.size(); ++j) {
+        if (HasNearestPossible()) return;
         if (key.OutcomeOf(i, j) == PairOutcome::Rejected) VisitPair(key, i, candidates, j);
       }
     }
@@ -64,6 +66,10 @@ class NearestSearch {
   const std::optional<Miss>& Nearest() const { return nearest_; }
 
  private:
+  bool HasNearestPossible() const {
+    return nearest_ && nearest_->lacksAge && nearest_->distance.whole == 1;
+  }
+
   void VisitPair(const KeyTrace& key, std::size_t controller, Array candidates, std::size_t index) {
     const RequirementContext context = {key.inventory.records[controller],
                                         result_.identity->boardRevision,

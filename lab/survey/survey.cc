@@ -26,8 +26,8 @@ namespace {
 
 constexpr char Description[] =
     "Runs the tool over every recorded computer and prints a row for each: its board, the status, "
-    "every match, every diagnostic. A run that ends abnormally and a recording that is refused are "
-    "rows like any other.";
+    "its class, every match, every diagnostic. A run that ends abnormally and a recording that is "
+    "refused are rows like any other.";
 
 std::string Footer() {
   return std::string(SelectionHelp) +
@@ -35,21 +35,18 @@ std::string Footer() {
          "count of\neach diagnostic over all computers, follow the table, and are on standard "
          "error for every other\nformat. ndjson has the whole plan of each computer.\n\n"
          "CLASS is planned, current (the installed versions are not older), blocked (the nearest\n"
-         "personality is for the controller, but not for its version or the board's revision, or "
-         "a\n"
-         "match names no image), unmatched, no-controllers, unknown-board, no-configuration, "
-         "bypassed,\n"
-         "fault or refused; abnormal means fault, and no-plan current to no-configuration. It is "
-         "the class\n"
-         "of the whole computer: a planned one may have controllers without a match. Without a "
-         "plan there\n"
-         "is the pair that is nearest to a match, and the first requirement that it fails.\n\n"
+         "personality is for the controller, but not for its version or the board's revision, or\n"
+         "a match names no image), unmatched, no-controllers, unknown-board, no-configuration,\n"
+         "bypassed, fault or refused; abnormal means fault, and no-plan current to\n"
+         "no-configuration. It is the class of the whole computer: a planned one may have\n"
+         "controllers without a match. Without a plan there is the pair that is nearest to a\n"
+         "match, and the first requirement that it fails.\n\n"
          "The paths of the rows in the file of --expect are relative to that file; - is standard\n"
          "input. --update writes the file again, whole or not at all, and creates it.\n\n"
          "Status, after all rows: 65 or 66 when a RECORDING that is named on the command line is\n"
-         "refused or cannot be read (with --expect: no such status); 1 when a computer is of a "
-         "class\n"
-         "of --fail-on or, without --update, a row differs from that of --expect; otherwise 0.\n\n"
+         "refused or cannot be read (with --expect: no such status); 1 when a computer is of a\n"
+         "class of --fail-on or, without --update, a row differs from that of --expect; otherwise\n"
+         "0.\n\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n";

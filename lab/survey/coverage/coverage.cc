@@ -31,7 +31,7 @@ constexpr char CoverageFooter[] =
     "Status, after everything: 65 or 66 when a RECORDING that is named on the command line, or a\n"
     "configuration, is malformed or cannot be read; 1 when less is matched than --threshold asks "
     "for;\notherwise 0.\n\n"
-    "Example:\n  fernwick-lab coverage -p payload --threshold 80 computers/\n";
+    "Example:\n  fernwick-lab coverage -p payload computers/\n";
 
 struct CoverageOptions {
   std::string payload;

@@ -94,7 +94,8 @@ int CoveredPayload::Print(CoverageFormat& format, CoverageTotals& totals) const 
                           .file = loaded.file ? &*loaded.file : nullptr,
                           .problem = loaded.problem,
                           .coverage = BoardCoverage(loaded.file ? loaded.file->Value() : Array())};
-    if (counted && !board.coverage.Add(*counted)) {
+    const bool isSame = !counted || (loaded.file && board.coverage.Add(*counted));
+    if (!isSame) {
       PrintError(Replaced(name).error.message);
       fail(LabStatus::UnreadableInput);
     }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "lab/support/tool_run.h"
 #include "lab/survey/coverage/payload_boards.h"
 #include "testing/capture.h"
@@ -48,6 +50,18 @@ TEST_F(PayloadCoverage, OfAConfigurationThatIsReplacedMeanwhileIsAnError) {
   EXPECT_EQ(payload.Print(*format, totals), LabStatus::UnreadableInput);
   EXPECT_EQ(errors.TakeText(), "fernwick-lab: " + again.Error().error.message + "\n");
   EXPECT_EQ(totals.boardsWithoutRun, 1u);
+}
+
+TEST_F(PayloadCoverage, OfAConfigurationThatIsRemovedMeanwhileIsAnError) {
+  WriteConfiguration("{}");
+  CoveredPayload payload(options_, {"Zed-1"});
+  EXPECT_EQ(payload.Cover({recording_})->use, RecordingUse::Counted);
+  std::filesystem::remove(Directory() + "/Zed-1/Config.plist");
+  StringConsole console;
+  CoverageTotals totals;
+  testing::StandardErrorCapture errors;
+  EXPECT_EQ(payload.Print(*MakeCoverageText(console), totals), LabStatus::UnreadableInput);
+  errors.TakeText();
 }
 
 TEST_F(PayloadCoverage, DoesNotCountWhatHasNoConfiguration) {
