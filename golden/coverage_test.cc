@@ -120,9 +120,7 @@ class CoverageOfPayload : public ::testing::Test {
   testing::TemporaryDirectory directory_;
 };
 
-TEST_F(CoverageOfPayload, AsJsonHasEveryElementAndEveryCount) {
-  Write("payload/Fernwick/Zed-2/Config.plist", "{ USBC = ( x, {} ); }");
-  ExpectOutcome(Cover({"a.registry.plist", "a.registry.plist", "--json"}), {"0", R"({
+constexpr char WholeJson[] = R"({
   "boards": [
     {
       "board": "Zed-1",
@@ -258,8 +256,11 @@ TEST_F(CoverageOfPayload, AsJsonHasEveryElementAndEveryCount) {
   },
   "percent": 50.0
 }
-)",
-                                                                            ""});
+)";
+
+TEST_F(CoverageOfPayload, AsJsonHasEveryElementAndEveryCount) {
+  Write("payload/Fernwick/Zed-2/Config.plist", "{ USBC = ( x, {} ); }");
+  ExpectOutcome(Cover({"a.registry.plist", "a.registry.plist", "--json"}), {"0", WholeJson, ""});
   EXPECT_EQ(Cover({"a.registry.plist", "a.registry.plist", "--json"}),
             Cover({"a.registry.plist", "a.registry.plist", "--format", "json", "-j3"}));
 }

@@ -110,8 +110,9 @@ int RunCoverage(const CoverageOptions& options) {
   const bool isJson = options.asJson || options.format == "json";
   const auto format = isJson ? MakeCoverageJson(console) : MakeCoverageText(console);
   const int status = payload.Print(*format, totals);
+  if (status == LabStatus::OutOfMemory) return status;
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
-  if (refusal != LabStatus::Done && status != LabStatus::OutOfMemory) return refusal;
+  if (refusal != LabStatus::Done) return refusal;
   if (status != LabStatus::Done) return status;
   return totals.counts.PerMille() < options.threshold * 10 ? 1 : LabStatus::Done;
 }

@@ -7,6 +7,7 @@
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
 #include "lab/survey/coverage/coverage_format.h"
+#include "lab/survey/short_text.h"
 #include "personality/personality.h"
 
 namespace fernwick::lab {
@@ -81,7 +82,7 @@ class KeyText {
     const auto personality = candidate.AsDictionary();
     if (!personality) return Line(1, text + ": is " + std::string(KindOf(candidate)));
     const auto* firmware = personality->Find("Firmware");
-    if (firmware != nullptr) text += ", " + InlineText(*firmware);
+    if (firmware != nullptr) text += ", " + ShortText(InlineText(*firmware));
     Line(1, text + ": " + ResultText(coverage_, index));
     if (coverage_.matched[index] > 0) PrintLists(*personality, location, index);
   }
@@ -101,7 +102,8 @@ class KeyText {
     std::size_t count = 0;
     for (std::size_t i = 0; i < list.size(); ++i) {
       if (counts[i] > 0 || ++count > MaxElements) continue;
-      text += (count == 1 ? "" : ", ") + InlineText(list[i]) + At(key.value.elements[i].offset);
+      text += (count == 1 ? "" : ", ") + ShortText(InlineText(list[i])) +
+              At(key.value.elements[i].offset);
     }
     if (count == 0) return;
     if (count > MaxElements) text += ", ...";

@@ -1,11 +1,11 @@
 #include "lab/survey/coverage/covered_payload.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <filesystem>
 
 #include "lab/support/tool_run.h"
-#include "lab/survey/coverage/payload_boards.h"
 #include "testing/capture.h"
 #include "testing/temporary_directory.h"
 
@@ -62,6 +62,26 @@ TEST_F(PayloadCoverage, OfAConfigurationThatIsRemovedMeanwhileIsAnError) {
   testing::StandardErrorCapture errors;
   EXPECT_EQ(payload.Print(*MakeCoverageText(console), totals), LabStatus::UnreadableInput);
   errors.TakeText();
+}
+
+// Without a descriptor for the configuration.
+TEST_F(PayloadCoverage, EndsWhereDescriptorsAreLacking) {
+  const CoveredPayload payload(options_, {"Zed-1", "Zed-2"});
+  StringConsole console;
+  CoverageTotals totals;
+  const auto format = MakeCoverageText(console);
+  testing::StandardErrorCapture errors;
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none = {0, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const int status = payload.Print(*format, totals);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(status, LabStatus::OutOfMemory);
+  EXPECT_EQ(errors.TakeText(),
+            "fernwick-lab: " + Directory() + "/Zed-1/Config.plist: Too many open files\n");
+  console.Flush();
+  EXPECT_EQ(console.Output(), "");
 }
 
 TEST_F(PayloadCoverage, DoesNotCountWhatHasNoConfiguration) {
