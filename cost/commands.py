@@ -15,9 +15,10 @@ class Command:
 
 
 OF_RECORDINGS = ("replay", "explain", "explain --json", "show", "show --json", "convert xml",
-                 "convert binary", "redact", "survey", "survey ndjson", "diff")
+                 "convert binary", "redact", "survey", "survey ndjson", "coverage", "diff")
 OF_CONFIGURATIONS = ("replay", "explain", "explain --json", "lint", "lint json", "lint sarif",
-                     "survey", "survey ndjson", "survey csv", "diff", "diff json",
+                     "survey", "survey ndjson", "survey csv", "coverage", "coverage json", "diff",
+                     "diff json",
                      "convert CONFIGURATION xml", "convert CONFIGURATION binary")
 
 
@@ -53,6 +54,8 @@ def command(name, directory):
         "survey --expect": [*survey, "--expect", directory / "expected.ndjson", recording],
         "survey of a list": [*survey, "-"],
         "survey of a directory": [*survey, directory / "fleet"],
+        "coverage": ["coverage", "-j1", "-p", payload, recording],
+        "coverage json": ["coverage", "-j1", "--json", "-p", payload, recording],
         "diff": [*diff, recording],
         "diff json": [*diff, "--json", recording],
     }

@@ -72,9 +72,17 @@ TEST(Descriptors, ThatAreTooFewAreAnErrorOfEveryVerbOfOneComputer) {
   ExpectAnswerOrLack("lint payload");
 }
 
+TEST(Descriptors, ThatAreTooFewAreAnErrorOfACoverage) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  ExpectAnswerOrLack("coverage -j1 -p payload " + OnePort);
+  ExpectAnswerOrLack("coverage -j1 -p payload .");
+}
+
 TEST(Memory, ThatIsTooLittleIsNoAnswer) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  for (const auto* command : {"diff -j1 -p draft -p payload .", "survey -j1 -p payload ."}) {
+  for (const auto* command :
+       {"diff -j1 -p draft -p payload .", "survey -j1 -p payload .", "coverage -j1 -p payload ."}) {
     const auto usual = RunWith("true", command);
     for (int kibibytes = 6000; kibibytes < 12000; kibibytes += 500) {
       const auto found = RunWith("ulimit -v " + std::to_string(kibibytes), command);
@@ -109,6 +117,7 @@ TEST(Permission, ThatIsMissingForAConfigurationOrItsDirectoryIsAnError) {
     fs::permissions(path, fs::perms::none);
     const std::vector<std::vector<std::string>> commands = {
         {"survey", "-j1", "-p", payload.Path(), OnePort},
+        {"coverage", "-j1", "-p", payload.Path(), OnePort},
         {"diff", "-j1", "-p", "payload", "-p", payload.Path(), OnePort},
         {"diff", "-j1", "-p", payload.Path(), "-p", payload.Path(), OnePort}};
     for (auto command : commands) {
@@ -227,7 +236,8 @@ TEST(Survey, HasColumnsOfAMaximumWidthUnlessItIsWide) {
         .standardOutput;
   };
   const auto row = [](const std::string& file, std::size_t width) {
-    return "\n" + file + std::string(width - file.size(), ' ') + "  Zed-1A09  0    13\n";
+    return "\n" + file + std::string(width - file.size(), ' ') +
+           "  Zed-1A09  0    13      no controllers\n";
   };
   const auto limited = survey("");
   EXPECT_NE(limited.find(row(name, name.size())), std::string::npos) << limited;

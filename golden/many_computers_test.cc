@@ -82,12 +82,14 @@ TEST_F(ManyComputers, AreNotTouchedByThoseThatEndAbnormallyNorByTheNumberOfJobs)
   ASSERT_EQ(expected.size(), Many);
   ASSERT_EQ(found.size(), Many);
   for (std::size_t i = 0; i < Many; ++i) {
-    EXPECT_EQ(found[i], i % 100 == Faulty
-                            ? "{\"file\":\"" + PathOf(Faulty) +
-                                  "\",\"outcome\":\"abnormal end\",\"status\":null,\"reason\":"
-                                  "\"SIGABRT\",\"board\":null,\"revision\":0,\"matches\":[],"
-                                  "\"diagnostics\":[],\"plan\":null}"
-                            : expected[i]);
+    EXPECT_EQ(found[i],
+              i % 100 == Faulty
+                  ? "{\"file\":\"" + PathOf(Faulty) +
+                        "\",\"outcome\":\"abnormal end\",\"class\":\"fault\",\"status\":null,"
+                        "\"reason\":\"SIGABRT\",\"board\":null,\"revision\":0,"
+                        "\"matches\":[],\"nearestMiss\":null,\"diagnostics\":[],"
+                        "\"plan\":null}"
+                  : expected[i]);
   }
 }
 

@@ -60,7 +60,9 @@ class SavedSurvey : public ::testing::Test {
   }
 
   const std::string Totals =
-      "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 1 match\n";
+      "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 1 match\n"
+      "  classes: 1 planned\n"
+      "  board Zed-1: 1 planned\n";
   const std::string AsExpected = Totals + "as expected\n";
 
   testing::TemporaryDirectory directory_;
@@ -153,13 +155,15 @@ TEST_F(SavedSurvey, SaysWhichPlannedImageIsMissing) {
   EXPECT_EQ(std::remove(image.c_str()), 0);
   EXPECT_EQ(
       Survey("-p payload fleet").standardOutput,
-      "FILE                    BOARD  REV  STATUS  TYPE        RID  PORT  INSTALLED  VERSION  "
-      "IMAGE\n"
-      "fleet/a.registry.plist  Zed-1  0    0       LegacyUSBC  -    -     1          9        "
-      "a.bin\n"
+      "FILE                    BOARD  REV  STATUS  CLASS    TYPE        RID  PORT  INSTALLED  "
+      "VERSION  IMAGE\n"
+      "fleet/a.registry.plist  Zed-1  0    0       planned  LegacyUSBC  -    -     1          "
+      "9        a.bin\n"
       "    image missing: a.bin\n"
       "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 1 "
-      "match, 1 without the image file\n");
+      "match, 1 without the image file\n"
+      "  classes: 1 planned\n"
+      "  board Zed-1: 1 planned\n");
   EXPECT_EQ(Survey("-p payload fleet --expect saved/s.ndjson").status, "1");
 }
 

@@ -51,19 +51,22 @@ ChildOutcome SurveyEachOutcome(const std::vector<std::string>& options,
 
 constexpr char Totals[] =
     "5 computers: 1 with a plan, 1 without, 1 bypassed, 1 refused, 1 ended abnormally; 2 matches\n"
+    "  classes: 1 planned, 1 unknown board, 1 bypassed, 1 fault, 1 refused\n"
+    "  board Zed-1A06: 1 planned\n"
+    "  board Zed-42: 1 unknown board, 1 bypassed, 1 fault\n"
     "  1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
     "  1 x fernwick: Unexpected format for config plist file.  Aborting\n";
 
 const std::string Rows[] = {
-    R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false}],"diagnostics":[],"plan":{"priority":30,"setNVRAM":{},"clearNVRAM":[],"options":"-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data -noreset"}})"
+    R"({"file":"../examples/thunderbolt-only.registry.plist","outcome":"plan","class":"planned","status":0,"reason":null,"board":"Zed-1A06","revision":1,"matches":[{"type":"LegacyThunderbolt","rid":2,"portAddress":null,"installed":23.020000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false},{"type":"LegacyThunderbolt","rid":3,"portAddress":null,"installed":23.060000001,"version":24,"image":"ridge-24.00.bin","imageMissing":false}],"nearestMiss":null,"diagnostics":[],"plan":{"priority":30,"setNVRAM":{},"clearNVRAM":[],"options":"-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data -noreset"}})"
     "\n",
-    R"({"file":"recordings/typical.registry.plist","outcome":"no plan","status":13,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[{"text":"fernwick: Error reading plist: No files to support boardID: Zed-42","count":1},{"text":"fernwick: Unexpected format for config plist file.  Aborting","count":1}],"plan":null})"
+    R"({"file":"recordings/typical.registry.plist","outcome":"no plan","class":"unknown board","status":13,"reason":null,"board":"Zed-42","revision":3,"matches":[],"nearestMiss":null,"diagnostics":[{"text":"fernwick: Error reading plist: No files to support boardID: Zed-42","count":1},{"text":"fernwick: Unexpected format for config plist file.  Aborting","count":1}],"plan":null})"
     "\n",
-    R"({"file":"recordings/bypass-nvram.registry.plist","outcome":"bypassed","status":0,"reason":null,"board":"Zed-42","revision":3,"matches":[],"diagnostics":[],"plan":null})"
+    R"({"file":"recordings/bypass-nvram.registry.plist","outcome":"bypassed","class":"bypassed","status":0,"reason":null,"board":"Zed-42","revision":3,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
     "\n",
-    R"({"file":"none.registry.plist","outcome":"refused","status":66,"reason":"No such file or directory","board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
+    R"({"file":"none.registry.plist","outcome":"refused","class":"refused","status":66,"reason":"No such file or directory","board":null,"revision":null,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
     "\n",
-    R"({"file":"recordings/bare-switch.registry.plist","outcome":"abnormal end","status":null,"reason":"SIGABRT","board":"Zed-42","revision":3,"matches":[],"diagnostics":[],"plan":null})"
+    R"({"file":"recordings/bare-switch.registry.plist","outcome":"abnormal end","class":"fault","status":null,"reason":"SIGABRT","board":"Zed-42","revision":3,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
     "\n",
 };
 
@@ -71,19 +74,19 @@ TEST(Survey, AsATableShowsEveryOutcomeAndTheTotals) {
   ExpectOutcome(
       SurveyEachOutcome({}),
       {"66",
-       "FILE                                         BOARD     REV  STATUS      TYPE               "
-       "RID  PORT  INSTALLED     VERSION  IMAGE\n"
-       "../examples/thunderbolt-only.registry.plist  Zed-1A06  1    0           LegacyThunderbolt  "
-       "2    -     23.020000001  24       ridge-24.00.bin\n"
-       "                                                                        LegacyThunderbolt  "
-       "3    -     23.060000001  24       ridge-24.00.bin\n"
-       "recordings/typical.registry.plist            Zed-42    3    13\n"
+       "FILE                                         BOARD     REV  STATUS      CLASS          "
+       "TYPE               RID  PORT  INSTALLED     VERSION  IMAGE\n"
+       "../examples/thunderbolt-only.registry.plist  Zed-1A06  1    0           planned        "
+       "LegacyThunderbolt  2    -     23.020000001  24       ridge-24.00.bin\n"
+       "                                                                                       "
+       "LegacyThunderbolt  3    -     23.060000001  24       ridge-24.00.bin\n"
+       "recordings/typical.registry.plist            Zed-42    3    13          unknown board\n"
        "    1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
        "    1 x fernwick: Unexpected format for config plist file.  Aborting\n"
-       "recordings/bypass-nvram.registry.plist       Zed-42    3    0 bypassed\n"
-       "none.registry.plist                          -         -    66 refused\n"
+       "recordings/bypass-nvram.registry.plist       Zed-42    3    0 bypassed  bypassed\n"
+       "none.registry.plist                          -         -    66 refused  refused\n"
        "    No such file or directory\n"
-       "recordings/bare-switch.registry.plist        Zed-42    3    SIGABRT\n" +
+       "recordings/bare-switch.registry.plist        Zed-42    3    SIGABRT     fault\n" +
            std::string(Totals),
        ""});
 }
@@ -100,21 +103,23 @@ TEST(Survey, AsCsvIsALineForEveryMatchOrComputer) {
       {"66",
        "file,outcome,status,reason,board,revision,type,rid,port "
        "address,installed,version,image,diagnostics,image "
-       "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
+       "missing,priority,SetNVRAM,ClearNVRAM,options,class,miss key,miss,miss type,miss "
+       "personality,miss controller\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,2,,23."
        "020000001,24,ridge-24.00.bin,,,30,{},[],"
        "'-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data "
-       "-noreset\r\n"
+       "-noreset,planned,,,,,\r\n"
        "../examples/thunderbolt-only.registry.plist,plan,0,,Zed-1A06,1,LegacyThunderbolt,3,,23."
        "060000001,24,ridge-24.00.bin,,,30,{},[],"
        "'-g -o -sr 2 0 -ee efi-quince-payload0-data -g -o -sr 3 0 -ee efi-quince-payload1-data "
-       "-noreset\r\n"
+       "-noreset,planned,,,,,\r\n"
        "recordings/typical.registry.plist,no plan,13,,Zed-42,3,,,,,,,1 x fernwick: Error reading "
        "plist: No files to support boardID: Zed-42; 1 x fernwick: Unexpected format for config "
-       "plist file.  Aborting,,,,,\r\n"
-       "recordings/bypass-nvram.registry.plist,bypassed,0,,Zed-42,3,,,,,,,,,,,,\r\n"
-       "none.registry.plist,refused,66,No such file or directory,,,,,,,,,,,,,,\r\n"
-       "recordings/bare-switch.registry.plist,abnormal end,,SIGABRT,Zed-42,3,,,,,,,,,,,,\r\n",
+       "plist file.  Aborting,,,,,,unknown board,,,,,\r\n"
+       "recordings/bypass-nvram.registry.plist,bypassed,0,,Zed-42,3,,,,,,,,,,,,,bypassed,,,,,\r\n"
+       "none.registry.plist,refused,66,No such file or directory,,,,,,,,,,,,,,,refused,,,,,\r\n"
+       "recordings/bare-switch.registry.plist,abnormal "
+       "end,,SIGABRT,Zed-42,3,,,,,,,,,,,,,fault,,,,,\r\n",
        Totals});
 }
 
@@ -130,6 +135,7 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        "name=\"../examples/thunderbolt-only.registry.plist\">\n"
        "      <system-out>\n"
        "plan, status 0, board Zed-1A06, revision 1\n"
+       "class planned\n"
        "LegacyThunderbolt: RID 2, port -, 23.020000001 to 24, ridge-24.00.bin\n"
        "LegacyThunderbolt: RID 3, port -, 23.060000001 to 24, ridge-24.00.bin\n"
        "plan: priority 30, SetNVRAM {}, ClearNVRAM [], options -g -o -sr 2 0 -ee "
@@ -139,6 +145,7 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        "    <testcase classname=\"Zed-42\" name=\"recordings/typical.registry.plist\">\n"
        "      <system-out>\n"
        "no plan, status 13, board Zed-42, revision 3\n"
+       "class unknown board\n"
        "1 x fernwick: Error reading plist: No files to support boardID: Zed-42\n"
        "1 x fernwick: Unexpected format for config plist file.  Aborting\n"
        "      </system-out>\n"
@@ -146,18 +153,21 @@ TEST(Survey, AsJunitIsATestCaseForEveryComputer) {
        "    <testcase classname=\"Zed-42\" name=\"recordings/bypass-nvram.registry.plist\">\n"
        "      <system-out>\n"
        "bypassed, status 0, board Zed-42, revision 3\n"
+       "class bypassed\n"
        "      </system-out>\n"
        "    </testcase>\n"
        "    <testcase classname=\"-\" name=\"none.registry.plist\">\n"
        "      <failure type=\"refused\" message=\"No such file or directory\"/>\n"
        "      <system-out>\n"
        "refused, status 66 (No such file or directory), board -, revision -\n"
+       "class refused\n"
        "      </system-out>\n"
        "    </testcase>\n"
        "    <testcase classname=\"Zed-42\" name=\"recordings/bare-switch.registry.plist\">\n"
        "      <failure type=\"abnormal end\" message=\"SIGABRT\"/>\n"
        "      <system-out>\n"
        "abnormal end, status - (SIGABRT), board Zed-42, revision 3\n"
+       "class fault\n"
        "      </system-out>\n"
        "    </testcase>\n"
        "  </testsuite>\n"
@@ -199,8 +209,10 @@ TEST_F(ExpectedSurvey, ShowsTheLinesThatDiffer) {
                  "  + LegacyThunderbolt: RID 2, port -, 23.020000001 to 24, ridge-24.00.bin\n"
                  "none.registry.plist: additional\n"
                  "  + refused, status 66 (No such file or directory), board -, revision -\n"
+                 "  + class refused\n"
                  "gone.registry.plist: missing\n"
-                 "  - refused, status 66 (No such file or directory), board -, revision -\n" +
+                 "  - refused, status 66 (No such file or directory), board -, revision -\n"
+                 "  - class refused\n" +
                      std::string(Totals) + changes_,
                  ""});
 }
@@ -223,13 +235,14 @@ TEST_F(ExpectedSurvey, AsCsvHasBothSides) {
   const std::string names =
       "difference,side,file,outcome,status,reason,board,revision,type,rid,port "
       "address,installed,version,image,diagnostics,image "
-      "missing,priority,SetNVRAM,ClearNVRAM,options\r\n";
+      "missing,priority,SetNVRAM,ClearNVRAM,options,class,miss key,miss,miss type,miss "
+      "personality,miss controller\r\n";
   ExpectOutcome(SurveyAgainst(missingRow_ + Rows[0] + Rows[1] + Rows[2] + Rows[4], "csv"),
                 {"1",
                  names + "additional,found,none.registry.plist,refused,66,No such file or "
-                         "directory,,,,,,,,,,,,,,\r\n"
+                         "directory,,,,,,,,,,,,,,,refused,,,,,\r\n"
                          "missing,expected,gone.registry.plist,refused,66,No such file or "
-                         "directory,,,,,,,,,,,,,,\r\n",
+                         "directory,,,,,,,,,,,,,,,refused,,,,,\r\n",
                  Totals + std::string("not as expected: 0 changed, 1 additional, 1 missing\n")});
 }
 
@@ -241,6 +254,23 @@ TEST_F(ExpectedSurvey, AsJunitFailsOnlyWhatDiffers) {
       "  <testsuite name=\"fernwick-lab survey\" tests=\"5\" failures=\"0\" errors=\"0\" "
       "skipped=\"0\">\n";
   EXPECT_EQ(outcome.standardOutput.substr(0, head.size()), head);
+}
+
+// An earlier version saved neither classes nor nearest misses.
+TEST_F(ExpectedSurvey, WithoutClassesIsComparedWithoutThem) {
+  const auto former = [](const std::string& row, const std::string& computerClass) {
+    return Replaced(Replaced(row, "\"class\":\"" + computerClass + "\",", ""),
+                    "\"nearestMiss\":null,", "");
+  };
+  const auto rest = Rows[3] + Rows[4] + former(Rows[2], "bypassed");
+  const auto planned = former(Rows[0], "planned");
+  const auto unknown = former(Rows[1], "unknown board");
+  ExpectOutcome(SurveyAgainst(rest + planned + unknown, "table"),
+                {"0", Totals + std::string("as expected\n"), ""});
+  const auto csv = SurveyAgainst(rest + planned + Replaced(unknown, "13", "14"), "csv");
+  EXPECT_EQ(csv.status, "1");
+  EXPECT_NE(csv.standardOutput.find("Aborting,,,,,,,,,,,\r\n"), std::string::npos);
+  EXPECT_NE(csv.standardOutput.find("Aborting,,,,,,unknown board,,,,,\r\n"), std::string::npos);
 }
 
 TEST_F(ExpectedSurvey, ThatIsMalformedIsRefusedWithItsLocation) {
@@ -269,6 +299,49 @@ TEST(Survey, NeedsAPayload) {
       {"64", "", "fernwick-lab: --payload is required; see fernwick-lab survey --help\n"});
 }
 
+TEST(Survey, FailsOnTheClassesThatAreNamed) {
+  const auto statusOn = [](const std::string& classes) {
+    return Survey({"-p", "../examples/payload", "../examples", "--format", "ndjson", "--fail-on",
+                   classes})
+        .status;
+  };
+  for (const auto* classes : {"planned", "current", "no-controllers", "no-plan", "fault,current"}) {
+    EXPECT_EQ(statusOn(classes), "1") << classes;
+  }
+  for (const auto* classes : {"blocked", "unmatched,unknown-board", "abnormal", "refused,bypassed",
+                              "fault", "no-configuration"}) {
+    EXPECT_EQ(statusOn(classes), "0") << classes;
+  }
+  ExpectOutcome(
+      Survey({"-p", "../examples/payload", "../examples", "--fail-on", "current,no plan"}),
+      {"64", "",
+       "fernwick-lab: --fail-on: \"no plan\" is not one of planned, current, blocked, unmatched, "
+       "no-controllers, unknown-board, no-configuration, bypassed, fault, refused, abnormal, "
+       "no-plan; see fernwick-lab survey --help\n"});
+}
+
+// All formats but ndjson, whose rows are tested elsewhere.
+TEST(Survey, WithoutAPlanShowsTheNearestMiss) {
+  const auto outcome = [](const char* format) {
+    return Survey({"-p", "../examples/payload", "../examples/up-to-date.registry.plist", "--format",
+                   format})
+        .standardOutput;
+  };
+  EXPECT_NE(outcome("table").find(
+                "    nearest miss: Version 43.1 is not newer than the installed 43.100000001 "
+                "(Thunderbolt, personality 1 on IOService:/bridge0/ridge0/port1/hpm0)\n"),
+            std::string::npos);
+  EXPECT_NE(outcome("junit").find(
+                "class current\nnearest miss: Version 43.1 is not newer than the installed "
+                "43.100000001 (Thunderbolt, personality 1 on "
+                "IOService:/bridge0/ridge0/port1/hpm0)\n"),
+            std::string::npos);
+  EXPECT_NE(
+      outcome("csv").find(",current,Version,43.1 is not newer than the installed "
+                          "43.100000001,Thunderbolt,1,IOService:/bridge0/ridge0/port1/hpm0\r\n"),
+      std::string::npos);
+}
+
 TEST(Survey, AcceptsTheVersionBypass) {
   const std::vector<std::string> arguments = {
       "-p", "../examples/payload", "../examples/up-to-date.registry.plist", "--format", "csv"};
@@ -276,10 +349,10 @@ TEST(Survey, AcceptsTheVersionBypass) {
   bypassing.emplace_back("--bypassVersion");
   EXPECT_EQ(Survey(arguments).standardError,
             "1 computer: 0 with a plan, 1 without, 0 bypassed, 0 refused, 0 ended abnormally; 0 "
-            "matches\n");
+            "matches\n  classes: 1 current\n  board Zed-1A08: 1 current\n");
   EXPECT_EQ(Survey(bypassing).standardError,
             "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 2 "
-            "matches\n");
+            "matches\n  classes: 1 planned\n  board Zed-1A08: 1 planned\n");
 }
 
 TEST(Survey, WhoseOutputIsLostStops) {
@@ -318,24 +391,27 @@ TEST(Survey, ShowsNothingOfAFileRaw) {
                   directory.Path())
         .standardOutput;
   };
-  EXPECT_EQ(outcome("ndjson"),
-            "{\"file\":\"./a\\u001b[31m,\\\"\uFFFD\\n.registry.plist\",\"outcome\":\"refused\","
-            "\"status\":65,\"reason\":\"\\\"Recording Version\\\" is missing\",\"board\":null,"
-            "\"revision\":null,\"matches\":[],\"diagnostics\":[],\"plan\":null}\n");
+  EXPECT_EQ(
+      outcome("ndjson"),
+      "{\"file\":\"./"
+      "a\\u001b[31m,\\\"\uFFFD\\n.registry.plist\",\"outcome\":\"refused\",\"class\":\"refused\","
+      "\"status\":65,\"reason\":\"\\\"Recording Version\\\" is missing\",\"board\":null,"
+      "\"revision\":null,\"matches\":[],\"nearestMiss\":null,\"diagnostics\":[],\"plan\":null}\n");
   EXPECT_EQ(outcome("csv"),
             "file,outcome,status,reason,board,revision,type,rid,port "
             "address,installed,version,image,diagnostics,image "
-            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
+            "missing,priority,SetNVRAM,ClearNVRAM,options,class,miss key,miss,miss type,miss "
+            "personality,miss controller\r\n"
             "\"./a\\033[31m,\"\"\\377\\012.registry.plist\",refused,65,\"\"\"Recording "
-            "Version\"\" is missing\",,,,,,,,,,,,,,\r\n");
+            "Version\"\" is missing\",,,,,,,,,,,,,,,refused,,,,,\r\n");
   EXPECT_EQ(
       outcome("table"),
-      "FILE                                  BOARD  REV  STATUS      TYPE  RID  PORT  INSTALLED "
-      " VERSION  IMAGE\n"
-      "./a\\033[31m,\"\\377\\012.registry.plist  -      -    65 refused\n"
+      "FILE                                  BOARD  REV  STATUS      CLASS    TYPE  RID  PORT  "
+      "INSTALLED  VERSION  IMAGE\n"
+      "./a\\033[31m,\"\\377\\012.registry.plist  -      -    65 refused  refused\n"
       "    \"Recording Version\" is missing\n"
       "1 computer: 0 with a plan, 0 without, 0 bypassed, 1 refused, 0 ended abnormally; 0 "
-      "matches\n");
+      "matches\n  classes: 1 refused\n");
 }
 
 TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
@@ -350,8 +426,9 @@ TEST(Survey, AsCsvHasNoCellThatASpreadsheetReadsAsAFormula) {
   EXPECT_EQ(outcome.standardOutput,
             "file,outcome,status,reason,board,revision,type,rid,port "
             "address,installed,version,image,diagnostics,image "
-            "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
-            "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,,,,,,\r\n");
+            "missing,priority,SetNVRAM,ClearNVRAM,options,class,miss key,miss,miss type,miss "
+            "personality,miss controller\r\n"
+            "'=1+1.registry.plist,no plan,13,,'@A,0,,,,,,,,,,,,,no controllers,,,,,\r\n");
 }
 
 // The limit is above what the program needs and below what the recording does.
@@ -371,8 +448,9 @@ TEST(Survey, EndsWhereARecordingExhaustsMemory) {
   ExpectOutcome(outcome, {"71",
                           "file,outcome,status,reason,board,revision,type,rid,port "
                           "address,installed,version,image,diagnostics,image "
-                          "missing,priority,SetNVRAM,ClearNVRAM,options\r\n"
-                          "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,,,,,,\r\n",
+                          "missing,priority,SetNVRAM,ClearNVRAM,options,class,miss key,miss,miss "
+                          "type,miss personality,miss controller\r\n"
+                          "./a.registry.plist,abnormal end,,SIGABRT,,0,,,,,,,,,,,,,fault,,,,,\r\n",
                           "fernwick: out of memory\n"});
 }
 

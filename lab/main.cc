@@ -29,6 +29,7 @@ constexpr Verb Verbs[] = {
     {"record", "write this computer, or one whose files were copied, as a recording", RecordVerb},
     {"import", "make a recording of registry dumps", Import},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
+    {"coverage", "print what recorded computers exercise of a payload", Coverage},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
 };
 

@@ -53,6 +53,10 @@ VerbEnd Import(int argumentCount, char* const arguments[]);
 /// Runs the tool over every selected computer and prints a row for each.
 VerbEnd Survey(int argumentCount, char* const arguments[]);
 
+/// Prints what recorded computers exercise of a payload. The status is 1 when that is less than
+/// --threshold.
+VerbEnd Coverage(int argumentCount, char* const arguments[]);
+
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd Diff(int argumentCount, char* const arguments[]);
 

@@ -16,7 +16,8 @@ int WritePlan(Console& console, bool verbose, const std::vector<std::string>& ar
   const auto toClear = NvramToClear(plan);
   if (toSet.Size() > 0) list.Set("SetNVRAM", Dictionary(toSet));
   if (!toClear.empty()) list.Set("ClearNVRAM", Array(toClear));
-  console.Write(WriteXmlPropertyList(Dictionary(list)));
+  WriteXmlPropertyList(Dictionary(list), std::string::npos,
+                       [&](std::string_view part) { console.Write(part); });
   console.Write("\n");
   console.Flush();
   return 0;

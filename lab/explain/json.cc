@@ -23,12 +23,6 @@ Json ValueOrNull(const std::optional<PropertyValue>& value) {
   return value ? ToJson(*value) : Json(nullptr);
 }
 
-Json LocationJson(const std::optional<FileLocation>& location) {
-  if (!location) return nullptr;
-  if (location->line == 0) return {{"byte", location->byte}};
-  return {{"line", location->line}, {"column", location->column}};
-}
-
 Json AsJson(std::string_view text) {
   return Json(text);
 }
@@ -230,6 +224,12 @@ std::string_view NameOf(SkipReason reason) {
     case SkipReason::AddressBelowThunderbolt: break;
   }
   return "addressBelowThunderbolt";
+}
+
+Json LocationJson(const std::optional<FileLocation>& location) {
+  if (!location) return nullptr;
+  if (location->line == 0) return {{"byte", location->byte}};
+  return {{"line", location->line}, {"column", location->column}};
 }
 
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {

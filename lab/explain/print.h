@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "lab/explain/explanation.h"
@@ -14,6 +15,9 @@ void PrintExplanationText(const Explanation& explanation, bool emphasise, const 
 /// Prints the whole explanation as a JSON document. Personalities are numbered from 1; pairs
 /// are in the order of the file.
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
+
+/// A location in JSON: {"line": 12, "column": 7}, {"byte": 812} in a binary file, or null.
+Json LocationJson(const std::optional<FileLocation>& location);
 
 /// The names in the JSON: "nothingMatched", "notReached", "aboveInstalled".
 std::string_view NameOf(RunEnd end);

@@ -10,10 +10,30 @@ namespace fernwick::lab {
 namespace {
 
 const CsvCells ComparisonNames = {"difference", "side"};
-const CsvCells Names = {"file",     "outcome",    "status",      "reason",        "board",
-                        "revision", "type",       "rid",         "port address",  "installed",
-                        "version",  "image",      "diagnostics", "image missing", "priority",
-                        "SetNVRAM", "ClearNVRAM", "options"};
+const CsvCells Names = {"file",
+                        "outcome",
+                        "status",
+                        "reason",
+                        "board",
+                        "revision",
+                        "type",
+                        "rid",
+                        "port address",
+                        "installed",
+                        "version",
+                        "image",
+                        "diagnostics",
+                        "image missing",
+                        "priority",
+                        "SetNVRAM",
+                        "ClearNVRAM",
+                        "options",
+                        "class",
+                        "miss key",
+                        "miss",
+                        "miss type",
+                        "miss personality",
+                        "miss controller"};
 
 std::string DiagnosticsOf(const SurveyRow& row) {
   std::string text;
@@ -24,6 +44,13 @@ std::string DiagnosticsOf(const SurveyRow& row) {
   return text;
 }
 
+CsvCells Joined(const CsvCells& first, const CsvCells& second, const CsvCells& third) {
+  auto cells = first;
+  cells.insert(cells.end(), second.begin(), second.end());
+  cells.insert(cells.end(), third.begin(), third.end());
+  return cells;
+}
+
 // Of a computer with a plan, in each of its lines.
 CsvCells PlanCells(const SurveyRow& row) {
   if (!row.plan) return {"", "", "", ""};
@@ -32,17 +59,20 @@ CsvCells PlanCells(const SurveyRow& row) {
           CsvText(plan.options)};
 }
 
+CsvCells ClassCells(const SurveyRow& row) {
+  CsvCells cells = {row.computerClass ? std::string(NameOf(*row.computerClass)) : ""};
+  if (!row.miss) return Joined(cells, {"", "", "", "", ""}, {});
+  const auto& miss = *row.miss;
+  return Joined(cells,
+                {CsvText(miss.key), CsvText(miss.text), CsvText(miss.type),
+                 std::to_string(miss.personality), CsvText(miss.controller)},
+                {});
+}
+
 // Of a cell that is the same in each line of a computer: a long one is whole in the first alone.
 void Shorten(std::string& cell) {
   constexpr std::size_t MaxRepeated = 1000;
   if (cell.size() > MaxRepeated) cell = "(as in the first line)";
-}
-
-CsvCells Joined(const CsvCells& first, const CsvCells& second, const CsvCells& third) {
-  auto cells = first;
-  cells.insert(cells.end(), second.begin(), second.end());
-  cells.insert(cells.end(), third.begin(), third.end());
-  return cells;
 }
 
 std::string Lines(const CsvCells& first, const SurveyRow& row) {
@@ -52,13 +82,12 @@ std::string Lines(const CsvCells& first, const SurveyRow& row) {
               CsvText(row.reason), CsvValue(row.board), CsvValue(row.revision)},
              {});
   const auto diagnostics = DiagnosticsOf(row);
-  const auto plan = PlanCells(row);
+  auto planCells = Joined(PlanCells(row), ClassCells(row), {});
   if (row.matches.empty()) {
-    return CsvLine(Joined(computer, {"", "", "", "", "", "", diagnostics, ""}, plan));
+    return CsvLine(Joined(computer, {"", "", "", "", "", "", diagnostics, ""}, planCells));
   }
   std::string lines;
   auto diagnosticsCell = diagnostics;
-  auto planCells = plan;
   for (const auto& match : row.matches) {
     const CsvCells cells = {CsvText(match.type),
                             CsvValue(match.rid),

@@ -75,7 +75,8 @@ class SurveyExpectation {
   std::vector<IndexEntry> index_;  // sorted
 };
 
-/// Whether two surveys have the same result for a computer, whatever its path.
+/// Whether two surveys have the same result for a computer, whatever its path. Where one was saved
+/// before rows had a class, the classes and nearest misses are not compared.
 bool AreSame(const SurveyRow& a, const SurveyRow& b);
 
 }  // namespace fernwick::lab

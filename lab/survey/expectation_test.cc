@@ -107,6 +107,27 @@ TEST(AreSame, IsFalseForAnotherPlan) {
   EXPECT_FALSE(AreSame(a, b));
 }
 
+TEST(AreSame, IsFalseForAnotherClassOrNearestMiss) {
+  const NearestMiss miss = {
+      .controller = "c", .type = "USBC", .personality = 1, .key = "RID", .text = "t"};
+  const SurveyRow a{.file = "a", .computerClass = ComputerClass::Blocked, .miss = miss};
+  auto b = a;
+  b.computerClass = ComputerClass::Current;
+  EXPECT_FALSE(AreSame(a, b));
+  b = a;
+  b.miss->personality = 2;
+  EXPECT_FALSE(AreSame(a, b));
+}
+
+TEST(AreSame, IgnoresTheClassWhereOneHasNone) {
+  const NearestMiss miss = {
+      .controller = "c", .type = "USBC", .personality = 1, .key = "RID", .text = "t"};
+  const SurveyRow a{.file = "a", .computerClass = ComputerClass::Blocked, .miss = miss};
+  EXPECT_TRUE(AreSame(a, {.file = "a"}));
+  EXPECT_TRUE(AreSame({.file = "a"}, a));
+  EXPECT_FALSE(AreSame({.file = "a", .outcome = Outcome::Plan}, a));
+}
+
 TEST(AreSame, TellsNumbersOfDifferentKindsApart) {
   SurveyRow a{.file = "a"};
   a.matches.emplace_back().version = 40;

@@ -27,6 +27,14 @@ Json MatchToJson(const SurveyMatch& match) {
           {"imageMissing", match.isImageMissing}};
 }
 
+Json MissToJson(const NearestMiss& miss) {
+  return {{"controller", miss.controller},
+          {"type", miss.type},
+          {"personality", miss.personality},
+          {"key", miss.key},
+          {"text", miss.text}};
+}
+
 // Reads the members of an object and remembers whether each was there and of the right kind.
 class Members {
  public:
@@ -118,21 +126,40 @@ PlanSummary InterpretPlan(Members& members) {
           .options = members.Text("options")};
 }
 
-// Null where it is not there.
-std::optional<PlanSummary> OptionalPlan(Members& members) {
-  if (!members.Has("plan")) return std::nullopt;
-  const auto value = members.Any("plan");
-  if (value.is_null()) return std::nullopt;
-  Members plan(value);
-  auto summary = InterpretPlan(plan);
-  if (!plan.AreSound()) members.Refuse();
-  return summary;
+// The value whose name the member is.
+template <typename Value, std::size_t Count>
+Value InterpretName(const std::array<std::string_view, Count>& names, const char* key,
+                    Members& members) {
+  const auto* const found = std::ranges::find(names, members.Text(key));
+  if (found == names.end()) members.Refuse();
+  return static_cast<Value>(found == names.end() ? 0 : found - names.begin());
 }
 
-Outcome InterpretOutcome(Members& members) {
-  const auto* const found = std::ranges::find(OutcomeNames, members.Text("outcome"));
-  if (found == OutcomeNames.end()) members.Refuse();
-  return static_cast<Outcome>(found == OutcomeNames.end() ? 0 : found - OutcomeNames.begin());
+// Empty where it is null or not there.
+std::optional<ComputerClass> OptionalClass(Members& members) {
+  if (!members.Has("class") || members.Any("class").is_null()) return std::nullopt;
+  return InterpretName<ComputerClass>(ClassNames, "class", members);
+}
+
+NearestMiss InterpretMiss(Members& members) {
+  return {.controller = members.Text("controller"),
+          .type = members.Text("type"),
+          .personality = members.Count("personality"),
+          .key = members.Text("key"),
+          .text = members.Text("text")};
+}
+
+// An object as `interpret` reads it from its members; empty where it is null or not there.
+template <typename Value>
+std::optional<Value> OptionalObject(Members& members, const char* key,
+                                    Value (*interpret)(Members&)) {
+  if (!members.Has(key)) return std::nullopt;
+  const auto value = members.Any(key);
+  if (value.is_null()) return std::nullopt;
+  Members inner(value);
+  auto object = interpret(inner);
+  if (!inner.AreSound()) members.Refuse();
+  return object;
 }
 
 }  // namespace
@@ -150,11 +177,13 @@ Json ToJson(const SurveyRow& row) {
   }
   return {{"file", row.file},
           {"outcome", NameOf(row.outcome)},
+          {"class", row.computerClass ? Json(NameOf(*row.computerClass)) : Json(nullptr)},
           {"status", OrNull(row.status)},
           {"reason", row.reason.empty() ? Json(nullptr) : Json(row.reason)},
           {"board", OrNull(row.board)},
           {"revision", OrNull(row.revision)},
           {"matches", std::move(matches)},
+          {"nearestMiss", row.miss ? MissToJson(*row.miss) : Json(nullptr)},
           {"diagnostics", std::move(diagnostics)},
           {"plan", row.plan ? ToJson(*row.plan) : Json(nullptr)}};
 }
@@ -165,14 +194,16 @@ std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   Members members(*parsed);
   SurveyRow row;
   row.file = members.Text("file");
-  row.outcome = InterpretOutcome(members);
+  row.outcome = InterpretName<Outcome>(OutcomeNames, "outcome", members);
+  row.computerClass = OptionalClass(members);
   row.status = members.OptionalInteger("status");
   row.reason = members.OptionalText("reason").value_or("");
   row.board = members.OptionalText("board");
   row.revision = members.OptionalInteger("revision");
   row.matches = members.List<SurveyMatch>("matches", InterpretMatch);
+  row.miss = OptionalObject(members, "nearestMiss", InterpretMiss);
   row.diagnostics = members.List<DiagnosticCount>("diagnostics", InterpretDiagnostic);
-  row.plan = OptionalPlan(members);
+  row.plan = OptionalObject(members, "plan", InterpretPlan);
   if (!members.AreSound()) return std::nullopt;
   return row;
 }

@@ -9,6 +9,7 @@
 #include "lab/support/diagnostics.h"
 #include "lab/support/json_values.h"
 #include "lab/support/plan_summary.h"
+#include "lab/survey/computer_class.h"
 
 namespace fernwick::lab {
 
@@ -40,11 +41,13 @@ struct SurveyMatch {  // NOLINT: Json moves without exceptions, whatever it is m
 struct SurveyRow {
   std::string file;
   Outcome outcome = Outcome::NoPlan;
-  std::optional<int> status = {};  // the tool's; the lab's of a refused recording
-  std::string reason = {};         // why it was refused, or what ended it, such as "SIGABRT"
+  std::optional<ComputerClass> computerClass = {};  // empty: the row was saved before rows had one
+  std::optional<int> status = {};                   // the tool's; the lab's of a refused recording
+  std::string reason = {};  // why it was refused, or what ended it, such as "SIGABRT"
   std::optional<std::string> board = {};
   std::optional<int> revision = {};
   std::vector<SurveyMatch> matches = {};          // in the order of the plan
+  std::optional<NearestMiss> miss = {};           // of a Classification
   std::vector<DiagnosticCount> diagnostics = {};  // in the order in which they first came
   std::optional<PlanSummary> plan = {};           // empty without a plan
 };
@@ -53,7 +56,8 @@ struct SurveyRow {
 Json ToJson(const SurveyRow& row);
 
 /// A row from its JSON, such as one of an earlier survey: one that was saved before rows had
-/// "imageMissing" and "plan" lacks them. Empty when it is not a row, or nested too deep to be one.
+/// "imageMissing" and "plan", or before they had "class" and "nearestMiss", lacks them. Empty when
+/// it is not a row, or nested too deep to be one.
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json);
 
 }  // namespace fernwick::lab

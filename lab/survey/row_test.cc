@@ -7,9 +7,11 @@ namespace {
 
 // A row with a value for every key, in JSON.
 constexpr char Full[] =
-    R"({"file":"a","outcome":"plan","status":0,"reason":"r","board":"Zed-1","revision":255,)"
+    R"({"file":"a","outcome":"plan","class":"no controllers","status":0,"reason":"r","board":"Zed-1","revision":255,)"
     R"("matches":[{"type":"USBC","rid":18446744073709551615,"portAddress":-1,"installed":1.5,)"
-    R"("version":{"real":"nan"},"image":"x\u0000","imageMissing":true}],"diagnostics":[{"text":"** t","count":2}],)"
+    R"("version":{"real":"nan"},"image":"x\u0000","imageMissing":true}],"nearestMiss":)"
+    R"({"controller":"IOService:/p","type":"USBC","personality":3,"key":"RID","text":"wants 1"},)"
+    R"("diagnostics":[{"text":"** t","count":2}],)"
     R"("plan":{"priority":2147483647,"setNVRAM":{"a":{"data":"5a"}},"clearNVRAM":["b"],)"
     R"("options":"-noreset"}})"
     "\n";
@@ -25,9 +27,11 @@ TEST(SurveyRow, IsTheSameAfterPassingThroughJson) {
 }
 
 TEST(SurveyRow, OfNothingHasEveryKey) {
-  EXPECT_EQ(PrintJsonRow(ToJson(SurveyRow{.file = "a"})),
-            "{\"file\":\"a\",\"outcome\":\"no plan\",\"status\":null,\"reason\":null,"
-            "\"board\":null,\"revision\":null,\"matches\":[],\"diagnostics\":[],\"plan\":null}\n");
+  EXPECT_EQ(
+      PrintJsonRow(ToJson(SurveyRow{.file = "a"})),
+      "{\"file\":\"a\",\"outcome\":\"no plan\",\"class\":null,\"status\":null,\"reason\":null,"
+      "\"board\":null,\"revision\":null,\"matches\":[],\"nearestMiss\":null,\"diagnostics\":[],"
+      "\"plan\":null}\n");
 }
 
 TEST(SurveyRow, HasANameForEveryOutcome) {
@@ -44,6 +48,7 @@ TEST(SurveyRow, OfWhichAKeyIsMissingIsNone) {
        {"\"file\":\"a\",", "\"outcome\":\"plan\",", "\"status\":0,", "\"reason\":\"r\",",
         "\"board\":\"Zed-1\",", "\"revision\":255,", "\"type\":\"USBC\",", "\"portAddress\":-1,",
         "\"installed\":1.5,", "\"version\":{\"real\":\"nan\"},", "\"text\":\"** t\",",
+        "\"controller\":\"IOService:/p\",", "\"personality\":3,", "\"key\":\"RID\",",
         "\"priority\":2147483647,", "\"clearNVRAM\":[\"b\"],"}) {
     EXPECT_FALSE(ParseSurveyRow(Without(Full, part)).has_value()) << part;
   }
@@ -55,6 +60,26 @@ TEST(SurveyRow, OfAnEarlierVersionLacksThePlanAndWhetherImagesAreThere) {
   ASSERT_TRUE(row.has_value());
   EXPECT_FALSE(row->matches[0].isImageMissing);
   EXPECT_FALSE(row->plan.has_value());
+}
+
+TEST(SurveyRow, OfAnEarlierVersionLacksTheClassAndTheNearestMiss) {
+  const std::string full = Full;
+  const auto begin = full.find("\"nearestMiss\"");
+  auto former = full;
+  former.erase(begin, full.find("\"diagnostics\"") - begin);
+  const auto row = ParseSurveyRow(Without(former, "\"class\":\"no controllers\","));
+  ASSERT_TRUE(row.has_value());
+  EXPECT_FALSE(row->computerClass.has_value());
+  EXPECT_FALSE(row->miss.has_value());
+}
+
+TEST(SurveyRow, HasANameForEveryClass) {
+  for (std::size_t i = 0; i < ClassCount; ++i) {
+    const SurveyRow row{.file = "a", .computerClass = static_cast<ComputerClass>(i)};
+    const auto parsed = ParseSurveyRow(PrintJsonRow(ToJson(row)));
+    ASSERT_TRUE(parsed.has_value());
+    EXPECT_EQ(parsed->computerClass, row.computerClass);
+  }
 }
 
 TEST(SurveyRow, MayContainBracketsInText) {
@@ -69,7 +94,8 @@ TEST(SurveyRow, OfAnotherShapeIsNone) {
        R"({"file":"a","outcome":"x","status":null,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[]})",
        R"({"file":"a","outcome":"plan","status":1.5,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[]})",
        R"({"file":"a","outcome":"plan","status":0,"reason":null,"board":null,"revision":null,"matches":{},"diagnostics":[]})",
-       R"({"file":"a","outcome":"plan","status":0,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[{"text":"t","count":-1}]})"}) {
+       R"({"file":"a","outcome":"plan","status":0,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[{"text":"t","count":-1}]})",
+       R"({"file":"a","outcome":"plan","class":"x","status":0,"reason":null,"board":null,"revision":null,"matches":[],"diagnostics":[]})"}) {
     EXPECT_FALSE(ParseSurveyRow(json).has_value()) << json;
   }
 }

@@ -8,6 +8,7 @@
 
 #include "lab/recordings/recording_file.h"
 #include "lab/support/tool_run.h"
+#include "lab/survey/short_text.h"
 #include "platform/file_system.h"
 #include "registry/board_identity.h"
 
@@ -20,16 +21,10 @@ Outcome OutcomeOf(const RunResult& result) {
   return result.status == ExitStatus::PlanPrinted ? Outcome::Plan : Outcome::NoPlan;
 }
 
-// Many controllers may match one personality, so that a row may repeat a long text many times: its
-// first bytes and its length.
+// Many controllers may match one personality, so that a row may repeat a text many times.
 Json ShortJson(const PropertyValue* value) {
-  constexpr std::size_t MaxLength = 512;
   const auto text = value == nullptr ? std::nullopt : value->AsString();
-  if (!text || text->size() <= MaxLength) return ToJson(value);
-  auto length = MaxLength;
-  while (((*text)[length] & 0xC0) == 0x80) --length;  // not inside a character
-  return std::string(text->substr(0, length)) + " (the first of " + std::to_string(text->size()) +
-         " bytes)";
+  return text ? Json(ShortText(*text)) : ToJson(value);
 }
 
 // The errno that says why the planned image is not found; 0 when it is, or when none is named.
@@ -76,6 +71,7 @@ Result<SurveyRow, LabError> Refused(const std::string& path, const LabError& err
   }
   return SurveyRow{.file = path,
                    .outcome = Outcome::Refused,
+                   .computerClass = ComputerClass::Refused,
                    .status = error.status,
                    .reason = Describe(error.error)};
 }
@@ -92,10 +88,13 @@ Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Optio
   const auto board = ReadBoardIdentity(registry);
   const auto run = RunTool(*recording, options, KeptOutput::Counts);
   if (auto failure = ConfigurationFailure(run, options)) return *std::move(failure);
+  auto [computerClass, miss] = Classify(run, *recording, options);
   SurveyRow row{.file = path,
                 .outcome = OutcomeOf(run.result),
+                .computerClass = computerClass,
                 .board = board.boardIdString,
-                .revision = board.boardRevision};
+                .revision = board.boardRevision,
+                .miss = std::move(miss)};
   if (run.result.fault) {
     row.reason = AbnormalEndName;
     return row;

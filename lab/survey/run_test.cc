@@ -50,14 +50,16 @@ TEST_F(SurveyRun, HasInItsRowTheControllersValuesAndThePlans) {
                           Port("<key>Version</key><integer>1</integer>") +
                           Port("<key>Version</key><integer>2</integer>"));
   const auto head = "{\"file\":\"" + path + "\",";
-  EXPECT_EQ(Survey({path}),
-            head + R"("outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
-                   R"("matches":[{"type":"LegacyUSBC","rid":2,"portAddress":56,"installed":4,)"
-                   R"("version":9,"image":"f.bin","imageMissing":true}],"diagnostics":[{"text":)"
-                   R"("** Min firmware version not met.  Aborting","count":2}],"plan":)"
-                   R"({"priority":0,"setNVRAM":{},"clearNVRAM":[],"options":)"
-                   R"("-g -os -o u -f efi-quince-payload0-data -noreset"}})"
-                   "\n");
+  EXPECT_EQ(
+      Survey({path}),
+      head +
+          R"("outcome":"plan","class":"planned","status":0,"reason":null,"board":"Zed-1","revision":3,)"
+          R"("matches":[{"type":"LegacyUSBC","rid":2,"portAddress":56,"installed":4,)"
+          R"("version":9,"image":"f.bin","imageMissing":true}],"nearestMiss":null,"diagnostics":[{"text":)"
+          R"("** Min firmware version not met.  Aborting","count":2}],"plan":)"
+          R"({"priority":0,"setNVRAM":{},"clearNVRAM":[],"options":)"
+          R"("-g -os -o u -f efi-quince-payload0-data -noreset"}})"
+          "\n");
 }
 
 TEST_F(SurveyRun, WithTheVersionBypassTakesAnyVersion) {
@@ -65,9 +67,9 @@ TEST_F(SurveyRun, WithTheVersionBypassTakesAnyVersion) {
   EXPECT_EQ(
       Survey({path}, true),
       "{\"file\":\"" + path +
-          R"(","outcome":"plan","status":0,"reason":null,"board":"Zed-1","revision":3,)"
+          R"(","outcome":"plan","class":"planned","status":0,"reason":null,"board":"Zed-1","revision":3,)"
           R"("matches":[{"type":"LegacyUSBC","rid":null,"portAddress":null,)"
-          R"("installed":null,"version":9,"image":"f.bin","imageMissing":true}],"diagnostics":[{"text":)"
+          R"("installed":null,"version":9,"image":"f.bin","imageMissing":true}],"nearestMiss":null,"diagnostics":[{"text":)"
           R"("** No current firmware version?","count":1}],"plan":)"
           R"({"priority":0,"setNVRAM":{},"clearNVRAM":[],"options":)"
           R"("-g -os -o u -f efi-quince-payload0-data -noreset"}})"
@@ -96,30 +98,42 @@ TEST_F(SurveyRun, HasOnlyTheBeginOfALongImageName) {
       << row;
 }
 
+TEST_F(SurveyRun, WithoutAPlanHasTheNearestMiss) {
+  const auto path = Write(Port("<key>Version</key><integer>2</integer>"));
+  EXPECT_NE(Survey({path}).find(R"("class":"blocked","status":13,)"), std::string::npos);
+  EXPECT_NE(Survey({path}).find(
+                R"("nearestMiss":{"controller":"IOService:/p","type":"LegacyUSBC","personality":1,)"
+                R"("key":"Existing Min Version","text":"3 is above the installed 2"})"),
+            std::string::npos)
+      << Survey({path});
+}
+
 TEST_F(SurveyRun, OfARefusedRecordingHasTheReason) {
   const auto path = directory_.Write("a.registry.plist", "<dict/>");
   EXPECT_EQ(
       Survey({path}),
       "{\"file\":\"" + path +
-          R"(","outcome":"refused","status":65,"reason":"\"Recording Version\" is )"
-          R"(missing","board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
+          R"(","outcome":"refused","class":"refused","status":65,"reason":"\"Recording Version\" is )"
+          R"(missing","board":null,"revision":null,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
           "\n");
 }
 
 TEST_F(SurveyRun, ThatEndsAbnormallyHasItsBoardAndNothingElse) {
   const auto path = directory_.Write("a.registry.plist", testing::FaultyRecording());
-  EXPECT_EQ(Survey({path}),
-            "{\"file\":\"" + path +
-                R"(","outcome":"abnormal end","status":null,"reason":"SIGABRT",)"
-                R"("board":null,"revision":0,"matches":[],"diagnostics":[],"plan":null})"
-                "\n");
+  EXPECT_EQ(
+      Survey({path}),
+      "{\"file\":\"" + path +
+          R"(","outcome":"abnormal end","class":"fault","status":null,"reason":"SIGABRT",)"
+          R"("board":null,"revision":0,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
+          "\n");
 }
 
 TEST_F(SurveyRun, OfWhatTheSelectionRefusedIsUnreadable) {
-  EXPECT_EQ(Survey({"a", "Permission denied"}),
-            R"({"file":"a","outcome":"refused","status":66,"reason":"Permission denied",)"
-            R"("board":null,"revision":null,"matches":[],"diagnostics":[],"plan":null})"
-            "\n");
+  EXPECT_EQ(
+      Survey({"a", "Permission denied"}),
+      R"({"file":"a","outcome":"refused","class":"refused","status":66,"reason":"Permission denied",)"
+      R"("board":null,"revision":null,"matches":[],"nearestMiss":null,"diagnostics":[],"plan":null})"
+      "\n");
 }
 
 }  // namespace

@@ -26,20 +26,27 @@ namespace {
 
 constexpr char Description[] =
     "Runs the tool over every recorded computer and prints a row for each: its board, the status, "
-    "every match, every diagnostic. A run that ends abnormally and a recording that is refused are "
-    "rows like any other.";
+    "its class, every match, every diagnostic. A run that ends abnormally and a recording that is "
+    "refused are rows like any other.";
 
 std::string Footer() {
   return std::string(SelectionHelp) +
          "\nThe order is that of the selection, whatever the number of jobs. The totals, with the "
          "count of\neach diagnostic over all computers, follow the table, and are on standard "
          "error for every other\nformat. ndjson has the whole plan of each computer.\n\n"
+         "CLASS is planned, current (the installed versions are not older), blocked (the nearest\n"
+         "personality is for the controller, but not for its version or the board's revision, or\n"
+         "a match names no image), unmatched, no-controllers, unknown-board, no-configuration,\n"
+         "bypassed, fault or refused; abnormal means fault, and no-plan current to\n"
+         "no-configuration. It is the class of the whole computer: a planned one may have\n"
+         "controllers without a match. Without a plan there is the pair that is nearest to a\n"
+         "match, and the first requirement that it fails.\n\n"
          "The paths of the rows in the file of --expect are relative to that file; - is standard\n"
          "input. --update writes the file again, whole or not at all, and creates it.\n\n"
          "Status, after all rows: 65 or 66 when a RECORDING that is named on the command line is\n"
-         "refused or cannot be read (with --expect: no such status); 1 when there is an outcome "
-         "of\n"
-         "--fail-on or, without --update, a row differs from that of --expect; otherwise 0.\n\n"
+         "refused or cannot be read (with --expect: no such status); 1 when a computer is of a\n"
+         "class of --fail-on or, without --update, a row differs from that of --expect; otherwise\n"
+         "0.\n\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n";
@@ -55,23 +62,16 @@ struct SurveyOptions {
   std::optional<std::string> expectation;
   bool updates = false;
   std::optional<std::string> failOnList;
-  std::vector<Outcome> failOn = {};
+  std::vector<ComputerClass> failOn = {};
 };
 
-// The outcomes that --fail-on can name.
-constexpr std::array<std::pair<std::string_view, Outcome>, 3> FailingOutcomes = {
-    {{"refused", Outcome::Refused},
-     {"abnormal", Outcome::AbnormalEnd},
-     {"no-plan", Outcome::NoPlan}}};
-
-// Reads "refused,abnormal". Returns the word that is not an outcome; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list, std::vector<Outcome>& outcomes) {
+// Reads "refused,blocked". Returns the word that is not one of them; empty when all are.
+std::optional<std::string> ParseFailOn(std::string_view list, std::vector<ComputerClass>& classes) {
   for (;;) {
     const auto word = list.substr(0, list.find(','));
-    const auto* const found =
-        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
-    if (found == FailingOutcomes.end()) return std::string(word);
-    outcomes.push_back(found->second);
+    const auto meant = ClassesOfWord(word);
+    if (meant.empty()) return std::string(word);
+    classes.insert(classes.end(), meant.begin(), meant.end());
     if (word.size() == list.size()) return std::nullopt;
     list.remove_prefix(word.size() + 1);
   }
@@ -106,8 +106,8 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
        .help = "save this survey as the file of --expect"},
       {.name = "--fail-on",
        .target = &options.failOnList,
-       .help = "status 1 on any of these outcomes: refused, abnormal, no-plan",
-       .valueName = "OUTCOME,..."},
+       .help = "status 1 when a computer is of any of these classes",
+       .valueName = "CLASS,..."},
   };
 }
 
@@ -115,7 +115,7 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
 std::string Check(SurveyOptions& options) {
   const auto word =
       options.failOnList ? ParseFailOn(*options.failOnList, options.failOn) : std::nullopt;
-  if (word) return "--fail-on: \"" + *word + "\" is not one of refused, abnormal, no-plan";
+  if (word) return "--fail-on: \"" + *word + "\" is not one of " + ClassWords();
   const bool readsInput = options.expectation == "-";
   if (readsInput && std::ranges::find(options.batch.paths, "-") != options.batch.paths.end()) {
     return "standard input cannot be both the recordings and --expect";
@@ -149,7 +149,7 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& 
 // `refusal` is the status of the first named recording that was refused.
 int StatusOf(const SurveyOptions& options, const SurveyReport& report, int refusal) {
   if (!options.expectation && refusal != LabStatus::Done) return refusal;
-  const auto happened = [&](Outcome outcome) { return report.Count(outcome) > 0; };
+  const auto happened = [&](ComputerClass each) { return report.Count(each) > 0; };
   const bool fails = std::ranges::any_of(options.failOn, happened);
   return fails || (!options.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
 }

@@ -34,7 +34,7 @@ class SurveyReport {
   bool HasDifferences() const { return changed_ + additional_ + missing_ > 0; }
 
   std::size_t Computers() const { return totals_.Computers(); }
-  std::size_t Count(Outcome outcome) const { return totals_.Count(outcome); }
+  std::size_t Count(ComputerClass computerClass) const { return totals_.Count(computerClass); }
   const std::string& SavedRows() const { return savedRows_; }
 
  private:

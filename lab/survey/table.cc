@@ -11,12 +11,13 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t ColumnCount = 10;
+constexpr std::size_t ColumnCount = 11;
 constexpr std::size_t MaxColumnWidth = 60;
 using Cells = std::array<std::string, ColumnCount>;
 
-const Cells Names = {"FILE", "BOARD", "REV",       "STATUS",  "TYPE",
+const Cells Names = {"FILE", "BOARD", "REV",       "STATUS",  "CLASS", "TYPE",
                      "RID",  "PORT",  "INSTALLED", "VERSION", "IMAGE"};
+constexpr std::size_t FirstOfMatch = 5;
 
 // A line is either cells with a tab before each, or a text across the columns. No text that is safe
 // to show contains a tab.
@@ -33,12 +34,12 @@ std::string CellOf(const std::optional<Value>& value) {
 }
 
 void SetMatch(Cells& cells, const SurveyMatch& match) {
-  cells[4] = PrintableText(match.type);
-  cells[5] = CellText(match.rid);
-  cells[6] = CellText(match.portAddress);
-  cells[7] = CellText(match.installed);
-  cells[8] = CellText(match.version);
-  cells[9] = CellText(match.image);
+  cells[FirstOfMatch] = PrintableText(match.type);
+  cells[FirstOfMatch + 1] = CellText(match.rid);
+  cells[FirstOfMatch + 2] = CellText(match.portAddress);
+  cells[FirstOfMatch + 3] = CellText(match.installed);
+  cells[FirstOfMatch + 4] = CellText(match.version);
+  cells[FirstOfMatch + 5] = CellText(match.image);
 }
 
 // The lines of one row that the other lacks: all between their common first and last lines.
@@ -100,17 +101,18 @@ class TableFormat : public SurveyFormat {
 
   std::string RowText(const SurveyRow& row) const override {
     Cells cells = {PrintableText(row.file), CellOf(row.board), CellOf(row.revision),
-                   StatusText(row)};
+                   StatusText(row), std::string(NameOf(row.computerClass.value()))};
     std::string text;
     if (row.matches.empty()) text += CellsLine(cells);
     for (const auto& match : row.matches) {
       SetMatch(cells, match);
       text += CellsLine(cells);
-      for (std::size_t i = 0; i < 4; ++i) cells[i].clear();
+      for (std::size_t i = 0; i < FirstOfMatch; ++i) cells[i].clear();
     }
     for (const auto& match : row.matches) {
       if (match.isImageMissing) text += "    " + MissingImageText(match) + "\n";
     }
+    if (row.miss) text += "    nearest miss: " + MissText(*row.miss) + "\n";
     if (row.outcome == Outcome::Refused) text += "    " + PrintableText(row.reason) + "\n";
     for (const auto& diagnostic : row.diagnostics) {
       text += "    " + DiagnosticText(diagnostic) + "\n";

@@ -1,6 +1,7 @@
 #include "lab/survey/text.h"
 
 #include "lab/support/messages.h"
+#include "registry/key_schema.h"
 
 namespace fernwick::lab {
 namespace {
@@ -54,9 +55,18 @@ std::string MissingImageText(const SurveyMatch& match) {
   return "image missing: " + CellText(match.image);
 }
 
+std::string MissText(const NearestMiss& miss) {
+  const bool isOnlyOne = TypeNamed(miss.type) == Types::LegacyUsbc;
+  return PrintableText(miss.key + " " + miss.text + " (" + miss.type + ", ") +
+         (isOnlyOne ? "the personality" : "personality " + std::to_string(miss.personality)) +
+         " on " + PrintableText(miss.controller) + ")";
+}
+
 std::vector<std::string> DescribeLines(const SurveyRow& row) {
   std::vector<std::string> lines = {OutcomeText(row)};
+  if (row.computerClass) lines.push_back("class " + std::string(NameOf(*row.computerClass)));
   for (const auto& match : row.matches) lines.push_back(MatchText(match));
+  if (row.miss) lines.push_back("nearest miss: " + MissText(*row.miss));
   for (const auto& diagnostic : row.diagnostics) lines.push_back(DiagnosticText(diagnostic));
   if (row.plan) lines.push_back(PlanText(*row.plan));
   return lines;

@@ -22,8 +22,11 @@ std::string DiagnosticText(const DiagnosticCount& diagnostic);
 /// "image missing: ridge-24.00.bin"
 std::string MissingImageText(const SurveyMatch& match);
 
-/// Everything but the file, a line each without its line feed: the outcome, every match, every
-/// diagnostic, the plan.
+/// "Version 5 is not newer than the installed 7 (USBC, personality 2 on IOService:/hpm0)"
+std::string MissText(const NearestMiss& miss);
+
+/// Everything but the file, a line each without its line feed: the outcome, the class, every match,
+/// the nearest miss, every diagnostic, the plan.
 std::vector<std::string> DescribeLines(const SurveyRow& row);
 
 }  // namespace fernwick::lab

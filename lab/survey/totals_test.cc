@@ -6,7 +6,21 @@ namespace fernwick::lab {
 namespace {
 
 SurveyRow RowWith(std::vector<DiagnosticCount> diagnostics) {
-  return {.file = "f", .outcome = Outcome::NoPlan, .diagnostics = std::move(diagnostics)};
+  return {.file = "f",
+          .outcome = Outcome::NoPlan,
+          .computerClass = ComputerClass::Unmatched,
+          .board = "Zed-42",
+          .diagnostics = std::move(diagnostics)};
+}
+
+SurveyRow RowOf(ComputerClass computerClass, std::optional<std::string> board) {
+  return {.file = "f", .computerClass = computerClass, .board = std::move(board)};
+}
+
+SurveyRow BlockedRow(const std::string& key) {
+  auto row = RowOf(ComputerClass::Blocked, "Zed-42");
+  row.miss = {.controller = {}, .type = {}, .personality = 1, .key = key, .text = {}};
+  return row;
 }
 
 TEST(SurveyTotals, OfNothing) {
@@ -22,6 +36,8 @@ TEST(SurveyTotals, HaveTheMostFrequentDiagnosticFirstAndEqualOnesByTheirText) {
   EXPECT_EQ(Describe(totals),
             "2 computers: 0 with a plan, 2 without, 0 bypassed, 0 refused, 0 ended abnormally; 0 "
             "matches\n"
+            "  classes: 2 unmatched\n"
+            "  board Zed-42: 2 unmatched\n"
             "  5 x often\n"
             "  4 x \\033[31m\n"
             "  1 x never\n"
@@ -30,13 +46,52 @@ TEST(SurveyTotals, HaveTheMostFrequentDiagnosticFirstAndEqualOnesByTheirText) {
 
 TEST(SurveyTotals, CountTheMatchesWithoutAnImageFile) {
   SurveyTotals totals;
-  SurveyRow row{.file = "a", .outcome = Outcome::Plan};
+  SurveyRow row{.file = "a", .outcome = Outcome::Plan, .computerClass = ComputerClass::Planned};
   row.matches.resize(3);
   row.matches[1].isImageMissing = true;
   totals.Add(row);
   EXPECT_EQ(Describe(totals),
             "1 computer: 1 with a plan, 0 without, 0 bypassed, 0 refused, 0 ended abnormally; 3 "
-            "matches, 1 without the image file\n");
+            "matches, 1 without the image file\n"
+            "  classes: 1 planned\n"
+            "  board -: 1 planned\n");
+}
+
+TEST(SurveyTotals, HaveALineOfClassesForEveryBoardAndOneForEveryKeyThatBlocks) {
+  SurveyTotals totals;
+  totals.Add(RowOf(ComputerClass::Planned, "Zed-43"));
+  totals.Add(RowOf(ComputerClass::Current, "Zed-43"));
+  totals.Add(RowOf(ComputerClass::Planned, "Zed-43"));
+  totals.Add(RowOf(ComputerClass::Refused, std::nullopt));
+  totals.Add(RowOf(ComputerClass::UnknownBoard, std::nullopt));
+  totals.Add(RowOf(ComputerClass::UnknownBoard, "\x1B"));
+  totals.Add(BlockedRow("MaxBoardRevision"));
+  totals.Add(BlockedRow("Version"));
+  totals.Add(BlockedRow("Version"));
+  EXPECT_EQ(totals.Count(ComputerClass::Planned), 2u);
+  const auto text = Describe(totals);
+  EXPECT_EQ(text.substr(text.find('\n') + 1),
+            "  classes: 2 planned, 1 current, 3 blocked, 2 unknown board, 1 refused\n"
+            "  board \\033: 1 unknown board\n"
+            "  board -: 1 unknown board\n"
+            "  board Zed-42: 3 blocked\n"
+            "  board Zed-43: 2 planned, 1 current\n"
+            "  2 blocked by Version\n"
+            "  1 blocked by MaxBoardRevision\n");
+}
+
+TEST(SurveyTotals, KeepSoManyBoardsAndCountTheOthers) {
+  SurveyTotals totals;
+  for (std::size_t i = 0; i < SurveyTotals::MaxBoards; ++i) {
+    totals.Add(RowOf(ComputerClass::Planned, std::to_string(i)));
+  }
+  totals.Add(RowOf(ComputerClass::Planned, "new"));
+  totals.Add(RowOf(ComputerClass::Current, "newer"));
+  totals.Add(RowOf(ComputerClass::Current, "0"));
+  const auto text = Describe(totals);
+  EXPECT_NE(text.find("\n  board 0: 1 planned, 1 current\n"), std::string::npos);
+  const std::string others = "\n  (other boards): 1 planned, 1 current\n";
+  EXPECT_EQ(text.substr(text.size() - others.size()), others);
 }
 
 TEST(SurveyTotals, KeepSoManyTextsAndCountTheOthers) {

@@ -1,0 +1,366 @@
+// The verb `coverage` as a process.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/files.h"
+#include "testing/programs/child_process.h"
+#include "testing/programs/many_computers.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ChildOutcome;
+using testing::ExpectOutcome;
+using testing::OutputTarget;
+
+ChildOutcome Cover(std::vector<std::string> arguments,
+                   const std::string& directory = FERNWICK_GOLDEN_DIRECTORY,
+                   OutputTarget target = OutputTarget::Captured) {
+  arguments.insert(arguments.begin(), {FERNWICK_LAB_PROGRAM, "coverage", "-p"});
+  return testing::RunChild(arguments, directory, target);
+}
+
+constexpr char NearMisses[] =
+    "Zed-42: 5 recordings, 4 of 7 personalities and 6 of 24 list elements matched\n"
+    "  Notes at 5:2: names no type and is not read\n"
+    "  USBC 1 at 9:3, \"bad.bin\": never matched, tested 8, rejected first by Version 4, Existing "
+    "Min Version 3, engineering firmware 1\n"
+    "  USBC 2 at 44:3, \"both.bin\": matched 1 of 8, rejected first by Port UUID 4, Version 1, "
+    "engineering firmware 1, Port OTP Revision 1\n"
+    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 51:5\n"
+    "    Port UUID: 1 of 2 elements never matched: \"A2\" at 59:5\n"
+    "  USBC 3 at 72:3: is a string\n"
+    "  USBC 4 at 73:3, \"two.bin\": matched 1 of 7, rejected first by Port Address 4, Version 1, "
+    "engineering firmware 1\n"
+    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 80:5\n"
+    "  USBC 5 at 90:3, \"any.bin\": matched 4 of 6, rejected first by Version 1, engineering "
+    "firmware 1\n"
+    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 97:5\n"
+    "    Port Address: 7 of 9 elements never matched: 2 at 106:5, 3 at 107:5, 4 at 108:5, 5 at "
+    "109:5, 6 at 110:5, 7 at 111:5, 8 at 112:5\n"
+    "  Thunderbolt 1 at 120:3, \"model.bin\": never matched, tested 8, rejected first by Version "
+    "4, Device Model ID 3, engineering firmware 1\n"
+    "  LegacyUSBC at 152:2: never matched, tested 8, rejected first by Version 7, Existing Max "
+    "Version 1\n"
+    "  LegacyThunderbolt 1 at 162:3, \"ridge.bin\": matched 4 of 5, rejected first by Version 1\n"
+    "12 recordings: 5 counted, 3 of boards that the payload lacks, 2 bypassed, 2 ended "
+    "abnormally\n"
+    "1 board: 0 without a recording\n"
+    "4 of 7 personalities and 6 of 24 list elements matched: 32.2 %\n";
+
+TEST(Coverage, PrintsEveryPersonalityAndTheElementsThatNothingMatched) {
+  for (const auto* jobs : {"-j1", "-j4"}) {
+    ExpectOutcome(Cover({"payloads/near-misses", "recordings", jobs}), {"0", NearMisses, ""});
+  }
+  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "32"}),
+                {"0", NearMisses, ""});
+  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "33"}),
+                {"1", NearMisses, ""});
+}
+
+TEST(Coverage, NamesWhatIsNoPersonality) {
+  ExpectOutcome(
+      Cover({"payloads/wrong-shapes", "recordings/typical.registry.plist", "--threshold", "100"}),
+      {"0",
+       "Zed-42: 1 recording, 0 of 0 personalities and 0 of 0 list elements matched\n"
+       "  LegacyUSBC at 1:14: is an array, in which nothing matches\n"
+       "  USBC at 1:57: is a dictionary, in which nothing matches\n"
+       "  Thunderbolt 1 at 1:108: is a string\n"
+       "  LegacyThunderbolt at 1:134: is a boolean, in which nothing matches\n"
+       "1 recording: 1 counted\n"
+       "1 board: 0 without a recording\n"
+       "0 of 0 personalities and 0 of 0 list elements matched: 100.0 %\n",
+       ""});
+}
+
+TEST(Coverage, WithTheVersionBypassMatchesMore) {
+  const auto lastLine = [](const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {"../examples/payload", "../examples"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    auto text = Cover(arguments).standardOutput;
+    text.pop_back();
+    return text.substr(text.rfind('\n') + 1);
+  };
+  EXPECT_EQ(lastLine({}), "4 of 7 personalities and 8 of 13 list elements matched: 60.0 %");
+  EXPECT_EQ(lastLine({"--bypassVersion"}),
+            "6 of 7 personalities and 9 of 13 list elements matched: 75.0 %");
+}
+
+// A recording of the board "Zed-1" with a port at each address, and one of its payload's boards.
+class CoverageOfPayload : public ::testing::Test {
+ protected:
+  CoverageOfPayload() {
+    Write("payload/Fernwick/Zed-1/Config.plist",
+          "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>\n"
+          "<key>Port Address</key><array>\n<integer>1</integer>\n<data>Wg==</data></array>"
+          "</dict><key>X\x7F</key><true/></dict>");
+    Write("a.registry.plist",
+          "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+          "<key>IODeviceTree</key><dict><key>Properties</key><dict><key>board-id</key>"
+          "<data>WmVkLTE=</data></dict></dict><key>IOService</key><dict><key>Children</key><array>"
+          "<dict><key>Name</key><string>p</string><key>Class</key><string>QuinceHPMDevice</string>"
+          "<key>Properties</key><dict><key>Version</key><integer>1</integer><key>Address</key>"
+          "<integer>1</integer></dict></dict></array></dict></dict></dict>");
+  }
+
+  std::string Write(const std::string& path, const std::string& text) const {
+    return directory_.Write(path, text);
+  }
+
+  ChildOutcome Cover(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "payload");
+    return fernwick::Cover(arguments, directory_.Path());
+  }
+
+  testing::TemporaryDirectory directory_;
+};
+
+constexpr char WholeJson[] = R"({
+  "boards": [
+    {
+      "board": "Zed-1",
+      "recordings": 2,
+      "problem": null,
+      "keys": [
+        {
+          "key": "LegacyUSBC",
+          "place": {
+            "line": 1,
+            "column": 7
+          },
+          "isType": true,
+          "hasShape": true,
+          "personalities": [
+            {
+              "personality": 1,
+              "place": {
+                "line": 1,
+                "column": 28
+              },
+              "isDictionary": true,
+              "firmware": null,
+              "tested": 2,
+              "matched": 2,
+              "rejectedFirst": [],
+              "lists": [
+                {
+                  "key": "Port Address",
+                  "place": {
+                    "line": 2,
+                    "column": 1
+                  },
+                  "elements": [
+                    {
+                      "value": 1,
+                      "place": {
+                        "line": 3,
+                        "column": 1
+                      },
+                      "matched": 2
+                    },
+                    {
+                      "value": {
+                        "data": "5a"
+                      },
+                      "place": {
+                        "line": 4,
+                        "column": 1
+                      },
+                      "matched": 0
+                    }
+                  ]
+                }
+              ]
+            }
+          ]
+        },
+        {
+          "key": "X\u007f",
+          "place": {
+            "line": 4,
+            "column": 33
+          },
+          "isType": false,
+          "hasShape": false,
+          "personalities": []
+        }
+      ]
+    },
+    {
+      "board": "Zed-2",
+      "recordings": 0,
+      "problem": null,
+      "keys": [
+        {
+          "key": "USBC",
+          "place": {
+            "line": 1,
+            "column": 3
+          },
+          "isType": true,
+          "hasShape": true,
+          "personalities": [
+            {
+              "personality": 1,
+              "place": {
+                "line": 1,
+                "column": 12
+              },
+              "isDictionary": false,
+              "firmware": null,
+              "tested": 0,
+              "matched": 0,
+              "rejectedFirst": [],
+              "lists": []
+            },
+            {
+              "personality": 2,
+              "place": {
+                "line": 1,
+                "column": 15
+              },
+              "isDictionary": true,
+              "firmware": null,
+              "tested": 0,
+              "matched": 0,
+              "rejectedFirst": [],
+              "lists": []
+            }
+          ]
+        }
+      ]
+    }
+  ],
+  "recordings": {
+    "counted": 2,
+    "noConfiguration": 0,
+    "unknownBoard": 0,
+    "bypassed": 0,
+    "endedAbnormally": 0,
+    "refused": 0
+  },
+  "boardsWithoutRecording": 1,
+  "personalities": {
+    "all": 2,
+    "tested": 1,
+    "matched": 1
+  },
+  "elements": {
+    "all": 2,
+    "matched": 1
+  },
+  "percent": 50.0
+}
+)";
+
+TEST_F(CoverageOfPayload, AsJsonHasEveryElementAndEveryCount) {
+  Write("payload/Fernwick/Zed-2/Config.plist", "{ USBC = ( x, {} ); }");
+  ExpectOutcome(Cover({"a.registry.plist", "a.registry.plist", "--json"}), {"0", WholeJson, ""});
+  EXPECT_EQ(Cover({"a.registry.plist", "a.registry.plist", "--json"}),
+            Cover({"a.registry.plist", "a.registry.plist", "--format", "json", "-j3"}));
+}
+
+TEST_F(CoverageOfPayload, NamesBoardsWithoutARecordingOrAConfiguration) {
+  Write("payload/Fernwick/Zed-2/Config.plist", "{ USBC = ( x, {} ); }");
+  Write("payload/Fernwick/Zed-3/README", "");
+  Write("payload/Fernwick/Zed-4/Config.plist", "()");
+  Write("payload/Fernwick/Zed-5\x1B/Config.plist", "{ LegacyUSBC = {}; }");
+  ExpectOutcome(Cover({"."}),
+                {"0",
+                 "Zed-1: 1 recording, 1 of 1 personality and 1 of 2 list elements matched\n"
+                 "  LegacyUSBC at 1:28: matched 1 of 1\n"
+                 "    Port Address: 1 of 2 elements never matched: <5a> at 4:1\n"
+                 "  X\\177 at 4:33: names no type and is not read\n"
+                 "Zed-2: no recording, 0 of 1 personality and 0 of 0 list elements matched\n"
+                 "Zed-3: no recording, there is no Config.plist\n"
+                 "Zed-4: no recording, its configuration is no dictionary\n"
+                 "Zed-5\\033: no recording, 0 of 1 personality and 0 of 0 list elements matched\n"
+                 "1 recording: 1 counted\n"
+                 "5 boards: 4 without a recording\n"
+                 "1 of 3 personalities and 1 of 2 list elements matched: 40.0 %\n",
+                 ""});
+}
+
+TEST_F(CoverageOfPayload, ShowsSoManyElementsOfAList) {
+  std::string list;
+  for (int i = 1; i < 11; ++i) list += "<integer>" + std::to_string(i) + "</integer>";
+  Write("payload/Fernwick/Zed-1/Config.plist",
+        "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>"
+        "<key>Port Address</key><array>" +
+            list + "</array></dict></dict>");
+  const auto text = Cover({"."}).standardOutput;
+  EXPECT_NE(text.find(": 9 of 10 elements never matched: 2 at "), std::string::npos) << text;
+  EXPECT_NE(text.find(", 9 at 1:262, ...\n"), std::string::npos) << text;
+}
+
+TEST_F(CoverageOfPayload, CountsRefusedRecordingsAndFailsForNamedOnes) {
+  Write("fleet/b.registry.plist", "<dict/>");
+  Write("fleet/c.registry.plist", testing::FaultyRecording());
+  const std::string malformed =
+      "fernwick-lab: fleet/b.registry.plist: \"Recording Version\" is missing\n";
+  const auto inDirectory = Cover({"a.registry.plist", "fleet"});
+  EXPECT_EQ(inDirectory.status, "0");
+  EXPECT_EQ(inDirectory.standardError, malformed);
+  EXPECT_NE(
+      inDirectory.standardOutput.find("\n3 recordings: 1 counted, 1 ended abnormally, 1 refused\n"),
+      std::string::npos)
+      << inDirectory.standardOutput;
+  const auto named = Cover({"fleet/b.registry.plist", "none", "--threshold", "100"});
+  EXPECT_EQ(named.status, "65");
+  EXPECT_EQ(named.standardError, malformed + "fernwick-lab: none: No such file or directory\n");
+  EXPECT_EQ(Cover({"none", "fleet/b.registry.plist"}).status, "66");
+}
+
+TEST_F(CoverageOfPayload, WithAMalformedConfigurationFails) {
+  Write("payload/Fernwick/Zed-0/Config.plist", "<dict>");
+  const auto outcome = Cover({".", "--threshold", "100"});
+  EXPECT_EQ(outcome.status, "65");
+  EXPECT_EQ(outcome.standardError.substr(0, 61),
+            "fernwick-lab: payload/Fernwick/Zed-0/Config.plist: line 1, co");
+  EXPECT_TRUE(outcome.standardOutput.starts_with("Zed-0: no recording, Config.plist: line 1, co"))
+      << outcome.standardOutput;
+  std::filesystem::remove(directory_.Path() + "/payload/Fernwick/Zed-0/Config.plist");
+  std::filesystem::create_directory(directory_.Path() + "/payload/Fernwick/Zed-0/Config.plist");
+  ExpectOutcome(Cover({"a.registry.plist"}),
+                {"66", Cover({"a.registry.plist"}).standardOutput,
+                 "fernwick-lab: payload/Fernwick/Zed-0/Config.plist: Is a directory\n"});
+}
+
+TEST(Coverage, NeedsAPayloadThatTheToolAccepts) {
+  ExpectOutcome(Cover({"/nowhere", "recordings"}),
+                {"66", "", "fernwick-lab: /nowhere/Fernwick: there is no such directory\n"});
+  const testing::TemporaryDirectory directory;
+  directory.Write("\xFF/Fernwick/README", "");
+  ExpectOutcome(
+      Cover({"\xFF", "."}, directory.Path()),
+      {"66", "", "fernwick-lab: \\377: the tool accepts no payload whose path is not UTF-8\n"});
+  EXPECT_EQ(Cover({"payloads/near-misses"}).status, "64");
+  EXPECT_EQ(Cover({"payloads/near-misses", "recordings", "--threshold", "101"}).status, "64");
+}
+
+TEST(Coverage, OfNothingIsAnError) {
+  ExpectOutcome(Cover({"../examples/payload", "cases"}),
+                {"66", "", "fernwick-lab: there is no recording in what is selected\n"});
+  const testing::TemporaryDirectory directory;
+  directory.Write("Fernwick", "a file");
+  ExpectOutcome(Cover({".", "."}, directory.Path()),
+                {"66", "", "fernwick-lab: ./Fernwick: there is no such directory\n"});
+}
+
+TEST(Coverage, WhoseOutputIsLostFails) {
+  for (const char* format : {"text", "json"}) {
+    ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--format", format},
+                        FERNWICK_GOLDEN_DIRECTORY, OutputTarget::FullDisk),
+                  {"74", "",
+                   "fernwick-lab: standard output could not be written: No space left on "
+                   "device\n"});
+  }
+}
+
+}  // namespace
+}  // namespace fernwick

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "lab/support/configuration_file.h"
+#include "lab/survey/coverage/board_coverage.h"
+#include "platform/console.h"
+
+namespace fernwick::lab {
+
+/// What a recording is for the coverage of a payload.
+enum class RecordingUse {
+  Counted,
+  NoConfiguration,  // its board has none that can be used
+  UnknownBoard,     // its board is none of the payload's
+  Bypassed,         // by a switch of the computer
+  AbnormalEnd,      // of its run, whose pairs are not counted
+  Refused,
+};
+
+/// How many recordings there are of each use.
+using RecordingCounts = std::array<std::size_t, 6>;
+
+/// One board of the payload.
+struct CoveredBoard {
+  std::string name;
+  const ConfigurationFile* file = nullptr;  // null: it has no dictionary, see `problem`
+  std::string problem = {};                 // why there is no configuration that can be used
+  BoardCoverage coverage;                   // of that configuration
+};
+
+/// All boards, and all recordings.
+struct CoverageTotals {
+  std::size_t boards = 0;
+  std::size_t boardsWithoutRun = 0;
+  CoverageCounts counts = {};
+  RecordingCounts recordings = {};
+};
+
+/// Of the pairs of a personality, those that a requirement rejected first.
+struct Rejection {
+  const Requirement* requirement;
+  std::size_t count;
+};
+
+/// In the order of the table, without those that rejected none.
+std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality);
+
+/// "63.3": tenths of a percent.
+std::string PercentText(const CoverageCounts& counts);
+
+/// Prints what is covered, board by board. The console must outlive the format.
+class CoverageFormat {
+ public:
+  explicit CoverageFormat(Console& console) : console_(console) {}
+  virtual ~CoverageFormat() = default;
+
+  virtual void AddBoard(const CoveredBoard& board) = 0;
+
+  /// To be called once, after the last board.
+  virtual void Finish(const CoverageTotals& totals) = 0;
+
+ protected:
+  Console& Out() const { return console_; }
+
+ private:
+  Console& console_;
+};
+
+/// For people: of every board with a run a line for each personality, with the elements of its
+/// lists that no match had if others did, and a line for every other board.
+std::unique_ptr<CoverageFormat> MakeCoverageText(Console& console);
+
+/// One JSON document with every personality and every element of a list.
+std::unique_ptr<CoverageFormat> MakeCoverageJson(Console& console);
+
+}  // namespace fernwick::lab

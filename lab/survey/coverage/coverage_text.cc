@@ -1,0 +1,180 @@
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lab/support/messages.h"
+#include "lab/support/words.h"
+#include "lab/survey/coverage/coverage_format.h"
+#include "lab/survey/short_text.h"
+#include "personality/personality.h"
+
+namespace fernwick::lab {
+namespace {
+
+// As many elements of a list as a line shows.
+constexpr std::size_t MaxElements = 8;
+
+std::string_view NameOf(const Requirement& requirement) {
+  const bool isOfFirmware = requirement.test == RequirementTest::ReleasedFirmware;
+  return isOfFirmware ? "engineering firmware" : requirement.key;
+}
+
+// "Version 3, RID 1", the most frequent first.
+std::string RejectionsText(std::vector<Rejection> rejections) {
+  std::ranges::stable_sort(rejections, std::greater(), &Rejection::count);
+  std::string text;
+  for (const auto& [requirement, count] : rejections) {
+    text += (text.empty() ? "" : ", ") + std::string(NameOf(*requirement)) + " " +
+            std::to_string(count);
+  }
+  return text;
+}
+
+// "matched 2 of 6, rejected first by Version 4"
+std::string ResultText(const TypeCoverage& coverage, std::size_t index) {
+  const auto tested = coverage.tested[index];
+  if (tested == 0) return "never tested";
+  const auto matched = coverage.matched[index];
+  const auto rejections = RejectionsOf(coverage, index);
+  return (matched == 0 ? "never matched, tested " + std::to_string(tested)
+                       : "matched " + std::to_string(matched) + " of " + std::to_string(tested)) +
+         (rejections.empty() ? "" : ", rejected first by " + RejectionsText(rejections));
+}
+
+std::string CountsText(const CoverageCounts& counts) {
+  return std::to_string(counts.matchedPersonalities) + " of " +
+         Counted(counts.personalities, "personality", "personalities") + " and " +
+         std::to_string(counts.matchedElements) + " of " +
+         Counted(counts.elements, "list element", "list elements") + " matched";
+}
+
+// One top-level key with its personalities.
+class KeyText {
+ public:
+  KeyText(const ConfigurationFile& file, const TypeCoverage& coverage, const KeyLocation& location,
+          Console& console)
+      : file_(file), coverage_(coverage), location_(location), console_(console) {}
+
+  void Print(const PropertyValue& value) {
+    const auto name = PrintableText(location_.key) + At(location_.offset);
+    const auto candidates = PersonalitiesOf(location_.key, value);
+    if (coverage_.type == Types::None) return Line(1, name + ": names no type and is not read");
+    if (!candidates) {
+      return Line(1, name + ": is " + std::string(KindOf(value)) + ", in which nothing matches");
+    }
+    for (std::size_t i = 0; i < candidates->size(); ++i) PrintCandidate((*candidates)[i], i);
+  }
+
+ private:
+  std::string At(std::size_t offset) const { return " at " + Describe(file_.LocationOf(offset)); }
+
+  void Line(std::size_t level, const std::string& text) {
+    console_.Write(std::string(2 * level, ' ') + text + "\n");
+  }
+
+  void PrintCandidate(const PropertyValue& candidate, std::size_t index) {
+    const bool isSingle = coverage_.type == Types::LegacyUsbc;
+    const auto& location = isSingle ? location_.value : location_.value.elements[index];
+    auto text = std::string(location_.key) + (isSingle ? "" : " " + std::to_string(index + 1)) +
+                At(location.offset);
+    const auto personality = candidate.AsDictionary();
+    if (!personality) return Line(1, text + ": is " + std::string(KindOf(candidate)));
+    const auto* firmware = personality->Find("Firmware");
+    if (firmware != nullptr) text += ", " + ShortText(InlineText(*firmware));
+    Line(1, text + ": " + ResultText(coverage_, index));
+    if (coverage_.matched[index] > 0) PrintLists(*personality, location, index);
+  }
+
+  void PrintLists(Dictionary personality, const ValueLocation& location, std::size_t index) {
+    const KeyLocations keys(&location);
+    const auto* counts = coverage_.elements.data() + coverage_.firstElement[index];
+    ForEachList(coverage_.type, personality, [&](const Requirement& requirement, Array list) {
+      PrintList(*keys.Find(requirement.key), list, counts);
+      counts += list.size();
+    });
+  }
+
+  // The elements that no match had.
+  void PrintList(const KeyLocation& key, Array list, const std::size_t* counts) {
+    std::string text;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      if (counts[i] > 0 || ++count > MaxElements) continue;
+      text += (count == 1 ? "" : ", ") + ShortText(InlineText(list[i])) +
+              At(key.value.elements[i].offset);
+    }
+    if (count == 0) return;
+    if (count > MaxElements) text += ", ...";
+    Line(2, std::string(key.key) + ": " + std::to_string(count) + " of " +
+                std::to_string(list.size()) + " elements never matched: " + text);
+  }
+
+  const ConfigurationFile& file_;
+  const TypeCoverage& coverage_;
+  const KeyLocation& location_;
+  Console& console_;
+};
+
+class CoverageText : public CoverageFormat {
+ public:
+  using CoverageFormat::CoverageFormat;
+
+  void AddBoard(const CoveredBoard& board) override {
+    const auto& [name, file, problem, coverage] = board;
+    Out().Write(
+        PrintableText(name) + ": " +
+        (coverage.runs == 0 ? "no recording" : Counted(coverage.runs, "recording", "recordings")) +
+        ", " + (file == nullptr ? PrintableText(problem) : CountsText(CountsOf(coverage))) + "\n");
+    if (coverage.runs == 0) return;
+    const KeyLocations locations(&file->Root());
+    const auto entries = file->Value().AsDictionary()->Entries();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      KeyText(*file, coverage.keys[i], *locations.Find(entries[i].key), Out())
+          .Print(entries[i].value);
+    }
+  }
+
+  void Finish(const CoverageTotals& totals) override {
+    static constexpr std::array<const char*, 6> Uses = {
+        "counted",  "without a configuration", "of boards that the payload lacks",
+        "bypassed", "ended abnormally",        "refused"};
+    std::size_t all = 0;
+    std::string uses;
+    for (std::size_t i = 0; i < Uses.size(); ++i) {
+      const auto count = totals.recordings[i];
+      all += count;
+      if (i > 0 && count == 0) continue;
+      uses += (uses.empty() ? "" : ", ") + std::to_string(count) + " " + Uses[i];
+    }
+    Out().Write(Counted(all, "recording", "recordings") + ": " + uses + "\n" +
+                Counted(totals.boards, "board", "boards") + ": " +
+                std::to_string(totals.boardsWithoutRun) + " without a recording\n" +
+                CountsText(totals.counts) + ": " + PercentText(totals.counts) + " %\n");
+  }
+};
+
+}  // namespace
+
+std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality) {
+  std::vector<Rejection> rejections;
+  const auto requirements = RequirementsOf(coverage.type);
+  for (std::size_t i = 0; i < requirements.size(); ++i) {
+    const auto& counts = coverage.rejected[i];
+    if (counts.empty() || counts[personality] == 0) continue;
+    rejections.push_back({&requirements[i], counts[personality]});
+  }
+  return rejections;
+}
+
+std::string PercentText(const CoverageCounts& counts) {
+  const auto perMille = counts.PerMille();
+  return std::to_string(perMille / 10) + "." + std::to_string(perMille % 10);
+}
+
+std::unique_ptr<CoverageFormat> MakeCoverageText(Console& console) {
+  return std::make_unique<CoverageText>(console);
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,111 @@
+#include "lab/survey/coverage/covered_payload.h"
+
+#include <utility>
+
+#include "lab/recordings/recording_file.h"
+#include "lab/support/tool_run.h"
+#include "personality/configuration.h"
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+namespace {
+
+// A lack of memory or descriptors is none of the recording.
+Result<CoveredRecording, LabError> RefusedRecording(const std::string& path, LabError error) {
+  error.error.message = path + ": " + Describe(error.error);
+  error.error.location.reset();
+  if (error.status == LabStatus::OutOfMemory) return error;
+  return CoveredRecording{RecordingUse::Refused, std::move(error)};
+}
+
+// A board that has no configuration, or one that cannot be used, with the status for that.
+struct LoadedBoard {
+  std::optional<ConfigurationFile> file = {};
+  std::string problem = {};
+  int status = LabStatus::Done;
+};
+
+LoadedBoard LoadBoard(const std::string& path) {
+  if (IsAbsence(PathError(path))) return {.problem = "there is no Config.plist"};
+  auto file = LoadConfiguration(path);
+  if (!file) {
+    PrintError(path, file.Error());
+    return {.problem = "Config.plist: " + Describe(file.Error().error),
+            .status = file.Error().status};
+  }
+  if (!file->Value().AsDictionary()) return {.problem = "its configuration is no dictionary"};
+  return {.file = *std::move(file)};
+}
+
+}  // namespace
+
+CoveredPayload::CoveredPayload(const Options& options, const std::vector<std::string>& boards)
+    : options_(options) {
+  for (const auto& board : boards) boards_.emplace(board, std::nullopt);
+}
+
+bool CoveredPayload::Add(const std::string& board, BoardCoverage coverage) {
+  const std::lock_guard lock(mutex_);
+  auto& known = boards_.find(board)->second;
+  if (known) return known->Add(coverage);
+  known = std::move(coverage);
+  return true;
+}
+
+LabError CoveredPayload::Replaced(const std::string& board) const {
+  const auto path = *ConfigurationPath(board, options_.personalitiesDirectory);
+  return {{path + ": it was replaced by another meanwhile"}, LabStatus::UnreadableInput};
+}
+
+Result<RecordingUse, LabError> CoveredPayload::UseOf(const ToolRun& run) {
+  const auto& result = run.result;
+  if (result.fault) return RecordingUse::AbnormalEnd;
+  if (result.bypassesUpdates) return RecordingUse::Bypassed;
+  const auto& board = result.identity->boardIdString;
+  if (!board || !boards_.contains(*board)) return RecordingUse::UnknownBoard;
+  if (!result.configuration || !result.configuration->value.AsDictionary()) {
+    return RecordingUse::NoConfiguration;
+  }
+  if (!Add(*board, CoverageOf(run))) return Replaced(*board);
+  return RecordingUse::Counted;
+}
+
+Result<CoveredRecording, LabError> CoveredPayload::Cover(const Selected& selected) {
+  if (!selected.error.empty()) return RefusedRecording(selected.path, ErrorOf(selected));
+  const auto recording = LoadRecording(selected.path);
+  if (!recording) return RefusedRecording(selected.path, recording.Error());
+  const auto run = RunTool(*recording, options_, KeptOutput::Counts);
+  if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);
+  const auto use = UseOf(run);
+  if (!use) return use.Error();
+  return CoveredRecording{*use};
+}
+
+int CoveredPayload::Print(CoverageFormat& format, CoverageTotals& totals) const {
+  int status = LabStatus::Done;
+  const auto fail = [&](int error) {
+    if (status == LabStatus::Done) status = error;
+  };
+  for (const auto& [name, counted] : boards_) {
+    const auto loaded = LoadBoard(*ConfigurationPath(name, options_.personalitiesDirectory));
+    if (loaded.status == LabStatus::OutOfMemory) return loaded.status;
+    fail(loaded.status);
+    CoveredBoard board = {.name = name,
+                          .file = loaded.file ? &*loaded.file : nullptr,
+                          .problem = loaded.problem,
+                          .coverage = BoardCoverage(loaded.file ? loaded.file->Value() : Array())};
+    const bool isSame = !counted || (loaded.file && board.coverage.Add(*counted));
+    if (!isSame) {
+      PrintError(Replaced(name).error.message);
+      fail(LabStatus::UnreadableInput);
+    }
+    ++totals.boards;
+    if (board.coverage.runs == 0) ++totals.boardsWithoutRun;
+    totals.counts += CountsOf(board.coverage);
+    format.AddBoard(board);
+  }
+  format.Finish(totals);
+  return status;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "driver/options.h"
+#include "lab/support/messages.h"
+#include "lab/survey/coverage/coverage_format.h"
+#include "lab/survey/selection.h"
+#include "value/result.h"
+
+namespace fernwick::lab {
+
+/// A recording that was counted, or why it was not.
+struct CoveredRecording {
+  RecordingUse use = RecordingUse::Refused;
+  LabError refusal = {{}, LabStatus::Done};  // of a refused one
+};
+
+/// What recordings exercise of a payload. The counts are sums, which do not depend on the order of
+/// the recordings, and memory is linear in the payload.
+class CoveredPayload {
+ public:
+  /// `boards` are those of the payload of `options`, which must outlive this.
+  CoveredPayload(const Options& options, const std::vector<std::string>& boards);
+
+  /// Runs the tool over the computer and counts its pairs. May be called on any thread. Fails where
+  /// the computer's run says nothing for lack of permission, memory or descriptors, and where the
+  /// configuration of its board was replaced by another since it was last read.
+  Result<CoveredRecording, LabError> Cover(const Selected& selected);
+
+  /// Prints every board with the locations in its configuration, of which one at a time is in
+  /// memory, and the totals of the boards; `totals` has those of the recordings. Errors of
+  /// configurations are printed on standard error. Returns the status of the first of them, which
+  /// ends the printing if it is LabStatus::OutOfMemory; otherwise LabStatus::Done.
+  int Print(CoverageFormat& format, CoverageTotals& totals) const;
+
+ private:
+  bool Add(const std::string& board, BoardCoverage coverage);
+  Result<RecordingUse, LabError> UseOf(const ToolRun& run);
+  LabError Replaced(const std::string& board) const;
+
+  const Options& options_;
+  std::mutex mutex_;                                            // guards the counts
+  std::map<std::string, std::optional<BoardCoverage>> boards_;  // empty: there was no run yet
+};
+
+}  // namespace fernwick::lab
