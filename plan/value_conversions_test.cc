@@ -86,6 +86,7 @@ TEST(RealOf, ConvertsEveryKindAsStated) {
       {"43.1 beta", 43.1F},
       {" \t-1.5e1", -15.0F},
       {".5", 0.5F},
+      {"1020.05", 1020.05F},
       {"1e999", std::numeric_limits<float>::infinity()},
       {"infinity", 0.0F},
       {"nan", 0.0F},

@@ -47,7 +47,7 @@ class ConfigurationJson {
     const std::size_t count = isType && candidates ? candidates->size() : 0;
     for (std::size_t i = 0; i < count; ++i) {
       const bool isSingle = coverage.type == Types::LegacyUsbc;
-      const auto& place = isSingle ? location.value : location.value.elements[i];
+      const auto& place = isSingle ? location.value : location.value.Elements()[i];
       PrintCandidate((*candidates)[i], place, coverage, i);
     }
     stream_.End();
@@ -91,7 +91,7 @@ class ConfigurationJson {
       stream_.Begin('{');
       stream_.AddMember("value", list[i]);
       stream_.AddMembers(
-          {{"place", PlaceOf(key.value.elements[i].offset)}, {"matched", counts[i]}});
+          {{"place", PlaceOf(key.value.Elements()[i].offset)}, {"matched", counts[i]}});
       stream_.End();
     }
     stream_.End();

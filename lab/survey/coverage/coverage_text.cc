@@ -76,7 +76,7 @@ class KeyText {
 
   void PrintCandidate(const PropertyValue& candidate, std::size_t index) {
     const bool isSingle = coverage_.type == Types::LegacyUsbc;
-    const auto& location = isSingle ? location_.value : location_.value.elements[index];
+    const auto& location = isSingle ? location_.value : location_.value.Elements()[index];
     auto text = std::string(location_.key) + (isSingle ? "" : " " + std::to_string(index + 1)) +
                 At(location.offset);
     const auto personality = candidate.AsDictionary();
@@ -103,7 +103,7 @@ class KeyText {
     for (std::size_t i = 0; i < list.size(); ++i) {
       if (counts[i] > 0 || ++count > MaxElements) continue;
       text += (count == 1 ? "" : ", ") + ShortText(InlineText(list[i])) +
-              At(key.value.elements[i].offset);
+              At(key.value.Elements()[i].offset);
     }
     if (count == 0) return;
     if (count > MaxElements) text += ", ...";
