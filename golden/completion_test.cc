@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 8);
+  EXPECT_EQ(count, 9);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

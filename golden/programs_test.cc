@@ -38,6 +38,7 @@ constexpr char Usage[] =
     "  record     write this computer, or one whose files were copied, as a recording\n"
     "  import     make a recording of registry dumps\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
+    "  settle     print what recorded computers become when every plan is carried out\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";

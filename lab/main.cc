@@ -29,6 +29,7 @@ constexpr Verb Verbs[] = {
     {"record", "write this computer, or one whose files were copied, as a recording", RecordVerb},
     {"import", "make a recording of registry dumps", Import},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
+    {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
 };
 

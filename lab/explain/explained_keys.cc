@@ -99,13 +99,15 @@ std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyT
 class KeyExplainer {
  public:
   KeyExplainer(const ToolRun& run, const ConfigurationFile* file, const Recording& recording,
-               const ExplainedSource& boardRevision, const ExplainFilter& filter)
+               const ExplainedSource& boardRevision, const ExplainFilter& filter,
+               const ExplainedTrial& trial)
       : result_(run.result),
         file_(file),
         keyLocations_(file == nullptr ? nullptr : &file->Root()),
         recording_(recording),
         boardRevision_(boardRevision),
         filter_(filter),
+        trial_(trial),
         pairsOfEach_(PairsOfEach(run.trace, filter)) {}
 
   ExplainedKey Explain(const KeyTrace& trace, const PropertyValue& value) {
@@ -160,23 +162,38 @@ class KeyExplainer {
       if (const auto dictionary = candidates[i].AsDictionary()) {
         personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
-        personality.unread = UnreadKeys(*dictionary, key.type, locations_.back());
+        personality.unread = UnreadKeys(*dictionary, key, i);
       }
       key.personalities.push_back(std::move(personality));
     }
   }
 
-  std::vector<UnreadKey> UnreadKeys(Dictionary personality, TypeSet type,
-                                    const ValueLocation* location) const {
-    const KeyLocations locations(location);
+  std::vector<UnreadKey> UnreadKeys(Dictionary personality, const ExplainedKey& of,
+                                    std::size_t index) const {
+    const KeyLocations locations(locations_[index]);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
       const auto* known = FindPersonalityKey(key);
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
-      if ((readBy & type) != 0) continue;
-      unread.push_back({key, LocationOf(locations.Find(key)), readBy});
+      if ((readBy & of.type) != 0) continue;
+      auto origin = OriginOf({of.key, index, key}, locations.Find(key));
+      unread.push_back({key, std::move(origin), readBy});
     }
     return unread;
+  }
+
+  // A key of a personality.
+  struct KeyOfPersonality {
+    std::string_view type;
+    std::size_t index;  // of the personality
+    std::string_view key;
+  };
+
+  // `location` is that of the key or of its value; null: the file does not have it.
+  template <typename Location>
+  std::optional<ValueOrigin> OriginOf(const KeyOfPersonality& key, const Location* location) const {
+    if (trial_.SetKey(key.type, key.index, key.key)) return ValueOrigin(PersonalityOption);
+    return LocationOf(location);
   }
 
   ExplainedController ExplainController(const KeyTrace& trace, std::size_t index) const {
@@ -196,16 +213,17 @@ class KeyExplainer {
     if (!trace.HasPairs()) return controller;
     controller.pairs = NearestPairs(candidates_, trace, index, pairsOfEach_);
     controller.otherPairs = candidates_.personalities.size() - controller.pairs.size();
-    for (auto& pair : controller.pairs) ExplainFailures(source, controller, pair);
+    for (auto& pair : controller.pairs) ExplainFailures(trace.key, source, controller, pair);
     return controller;
   }
 
-  void ExplainFailures(const RecordSource& source, ExplainedController& controller,
-                       ExplainedPair& pair) const {
+  void ExplainFailures(std::string_view type, const RecordSource& source,
+                       ExplainedController& controller, ExplainedPair& pair) const {
     const KeyLocations locations(locations_[pair.personality]);
     for (const auto& failed : candidates_.FailuresOf(pair, controller.record)) {
       const auto* key = locations.Find(failed.requirement->key);
-      pair.failures.push_back({failed, LocationOf(key == nullptr ? nullptr : &key->value)});
+      pair.failures.push_back({failed, OriginOf({type, pair.personality, failed.requirement->key},
+                                                key == nullptr ? nullptr : &key->value)});
       const auto hardwareKey = failed.requirement->hardwareKey;
       auto [sources, isNew] = controller.sources.try_emplace(hardwareKey);
       if (isNew) sources->second = SourcesFor(hardwareKey, source);
@@ -227,6 +245,7 @@ class KeyExplainer {
   const Recording& recording_;
   const ExplainedSource& boardRevision_;
   const ExplainFilter& filter_;
+  const ExplainedTrial& trial_;
   std::size_t pairsOfEach_;
   Candidates candidates_ = {};                   // of the key that is explained
   std::vector<const ValueLocation*> locations_;  // of these; null where it is not known
@@ -255,11 +274,11 @@ ExplainedSource LookUpSource(const Recording& recording, const PropertySource& s
 std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFile* file,
                                       const Recording& recording,
                                       const ExplainedSource& boardRevision,
-                                      const ExplainFilter& filter) {
+                                      const ExplainFilter& filter, const ExplainedTrial& trial) {
   std::vector<ExplainedKey> keys;
   const auto configuration = run.result.configuration->value.AsDictionary();
   if (!configuration) return keys;
-  KeyExplainer explainer(run, file, recording, boardRevision, filter);
+  KeyExplainer explainer(run, file, recording, boardRevision, filter, trial);
   for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
     keys.push_back(explainer.Explain(run.trace.keys[i], configuration->Entries()[i].value));
   }

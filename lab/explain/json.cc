@@ -29,6 +29,11 @@ Json LocationJson(const std::optional<FileLocation>& location) {
   return {{"line", location->line}, {"column", location->column}};
 }
 
+Json OriginJson(const std::optional<ValueOrigin>& origin) {
+  if (origin && !origin->option.empty()) return {{"option", origin->option}};
+  return LocationJson(origin);
+}
+
 Json AsJson(std::string_view text) {
   return Json(text);
 }
@@ -50,7 +55,7 @@ Json FailureJson(const ExplainedFailure& failure, const ExplainedController& con
                {"key", requirement->key},
                {"shortfall", NameOf(reason)},
                {"wanted", ValueOrNull(wanted)},
-               {"place", LocationJson(failure.wantedLocation)},
+               {"place", OriginJson(failure.wantedLocation)},
                {"found", ValueOrNull(found)},
                {"foundIn", requirement->hardwareKey},
                {"sources", ListOf(controller.sources.at(requirement->hardwareKey), SourceJson)}};
@@ -76,7 +81,7 @@ Json SkipJson(const ExplainedSkip& skip) {
 
 Json UnreadJson(const UnreadKey& unread) {
   return {{"key", unread.key},
-          {"place", LocationJson(unread.location)},
+          {"place", OriginJson(unread.location)},
           {"readBy", TypesJson(unread.readBy)}};
 }
 
@@ -233,6 +238,9 @@ std::string_view NameOf(SkipReason reason) {
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {
   JsonStream stream(sink);
   stream.Begin('{');
+  if (!explanation.changes.empty()) {
+    stream.AddMembers({{"changes", ListOf(explanation.changes, AsJson)}});
+  }
   PrintMembers(explanation, stream);
   if (explanation.withoutSwitch) {
     stream.Begin("withoutSwitch", '{');
