@@ -2,10 +2,11 @@
 
 declare -gA _fernwick_lab_options=(
   [replay]="--host --help"
-  [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --help"
+  [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --set --personality --board-revision --help"
   [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
   [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [coverage]="-p --payload --bypassVersion --threshold --format --json -j --jobs --help"
+  [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
@@ -43,6 +44,8 @@ _fernwick_lab_value() {
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
     'survey --fail-on') _fernwick_lab_words 'planned current blocked unmatched no-controllers unknown-board no-configuration bypassed fault refused abnormal no-plan' "$3" ;;
+    'settle --format') _fernwick_lab_words 'text ndjson' "$3" ;;
+    'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan' "$3" ;;
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
@@ -52,7 +55,7 @@ _fernwick_lab_value() {
     'record --root') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }

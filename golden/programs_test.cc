@@ -39,6 +39,7 @@ constexpr char Usage[] =
     "  import     make a recording of registry dumps\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  coverage   print what recorded computers exercise of a payload\n"
+    "  settle     print what recorded computers become when every plan is carried out\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";

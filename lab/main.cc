@@ -30,6 +30,7 @@ constexpr Verb Verbs[] = {
     {"import", "make a recording of registry dumps", Import},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
     {"coverage", "print what recorded computers exercise of a payload", Coverage},
+    {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
 };
 

@@ -57,6 +57,10 @@ VerbEnd Survey(int argumentCount, char* const arguments[]);
 /// --threshold.
 VerbEnd Coverage(int argumentCount, char* const arguments[]);
 
+/// Prints what becomes of every selected computer when the plans for it are carried out. The status
+/// is 1 when one never settles.
+VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
+
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd Diff(int argumentCount, char* const arguments[]);
 

@@ -50,7 +50,8 @@ struct Recording {
 /// returns as long as the recording. Several may use one recording, each in a thread of its own.
 class RecordedRegistry : public Registry {
  public:
-  /// REQUIRES: `recording` outlives the registry and does not change.
+  /// REQUIRES: `recording` outlives the registry and does not change, except for the properties of
+  /// its entries.
   explicit RecordedRegistry(const Recording& recording);
   explicit RecordedRegistry(const Recording&& recording) = delete;  // the reference would dangle
   RecordedRegistry(const RecordedRegistry&) = delete;

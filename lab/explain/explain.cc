@@ -13,6 +13,9 @@
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
 #include "lab/verbs.h"
+#include "lab/what_if/changed_computer.h"
+#include "lab/what_if/changed_configurations.h"
+#include "lab/what_if/changes.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -52,6 +55,7 @@ struct ExplainArguments {
   std::vector<std::string> types;
   std::string controller;
   std::size_t nearest = 0;
+  WhatIfArguments whatIf;
 };
 
 std::vector<std::string> AllTypeNames() {
@@ -61,10 +65,10 @@ std::vector<std::string> AllTypeNames() {
 }
 
 CommandLine CommandLineOf(ExplainArguments& into) {
-  return {
+  CommandLine line = {
       .verb = "explain",
       .description = Description,
-      .footer = Example,
+      .footer = std::string(WhatIfHelp) + "\n" + Example,
       .arguments = {
           RecordingArgument(into.computer),
           HostArgument(into.computer),
@@ -97,6 +101,8 @@ CommandLine CommandLineOf(ExplainArguments& into) {
            .choices = {"text", "json"}},
           {.name = "--json", .target = &into.asJson, .help = "the same as --format json"},
       }};
+  AddWhatIfOptions(line, into.whatIf);
+  return line;
 }
 
 ExplainFilter FilterOf(const ExplainArguments& arguments) {
@@ -130,20 +136,19 @@ int Print(const Explanation& explanation, bool asJson) {
   return PrintError(*explained.configurationPath, *explained.configurationError);
 }
 
-}  // namespace
-
-VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
-  ExplainArguments parsed;
-  const auto line = CommandLineOf(parsed);
-  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto recording = LoadComputer(parsed.computer);
-  if (!recording) return PrintError(parsed.computer.Name(), recording.Error());
-  if (const auto fault = DirectoryFault(parsed.payload)) {
-    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
-  }
+// Explains the computer, which is changed already. Returns the exit status.
+int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
+                    const Changes& changes) {
+  ChangedConfigurations configurations(changes);
+  std::optional<Error> refusal;
   const auto filter = FilterOf(parsed);
   const auto options = ToolOptions(parsed.payload, parsed.bypassVersion);
-  const auto explanation = Explain(*recording, options, filter);
+  const auto explanation =
+      Explain(recording, options, filter, {&changes, configurations.Loader(refusal)});
+  if (refusal) {
+    const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
+    return PrintError(*explained.configurationPath, {*refusal, LabStatus::UnreadableInput});
+  }
   // Without descriptors there is nothing to explain.
   const auto failure = ConfigurationFailure(explanation.run, options);
   if (failure && failure->status == LabStatus::OutOfMemory) {
@@ -157,6 +162,29 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
          LabStatus::UnreadableInput});
   }
   return Print(explanation, parsed.asJson || parsed.format == "json");
+}
+
+}  // namespace
+
+VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
+  ExplainArguments parsed;
+  const auto line = CommandLineOf(parsed);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  const auto changes = ParseChanges(parsed.whatIf);
+  if (!changes) {
+    PrintError(changes.Error().message + "; see fernwick-lab explain --help");
+    return LabStatus::BadUsage;
+  }
+  auto recording = LoadComputer(parsed.computer);
+  if (!recording) return PrintError(parsed.computer.Name(), recording.Error());
+  ChangedComputer computer(*std::move(recording));
+  if (const auto error = ApplyChanges(*changes, computer)) {
+    return PrintError(parsed.computer.Name(), {*error, LabStatus::UnreadableInput});
+  }
+  if (const auto fault = DirectoryFault(parsed.payload)) {
+    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
+  }
+  return ExplainAndPrint(parsed, computer.Recorded(), *changes);
 }
 
 }  // namespace fernwick::lab

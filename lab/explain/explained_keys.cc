@@ -103,13 +103,15 @@ using ReadKey = std::pair<std::string_view, const ValueLocation*>;
 class KeyExplainer {
  public:
   KeyExplainer(const ToolRun& run, const ConfigurationFile* file, const Recording& recording,
-               const ExplainedSource& boardRevision, const ExplainFilter& filter)
+               const ExplainedSource& boardRevision, const ExplainFilter& filter,
+               const ExplainedTrial& trial)
       : result_(run.result),
         file_(file),
         keyLocations_(file == nullptr ? nullptr : &file->Root()),
         recording_(recording),
         boardRevision_(boardRevision),
         filter_(filter),
+        trial_(trial),
         pairsOfEach_(PairsOfEach(run.trace, filter)) {}
 
   ExplainedKey Explain(const KeyTrace& trace, const PropertyValue& value) {
@@ -166,27 +168,42 @@ class KeyExplainer {
       if (const auto dictionary = candidates[i].AsDictionary()) {
         personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
-        personality.unread = SortKeys(*dictionary, key.type, location, locations);
+        personality.unread = SortKeys(*dictionary, {key.key, i, {}}, key.type, location, locations);
       }
       key.personalities.push_back(std::move(personality));
     }
   }
 
+  // A key of a personality.
+  struct KeyOfPersonality {
+    std::string_view type;
+    std::size_t index;  // of the personality
+    std::string_view key;
+  };
+
   // Returns the keys that the type does not read; the locations of the others go to `read`.
-  std::vector<UnreadKey> SortKeys(Dictionary personality, TypeSet type,
+  std::vector<UnreadKey> SortKeys(Dictionary personality, KeyOfPersonality of, TypeSet type,
                                   const ValueLocation* location, std::vector<ReadKey>& read) const {
     const KeyLocations locations(location);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
       const auto* known = FindPersonalityKey(key);
       const TypeSet readBy = known == nullptr ? Types::None : known->checkedBy | known->plannedBy;
+      of.key = key;
       if ((readBy & type) != 0) {
         if (const auto* found = locations.Find(key)) read.emplace_back(key, &found->value);
       } else {
-        unread.push_back({key, LocationOf(locations.Find(key)), readBy});
+        unread.push_back({key, OriginOf(of, locations.Find(key)), readBy});
       }
     }
     return unread;
+  }
+
+  // `location` is that of the key or of its value; null: the file does not have it.
+  template <typename Location>
+  std::optional<ValueOrigin> OriginOf(const KeyOfPersonality& key, const Location* location) const {
+    if (trial_.SetKey(key.type, key.index, key.key)) return ValueOrigin(PersonalityOption);
+    return LocationOf(location);
   }
 
   ExplainedController ExplainController(const KeyTrace& trace, std::size_t index) const {
@@ -206,17 +223,18 @@ class KeyExplainer {
     if (!trace.HasPairs()) return controller;
     controller.pairs = NearestPairs(candidates_, trace, index, pairsOfEach_);
     controller.otherPairs = candidates_.personalities.size() - controller.pairs.size();
-    for (auto& pair : controller.pairs) ExplainFailures(source, controller, pair);
+    for (auto& pair : controller.pairs) ExplainFailures(trace.key, source, controller, pair);
     return controller;
   }
 
-  void ExplainFailures(const RecordSource& source, ExplainedController& controller,
-                       ExplainedPair& pair) const {
+  void ExplainFailures(std::string_view type, const RecordSource& source,
+                       ExplainedController& controller, ExplainedPair& pair) const {
     const auto& locations = locations_[pair.personality];
     for (const auto& failed : candidates_.FailuresOf(pair, controller.record)) {
       const auto wanted = std::ranges::find(locations, failed.requirement->key, &ReadKey::first);
       pair.failures.push_back(
-          {failed, LocationOf(wanted == locations.end() ? nullptr : wanted->second)});
+          {failed, OriginOf({type, pair.personality, failed.requirement->key},
+                            wanted == locations.end() ? nullptr : wanted->second)});
       const auto hardwareKey = failed.requirement->hardwareKey;
       auto [sources, isNew] = controller.sources.try_emplace(hardwareKey);
       if (isNew) sources->second = SourcesFor(hardwareKey, source);
@@ -238,6 +256,7 @@ class KeyExplainer {
   const Recording& recording_;
   const ExplainedSource& boardRevision_;
   const ExplainFilter& filter_;
+  const ExplainedTrial& trial_;
   std::size_t pairsOfEach_;
   Arena copies_;                                 // of candidates
   Candidates candidates_ = {};                   // of the key that is explained
@@ -267,11 +286,11 @@ ExplainedSource LookUpSource(const Recording& recording, const PropertySource& s
 std::vector<ExplainedKey> ExplainKeys(const ToolRun& run, const ConfigurationFile* file,
                                       const Recording& recording,
                                       const ExplainedSource& boardRevision,
-                                      const ExplainFilter& filter) {
+                                      const ExplainFilter& filter, const ExplainedTrial& trial) {
   std::vector<ExplainedKey> keys;
   const auto configuration = run.result.configuration->value.AsDictionary();
   if (!configuration) return keys;
-  KeyExplainer explainer(run, file, recording, boardRevision, filter);
+  KeyExplainer explainer(run, file, recording, boardRevision, filter, trial);
   for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
     keys.push_back(explainer.Explain(run.trace.keys[i], configuration->Entries()[i].value));
   }

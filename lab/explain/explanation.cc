@@ -66,10 +66,10 @@ ExplainedSource BoardRevisionSource(Registry& registry) {
 // What a fault that ends a run abnormally is about. Of a missing "UID" every controller that the
 // run would read it of, if it did not end at the first.
 ExplainedSources FaultSources(Fault fault, const Recording& recording, TrialRegistry& registry,
-                              const Options& options) {
+                              const Options& options, const ConfigurationLoader& load) {
   if (fault == Fault::BareSwitch) return {OptionsSource(registry, "boot-args")};
   registry.SupplyUids();
-  RunTool(registry, options);
+  RunTool(registry, options, KeptOutput::Texts, load);
   ExplainedSources sources;
   for (const auto controller : registry.ControllersWithoutUid()) {
     sources.push_back(LookUpSource(recording, {controller, "UID", ""}));
@@ -124,7 +124,8 @@ std::optional<ExplainedPlan> PlanOf(const Explanation& explanation, const Record
 
 // What the run read and decided.
 void ExplainRun(const Recording& recording, Registry& registry, const Options& options,
-                const ExplainFilter& filter, Explanation& explanation) {
+                const ExplainFilter& filter, const ExplainedTrial& trial,
+                Explanation& explanation) {
   const auto& result = explanation.run.result;
   explanation.optionBypassesVersion = options.bypassVersionCheck;
   if (result.switchBypassesVersion) {
@@ -135,25 +136,26 @@ void ExplainRun(const Recording& recording, Registry& registry, const Options& o
   if (!result.configuration) return FindConfigurationError(options, explanation);
   const auto file = LoadConfiguration(*explanation.configurationPath);
   explanation.keys = ExplainKeys(explanation.run, file ? &*file : nullptr, recording,
-                                 BoardRevisionSource(registry), filter);
+                                 BoardRevisionSource(registry), filter, trial);
   explanation.plan = PlanOf(explanation, recording, options);
 }
 
 Explanation ExplainOver(TrialRegistry& registry, const Recording& recording, const Options& options,
-                        const ExplainFilter& filter) {
+                        const ExplainFilter& filter, const ExplainedTrial& trial) {
   Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadBoardIdentity(registry)};
-  auto run = RunTool(registry, options);
+  if (trial.changes != nullptr) explanation.changes = trial.changes->texts;
+  auto run = RunTool(registry, options, KeptOutput::Texts, trial.load);
   explanation.end = EndOf(run.result);
   if (const auto fault = run.result.fault) {
     explanation.run.result.fault = fault;
-    explanation.faultSources = FaultSources(*fault, recording, registry, options);
+    explanation.faultSources = FaultSources(*fault, recording, registry, options, trial.load);
     return explanation;
   }
   explanation.run = std::move(run);
   if (explanation.end == RunEnd::Bypassed) {
     explanation.switches.push_back(WhereSet(recording, UpdatesSwitch));
   } else {
-    ExplainRun(recording, registry, options, filter, explanation);
+    ExplainRun(recording, registry, options, filter, trial, explanation);
   }
   return explanation;
 }
@@ -164,15 +166,15 @@ bool IsEndedBySwitch(const Explanation& explanation) {
 
 }  // namespace
 
-Explanation Explain(const Recording& recording, const Options& options,
-                    const ExplainFilter& filter) {
+Explanation Explain(const Recording& recording, const Options& options, const ExplainFilter& filter,
+                    const ExplainedTrial& trial) {
   TrialRegistry registry(recording);
-  auto explanation = ExplainOver(registry, recording, options, filter);
+  auto explanation = ExplainOver(registry, recording, options, filter, trial);
   if (IsEndedBySwitch(explanation)) {
     TrialRegistry changed(recording);
     changed.HideWhatEndsTheRun();
     explanation.withoutSwitch =
-        std::make_unique<Explanation>(ExplainOver(changed, recording, options, filter));
+        std::make_unique<Explanation>(ExplainOver(changed, recording, options, filter, trial));
   }
   return explanation;
 }

@@ -13,6 +13,8 @@
 #include "lab/support/messages.h"
 #include "lab/support/plan_summary.h"
 #include "lab/support/tool_run.h"
+#include "lab/what_if/changes.h"
+#include "personality/configuration.h"
 #include "registry/key_schema.h"
 #include "registry/recorded_registry.h"
 
@@ -32,7 +34,7 @@ using ExplainedSources = std::vector<ExplainedSource>;
 /// A requirement that a pair fails, with the location of the personality's value.
 struct ExplainedFailure {
   FailedRequirement failed;
-  std::optional<FileLocation> wantedLocation;
+  std::optional<ValueOrigin> wantedLocation;
 };
 
 /// A personality and a controller of its kind. Of a rejected pair the first failure decided. One
@@ -78,7 +80,7 @@ struct ExplainedSkip {
 /// A key of a personality that its type does not read.
 struct UnreadKey {
   std::string_view key;
-  std::optional<FileLocation> location;
+  std::optional<ValueOrigin> location;
   TypeSet readBy;  // other types; Types::None: no type does
 };
 
@@ -156,8 +158,9 @@ enum class RunEnd {
 /// recording, which must outlive it, and its own run; it can be moved.
 struct Explanation {
   RunEnd end;
-  ToolRun run = {};                    // after a fault only the fault
-  ExplainedSources faultSources = {};  // the properties that the fault is about
+  ToolRun run = {};                       // after a fault only the fault
+  ExplainedSources faultSources = {};     // the properties that the fault is about
+  std::vector<std::string> changes = {};  // what was changed before: "--board-revision 3"
   BoardIdentity identity = {};
   std::vector<SetSwitch> switches = {};  // the bypass switches that the run reads as set
   std::optional<std::string> configurationPath = {};
@@ -170,8 +173,18 @@ struct Explanation {
                                                     // otherwise
 };
 
+/// What a run differs in from that over the files as they are.
+struct ExplainedTrial {
+  const Changes* changes = nullptr;  // of which `load` applies those of personalities; null: none
+  ConfigurationLoader load = LoadPersonalityConfiguration;
+
+  bool SetKey(std::string_view type, std::size_t personality, std::string_view key) const {
+    return changes != nullptr && changes->SetKey(type, personality + 1, key);
+  }
+};
+
 /// Runs the tool over the computer and explains what it decides.
 Explanation Explain(const Recording& recording, const Options& options,
-                    const ExplainFilter& filter = {});
+                    const ExplainFilter& filter = {}, const ExplainedTrial& trial = {});
 
 }  // namespace fernwick::lab

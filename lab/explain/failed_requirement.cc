@@ -22,7 +22,7 @@ std::optional<PropertyValue> ValueIn(Dictionary dictionary, std::string_view key
 // A failure and where its personality's value is, in words.
 struct FailureWording {
   const FailedRequirement& failure;
-  const std::optional<FileLocation>& location;
+  const std::optional<ValueOrigin>& location;
 
   // Ids are usually written in hexadecimal.
   std::string ValueText(const PropertyValue& value) const {
@@ -168,7 +168,7 @@ Distance DistanceOf(std::span<const FailedRequirement> failures) {
 }
 
 std::string FailureText(const FailedRequirement& failure,
-                        const std::optional<FileLocation>& location) {
+                        const std::optional<ValueOrigin>& location) {
   const FailureWording wording{failure, location};
   switch (failure.reason) {
     case FailureReason::PersonalityLacksKey: return "is missing; " + wording.FoundText();
@@ -187,7 +187,8 @@ std::string FailureText(const FailedRequirement& failure,
   return wording.Wanted() + " is below the board's revision " + wording.Found();
 }
 
-std::string AtLocation(const std::optional<FileLocation>& location) {
+std::string AtLocation(const std::optional<ValueOrigin>& location) {
+  if (location && !location->option.empty()) return " by " + std::string(location->option);
   return location ? " at " + Describe(*location) : "";
 }
 

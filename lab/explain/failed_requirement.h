@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "personality/requirements.h"
@@ -44,12 +45,21 @@ struct Distance {
 
 Distance DistanceOf(std::span<const FailedRequirement> failures);
 
+/// Where a value of a configuration is from: a location of the file or, where the option is not
+/// empty, an option of the command line.
+struct ValueOrigin : FileLocation {
+  ValueOrigin(const FileLocation& location) : FileLocation(location) {}  // NOLINT: it is one
+  explicit ValueOrigin(std::string_view byOption) : option(byOption) {}
+
+  std::string_view option = {};
+};
+
 /// What is wrong, with both sides, to follow the requirement's key: "wants 0 at 27:13, finds 1".
 /// The location is that of the personality's value. Safe to show, on one line.
 std::string FailureText(const FailedRequirement& failure,
-                        const std::optional<FileLocation>& location = std::nullopt);
+                        const std::optional<ValueOrigin>& location = std::nullopt);
 
-/// " at 27:13"; empty when no location is known.
-std::string AtLocation(const std::optional<FileLocation>& location);
+/// " at 27:13", " by --personality"; empty when no location is known.
+std::string AtLocation(const std::optional<ValueOrigin>& location);
 
 }  // namespace fernwick::lab

@@ -23,6 +23,11 @@ Json ValueOrNull(const std::optional<PropertyValue>& value) {
   return value ? ToJson(*value) : Json(nullptr);
 }
 
+Json OriginJson(const std::optional<ValueOrigin>& origin) {
+  if (origin && !origin->option.empty()) return {{"option", origin->option}};
+  return LocationJson(origin);
+}
+
 Json AsJson(std::string_view text) {
   return Json(text);
 }
@@ -44,7 +49,7 @@ Json FailureJson(const ExplainedFailure& failure, const ExplainedController& con
                {"key", requirement->key},
                {"shortfall", NameOf(reason)},
                {"wanted", ValueOrNull(wanted)},
-               {"place", LocationJson(failure.wantedLocation)},
+               {"place", OriginJson(failure.wantedLocation)},
                {"found", ValueOrNull(found)},
                {"foundIn", requirement->hardwareKey},
                {"sources", ListOf(controller.sources.at(requirement->hardwareKey), SourceJson)}};
@@ -70,7 +75,7 @@ Json SkipJson(const ExplainedSkip& skip) {
 
 Json UnreadJson(const UnreadKey& unread) {
   return {{"key", unread.key},
-          {"place", LocationJson(unread.location)},
+          {"place", OriginJson(unread.location)},
           {"readBy", TypesJson(unread.readBy)}};
 }
 
@@ -235,6 +240,9 @@ Json LocationJson(const std::optional<FileLocation>& location) {
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink) {
   JsonStream stream(sink);
   stream.Begin('{');
+  if (!explanation.changes.empty()) {
+    stream.AddMembers({{"changes", ListOf(explanation.changes, AsJson)}});
+  }
   PrintMembers(explanation, stream);
   if (explanation.withoutSwitch) {
     stream.Begin("withoutSwitch", '{');

@@ -70,7 +70,10 @@ class HeadWriter : LineWriter {
   HeadWriter(const Explanation& explanation, const LineWriter& lines)
       : LineWriter(lines), explanation_(explanation) {}
 
-  void WriteComputer() { Labelled("Computer", IdentityText(explanation_.identity)); }
+  void WriteComputer() {
+    Labelled("Computer", IdentityText(explanation_.identity));
+    for (const auto& change : explanation_.changes) Labelled("Changed by", PrintableText(change));
+  }
 
   void Write() {
     const auto& path = explanation_.configurationPath;

@@ -1,0 +1,189 @@
+#include "lab/survey/settle/settle_computer.h"
+
+#include <utility>
+
+#include "lab/explain/print.h"
+#include "lab/recordings/recording_file.h"
+#include "lab/support/words.h"
+#include "lab/survey/run.h"
+#include "lab/survey/settle/causes.h"
+#include "lab/survey/settle/stuck.h"
+#include "lab/what_if/changed_computer.h"
+#include "personality/configuration.h"
+#include "registry/board_identity.h"
+
+namespace fernwick::lab {
+namespace {
+
+Json ValueOrNull(const std::optional<PropertyValue>& value) {
+  return value ? ToJson(*value) : Json(nullptr);
+}
+
+std::string_view CauseName(RepetitionCause cause) {
+  switch (cause) {
+    case RepetitionCause::Undone: return "undone";
+    case RepetitionCause::ComparesVersionAbove: return "compares version above";
+    case RepetitionCause::NotStorable: return "not storable";
+    case RepetitionCause::VersionUnchecked: break;
+  }
+  return "version unchecked";
+}
+
+std::string_view NameOfType(TypeSet type) {
+  return *NamesOf(type).begin();
+}
+
+SettleOutcome OutcomeOf(SettleEnd end) {
+  switch (end) {
+    case SettleEnd::NothingMatches: return SettleOutcome::Settled;
+    case SettleEnd::StateComesBack: return SettleOutcome::NeverSettles;
+    case SettleEnd::GivenUp: return SettleOutcome::Undecided;
+    case SettleEnd::Bypassed: return SettleOutcome::Bypassed;
+    case SettleEnd::AbnormalEnd: return SettleOutcome::AbnormalEnd;
+    default: return SettleOutcome::NoPlan;
+  }
+}
+
+// Turns what happened to a computer into its row.
+class RowWriter {
+ public:
+  RowWriter(const Recording& recording, const Settling& settling, SettleRow& row)
+      : recording_(recording), settling_(settling), row_(row) {}
+
+  void Write(bool listsSteps) {
+    row_.outcome = OutcomeOf(settling_.end);
+    row_.runs = settling_.steps.size();
+    WriteEnd();
+    for (const auto& [entry, isPort, before, after] : settling_.controllers) {
+      row_.controllers.push_back(
+          {PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before), ValueOrNull(after)});
+    }
+    if (settling_.end == SettleEnd::StateComesBack) WriteRepetitions();
+    if (listsSteps) WriteSteps();
+  }
+
+  void WriteStuck(const std::vector<StuckController>& stuck) {
+    if (stuck.empty()) return;
+    row_.outcome = SettleOutcome::Stuck;
+    for (const auto& each : stuck) {
+      row_.stuck.push_back({PathInAnyPlane(recording_, each.controller), std::string(each.type),
+                            each.personality + 1, ToJson(each.offered), ValueOrNull(each.installed),
+                            RequirementsOf(each)});
+    }
+  }
+
+ private:
+  void WriteEnd() {
+    const auto& result = settling_.last.result;
+    if (result.fault) {
+      row_.reason = AbnormalEndName;
+    } else {
+      row_.status = result.status;
+    }
+    if (settling_.end == SettleEnd::NoPlan) row_.reason = NoPlanReason();
+  }
+
+  std::string NoPlanReason() const {
+    const auto& result = settling_.last.result;
+    if (const auto fault = ConfigurationFault(settling_.last)) return Describe(*fault);
+    if (!result.configuration) return "there is no configuration for the board";
+    if (result.matches.empty()) return "the top of the configuration is no dictionary";
+    return "a match names no image";
+  }
+
+  NamedFlash Named(const Flash& flash) const {
+    return {std::string(NameOfType(flash.type)),
+            flash.personality + 1,
+            PathInAnyPlane(recording_, flash.controller),
+            PathInAnyPlane(recording_, flash.changed),
+            ValueOrNull(flash.offered),
+            ValueOrNull(flash.before),
+            ValueOrNull(flash.after)};
+  }
+
+  void WriteRepetitions() {
+    row_.comesBack = settling_.firstState;
+    for (const auto& repetition : FindRepetitions(settling_)) {
+      NamedRepetition named = {std::string(CauseName(repetition.cause)), Named(*repetition.flash)};
+      if (repetition.other != nullptr) named.other = Named(*repetition.other);
+      row_.repetitions.push_back(std::move(named));
+    }
+  }
+
+  void WriteSteps() {
+    auto& steps = row_.steps.emplace();
+    for (const auto& step : settling_.steps) {
+      NamedStep named = {{}, step.nvram, step.otherNvram};
+      for (const auto& flash : step.flashes) named.flashes.push_back(Named(flash));
+      steps.push_back(std::move(named));
+    }
+  }
+
+  static std::vector<NamedRequirement> RequirementsOf(const StuckController& stuck) {
+    std::vector<NamedRequirement> named;
+    for (const auto& [failed, origin] : stuck.requirements) {
+      named.push_back({.key = std::string(failed.requirement->key),
+                       .reason = std::string(NameOf(failed.reason)),
+                       .text = FailureText(failed, origin),
+                       .origin = origin,
+                       .wanted = ValueOrNull(failed.wanted),
+                       .found = ValueOrNull(failed.found)});
+    }
+    return named;
+  }
+
+  const Recording& recording_;
+  const Settling& settling_;
+  SettleRow& row_;
+};
+
+// What was refused has a row, unless it is refused for lack of memory or descriptors.
+Result<SettleRow, LabError> Refused(const std::string& path, const LabError& error) {
+  if (error.status == LabStatus::OutOfMemory) {
+    return LabError{{path + ": " + error.error.message}, error.status};
+  }
+  return SettleRow{.file = path,
+                   .outcome = SettleOutcome::Refused,
+                   .status = error.status,
+                   .reason = Describe(error.error)};
+}
+
+// The file with the locations is read for those that are stuck alone.
+void FindStuck(const Settling& settling, const SettleWork& work, RowWriter& writer) {
+  auto stuck = FindStuckControllers(settling.last);
+  if (stuck.empty()) return;
+  const auto path = ConfigurationPath(settling.last.result.identity->boardIdString,
+                                      work.options.personalitiesDirectory);
+  const auto* located = work.configurations.Located(*path);
+  for (auto& each : stuck) Locate(each, work.changes, located);
+  writer.WriteStuck(stuck);
+}
+
+}  // namespace
+
+Result<SettleRow, LabError> SettleComputer(const Selected& selected, const SettleWork& work) {
+  const auto& path = selected.path;
+  if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
+  auto recording = LoadRecording(path);
+  if (!recording) return Refused(path, recording.Error());
+  ChangedComputer computer(*std::move(recording));
+  if (const auto error = ApplyChanges(work.changes, computer)) {
+    return Refused(path, {*error, LabStatus::UnreadableInput});
+  }
+  RecordedRegistry registry(computer.Recorded());
+  const auto board = ReadBoardIdentity(registry);
+  std::optional<Error> refusal;
+  const auto load = work.configurations.Loader(refusal);
+  const auto settling = Settle(computer, {work.options, load, work.listsSteps});
+  if (refusal) return Refused(path, {*refusal, LabStatus::UnreadableInput});
+  if (settling.end == SettleEnd::Failure) {
+    return *ConfigurationFailure(settling.last, work.options);
+  }
+  SettleRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
+  RowWriter writer(computer.Recorded(), settling, row);
+  writer.Write(work.listsSteps);
+  if (settling.end == SettleEnd::NothingMatches) FindStuck(settling, work, writer);
+  return row;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,117 @@
+#include "lab/survey/settle/settle_row.h"
+
+#include <array>
+#include <utility>
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::array<std::string_view, SettleOutcomeCount> OutcomeNames = {
+    "settled", "stuck",    "never settles", "undecided",
+    "no plan", "bypassed", "refused",       "abnormal end"};
+
+template <typename Value>
+Json OrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
+template <typename Range, typename Convert>
+Json ListOf(const Range& range, Convert convert) {
+  auto list = Json::array();
+  for (const auto& each : range) list.push_back(convert(each));
+  return list;
+}
+
+Json FlashJson(const NamedFlash& flash) {
+  return {{"type", flash.type},
+          {"personality", flash.personality},
+          {"controller", flash.controller},
+          {"changes", flash.changed},
+          {"offered", flash.offered},
+          {"before", flash.before},
+          {"after", flash.after}};
+}
+
+Json NvramJson(const NvramChange& change) {
+  return {
+      {"name", change.name}, {"before", OrNull(change.before)}, {"after", OrNull(change.after)}};
+}
+
+Json StepJson(const NamedStep& step) {
+  return {{"matches", ListOf(step.flashes, FlashJson)},
+          {"nvram", ListOf(step.nvram, NvramJson)},
+          {"otherNvram", step.otherNvram}};
+}
+
+Json RepetitionJson(const NamedRepetition& repetition) {
+  return {{"cause", repetition.cause},
+          {"match", FlashJson(repetition.flash)},
+          {"other", repetition.other ? FlashJson(*repetition.other) : Json(nullptr)}};
+}
+
+Json OriginJson(const std::optional<ValueOrigin>& origin) {
+  if (!origin) return nullptr;
+  if (!origin->option.empty()) return {{"option", origin->option}};
+  if (origin->line == 0) return {{"byte", origin->byte}};
+  return {{"line", origin->line}, {"column", origin->column}};
+}
+
+Json RequirementJson(const NamedRequirement& requirement) {
+  return {{"key", requirement.key},       {"shortfall", requirement.reason},
+          {"text", requirement.text},     {"place", OriginJson(requirement.origin)},
+          {"wanted", requirement.wanted}, {"found", requirement.found}};
+}
+
+Json StuckJson(const NamedStuck& stuck) {
+  return {{"controller", stuck.controller},
+          {"type", stuck.type},
+          {"personality", stuck.personality},
+          {"offered", stuck.offered},
+          {"installed", stuck.installed},
+          {"failures", ListOf(stuck.requirements, RequirementJson)}};
+}
+
+Json ControllerJson(const NamedController& controller) {
+  return {{"entry", controller.path},
+          {"kind", controller.isPort ? "port" : "thunderbolt"},
+          {"before", controller.before},
+          {"after", controller.after}};
+}
+
+}  // namespace
+
+std::string_view NameOf(SettleOutcome outcome) {
+  return OutcomeNames[static_cast<std::size_t>(outcome)];
+}
+
+Json ToJson(const SettleRow& row) {
+  return {{"file", row.file},
+          {"outcome", NameOf(row.outcome)},
+          {"status", OrNull(row.status)},
+          {"reason", TextOrNull(row.reason)},
+          {"board", OrNull(row.board)},
+          {"revision", OrNull(row.revision)},
+          {"runs", row.runs},
+          {"comesBack", OrNull(row.comesBack)},
+          {"controllers", ListOf(row.controllers, ControllerJson)},
+          {"causes", ListOf(row.repetitions, RepetitionJson)},
+          {"stuck", ListOf(row.stuck, StuckJson)},
+          {"steps", row.steps ? ListOf(*row.steps, StepJson) : Json(nullptr)}};
+}
+
+void SettleTotals::Add(SettleOutcome outcome, std::size_t runs) {
+  ++outcomes[outcome];
+  const bool isSettled = outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
+  if (isSettled) ++settledAfter[runs];
+}
+
+std::size_t SettleTotals::Count(SettleOutcome outcome) const {
+  const auto found = outcomes.find(outcome);
+  return found == outcomes.end() ? 0 : found->second;
+}
+
+}  // namespace fernwick::lab

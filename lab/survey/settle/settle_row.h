@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/explain/failed_requirement.h"
+#include "lab/support/json_values.h"
+#include "lab/survey/settle/settling.h"
+
+namespace fernwick::lab {
+
+/// The result of one computer.
+enum class SettleOutcome {
+  Settled,
+  Stuck,  // settled, but the payload has newer versions for its controllers
+  NeverSettles,
+  Undecided,  // within the bounds
+  NoPlan,     // the tool prints none although it matches something or has no configuration
+  Bypassed,   // by a switch of the computer, which a plan may have set
+  Refused,    // its recording, or a change that it cannot have
+  AbnormalEnd,
+};
+
+inline constexpr std::size_t SettleOutcomeCount = 8;
+
+/// "settled", "stuck", "never settles", "undecided", "no plan", "bypassed", "refused" and
+/// "abnormal end".
+std::string_view NameOf(SettleOutcome outcome);
+
+/// A match as a row names it.
+struct NamedFlash {
+  std::string type;
+  std::size_t personality;  // from 1
+  std::string controller;   // the path of the one that it matched
+  std::string changed;      // of the one that gets the image
+  Json offered;             // versions; null where there is none
+  Json before;
+  Json after;
+};
+
+/// A run with a plan.
+struct NamedStep {
+  std::vector<NamedFlash> flashes;
+  std::vector<NvramChange> nvram;
+  std::size_t otherNvram = 0;
+};
+
+/// Why the computer never settles. `cause` is "undone", "compares version above",
+/// "not storable" or "version unchecked".
+struct NamedRepetition {
+  std::string cause;
+  NamedFlash flash;
+  std::optional<NamedFlash> other = {};  // of "undone"
+};
+
+/// A requirement that keeps a controller below a version: its key and what is wrong.
+struct NamedRequirement {
+  std::string key;
+  std::string reason;  // "belowInstalled"
+  std::string text;    // "171 at 12:5 is below the installed 175"
+  std::optional<ValueOrigin> origin = {};
+  Json wanted = {};
+  Json found = {};
+};
+
+/// A controller that stays below a version that the payload has for it.
+struct NamedStuck {
+  std::string controller;  // its path
+  std::string type;
+  std::size_t personality;  // from 1
+  Json offered;
+  Json installed;
+  std::vector<NamedRequirement> requirements;
+};
+
+/// A controller with the version that it reports before the first run and after the last.
+struct NamedController {
+  std::string path;
+  bool isPort;
+  Json before;
+  Json after;
+};
+
+/// One computer of a settling.
+struct SettleRow {
+  std::string file;
+  SettleOutcome outcome = SettleOutcome::Settled;
+  std::optional<int> status = {};  // the tool's, of the last run; the lab's of a refused recording
+  std::string reason = {};         // of a refusal, of no plan, or what ended it
+  std::optional<std::string> board = {};
+  std::optional<int> revision = {};
+  std::size_t runs = 0;                       // those that planned something
+  std::optional<std::size_t> comesBack = {};  // of one that never settles: after how many runs the
+                                              // state was there that comes back after `runs`
+  std::vector<NamedController> controllers = {};
+  std::vector<NamedRepetition> repetitions = {};
+  std::vector<NamedStuck> stuck = {};
+  std::optional<std::vector<NamedStep>> steps = {};  // where they are wanted
+};
+
+/// In JSON, all keys always there and in the same order.
+Json ToJson(const SettleRow& row);
+
+/// The row as lines for people, each with its line feed and safe to show.
+std::string DescribeRow(const SettleRow& row);
+
+/// The totals of a settling: memory for each number of runs, of which there are few.
+struct SettleTotals {
+  std::map<SettleOutcome, std::size_t> outcomes = {};
+  std::map<std::size_t, std::size_t> settledAfter = {};  // by runs: computers, stuck ones too
+
+  void Add(SettleOutcome outcome, std::size_t runs);
+  std::size_t Count(SettleOutcome outcome) const;
+};
+
+/// A line of the outcomes and one of each number of runs.
+std::string Describe(const SettleTotals& totals);
+
+}  // namespace fernwick::lab

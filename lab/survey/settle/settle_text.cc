@@ -1,0 +1,130 @@
+#include <string>
+
+#include "lab/support/messages.h"
+#include "lab/support/words.h"
+#include "lab/survey/settle/settle_row.h"
+#include "lab/survey/text.h"
+
+namespace fernwick::lab {
+namespace {
+
+std::string VersionText(const Json& version) {
+  return version.is_null() ? "unknown" : CellText(version);
+}
+
+std::string RunsText(std::size_t runs) {
+  return Counted(runs, "run", "runs");
+}
+
+std::string StateText(std::size_t runs) {
+  return runs == 0 ? "the recorded state" : "the state after " + RunsText(runs);
+}
+
+std::string PersonalityText(const NamedFlash& flash) {
+  return flash.type + " personality " + std::to_string(flash.personality);
+}
+
+std::string SetText(const NamedFlash& flash) {
+  return PersonalityText(flash) + " sets " + VersionText(flash.after);
+}
+
+std::string OfferText(const NamedFlash& flash) {
+  return PersonalityText(flash) + " offers " + VersionText(flash.offered);
+}
+
+std::string CauseText(const NamedRepetition& repetition) {
+  const auto& flash = repetition.flash;
+  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
+  if (repetition.cause == "not storable") {
+    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
+  }
+  if (repetition.cause == "compares version above") {
+    return OfferText(flash) +
+           ", which is compared with the version of the Thunderbolt controller above the port";
+  }
+  return PersonalityText(flash) +
+         " matches whatever is installed, since the version check is bypassed";
+}
+
+std::string HeadText(const SettleRow& row) {
+  const auto runs = " after " + RunsText(row.runs);
+  switch (row.outcome) {
+    case SettleOutcome::Settled:
+    case SettleOutcome::Stuck: return std::string(NameOf(row.outcome)) + runs;
+    case SettleOutcome::NeverSettles:
+      return "never settles: " + StateText(*row.comesBack) + " comes back" + runs;
+    case SettleOutcome::Undecided: return "undecided: not settled" + runs;
+    case SettleOutcome::Refused: return "refused: " + PrintableText(row.reason);
+    default: break;
+  }
+  auto text = std::string(NameOf(row.outcome)) + runs;
+  return row.reason.empty() ? text : text + ": " + PrintableText(row.reason);
+}
+
+std::string VariableText(const NvramChange& change) {
+  const auto name = PrintableText(change.name);
+  if (!change.after) return "clear NVRAM " + name;
+  return "set NVRAM " + name + " to " + *change.after;
+}
+
+std::string StepText(const NamedStep& step, std::size_t number) {
+  auto text = "  run " + std::to_string(number) + "\n";
+  for (const auto& flash : step.flashes) {
+    text += "    " + PersonalityText(flash) + " for " + PrintableText(flash.controller) + ": ";
+    const bool isAnother = flash.changed != flash.controller;
+    if (isAnother) text += "version of " + PrintableText(flash.changed) + " ";
+    text += VersionText(flash.before) + " -> " + VersionText(flash.after) + "\n";
+  }
+  for (const auto& change : step.nvram) text += "    " + VariableText(change) + "\n";
+  if (step.otherNvram > 0) {
+    text +=
+        "    " + Counted(step.otherNvram, "more variable changes", "more variables change") + "\n";
+  }
+  return text;
+}
+
+std::string StuckText(const NamedStuck& stuck) {
+  auto text = "  " + PrintableText(stuck.controller) + " stays at " + VersionText(stuck.installed) +
+              ": " + stuck.type + " personality " + std::to_string(stuck.personality) + " offers " +
+              VersionText(stuck.offered) + ", but\n";
+  for (const auto& requirement : stuck.requirements) {
+    text += "    " + requirement.key + " " + requirement.text + "\n";
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string DescribeRow(const SettleRow& row) {
+  auto text = PrintableText(row.file) + ": " + HeadText(row) + "\n";
+  if (row.steps) {
+    for (std::size_t i = 0; i < row.steps->size(); ++i) text += StepText((*row.steps)[i], i + 1);
+  }
+  for (const auto& controller : row.controllers) {
+    if (controller.before == controller.after) continue;
+    text += "  " + PrintableText(controller.path) + ": " + VersionText(controller.before) + " -> " +
+            VersionText(controller.after) + "\n";
+  }
+  for (const auto& repetition : row.repetitions) {
+    text += "  " + PrintableText(repetition.flash.changed) + ": " + CauseText(repetition) + "\n";
+  }
+  for (const auto& stuck : row.stuck) text += StuckText(stuck);
+  return text;
+}
+
+std::string Describe(const SettleTotals& totals) {
+  std::size_t computers = 0;
+  std::string outcomes;
+  for (const auto& [outcome, count] : totals.outcomes) {
+    computers += count;
+    outcomes += (outcomes.empty() ? ": " : ", ") + std::to_string(count) + " " +
+                std::string(NameOf(outcome));
+  }
+  auto text = Counted(computers, "computer", "computers") + outcomes + "\n";
+  for (const auto& [runs, count] : totals.settledAfter) {
+    text += "  " + std::to_string(count) + " after " + RunsText(runs) + "\n";
+  }
+  return text;
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,263 @@
+#include "lab/survey/settle/settling.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <set>
+#include <unordered_set>
+#include <utility>
+
+#include "driver/bypass_switch.h"
+#include "lab/support/messages.h"
+#include "lab/support/words.h"
+#include "lab/survey/settle/stored_version.h"
+#include "lab/what_if/state_digest.h"
+#include "personality/personality.h"
+#include "plan/plan_values.h"
+#include "registry/board_identity.h"
+#include "registry/thunderbolt_inventory.h"
+#include "registry/typed_readers.h"
+#include "value/property_list_reader.h"
+
+// A simulation with cycle detection: what a run plans depends on nothing but the registry, so that
+// everything repeats once a state does. Each state is remembered as a digest of 128 bits, which a
+// change of a property updates without reading the rest. With the version check versions only
+// increase; without it, a few controllers may have cycles of different lengths, whose common period
+// is too long to wait for: hence the bounds. Costs a run of the tool for each plan, and memory for
+// what the plans change.
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::size_t MaxListedVariables = 100;
+
+bool IsOfThunderbolt(TypeSet type) {
+  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+}
+
+std::optional<PropertyValue> ReportedPortVersion(Registry& registry, RegistryEntry port) {
+  std::uint32_t packed = 0;
+  if (ReadU32Property(registry, port, "Version", packed) != RegistrySuccess) return std::nullopt;
+  return PropertyValue(static_cast<std::int32_t>(DecodeBcd(packed)));
+}
+
+std::optional<PropertyValue> ReportedThunderboltVersion(Registry& registry, RegistryEntry entry) {
+  std::uint32_t rom = 0;
+  std::uint32_t eeprom = 0;
+  if (ReadU32Property(registry, entry, "ROM Version", rom) != RegistrySuccess) return std::nullopt;
+  static_cast<void>(ReadU32Property(registry, entry, "EEPROM Revision", eeprom));
+  return PropertyValue(ThunderboltFirmwareVersion(rom, eeprom));
+}
+
+std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
+  return isPort ? ReportedPortVersion(registry, entry)
+                : ReportedThunderboltVersion(registry, entry);
+}
+
+// A value of a variable as it is shown.
+std::optional<std::string> ShortText(const std::optional<PropertyValue>& value) {
+  constexpr std::size_t MaxLength = 200;
+  if (!value) return std::nullopt;
+  auto text = InlineText(*value);
+  if (text.size() <= MaxLength) return text;
+  auto length = MaxLength;
+  while ((text[length] & 0xC0) == 0x80) --length;  // not inside a character
+  text.resize(length);
+  return text + "...";
+}
+
+// The personality of a match. REQUIRES: the run has a configuration, as it has the match.
+Dictionary PersonalityOf(const ToolRun& run, const MatchedPair& pair) {
+  const auto topLevel = *run.result.configuration->value.AsDictionary();
+  const auto personalities = *PersonalitiesOf(pair.key->key, *topLevel.Find(pair.key->key));
+  return *personalities[pair.personality].AsDictionary();
+}
+
+Flash FlashOf(const ToolRun& run, const MatchedPair& pair) {
+  const auto& source = pair.key->inventory.sources[pair.controller];
+  const auto type = TypeNamed(pair.key->key);
+  // Both types for Thunderbolt controllers require their silicon, so that there is one.
+  Flash flash = {.type = type,
+                 .personality = pair.personality,
+                 .controller = source.Controller(),
+                 .changed = IsOfThunderbolt(type) ? source.thunderbolt : source.port};
+  flash.comparesVersionAbove = !IsOfThunderbolt(type) && source.version == Origin::Thunderbolt;
+  const auto* version = PersonalityOf(run, pair).Find("Version");
+  if (version != nullptr && version->IsNumber()) flash.offered = *version;
+  return flash;
+}
+
+// Changes the computer plan by plan.
+class PlanExecution {
+ public:
+  PlanExecution(ChangedComputer& computer, const SettleOptions& options)
+      : computer_(computer), options_(options) {}
+
+  SettleStep CarryOut(const ToolRun& run) {
+    RecordedRegistry registry(computer_.Recorded());
+    SettleStep step;
+    PlanValues plan;
+    for (const auto& pair : MatchedPairs(run)) {
+      step.flashes.push_back(FlashOf(run, pair));
+      Apply(registry, step.flashes.back());
+      MergeNvram(*pair.match, plan);
+    }
+    ApplyNvram(plan, step);
+    return step;
+  }
+
+  const StateDigest& State() const { return state_; }
+
+ private:
+  void Apply(Registry& registry, Flash& flash) {
+    const bool isPort = !IsOfThunderbolt(flash.type);
+    flash.before = ReportedVersion(registry, flash.changed, isPort);
+    const auto stored = flash.offered ? StoredValues(*flash.offered, isPort) : std::nullopt;
+    flash.isStored = stored.has_value();
+    if (stored) Set(flash.changed, *stored);
+    flash.after = ReportedVersion(registry, flash.changed, isPort);
+  }
+
+  // The properties of a controller with that version; empty when it can store none.
+  static std::optional<Record> StoredValues(const PropertyValue& offered, bool isPort) {
+    if (isPort) {
+      const auto packed = StoredPortVersion(offered);
+      return packed ? std::optional(Record{{"Version", *packed}}) : std::nullopt;
+    }
+    const auto words = StoredThunderboltVersion(offered);
+    if (!words) return std::nullopt;
+    return Record{{"ROM Version", words->rom}, {"EEPROM Revision", words->eeprom}};
+  }
+
+  void Set(RegistryEntry entry, const Record& values) {
+    Record properties(computer_.Properties(entry));
+    for (const auto& [key, value] : values.Entries()) {
+      const auto* before = properties.Find(key);
+      if (before != nullptr) state_.Remove(entry, key, *before);
+      state_.Add(entry, key, value);
+      properties.Set(key, value);
+    }
+    computer_.SetProperties(entry, std::move(properties));
+  }
+
+  // A tree of the variables that the plan names: a configuration chooses how many there are.
+  void ApplyNvram(const PlanValues& plan, SettleStep& step) {
+    std::map<std::string_view, std::optional<PropertyValue>> after;
+    const auto toSet = NvramToSet(plan);
+    for (const auto& [name, value] : toSet.Entries()) after[name] = value;
+    for (const auto& name : NvramToClear(plan)) {
+      if (const auto text = name.AsString()) after[*text] = std::nullopt;
+    }
+    if (after.empty()) return;
+    const auto entry = BootOptions();
+    std::map<std::string_view, std::optional<PropertyValue>> before;
+    for (const auto& [name, value] : computer_.Properties(entry).Entries()) before[name] = value;
+    Record properties(computer_.Properties(entry));
+    properties.Merge(toSet);
+    std::vector<DictionaryEntry> kept;
+    for (const auto& property : properties.Entries()) {
+      const auto changed = after.find(property.key);
+      if (changed == after.end() || changed->second) kept.push_back(property);
+    }
+    for (const auto& [name, value] : after) Note(entry, name, before[name], value, step);
+    computer_.SetProperties(entry, Record(Dictionary(kept)));
+  }
+
+  // Records the change of a variable in the state and in the step.
+  void Note(RegistryEntry entry, std::string_view name, const std::optional<PropertyValue>& before,
+            const std::optional<PropertyValue>& after, SettleStep& step) {
+    if (before == after) return;
+    if (before) state_.Remove(entry, name, *before);
+    if (after) state_.Add(entry, name, *after);
+    if (!options_.listsNvram) return;
+    if (step.nvram.size() == MaxListedVariables) {
+      ++step.otherNvram;
+    } else {
+      step.nvram.push_back({std::string(name), ShortText(before), ShortText(after)});
+    }
+  }
+
+  // The entry of the NVRAM variables, which a computer without any may lack. There is a device
+  // tree, since the board has a configuration.
+  RegistryEntry BootOptions() {
+    const auto entry = RecordedRegistry(computer_.Recorded()).LookupEntryByPath(BootOptionsPath);
+    return entry != 0 ? entry : computer_.AddBelowRoot(DeviceTreePlane, "options");
+  }
+
+  ChangedComputer& computer_;
+  const SettleOptions& options_;
+  StateDigest state_;  // of what differs from the recording
+};
+
+SettleEnd EndOfRun(const ToolRun& run, const Options& options) {
+  if (run.result.fault) return SettleEnd::AbnormalEnd;
+  if (run.result.bypassesUpdates) return SettleEnd::Bypassed;
+  if (ConfigurationFailure(run, options)) return SettleEnd::Failure;
+  const auto& configuration = run.result.configuration;
+  const bool isUsable = configuration && configuration->value.AsDictionary();
+  return isUsable && run.result.matches.empty() ? SettleEnd::NothingMatches : SettleEnd::NoPlan;
+}
+
+bool HasPlan(const ToolRun& run) {
+  return !run.result.fault && !run.result.bypassesUpdates &&
+         run.result.status == ExitStatus::PlanPrinted;
+}
+
+std::size_t TestedPairs(const ToolRun& run) {
+  std::size_t pairs = 0;
+  for (const auto& key : run.trace.keys) pairs += key.matched.size() * key.isPersonality.size();
+  return pairs;
+}
+
+// Those of the inventories of the first run: what a plan changes lists no other ones.
+std::vector<ControllerVersion> ControllersOf(const ToolRun& run, Registry& registry) {
+  std::array<std::set<RegistryEntry>, 2> entries;  // ports, Thunderbolt controllers
+  for (const auto& key : run.trace.keys) {
+    for (const auto& source : key.inventory.sources) {
+      entries[0].insert(source.port);
+      entries[1].insert(source.thunderbolt);
+    }
+  }
+  std::vector<ControllerVersion> controllers;
+  for (const bool isPort : {true, false}) {
+    for (const auto entry : entries[isPort ? 0 : 1]) {
+      if (entry == 0) continue;
+      controllers.push_back({entry, isPort, ReportedVersion(registry, entry, isPort)});
+    }
+  }
+  return controllers;
+}
+
+}  // namespace
+
+Settling Settle(ChangedComputer& computer, const SettleOptions& options) {
+  Settling settling;
+  PlanExecution execution(computer, options);
+  std::map<StateDigest, std::size_t> states = {{execution.State(), 0}};
+  std::size_t pairs = 0;
+  for (bool isFirst = true;; isFirst = false) {
+    settling.last = RunTool(computer.Recorded(), options.tool, KeptOutput::Counts, options.load);
+    RecordedRegistry registry(computer.Recorded());
+    if (isFirst) settling.controllers = ControllersOf(settling.last, registry);
+    settling.end = EndOfRun(settling.last, options.tool);
+    if (!HasPlan(settling.last)) break;
+    settling.end = SettleEnd::GivenUp;
+    pairs += TestedPairs(settling.last);
+    if (settling.steps.size() == MaxPlans) break;
+    if (settling.steps.size() >= MinPlans && pairs > MaxTestedPairs) break;
+    settling.steps.push_back(execution.CarryOut(settling.last));
+    const auto [state, isNew] = states.emplace(execution.State(), settling.steps.size());
+    if (!isNew) {
+      settling.end = SettleEnd::StateComesBack;
+      settling.firstState = state->second;
+      break;
+    }
+  }
+  RecordedRegistry registry(computer.Recorded());
+  for (auto& controller : settling.controllers) {
+    controller.after = ReportedVersion(registry, controller.entry, controller.isPort);
+  }
+  return settling;
+}
+
+}  // namespace fernwick::lab

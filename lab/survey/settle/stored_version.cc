@@ -1,0 +1,55 @@
+#include "lab/survey/settle/stored_version.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::uint64_t MaxMajor = 99'999'999;
+constexpr std::uint64_t MaxHundredths = 63;
+
+// Rounded where a double does not have the integer, which is then far above every version.
+double RealOf(const PropertyValue& value) {
+  const auto number = *value.AsNumber();
+  if (const auto* real = std::get_if<double>(&number)) return *real;
+  const auto& integer = std::get<Integer>(number);
+  return integer.IsNegative() ? -1.0 : static_cast<double>(integer.Bits());
+}
+
+// REQUIRES: at most eight digits.
+std::uint32_t PackBcd(std::uint64_t number) {
+  std::uint32_t packed = 0;
+  for (unsigned shift = 0; number != 0; shift += 4, number /= 10) {
+    packed |= static_cast<std::uint32_t>(number % 10) << shift;
+  }
+  return packed;
+}
+
+// The greatest number of hundredths that is at most the version, as the tool computes versions. The
+// product may be rounded up or down across it.
+std::uint64_t HundredthsIn(double version) {
+  auto hundredths = static_cast<std::uint64_t>(version * 100);
+  while (static_cast<double>(hundredths) / 100 > version) --hundredths;
+  while (static_cast<double>(hundredths + 1) / 100 <= version) ++hundredths;
+  return hundredths;
+}
+
+}  // namespace
+
+std::optional<std::uint32_t> StoredPortVersion(const PropertyValue& offered) {
+  const double version = RealOf(offered);
+  if (!(version >= 0)) return std::nullopt;
+  return PackBcd(static_cast<std::uint64_t>(std::min(version, static_cast<double>(MaxMajor))));
+}
+
+std::optional<ThunderboltVersionWords> StoredThunderboltVersion(const PropertyValue& offered) {
+  const double version = RealOf(offered);
+  if (!(version >= 0)) return std::nullopt;
+  const auto hundredths = HundredthsIn(std::min(version, static_cast<double>(MaxMajor + 1)));
+  const auto major = std::min(hundredths / 100, MaxMajor);
+  const auto minor = major * 100 + MaxHundredths < hundredths ? MaxHundredths : hundredths % 100;
+  return ThunderboltVersionWords{PackBcd(major), static_cast<std::uint32_t>(minor)};
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,120 @@
+#include "lab/survey/settle/stuck.h"
+
+#include <map>
+#include <utility>
+
+#include "lab/support/configuration_file.h"
+#include "personality/personality.h"
+
+// The newest version wins, a maximum for each controller over all pairs. Requirements are tested
+// only of personalities whose version is newer than the installed one, of which a computer that is
+// up to date has none. O(pairs x requirements).
+
+namespace fernwick::lab {
+namespace {
+
+// The pairs of one type.
+struct StuckCandidates {
+  const ToolRun& run;
+  const KeyTrace& key;
+  Array personalities;
+
+  RequirementContext ContextOf(std::size_t record) const {
+    return {key.inventory.records[record], run.result.identity->boardRevision,
+            run.result.bypassesVersionCheck};
+  }
+};
+
+// The version that the personality offers, if it is newer than what the controller reports.
+const PropertyValue* NewerVersion(Dictionary personality, Dictionary controller) {
+  const auto* offered = personality.Find("Version");
+  if (offered == nullptr || !NumbersEqual(*offered, *offered)) return nullptr;
+  const auto* installed = controller.Find("Version");
+  return installed == nullptr || NumberGreater(*offered, *installed) ? offered : nullptr;
+}
+
+// What keeps the controller below the version of one personality; empty when it does not: that has
+// no newer one, or is for other controllers.
+std::optional<StuckController> StuckBelow(const StuckCandidates& candidates, std::size_t record,
+                                          std::size_t index) {
+  const auto personality = candidates.personalities[index].AsDictionary();
+  if (!personality) return std::nullopt;
+  const auto context = candidates.ContextOf(record);
+  const auto* offered = NewerVersion(*personality, context.hardware);
+  if (offered == nullptr) return std::nullopt;
+  const auto failures = FailedRequirements(TypeNamed(candidates.key.key), *personality, context);
+  if (DistanceOf(failures).ofController > 0) return std::nullopt;
+  const auto* installed = context.hardware.Find("Version");
+  StuckController stuck = {
+      .controller = candidates.key.inventory.sources[record].Controller(),
+      .type = candidates.key.key,
+      .personality = index,
+      .offered = *offered,
+      .installed = installed == nullptr ? std::nullopt : std::optional(*installed),
+      .requirements = {}};
+  for (const auto& failed : failures) stuck.requirements.push_back({failed, std::nullopt});
+  return stuck;
+}
+
+// Images of ports and of Thunderbolt controllers, which have versions of their own.
+using FirmwareOfController = std::pair<RegistryEntry, bool>;
+
+FirmwareOfController FirmwareOf(const StuckController& stuck) {
+  const auto type = TypeNamed(stuck.type);
+  return {stuck.controller, type == Types::LegacyThunderbolt || type == Types::Thunderbolt};
+}
+
+bool IsPreferred(const StuckController& a, const StuckController& b) {
+  if (NumberGreater(a.offered, b.offered)) return true;
+  return !NumberLess(a.offered, b.offered) && a.requirements.size() < b.requirements.size();
+}
+
+const ValueLocation* LocationOfPersonality(const StuckController& stuck,
+                                           const ConfigurationFile& file) {
+  const auto* key = KeyLocations(&file.Root()).Find(stuck.type);
+  if (key == nullptr || TypeNamed(stuck.type) != Types::LegacyUsbc) {
+    return key == nullptr ? nullptr : FindElement(key->value, stuck.personality);
+  }
+  return &key->value;
+}
+
+}  // namespace
+
+std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
+  const auto configuration = *run.result.configuration->value.AsDictionary();
+  std::map<FirmwareOfController, StuckController> newest;
+  for (const auto& key : run.trace.keys) {
+    if (!key.HasPairs()) continue;
+    const auto personalities = *PersonalitiesOf(key.key, *configuration.Find(key.key));
+    const StuckCandidates candidates = {run, key, personalities};
+    for (std::size_t record = 0; record < key.matched.size(); ++record) {
+      for (std::size_t i = 0; i < personalities.size(); ++i) {
+        auto stuck = StuckBelow(candidates, record, i);
+        if (!stuck) continue;
+        const auto [known, isNew] = newest.try_emplace(FirmwareOf(*stuck), *stuck);
+        if (!isNew && IsPreferred(*stuck, known->second)) known->second = *std::move(stuck);
+      }
+    }
+  }
+  std::vector<StuckController> found;
+  for (auto& [firmware, stuck] : newest) {
+    found.push_back(std::move(stuck));
+  }
+  return found;
+}
+
+void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file) {
+  const auto* personality = file == nullptr ? nullptr : LocationOfPersonality(stuck, *file);
+  const KeyLocations locations(personality);
+  for (auto& [failed, origin] : stuck.requirements) {
+    const auto key = failed.requirement->key;
+    const auto* location = locations.Find(key);
+    if (changes.SetKey(stuck.type, stuck.personality + 1, key)) {
+      origin = ValueOrigin(PersonalityOption);
+    } else if (location != nullptr) {
+      origin = file->LocationOf(location->value.offset);
+    }
+  }
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "lab/explain/failed_requirement.h"
+#include "lab/support/tool_run.h"
+#include "lab/what_if/changed_configurations.h"
+#include "lab/what_if/changes.h"
+
+namespace fernwick::lab {
+
+/// A requirement that keeps a controller below a version, with the origin of the personality's
+/// value.
+struct StuckRequirement {
+  FailedRequirement failed;
+  std::optional<ValueOrigin> origin;
+};
+
+/// A controller that stays below the newest version that the payload has for it. The values view
+/// the run.
+struct StuckController {
+  RegistryEntry controller;  // the port that was compared, or the Thunderbolt controller
+  std::string_view type;
+  std::size_t personality;                     // of that version: its index
+  PropertyValue offered;                       // the version; a number
+  std::optional<PropertyValue> installed;      // the controller's version, that is compared
+  std::vector<StuckRequirement> requirements;  // all that fail
+};
+
+/// The controllers for which a configuration has a newer version than they have: in a personality
+/// for which they are what it requires, and of which they fail other requirements. Of each only the
+/// newest, the nearest to a match of several. Without the origins of the values. REQUIRES: the run
+/// matched nothing, with a configuration that is a dictionary.
+std::vector<StuckController> FindStuckControllers(const ToolRun& run);
+
+/// Adds the origins: the option of a change, or a location of the file, which is null when it
+/// cannot be read.
+void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file);
+
+}  // namespace fernwick::lab

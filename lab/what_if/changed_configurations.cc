@@ -1,0 +1,101 @@
+#include "lab/what_if/changed_configurations.h"
+
+#include <utility>
+#include <vector>
+
+#include "lab/support/words.h"
+#include "personality/personality.h"
+#include "value/record.h"
+
+// A cache by path. A change copies the dictionaries and the array that lead to the personality, not
+// what they contain: linear in their entries, for each change.
+
+namespace fernwick::lab {
+namespace {
+
+Dictionary Copied(const Record& record, Arena& arena) {
+  return arena.Copy(record.Entries());
+}
+
+// What is under the type with one of its personalities replaced.
+PropertyValue WithPersonality(const PersonalityChange& change, Array personalities,
+                              Dictionary replacement, Arena& arena) {
+  if (TypeNamed(change.type) == Types::LegacyUsbc) return replacement;
+  std::vector<PropertyValue> elements(personalities.begin(), personalities.end());
+  elements[change.number - 1] = replacement;
+  return Array(arena.Copy(std::span<const PropertyValue>(elements)));
+}
+
+Error NoSuchPersonality(const PersonalityChange& change, const std::string& why) {
+  return {.message = "--personality: there is no personality " + std::to_string(change.number) +
+                     " of " + change.type + ": " + why};
+}
+
+// The configuration with one change.
+Result<PropertyValue> Apply(const PersonalityChange& change, const PropertyValue& value,
+                            Arena& arena) {
+  const auto topLevel = value.AsDictionary();
+  const auto* of = topLevel ? topLevel->Find(change.type) : nullptr;
+  if (of == nullptr) return NoSuchPersonality(change, "the configuration lacks the type");
+  const auto personalities = PersonalitiesOf(change.type, *of);
+  if (!personalities || change.number > personalities->size()) {
+    return NoSuchPersonality(
+        change, "the type has " + std::to_string(personalities ? personalities->size() : 0));
+  }
+  const auto personality = (*personalities)[change.number - 1].AsDictionary();
+  if (!personality) return NoSuchPersonality(change, "it is no dictionary");
+  Record changed(*personality);
+  changed.SetOrRemove(change.key, change.value ? &change.value->value : nullptr);
+  Record changedTop(*topLevel);
+  changedTop.Set(change.type,
+                 WithPersonality(change, *personalities, Copied(changed, arena), arena));
+  return PropertyValue(Copied(changedTop, arena));
+}
+
+}  // namespace
+
+const ChangedConfigurations::Document* ChangedConfigurations::FindDocument(
+    const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const auto known = documents_.find(path);
+  return known == documents_.end() ? nullptr : &known->second;
+}
+
+Result<ChangedConfigurations::Document> ChangedConfigurations::Change(PropertyList list) const {
+  Document document = {.list = std::move(list)};
+  document.value = document.list.value;
+  for (const auto& change : changes_.personalities) {
+    const auto changed = Apply(change, document.value, document.arena);
+    if (!changed) return changed.Error();
+    document.value = *changed;
+  }
+  return document;
+}
+
+ConfigurationLoader ChangedConfigurations::Loader(std::optional<Error>& refusal) {
+  return [&](const std::optional<std::string>& boardIdString,
+             const std::optional<std::string>& personalitiesDirectory,
+             Console& console) -> Result<PropertyList> {
+    const auto path = ConfigurationPath(boardIdString, personalitiesDirectory).value_or("");
+    if (const auto* known = FindDocument(path)) return PropertyList{{}, known->value};
+    auto loaded = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+    if (!loaded) return loaded;
+    auto changed = Change(*std::move(loaded));
+    if (!changed) return refusal.emplace(changed.Error());
+    const std::lock_guard lock(mutex_);
+    const auto& kept = documents_.try_emplace(path, *std::move(changed)).first->second;
+    return PropertyList{{}, kept.value};
+  };
+}
+
+const ConfigurationFile* ChangedConfigurations::Located(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  auto [known, isNew] = located_.try_emplace(path);
+  if (isNew) {
+    auto file = LoadConfiguration(path);
+    if (file) known->second = std::make_unique<ConfigurationFile>(*std::move(file));
+  }
+  return known->second.get();
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "lab/support/configuration_file.h"
+#include "lab/what_if/changes.h"
+#include "personality/configuration.h"
+#include "value/property_list_reader.h"
+
+namespace fernwick::lab {
+
+/// The configurations of a payload with changes of personalities. Each is read once, when a run
+/// first needs it, and stays in memory: one for each board. One that cannot be read is read again
+/// by the next run. For use by several threads.
+class ChangedConfigurations {
+ public:
+  /// REQUIRES: the changes outlive this and all that its loaders return.
+  explicit ChangedConfigurations(const Changes& changes) : changes_(changes) {}
+
+  /// What a run loads configurations with. They view this object. Where the changes cannot be
+  /// applied, since there is no such type or personality, the run has no configuration, and
+  /// `refusal` is why.
+  ConfigurationLoader Loader(std::optional<Error>& refusal);
+
+  /// The same file with the locations of its values, without the changes; null when it cannot be
+  /// read. Read once, when it is first asked for. `path` is that of the file.
+  const ConfigurationFile* Located(const std::string& path);
+
+ private:
+  struct Document {
+    PropertyList list;  // as it was read
+    Arena arena = {};   // of what is changed
+    PropertyValue value = {};
+  };
+
+  const Document* FindDocument(const std::string& path);
+  Result<Document> Change(PropertyList list) const;
+
+  const Changes& changes_;
+  std::mutex mutex_;
+  std::map<std::string, Document> documents_;
+  std::map<std::string, std::unique_ptr<ConfigurationFile>> located_;
+};
+
+}  // namespace fernwick::lab

@@ -1,0 +1,113 @@
+#include "lab/what_if/changed_configurations.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "testing/property_values.h"
+#include "testing/temporary_directory.h"
+#include "testing/test_console.h"
+
+namespace fernwick::lab {
+namespace {
+
+using testing::Dict;
+using testing::List;
+
+class ConfigurationToChange : public ::testing::Test {
+ protected:
+  ConfigurationToChange() {
+    Write(Dict({{"LegacyUSBC", Dict({{"Version", 1}})},
+                {"USBC", List({Dict({{"Version", 2}}), 3, Dict({{"RID", 4}})})},
+                {"Thunderbolt", 5}}));
+  }
+
+  void Write(const PropertyValue& configuration) {
+    path_ = directory_.Write("Zed-42/Config.plist", WriteXmlPropertyList(configuration));
+  }
+
+  // What a run loads: the value, or the error that was logged as its refusal, or another.
+  std::string Load(ChangedConfigurations& configurations) {
+    std::optional<Error> refusal;
+    testing::TestConsole console;
+    const auto loaded = configurations.Loader(refusal)("Zed-42", directory_.Path() + "/", console);
+    if (loaded) return WriteXmlPropertyList(loaded->value);
+    if (!refusal) return "cannot be read";
+    EXPECT_EQ(*refusal, loaded.Error());
+    return Describe(*refusal);
+  }
+
+  std::string LoadChanged(std::vector<std::string> personalities) {
+    const auto changes =
+        ParseChanges({.properties = {}, .personalities = std::move(personalities)});
+    ChangedConfigurations configurations(*changes);
+    return Load(configurations);
+  }
+
+  static std::string Xml(const PropertyValue& value) { return WriteXmlPropertyList(value); }
+
+  testing::TemporaryDirectory directory_;
+  std::string path_;
+};
+
+TEST_F(ConfigurationToChange, HasKeysReplacedAddedAndRemoved) {
+  EXPECT_EQ(
+      LoadChanged(
+          {"LegacyUSBC:1:Version=9", "USBC:1:Version=", "USBC:3:Version=(1, 2)", "USBC:3:RID=5"}),
+      Xml(Dict({{"LegacyUSBC", Dict({{"Version", 9}})},
+                {"USBC", List({Dict(Record()), 3, Dict({{"RID", 5}, {"Version", List({1, 2})}})})},
+                {"Thunderbolt", 5}})));
+}
+
+TEST_F(ConfigurationToChange, LacksThePersonality) {
+  const std::string head = "--personality: there is no personality ";
+  EXPECT_EQ(LoadChanged({"USBC:4:Version=1"}), head + "4 of USBC: the type has 3");
+  EXPECT_EQ(LoadChanged({"LegacyUSBC:2:Version=1"}), head + "2 of LegacyUSBC: the type has 1");
+  EXPECT_EQ(LoadChanged({"USBC:2:Version=1"}), head + "2 of USBC: it is no dictionary");
+  EXPECT_EQ(LoadChanged({"Thunderbolt:1:Version=1"}), head + "1 of Thunderbolt: the type has 0");
+  EXPECT_EQ(LoadChanged({"LegacyThunderbolt:1:Version=1"}),
+            head + "1 of LegacyThunderbolt: the configuration lacks the type");
+  Write(List({}));
+  EXPECT_EQ(LoadChanged({"USBC:1:Version=1"}),
+            head + "1 of USBC: the configuration lacks the type");
+}
+
+TEST_F(ConfigurationToChange, IsReadOnce) {
+  const Changes changes;
+  ChangedConfigurations configurations(changes);
+  const auto first = Load(configurations);
+  Write(Dict(Record()));
+  EXPECT_EQ(Load(configurations), first);
+}
+
+TEST_F(ConfigurationToChange, ThatCannotBeReadIsReadAgain) {
+  std::filesystem::rename(path_, path_ + "2");
+  const Changes changes;
+  ChangedConfigurations configurations(changes);
+  EXPECT_EQ(Load(configurations), "cannot be read");
+  std::filesystem::rename(path_ + "2", path_);
+  EXPECT_NE(Load(configurations), "cannot be read");
+}
+
+TEST_F(ConfigurationToChange, IsAbsentWithoutABoard) {
+  const Changes changes;
+  ChangedConfigurations configurations(changes);
+  std::optional<Error> refusal;
+  testing::TestConsole console;
+  EXPECT_FALSE(configurations.Loader(refusal)(std::nullopt, std::nullopt, console));
+  EXPECT_FALSE(refusal);
+}
+
+TEST_F(ConfigurationToChange, IsLocatedOnce) {
+  const Changes changes;
+  ChangedConfigurations configurations(changes);
+  const auto* file = configurations.Located(path_);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(file->Root().Entries().size(), 3u);
+  std::filesystem::remove(path_);
+  EXPECT_EQ(configurations.Located(path_), file);
+  EXPECT_EQ(configurations.Located(path_ + "2"), nullptr);
+}
+
+}  // namespace
+}  // namespace fernwick::lab

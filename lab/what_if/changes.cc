@@ -1,0 +1,138 @@
+#include "lab/what_if/changes.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "lab/what_if/value_text.h"
+#include "registry/key_schema.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr char PropertyForm[] = "ENTRY:PROPERTY=VALUE";
+constexpr char PersonalityForm[] = "TYPE:N:KEY=VALUE";
+
+Error FormError(const char* option, std::string_view text, const char* form) {
+  return {.message =
+              std::string(option) + " " + std::string(text) + ": it is not of the form " + form};
+}
+
+Error In(const char* option, const Error& error) {
+  return {.message = std::string(option) + " " + error.message};
+}
+
+// Reads the value after the "=", and checks the names before it. `option` is for messages.
+Result<std::optional<PropertyList>> ReadValue(const char* option, std::string_view text,
+                                              std::initializer_list<std::string_view> names) {
+  for (const auto name : names) {
+    if (const auto fault = TextFault(name)) return In(option, *fault);
+  }
+  if (text.empty()) return std::optional<PropertyList>();
+  auto value = ParseValueText(text);
+  if (!value) return In(option, value.Error());
+  return std::optional(*std::move(value));
+}
+
+// The entry may be a path, which has a colon of its own; so the last one counts.
+Result<PropertyChange> ParseProperty(std::string_view text) {
+  const auto equals = std::min(text.find('='), text.size());
+  const auto colon = text.substr(0, equals).rfind(':');
+  if (equals == text.size() || colon == std::string_view::npos || colon == 0 ||
+      colon + 1 == equals) {
+    return FormError("--set", text, PropertyForm);
+  }
+  const auto entry = text.substr(0, colon);
+  const auto property = text.substr(colon + 1, equals - colon - 1);
+  auto value = ReadValue("--set", text.substr(equals + 1), {entry, property});
+  if (!value) return value.Error();
+  return PropertyChange{std::string(entry), std::string(property), *std::move(value)};
+}
+
+// 0 when it is no number from 1 on; of more digits than any configuration has personalities, too.
+std::size_t ParseNumber(std::string_view text) {
+  constexpr std::size_t MaxDigits = 9;
+  const bool isNumber = text.find_first_not_of("0123456789") == std::string_view::npos;
+  if (!isNumber || text.empty() || text.size() > MaxDigits) return 0;
+  return std::stoul(std::string(text));
+}
+
+std::string TypeNames() {
+  std::string names;
+  for (const auto& [name, type] : NamedTypes) {
+    names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  return names;
+}
+
+Result<PersonalityChange> ParsePersonality(std::string_view text) {
+  const auto equals = std::min(text.find('='), text.size());
+  const auto head = text.substr(0, equals);
+  const auto first = std::min(head.find(':'), equals);
+  const auto second = std::min(head.find(':', first + 1), equals);
+  if (equals == text.size() || second == equals || second + 1 == equals) {
+    return FormError("--personality", text, PersonalityForm);
+  }
+  const auto type = head.substr(0, first);
+  const auto key = head.substr(second + 1);
+  const auto number = ParseNumber(head.substr(first + 1, second - first - 1));
+  if (TypeNamed(type) == Types::None) {
+    return Error{.message = "--personality " + std::string(text) + ": \"" + std::string(type) +
+                            "\" is not one of " + TypeNames()};
+  }
+  if (number == 0) return FormError("--personality", text, PersonalityForm);
+  auto value = ReadValue("--personality", text.substr(equals + 1), {key});
+  if (!value) return value.Error();
+  return PersonalityChange{std::string(type), number, std::string(key), *std::move(value)};
+}
+
+}  // namespace
+
+const char WhatIfHelp[] =
+    "An ENTRY is the name of an entry of the registry or its path, \"IOService:/bridge0/hpm0\". N "
+    "is the\nnumber of a personality, from 1. A VALUE is a number (5, 0x1F, 41.05), true or false, "
+    "\"a text\",\ndata as <5a65>, a list as (1, 2), an element of XML, or any other text, which is "
+    "itself; without\na VALUE after the = what is there is removed.\n";
+
+void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
+  line.arguments.push_back({.name = "--set",
+                            .target = &arguments.properties,
+                            .help = "change a property of the recording first; may be repeated",
+                            .valueName = PropertyForm});
+  line.arguments.push_back({.name = std::string(PersonalityOption),
+                            .target = &arguments.personalities,
+                            .help = "change a key of a personality first; may be repeated",
+                            .valueName = PersonalityForm});
+  line.arguments.push_back({.name = "--board-revision",
+                            .target = BoundedNumber{&arguments.boardRevision, 0, 255},
+                            .help = "change the board's revision first",
+                            .valueName = "N"});
+}
+
+bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key) const {
+  return std::ranges::any_of(personalities, [&](const PersonalityChange& change) {
+    return change.type == type && change.number == number && change.key == key && change.value;
+  });
+}
+
+Result<Changes> ParseChanges(const WhatIfArguments& arguments) {
+  Changes changes;
+  for (const auto& text : arguments.properties) {
+    auto change = ParseProperty(text);
+    if (!change) return change.Error();
+    changes.properties.push_back(*std::move(change));
+    changes.texts.push_back("--set " + text);
+  }
+  for (const auto& text : arguments.personalities) {
+    auto change = ParsePersonality(text);
+    if (!change) return change.Error();
+    changes.personalities.push_back(*std::move(change));
+    changes.texts.push_back("--personality " + text);
+  }
+  if (arguments.boardRevision == WhatIfArguments::Unchanged) return changes;
+  changes.boardRevision = std::string(1, static_cast<char>(arguments.boardRevision));
+  changes.texts.push_back("--board-revision " + std::to_string(arguments.boardRevision));
+  return changes;
+}
+
+}  // namespace fernwick::lab
