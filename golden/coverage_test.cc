@@ -129,7 +129,7 @@ constexpr char WholeJson[] = R"({
       "keys": [
         {
           "key": "LegacyUSBC",
-          "place": {
+          "location": {
             "line": 1,
             "column": 7
           },
@@ -138,7 +138,7 @@ constexpr char WholeJson[] = R"({
           "personalities": [
             {
               "personality": 1,
-              "place": {
+              "location": {
                 "line": 1,
                 "column": 28
               },
@@ -150,14 +150,14 @@ constexpr char WholeJson[] = R"({
               "lists": [
                 {
                   "key": "Port Address",
-                  "place": {
+                  "location": {
                     "line": 2,
                     "column": 1
                   },
                   "elements": [
                     {
                       "value": 1,
-                      "place": {
+                      "location": {
                         "line": 3,
                         "column": 1
                       },
@@ -167,7 +167,7 @@ constexpr char WholeJson[] = R"({
                       "value": {
                         "data": "5a"
                       },
-                      "place": {
+                      "location": {
                         "line": 4,
                         "column": 1
                       },
@@ -181,7 +181,7 @@ constexpr char WholeJson[] = R"({
         },
         {
           "key": "X\u007f",
-          "place": {
+          "location": {
             "line": 4,
             "column": 33
           },
@@ -198,7 +198,7 @@ constexpr char WholeJson[] = R"({
       "keys": [
         {
           "key": "USBC",
-          "place": {
+          "location": {
             "line": 1,
             "column": 3
           },
@@ -207,7 +207,7 @@ constexpr char WholeJson[] = R"({
           "personalities": [
             {
               "personality": 1,
-              "place": {
+              "location": {
                 "line": 1,
                 "column": 12
               },
@@ -220,7 +220,7 @@ constexpr char WholeJson[] = R"({
             },
             {
               "personality": 2,
-              "place": {
+              "location": {
                 "line": 1,
                 "column": 15
               },

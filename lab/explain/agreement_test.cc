@@ -149,7 +149,7 @@ class Bench {
       counts.shown += without.shown;
     }
     EXPECT_EQ(Occurrences(" check]\n", text), counts.shown);
-    EXPECT_EQ(Occurrences("\"shortfall\": ", json), counts.all);
+    EXPECT_EQ(Occurrences("\"hardwareKey\": ", json), counts.all);
   }
 
   void ExpectAgreement() {

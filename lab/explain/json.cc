@@ -47,11 +47,11 @@ Json FailureJson(const ExplainedFailure& failure, const ExplainedController& con
   const auto& [requirement, reason, wanted, found] = failure.failed;
   Json json = {{"check", requirement->type},
                {"key", requirement->key},
-               {"shortfall", NameOf(reason)},
+               {"reason", NameOf(reason)},
                {"wanted", ValueOrNull(wanted)},
-               {"place", OriginJson(failure.wantedLocation)},
+               {"location", OriginJson(failure.wantedLocation)},
                {"found", ValueOrNull(found)},
-               {"foundIn", requirement->hardwareKey},
+               {"hardwareKey", requirement->hardwareKey},
                {"sources", ListOf(controller.sources.at(requirement->hardwareKey), SourceJson)}};
   if (IsUuidUnread(failure.failed, controller)) json["uuidUnread"] = true;
   return json;
@@ -69,18 +69,18 @@ Json PairJson(const ExplainedPair& pair, const ExplainedController& controller) 
 
 Json SkipJson(const ExplainedSkip& skip) {
   return {{"entry", skip.path},
-          {"why", NameOf(skip.reason)},
+          {"reason", NameOf(skip.reason)},
           {"sources", ListOf(skip.sources, SourceJson)}};
 }
 
 Json UnreadJson(const UnreadKey& unread) {
   return {{"key", unread.key},
-          {"place", OriginJson(unread.location)},
+          {"location", OriginJson(unread.location)},
           {"readBy", TypesJson(unread.readBy)}};
 }
 
 Json PersonalityJson(const ExplainedPersonality& personality) {
-  return {{"place", LocationJson(personality.location)},
+  return {{"location", LocationJson(personality.location)},
           {"firmware", ValueOrNull(personality.firmware)},
           {"unread", ListOf(personality.unread, UnreadJson)}};
 }
@@ -102,13 +102,13 @@ void PrintKey(const ExplainedKey& key, JsonStream& stream) {
   if (!key.isSelected) return;
   stream.Begin('{');
   stream.AddMembers({{"key", key.key},
-                     {"place", LocationJson(key.location)},
+                     {"location", LocationJson(key.location)},
                      {"isType", key.type != Types::None},
                      {"hasShape", key.hasExpectedShape}});
   stream.Begin("personalities", '[');
   for (const auto& personality : key.personalities) stream.Add(PersonalityJson(personality));
   stream.End();
-  stream.AddMembers({{"passedOver", ListOf(key.skipped, SkipJson)}});
+  stream.AddMembers({{"skipped", ListOf(key.skipped, SkipJson)}});
   stream.Begin("controllers", '[');
   for (const auto& controller : key.controllers) PrintController(controller, stream);
   stream.End();

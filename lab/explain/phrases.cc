@@ -155,7 +155,7 @@ std::string KeySummary(const ExplainedKey& key) {
 
 std::string SkipText(const ExplainedKey& key, const ExplainedSkip& skip) {
   std::string text =
-      "passed over: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.path);
+      "skipped: " + std::string(ControllerKind(key, false)) + " " + PrintableText(skip.path);
   const bool isAddressed = skip.reason == SkipReason::AddressBelowThunderbolt;
   text +=
       isAddressed ? ", below Thunderbolt and not at address 0: " : ", not of the computer itself: ";

@@ -12,7 +12,7 @@ Json RejectionsJson(const TypeCoverage& coverage, std::size_t index) {
   auto list = Json::array();
   for (const auto& [requirement, count] : RejectionsOf(coverage, index)) {
     list.push_back(
-        {{"key", requirement->key}, {"foundIn", requirement->hardwareKey}, {"count", count}});
+        {{"key", requirement->key}, {"hardwareKey", requirement->hardwareKey}, {"count", count}});
   }
   return list;
 }
@@ -32,7 +32,7 @@ class ConfigurationJson {
   }
 
  private:
-  Json PlaceOf(std::size_t offset) const { return LocationJson(file_.LocationOf(offset)); }
+  Json LocationOf(std::size_t offset) const { return LocationJson(file_.LocationOf(offset)); }
 
   void PrintKey(const KeyLocation& location, const PropertyValue& value,
                 const TypeCoverage& coverage) {
@@ -40,7 +40,7 @@ class ConfigurationJson {
     const bool isType = coverage.type != Types::None;
     stream_.Begin('{');
     stream_.AddMembers({{"key", location.key},
-                        {"place", PlaceOf(location.offset)},
+                        {"location", LocationOf(location.offset)},
                         {"isType", isType},
                         {"hasShape", candidates.has_value()}});
     stream_.Begin("personalities", '[');
@@ -61,7 +61,7 @@ class ConfigurationJson {
     const auto personality = dictionary.value_or(Dictionary());
     stream_.Begin('{');
     stream_.AddMembers({{"personality", index + 1},
-                        {"place", PlaceOf(location.offset)},
+                        {"location", LocationOf(location.offset)},
                         {"isDictionary", dictionary.has_value()},
                         {"firmware", ToJson(personality.Find("Firmware"))},
                         {"tested", coverage.tested[index]},
@@ -85,13 +85,13 @@ class ConfigurationJson {
 
   void PrintList(const KeyLocation& key, Array list, const std::size_t* counts) {
     stream_.Begin('{');
-    stream_.AddMembers({{"key", key.key}, {"place", PlaceOf(key.offset)}});
+    stream_.AddMembers({{"key", key.key}, {"location", LocationOf(key.offset)}});
     stream_.Begin("elements", '[');
     for (std::size_t i = 0; i < list.size(); ++i) {
       stream_.Begin('{');
       stream_.AddMember("value", list[i]);
       stream_.AddMembers(
-          {{"place", PlaceOf(key.value.Elements()[i].offset)}, {"matched", counts[i]}});
+          {{"location", LocationOf(key.value.Elements()[i].offset)}, {"matched", counts[i]}});
       stream_.End();
     }
     stream_.End();

@@ -439,8 +439,8 @@ TEST_F(SettledComputer, IsStuckBelowAVersionOfThePayload) {
   EXPECT_EQ(ToJson(row)["stuck"].dump(),
             R"([{"controller":"IOService:/hpm0","type":"LegacyUSBC","personality":1,"offered":180,)"
             R"("installed":171,"failures":[{"key":"Existing Min Version",)"
-            R"("shortfall":"aboveInstalled","text":"175 at 11:3 is above the installed 171",)"
-            R"("place":{"line":11,"column":3},"wanted":175,"found":171}]}])");
+            R"("reason":"aboveInstalled","text":"175 at 11:3 is above the installed 171",)"
+            R"("location":{"line":11,"column":3},"wanted":175,"found":171}]}])");
 }
 
 TEST_F(SettledComputer, IsStuckByAChangedRequirementOrOneWithoutALocation) {
@@ -450,12 +450,12 @@ TEST_F(SettledComputer, IsStuckByAChangedRequirementOrOneWithoutALocation) {
   auto row = Row();
   EXPECT_NE(DescribeRow(row).find("Existing Max Version 100 by --personality is below"),
             std::string::npos);
-  EXPECT_EQ(ToJson(row)["stuck"][0]["failures"][0]["place"].dump(),
+  EXPECT_EQ(ToJson(row)["stuck"][0]["failures"][0]["location"].dump(),
             R"({"option":"--personality"})");
   arguments_ = {};
   WriteComputer({Ridge({{"ROM Version", 0x41}, {"EEPROM Revision", 0x40}}, {Port("hpm0", {})})});
   row = Row();
-  EXPECT_EQ(ToJson(row)["stuck"][0]["failures"][0]["shortfall"], "engineeringFirmware");
+  EXPECT_EQ(ToJson(row)["stuck"][0]["failures"][0]["reason"], "engineeringFirmware");
 }
 
 TEST_F(SettledComputer, IsStuckByAnInstalledVersionThatIsNotKnown) {
@@ -495,7 +495,7 @@ TEST_F(SettledComputer, IsStuckInABinaryConfiguration) {
       "payload/Fernwick/Zed-1/Config.plist",
       WriteBinaryPropertyList(
           Dict({{"LegacyUSBC", Personality({{"Version", 180}, {"Existing Max Version", 100}})}})));
-  EXPECT_TRUE(ToJson(Row())["stuck"][0]["failures"][0]["place"].contains("byte"));
+  EXPECT_TRUE(ToJson(Row())["stuck"][0]["failures"][0]["location"].contains("byte"));
 }
 
 TEST(Locate, KnowsNothingOfAFileThatHasChanged) {

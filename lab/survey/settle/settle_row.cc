@@ -61,8 +61,8 @@ Json OriginJson(const std::optional<ValueOrigin>& origin) {
 }
 
 Json RequirementJson(const NamedRequirement& requirement) {
-  return {{"key", requirement.key},       {"shortfall", requirement.reason},
-          {"text", requirement.text},     {"place", OriginJson(requirement.origin)},
+  return {{"key", requirement.key},       {"reason", requirement.reason},
+          {"text", requirement.text},     {"location", OriginJson(requirement.origin)},
           {"wanted", requirement.wanted}, {"found", requirement.found}};
 }
 
