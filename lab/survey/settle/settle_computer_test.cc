@@ -489,6 +489,47 @@ TEST_F(SettledComputer, IsStuckBelowTheNewestAndNearestPersonality) {
             "    Existing Max Version 100 at 42:4 is below the installed 171\n");
 }
 
+TEST_F(SettledComputer, IsStuckBelowTheNewestOfAllTypes) {
+  const auto usbc = [](double version) {
+    return List({Personality({{"Version", version},
+                              {"Existing Max Version", 1},
+                              {"Port Silicon Vendor ID", 1},
+                              {"Port Silicon Device ID", 2},
+                              {"Port Silicon Revision", 3}})});
+  };
+  const auto legacy = Personality({{"Version", 190}, {"Existing Max Version", 2}});
+  WriteComputer(
+      {Port("hpm0", {{"Version", 0x171}, {"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}})});
+  for (const double version : {180.0, 190.0}) {
+    WritePayload(Dict({{"USBC", usbc(version)}, {"LegacyUSBC", legacy}}));
+    EXPECT_NE(Text().find(version == 180 ? "LegacyUSBC personality 1 offers 190"
+                                         : "USBC personality 1 offers 190"),
+              std::string::npos);
+    WritePayload(Dict({{"LegacyUSBC", legacy}, {"USBC", usbc(version)}}));
+    EXPECT_NE(Text().find("LegacyUSBC personality 1 offers 190"), std::string::npos);
+  }
+}
+
+// The images of the port and of the Thunderbolt controller have versions of their own.
+TEST_F(SettledComputer, IsStuckBelowEachKindOfImage) {
+  WriteComputer({Ridge({{"ROM Version", 0x41}},
+                       {Port("hpm0", {{"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}})})});
+  Record values = RidgeSilicon;
+  values.Merge(Record{{"Version", 42.5},
+                      {"Existing Min Version", 42},
+                      {"Port Silicon Vendor ID", 1},
+                      {"Port Silicon Device ID", 2},
+                      {"Port Silicon Revision", 3}});
+  WritePayload(Dict({{"LegacyUSBC", Personality({{"Version", 180}, {"Existing Max Version", 40}})},
+                     {"Thunderbolt", List({Personality(values)})},
+                     {"LegacyThunderbolt", List({Personality(values)})}}));
+  const auto row = Row();
+  ASSERT_EQ(row.stuck.size(), 3u);
+  EXPECT_EQ(row.stuck[0].controller, "IOService:/ridge0");
+  EXPECT_EQ(row.stuck[1].type, "LegacyUSBC");
+  EXPECT_EQ(row.stuck[2].type, "Thunderbolt");
+}
+
 TEST_F(SettledComputer, IsStuckInABinaryConfiguration) {
   WritePort({{"Version", 0x171}}, {});
   directory_.Write(

@@ -1,14 +1,15 @@
 #include "lab/survey/settle/stuck.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
 #include "lab/support/configuration_file.h"
 #include "personality/personality.h"
 
-// The newest version wins, a maximum for each controller over all pairs. Requirements are tested
-// only of personalities whose version is newer than the installed one, of which a computer that is
-// up to date has none. O(pairs x requirements).
+// A maximum for each controller over all its pairs: first the newest version, of which requirements
+// are tested only where it is newer than the installed one, then of the personalities with that
+// version the one that fails least. O(pairs x requirements).
 
 namespace fernwick::lab {
 namespace {
@@ -33,26 +34,50 @@ const PropertyValue* NewerVersion(Dictionary personality, Dictionary controller)
   return installed == nullptr || NumberGreater(*offered, *installed) ? offered : nullptr;
 }
 
-// What keeps the controller below the version of one personality; empty when it does not: that has
-// no newer one, or is for other controllers.
-std::optional<StuckController> StuckBelow(const StuckCandidates& candidates, std::size_t record,
-                                          std::size_t index) {
-  const auto personality = candidates.personalities[index].AsDictionary();
-  if (!personality) return std::nullopt;
+// Whether the controller is what the personality requires, whatever its version.
+bool IsFor(TypeSet type, Dictionary personality, const RequirementContext& context) {
+  return std::ranges::none_of(RequirementsOf(type), [&](const Requirement& requirement) {
+    return requirement.test == RequirementTest::SetMatch &&
+           Test(requirement, personality, context).failure;
+  });
+}
+
+// The personalities for the controller with the newest version of all, if that is newer than the
+// installed one; several where they offer the same.
+std::vector<std::size_t> NewestPersonalities(const StuckCandidates& candidates,
+                                             std::size_t record) {
   const auto context = candidates.ContextOf(record);
-  const auto* offered = NewerVersion(*personality, context.hardware);
-  if (offered == nullptr) return std::nullopt;
-  const auto failures = FailedRequirements(TypeNamed(candidates.key.key), *personality, context);
-  if (DistanceOf(failures).ofController > 0) return std::nullopt;
+  std::vector<std::size_t> newest;
+  const PropertyValue* version = nullptr;  // of them
+  for (std::size_t i = 0; i < candidates.personalities.size(); ++i) {
+    const auto personality = candidates.personalities[i].AsDictionary();
+    const auto* offered = personality ? NewerVersion(*personality, context.hardware) : nullptr;
+    if (offered == nullptr || (version != nullptr && NumberLess(*offered, *version))) continue;
+    if (!IsFor(TypeNamed(candidates.key.key), *personality, context)) continue;
+    if (version != nullptr && NumberGreater(*offered, *version)) newest.clear();
+    version = offered;
+    newest.push_back(i);
+  }
+  return newest;
+}
+
+// What keeps the controller below the version of one of these.
+StuckController StuckBelow(const StuckCandidates& candidates, std::size_t record,
+                           std::size_t index) {
+  const auto personality = *candidates.personalities[index].AsDictionary();
+  const auto context = candidates.ContextOf(record);
   const auto* installed = context.hardware.Find("Version");
   StuckController stuck = {
       .controller = candidates.key.inventory.sources[record].Controller(),
       .type = candidates.key.key,
       .personality = index,
-      .offered = *offered,
+      .offered = *personality.Find("Version"),
       .installed = installed == nullptr ? std::nullopt : std::optional(*installed),
       .requirements = {}};
-  for (const auto& failed : failures) stuck.requirements.push_back({failed, std::nullopt});
+  for (const auto& failed :
+       FailedRequirements(TypeNamed(candidates.key.key), personality, context)) {
+    stuck.requirements.push_back({failed, std::nullopt});
+  }
   return stuck;
 }
 
@@ -88,11 +113,10 @@ std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
     const auto personalities = *PersonalitiesOf(key.key, *configuration.Find(key.key));
     const StuckCandidates candidates = {run, key, personalities};
     for (std::size_t record = 0; record < key.matched.size(); ++record) {
-      for (std::size_t i = 0; i < personalities.size(); ++i) {
-        auto stuck = StuckBelow(candidates, record, i);
-        if (!stuck) continue;
-        const auto [known, isNew] = newest.try_emplace(FirmwareOf(*stuck), *stuck);
-        if (!isNew && IsPreferred(*stuck, known->second)) known->second = *std::move(stuck);
+      for (const auto index : NewestPersonalities(candidates, record)) {
+        auto stuck = StuckBelow(candidates, record, index);
+        const auto [known, isNew] = newest.try_emplace(FirmwareOf(stuck), stuck);
+        if (!isNew && IsPreferred(stuck, known->second)) known->second = std::move(stuck);
       }
     }
   }
