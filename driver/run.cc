@@ -43,9 +43,18 @@ int PrintPlan(const Options& options, Console& console, RunResult& result) {
   return WritePlan(console, options.verbose, builder.Arguments(), plan);
 }
 
+// What a run works with.
+struct RunContext {
+  const Options& options;
+  Registry& registry;
+  Console& console;
+  RunTrace* trace;
+  const ConfigurationLoader& load;
+};
+
 // From the header to the plan. Stores the status.
-std::optional<Fault> RunWithOptions(const Options& options, Registry& registry, Console& console,
-                                    RunTrace* trace, RunResult& result) {
+std::optional<Fault> RunWithOptions(const RunContext& context, RunResult& result) {
+  const auto& [options, registry, console, trace, load] = context;
   if (!options.accepted) {
     console.WriteError(options.diagnostic);
     result.status = ExitStatus::BadCommandLine;
@@ -56,7 +65,7 @@ std::optional<Fault> RunWithOptions(const Options& options, Registry& registry, 
     PrintHeader(console, *result.identity, options.personalitiesDirectory);
     if (const auto fault = PrintHardware(console, registry)) return fault;
   }
-  auto matching = MatchPersonalities({registry, console, result.bypassesVersionCheck, trace},
+  auto matching = MatchPersonalities({registry, console, result.bypassesVersionCheck, trace, load},
                                      result.identity->boardIdString, result.identity->boardRevision,
                                      options.personalitiesDirectory);
   if (!matching) return matching.Error();
@@ -68,8 +77,8 @@ std::optional<Fault> RunWithOptions(const Options& options, Registry& registry, 
   return std::nullopt;
 }
 
-std::optional<Fault> RunToStatus(const Options& options, Registry& registry, Console& console,
-                                 RunTrace* trace, RunResult& result) {
+std::optional<Fault> RunToStatus(const RunContext& context, RunResult& result) {
+  const auto& [options, registry, console, trace, load] = context;
   if (const auto fault = ReadSwitches(registry, result)) return fault;
   if (result.bypassesUpdates) {
     // The options count from here on: not even the verbose one has an effect before.
@@ -77,7 +86,7 @@ std::optional<Fault> RunToStatus(const Options& options, Registry& registry, Con
     return std::nullopt;
   }
   result.bypassesVersionCheck = result.switchBypassesVersion || options.bypassVersionCheck;
-  const auto fault = RunWithOptions(options, registry, console, trace, result);
+  const auto fault = RunWithOptions(context, result);
   if (!fault && options.verbose) {
     console.Print("\n\nExit status: %u\n", static_cast<unsigned>(result.status));
   }
@@ -86,9 +95,10 @@ std::optional<Fault> RunToStatus(const Options& options, Registry& registry, Con
 
 }  // namespace
 
-RunResult Run(const Options& options, Registry& registry, Console& console, RunTrace* trace) {
+RunResult Run(const Options& options, Registry& registry, Console& console, RunTrace* trace,
+              const ConfigurationLoader& load) {
   RunResult result;
-  result.fault = RunToStatus(options, registry, console, trace, result);
+  result.fault = RunToStatus({options, registry, console, trace, load}, result);
   if (result.fault) return result;
   console.Flush();
   if (console.OutputError() == 0) return result;

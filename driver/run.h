@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "driver/options.h"
+#include "personality/configuration.h"
 #include "personality/match_record.h"
 #include "personality/run_trace.h"
 #include "platform/console.h"
@@ -43,8 +44,9 @@ struct RunResult {
 /// One whole run of the tool over `registry`, which prints to `console` alone. Nothing is kept from
 /// an earlier run, and runs with a registry and a console of their own may happen in several
 /// threads. After a fault nothing more may be printed: what was not flushed by then is lost.
-/// `trace` may be null.
+/// `trace` may be null. `load` returns the configuration; the tool's reads the board's file.
 RunResult Run(const Options& options, Registry& registry, Console& console,
-              RunTrace* trace = nullptr);
+              RunTrace* trace = nullptr,
+              const ConfigurationLoader& load = LoadPersonalityConfiguration);
 
 }  // namespace fernwick

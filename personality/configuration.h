@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,5 +26,11 @@ std::optional<std::string> ConfigurationPath(
 Result<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory, Console& console);
+
+/// Where a run gets the configuration from: a function of the arguments and the results of
+/// `LoadPersonalityConfiguration`, which is the tool's own.
+using ConfigurationLoader = std::function<Result<PropertyList>(
+    const std::optional<std::string>& boardIdString,
+    const std::optional<std::string>& personalitiesDirectory, Console& console)>;
 
 }  // namespace fernwick

@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "personality/configuration.h"
 #include "personality/personality.h"
 #include "personality/requirements.h"
 #include "platform/platform_log.h"
@@ -83,8 +82,7 @@ std::optional<Fault> MatchKey(const KeyMatch& key, const PropertyValue& value) {
 Result<Matching, Fault> MatchPersonalities(
     const MatchContext& context, const std::optional<std::string>& boardIdString,
     std::uint32_t boardRevision, const std::optional<std::string>& personalitiesDirectory) {
-  auto loaded =
-      LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, context.console);
+  auto loaded = context.load(boardIdString, personalitiesDirectory, context.console);
   Matching matching;
   if (!loaded) matching.configurationError = loaded.Error();
   if (loaded) matching.configuration = *std::move(loaded);

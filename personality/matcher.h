@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "personality/configuration.h"
 #include "personality/match_record.h"
 #include "personality/run_trace.h"
 #include "platform/console.h"
@@ -21,6 +22,7 @@ struct MatchContext {
   Console& console;  // for the diagnostics of the requirements and the system log
   bool bypassVersionCheck = false;
   RunTrace* trace = nullptr;  // may be null
+  ConfigurationLoader load = LoadPersonalityConfiguration;
 };
 
 /// What the matcher found. The records view the configuration and the registry, which must outlive

@@ -1,6 +1,5 @@
 #include "lab/support/tool_run.h"
 
-#include "personality/configuration.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -14,15 +13,17 @@ Options ToolOptions(const std::string& payload, bool bypassVersion) {
   return ParseOptions(static_cast<int>(words.size()), arguments.data());
 }
 
-ToolRun RunTool(const Recording& recording, const Options& options, KeptOutput kept) {
+ToolRun RunTool(const Recording& recording, const Options& options, KeptOutput kept,
+                const ConfigurationLoader& load) {
   RecordedRegistry registry(recording);
-  return RunTool(registry, options, kept);
+  return RunTool(registry, options, kept, load);
 }
 
-ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept) {
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept,
+                const ConfigurationLoader& load) {
   DiagnosticConsole console(kept == KeptOutput::Texts);
   RunTrace trace;
-  auto result = Run(options, registry, console, &trace);
+  auto result = Run(options, registry, console, &trace, load);
   return {std::move(result), console.TakeOutput(), console.TakeError(), console.TakeCounts(),
           std::move(trace)};
 }

@@ -9,6 +9,7 @@
 #include "driver/run.h"
 #include "lab/support/diagnostics.h"
 #include "lab/support/messages.h"
+#include "personality/configuration.h"
 #include "personality/run_trace.h"
 #include "registry/recorded_registry.h"
 
@@ -34,9 +35,11 @@ enum class KeptOutput { Texts, Counts };
 Options ToolOptions(const std::string& payload, bool bypassVersion);
 
 /// Runs the tool over the recorded computer. Nothing reaches this process's own streams. Several
-/// threads may run it at once, also over one recording.
+/// threads may run it at once, also over one recording. `load` returns the configuration, by
+/// default that of the payload.
 ToolRun RunTool(const Recording& recording, const Options& options,
-                KeptOutput kept = KeptOutput::Texts);
+                KeptOutput kept = KeptOutput::Texts,
+                const ConfigurationLoader& load = LoadPersonalityConfiguration);
 
 /// Why a run says nothing about the computer: its configuration could not be looked for or read,
 /// for lack of permission, memory or descriptors. Empty otherwise: an absent or malformed
@@ -48,7 +51,8 @@ std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& 
 std::optional<Error> ConfigurationFault(const ToolRun& run);
 
 /// The same over another registry, whose values must outlive the run.
-ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts);
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts,
+                const ConfigurationLoader& load = LoadPersonalityConfiguration);
 
 /// A personality and the controller that it matched. Points into the ToolRun.
 struct MatchedPair {

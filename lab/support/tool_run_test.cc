@@ -74,6 +74,26 @@ TEST_F(Tool, CountsItsDiagnosticsAlsoWhereNoTextsAreKept) {
   EXPECT_NE(Run().standardError, "");
 }
 
+// The file has another one, which is not read.
+TEST_F(Tool, MatchesTheConfigurationThatItsCallerReturns) {
+  const auto options = ToolOptions(payload_.Path(), false);
+  std::optional<std::string> board;
+  const auto load = [&](const std::optional<std::string>& boardIdString,
+                        const std::optional<std::string>& directory, Console&) {
+    EXPECT_EQ(directory, options.personalitiesDirectory);
+    board = boardIdString;
+    return *ReadPropertyList(
+                "<dict><key>LegacyUSBC</key><dict><key>Version</key>"
+                "<integer>170</integer><key>Firmware</key><string>f</string>"
+                "</dict></dict>")
+                .list;
+  };
+  const auto run = RunTool(computer_.Recorded(), options, KeptOutput::Texts, load);
+  EXPECT_EQ(board, "Zed-42");
+  ASSERT_EQ(run.result.matches.size(), 1u);
+  EXPECT_EQ(run.result.matches[0].Find("Version")->AsInteger(), 170);
+}
+
 class UnreadConfiguration : public Tool {
  protected:
   std::optional<LabError> Failure() const {
