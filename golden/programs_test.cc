@@ -39,6 +39,7 @@ constexpr char Usage[] =
     "  import     make a recording of registry dumps\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  diff       print which recorded computers two payloads treat differently\n"
+    "  sample     write a recording that a personality of a payload matches\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 

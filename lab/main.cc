@@ -30,6 +30,7 @@ constexpr Verb Verbs[] = {
     {"import", "make a recording of registry dumps", Import},
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
+    {"sample", "write a recording that a personality of a payload matches", Sample},
 };
 
 std::string Usage() {

@@ -56,4 +56,7 @@ VerbEnd Survey(int argumentCount, char* const arguments[]);
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd Diff(int argumentCount, char* const arguments[]);
 
+/// Writes recordings that personalities of a payload match. The status is 1 when there is none.
+VerbEnd Sample(int argumentCount, char* const arguments[]);
+
 }  // namespace fernwick::lab

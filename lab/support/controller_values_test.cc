@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "personality/requirements.h"
+#include "registry/typed_readers.h"
 #include "testing/property_values.h"
 
 namespace fernwick::lab {
@@ -101,6 +102,14 @@ TEST(NextThunderboltVersion, IsTheFirstAbove) {
   EXPECT_EQ(NextThunderboltVersion(1e9), std::nullopt);
   EXPECT_EQ(NextThunderboltVersion(std::nan("")), std::nullopt);
   EXPECT_EQ(NextThunderboltVersion("41.05"), std::nullopt);
+}
+
+TEST(EncodeBcd, IsDecodedToTheSameNumber) {
+  for (const std::uint32_t number :
+       {0u, 9u, 10u, 41u, 1234u, 99'999'999u, 100'000'000u, 123'456'789u, 166'666'665u}) {
+    EXPECT_EQ(DecodeBcd(EncodeBcd(number)), number);
+  }
+  EXPECT_EQ(EncodeBcd(1234), 0x1234u);
 }
 
 }  // namespace
