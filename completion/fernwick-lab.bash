@@ -7,6 +7,7 @@ declare -gA _fernwick_lab_options=(
   [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [sample]="-p --payload --personality --all -o --output --to --force --help"
+  [draft]="--image --version --type --except -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
@@ -46,7 +47,7 @@ _fernwick_lab_payload() {
 _fernwick_lab_value() {
   case "$1 $2" in
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
-    'explain --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
+    'explain --type' | 'draft --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
     'explain --format') _fernwick_lab_words 'text json' "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
@@ -56,11 +57,12 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to' | 'sample --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'draft --except') _fernwick_lab_recordings "$3" ;;
+    'draft --image' | 'survey --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root' | 'sample --all') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'sample --personality' | 'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'sample --personality' | 'draft --version' | 'draft -j' | 'draft --jobs' | 'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }

@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 9);
+  EXPECT_EQ(count, 10);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

@@ -40,6 +40,7 @@ constexpr char Usage[] =
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "  sample     write a recording that a personality of a payload matches\n"
+    "  draft      print a configuration that matches the controllers of recorded computers\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 

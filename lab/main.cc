@@ -31,6 +31,7 @@ constexpr Verb Verbs[] = {
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
     {"sample", "write a recording that a personality of a payload matches", Sample},
+    {"draft", "print a configuration that matches the controllers of recorded computers", Draft},
 };
 
 std::string Usage() {
