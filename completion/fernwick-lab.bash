@@ -8,6 +8,8 @@ declare -gA _fernwick_lab_options=(
   [coverage]="-p --payload --bypassVersion --threshold --format --json -j --jobs --help"
   [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
+  [sample]="-p --payload --personality --all -o --output --to --force --help"
+  [draft]="--image --version --type --except -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
@@ -35,11 +37,19 @@ _fernwick_lab_boards() {
   mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
 }
 
+# The payload of -p in the command line.
+_fernwick_lab_payload() {
+  local index
+  for ((index = 2; index < COMP_CWORD; ++index)); do
+    [[ ${COMP_WORDS[index - 1]} == @(-p|--payload) ]] && printf '%s' "${COMP_WORDS[index]}"
+  done
+}
+
 # Completes the value of the option $2. Fails where the option has no value.
 _fernwick_lab_value() {
   case "$1 $2" in
     *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
-    'explain --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
+    'explain --type' | 'draft --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
     'explain --format' | 'coverage --format') _fernwick_lab_words 'text json' "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
@@ -49,13 +59,14 @@ _fernwick_lab_value() {
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
-    'convert --to' | 'record --to') _fernwick_lab_words 'xml binary' "$3" ;;
+    'convert --to' | 'record --to' | 'sample --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
-    'record --root') _fernwick_lab_directories "$3" ;;
+    'draft --except') _fernwick_lab_recordings "$3" ;;
+    'draft --image' | 'survey --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'record --root' | 'sample --all') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | 'draft --version' | 'draft -j' | 'draft --jobs' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }
@@ -92,6 +103,7 @@ _fernwick_lab() {
         _fernwick_lab_boards "${COMP_WORDS[2]}" "$current"
       fi
       ;;
+    sample) _fernwick_lab_boards "$(_fernwick_lab_payload)" "$current" ;;
     *) _fernwick_lab_recordings "$current" ;;
   esac
 }

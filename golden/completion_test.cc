@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 10);
+  EXPECT_EQ(count, 12);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {
@@ -126,6 +126,7 @@ TEST_P(Completion, OffersDirectoriesForPayloadsAndTheirBoards) {
   EXPECT_EQ(Offered({"lint", "pay"}), Words{"payload"});
   EXPECT_EQ(Offered({"explain", "--payload", "pay"}), Words{"payload"});
   EXPECT_EQ(Offered({"lint", "payload", "Z"}), Words{"Zed-42"});
+  EXPECT_EQ(Offered({"sample", "-p", "payload", "Z"}), Words{"Zed-42"});
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, Completion,

@@ -41,6 +41,8 @@ constexpr char Usage[] =
     "  coverage   print what recorded computers exercise of a payload\n"
     "  settle     print what recorded computers become when every plan is carried out\n"
     "  diff       print which recorded computers two payloads treat differently\n"
+    "  sample     write a recording that a personality of a payload matches\n"
+    "  draft      print a configuration that matches the controllers of recorded computers\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 

@@ -32,6 +32,8 @@ constexpr Verb Verbs[] = {
     {"coverage", "print what recorded computers exercise of a payload", Coverage},
     {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
+    {"sample", "write a recording that a personality of a payload matches", Sample},
+    {"draft", "print a configuration that matches the controllers of recorded computers", Draft},
 };
 
 std::string Usage() {

@@ -64,4 +64,11 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd Diff(int argumentCount, char* const arguments[]);
 
+/// Writes recordings that personalities of a payload match. The status is 1 when there is none.
+VerbEnd Sample(int argumentCount, char* const arguments[]);
+
+/// Prints a configuration whose personalities match the controllers of recorded computers and of no
+/// excepted one. The status is 1 when there is none.
+VerbEnd Draft(int argumentCount, char* const arguments[]);
+
 }  // namespace fernwick::lab

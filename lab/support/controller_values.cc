@@ -17,18 +17,6 @@ namespace {
 
 constexpr std::uint32_t AllDigits = 0xFFFFFFFF;
 
-// The packed form of a number up to DecodeBcd(AllDigits); the highest digit is as great as may be.
-std::uint32_t EncodeBcd(std::uint32_t number) {
-  std::uint32_t packed = 0;
-  std::uint32_t weight = 10'000'000;
-  for (int digit = 0; digit < 8; ++digit, weight /= 10) {
-    const std::uint32_t value = std::min<std::uint32_t>(number / weight, 15);
-    packed = packed << 4 | value;
-    number -= value * weight;
-  }
-  return packed;
-}
-
 // Versions are a hundredth apart: what is nearer to one than this means that one.
 constexpr double Tolerance = 0.00001;
 
@@ -67,6 +55,17 @@ std::optional<PropertyValue> PartitionPoint(const VersionScale& scale, Predicate
 }
 
 }  // namespace
+
+std::uint32_t EncodeBcd(std::uint32_t number) {
+  std::uint32_t packed = 0;
+  std::uint32_t weight = 10'000'000;
+  for (int digit = 0; digit < 8; ++digit, weight /= 10) {
+    const std::uint32_t value = std::min<std::uint32_t>(number / weight, 15);
+    packed = packed << 4 | value;
+    number -= value * weight;
+  }
+  return packed;
+}
 
 RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum) {
   const bool areNumbers =

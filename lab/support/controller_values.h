@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -7,6 +8,10 @@
 #include "value/property_value.h"
 
 namespace fernwick::lab {
+
+/// The number in packed BCD, the reverse of DecodeBcd. Where the number has more than eight digits,
+/// the first counts more than nine. REQUIRES: DecodeBcd can return it.
+std::uint32_t EncodeBcd(std::uint32_t number);
 
 /// The board revisions that both bounds allow, 0 to 255, or none: then `lowest` > `highest`.
 struct RevisionRange {

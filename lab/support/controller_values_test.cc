@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "personality/requirements.h"
+#include "registry/typed_readers.h"
 #include "testing/property_values.h"
 
 namespace fernwick::lab {
@@ -138,6 +139,14 @@ TEST(VersionWindow, IntersectionHasTheStricterLimits) {
   EXPECT_EQ(swapped.offered, &middle);
   EXPECT_EQ(swapped.minimum, &middle);
   EXPECT_EQ(swapped.maximum, &low);
+}
+
+TEST(EncodeBcd, IsDecodedToTheSameNumber) {
+  for (const std::uint32_t number :
+       {0u, 9u, 10u, 41u, 1234u, 99'999'999u, 100'000'000u, 123'456'789u, 166'666'665u}) {
+    EXPECT_EQ(DecodeBcd(EncodeBcd(number)), number);
+  }
+  EXPECT_EQ(EncodeBcd(1234), 0x1234u);
 }
 
 }  // namespace

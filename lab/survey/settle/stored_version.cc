@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lab/support/controller_values.h"
+
 namespace fernwick::lab {
 namespace {
 
@@ -15,15 +17,6 @@ double RealOf(const PropertyValue& value) {
   if (const auto* real = std::get_if<double>(&number)) return *real;
   const auto& integer = std::get<Integer>(number);
   return integer.IsNegative() ? -1.0 : static_cast<double>(integer.Bits());
-}
-
-// REQUIRES: at most eight digits.
-std::uint32_t PackBcd(std::uint64_t number) {
-  std::uint32_t packed = 0;
-  for (unsigned shift = 0; number != 0; shift += 4, number /= 10) {
-    packed |= static_cast<std::uint32_t>(number % 10) << shift;
-  }
-  return packed;
 }
 
 // The greatest number of hundredths that is at most the version, as the tool computes versions. The
@@ -40,7 +33,7 @@ std::uint64_t HundredthsIn(double version) {
 std::optional<std::uint32_t> StoredPortVersion(const PropertyValue& offered) {
   const double version = RealOf(offered);
   if (!(version >= 0)) return std::nullopt;
-  return PackBcd(static_cast<std::uint64_t>(std::min(version, static_cast<double>(MaxMajor))));
+  return EncodeBcd(static_cast<std::uint32_t>(std::min(version, static_cast<double>(MaxMajor))));
 }
 
 std::optional<ThunderboltVersionWords> StoredThunderboltVersion(const PropertyValue& offered) {
@@ -49,7 +42,8 @@ std::optional<ThunderboltVersionWords> StoredThunderboltVersion(const PropertyVa
   const auto hundredths = HundredthsIn(std::min(version, static_cast<double>(MaxMajor + 1)));
   const auto major = std::min(hundredths / 100, MaxMajor);
   const auto minor = major * 100 + MaxHundredths < hundredths ? MaxHundredths : hundredths % 100;
-  return ThunderboltVersionWords{PackBcd(major), static_cast<std::uint32_t>(minor)};
+  return ThunderboltVersionWords{EncodeBcd(static_cast<std::uint32_t>(major)),
+                                 static_cast<std::uint32_t>(minor)};
 }
 
 }  // namespace fernwick::lab

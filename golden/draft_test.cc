@@ -1,0 +1,148 @@
+// The verb `draft` as a process.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/files.h"
+#include "testing/programs/child_process.h"
+#include "testing/temporary_directory.h"
+
+namespace fernwick {
+namespace {
+
+using testing::ChildOutcome;
+using testing::ExpectOutcome;
+
+const std::string Ports = "../examples/ports-only.registry.plist";
+const std::string Thunderbolt = "../examples/thunderbolt-only.registry.plist";
+
+class Draft : public ::testing::Test {
+ protected:
+  ChildOutcome Lab(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> command = {FERNWICK_LAB_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return testing::RunChild(command, FERNWICK_GOLDEN_DIRECTORY);
+  }
+
+  ChildOutcome Run(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"draft", "--image", "ports-210.bin", "--version", "210"});
+    return Lab(arguments);
+  }
+
+  testing::TemporaryDirectory directory_;
+};
+
+// The directory of the board is what a payload needs besides.
+TEST_F(Draft, InAPayloadPlansTheUpdateAndLintFindsNothing) {
+  const auto outcome = Run({Ports});
+  EXPECT_EQ(outcome.status, "0");
+  EXPECT_EQ(outcome.standardError, "");
+  directory_.Write("Fernwick/Zed-1A07/Config.plist", outcome.standardOutput);
+  directory_.Write("Fernwick/Zed-1A07/ports-210.bin", "image");
+  directory_.Write("Fernwick/PortFlash.efi", "utility");
+  ExpectOutcome(Lab({"lint", directory_.Path(), "--fail-level", "note"}),
+                {"0", "1 board: 0 errors, 0 warnings, 0 notes\n", ""});
+  const auto survey = Lab({"survey", "-p", directory_.Path(), "--format", "csv", Ports});
+  EXPECT_NE(survey.standardError.find("3 matches"), std::string::npos) << survey.standardError;
+}
+
+TEST_F(Draft, IsTheSameForEveryNumberOfThreads) {
+  const auto one = Run({"../examples", "--type", "USBC", "-j", "1"});
+  const auto many = Run({"../examples", "--type", "USBC", "-j", "8"});
+  EXPECT_EQ(one.status, "0");
+  EXPECT_EQ(one.standardOutput, many.standardOutput);
+  EXPECT_EQ(one.standardError, many.standardError);
+  EXPECT_EQ(
+      one.standardError,
+      "fernwick-lab: the computers are of several boards, each of which needs the draft in its "
+      "own directory: Zed-1A05, Zed-1A06, Zed-1A07, Zed-1A08, Zed-1A09\n");
+}
+
+TEST_F(Draft, NeedsATypeWhereThereAreSeveral) {
+  ExpectOutcome(
+      Run({Ports, Thunderbolt}),
+      {"64", "",
+       "fernwick-lab: the computers have controllers of several types, and --type selects "
+       "one: LegacyThunderbolt (2 controllers), USBC (3 controllers)\n"});
+}
+
+TEST_F(Draft, NamesWhatCannotMatchOrBeToldApart) {
+  const auto newer =
+      Lab({"draft", "--image", "a", "--version", "24", Thunderbolt, "--except", Thunderbolt});
+  EXPECT_EQ(newer.status, "1");
+  EXPECT_EQ(newer.standardOutput, "");
+  EXPECT_NE(newer.standardError.find(" cannot be told apart from the excepted ../examples/"),
+            std::string::npos)
+      << newer.standardError;
+  const auto older = Lab({"draft", "--image", "a", "--version", "1", Thunderbolt});
+  EXPECT_EQ(older.status, "1");
+  EXPECT_EQ(older.standardOutput, "");
+  EXPECT_TRUE(older.standardError.ends_with(
+      " is not older\nfernwick-lab: no controller of these computers can match\n"))
+      << older.standardError;
+}
+
+TEST_F(Draft, PrintsAHundredMessagesOfAKind) {
+  std::string ports;
+  for (int i = 0; i < 102; ++i) {
+    ports +=
+        "<dict><key>Name</key><string>hpm</string><key>Class</key>"
+        "<string>QuinceHPMDevice</string><key>Properties</key><dict><key>Address</key>"
+        "<integer>" +
+        std::to_string(i) + "</integer></dict></dict>";
+  }
+  const auto path = directory_.Write(
+      "many.registry.plist",
+      "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+      "<key>IOService</key><dict><key>Children</key><array>" +
+          ports + "</array></dict></dict></dict>");
+  const auto outcome = Run({path});
+  EXPECT_EQ(outcome.status, "1");
+  EXPECT_TRUE(
+      outcome.standardError.ends_with("fernwick-lab: and 2 more of this kind\n"
+                                      "fernwick-lab: no controller of these computers can match\n"))
+      << outcome.standardError;
+}
+
+TEST_F(Draft, NeedsRecordingsThatRunToTheirEnd) {
+  const std::string none = "../examples/no-supported-hardware.registry.plist";
+  ExpectOutcome(
+      Run({"recordings/no-uid.registry.plist"}),
+      {"65", "",
+       "fernwick-lab: recordings/no-uid.registry.plist: a Thunderbolt controller without a "
+       "\"UID\" ends every run abnormally\n"});
+  ExpectOutcome(Run({Ports, "--except", "none"}),
+                {"66", "", "fernwick-lab: none: No such file or directory\n"});
+  ExpectOutcome(Run({none}), {"1", "", "fernwick-lab: these computers have no controllers\n"});
+  std::filesystem::create_directory(directory_.Path() + "/empty");
+  ExpectOutcome(Run({directory_.Path() + "/empty"}),
+                {"66", "", "fernwick-lab: there is no recording in what is selected\n"});
+}
+
+TEST_F(Draft, NeedsAnImageAndAVersion) {
+  const auto refuse = [&](const std::vector<std::string>& arguments, const std::string& message) {
+    std::vector<std::string> command = {"draft", Ports};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    ExpectOutcome(Lab(command),
+                  {"64", "", "fernwick-lab: " + message + "; see fernwick-lab draft --help\n"});
+  };
+  for (const char* image : {"", ".", "..", "Config.plist", "a/b", "\xFF"}) {
+    refuse({"--image", image, "--version", "1"},
+           "--image is the name of a file in the board's directory");
+  }
+  for (const char* version : {"", "a", "nan", "1e5", "0x10", "1.2.3", "1a"}) {
+    refuse({"--image", "a", "--version", version}, "--version is a decimal number");
+  }
+  refuse({"--image", "a", "--version", "1", "--except", "-", "-"},
+         "standard input cannot be both the recordings and those of --except");
+  ExpectOutcome(Lab({"draft", Ports, "--image", "a", "--version", "200.5"}),
+                {"64", "",
+                 "fernwick-lab: --version 200.5 would be installed again and again: a port reports "
+                 "whole numbers, a Thunderbolt controller hundredths up to .63\n"});
+}
+
+}  // namespace
+}  // namespace fernwick

@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/draft/drafted_computers.h"
+#include "lab/draft/drafting.h"
+#include "lab/support/command_line.h"
+#include "lab/support/messages.h"
+#include "lab/support/words.h"
+#include "lab/survey/batch.h"
+#include "lab/verbs.h"
+#include "value/unicode/utf8.h"
+#include "value/xml/writer.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Of one kind of message about controllers no more than this many are printed.
+constexpr std::size_t MaxMessages = 100;
+
+constexpr char Description[] =
+    "Prints a Config.plist whose personalities match the controllers of these computers and of "
+    "none of the excepted ones: few personalities with few keys, which the checks of the tool have "
+    "confirmed.";
+
+std::string Footer() {
+  return std::string(SelectionHelp) +
+         "\n"
+         "Without --type it is that of the controllers: USBC for ports, Thunderbolt for ports "
+         "below a\n"
+         "Thunderbolt controller, LegacyThunderbolt for Thunderbolt controllers without a port. "
+         "It is needed\n"
+         "where the computers have controllers of several types, as an image is for one.\n"
+         "\n"
+         "Keys that a personality may lack are used where an excepted controller needs them: first "
+         "those that\n"
+         "describe a model, then those of a position or a version. \"Port UUID\" and \"Ridge "
+         "UID\", "
+         "of which\n"
+         "each value is of one piece, select only controllers that no other keys tell apart. For "
+         "up to 10\n"
+         "different controllers no fewer personalities or keys are possible otherwise. With more "
+         "than four\n"
+         "million pairs of different controllers, wanted and excepted, there is no draft.\n"
+         "\n"
+         "Controllers that can match no personality, as their version is not older than VERSION, "
+         "are named on\n"
+         "standard error and left out. The board revision, the installed version and the priority "
+         "50 are worth\n"
+         "a look before the draft is used.\n"
+         "\n"
+         "Status: 0 printed; 1 no controller can match, or a wanted and an excepted controller "
+         "cannot be told\n"
+         "apart; 65 or 66 a recording is not well formed or cannot be read, or ends every run "
+         "abnormally.\n"
+         "\n"
+         "Example:\n"
+         "  fernwick-lab draft desk.registry.plist --image ports-210.bin --version 210 --type "
+         "USBC\n";
+}
+
+struct DraftOptions {
+  BatchOptions batch;
+  std::vector<std::string> excepted;
+  std::string image;
+  std::string version;
+  std::string type;
+};
+
+std::optional<int> Parse(int argumentCount, char* const arguments[], DraftOptions& options) {
+  CommandLine line = {.verb = "draft",
+                      .description = Description,
+                      .footer = Footer(),
+                      .arguments = {
+                          {.name = "--image",
+                           .target = &options.image,
+                           .help = "the name of the firmware image in the board's directory",
+                           .least = 1,
+                           .valueName = "FILE"},
+                          {.name = "--version",
+                           .target = &options.version,
+                           .help = "the version of the image",
+                           .least = 1,
+                           .valueName = "VERSION"},
+                          {.name = "--type",
+                           .target = &options.type,
+                           .help = "the type of the personalities",
+                           .valueName = "TYPE",
+                           .choices = {"LegacyThunderbolt", "Thunderbolt", "LegacyUSBC", "USBC"}},
+                          {.name = "--except",
+                           .target = &options.excepted,
+                           .help = "computers that are not to match, as RECORDING; may be repeated",
+                           .valueName = "RECORDING"},
+                      }};
+  AddBatchOptions(line, options.batch);
+  return ParseCommandLine(line, argumentCount, arguments);
+}
+
+// A decimal number, whole or not. Nullopt when it is none.
+std::optional<PropertyValue> ParseVersion(std::string_view text) {
+  const bool isPlain = !text.empty() && text.find_first_not_of("0123456789.") == npos;
+  const auto* end = text.data() + text.size();
+  std::uint64_t whole = 0;
+  if (const auto [next, error] = std::from_chars(text.data(), end, whole);
+      isPlain && error == std::errc() && next == end) {
+    return whole;
+  }
+  double real = 0;
+  const auto [next, error] = std::from_chars(text.data(), end, real);
+  if (!isPlain || error != std::errc() || next != end) return std::nullopt;
+  return real;
+}
+
+// What is wrong with the options; empty when nothing is.
+std::string Fault(const DraftOptions& options) {
+  const auto& image = options.image;
+  const bool isName = !image.empty() && image != "." && image != ".." && image != "Config.plist";
+  if (!isName || image.find('/') != std::string::npos || FindInvalidText(image) != npos) {
+    return "--image is the name of a file in the board's directory";
+  }
+  if (!ParseVersion(options.version)) return "--version is a decimal number";
+  const auto reads = [](const std::vector<std::string>& paths) {
+    return std::ranges::find(paths, "-") != paths.end();
+  };
+  return reads(options.batch.paths) && reads(options.excepted)
+             ? "standard input cannot be both the recordings and those of --except"
+             : "";
+}
+
+// Adds all that is selected. Returns the status.
+int AddComputers(const BatchOptions& options, DraftSide side, DraftedComputers& computers) {
+  const auto work = [&](const Selected& selected) -> BatchResult {
+    if (!selected.error.empty()) return ErrorOf(selected);
+    auto computer = InspectComputer(selected.path);
+    if (!computer) return computer.Error();
+    const std::function<void()> add = [&, side, computer = *std::move(computer)] {
+      computers.Add(*computer, side);
+    };
+    return add;
+  };
+  ProcessConsole console;
+  return RunBatch(options, work, console);
+}
+
+// Prints messages on standard error, of many only the first and how many there are.
+void PrintFirst(const std::vector<std::string>& messages) {
+  for (std::size_t i = 0; i < std::min(messages.size(), MaxMessages); ++i) PrintError(messages[i]);
+  if (messages.size() <= MaxMessages) return;
+  PrintError("and " + std::to_string(messages.size() - MaxMessages) + " more of this kind");
+}
+
+// The type of all wanted controllers; 0 after a message when there is not one such type.
+TypeSet OnlyType(const DraftedComputers& computers) {
+  const auto counts = computers.CountByType();
+  if (counts.size() == 1) return counts.begin()->first;
+  std::string text;
+  for (const auto& [type, count] : counts) {
+    text.append(text.empty() ? "" : ", ").append(NamesOf(type).front());
+    text.append(" (" + Counted(count, "controller", "controllers") + ")");
+  }
+  PrintError("the computers have controllers of several types, and --type selects one: " + text);
+  return Types::None;
+}
+
+int Print(const DraftOutcome& outcome) {
+  PrintFirst(outcome.unmatchable);
+  PrintFirst(outcome.inseparable);
+  if (!outcome.refusal.empty()) PrintError(outcome.refusal);
+  if (!outcome.configuration) return outcome.status;
+  return PrintResult(WriteXmlPropertyList(outcome.configuration->value) + "\n");
+}
+
+void NoteBoards(const std::set<std::string>& boards) {
+  if (boards.size() < 2) return;
+  std::string text;
+  for (const auto& board : boards) text.append(text.empty() ? "" : ", ").append(board);
+  PrintError(
+      "the computers are of several boards, each of which needs the draft in its own "
+      "directory: " +
+      text);
+}
+
+}  // namespace
+
+VerbEnd Draft(int argumentCount, char* const arguments[]) {
+  DraftOptions options;
+  if (const auto status = Parse(argumentCount, arguments, options)) return *status;
+  if (const auto fault = Fault(options); !fault.empty()) {
+    PrintError(fault + "; see fernwick-lab draft --help");
+    return LabStatus::BadUsage;
+  }
+  DraftedComputers computers;
+  if (const int status = AddComputers(options.batch, DraftSide::Wanted, computers);
+      status != LabStatus::Done) {
+    return status;
+  }
+  if (!options.excepted.empty()) {
+    const BatchOptions excepted = {options.excepted, options.batch.jobs};
+    const int status = AddComputers(excepted, DraftSide::Excepted, computers);
+    if (status != LabStatus::Done) return status;
+  }
+  if (options.type.empty() && computers.CountByType().empty()) {
+    PrintError("these computers have no controllers");
+    return HasNoDraft;
+  }
+  const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
+  if (type == Types::None) return LabStatus::BadUsage;
+  NoteBoards(computers.Boards());
+  const DraftTarget target = {type, options.image, *ParseVersion(options.version)};
+  return Print(MakeDraft(computers, target));
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,100 @@
+#include "lab/draft/drafted_computers.h"
+
+#include <utility>
+
+#include "lab/recordings/entry_path.h"
+#include "lab/recordings/recording_file.h"
+
+namespace fernwick::lab {
+
+namespace {
+
+LabError ErrorAt(const std::string& path, const LabError& error) {
+  return {{path + ": " + Describe(error.error)}, error.status};
+}
+
+}  // namespace
+
+Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const std::string& path,
+                                                                           Recording recording) {
+  auto computer = std::make_shared<InspectedComputer>(
+      InspectedComputer{path, std::move(recording), {}, {}, {}});
+  RecordedRegistry registry(computer->recording);
+  computer->board = ReadBoardIdentity(registry);
+  computer->thunderbolt = FindThunderboltControllers(computer->recording);
+  computer->ports = FindPortControllers(computer->recording);
+  if (computer->thunderbolt.endsRun || computer->ports.endsRun) {
+    return ErrorAt(path, {{"a Thunderbolt controller without a \"UID\" ends every run abnormally"},
+                          LabStatus::MalformedInput});
+  }
+  return std::shared_ptr<const InspectedComputer>(std::move(computer));
+}
+
+Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(
+    const std::string& path) {
+  auto recording = LoadRecording(path);
+  if (!recording) return ErrorAt(path, recording.Error());
+  return InspectComputer(path, *std::move(recording));
+}
+
+DraftedComputers::DraftedComputers()
+    : ports_{ControllerTable(Types::Thunderbolt)},
+      thunderbolt_{ControllerTable(Types::LegacyThunderbolt)} {}
+
+void DraftedComputers::Add(const InspectedComputer& computer, DraftSide side) {
+  if (side == DraftSide::Wanted) boards_.insert(computer.board.boardIdString.value_or(""));
+  std::set<RegistryEntry> ports;
+  std::set<RegistryEntry> thunderbolts;
+  for (const auto& source : computer.ports.inventory.sources) {
+    if (source.thunderbolt == 0) continue;
+    ports.insert(source.port);
+    thunderbolts.insert(source.thunderbolt);
+  }
+  AddAll(computer, computer.ports, ports, ports_, side);
+  AddAll(computer, computer.thunderbolt, thunderbolts, thunderbolt_, side);
+}
+
+void DraftedComputers::AddAll(const InspectedComputer& computer, const Controllers& controllers,
+                              const std::set<RegistryEntry>& counterparts, Kind& kind,
+                              DraftSide side) {
+  const auto& [records, sources, skipped] = controllers.inventory;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    auto row = kind.table.RowOf(records[i], computer.board.boardRevision);
+    row.hasCounterpart = counterparts.contains(sources[i].Controller());
+    auto& rows = kind.rows[static_cast<std::size_t>(side)];
+    auto& known = rows[std::move(row)];
+    if (++known.count > 1) continue;
+    known.order = rows.size();
+    known.name = computer.path + ": " + EntryPath(computer.recording, sources[i].Controller());
+  }
+}
+
+std::map<TypeSet, std::size_t> DraftedComputers::CountByType() const {
+  std::map<TypeSet, std::size_t> counts;
+  for (const auto& [row, known] : ports_.rows.front()) {
+    counts[row.hasCounterpart ? Types::Thunderbolt : Types::Usbc] += known.count;
+  }
+  for (const auto& [row, known] : thunderbolt_.rows.front()) {
+    if (!row.hasCounterpart) counts[Types::LegacyThunderbolt] += known.count;
+  }
+  return counts;
+}
+
+std::vector<DraftedController> DraftedComputers::ControllersOf(TypeSet type, DraftSide side) {
+  auto& kind = type == Types::LegacyThunderbolt ? thunderbolt_ : ports_;
+  const auto& rows = kind.rows[static_cast<std::size_t>(side)];
+  std::vector<std::pair<const ControllerRow*, const Known*>> ordered(rows.size());
+  for (const auto& [row, known] : rows) ordered[known.order - 1] = {&row, &known};
+  std::vector<DraftedController> controllers;
+  for (const auto& [row, known] : ordered) {
+    if (type == Types::Thunderbolt && !row->hasCounterpart) continue;
+    controllers.push_back({kind.table.Ranked(*row), known->name, known->count});
+  }
+  return controllers;
+}
+
+const ControllerTable& DraftedComputers::TableOf(TypeSet type) const {
+  return type == Types::LegacyThunderbolt ? thunderbolt_.table : ports_.table;
+}
+
+}  // namespace fernwick::lab

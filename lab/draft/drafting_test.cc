@@ -1,0 +1,388 @@
+// Drafts for random computers, which the tool then runs over.
+
+#include "lab/draft/drafting.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "lab/lint/linted.h"
+#include "lab/support/tool_run.h"
+#include "personality/requirements.h"
+#include "registry/thunderbolt_inventory.h"
+#include "testing/computer.h"
+#include "testing/inputs/random_pairs.h"
+#include "testing/property_values.h"
+#include "testing/recordings.h"
+#include "testing/temporary_directory.h"
+#include "testing/test_console.h"
+
+namespace fernwick::lab {
+namespace {
+
+using testing::Computer;
+using testing::Dict;
+using testing::Kept;
+using testing::List;
+
+void AddTo(DraftedComputers& computers, const Computer& computer, DraftSide side,
+           const std::string& name) {
+  const auto inspected =
+      InspectComputer(name, testing::RecordingOf(testing::ContentOf(computer.Recorded())));
+  ASSERT_TRUE(inspected) << inspected.Error().error.message;
+  computers.Add(**inspected, side);
+}
+
+// A run of the tool with this configuration.
+ToolRun RunWith(const Computer& computer, const PropertyValue& configuration) {
+  const auto load = [&](const auto&, const auto&, Console&) -> Result<PropertyList> {
+    return PropertyList{{}, configuration};
+  };
+  return RunTool(computer.Recorded(), ToolOptions("/payload", false), KeptOutput::Counts, load);
+}
+
+// A run with the configuration that ends as a run without a bypass switch does.
+bool IsOrdinary(const Computer& computer) {
+  const auto run = RunWith(computer, Dict({{"USBC", Array()}, {"LegacyThunderbolt", Array()}}));
+  return !run.result.fault && !run.result.bypassesUpdates && !run.result.bypassesVersionCheck;
+}
+
+// Whether the personality with the controller's own values and the version matches it.
+bool CanMatch(TypeSet type, const HardwareRecord& record, int revision,
+              const PropertyValue& version) {
+  Record personality = {{"Version", version}};
+  for (const auto& requirement : RequirementsOf(type)) {
+    const auto* value = record.Find(requirement.key);
+    if (requirement.presence == KeyPresence::RequiredKey && value != nullptr) {
+      personality.Set(requirement.key, *value);
+    }
+  }
+  testing::TestConsole console;
+  return ControllerCheck(type, {record, static_cast<std::uint8_t>(revision), false})
+      .Applies(personality, console);
+}
+
+// Random computers on both sides, and the draft for them.
+struct RandomDraft {
+  std::vector<Computer> wanted = {};
+  std::vector<Computer> excepted = {};
+  DraftedComputers computers = {};
+  DraftTarget target;
+  DraftOutcome outcome = {};
+};
+
+void AddRandomComputers(std::size_t count, std::mt19937_64& random,
+                        std::vector<Computer>& computers) {
+  while (computers.size() < count) {
+    auto pair = testing::MakeRandomPair(random);
+    if (IsOrdinary(pair.computer)) computers.push_back(pair.computer);
+  }
+}
+
+void MakeRandomDraft(TypeSet type, std::mt19937_64& random, RandomDraft& draft) {
+  AddRandomComputers(1 + random() % 3, random, draft.wanted);
+  AddRandomComputers(random() % 3, random, draft.excepted);
+  for (const auto& each : draft.wanted) AddTo(draft.computers, each, DraftSide::Wanted, "wanted");
+  for (const auto& each : draft.excepted) {
+    AddTo(draft.computers, each, DraftSide::Excepted, "excepted");
+  }
+  draft.target = {type, "image.bin", 50};
+  draft.outcome = MakeDraft(draft.computers, draft.target);
+}
+
+// The trace of the type in a run with the draft.
+KeyTrace TraceOf(const RandomDraft& draft, const Computer& computer, int& revision) {
+  auto run = RunWith(computer, draft.outcome.configuration->value);
+  revision = run.result.identity->boardRevision;
+  return std::move(run.trace.keys.at(0));
+}
+
+// Every wanted controller that can match matches, and no excepted one.
+void ExpectMatches(const RandomDraft& draft) {
+  int revision = 0;
+  for (const auto& computer : draft.wanted) {
+    const auto trace = TraceOf(draft, computer, revision);
+    for (std::size_t i = 0; i < trace.matched.size(); ++i) {
+      EXPECT_EQ(
+          trace.matched[i] != KeyTrace::NoMatch,
+          CanMatch(draft.target.type, trace.inventory.records[i], revision, draft.target.version));
+    }
+  }
+  for (const auto& computer : draft.excepted) {
+    for (const auto matched : TraceOf(draft, computer, revision).matched) {
+      EXPECT_EQ(matched, KeyTrace::NoMatch);
+    }
+  }
+}
+
+// What lint finds, except in values that the registry has in a form that lint doubts, and where an
+// excepted controller is between wanted ones.
+std::vector<std::string> UnexpectedFindings(const PropertyValue& configuration) {
+  static const std::set<std::string_view> allowed = {"doubtful-uuid", "doubtful-model-name",
+                                                     "doubtful-rid",  "real-uid",
+                                                     "version-gap",   "board-revision-gap"};
+  const testing::TemporaryDirectory directory;
+  std::vector<std::string> unexpected;
+  for (const auto& row : LintedRows(directory.Path(), configuration, {"image.bin"})) {
+    if (!allowed.contains(row.rule->id)) unexpected.push_back(row.message);
+  }
+  return unexpected;
+}
+
+class Drafts : public ::testing::TestWithParam<NamedType> {};
+
+TEST_P(Drafts, MatchTheControllersOfRandomComputersAndNoExceptedOne) {
+  std::mt19937_64 random(5);
+  std::size_t drafts = 0;
+  std::size_t severalPersonalities = 0;
+  std::size_t inseparable = 0;
+  for (int i = 0; i < 200; ++i) {
+    RandomDraft draft;
+    MakeRandomDraft(GetParam().type, random, draft);
+    if (!draft.outcome.inseparable.empty()) ++inseparable;
+    EXPECT_NE(draft.outcome.refusal, "the draft does not match what it should");
+    ASSERT_EQ(draft.outcome.configuration.has_value(), draft.outcome.status == LabStatus::Done);
+    if (!draft.outcome.configuration) continue;
+    ++drafts;
+    ExpectMatches(draft);
+    const auto& configuration = draft.outcome.configuration->value;
+    EXPECT_EQ(UnexpectedFindings(configuration), std::vector<std::string>{})
+        << ::testing::PrintToString(configuration);
+    const auto list = configuration.AsDictionary()->Entries()[0].value.AsArray();
+    if (list && list->size() > 1) ++severalPersonalities;
+  }
+  EXPECT_GT(drafts, 30u);
+  const bool mayLackIdentity = (GetParam().type & (Types::LegacyUsbc | Types::Usbc)) != 0;
+  EXPECT_GE(inseparable, mayLackIdentity ? 5u : 0u);
+  EXPECT_EQ(severalPersonalities > 0, GetParam().type != Types::LegacyUsbc);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachType, Drafts, ::testing::ValuesIn(NamedTypes),
+                         [](const auto& type) { return std::string(type.param.name); });
+
+Record Port(const Record& others) {
+  Record port = {{"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}, {"Version", 0x171}};
+  port.Merge(others);
+  return port;
+}
+
+Record Thunderbolt(const Record& others) {
+  Record properties = {{"Depth", 0},          {"Route String", 0},   {"Vendor ID", 1},
+                       {"Device ID", 2},      {"Revision ID", 3},    {"UID", 0x10},
+                       {"ROM Version", 0x41}, {"EEPROM Revision", 5}};
+  properties.Merge(others);
+  return properties;
+}
+
+// One computer of one controller.
+struct SmallComputer {
+  bool isPort;
+  Record properties;
+  DraftSide side = DraftSide::Wanted;
+};
+
+// The draft for small computers, named "0", "1" and so on.
+struct SmallDraft {
+  SmallDraft(TypeSet type, const PropertyValue& version,
+             const std::vector<SmallComputer>& controllers)
+      : target{type, "image.bin", version} {
+    for (std::size_t i = 0; i < controllers.size(); ++i) {
+      Computer computer;
+      const auto& [isPort, properties, side] = controllers[i];
+      isPort ? computer.AddPort("hpm0", properties) : computer.AddThunderbolt("ridge0", properties);
+      AddTo(computers, computer, side, std::to_string(i));
+    }
+    outcome = MakeDraft(computers, target);
+  }
+
+  // The personalities, or the one of "LegacyUSBC".
+  PropertyValue Drafted() const {
+    return outcome.configuration->value.AsDictionary()->Entries()[0].value;
+  }
+
+  DraftTarget target;
+  DraftedComputers computers;
+  DraftOutcome outcome;
+};
+
+constexpr auto Excepted = DraftSide::Excepted;
+
+TEST(Draft, HasKeysWithAsFewValuesAsAreNeeded) {
+  const SmallDraft draft(Types::Usbc, 210,
+                         {{true, Port({{"Address", 5}, {"UUID", "a"}, {"Revision ID", true}})},
+                          {true, Port({{"Address", 6}, {"UUID", "b"}, {"Revision", 7}})},
+                          {true, Port({{"Address", 7}, {"UUID", "c"}}), Excepted}});
+  EXPECT_EQ(draft.Drafted(), PropertyValue(List({Dict({{"Firmware", "image.bin"},
+                                                       {"Priority", 50},
+                                                       {"Version", 210},
+                                                       {"Port Silicon Vendor ID", 1},
+                                                       {"Port Silicon Device ID", 2},
+                                                       {"Port Silicon Revision", List({1, 3})},
+                                                       {"Port Address", List({5, 6})}})})));
+}
+
+TEST(Draft, WritesBoundsOfVersionsAsTheyAreMeant) {
+  const SmallDraft draft(Types::LegacyThunderbolt, 43.1,
+                         {{false, Thunderbolt({})},
+                          {false, Thunderbolt({{"EEPROM Revision", 4}}), Excepted},
+                          {false, Thunderbolt({{"EEPROM Revision", 6}}), Excepted}});
+  const auto personality = *(*draft.Drafted().AsArray())[0].AsDictionary();
+  EXPECT_EQ(*personality.Find("Existing Min Version"), PropertyValue(41.05));
+  EXPECT_EQ(*personality.Find("Existing Max Version"), PropertyValue(41.051));
+}
+
+TEST(Draft, WritesBoundsOfPortVersionsAsWholeNumbers) {
+  const SmallDraft draft(Types::LegacyUsbc, 300,
+                         {{true, Port({{"Version", 0x170}})},
+                          {true, Port({{"Version", 0x160}}), Excepted},
+                          {true, Port({{"Version", 0x180}}), Excepted}});
+  EXPECT_EQ(draft.Drafted(), PropertyValue(Dict({{"Firmware", "image.bin"},
+                                                 {"Priority", 50},
+                                                 {"Version", 300},
+                                                 {"Existing Min Version", 170},
+                                                 {"Existing Max Version", 170}})));
+}
+
+// Where a whole number is a version too, hundredths are not rounded to it.
+TEST(Draft, WritesBoundsExactlyWhereRoundedOnesWouldAcceptAnotherController) {
+  DraftedComputers computers;
+  const auto add = [&](const Record& thunderbolt, const Record& port, DraftSide side) {
+    Computer computer;
+    const auto parent = computer.AddThunderbolt("ridge0", thunderbolt);
+    computer.AddService(parent, "hpm0", "QuinceHPMDevice", port);
+    AddTo(computers, computer, side, "it");
+  };
+  auto bare = Thunderbolt({});
+  bare.SetOrRemove("ROM Version", nullptr);
+  add(Thunderbolt({{"EEPROM Revision", 0}}), Port({}), DraftSide::Wanted);
+  add(bare, Port({{"Version", 0x41}}), Excepted);
+  const DraftTarget target = {Types::Usbc, "image.bin", 50};
+  const auto outcome = MakeDraft(computers, target);
+  ASSERT_TRUE(outcome.configuration);
+  const auto list = outcome.configuration->value.AsDictionary()->Entries()[0].value.AsArray();
+  EXPECT_EQ(*(*list)[0].AsDictionary()->Find("Existing Min Version"),
+            PropertyValue(ThunderboltFirmwareVersion(0x41, 0)));
+}
+
+TEST(Draft, ListsUuidsAndWritesUniqueIdsAsIntegers) {
+  const SmallDraft ports(Types::Usbc, 210,
+                         {{true, Port({{"UUID", "a"}})}, {true, Port({{"UUID", "b"}}), Excepted}});
+  EXPECT_EQ(*(*ports.Drafted().AsArray())[0].AsDictionary()->Find("Port UUID"),
+            PropertyValue(List({"a"})));
+  const SmallDraft thunderbolts(
+      Types::LegacyThunderbolt, 43,
+      {{false, Thunderbolt({{"UID", 32.0}})}, {false, Thunderbolt({{"UID", 16.0}}), Excepted}});
+  EXPECT_EQ(*(*thunderbolts.Drafted().AsArray())[0].AsDictionary()->Find("Ridge UID"),
+            PropertyValue(32));
+}
+
+// A personality can require numbers alone there.
+TEST(Draft, DoesNotTellUniqueIdsApartThatAreNoNumbers) {
+  const SmallDraft draft(
+      Types::LegacyThunderbolt, 43,
+      {{false, Thunderbolt({{"UID", "a"}})}, {false, Thunderbolt({{"UID", "b"}}), Excepted}});
+  EXPECT_EQ(draft.outcome.inseparable.size(), 1u);
+}
+
+TEST(Draft, NamesControllersThatCannotMatch) {
+  auto unknown = Port({});
+  unknown.SetOrRemove("Version", nullptr);
+  auto other = Port({});
+  other.SetOrRemove("Device ID", nullptr);
+  const SmallDraft draft(Types::Usbc, 171,
+                         {{true, Port({})},
+                          {true, Port({})},
+                          {true, unknown},
+                          {true, other},
+                          {true, Port({{"Version", 0x170}})},
+                          {true, Port({}), Excepted}});
+  EXPECT_EQ(draft.outcome.status, LabStatus::Done);
+  EXPECT_EQ(draft.outcome.unmatchable,
+            (std::vector<std::string>{
+                "0: IOService:/hpm0 (and 1 like it) cannot match: its version 171 is not older",
+                "2: IOService:/hpm0 cannot match: it has no \"Version\"",
+                "3: IOService:/hpm0 cannot match: its version 171 is not older"}));
+  EXPECT_EQ(SmallDraft(Types::Usbc, 200, {{true, other}}).outcome.unmatchable,
+            (std::vector<std::string>{
+                "0: IOService:/hpm0 cannot match: it has no \"Port Silicon Device ID\""}));
+}
+
+TEST(Draft, LeavesOutEngineeringFirmwareWherePortsAreMatched) {
+  DraftedComputers computers;
+  Computer computer;
+  const auto parent = computer.AddThunderbolt("ridge0", Thunderbolt({{"EEPROM Revision", 0x45}}));
+  computer.AddService(parent, "hpm0", "QuinceHPMDevice", Port({}));
+  AddTo(computers, computer, DraftSide::Wanted, "it");
+  const DraftTarget ports = {Types::Thunderbolt, "image.bin", 50};
+  const auto outcome = MakeDraft(computers, ports);
+  EXPECT_EQ(outcome.status, HasNoDraft);
+  EXPECT_EQ(outcome.refusal, "no controller of these computers can match");
+  EXPECT_EQ(outcome.unmatchable,
+            std::vector<std::string>{
+                "it: IOService:/ridge0/hpm0 cannot match: it runs engineering firmware"});
+  const DraftTarget thunderbolt = {Types::LegacyThunderbolt, "image.bin", 50};
+  EXPECT_TRUE(MakeDraft(computers, thunderbolt).configuration);
+}
+
+TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
+  const SmallDraft same(Types::Usbc, 200, {{true, Port({})}, {true, Port({}), Excepted}});
+  EXPECT_EQ(same.outcome.status, HasNoDraft);
+  EXPECT_EQ(same.outcome.inseparable,
+            std::vector<std::string>{
+                "0: IOService:/hpm0 cannot be told apart from the excepted 1: IOService:/hpm0"});
+  const SmallDraft several(Types::LegacyUsbc, 200,
+                           {{true, Port({{"Address", 1}, {"Version", 1}})},
+                            {true, Port({{"Address", 2}, {"Version", 3}})},
+                            {true, Port({{"Address", 1}, {"Version", 3}}), Excepted}});
+  EXPECT_EQ(several.outcome.refusal,
+            "\"LegacyUSBC\" has room for one personality, and 2 are needed");
+  EXPECT_EQ(several.outcome.status, HasNoDraft);
+}
+
+TEST(Draft, IsRefusedForAVersionThatNoControllerReports) {
+  const std::string refusal =
+      " would be installed again and again: a port reports whole numbers, a Thunderbolt controller "
+      "hundredths up to .63";
+  const SmallDraft port(Types::Usbc, 200.5, {{true, Port({})}});
+  EXPECT_EQ(port.outcome.refusal, "--version 200.5" + refusal);
+  EXPECT_EQ(port.outcome.status, LabStatus::BadUsage);
+  EXPECT_EQ(SmallDraft(Types::LegacyThunderbolt, 43.7, {{false, Thunderbolt({})}}).outcome.refusal,
+            "--version 43.7" + refusal);
+}
+
+TEST(Draft, IsRefusedForTooManyDifferentControllers) {
+  std::vector<SmallComputer> computers;
+  for (int i = 0; i < 2049; ++i) {
+    computers.push_back({true, Port({{"Address", 2 * i}})});
+    computers.push_back({true, Port({{"Address", 2 * i + 1}}), Excepted});
+  }
+  EXPECT_EQ(SmallDraft(Types::Usbc, 200, computers).outcome.refusal,
+            "there are too many different controllers: 2049 wanted and 2049 excepted ones");
+}
+
+TEST(DraftedComputers, CountsControllersByTheTypeThatIsForThem) {
+  DraftedComputers computers;
+  Computer computer;
+  computer.SetBoard("Zed-42", 1);
+  computer.AddPort("hpm0", Port({}));
+  computer.AddPort("hpm1", Port({}));
+  const auto parent = computer.AddThunderbolt("ridge0", Thunderbolt({}));
+  computer.AddService(parent, "hpm2", "QuinceHPMDevice", Port({}));
+  computer.AddThunderbolt("ridge1", Thunderbolt({}));
+  AddTo(computers, computer, DraftSide::Wanted, "it");
+  AddTo(computers, Computer(), DraftSide::Excepted, "other");
+  EXPECT_EQ(computers.CountByType(),
+            (std::map<TypeSet, std::size_t>{
+                {Types::Usbc, 2}, {Types::Thunderbolt, 1}, {Types::LegacyThunderbolt, 1}}));
+  EXPECT_EQ(computers.Boards(), std::set<std::string>{"Zed-42"});
+  EXPECT_EQ(computers.ControllersOf(Types::Thunderbolt, DraftSide::Wanted).size(), 1u);
+  EXPECT_EQ(computers.ControllersOf(Types::Usbc, DraftSide::Wanted).size(), 2u);
+  EXPECT_EQ(computers.ControllersOf(Types::LegacyThunderbolt, DraftSide::Wanted).size(), 2u);
+}
+
+}  // namespace
+}  // namespace fernwick::lab
