@@ -2,13 +2,15 @@
 // command in a block fenced as "console", a manual page in a literal one: lines that begin with
 // "$ " are run by the shell at the top of the source tree, with the built programs on the PATH;
 // what follows each is what it prints, its standard error included, up to the next command. A last
-// line "[status N]" is the exit status when it is not 0.
+// line "[status N]" is the exit status when it is not 0. Commands fenced as "console in a copy of
+// examples" run in a directory that begins as one, the same for those of one document.
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -19,6 +21,7 @@
 #include "testing/files.h"
 #include "testing/programs/child_process.h"
 #include "testing/programs/manual_page.h"
+#include "testing/temporary_directory.h"
 
 namespace fernwick {
 namespace {
@@ -31,6 +34,8 @@ struct ShownCommand {
   std::string location;  // document and line
   std::string command;
   std::string output;
+  fs::path document;
+  bool inCopyOfExamples = false;
 };
 
 struct Markup {
@@ -38,6 +43,8 @@ struct Markup {
   std::string_view blockEnd;
   std::string (*plainText)(std::string_view line);
 };
+
+constexpr char InCopyOfExamples[] = "```console in a copy of examples";
 
 constexpr Markup Markdown = {"```console", "```",
                              [](std::string_view line) { return std::string(line); }};
@@ -48,14 +55,16 @@ std::vector<ShownCommand> CommandsOf(const fs::path& document) {
   std::vector<ShownCommand> commands;
   std::ifstream lines(document);
   bool inBlock = false;
+  bool inCopy = false;
   int number = 0;
   for (std::string line; std::getline(lines, line);) {
     ++number;
-    if (line == markup.blockStart || line == markup.blockEnd) {
-      inBlock = line == markup.blockStart;
+    if (line == markup.blockStart || line == InCopyOfExamples || line == markup.blockEnd) {
+      inCopy = line == InCopyOfExamples;
+      inBlock = inCopy || line == markup.blockStart;
     } else if (inBlock && line.starts_with("$ ")) {
       const auto location = document.filename().string() + ":" + std::to_string(number);
-      commands.push_back({location, markup.plainText(line.substr(2)), ""});
+      commands.push_back({location, markup.plainText(line.substr(2)), "", document, inCopy});
     } else if (inBlock && !commands.empty()) {
       commands.back().output += markup.plainText(line) + "\n";
     }
@@ -85,9 +94,15 @@ TEST(Documents, ShowWhatTheirCommandsPrint) {
   const auto commands = AllCommands();
   ASSERT_FALSE(commands.empty());
   const std::string path = std::string("PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; exec 2>&1; ");
-  for (const auto& [location, command, output] : commands) {
-    const auto outcome =
-        testing::RunChild({"/bin/sh", "-c", path + command}, SourceDirectory.string());
+  std::map<fs::path, testing::TemporaryDirectory> copies;  // by document
+  for (const auto& [location, command, output, document, inCopy] : commands) {
+    auto directory = SourceDirectory;
+    if (inCopy) {
+      const auto [copy, isNew] = copies.try_emplace(document);
+      directory = copy->second.Path();
+      if (isNew) fs::copy(SourceDirectory / "examples", directory, fs::copy_options::recursive);
+    }
+    const auto outcome = testing::RunChild({"/bin/sh", "-c", path + command}, directory.string());
     const auto status = outcome.status == "0" ? "" : "[status " + outcome.status + "]\n";
     EXPECT_EQ(outcome.standardOutput + status, output) << location;
   }

@@ -1,7 +1,6 @@
 #include "lab/survey/settle/stored_version.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "lab/support/controller_values.h"
 
