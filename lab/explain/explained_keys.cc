@@ -95,6 +95,13 @@ std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyT
   return pairs;
 }
 
+// A key of a personality.
+struct KeyOfPersonality {
+  std::string_view type;
+  std::size_t index;  // of the personality
+  std::string_view key;
+};
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
@@ -181,13 +188,6 @@ class KeyExplainer {
     }
     return unread;
   }
-
-  // A key of a personality.
-  struct KeyOfPersonality {
-    std::string_view type;
-    std::size_t index;  // of the personality
-    std::string_view key;
-  };
 
   // `location` is that of the key or of its value; null: the file does not have it.
   template <typename Location>
