@@ -99,6 +99,13 @@ std::vector<ExplainedPair> NearestPairs(const Candidates& candidates, const KeyT
 // A key of a personality that its type reads, and the location of its value, which is known.
 using ReadKey = std::pair<std::string_view, const ValueLocation*>;
 
+// A key of a personality.
+struct KeyOfPersonality {
+  std::string_view type;
+  std::size_t index;  // of the personality
+  std::string_view key;
+};
+
 // Explains one key after the other.
 class KeyExplainer {
  public:
@@ -173,13 +180,6 @@ class KeyExplainer {
       key.personalities.push_back(std::move(personality));
     }
   }
-
-  // A key of a personality.
-  struct KeyOfPersonality {
-    std::string_view type;
-    std::size_t index;  // of the personality
-    std::string_view key;
-  };
 
   // Returns the keys that the type does not read; the locations of the others go to `read`.
   std::vector<UnreadKey> SortKeys(Dictionary personality, KeyOfPersonality of, TypeSet type,

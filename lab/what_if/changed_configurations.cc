@@ -88,14 +88,15 @@ ConfigurationLoader ChangedConfigurations::Loader(std::optional<Error>& refusal)
   };
 }
 
-const ConfigurationFile* ChangedConfigurations::Located(const std::string& path) {
+Result<const ConfigurationFile*, LabError> ChangedConfigurations::Located(const std::string& path) {
   const std::lock_guard lock(mutex_);
-  auto [known, isNew] = located_.try_emplace(path);
-  if (isNew) {
-    auto file = LoadConfiguration(path);
-    if (file) known->second = std::make_unique<ConfigurationFile>(*std::move(file));
-  }
-  return known->second.get();
+  const auto known = located_.find(path);
+  if (known != located_.end()) return &known->second;
+  auto file = LoadConfiguration(path);
+  if (file) return &located_.try_emplace(path, *std::move(file)).first->second;
+  const auto& [error, status] = file.Error();
+  if (status != LabStatus::OutOfMemory) return nullptr;
+  return LabError{{path + ": " + error.message}, status};
 }
 
 }  // namespace fernwick::lab

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 
 #include "lab/support/configuration_file.h"
+#include "lab/support/messages.h"
 #include "lab/what_if/changes.h"
 #include "personality/configuration.h"
 #include "value/property_list_reader.h"
@@ -26,9 +26,10 @@ class ChangedConfigurations {
   /// `refusal` is why.
   ConfigurationLoader Loader(std::optional<Error>& refusal);
 
-  /// The same file with the locations of its values, without the changes; null when it cannot be
-  /// read. Read once, when it is first asked for. `path` is that of the file.
-  const ConfigurationFile* Located(const std::string& path);
+  /// The same file with the locations of its values, without the changes; null when it can no
+  /// longer be read. An error, whose message begins with the path, for lack of memory or
+  /// descriptors. Read once, when it is first asked for. `path` is that of the file.
+  Result<const ConfigurationFile*, LabError> Located(const std::string& path);
 
  private:
   struct Document {
@@ -43,7 +44,7 @@ class ChangedConfigurations {
   const Changes& changes_;
   std::mutex mutex_;
   std::map<std::string, Document> documents_;
-  std::map<std::string, std::unique_ptr<ConfigurationFile>> located_;
+  std::map<std::string, ConfigurationFile> located_;
 };
 
 }  // namespace fernwick::lab

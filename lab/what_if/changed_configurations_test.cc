@@ -1,6 +1,7 @@
 #include "lab/what_if/changed_configurations.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <filesystem>
 
@@ -101,12 +102,29 @@ TEST_F(ConfigurationToChange, IsAbsentWithoutABoard) {
 TEST_F(ConfigurationToChange, IsLocatedOnce) {
   const Changes changes;
   ChangedConfigurations configurations(changes);
-  const auto* file = configurations.Located(path_);
-  ASSERT_NE(file, nullptr);
-  EXPECT_EQ(file->Root().Entries().size(), 3u);
+  const auto file = configurations.Located(path_);
+  ASSERT_TRUE(file);
+  ASSERT_NE(*file, nullptr);
+  EXPECT_EQ((*file)->Root().Entries().size(), 3u);
   std::filesystem::remove(path_);
-  EXPECT_EQ(configurations.Located(path_), file);
-  EXPECT_EQ(configurations.Located(path_ + "2"), nullptr);
+  EXPECT_EQ(*configurations.Located(path_), *file);
+  EXPECT_EQ(*configurations.Located(path_ + "2"), nullptr);
+}
+
+TEST_F(ConfigurationToChange, IsAnErrorWithoutDescriptors) {
+  const Changes changes;
+  ChangedConfigurations configurations(changes);
+  rlimit usual = {};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const rlimit none = {0, usual.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto file = configurations.Located(path_);
+  const auto settled = Load(configurations);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+  ASSERT_FALSE(file);
+  EXPECT_EQ(file.Error().error.message, path_ + ": Too many open files");
+  EXPECT_EQ(file.Error().status, LabStatus::OutOfMemory);
+  EXPECT_EQ(settled, "cannot be read");
 }
 
 }  // namespace

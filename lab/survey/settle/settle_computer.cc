@@ -63,7 +63,6 @@ class RowWriter {
   }
 
   void WriteStuck(const std::vector<StuckController>& stuck) {
-    if (stuck.empty()) return;
     row_.outcome = SettleOutcome::Stuck;
     for (const auto& each : stuck) {
       row_.stuck.push_back({PathInAnyPlane(recording_, each.controller), std::string(each.type),
@@ -148,15 +147,18 @@ Result<SettleRow, LabError> Refused(const std::string& path, const LabError& err
                    .reason = Describe(error.error)};
 }
 
-// The file with the locations is read for those that are stuck alone.
-void FindStuck(const Settling& settling, const SettleWork& work, RowWriter& writer) {
+// The file with the locations is read for those that are stuck alone. Returns why it cannot be.
+std::optional<LabError> FindStuck(const Settling& settling, const SettleWork& work,
+                                  RowWriter& writer) {
   auto stuck = FindStuckControllers(settling.last);
-  if (stuck.empty()) return;
+  if (stuck.empty()) return std::nullopt;
   const auto path = ConfigurationPath(settling.last.result.identity->boardIdString,
                                       work.options.personalitiesDirectory);
-  const auto* located = work.configurations.Located(*path);
-  for (auto& each : stuck) Locate(each, work.changes, located);
+  const auto located = work.configurations.Located(*path);
+  if (!located) return located.Error();
+  for (auto& each : stuck) Locate(each, work.changes, *located);
   writer.WriteStuck(stuck);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -182,7 +184,8 @@ Result<SettleRow, LabError> SettleComputer(const Selected& selected, const Settl
   SettleRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
   RowWriter writer(computer.Recorded(), settling, row);
   writer.Write(work.listsSteps);
-  if (settling.end == SettleEnd::NothingMatches) FindStuck(settling, work, writer);
+  if (settling.end != SettleEnd::NothingMatches) return row;
+  if (auto failure = FindStuck(settling, work, writer)) return *std::move(failure);
   return row;
 }
 
