@@ -15,10 +15,11 @@ class Command:
 
 
 OF_RECORDINGS = ("replay", "explain", "explain --json", "show", "show --json", "convert xml",
-                 "convert binary", "redact", "survey", "survey ndjson", "coverage", "diff")
+                 "convert binary", "redact", "survey", "survey ndjson", "coverage", "settle",
+                 "settle ndjson", "draft", "draft --except", "diff")
 OF_CONFIGURATIONS = ("replay", "explain", "explain --json", "lint", "lint json", "lint sarif",
-                     "survey", "survey ndjson", "survey csv", "coverage", "coverage json", "diff",
-                     "diff json",
+                     "survey", "survey ndjson", "survey csv", "coverage", "coverage json",
+                     "settle", "settle ndjson", "sample", "diff", "diff json",
                      "convert CONFIGURATION xml", "convert CONFIGURATION binary")
 
 
@@ -38,6 +39,7 @@ def command(name, directory):
         recording = EXAMPLES / "ports-below-thunderbolt.registry.plist"
     survey = ["survey", "-j1", "-p", payload]
     diff = ["diff", "-j1", "-p", EXAMPLES / "payload", "-p", payload]
+    draft = ["draft", "-j1", "--image", "a.bin", "--version", "9"]
     configuration = directory / "payload" / "Fernwick" / inputs.BOARD / "Config.plist"
     out = directory / "out"
     words = {
@@ -56,6 +58,11 @@ def command(name, directory):
         "survey of a directory": [*survey, directory / "fleet"],
         "coverage": ["coverage", "-j1", "-p", payload, recording],
         "coverage json": ["coverage", "-j1", "--json", "-p", payload, recording],
+        "settle": ["settle", "-j1", "-p", payload, recording],
+        "settle ndjson": ["settle", "-j1", "--each", "--format", "ndjson", "-p", payload, recording],
+        "sample": ["sample", "-p", payload, inputs.BOARD],
+        "draft": [*draft, recording],
+        "draft --except": [*draft, recording, "--except", EXAMPLES / "ports-only.registry.plist"],
         "diff": [*diff, recording],
         "diff json": [*diff, "--json", recording],
     }

@@ -440,15 +440,16 @@ def shared_unread_keys(directory, size):
 
 # Computers and configurations together.
 
-@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "diff"),
-        pairs="each controller is tried with each personality")
+@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "coverage", "settle",
+                "diff"), pairs="each controller is tried with each personality")
 def ports_and_personalities(directory, size):
     write_recording(directory, repeated(port, size // 2))
     write_configuration(directory, [("USBC", array(repeated(
         lambda i: personality([("RID", integer(i + 100))]), size // 2)))])
 
 
-@family(OTHER, ("replay", "explain", "survey", "survey ndjson", "survey junit", "diff", "diff json"))
+@family(OTHER, ("replay", "explain", "survey", "survey ndjson", "survey junit", "coverage", "settle",
+                "settle ndjson", "diff", "diff json"))
 def ports_that_all_match(directory, size):
     write_recording(directory, repeated(port, size))
     write_configuration(directory, [("LegacyUSBC", personality())])
