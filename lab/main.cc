@@ -20,20 +20,21 @@ struct Verb {
 };
 
 constexpr Verb Verbs[] = {
-    {"lint", "look for mistakes in the configurations of a payload", Lint},
-    {"replay", "run the tool over a recorded computer", Replay},
+    {"lint", "look for mistakes in the configurations of a payload", LintVerb},
+    {"replay", "run the tool over a recorded computer", ReplayVerb},
     {"explain", "explain why the personalities of a payload match or not", ExplainVerb},
-    {"show", "print the registry of a recorded computer and what the tool reads of it", Show},
-    {"convert", "write a property list in another serialisation", Convert},
-    {"redact", "write recorded computers without what identifies them", Redact},
+    {"show", "print the registry of a recorded computer and what the tool reads of it", ShowVerb},
+    {"convert", "write a property list in another serialisation", ConvertVerb},
+    {"redact", "write recorded computers without what identifies them", RedactVerb},
     {"record", "write this computer, or one whose files were copied, as a recording", RecordVerb},
-    {"import", "make a recording of registry dumps", Import},
-    {"survey", "run the tool over many recorded computers, a row for each", Survey},
-    {"coverage", "print what recorded computers exercise of a payload", Coverage},
+    {"import", "make a recording of registry dumps", ImportVerb},
+    {"survey", "run the tool over many recorded computers, a row for each", SurveyVerb},
+    {"coverage", "print what recorded computers exercise of a payload", CoverageVerb},
     {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
-    {"diff", "print which recorded computers two payloads treat differently", Diff},
-    {"sample", "write a recording that a personality of a payload matches", Sample},
-    {"draft", "print a configuration that matches the controllers of recorded computers", Draft},
+    {"diff", "print which recorded computers two payloads treat differently", DiffVerb},
+    {"sample", "write a recording that a personality of a payload matches", SampleVerb},
+    {"draft", "print a configuration that matches the controllers of recorded computers",
+     DraftVerb},
 };
 
 std::string Usage() {

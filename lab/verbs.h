@@ -21,10 +21,10 @@ struct VerbEnd {
 
 /// Looks for mistakes in the configurations of a payload. The status is 1 when there is a finding
 /// of the severity --fail-level or a higher one.
-VerbEnd Lint(int argumentCount, char* const arguments[]);
+VerbEnd LintVerb(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over a recorded computer or this one. The end is the tool's own, once it runs.
-VerbEnd Replay(int argumentCount, char* const arguments[]);
+VerbEnd ReplayVerb(int argumentCount, char* const arguments[]);
 
 /// What `fernwick-lab replay --help` prints.
 extern const char ReplayHelp[];
@@ -35,40 +35,40 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]);
 
 /// Prints the registry of a recorded computer or this one as a tree, with the controllers marked,
 /// and both inventories as the tool sees them.
-VerbEnd Show(int argumentCount, char* const arguments[]);
+VerbEnd ShowVerb(int argumentCount, char* const arguments[]);
 
 /// Writes a property list, a recording or any other, in another serialisation, value for value.
-VerbEnd Convert(int argumentCount, char* const arguments[]);
+VerbEnd ConvertVerb(int argumentCount, char* const arguments[]);
 
 /// Writes recordings without what identifies the computers. Equal identifiers have equal pseudonyms
 /// in all recordings of one command.
-VerbEnd Redact(int argumentCount, char* const arguments[]);
+VerbEnd RedactVerb(int argumentCount, char* const arguments[]);
 
 /// Writes the computer that this runs on, or one whose files were copied, as a recording.
 VerbEnd RecordVerb(int argumentCount, char* const arguments[]);
 
 /// Writes registry dumps, nested dictionaries with keys of any name, as a recording.
-VerbEnd Import(int argumentCount, char* const arguments[]);
+VerbEnd ImportVerb(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over every selected computer and prints a row for each.
-VerbEnd Survey(int argumentCount, char* const arguments[]);
+VerbEnd SurveyVerb(int argumentCount, char* const arguments[]);
 
 /// Prints what recorded computers exercise of a payload. The status is 1 when that is less than
 /// --threshold.
-VerbEnd Coverage(int argumentCount, char* const arguments[]);
+VerbEnd CoverageVerb(int argumentCount, char* const arguments[]);
 
 /// Prints what becomes of every selected computer when the plans for it are carried out. The status
 /// is 1 when one never settles.
 VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
 
 /// Prints which computers two payloads treat differently, how and why.
-VerbEnd Diff(int argumentCount, char* const arguments[]);
+VerbEnd DiffVerb(int argumentCount, char* const arguments[]);
 
 /// Writes recordings that personalities of a payload match. The status is 1 when there is none.
-VerbEnd Sample(int argumentCount, char* const arguments[]);
+VerbEnd SampleVerb(int argumentCount, char* const arguments[]);
 
 /// Prints a configuration whose personalities match the controllers of recorded computers and of no
 /// excepted one. The status is 1 when there is none.
-VerbEnd Draft(int argumentCount, char* const arguments[]);
+VerbEnd DraftVerb(int argumentCount, char* const arguments[]);
 
 }  // namespace fernwick::lab

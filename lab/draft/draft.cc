@@ -187,7 +187,7 @@ void NoteBoards(const std::set<std::string>& boards) {
 
 }  // namespace
 
-VerbEnd Draft(int argumentCount, char* const arguments[]) {
+VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   DraftOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (const auto fault = Fault(options); !fault.empty()) {

@@ -225,7 +225,7 @@ int RefuseUsage(const std::string& fault) {
 
 }  // namespace
 
-VerbEnd Sample(int argumentCount, char* const arguments[]) {
+VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   SampleOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;

@@ -174,7 +174,7 @@ int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline
 
 }  // namespace
 
-VerbEnd Lint(int argumentCount, char* const arguments[]) {
+VerbEnd LintVerb(int argumentCount, char* const arguments[]) {
   LintOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;

@@ -20,7 +20,7 @@ constexpr char Example[] =
 
 }  // namespace
 
-VerbEnd Convert(int argumentCount, char* const arguments[]) {
+VerbEnd ConvertVerb(int argumentCount, char* const arguments[]) {
   std::string path;
   std::string out;
   std::string form;

@@ -150,7 +150,7 @@ int ImportPlanes(const ImportArguments& arguments, const std::vector<PlaneArgume
 
 }  // namespace
 
-VerbEnd Import(int argumentCount, char* const arguments[]) {
+VerbEnd ImportVerb(int argumentCount, char* const arguments[]) {
   ImportArguments parsed;
   if (const auto status = Parse(parsed, argumentCount, arguments)) return *status;
   std::vector<PlaneArgument> planes;

@@ -205,7 +205,7 @@ std::optional<int> Parse(RedactArguments& into, int argumentCount, char* const a
 
 }  // namespace
 
-VerbEnd Redact(int argumentCount, char* const arguments[]) {
+VerbEnd RedactVerb(int argumentCount, char* const arguments[]) {
   RedactArguments parsed;
   if (const auto status = Parse(parsed, argumentCount, arguments)) return *status;
   if (const int status = CheckReplacedKeys(parsed); status != LabStatus::Done) return status;

@@ -36,7 +36,7 @@ const char ReplayHelp[] =
     "Example:\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n";
 
-VerbEnd Replay(int argumentCount, char* const arguments[]) {
+VerbEnd ReplayVerb(int argumentCount, char* const arguments[]) {
   const std::string_view first = argumentCount == 0 ? "" : arguments[0];
   if (first == "-h" || first == "--help") return PrintResult(ReplayHelp);
   const bool isOption = first.starts_with('-') && first != "-" && first != "--host";

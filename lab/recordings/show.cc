@@ -19,7 +19,7 @@ constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --
 
 }  // namespace
 
-VerbEnd Show(int argumentCount, char* const arguments[]) {
+VerbEnd ShowVerb(int argumentCount, char* const arguments[]) {
   ComputerOperand operand;
   std::optional<std::string> plane;
   bool asJson = false;

@@ -190,7 +190,7 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
 
 }  // namespace
 
-VerbEnd Survey(int argumentCount, char* const arguments[]) {
+VerbEnd SurveyVerb(int argumentCount, char* const arguments[]) {
   SurveyOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;

@@ -119,7 +119,7 @@ int RunCoverage(const CoverageOptions& options) {
 
 }  // namespace
 
-VerbEnd Coverage(int argumentCount, char* const arguments[]) {
+VerbEnd CoverageVerb(int argumentCount, char* const arguments[]) {
   CoverageOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;

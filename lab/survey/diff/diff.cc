@@ -177,7 +177,7 @@ int RunDiff(const DiffOptions& options) {
 
 }  // namespace
 
-VerbEnd Diff(int argumentCount, char* const arguments[]) {
+VerbEnd DiffVerb(int argumentCount, char* const arguments[]) {
   DiffOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!std::ranges::all_of(options.payloads, IsPayload)) return LabStatus::UnreadableInput;
