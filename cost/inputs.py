@@ -477,11 +477,25 @@ def ports_that_clear_the_same_variables(directory, size):
     write_configuration(directory, [("LegacyUSBC", personality([("ClearNVRAM", names)]))])
 
 
-@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "diff"))
+@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "coverage", "settle",
+                "diff"))
 def ports_that_match_unread_keys(directory, size):
+    write_ports_and_unread_keys(directory, size, vendor=1)
+
+
+@family(OTHER, ("replay", "explain", "explain --json", "survey", "survey ndjson", "coverage", "settle",
+                "draft", "diff"))
+def ports_rejected_by_unread_keys(directory, size):
+    write_ports_and_unread_keys(directory, size, vendor=2)
+
+
+def write_ports_and_unread_keys(directory, size, vendor):
     unread = [(f"Unread {i}", "<true/>") for i in range(size // 60)]
     write_recording(directory, repeated(port, size // 2))
-    write_configuration(directory, [("LegacyUSBC", personality(unread))])
+    write_configuration(directory, [("USBC", array([dictionary([
+        *unread, ("Version", integer(9)), ("Firmware", string("a.bin")),
+        ("Port Silicon Vendor ID", integer(vendor)), ("Port Silicon Device ID", integer(2)),
+        ("Port Silicon Revision", integer(3))])]))])
 
 
 @family(OTHER, ("replay", "explain", "survey", "diff"),

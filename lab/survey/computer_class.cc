@@ -89,10 +89,11 @@ class NearestSearch {
 std::optional<Miss> FindNearest(const ToolRun& run) {
   NearestSearch search(run.result);
   const auto entries = run.result.configuration->value.AsDictionary()->Entries();
+  Arena copies;
   for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
     const auto& key = run.trace.keys[i];
     if (!key.HasPairs()) continue;
-    search.Visit(key, *PersonalitiesOf(key.key, entries[i].value));
+    search.Visit(key, WithoutUnreadKeys(*PersonalitiesOf(key.key, entries[i].value), copies));
   }
   return search.Nearest();
 }

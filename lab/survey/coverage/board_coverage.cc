@@ -131,10 +131,12 @@ BoardCoverage CoverageOf(const ToolRun& run) {
   BoardCoverage coverage(configuration);
   coverage.runs = 1;
   const auto entries = configuration.AsDictionary()->Entries();
+  Arena copies;
   for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
     const auto& trace = run.trace.keys[i];
     if (!trace.HasPairs()) continue;
-    const auto candidates = *PersonalitiesOf(trace.key, entries[i].value);
+    const auto candidates =
+        WithoutUnreadKeys(*PersonalitiesOf(trace.key, entries[i].value), copies);
     PairCounter(run.result, trace, candidates, coverage.keys[i]).Count();
   }
   return coverage;

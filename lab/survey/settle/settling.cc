@@ -66,14 +66,29 @@ std::optional<std::string> ShortText(const std::optional<PropertyValue>& value) 
   return text + "...";
 }
 
-// The personality of a match. REQUIRES: the run has a configuration, as it has the match.
-Dictionary PersonalityOf(const ToolRun& run, const MatchedPair& pair) {
-  const auto topLevel = *run.result.configuration->value.AsDictionary();
-  const auto personalities = *PersonalitiesOf(pair.key->key, *topLevel.Find(pair.key->key));
-  return *personalities[pair.personality].AsDictionary();
-}
+// The personalities of a run by the top-level key that they are under. REQUIRES: the run has
+// matches, and so a configuration.
+class PersonalitiesOfRun {
+ public:
+  explicit PersonalitiesOfRun(const ToolRun& run) {
+    const auto entries = run.result.configuration->value.AsDictionary()->Entries();
+    for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
+      const auto& key = run.trace.keys[i];
+      if (!key.HasPairs()) continue;
+      byKey_[&key] = WithoutUnreadKeys(*PersonalitiesOf(key.key, entries[i].value), copies_);
+    }
+  }
 
-Flash FlashOf(const ToolRun& run, const MatchedPair& pair) {
+  Dictionary Of(const MatchedPair& pair) const {
+    return *byKey_.at(pair.key)[pair.personality].AsDictionary();
+  }
+
+ private:
+  Arena copies_;
+  std::map<const KeyTrace*, Array> byKey_;
+};
+
+Flash FlashOf(const PersonalitiesOfRun& personalities, const MatchedPair& pair) {
   const auto& source = pair.key->inventory.sources[pair.controller];
   const auto type = TypeNamed(pair.key->key);
   // Both types for Thunderbolt controllers require their silicon, so that there is one.
@@ -82,7 +97,7 @@ Flash FlashOf(const ToolRun& run, const MatchedPair& pair) {
                  .controller = source.Controller(),
                  .changed = IsOfThunderbolt(type) ? source.thunderbolt : source.port};
   flash.comparesVersionAbove = !IsOfThunderbolt(type) && source.version == Origin::Thunderbolt;
-  const auto* version = PersonalityOf(run, pair).Find("Version");
+  const auto* version = personalities.Of(pair).Find("Version");
   if (version != nullptr && version->IsNumber()) flash.offered = *version;
   return flash;
 }
@@ -95,10 +110,11 @@ class PlanExecution {
 
   SettleStep CarryOut(const ToolRun& run) {
     RecordedRegistry registry(computer_.Recorded());
+    const PersonalitiesOfRun personalities(run);
     SettleStep step;
     PlanValues plan;
     for (const auto& pair : MatchedPairs(run)) {
-      step.flashes.push_back(FlashOf(run, pair));
+      step.flashes.push_back(FlashOf(personalities, pair));
       Apply(registry, step.flashes.back());
       MergeNvram(*pair.match, plan);
     }

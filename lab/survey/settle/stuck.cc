@@ -108,9 +108,11 @@ const ValueLocation* LocationOfPersonality(const StuckController& stuck,
 std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
   const auto configuration = *run.result.configuration->value.AsDictionary();
   std::map<FirmwareOfController, StuckController> newest;
+  Arena copies;
   for (const auto& key : run.trace.keys) {
     if (!key.HasPairs()) continue;
-    const auto personalities = *PersonalitiesOf(key.key, *configuration.Find(key.key));
+    const auto personalities =
+        WithoutUnreadKeys(*PersonalitiesOf(key.key, *configuration.Find(key.key)), copies);
     const StuckCandidates candidates = {run, key, personalities};
     for (std::size_t record = 0; record < key.matched.size(); ++record) {
       for (const auto index : NewestPersonalities(candidates, record)) {
