@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "lab/draft/drafted_computers.h"
@@ -134,9 +135,8 @@ std::string Fault(const DraftOptions& options) {
 
 // Adds all that is selected. Returns the status.
 int AddComputers(const BatchOptions& options, DraftSide side, DraftedComputers& computers) {
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    if (!selected.error.empty()) return ErrorOf(selected);
-    auto computer = InspectComputer(selected.path);
+  const auto work = [&](Selected selected) -> BatchResult {
+    auto computer = InspectComputer(std::move(selected));
     if (!computer) return computer.Error();
     const std::function<void()> add = [&, side, computer = *std::move(computer)] {
       computers.Add(*computer, side);

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "lab/recordings/entry_path.h"
-#include "lab/recordings/recording_file.h"
 
 namespace fernwick::lab {
 
@@ -30,11 +29,10 @@ Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const
   return std::shared_ptr<const InspectedComputer>(std::move(computer));
 }
 
-Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(
-    const std::string& path) {
-  auto recording = LoadRecording(path);
-  if (!recording) return ErrorAt(path, recording.Error());
-  return InspectComputer(path, *std::move(recording));
+Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(Selected selected) {
+  auto recording = LoadSelected(selected);
+  if (!recording) return ErrorAt(selected.path, recording.Error());
+  return InspectComputer(selected.path, *std::move(recording));
 }
 
 DraftedComputers::DraftedComputers()

@@ -11,6 +11,7 @@
 #include "lab/draft/controller_table.h"
 #include "lab/recordings/controllers.h"
 #include "lab/support/messages.h"
+#include "lab/survey/selected.h"
 #include "registry/board_identity.h"
 #include "registry/recorded_registry.h"
 #include "value/result.h"
@@ -32,7 +33,7 @@ Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const
                                                                            Recording recording);
 
 /// The same after reading the recording.
-Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const std::string& path);
+Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(Selected selected);
 
 /// A controller that several computers may have.
 struct DraftedController {

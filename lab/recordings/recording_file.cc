@@ -38,6 +38,10 @@ Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation
   return Interpret(*std::move(file), form);
 }
 
+Result<Recording, LabError> LoadRecordingBytes(std::string bytes) {
+  return Interpret(std::move(bytes), nullptr);
+}
+
 Result<Recording, LabError> LoadRecordingOperand(const std::string& operand, Serialisation* form) {
   return Interpret(ReadInput(operand), form);
 }

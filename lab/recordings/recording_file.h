@@ -20,6 +20,9 @@ namespace fernwick::lab {
 Result<Recording, LabError> LoadRecording(const std::string& path, Serialisation* form = nullptr,
                                           std::size_t maxSize = MaxFileSize);
 
+/// The same from the bytes of a file.
+Result<Recording, LabError> LoadRecordingBytes(std::string bytes);
+
 /// The same for an operand of a verb that accepts one recording: "-" is standard input.
 Result<Recording, LabError> LoadRecordingOperand(const std::string& operand,
                                                  Serialisation* form = nullptr);

@@ -18,7 +18,7 @@ struct Replayed {
 // Without the program's own name: what follows the verb.
 Replayed ReplayOf(const testing::CommandLine& line) {
   testing::StandardErrorCapture errors;
-  const int status = Replay(line.Count() - 1, line.Vector() + 1).status;
+  const int status = ReplayVerb(line.Count() - 1, line.Vector() + 1).status;
   return {status, errors.TakeText()};
 }
 
@@ -47,7 +47,7 @@ TEST(Replay, ReturnsAFaultOfTheTool) {
   const testing::CommandLine line = {
       directory.Write("faulty.registry.plist", testing::FaultyRecording())};
   testing::StandardErrorCapture errors;
-  const auto end = Replay(line.Count() - 1, line.Vector() + 1);
+  const auto end = ReplayVerb(line.Count() - 1, line.Vector() + 1);
   EXPECT_EQ(end.fault, Fault::BareSwitch);
   EXPECT_EQ(errors.TakeText(), "");
 }

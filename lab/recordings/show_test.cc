@@ -30,7 +30,7 @@ Shown ShowOf(std::string_view bytes, std::initializer_list<std::string> argument
   std::vector<char*> vector;
   for (auto& word : words) vector.push_back(word.data());
   testing::StandardErrorCapture errors;
-  const int status = Show(static_cast<int>(vector.size()), vector.data()).status;
+  const int status = ShowVerb(static_cast<int>(vector.size()), vector.data()).status;
   std::filesystem::current_path(back);
   return {status, errors.TakeText()};
 }

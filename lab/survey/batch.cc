@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "lab/support/messages.h"
 #include "lab/survey/progress.h"
@@ -17,8 +18,14 @@ constexpr std::size_t MaxJobs = 1024;
 }  // namespace
 
 const char SelectionHelp[] =
-    "A directory selects every *.registry.plist below it, by name; links to directories are not\n"
-    "followed. - reads paths from standard input, one a line or each followed by a NUL "
+    "A directory selects every *.registry.plist and every archive below it, by name; links to\n"
+    "directories are not followed. An archive is a tar file, also one compressed by gzip, xz or "
+    "zstd,\nor a zip file, and selects every *.registry.plist in it, in its order, as "
+    "ARCHIVE:NAME. "
+    "It is\nrecognised by its suffix (.tar, .tar.gz, .tgz, .tar.xz, .txz, .tar.zst, .tzst, .zip) "
+    "or, "
+    "when it is\nnamed, by its contents, and read as far as it expands to 1 GiB and 1000 times its "
+    "size.\n- reads paths from standard input, one a line or each followed by a NUL "
     "character.\n";
 
 void AddBatchOptions(CommandLine& line, BatchOptions& options) {
@@ -43,11 +50,11 @@ bool IsPayload(const std::string& payload) {
 
 int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console) {
   Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
-  Selection selection(options.paths);
+  Selection selection(options.paths, options.maxSize);
   bool isEmpty = true;
   std::optional<LabError> failure;
-  WorkInOrder(selection, options.jobs, [&](const Selected& selected) -> Report {
-    return [&, print = work(selected)] {
+  WorkInOrder(selection, options.jobs, [&](Selected selected) -> Report {
+    return [&, print = work(std::move(selected))] {
       isEmpty = false;
       progress.Clear();
       if (!print) {

@@ -9,6 +9,7 @@
 #include "lab/support/messages.h"
 #include "lab/survey/selection.h"
 #include "platform/console.h"
+#include "platform/file_system.h"
 #include "value/result.h"
 
 namespace fernwick::lab {
@@ -17,6 +18,7 @@ namespace fernwick::lab {
 struct BatchOptions {
   std::vector<std::string> paths;
   std::size_t jobs;
+  std::size_t maxSize = MaxFileSize;  // of a recording in an archive, in bytes
 };
 
 /// Adds them to a verb's command line: RECORDING|DIRECTORY|-... and -j N, by default a thread for
@@ -34,7 +36,7 @@ bool IsPayload(const std::string& payload);
 using BatchResult = Result<std::function<void()>, LabError>;
 
 /// Processes one computer, on any thread.
-using BatchWork = std::function<BatchResult(const Selected& selected)>;
+using BatchWork = std::function<BatchResult(Selected selected)>;
 
 /// Processes everything that is selected, on several threads, and prints the results on `console`,
 /// one after the other in the order of the selection. Returns LabStatus::Done, or the status after

@@ -11,12 +11,11 @@
 #include <utility>
 
 #include "lab/support/messages.h"
+#include "lab/survey/archive_walk.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
-
-constexpr std::string_view RecordingSuffix = ".registry.plist";
 
 struct CloseDirectory {
   void operator()(DIR* directory) const { closedir(directory); }
@@ -29,7 +28,7 @@ bool IsDirectory(const std::string& parent, const dirent& entry) {
   return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// The names of recordings and directories, in no order.
+// The names of recordings, archives and directories, in no order.
 std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
   std::vector<std::string> names;
   while (const dirent* entry = readdir(directory)) {
@@ -37,7 +36,7 @@ std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
     if (name == "." || name == "..") continue;
     if (IsDirectory(path, *entry)) {
       names.push_back(std::string(name) + '/');
-    } else if (name.ends_with(RecordingSuffix)) {
+    } else if (HasRecordingSuffix(name) || HasArchiveSuffix(name)) {
       names.emplace_back(name);
     }
   }
@@ -46,9 +45,7 @@ std::vector<std::string> NamesIn(DIR* directory, const std::string& path) {
 
 Selected Unreadable(const std::string& path, int error) {
   const Error reason = {.message = std::strerror(error), .systemError = error};
-  return {.path = path,
-          .error = reason.message,
-          .lacksResources = UnreadableStatus(reason) == LabStatus::OutOfMemory};
+  return {.path = path, .error = reason.message, .errorStatus = UnreadableStatus(reason)};
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "lab/recordings/recording_file.h"
 #include "lab/support/tool_run.h"
 #include "lab/survey/short_text.h"
 #include "platform/file_system.h"
@@ -78,11 +77,10 @@ Result<SurveyRow, LabError> Refused(const std::string& path, const LabError& err
 
 }  // namespace
 
-Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Options& options,
+Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& options,
                                            std::size_t maxSize) {
   const auto& path = selected.path;
-  if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
-  const auto recording = LoadRecording(path, nullptr, maxSize);
+  const auto recording = LoadSelected(selected, maxSize);
   if (!recording) return Refused(path, recording.Error());
   RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);

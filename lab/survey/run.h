@@ -17,7 +17,7 @@ inline constexpr char AbnormalEndName[] = "SIGABRT";
 /// a lack of memory or descriptors, or of permission in the payload, would make it say: that is an
 /// error, whose message begins with the path. A recording of more than `maxSize` bytes is refused.
 /// May be called on any thread.
-Result<SurveyRow, LabError> SurveyComputer(const Selected& selected, const Options& options,
+Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& options,
                                            std::size_t maxSize);
 
 }  // namespace fernwick::lab

@@ -16,60 +16,77 @@ bool IsDirectory(const std::string& path) {
 }  // namespace
 
 std::optional<Selected> Selection::Next() {
-  for (;;) {
-    std::optional<Selected> selected;
-    if (walk_) {
-      selected = walk_->Next();
-      if (!selected) walk_.reset();
-    } else if (readsInput_) {
-      selected = NextOfInput();
-    } else if (next_ == arguments_.size()) {
-      return std::nullopt;
-    } else if (const auto& argument = arguments_[next_++]; argument == "-") {
-      readsInput_ = true;
-      input_.Restart();
-    } else {
-      selected = Select(argument);
-    }
+  while (archive_ || walk_ || readsInput_ || next_ < arguments_.size()) {
+    auto selected = NextOrNone();
     if (!selected) continue;
     selected->isNamed = IsNamed(*selected);
+    selected->index = count_++;
     return selected;
   }
+  return std::nullopt;
 }
 
-// Whether the last argument that was used is the path itself: not what a directory contains and
-// not what standard input lists.
+// Empty also where something ended or began. REQUIRES: there is something left.
+std::optional<Selected> Selection::NextOrNone() {
+  if (archive_) {
+    auto selected = archive_->Next();
+    if (!selected) archive_.reset();
+    return selected;
+  }
+  if (walk_) return NextOfWalk();
+  if (readsInput_) return NextOfInput();
+  const auto& argument = arguments_[next_++];
+  if (argument != "-") return Select(argument);
+  readsInput_ = true;
+  input_.Restart();
+  return std::nullopt;
+}
+
+// Whether the last argument that was used is the path itself: not what a directory or an archive
+// contains and not what standard input lists.
 bool Selection::IsNamed(const Selected& selected) const {
   return !readsInput_ && selected.path == arguments_[next_ - 1];
 }
 
-// A path itself. Empty for a directory, over which the walk then goes.
+// A path itself. Empty for a directory and for an archive, over which the walk then goes.
 std::optional<Selected> Selection::Select(std::string path) {
-  if (!IsDirectory(path)) return Selected{std::move(path)};
-  walk_.emplace(std::move(path));
+  if (IsDirectory(path)) {
+    walk_.emplace(std::move(path));
+  } else if (IsArchive(path)) {
+    archive_.emplace(std::move(path), maxSize_);
+  } else {
+    return Selected{std::move(path)};
+  }
   return std::nullopt;
 }
 
-// Empty for a directory, and at the end of the input.
+// Empty for an archive, and at the end of the directory.
+std::optional<Selected> Selection::NextOfWalk() {
+  auto selected = walk_->Next();
+  if (!selected) walk_.reset();
+  if (!selected || !selected->error.empty() || !IsArchive(selected->path)) return selected;
+  archive_.emplace(std::move(selected->path), maxSize_);
+  return std::nullopt;
+}
+
+// Empty for a directory and for an archive, and at the end of the input.
 std::optional<Selected> Selection::NextOfInput() {
   if (auto path = input_.Next()) return Select(*std::move(path));
   readsInput_ = false;
   auto error = input_.TakeError();
   if (error.empty()) return std::nullopt;
-  return Selected{
-      .path = "-", .error = std::move(error), .lacksResources = input_.LacksResources()};
-}
-
-LabError ErrorOf(const Selected& selected) {
-  return {{selected.error},
-          selected.lacksResources ? LabStatus::OutOfMemory : LabStatus::UnreadableInput};
+  const int status = input_.LacksResources() ? LabStatus::OutOfMemory : LabStatus::UnreadableInput;
+  return Selected{.path = "-", .error = std::move(error), .errorStatus = status};
 }
 
 std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments) {
   if (std::ranges::find(arguments, "-") != arguments.end()) return std::nullopt;
   Selection selection(arguments);
   std::size_t count = 0;
-  while (selection.Next()) ++count;
+  while (selection.walk_ || selection.next_ < arguments.size()) {
+    if (selection.NextOrNone()) ++count;
+    if (selection.archive_) return std::nullopt;
+  }
   return count;
 }
 

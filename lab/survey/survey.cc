@@ -113,6 +113,7 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
 
 // What is wrong with the options together; empty when nothing is.
 std::string Check(SurveyOptions& options) {
+  options.batch.maxSize = options.maxMebibytes << 20;
   const auto word =
       options.failOnList ? ParseFailOn(*options.failOnList, options.failOn) : std::nullopt;
   if (word) return "--fail-on: \"" + *word + "\" is not one of " + ClassWords();
@@ -160,11 +161,12 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
   SurveyReport report(*format, expectation, options.updates);
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    auto surveyed = SurveyComputer(selected, toolOptions, options.maxMebibytes << 20);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    auto surveyed = SurveyComputer(std::move(selected), toolOptions, options.batch.maxSize);
     if (!surveyed) return surveyed.Error();
     auto text = report.TextOf(*surveyed);
-    const std::function<void()> print = [&, isNamed = selected.isNamed, row = *std::move(surveyed),
+    const std::function<void()> print = [&, isNamed, row = *std::move(surveyed),
                                          text = std::move(text)] {
       if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
         refusal = row.status.value();

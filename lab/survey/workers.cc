@@ -43,7 +43,7 @@ class Workers {
   };
 
   void ProcessPaths() {
-    while (const auto task = NextTask()) Fill(*task->slot, work_(task->selected));
+    while (auto task = NextTask()) Fill(*task->slot, work_(std::move(task->selected)));
   }
 
   // Waits for a free slot and for the path. Empty when there is nothing more to do.

@@ -11,7 +11,7 @@ namespace fernwick::lab {
 using Report = std::function<bool()>;
 
 /// Processes one path, on any thread. Returns the function that reports the result.
-using Work = std::function<Report(const Selected& selected)>;
+using Work = std::function<Report(Selected selected)>;
 
 /// Processes every selected path on `jobs` threads, of which the calling one is the first, and
 /// calls the reports one after the other in the order of the selection, each on some thread. At

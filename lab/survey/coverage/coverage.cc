@@ -75,11 +75,11 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], CoverageOpt
 // the first named recording that is refused.
 int CoverAll(const CoverageOptions& options, CoveredPayload& payload, CoverageTotals& totals,
              int& refusal, Console& console) {
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    auto covered = payload.Cover(selected);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    auto covered = payload.Cover(std::move(selected));
     if (!covered) return covered.Error();
-    const std::function<void()> print = [&, isNamed = selected.isNamed,
-                                         recording = *std::move(covered)] {
+    const std::function<void()> print = [&, isNamed, recording = *std::move(covered)] {
       ++totals.recordings[static_cast<std::size_t>(recording.use)];
       if (recording.use != RecordingUse::Refused) return;
       PrintError(recording.refusal.error.message);

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "lab/recordings/recording_file.h"
 #include "lab/support/tool_run.h"
 #include "personality/configuration.h"
 #include "platform/file_system.h"
@@ -70,9 +69,8 @@ Result<RecordingUse, LabError> CoveredPayload::UseOf(const ToolRun& run) {
   return RecordingUse::Counted;
 }
 
-Result<CoveredRecording, LabError> CoveredPayload::Cover(const Selected& selected) {
-  if (!selected.error.empty()) return RefusedRecording(selected.path, ErrorOf(selected));
-  const auto recording = LoadRecording(selected.path);
+Result<CoveredRecording, LabError> CoveredPayload::Cover(Selected selected) {
+  const auto recording = LoadSelected(selected);
   if (!recording) return RefusedRecording(selected.path, recording.Error());
   const auto run = RunTool(*recording, options_, KeptOutput::Counts);
   if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);

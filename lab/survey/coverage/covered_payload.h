@@ -30,7 +30,7 @@ class CoveredPayload {
   /// Runs the tool over the computer and counts its pairs. May be called on any thread. Fails where
   /// the computer's run says nothing for lack of permission, memory or descriptors, and where the
   /// configuration of its board was replaced by another since it was last read.
-  Result<CoveredRecording, LabError> Cover(const Selected& selected);
+  Result<CoveredRecording, LabError> Cover(Selected selected);
 
   /// Prints every board with the locations in its configuration, of which one at a time is in
   /// memory, and the totals of the boards; `totals` has those of the recordings. Errors of

@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
 #include "lab/support/tool_run.h"
@@ -117,11 +116,10 @@ void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
 }
 
 // As SurveyComputer: a lack of anything is an error, not a result.
-Result<ComparedComputer, LabError> DiffComputer(const Selected& selected, const Payloads& payloads,
+Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payloads& payloads,
                                                 PayloadFiles& files) {
   const auto& path = selected.path;
-  if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
-  const auto recording = LoadRecording(path);
+  const auto recording = LoadSelected(selected);
   if (!recording) return Refused(path, recording.Error());
   RecordedRegistry registry(*recording);
   const auto board = ReadBoardIdentity(registry);
@@ -155,11 +153,11 @@ int RunDiff(const DiffOptions& options) {
   DiffTotals totals;
   PayloadFiles files;
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    auto result = DiffComputer(selected, payloads, files);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    auto result = DiffComputer(std::move(selected), payloads, files);
     if (!result) return result.Error();
-    const std::function<void()> print = [&, isNamed = selected.isNamed,
-                                         compared = *std::move(result)] {
+    const std::function<void()> print = [&, isNamed, compared = *std::move(result)] {
       if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
       totals.Add(compared.row);
       format->Add(compared.row);

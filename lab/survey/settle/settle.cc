@@ -126,14 +126,14 @@ int SettleAll(const SettleArguments& arguments, const Changes& changes) {
   ProcessConsole console;
   SettleTotals totals;
   int refusal = LabStatus::Done;
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    const auto row = SettleComputer(selected, each);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
     const bool isRefused = row->outcome == SettleOutcome::Refused;
     const std::function<void()> print =
-        [&, refused = isRefused && selected.isNamed ? *row->status : LabStatus::Done,
-         outcome = row->outcome, runs = row->runs,
-         text = isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))] {
+        [&, refused = isRefused && isNamed ? *row->status : LabStatus::Done, outcome = row->outcome,
+         runs = row->runs, text = isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))] {
           if (refusal == LabStatus::Done) refusal = refused;
           totals.Add(outcome, runs);
           console.Write(text);

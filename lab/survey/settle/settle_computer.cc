@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "lab/explain/print.h"
-#include "lab/recordings/recording_file.h"
 #include "lab/support/words.h"
 #include "lab/survey/run.h"
 #include "lab/survey/settle/causes.h"
@@ -163,10 +162,9 @@ std::optional<LabError> FindStuck(const Settling& settling, const SettleWork& wo
 
 }  // namespace
 
-Result<SettleRow, LabError> SettleComputer(const Selected& selected, const SettleWork& work) {
+Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work) {
   const auto& path = selected.path;
-  if (!selected.error.empty()) return Refused(path, ErrorOf(selected));
-  auto recording = LoadRecording(path);
+  auto recording = LoadSelected(selected);
   if (!recording) return Refused(path, recording.Error());
   ChangedComputer computer(*std::move(recording));
   if (const auto error = ApplyChanges(work.changes, computer)) {

@@ -21,6 +21,6 @@ struct SettleWork {
 /// Settles the computer. What the selection refused, and a computer that cannot have the changes,
 /// has a row too; no row says what only a lack of memory, descriptors or permission would make it
 /// say, as SurveyComputer. May be called on any thread.
-Result<SettleRow, LabError> SettleComputer(const Selected& selected, const SettleWork& work);
+Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work);
 
 }  // namespace fernwick::lab
