@@ -7,6 +7,7 @@
 
 #include "lab/support/tool_run.h"
 #include "testing/capture.h"
+#include "testing/sanitizers.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -66,6 +67,8 @@ TEST_F(PayloadCoverage, OfAConfigurationThatIsRemovedMeanwhileIsAnError) {
 
 // Without a descriptor for the configuration.
 TEST_F(PayloadCoverage, EndsWhereDescriptorsAreLacking) {
+  // The sanitizers need descriptors of their own.
+  if (testing::UnderAddressSanitizer) GTEST_SKIP();
   const CoveredPayload payload(options_, {"Zed-1", "Zed-2"});
   StringConsole console;
   CoverageTotals totals;
