@@ -147,9 +147,9 @@ Result<SettleRow, LabError> Refused(const std::string& path, const LabError& err
 }
 
 // The file with the locations is read for those that are stuck alone. Returns why it cannot be.
-std::optional<LabError> FindStuck(const Settling& settling, const SettleWork& work,
-                                  RowWriter& writer) {
-  auto stuck = FindStuckControllers(settling.last);
+std::optional<LabError> FindStuck(const Settling& settling, const Recording& recording,
+                                  const SettleWork& work, RowWriter& writer) {
+  auto stuck = FindStuckControllers(settling.last, recording);
   if (stuck.empty()) return std::nullopt;
   const auto path = ConfigurationPath(settling.last.result.identity->boardIdString,
                                       work.options.personalitiesDirectory);
@@ -183,7 +183,8 @@ Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& 
   RowWriter writer(computer.Recorded(), settling, row);
   writer.Write(work.listsSteps);
   if (settling.end != SettleEnd::NothingMatches) return row;
-  if (auto failure = FindStuck(settling, work, writer)) return *std::move(failure);
+  if (auto failure = FindStuck(settling, computer.Recorded(), work, writer))
+    return *std::move(failure);
   return row;
 }
 

@@ -530,6 +530,48 @@ TEST_F(SettledComputer, IsStuckBelowEachKindOfImage) {
   EXPECT_EQ(row.stuck[2].type, "Thunderbolt");
 }
 
+// What decides is the version of the Thunderbolt controller above, but the image is the port's.
+TEST_F(SettledComputer, IsStuckWhereAPortIsOlderThanWhatIsOffered) {
+  WriteComputer({Ridge({{"ROM Version", 0x43}, {"EEPROM Revision", 10}},
+                       {Port("hpm0", {{"Version", 0x30}})})});
+  WritePayload(Dict({{"LegacyUSBC", Personality({{"Version", 40}})}}));
+  const auto row = Row();
+  EXPECT_EQ(DescribeRow(row),
+            "c: stuck after 0 runs\n"
+            "  IOService:/ridge0/hpm0 stays at 30: LegacyUSBC personality 1 offers 40, but\n"
+            "    Version 40 at 9:3 is not newer than the installed 43.100000001\n");
+  EXPECT_EQ(ToJson(row)["stuck"][0]["installed"], 30);
+  WritePayload(Dict({{"LegacyUSBC", Personality({{"Version", 30}})}}));
+  EXPECT_EQ(Text(), "c: settled after 0 runs\n");
+}
+
+TEST_F(SettledComputer, IsNotStuckBelowAVersionForOtherBoardRevisions) {
+  const auto usbc = [](int version, const Record& more) {
+    Record values{{"Version", version},
+                  {"Port Silicon Vendor ID", 1},
+                  {"Port Silicon Device ID", 2},
+                  {"Port Silicon Revision", 3}};
+    values.Merge(more);
+    return PropertyValue(Personality(values));
+  };
+  WriteComputer(
+      {Port("hpm0", {{"Version", 0x45}, {"Vendor ID", 1}, {"Device ID", 2}, {"Revision ID", 3}})});
+  const auto newer = usbc(50, {{"MinBoardRevision", 4}});
+  WritePayload(Dict({{"USBC", List({newer, usbc(45, {{"MaxBoardRevision", 3}})})}}));
+  EXPECT_EQ(Text(), "c: settled after 0 runs\n");
+  for (const auto& other : {usbc(45, {{"RID", 9}}), usbc(45, {{"MaxBoardRevision", 2}}),
+                            usbc(45, {{"Existing Min Version", "text"}})}) {
+    WritePayload(Dict({{"USBC", List({newer, other})}}));
+    EXPECT_NE(Text().find("USBC personality 1 offers 50, but\n    MinBoardRevision 4"),
+              std::string::npos);
+  }
+}
+
+TEST_F(SettledComputer, IsNotStuckBelowWhatNothingCanMatch) {
+  WritePort({{"Version", 0x171}}, {{"Version", 180}, {"Existing Max Version", "170"}});
+  EXPECT_EQ(Text(), "c: settled after 0 runs\n");
+}
+
 TEST_F(SettledComputer, IsStuckInABinaryConfiguration) {
   WritePort({{"Version", 0x171}}, {});
   directory_.Write(

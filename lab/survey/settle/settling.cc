@@ -31,10 +31,6 @@ namespace {
 
 constexpr std::size_t MaxListedVariables = 100;
 
-bool IsOfThunderbolt(TypeSet type) {
-  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
-}
-
 std::optional<PropertyValue> ReportedPortVersion(Registry& registry, RegistryEntry port) {
   std::uint32_t packed = 0;
   if (ReadU32Property(registry, port, "Version", packed) != RegistrySuccess) return std::nullopt;
@@ -47,11 +43,6 @@ std::optional<PropertyValue> ReportedThunderboltVersion(Registry& registry, Regi
   if (ReadU32Property(registry, entry, "ROM Version", rom) != RegistrySuccess) return std::nullopt;
   static_cast<void>(ReadU32Property(registry, entry, "EEPROM Revision", eeprom));
   return PropertyValue(ThunderboltFirmwareVersion(rom, eeprom));
-}
-
-std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
-  return isPort ? ReportedPortVersion(registry, entry)
-                : ReportedThunderboltVersion(registry, entry);
 }
 
 // A value of a variable as it is shown.
@@ -245,6 +236,15 @@ std::vector<ControllerVersion> ControllersOf(const ToolRun& run, Registry& regis
 }
 
 }  // namespace
+
+bool IsOfThunderbolt(TypeSet type) {
+  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+}
+
+std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
+  return isPort ? ReportedPortVersion(registry, entry)
+                : ReportedThunderboltVersion(registry, entry);
+}
 
 Settling Settle(ChangedComputer& computer, const SettleOptions& options) {
   Settling settling;

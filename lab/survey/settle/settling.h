@@ -16,6 +16,13 @@
 
 namespace fernwick::lab {
 
+/// Whether the type is one of those whose images are for Thunderbolt controllers, not for ports.
+bool IsOfThunderbolt(TypeSet type);
+
+/// The version that the controller itself reports, a number; of a port, also of one below a
+/// Thunderbolt controller, its own.
+std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort);
+
 /// A match of a plan, and what carrying it out changes.
 struct Flash {
   TypeSet type;
