@@ -55,7 +55,7 @@ _fernwick_lab_value() {
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
     'survey --fail-on') _fernwick_lab_words 'planned current blocked unmatched no-controllers unknown-board no-configuration bypassed fault refused abnormal no-plan' "$3" ;;
     'settle --format') _fernwick_lab_words 'text ndjson' "$3" ;;
-    'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan' "$3" ;;
+    'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan bypassed' "$3" ;;
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;

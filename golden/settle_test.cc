@@ -55,10 +55,10 @@ TEST(Settle, PrintsWhatBecomesOfEachComputer) {
 TEST(Settle, PrintsRowsOfJson) {
   const std::string row =
       R"({"file":"ports-only.registry.plist","outcome":"settled","status":13,"reason":null,)"
-      R"("board":"Zed-1A07","revision":2,"runs":1,"comesBack":null,"controllers":[)"
-      R"({"entry":"IOService:/bus0/hpm0","kind":"port","before":171,"after":200},)"
-      R"({"entry":"IOService:/bus0/hpm1","kind":"port","before":171,"after":200},)"
-      R"({"entry":"IOService:/bus0/hpm2","kind":"port","before":175,"after":200}],)"
+      R"("board":"Zed-1A07","revision":2,"runs":1,"comesBack":null,"endedBy":null,"uncheckedBy":null,"controllers":[)"
+      R"({"entry":"IOService:/bus0/hpm0","kind":"port","before":171,"after":200,"older":false},)"
+      R"({"entry":"IOService:/bus0/hpm1","kind":"port","before":171,"after":200,"older":false},)"
+      R"({"entry":"IOService:/bus0/hpm2","kind":"port","before":175,"after":200,"older":false}],)"
       R"("causes":[],"stuck":[],"steps":null})"
       "\n";
   const std::string totals = "1 computer: 1 settled\n  1 after 1 run\n";
@@ -107,12 +107,23 @@ TEST(Settle, RefusesRecordings) {
                  ""});
 }
 
+TEST(Settle, EndsWithStatusOneWhenAPlanBypassesUpdates) {
+  const std::string set =
+      "SetNVRAM=<dict><key>fernwick_bypass_usbc_updates</key><string>1</string></dict>";
+  EXPECT_EQ(SettleExamples({PortsOnly, "--personality", "LegacyUSBC:1:" + set}).status, "1");
+  auto bypassed = std::vector<std::string>{
+      PortsOnly, "--set", "IODeviceTree:/options:fernwick_bypass_usbc_updates=\"1\""};
+  EXPECT_EQ(SettleExamples(bypassed).status, "0");
+  bypassed.insert(bypassed.end(), {"--fail-on", "bypassed"});
+  EXPECT_EQ(SettleExamples(bypassed).status, "1");
+}
+
 TEST(Settle, RefusesOptionsThatCannotBeRead) {
   const std::string help = "; see fernwick-lab settle --help\n";
   ExpectOutcome(SettleExamples({".", "--fail-on", "stuck,planned"}),
                 {"64", "",
                  "fernwick-lab: --fail-on: \"planned\" is not one of stuck, refused, abnormal, "
-                 "no-plan" +
+                 "no-plan, bypassed" +
                      help});
   ExpectOutcome(
       SettleExamples({".", "--set", "hpm0"}),

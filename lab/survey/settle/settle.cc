@@ -31,13 +31,14 @@ std::string Footer() {
          "\nA computer is settled after as many runs as planned something. It is stuck when it is "
          "settled\nbelow a version of a personality that is for its controllers. It never settles "
          "when a state comes\nback, and is undecided after 1,000 runs, or after 4 or more that "
-         "tested more than 200,000 pairs\nof a controller and a personality. The other outcomes "
-         "are no plan (there is no configuration for\nthe board, or a match names no image), "
-         "bypassed, refused and abnormal end. The totals follow\nthe text, and are on standard "
-         "error for ndjson.\n\n"
+         "tested more than 20,000,000\npairs of a controller and a personality (200,000 where the "
+         "version check is bypassed). The other\noutcomes are no plan (there is no configuration "
+         "for the board, or a match names no image),\nbypassed, refused and abnormal end. The "
+         "totals follow the text, and are on standard error for\nndjson.\n\n"
          "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line "
-         "is\nrefused or cannot be read; 1 when a computer never settles or is undecided, or when "
-         "there is an\noutcome of --fail-on; otherwise 0.\n\n"
+         "is\nrefused or cannot be read; 1 when a computer never settles or is undecided, when a "
+         "plan bypasses\nfurther updates or makes the tool end abnormally, or when there is an "
+         "outcome of --fail-on;\notherwise 0.\n\n"
          "Example:\n"
          "  fernwick-lab settle -p payload computers/\n"
          "  fernwick-lab settle -p payload --personality USBC:2:Version=180 computers/\n";
@@ -56,11 +57,12 @@ struct SettleArguments {
 };
 
 // The outcomes that --fail-on can name.
-constexpr std::array<std::pair<std::string_view, SettleOutcome>, 4> FailingOutcomes = {
+constexpr std::array<std::pair<std::string_view, SettleOutcome>, 5> FailingOutcomes = {
     {{"stuck", SettleOutcome::Stuck},
      {"refused", SettleOutcome::Refused},
      {"abnormal", SettleOutcome::AbnormalEnd},
-     {"no-plan", SettleOutcome::NoPlan}}};
+     {"no-plan", SettleOutcome::NoPlan},
+     {"bypassed", SettleOutcome::Bypassed}}};
 
 // Reads "stuck,refused". Returns the word that is not an outcome; empty when all are.
 std::optional<std::string> ParseFailOn(std::string_view list,
@@ -99,7 +101,8 @@ CommandLine CommandLineOf(SettleArguments& into) {
           {.name = "--json", .target = &into.asJson, .help = "the same as --format ndjson"},
           {.name = "--fail-on",
            .target = &into.failOnList,
-           .help = "status 1 on any of these outcomes, too: stuck, refused, abnormal, no-plan",
+           .help = "status 1 on any of these outcomes, too: stuck, refused, abnormal, no-plan, "
+                   "bypassed",
            .valueName = "OUTCOME,..."},
       }};
   AddWhatIfOptions(line, into.whatIf);
@@ -115,7 +118,8 @@ int RefuseUsage(const std::string& error) {
 int StatusOf(const SettleArguments& arguments, const SettleTotals& totals, int refusal) {
   if (refusal != LabStatus::Done) return refusal;
   const auto happened = [&](SettleOutcome outcome) { return totals.Count(outcome) > 0; };
-  return std::ranges::any_of(arguments.failOn, happened) ? 1 : LabStatus::Done;
+  const bool fails = totals.endedByPlans > 0 || std::ranges::any_of(arguments.failOn, happened);
+  return fails ? 1 : LabStatus::Done;
 }
 
 int SettleAll(const SettleArguments& arguments, const Changes& changes) {
@@ -158,7 +162,7 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]) {
       parsed.failOnList ? ParseFailOn(*parsed.failOnList, parsed.failOn) : std::nullopt;
   if (word) {
     return RefuseUsage("--fail-on: \"" + *word +
-                       "\" is not one of stuck, refused, abnormal, no-plan");
+                       "\" is not one of stuck, refused, abnormal, no-plan, bypassed");
   }
   const auto changes = ParseChanges(parsed.whatIf);
   if (!changes) return RefuseUsage(changes.Error().message);

@@ -52,10 +52,12 @@ class RowWriter {
   void Write(bool listsSteps) {
     row_.outcome = OutcomeOf(settling_.end);
     row_.runs = settling_.steps.size();
+    row_.endedBy = settling_.endedBy;
+    row_.uncheckedBy = settling_.uncheckedBy;
     WriteEnd();
     for (const auto& [entry, isPort, before, after] : settling_.controllers) {
-      row_.controllers.push_back(
-          {PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before), ValueOrNull(after)});
+      row_.controllers.push_back({PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before),
+                                  ValueOrNull(after), IsOlder(after, before)});
     }
     if (settling_.end == SettleEnd::StateComesBack) WriteRepetitions();
     if (listsSteps) WriteSteps();
@@ -96,7 +98,8 @@ class RowWriter {
             PathInAnyPlane(recording_, flash.changed),
             ValueOrNull(flash.offered),
             ValueOrNull(flash.before),
-            ValueOrNull(flash.after)};
+            ValueOrNull(flash.after),
+            IsOlder(flash.after, flash.before)};
   }
 
   void WriteRepetitions() {

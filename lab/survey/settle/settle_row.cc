@@ -33,7 +33,8 @@ Json FlashJson(const NamedFlash& flash) {
           {"changes", flash.changed},
           {"offered", flash.offered},
           {"before", flash.before},
-          {"after", flash.after}};
+          {"after", flash.after},
+          {"older", flash.isOlder}};
 }
 
 Json NvramJson(const NvramChange& change) {
@@ -79,7 +80,13 @@ Json ControllerJson(const NamedController& controller) {
   return {{"entry", controller.path},
           {"kind", controller.isPort ? "port" : "thunderbolt"},
           {"before", controller.before},
-          {"after", controller.after}};
+          {"after", controller.after},
+          {"older", controller.isOlder}};
+}
+
+Json SwitchJson(const std::optional<SwitchChange>& change) {
+  if (!change) return nullptr;
+  return {{"run", change->run}, {"variables", change->variables}};
 }
 
 }  // namespace
@@ -97,6 +104,8 @@ Json ToJson(const SettleRow& row) {
           {"revision", OrNull(row.revision)},
           {"runs", row.runs},
           {"comesBack", OrNull(row.comesBack)},
+          {"endedBy", SwitchJson(row.endedBy)},
+          {"uncheckedBy", SwitchJson(row.uncheckedBy)},
           {"controllers", ListOf(row.controllers, ControllerJson)},
           {"causes", ListOf(row.repetitions, RepetitionJson)},
           {"stuck", ListOf(row.stuck, StuckJson)},
@@ -107,6 +116,8 @@ void SettleTotals::Add(SettleOutcome outcome, std::size_t runs) {
   ++outcomes[outcome];
   const bool isSettled = outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
   if (isSettled) ++settledAfter[runs];
+  const bool isEnded = outcome == SettleOutcome::Bypassed || outcome == SettleOutcome::AbnormalEnd;
+  if (isEnded && runs > 0) ++endedByPlans;
 }
 
 std::size_t SettleTotals::Count(SettleOutcome outcome) const {

@@ -40,6 +40,7 @@ struct NamedFlash {
   Json offered;             // versions; null where there is none
   Json before;
   Json after;
+  bool isOlder = false;  // `after` than `before`
 };
 
 /// A run with a plan.
@@ -83,6 +84,7 @@ struct NamedController {
   bool isPort;
   Json before;
   Json after;
+  bool isOlder = false;  // `after` than `before`
 };
 
 /// One computer of a settling.
@@ -96,6 +98,8 @@ struct SettleRow {
   std::size_t runs = 0;                       // those that planned something
   std::optional<std::size_t> comesBack = {};  // of one that never settles: after how many runs the
                                               // state was there that comes back after `runs`
+  std::optional<SwitchChange> endedBy = {};   // as in Settling
+  std::optional<SwitchChange> uncheckedBy = {};
   std::vector<NamedController> controllers = {};
   std::vector<NamedRepetition> repetitions = {};
   std::vector<NamedStuck> stuck = {};
@@ -112,6 +116,7 @@ std::string DescribeRow(const SettleRow& row);
 struct SettleTotals {
   std::map<SettleOutcome, std::size_t> outcomes = {};
   std::map<std::size_t, std::size_t> settledAfter = {};  // by runs: computers, stuck ones too
+  std::size_t endedByPlans = 0;  // those bypassed or ended abnormally after a run with a plan
 
   void Add(SettleOutcome outcome, std::size_t runs);
   std::size_t Count(SettleOutcome outcome) const;

@@ -32,7 +32,19 @@ std::string OfferText(const NamedFlash& flash) {
   return PersonalityText(flash) + " offers " + VersionText(flash.offered);
 }
 
-std::string CauseText(const NamedRepetition& repetition) {
+// "23 -> 41.05", "60 -> 44, older".
+std::string ChangeText(const Json& before, const Json& after, bool isOlder) {
+  return VersionText(before) + " -> " + VersionText(after) + (isOlder ? ", older\n" : "\n");
+}
+
+std::string SwitchText(const SwitchChange& change) {
+  std::string names;
+  for (const auto& name : change.variables) names += (names.empty() ? "" : " and ") + name;
+  return "the plan of run " + std::to_string(change.run) + " set " + names;
+}
+
+std::string CauseText(const NamedRepetition& repetition,
+                      const std::optional<SwitchChange>& uncheckedBy) {
   const auto& flash = repetition.flash;
   if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
   if (repetition.cause == "not storable") {
@@ -43,7 +55,8 @@ std::string CauseText(const NamedRepetition& repetition) {
            ", which is compared with the version of the Thunderbolt controller above the port";
   }
   return PersonalityText(flash) +
-         " matches whatever is installed, since the version check is bypassed";
+         " matches whatever is installed, since the version check is bypassed" +
+         (uncheckedBy ? ": " + SwitchText(*uncheckedBy) : "");
 }
 
 std::string HeadText(const SettleRow& row) {
@@ -58,7 +71,9 @@ std::string HeadText(const SettleRow& row) {
     default: break;
   }
   auto text = std::string(NameOf(row.outcome)) + runs;
-  return row.reason.empty() ? text : text + ": " + PrintableText(row.reason);
+  if (!row.reason.empty()) text += ": " + PrintableText(row.reason);
+  if (row.endedBy) text += ": " + SwitchText(*row.endedBy);
+  return text;
 }
 
 std::string VariableText(const NvramChange& change) {
@@ -73,7 +88,7 @@ std::string StepText(const NamedStep& step, std::size_t number) {
     text += "    " + PersonalityText(flash) + " for " + PrintableText(flash.controller) + ": ";
     const bool isAnother = flash.changed != flash.controller;
     if (isAnother) text += "version of " + PrintableText(flash.changed) + " ";
-    text += VersionText(flash.before) + " -> " + VersionText(flash.after) + "\n";
+    text += ChangeText(flash.before, flash.after, flash.isOlder);
   }
   for (const auto& change : step.nvram) text += "    " + VariableText(change) + "\n";
   if (step.otherNvram > 0) {
@@ -102,11 +117,12 @@ std::string DescribeRow(const SettleRow& row) {
   }
   for (const auto& controller : row.controllers) {
     if (controller.before == controller.after) continue;
-    text += "  " + PrintableText(controller.path) + ": " + VersionText(controller.before) + " -> " +
-            VersionText(controller.after) + "\n";
+    text += "  " + PrintableText(controller.path) + ": " +
+            ChangeText(controller.before, controller.after, controller.isOlder);
   }
   for (const auto& repetition : row.repetitions) {
-    text += "  " + PrintableText(repetition.flash.changed) + ": " + CauseText(repetition) + "\n";
+    text += "  " + PrintableText(repetition.flash.changed) + ": " +
+            CauseText(repetition, row.uncheckedBy) + "\n";
   }
   for (const auto& stuck : row.stuck) text += StuckText(stuck);
   return text;

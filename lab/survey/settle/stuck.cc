@@ -29,14 +29,15 @@ struct StuckCandidates {
             run.result.bypassesVersionCheck};
   }
 
-  // The version of the controller that would get the image.
+  // The version of the controller that would get the image. Of a port that reports none itself it
+  // is not known, and the compared one counts.
   std::optional<PropertyValue> InstalledIn(std::size_t record) const {
-    if (IsOfThunderbolt(Type())) {
-      const auto* version = key.inventory.records[record].Find("Version");
-      return version == nullptr ? std::nullopt : std::optional(*version);
-    }
+    const auto* compared = key.inventory.records[record].Find("Version");
     RecordedRegistry registry(recording);
-    return ReportedVersion(registry, key.inventory.sources[record].port, true);
+    auto own = IsOfThunderbolt(Type())
+                   ? std::nullopt
+                   : ReportedVersion(registry, key.inventory.sources[record].port, true);
+    return own || compared == nullptr ? own : std::optional(*compared);
   }
 };
 
