@@ -32,6 +32,7 @@ constexpr Verb Verbs[] = {
     {"coverage", "print what recorded computers exercise of a payload", Coverage},
     {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
+    {"report", "write a page about what a payload does for recorded computers", ReportVerb},
 };
 
 std::string Usage() {

@@ -64,4 +64,7 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd Diff(int argumentCount, char* const arguments[]);
 
+/// Writes a page about what a payload does for every selected computer, for people.
+VerbEnd ReportVerb(int argumentCount, char* const arguments[]);
+
 }  // namespace fernwick::lab
