@@ -35,6 +35,7 @@ constexpr Verb Verbs[] = {
     {"sample", "write a recording that a personality of a payload matches", SampleVerb},
     {"draft", "print a configuration that matches the controllers of recorded computers",
      DraftVerb},
+    {"report", "write a page about what a payload does for recorded computers", ReportVerb},
 };
 
 std::string Usage() {

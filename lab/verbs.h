@@ -71,4 +71,7 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]);
 /// excepted one. The status is 1 when there is none.
 VerbEnd DraftVerb(int argumentCount, char* const arguments[]);
 
+/// Writes a page about what a payload does for every selected computer, for people.
+VerbEnd ReportVerb(int argumentCount, char* const arguments[]);
+
 }  // namespace fernwick::lab

@@ -50,6 +50,9 @@ struct Rejection {
 /// In the order of the table, without those that rejected none.
 std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality);
 
+/// "Version 3, RID 1", the most frequent first.
+std::string RejectionsText(std::vector<Rejection> rejections);
+
 /// "63.3": tenths of a percent.
 std::string PercentText(const CoverageCounts& counts);
 

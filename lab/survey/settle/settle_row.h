@@ -108,6 +108,13 @@ Json ToJson(const SettleRow& row);
 /// The row as lines for people, each with its line feed and safe to show.
 std::string DescribeRow(const SettleRow& row);
 
+/// Why a match is planned again and again, in words for people: "USBC personality 1 offers 43.105,
+/// of which 43.1 is stored". Safe to show.
+std::string DescribeCause(const NamedRepetition& repetition);
+
+/// What a controller does not get: "stays at 171: USBC personality 2 offers 200". Safe to show.
+std::string DescribeOffer(const NamedStuck& stuck);
+
 /// The totals of a settling: memory for each number of runs, of which there are few.
 struct SettleTotals {
   std::map<SettleOutcome, std::size_t> outcomes = {};
