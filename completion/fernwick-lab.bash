@@ -4,9 +4,10 @@ declare -gA _fernwick_lab_options=(
   [replay]="--host --help"
   [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --set --personality --board-revision --help"
   [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
-  [coverage]="-p --payload --bypassVersion --threshold --format --json -j --jobs --help"
-  [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on --shard -j --jobs --help"
+  [coverage]="-p --payload --bypassVersion --threshold --format --json --shard -j --jobs --help"
+  [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision --shard -j --jobs --help"
+  [merge]="--format --wide --expect --update --fail-on -p --payload --threshold --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
@@ -44,6 +45,7 @@ _fernwick_lab_value() {
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
     'survey --fail-on') _fernwick_lab_words 'planned current blocked unmatched no-controllers unknown-board no-configuration bypassed fault refused abnormal no-plan' "$3" ;;
+    'merge --format') _fernwick_lab_words 'table ndjson csv junit text json' "$3" ;;
     'settle --format') _fernwick_lab_words 'text ndjson' "$3" ;;
     'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan' "$3" ;;
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
@@ -51,11 +53,11 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'survey --expect' | 'merge --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'merge --threshold' | 'merge --fail-on' | *' --shard' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }
@@ -92,6 +94,7 @@ _fernwick_lab() {
         _fernwick_lab_boards "${COMP_WORDS[2]}" "$current"
       fi
       ;;
+    merge) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     *) _fernwick_lab_recordings "$current" ;;
   esac
 }

@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 10);
+  EXPECT_EQ(count, 11);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

@@ -31,6 +31,7 @@ constexpr Verb Verbs[] = {
     {"survey", "run the tool over many recorded computers, a row for each", Survey},
     {"coverage", "print what recorded computers exercise of a payload", Coverage},
     {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
+    {"merge", "put the results of all shards together", Merge},
     {"diff", "print which recorded computers two payloads treat differently", Diff},
 };
 
