@@ -61,6 +61,10 @@ VerbEnd CoverageVerb(int argumentCount, char* const arguments[]);
 /// is 1 when one never settles.
 VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
 
+/// Puts the results of all shards of a survey, a coverage or a settling together. The status is
+/// that of one run.
+VerbEnd MergeVerb(int argumentCount, char* const arguments[]);
+
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd DiffVerb(int argumentCount, char* const arguments[]);
 

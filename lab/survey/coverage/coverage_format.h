@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lab/support/configuration_file.h"
@@ -21,6 +22,10 @@ enum class RecordingUse {
   AbnormalEnd,      // of its run, whose pairs are not counted
   Refused,
 };
+
+/// "counted", "no configuration", ...: as a shard's rows name the uses, in their order.
+inline constexpr std::array<std::string_view, 6> RecordingUseNames = {
+    "counted", "no configuration", "unknown board", "bypassed", "abnormal end", "refused"};
 
 /// How many recordings there are of each use.
 using RecordingCounts = std::array<std::size_t, 6>;

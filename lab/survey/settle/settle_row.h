@@ -31,6 +31,9 @@ inline constexpr std::size_t SettleOutcomeCount = 8;
 /// "abnormal end".
 std::string_view NameOf(SettleOutcome outcome);
 
+/// The outcome of that name; empty for any other text.
+std::optional<SettleOutcome> SettleOutcomeNamed(std::string_view name);
+
 /// A match as a row names it.
 struct NamedFlash {
   std::string type;
