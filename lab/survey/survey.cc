@@ -47,7 +47,8 @@ std::string Footer() {
          "merge.\n\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
-         "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n";
+         "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n"
+         "  fernwick-lab survey -p payload --format ndjson --shard 1/2 computers/ > 1.ndjson\n";
 }
 
 struct SurveyOptions {

@@ -37,8 +37,6 @@ constexpr char Footer[] =
     "printed.\n\n"
     "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n\n"
     "Example:\n"
-    "  fernwick-lab survey -p payload --format ndjson --shard 1/2 computers/ > 1.ndjson\n"
-    "  fernwick-lab survey -p payload --format ndjson --shard 2/2 computers/ > 2.ndjson\n"
     "  fernwick-lab merge --format csv 1.ndjson 2.ndjson\n";
 
 struct MergeOptions {
