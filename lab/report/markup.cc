@@ -8,7 +8,7 @@ namespace fernwick::lab {
 
 std::string NumberText(std::size_t number) {
   auto digits = std::to_string(number);
-  for (auto end = digits.size(); end > 3; end -= 3) digits.insert(end - 3, ",");
+  for (auto end = digits.size(); end > 3; end -= 3) digits.insert(end - 3, 1, ',');
   return digits;
 }
 
