@@ -8,6 +8,7 @@ declare -gA _fernwick_lab_options=(
   [coverage]="-p --payload --bypassVersion --threshold --format --json -j --jobs --help"
   [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision -j --jobs --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
+  [report]="-p --payload --old -o --output --force --title -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
@@ -38,7 +39,7 @@ _fernwick_lab_boards() {
 # Completes the value of the option $2. Fails where the option has no value.
 _fernwick_lab_value() {
   case "$1 $2" in
-    *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
+    *' -p' | *' --payload' | 'report --old') _fernwick_lab_directories "$3" ;;
     'explain --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
     'explain --format' | 'coverage --format') _fernwick_lab_words 'text json' "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
@@ -51,11 +52,11 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'survey --expect' | 'lint --baseline' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'survey --expect' | 'lint --baseline' | 'import --classes' | 'report -o' | 'report --output') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs' | 'report -j' | 'report --jobs' | 'report --title') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }

@@ -15,10 +15,11 @@ class Command:
 
 
 OF_RECORDINGS = ("replay", "explain", "explain --json", "show", "show --json", "convert xml",
-                 "convert binary", "redact", "survey", "survey ndjson", "coverage", "diff")
+                 "convert binary", "redact", "survey", "survey ndjson", "coverage", "diff",
+                 "report")
 OF_CONFIGURATIONS = ("replay", "explain", "explain --json", "lint", "lint json", "lint sarif",
                      "survey", "survey ndjson", "survey csv", "coverage", "coverage json", "diff",
-                     "diff json",
+                     "diff json", "report",
                      "convert CONFIGURATION xml", "convert CONFIGURATION binary")
 
 
@@ -57,6 +58,8 @@ def command(name, directory):
         "coverage": ["coverage", "-j1", "-p", payload, recording],
         "coverage json": ["coverage", "-j1", "--json", "-p", payload, recording],
         "diff": [*diff, recording],
+        "report": ["report", "-j1", "-p", payload, "--old", EXAMPLES / "payload", "--force", "-o",
+                   out, recording],
         "diff json": [*diff, "--json", recording],
     }
     for form in ("ndjson", "csv", "junit"):

@@ -41,6 +41,7 @@ constexpr char Usage[] =
     "  coverage   print what recorded computers exercise of a payload\n"
     "  settle     print what recorded computers become when every plan is carried out\n"
     "  diff       print which recorded computers two payloads treat differently\n"
+    "  report     write a page about what a payload does for recorded computers\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 
