@@ -43,6 +43,7 @@ constexpr char Usage[] =
     "  diff       print which recorded computers two payloads treat differently\n"
     "  sample     write a recording that a personality of a payload matches\n"
     "  draft      print a configuration that matches the controllers of recorded computers\n"
+    "  report     write a page about what a payload does for recorded computers\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 

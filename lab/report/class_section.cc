@@ -43,9 +43,9 @@ std::string ClassSectionMarkup(const SurveyTotals& totals) {
             NumberCell(ShareText(count, computers)) + "</tr>\n";
   }
   return BarsMarkup("classes", "Computers by class", {bar}) +
-         TableMarkup("class-table", "Computers by class",
-                     {{"Class"}, {"Meaning"}, {"Computers", true}, {"Share", true}},
-                     "<tbody>\n" + rows + "</tbody>\n");
+         StackMarkup(TableMarkup("class-table", "Computers by class",
+                                 {{"Class"}, {"Meaning"}, {"Computers", true}, {"Share", true}},
+                                 "<tbody>\n" + rows + "</tbody>\n"));
 }
 
 }  // namespace fernwick::lab

@@ -26,15 +26,15 @@ void ComputerGroups::Add(const std::string& said, const ComputerName& computer, 
 }
 
 std::string ComputerGroups::RowMarkup(std::size_t index, const std::string& command,
-                                      bool hasItems) const {
+                                      const std::string& itemColumn) const {
   const auto& group = groups_[index];
   const auto id = id_ + "-" + std::to_string(index + 1);
   const auto count = group.names.Count();
   const auto listed = group.names.Listed();
   const auto names = listed == 0 ? "" : "<ul class=\"names\">" + group.names.Markup() + "</ul>\n";
-  return "<tr>" + TextCell(group.said) +
-         (hasItems ? NumberCell(NumberText(group.items)) : std::string()) +
-         NumberCell(LinkTo(id, NumberText(count))) + "<td>" +
+  return "<tr>" + HeadCell(group.said) +
+         (itemColumn.empty() ? std::string() : NumberCell(NumberText(group.items), itemColumn)) +
+         NumberCell(LinkTo(id, NumberText(count)), "Computers") + "<td>" +
          DetailsMarkup(
              "names",
              "<div id=\"" + id + "\">" + names + OthersMarkup(count - listed, command) + "</div>\n",
@@ -50,12 +50,12 @@ std::string ComputerGroups::Markup(const std::string& caption, const std::string
   std::ranges::stable_sort(order, std::greater(),
                            [&](std::size_t index) { return groups_[index].names.Count(); });
   std::string rows;
-  for (const auto index : order) rows += RowMarkup(index, command, !itemColumn.empty());
+  for (const auto index : order) rows += RowMarkup(index, command, itemColumn);
   std::vector<Column> columns = {{saidColumn}};
   if (!itemColumn.empty()) columns.push_back({itemColumn, true});
   columns.push_back({"Computers", true});
   columns.push_back({"Which"});
-  return TableMarkup(id_, caption, columns, "<tbody>\n" + rows + "</tbody>\n") +
+  return StackMarkup(TableMarkup(id_, caption, columns, "<tbody>\n" + rows + "</tbody>\n")) +
          OthersMarkup(others_, command);
 }
 

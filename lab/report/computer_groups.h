@@ -46,7 +46,8 @@ class ComputerGroups {
     BoundedList names = {};
   };
 
-  std::string RowMarkup(std::size_t index, const std::string& command, bool hasItems) const;
+  std::string RowMarkup(std::size_t index, const std::string& command,
+                        const std::string& itemColumn) const;
 
   std::string id_;
   ByteBudget budget_;

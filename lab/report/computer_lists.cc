@@ -154,12 +154,9 @@ std::string ComputerLists::BoardsMarkup(const std::string& command) const {
     }
     rows += "</tr>\n";
   }
-  const auto table =
-      "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Computers by "
-      "board and class\">" +
-      TableMarkup("boards", "Computers by board and class", columns,
-                  "<tbody>\n" + rows + "</tbody>\n") +
-      "</div>\n";
+  constexpr char Caption[] = "Computers by board and class";
+  const auto table = WideMarkup(
+      Caption, TableMarkup("boards", Caption, columns, "<tbody>\n" + rows + "</tbody>\n"));
   return DetailsMarkup("By board",
                        table + OthersMarkup(count - std::min(count, MaxBoardRows), command),
                        count <= MaxOpenItems);

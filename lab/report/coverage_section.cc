@@ -65,7 +65,7 @@ void CoverageSection::AddPersonalities(const CoveredBoard& board) {
       const auto name = std::string(location.key) + (isSingle ? "" : " " + std::to_string(i + 1));
       personalities_.Add(
           "<tr" + std::exchange(id, "") + ">" + TextCell(XmlText(ShortText(board.name))) +
-              HeadCell(XmlText(name)) + TextCell(Describe(board.file->LocationOf(value.offset))) +
+              HeadCell(XmlText(name)) + LineCell(Describe(board.file->LocationOf(value.offset))) +
               NumberCell(NumberText(coverage.tested[i])) +
               NumberCell(NumberText(coverage.matched[i])) +
               TextCell(XmlText(RejectionsText(RejectionsOf(coverage, i)))) + "</tr>\n",
@@ -95,23 +95,24 @@ void CoverageSection::Finish(const CoverageTotals& totals) {
       NumberLink("personalities", tested_ - matched_) + " tested, never matched</li><li>" +
       SwatchMarkup(Tone(8)) + " " + NumberLink("personalities", all - tested_) +
       " never tested</li></ul>\n" +
-      TableMarkup("covered-boards", "Coverage by board",
-                  {{"Board"},
-                   {"Recordings", true},
-                   {"Personalities", true},
-                   {"List elements", true},
-                   {"Share", true}},
-                  "<tbody>\n" + boards_.Markup() + "</tbody>\n") +
+      WideMarkup("Coverage by board", TableMarkup("covered-boards", "Coverage by board",
+                                                  {{"Board"},
+                                                   {"Recordings", true},
+                                                   {"Personalities", true},
+                                                   {"List elements", true},
+                                                   {"Share", true}},
+                                                  "<tbody>\n" + boards_.Markup() + "</tbody>\n")) +
       OthersMarkup(boards, command_) +
       DetailsMarkup(NumberText(personalities_.Count()) + " personalities",
-                    TableMarkup("personalities", "Coverage by personality",
-                                {{"Board"},
-                                 {"Personality"},
-                                 {"Line"},
-                                 {"Tested", true},
-                                 {"Matched", true},
-                                 {"Rejected first by"}},
-                                "<tbody>\n" + personalities_.Markup() + "</tbody>\n") +
+                    WideMarkup("Coverage by personality",
+                               TableMarkup("personalities", "Coverage by personality",
+                                           {{"Board"},
+                                            {"Personality"},
+                                            {"Line"},
+                                            {"Tested", true},
+                                            {"Matched", true},
+                                            {"Rejected first by"}},
+                                           "<tbody>\n" + personalities_.Markup() + "</tbody>\n")) +
                         OthersMarkup(personalities, command_),
                     personalities_.Count() <= MaxOpenItems);
 }

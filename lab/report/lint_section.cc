@@ -11,8 +11,8 @@ constexpr std::array<const char*, 3> Titles = {"Notes", "Warnings", "Errors"};
 constexpr std::array<const char*, 3> Ids = {"lint-notes", "lint-warnings", "lint-errors"};
 
 std::string FindingMarkup(const Finding& finding) {
-  return "<tr>" + TextCell("<code>" + XmlText(finding.path) + "</code>") +
-         TextCell(finding.location ? Describe(*finding.location) : "") +
+  return "<tr>" + HeadCell("<code>" + XmlText(finding.path) + "</code>") +
+         LineCell(finding.location ? Describe(*finding.location) : "") +
          TextCell(XmlText(ShortText(finding.message))) +
          TextCell("<code>" + std::string(finding.rule->id) + "</code>") + "</tr>\n";
 }
@@ -34,12 +34,13 @@ std::string LintSection::Markup(const std::string& command) const {
   for (std::size_t i = bySeverity_.size(); i-- > 0;) {
     const auto& [limit, list, violations, listed] = bySeverity_[i];
     if (violations == 0) continue;
-    const auto table = TableMarkup(Ids[i], Titles[i], {{"File"}, {"Line"}, {"Finding"}, {"ID"}},
-                                   "<tbody>\n" + list.Markup() + "</tbody>\n");
-    markup +=
-        "<h3>" + std::string(Titles[i]) + "</h3>\n" +
-        DetailsMarkup(NumberText(violations), table + OthersMarkup(violations - listed, command),
-                      list.Listed() <= MaxOpenItems);
+    const auto table =
+        StackMarkup(TableMarkup(Ids[i], Titles[i], {{"File"}, {"Line"}, {"Finding"}, {"ID"}},
+                                "<tbody>\n" + list.Markup() + "</tbody>\n"));
+    markup += "<h3>" + std::string(Titles[i]) + "</h3>\n" +
+              DetailsMarkup(NumberText(violations) + (violations == 1 ? " finding" : " findings"),
+                            table + OthersMarkup(violations - listed, command),
+                            list.Listed() <= MaxOpenItems);
   }
   return markup.empty() ? "<p>Nothing was found.</p>\n" : markup;
 }

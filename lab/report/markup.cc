@@ -43,8 +43,26 @@ std::string TextCell(std::string_view markup) {
   return std::string("<td>").append(markup).append("</td>");
 }
 
-std::string NumberCell(std::string_view markup) {
-  return std::string("<td class=\"n\">").append(markup).append("</td>");
+std::string LineCell(std::string_view markup) {
+  return std::string("<td class=\"at\">").append(markup).append("</td>");
+}
+
+std::string NumberCell(std::string_view markup, std::string_view label) {
+  std::string cell = "<td class=\"n\"";
+  if (!label.empty()) cell.append(" data-label=\"").append(label).append("\"");
+  return cell.append(">").append(markup).append("</td>");
+}
+
+std::string WideMarkup(std::string_view label, std::string_view table) {
+  return std::string("<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"")
+      .append(label)
+      .append("\">\n")
+      .append(table)
+      .append("</div>\n");
+}
+
+std::string StackMarkup(std::string_view table) {
+  return std::string("<div class=\"stack\">\n").append(table).append("</div>\n");
 }
 
 std::string TableMarkup(std::string_view id, std::string_view caption,

@@ -34,14 +34,23 @@ struct Column {
   bool isNumber = false;
 };
 
-/// A cell of a row: the name of the row, a text column, or a number column.
+/// A cell of a row: the name of the row, a text column, the location in a file, or
+/// a number column. A narrow screen shows
+/// the label before the number in a table without a head.
 std::string HeadCell(std::string_view markup);
 std::string TextCell(std::string_view markup);
-std::string NumberCell(std::string_view markup);
+std::string LineCell(std::string_view markup);
+std::string NumberCell(std::string_view markup, std::string_view label = {});
 
 /// A table; `bodies` are its elements "tbody".
 std::string TableMarkup(std::string_view id, std::string_view caption,
                         const std::vector<Column>& columns, std::string_view bodies);
+
+/// A table that is scrolled where it is wider than the screen.
+std::string WideMarkup(std::string_view label, std::string_view table);
+
+/// A table of which a narrow screen shows every row as a block.
+std::string StackMarkup(std::string_view table);
 
 /// Contents that are shown on demand, or from the start where they are short.
 std::string DetailsMarkup(std::string_view summary, std::string_view contents, bool isOpen);

@@ -154,8 +154,7 @@ std::string ReportPage::MainMarkup() const {
     markup += Section("changes-section", "Changes against the old payload",
                       changes_.Markup(commands_.diff));
   }
-  return markup + Section("computers", "Computers",
-                          "<div class=\"stack\">\n" + lists_.Markup(commands_.survey) + "</div>\n");
+  return markup + Section("computers", "Computers", StackMarkup(lists_.Markup(commands_.survey)));
 }
 
 std::string ReportPage::Markup() const {

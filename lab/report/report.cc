@@ -77,12 +77,12 @@ int Refuse(const LabError& error) {
   return error.status;
 }
 
-// Returns the status of what could not be read; nothing can be reported when `error` says so.
-int LintInto(const std::string& payload, LintSection& section, std::string& error) {
+// Returns LabStatus::Done or the status of a configuration that could not be read, and whether
+// something could be looked at; otherwise an error was printed.
+std::pair<int, bool> LintInto(const std::string& payload, LintSection& section) {
   LintPolicy policy;
   if (const int status = ReadSettings(payload, policy); status != LabStatus::Done) {
-    error = payload;
-    return status;
+    return {status, false};
   }
   const auto add = [&](Finding finding) {
     finding.severity = policy.SeverityOf(*finding.rule);
@@ -91,10 +91,9 @@ int LintInto(const std::string& payload, LintSection& section, std::string& erro
   const auto isReported = [&](const FindingIdentity& identity) {
     return !policy.Ignores(*identity.rule);
   };
-  auto linting = LintPayload(payload, {}, add, isReported);
+  const auto linting = LintPayload(payload, {}, add, isReported);
   if (!linting.error.empty()) PrintError(linting.error);
-  error = std::move(linting.error);
-  return linting.status;
+  return {linting.status, linting.error.empty()};
 }
 
 int WritePage(const ReportArguments& arguments, const std::string& page) {
@@ -136,9 +135,8 @@ int RunReport(const ReportArguments& arguments) {
   if (!boards) return Refuse(boards.Error());
   StringConsole console;
   ReportPage page(arguments.payloads, arguments.title, console);
-  std::string error;
-  const int lintStatus = LintInto(payload, page.Lint(), error);
-  if (!error.empty()) return lintStatus;
+  const auto [lintStatus, isLinted] = LintInto(payload, page.Lint());
+  if (!isLinted) return lintStatus;
   CoveredPayload covered(options, *boards);
   ComputerReporter reporter(options, payloads, covered);
   int refusal = LabStatus::Done;

@@ -44,7 +44,8 @@ std::string RunsMarkup(const SettleTotals& totals) {
     rows += "<tr>" + HeadCell(runs == 0 ? "none: nothing is planned" : std::to_string(runs)) +
             NumberCell(NumberText(count)) + "</tr>\n";
   }
-  return TableMarkup("settled-after", "Runs with a plan until a computer is settled",
+  return "<h3>Runs until a computer is settled</h3>\n" +
+         TableMarkup("settled-after", "Runs with a plan until a computer is settled",
                      {{"Runs"}, {"Computers", true}}, "<tbody>\n" + rows + "</tbody>\n");
 }
 
@@ -81,9 +82,9 @@ std::string SettleSection::Markup(const std::string& command) const {
             NumberCell(NumberLink(list, count)) + "</tr>\n";
   }
   return BarsMarkup("settling", "Computers after all updates", {bar}) +
-         TableMarkup("settling-table", "Computers after all updates",
-                     {{"Result"}, {"Meaning"}, {"Computers", true}},
-                     "<tbody>\n" + rows + "</tbody>\n") +
+         StackMarkup(TableMarkup("settling-table", "Computers after all updates",
+                                 {{"Result"}, {"Meaning"}, {"Computers", true}},
+                                 "<tbody>\n" + rows + "</tbody>\n")) +
          RunsMarkup(totals_) + GroupsMarkup(never_, "Never settle", command) +
          GroupsMarkup(stuck_, "Stuck below a newer version", command) +
          GroupsMarkup(undecided_, "Undecided", command) +

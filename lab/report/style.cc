@@ -35,7 +35,7 @@ code { font-family: ui-monospace, "DejaVu Sans Mono", Menlo, Consolas, monospace
 a, code, td, th, li, caption { unicode-bidi: isolate; }
 nav ul, .tiles, .legend, .alerts { list-style: none; margin: 0; padding: 0; }
 nav ul { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; padding: 0.5rem 0; }
-.tiles { display: grid; grid-template-columns: repeat(auto-fill, minmax(9.5rem, 1fr)); gap: 0.75rem; margin: 1rem 0 1.5rem; }
+.tiles { display: grid; grid-template-columns: repeat(auto-fill, minmax(8.5rem, 1fr)); gap: 0.75rem; margin: 1rem 0 1.5rem; }
 .tiles li { border: 1px solid var(--line); border-radius: 0.6rem; background: var(--card); padding: 0.75rem 1rem; line-height: 1.3; }
 .tiles strong { display: block; font-size: 1.8rem; line-height: 1.2; font-variant-numeric: tabular-nums; }
 .tiles a { text-decoration-thickness: 1px; }
@@ -47,7 +47,7 @@ nav ul { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; padding: 0.5rem 0
 .grid { display: grid; grid-template-columns: repeat(auto-fill, minmax(min(26rem, 100%), 1fr)); gap: 1rem; }
 article { border: 1px solid var(--line); border-radius: 0.6rem; padding: 0 1rem 1rem; min-width: 0; }
 table { border-collapse: collapse; width: 100%; margin: 0.75rem 0; font-size: 0.95rem; }
-caption { text-align: left; font-size: 0.85rem; padding-bottom: 0.25rem; overflow-wrap: anywhere; }
+caption { position: absolute; clip-path: inset(50%); width: 1px; height: 1px; overflow: hidden; white-space: nowrap; }
 th, td { text-align: left; vertical-align: top; padding: 0.35rem 0.75rem 0.35rem 0; border-bottom: 1px solid var(--line);
   overflow-wrap: anywhere; }
 th { font-weight: 600; }
@@ -55,8 +55,12 @@ tbody th { font-weight: normal; }
 tbody th[scope=rowgroup] { font-weight: 600; padding-top: 1rem; background: none; }
 thead th { color: var(--soft); font-size: 0.85rem; overflow-wrap: normal; }
 .n { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap; overflow-wrap: normal; }
+.n + :not(.n) { padding-left: 0.75rem; }
+.at { white-space: nowrap; }
 .scroll { overflow-x: auto; }
 .scroll th { overflow-wrap: normal; }
+#computers table { table-layout: fixed; }
+#computers thead th:first-child { width: 28%; } #computers thead th:nth-child(2) { width: 40%; }
 details { margin: 0.25rem 0; }
 summary { cursor: pointer; color: var(--soft); }
 td details, td .more { margin: 0; }
@@ -86,9 +90,15 @@ footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line);
   .tiles li { padding: 0.6rem 0.75rem; }
   .tiles strong { font-size: 1.5rem; }
   .stack thead { position: absolute; clip-path: inset(50%); }
-  .stack table, .stack tbody, .stack tr, .stack th, .stack td, .stack caption { display: block; border: none; padding: 0.1rem 0; }
-  .stack tr { border-bottom: 1px solid var(--line); padding: 0.5rem 0; }
-  .stack .n { text-align: left; }
+  .stack table, .stack tbody { display: block; }
+  .stack tr { display: flex; flex-wrap: wrap; gap: 0.1rem 0.75rem; border-bottom: 1px solid var(--line); padding: 0.5rem 0; }
+  .stack .n + :not(.n) { padding-left: 0; }
+  .stack th, .stack td { border: none; padding: 0; flex: 1 1 100%; order: 2; }
+  .stack th { flex: 1 1 50%; order: 0; }
+  .stack .n { flex: none; order: 1; }
+  .stack [data-label]::before { content: attr(data-label) " "; color: var(--soft); font-size: 0.85rem; }
+  .stack td:empty { display: none; }
+  .scroll table { min-width: 34rem; }
 }
 @media print {
   body { max-width: none; padding: 0; font-size: 9.5pt; }
