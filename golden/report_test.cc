@@ -128,9 +128,10 @@ TEST_F(ReportedFleet, IsWrittenOnlyWhereThereIsNoFile) {
   EXPECT_EQ(
       Report({"-p", "payload", "-o", "absent/page.html", "computers"}, directory_.Path()).status,
       "74");
-  EXPECT_EQ(Report({"-p", "payload", "-o", "-", "computers"}, directory_.Path(), OutputTarget::FullDisk)
-                .status,
-            "74");
+  EXPECT_EQ(
+      Report({"-p", "payload", "-o", "-", "computers"}, directory_.Path(), OutputTarget::FullDisk)
+          .status,
+      "74");
 }
 
 TEST_F(ReportedFleet, EndsWithTheStatusOfWhatCannotBeUsed) {

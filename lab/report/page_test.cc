@@ -160,6 +160,14 @@ TEST_F(ReportedPage, HasWhyARecordingIsRefused) {
   EXPECT_TRUE(Has(page, "<p>No computer has a controller that the payload is compared with.</p>"));
 }
 
+TEST_F(ReportedPage, WithoutAnythingToAttendToSaysSo) {
+  StringConsole console;
+  ReportPage page({"new", std::nullopt}, "Title", console);
+  page.Add(Planned("one"));
+  page.Coverage().Finish({});
+  EXPECT_TRUE(Has(page.Markup(), "<h3>Needs attention</h3>\n<p>Nothing.</p>\n"));
+}
+
 TEST_F(ReportedPage, WithoutFindingsSaysSo) {
   EXPECT_EQ(LintSection().Markup("lint"), "<p>Nothing was found.</p>\n");
 }
