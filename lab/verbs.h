@@ -57,7 +57,7 @@ VerbEnd SurveyVerb(int argumentCount, char* const arguments[]);
 /// --threshold.
 VerbEnd CoverageVerb(int argumentCount, char* const arguments[]);
 
-/// Prints what becomes of every selected computer when the plans for it are carried out. The status
+/// Prints the state of every selected computer after the plans for it are carried out. The status
 /// is 1 when one never settles.
 VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
 

@@ -5,7 +5,7 @@
 //
 // Time is linear in what an archive expands to, which is bounded by ExpandsTooMuch: the data of
 // members that are not read is expanded block by block where the whole archive is compressed, and
-// is passed over by a seek where it is not.
+// is skipped by a seek where it is not.
 
 #include "lab/survey/archive_walk.h"
 
@@ -236,7 +236,7 @@ Selected ArchiveWalk::Read(archive_entry* entry, std::string path) {
   return {.path = std::move(path), .error = TooLargeText(maxSize_)};
 }
 
-// Passes over what is left of the member. Returns the error that ends the walk, or empty.
+// Skips the rest of the member. Returns the error that ends the walk, or empty.
 std::optional<Selected> ArchiveWalk::SkipData() {
   int status = ARCHIVE_OK;
   while (isCompressed_ && status != ARCHIVE_EOF) {

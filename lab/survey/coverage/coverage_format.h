@@ -17,7 +17,7 @@ namespace fernwick::lab {
 enum class RecordingUse {
   Counted,
   NoConfiguration,  // its board has none that can be used
-  UnknownBoard,     // its board is none of the payload's
+  UnknownBoard,     // the payload does not have its board
   Bypassed,         // by a switch of the computer
   AbnormalEnd,      // of its run, whose pairs are not counted
   Refused,

@@ -10,7 +10,7 @@
 namespace fernwick::lab {
 namespace {
 
-// A lack of memory or descriptors is none of the recording.
+// A lack of memory or descriptors says nothing about the recording.
 Result<CoveredRecording, LabError> RefusedRecording(const std::string& path, LabError error) {
   error.error.message = path + ": " + Describe(error.error);
   error.error.location.reset();

@@ -97,8 +97,9 @@ struct SettleRow {
   std::optional<std::string> board = {};
   std::optional<int> revision = {};
   std::size_t runs = 0;                       // those that planned something
-  std::optional<std::size_t> comesBack = {};  // of one that never settles: after how many runs the
-                                              // state was there that comes back after `runs`
+  std::optional<std::size_t> comesBack = {};  // of one that never settles: the number of runs after
+                                              // which the state first occurred that occurs again
+                                              // after `runs`
   std::vector<NamedController> controllers = {};
   std::vector<NamedRepetition> repetitions = {};
   std::vector<NamedStuck> stuck = {};

@@ -97,7 +97,7 @@ int RefuseResults(const LabError& error) {
   return error.status;
 }
 
-// Calls `add` with each row, until it returns false because the row is none of the verb. Returns
+// Calls `add` with each row, until it returns false because the row is not one of the verb. Returns
 // as AddSurveyRows.
 template <typename Add>
 int ForEachRow(MergedRows& rows, Console& console, Add add) {
@@ -212,7 +212,7 @@ const MergedVerb MergedVerbs[] = {{"survey", {"table", "ndjson", "csv", "junit"}
                                   {"settle", {"text", "ndjson"}},
                                   {"coverage", {"text", "json"}}};
 
-// Which option is none of the verb's; empty when all are.
+// An option that the verb does not have; empty when it has all.
 std::string OtherOption(std::string_view verb, const MergeOptions& options) {
   const auto& survey = options.survey;
   const bool isSurvey = verb == "survey";
