@@ -41,13 +41,12 @@ std::string Footer() {
          "Keys that a personality may lack are used where an excepted controller needs them: first "
          "those that\n"
          "describe a model, then those of a position or a version. \"Port UUID\" and \"Ridge "
-         "UID\", "
-         "of which\n"
-         "each value is of one piece, select only controllers that no other keys tell apart. For "
-         "up to 10\n"
-         "different controllers no fewer personalities or keys are possible otherwise. With more "
-         "than four\n"
-         "million pairs of different controllers, wanted and excepted, there is no draft.\n"
+         "UID\", which are\n"
+         "unique to one chip, select only controllers that no other keys distinguish. For up to "
+         "10 different\n"
+         "controllers the numbers of personalities and keys are minimal. With more than four "
+         "million pairs\n"
+         "of different controllers, wanted and excepted, there is no draft.\n"
          "\n"
          "Controllers that can match no personality, as their version is not older than VERSION, "
          "are named on\n"
@@ -56,8 +55,9 @@ std::string Footer() {
          "a look before the draft is used.\n"
          "\n"
          "Status: 0 printed; 1 no controller can match, or a wanted and an excepted controller "
-         "cannot be told\n"
-         "apart; 65 or 66 a recording is not well formed or cannot be read, or ends every run "
+         "cannot be\n"
+         "distinguished; 65 or 66 a recording is not well formed or cannot be read, or ends every "
+         "run "
          "abnormally.\n"
          "\n"
          "Example:\n"
@@ -169,7 +169,7 @@ TypeSet OnlyType(const DraftedComputers& computers) {
 
 int Print(const DraftOutcome& outcome) {
   PrintFirst(outcome.unmatchable);
-  PrintFirst(outcome.inseparable);
+  PrintFirst(outcome.indistinguishable);
   if (!outcome.refusal.empty()) PrintError(outcome.refusal);
   if (!outcome.configuration) return outcome.status;
   return PrintResult(WriteXmlPropertyList(outcome.configuration->value) + "\n");

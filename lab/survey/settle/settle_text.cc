@@ -43,22 +43,6 @@ std::string SwitchText(const SwitchChange& change) {
   return "the plan of run " + std::to_string(change.run) + " set " + names;
 }
 
-std::string CauseText(const NamedRepetition& repetition,
-                      const std::optional<SwitchChange>& uncheckedBy) {
-  const auto& flash = repetition.flash;
-  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
-  if (repetition.cause == "not storable") {
-    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
-  }
-  if (repetition.cause == "compares version above") {
-    return OfferText(flash) +
-           ", which is compared with the version of the Thunderbolt controller above the port";
-  }
-  return PersonalityText(flash) +
-         " matches whatever is installed, since the version check is bypassed" +
-         (uncheckedBy ? ": " + SwitchText(*uncheckedBy) : "");
-}
-
 std::string HeadText(const SettleRow& row) {
   const auto runs = " after " + RunsText(row.runs);
   switch (row.outcome) {
@@ -98,17 +82,26 @@ std::string StepText(const NamedStep& step, std::size_t number) {
   return text;
 }
 
-std::string StuckText(const NamedStuck& stuck) {
-  auto text = "  " + PrintableText(stuck.controller) + " stays at " + VersionText(stuck.installed) +
-              ": " + stuck.type + " personality " + std::to_string(stuck.personality) + " offers " +
-              VersionText(stuck.offered) + ", but\n";
-  for (const auto& requirement : stuck.requirements) {
-    text += "    " + requirement.key + " " + requirement.text + "\n";
+}  // namespace
+
+std::string DescribeCause(const NamedRepetition& repetition) {
+  const auto& flash = repetition.flash;
+  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
+  if (repetition.cause == "not storable") {
+    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
   }
-  return text;
+  if (repetition.cause == "compares version above") {
+    return OfferText(flash) +
+           ", which is compared with the version of the Thunderbolt controller above the port";
+  }
+  return PersonalityText(flash) +
+         " matches whatever is installed, since the version check is bypassed";
 }
 
-}  // namespace
+std::string DescribeOffer(const NamedStuck& stuck) {
+  return "stays at " + VersionText(stuck.installed) + ": " + stuck.type + " personality " +
+         std::to_string(stuck.personality) + " offers " + VersionText(stuck.offered);
+}
 
 std::string DescribeRow(const SettleRow& row) {
   auto text = PrintableText(row.file) + ": " + HeadText(row) + "\n";
@@ -121,10 +114,17 @@ std::string DescribeRow(const SettleRow& row) {
             ChangeText(controller.before, controller.after, controller.isOlder);
   }
   for (const auto& repetition : row.repetitions) {
-    text += "  " + PrintableText(repetition.flash.changed) + ": " +
-            CauseText(repetition, row.uncheckedBy) + "\n";
+    text += "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition);
+    const bool isUnchecked = repetition.cause == "version unchecked";
+    if (isUnchecked && row.uncheckedBy) text += ": " + SwitchText(*row.uncheckedBy);
+    text += "\n";
   }
-  for (const auto& stuck : row.stuck) text += StuckText(stuck);
+  for (const auto& stuck : row.stuck) {
+    text += "  " + PrintableText(stuck.controller) + " " + DescribeOffer(stuck) + ", but\n";
+    for (const auto& requirement : stuck.requirements) {
+      text += "    " + requirement.key + " " + requirement.text + "\n";
+    }
+  }
   return text;
 }
 
