@@ -11,7 +11,7 @@ namespace fernwick::lab {
 namespace {
 
 constexpr char PropertyForm[] = "ENTRY:PROPERTY=VALUE";
-constexpr char PersonalityForm[] = "TYPE:N:KEY=VALUE";
+constexpr char PersonalityForm[] = "[BOARD/]TYPE:N:KEY=VALUE";
 
 Error FormError(const char* option, std::string_view text, const char* form) {
   return {.message =
@@ -46,7 +46,10 @@ Result<PropertyChange> ParseProperty(std::string_view text) {
   const auto property = text.substr(colon + 1, equals - colon - 1);
   auto value = ReadValue("--set", text.substr(equals + 1), {entry, property});
   if (!value) return value.Error();
-  return PropertyChange{std::string(entry), std::string(property), *std::move(value)};
+  PropertyChange change = {std::string(entry), std::string(property), *std::move(value)};
+  const auto string = change.value ? change.value->value.AsString() : std::nullopt;
+  if (string) change.bytes = std::string(*string) + '\0';
+  return change;
 }
 
 // 0 when it is no number from 1 on; of more digits than any configuration has personalities, too.
@@ -73,7 +76,10 @@ Result<PersonalityChange> ParsePersonality(std::string_view text) {
   if (equals == text.size() || second == equals || second + 1 == equals) {
     return FormError("--personality", text, PersonalityForm);
   }
-  const auto type = head.substr(0, first);
+  const auto named = head.substr(0, first);
+  const auto slash = named.rfind('/');
+  const auto board = slash == std::string_view::npos ? std::string_view() : named.substr(0, slash);
+  const auto type = slash == std::string_view::npos ? named : named.substr(slash + 1);
   const auto key = head.substr(second + 1);
   const auto number = ParseNumber(head.substr(first + 1, second - first - 1));
   if (TypeNamed(type) == Types::None) {
@@ -83,16 +89,24 @@ Result<PersonalityChange> ParsePersonality(std::string_view text) {
   if (number == 0) return FormError("--personality", text, PersonalityForm);
   auto value = ReadValue("--personality", text.substr(equals + 1), {key});
   if (!value) return value.Error();
-  return PersonalityChange{std::string(type), number, std::string(key), *std::move(value)};
+  return PersonalityChange{std::string(board), std::string(type), number, std::string(key),
+                           *std::move(value)};
 }
 
 }  // namespace
 
 const char WhatIfHelp[] =
     "An ENTRY is the name of an entry of the registry or its path, \"IOService:/bridge0/hpm0\". N "
-    "is the\nnumber of a personality, from 1. A VALUE is a number (5, 0x1F, 41.05), true or false, "
-    "\"a text\",\ndata as <5a65>, a list as (1, 2), an element of XML, or any other text, which is "
-    "itself; without\na VALUE after the = what is there is removed.\n";
+    "is the\nnumber of a personality, from 1; with a BOARD and a slash before the TYPE that of one "
+    "board alone.\nA VALUE is a number (5, 0x1F, 41.05), true or false, \"a text\", data as "
+    "<5a65>, "
+    "a list as (1, 2), an\nelement of XML, or any other text, which is itself; without a VALUE "
+    "after "
+    "the = what is there is\nremoved. A text for what is recorded as data, and for board-id, "
+    "becomes "
+    "data with a zero byte at its\nend. These cannot be named: an ENTRY with = or :/ in its name, "
+    "a "
+    "PROPERTY with : or =, a KEY with =.\n";
 
 void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
   line.arguments.push_back({.name = "--set",
@@ -109,10 +123,25 @@ void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
                             .valueName = "N"});
 }
 
-bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key) const {
+bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key,
+                     std::string_view board) const {
   return std::ranges::any_of(personalities, [&](const PersonalityChange& change) {
-    return change.type == type && change.number == number && change.key == key && change.value;
+    const bool isOfBoard = board.empty() || change.board.empty() || change.board == board;
+    return isOfBoard && change.type == type && change.number == number && change.key == key &&
+           change.value;
   });
+}
+
+std::vector<std::string> Changes::TextsOf(const std::vector<bool>& applied) const {
+  std::vector<std::string> of;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const bool isOfPersonality =
+        i >= properties.size() && i < properties.size() + personalities.size();
+    const auto index = i - properties.size();
+    const bool isApplied = !isOfPersonality || (index < applied.size() && applied[index]);
+    if (isApplied) of.push_back(texts[i]);
+  }
+  return of;
 }
 
 Result<Changes> ParseChanges(const WhatIfArguments& arguments) {

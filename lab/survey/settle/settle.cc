@@ -40,7 +40,7 @@ std::string Footer() {
          "outcome of --fail-on;\notherwise 0.\n\n"
          "Example:\n"
          "  fernwick-lab settle -p payload computers/\n"
-         "  fernwick-lab settle -p payload --personality USBC:2:Version=180 computers/\n";
+         "  fernwick-lab settle -p payload --personality LegacyUSBC:1:Version=180 computers/\n";
 }
 
 struct SettleArguments {
@@ -129,8 +129,9 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
     const auto index = selected.index;
     const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
-    SettledComputer computer = {row->outcome, row->runs, row->status, isNamed,
-                                isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
+    SettledComputer computer = {
+        row->outcome, row->runs,    row->status,
+        isNamed,      row->changes, isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
     if (isShard) {
       computer.text = PrintShardRow(index, isNamed, ToJson(*row), {{"text", DescribeRow(*row)}});
     }
@@ -159,6 +160,8 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]) {
   const auto changes = ParseChanges(parsed.whatIf);
   if (!changes) return RefuseUsage(changes.Error().message);
   if (!IsPayload(parsed.payload)) return LabStatus::UnreadableInput;
+  parsed.output.changes = changes->texts;
+  parsed.output.isShard = parsed.batch.limits.shard.has_value();
   return PrintSettled(parsed.output, [&](const AddSettled& add, Console& console) {
     return AddRows(parsed, *changes, add, console);
   });

@@ -154,11 +154,11 @@ std::optional<LabError> FindStuck(const Settling& settling, const Recording& rec
                                   const SettleWork& work, RowWriter& writer) {
   auto stuck = FindStuckControllers(settling.last, recording);
   if (stuck.empty()) return std::nullopt;
-  const auto path = ConfigurationPath(settling.last.result.identity->boardIdString,
-                                      work.options.personalitiesDirectory);
+  const auto& board = settling.last.result.identity->boardIdString;
+  const auto path = ConfigurationPath(board, work.options.personalitiesDirectory);
   const auto located = work.configurations.Located(*path);
   if (!located) return located.Error();
-  for (auto& each : stuck) Locate(each, work.changes, *located);
+  for (auto& each : stuck) Locate(each, *board, work.changes, *located);
   writer.WriteStuck(stuck);
   return std::nullopt;
 }
@@ -175,14 +175,16 @@ Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& 
   }
   RecordedRegistry registry(computer.Recorded());
   const auto board = ReadBoardIdentity(registry);
-  std::optional<Error> refusal;
-  const auto load = work.configurations.Loader(refusal);
+  std::vector<bool> applied;
+  const auto load = work.configurations.Loader(applied);
   const auto settling = Settle(computer, {work.options, load, work.listsSteps});
-  if (refusal) return Refused(path, {*refusal, LabStatus::UnreadableInput});
   if (settling.end == SettleEnd::Failure) {
     return *ConfigurationFailure(settling.last, work.options);
   }
-  SettleRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
+  SettleRow row{.file = path,
+                .board = board.boardIdString,
+                .revision = board.boardRevision,
+                .changes = work.changes.TextsOf(applied)};
   RowWriter writer(computer.Recorded(), settling, row);
   writer.Write(work.listsSteps);
   if (settling.end != SettleEnd::NothingMatches) return row;

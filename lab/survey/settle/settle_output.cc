@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "lab/support/messages.h"
+#include "lab/support/words.h"
 
 namespace fernwick::lab {
 namespace {
@@ -39,6 +41,13 @@ int StatusOf(const SettleOutput& output, const SettleTotals& totals, int refusal
   return fails ? 1 : LabStatus::Done;
 }
 
+// What the text begins with.
+std::string Describe(const std::vector<std::string>& changes) {
+  std::string text;
+  for (const auto& change : changes) text += "Changed by " + PrintableText(change) + "\n";
+  return text;
+}
+
 }  // namespace
 
 std::string ReadSettleFailOn(SettleOutput& output) {
@@ -52,19 +61,25 @@ int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {
   const bool isText = output.format == "text";
   ProcessConsole console;
   SettleTotals totals;
+  std::set<std::string> unapplied(output.changes.begin(), output.changes.end());
+  auto head = isText ? Describe(output.changes) : "";
   int refusal = LabStatus::Done;
   const auto add = [&](const SettledComputer& computer) {
     const bool isRefused = computer.isNamed && computer.outcome == SettleOutcome::Refused;
     if (isRefused && refusal == LabStatus::Done) refusal = computer.status.value();
     totals.Add(computer.outcome, computer.runs);
-    console.Write(computer.text);
+    for (const auto& change : computer.changes) unapplied.erase(change);
+    console.Write(std::exchange(head, "") + computer.text);
   };
   const int status = addAll(add, console);
   if (status != LabStatus::Done) return status;
   if (isText) console.Write(Describe(totals));
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!isText) console.WriteError(Describe(totals));
-  return StatusOf(output, totals, refusal);
+  const bool isComplete = refusal == LabStatus::Done && !output.isShard;
+  if (!isComplete || unapplied.empty()) return StatusOf(output, totals, refusal);
+  PrintError(*unapplied.begin() + ": it applies to no computer");
+  return LabStatus::UnreadableInput;
 }
 
 }  // namespace fernwick::lab

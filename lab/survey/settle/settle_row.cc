@@ -116,7 +116,8 @@ Json ToJson(const SettleRow& row) {
           {"controllers", ListOf(row.controllers, ControllerJson)},
           {"causes", ListOf(row.repetitions, RepetitionJson)},
           {"stuck", ListOf(row.stuck, StuckJson)},
-          {"steps", row.steps ? ListOf(*row.steps, StepJson) : Json(nullptr)}};
+          {"steps", row.steps ? ListOf(*row.steps, StepJson) : Json(nullptr)},
+          {"changes", row.changes}};
 }
 
 void SettleTotals::Add(SettleOutcome outcome, std::size_t runs) {

@@ -108,6 +108,8 @@ struct SettleRow {
   std::vector<NamedRepetition> repetitions = {};
   std::vector<NamedStuck> stuck = {};
   std::optional<std::vector<NamedStep>> steps = {};  // where they are wanted
+  std::vector<std::string> changes = {};             // of the computer before the first run, each
+                                                     // as written
 };
 
 /// In JSON, all keys always there and in the same order.

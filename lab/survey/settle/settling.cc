@@ -160,7 +160,8 @@ class PlanExecution {
       if (const auto text = name.AsString()) after[*text] = std::nullopt;
     }
     if (after.empty()) return;
-    const auto entry = BootOptions();
+    // There is a device tree, since the board has a configuration.
+    const auto entry = computer_.BootOptions();
     std::map<std::string_view, std::optional<PropertyValue>> before;
     for (const auto& [name, value] : computer_.Properties(entry).Entries()) before[name] = value;
     Record properties(computer_.Properties(entry));
@@ -188,13 +189,6 @@ class PlanExecution {
     } else {
       step.nvram.push_back({std::string(name), ShortText(before), ShortText(after)});
     }
-  }
-
-  // The entry of the NVRAM variables, which a computer without any may lack. There is a device
-  // tree, since the board has a configuration.
-  RegistryEntry BootOptions() {
-    const auto entry = RecordedRegistry(computer_.Recorded()).LookupEntryByPath(BootOptionsPath);
-    return entry != 0 ? entry : computer_.AddBelowRoot(DeviceTreePlane, "options");
   }
 
   ChangedComputer& computer_;

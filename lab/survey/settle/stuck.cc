@@ -161,13 +161,14 @@ std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Reco
   return found;
 }
 
-void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file) {
+void Locate(StuckController& stuck, std::string_view board, const Changes& changes,
+            const ConfigurationFile* file) {
   const auto* personality = file == nullptr ? nullptr : LocationOfPersonality(stuck, *file);
   const KeyLocations locations(personality);
   for (auto& [failed, origin] : stuck.requirements) {
     const auto key = failed.requirement->key;
     const auto* location = locations.Find(key);
-    if (changes.SetKey(stuck.type, stuck.personality + 1, key)) {
+    if (changes.SetKey(stuck.type, stuck.personality + 1, key, board)) {
       origin = ValueOrigin(PersonalityOption);
     } else if (location != nullptr) {
       origin = file->LocationOf(location->value.offset);

@@ -41,7 +41,8 @@ struct StuckController {
 std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording);
 
 /// Adds the origins: the option of a change, or a location of the file, which is null when it
-/// cannot be read.
-void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file);
+/// cannot be read. `board` is that of the configuration.
+void Locate(StuckController& stuck, std::string_view board, const Changes& changes,
+            const ConfigurationFile* file);
 
 }  // namespace fernwick::lab

@@ -141,6 +141,14 @@ Json MemberOf(const Json& object, const char* key) {
   return isThere ? object[key] : Json(nullptr);
 }
 
+// Empty where it is not an array of strings.
+std::optional<std::vector<std::string>> TextsOf(const Json& array) {
+  const bool isOfTexts = array.is_array() && std::ranges::all_of(array, [](const Json& each) {
+                           return each.is_string();
+                         });
+  return isOfTexts ? std::optional(array.get<std::vector<std::string>>()) : std::nullopt;
+}
+
 std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
   const auto name = MemberOf(each.row, "outcome");
   const auto runs = MemberOf(each.row, "runs");
@@ -148,11 +156,15 @@ std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
   const auto text = MemberOf(each.line, "text");
   const auto outcome =
       name.is_string() ? SettleOutcomeNamed(name.get<std::string>()) : std::nullopt;
-  if (!outcome || !runs.is_number_unsigned() || !text.is_string()) return std::nullopt;
+  const auto changes = TextsOf(MemberOf(each.row, "changes"));
+  if (!outcome || !runs.is_number_unsigned() || !text.is_string() || !changes) return std::nullopt;
   if (*outcome == SettleOutcome::Refused && !status.is_number_integer()) return std::nullopt;
   return SettledComputer{
-      *outcome, runs.get<std::size_t>(),
-      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt, each.isNamed,
+      *outcome,
+      runs.get<std::size_t>(),
+      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt,
+      each.isNamed,
+      *changes,
       isText ? text.get<std::string>() : PrintJsonRow(each.row)};
 }
 
@@ -241,6 +253,7 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   if (name == "settle") {
     SettleOutput output = {.format = format, .failOnList = options.survey.failOnList};
     const auto error = ReadSettleFailOn(output);
+    output.changes = TextsOf(MemberOf(rows.Header().options, "changes")).value_or(output.changes);
     return error.empty() ? MergeSettled(output, rows) : RefuseUsage(error);
   }
   if (!options.payload) return RefuseUsage("results of coverage need --payload");
