@@ -19,6 +19,7 @@
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
 #include "value/property_list_reader.h"
+#include "value/unicode/utf8.h"
 
 // A simulation with cycle detection: what a run plans depends on nothing but the registry, so that
 // everything repeats once a state does. Each state is remembered as a digest of 128 bits, which a
@@ -51,12 +52,9 @@ std::optional<PropertyValue> ReportedThunderboltVersion(Registry& registry, Regi
 std::optional<std::string> ShortText(const std::optional<PropertyValue>& value) {
   constexpr std::size_t MaxLength = 200;
   if (!value) return std::nullopt;
-  auto text = InlineText(*value);
+  const auto text = InlineText(*value);
   if (text.size() <= MaxLength) return text;
-  auto length = MaxLength;
-  while ((text[length] & 0xC0) == 0x80) --length;  // not inside a character
-  text.resize(length);
-  return text + "...";
+  return std::string(FirstCharacters(text, MaxLength)) + "...";
 }
 
 // The personalities of a run by the top-level key that they are under. REQUIRES: the run has
