@@ -114,4 +114,14 @@ std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
   return LabStatus::BadUsage;
 }
 
+std::vector<std::string_view> WordsOf(std::string_view list) {
+  std::vector<std::string_view> words;
+  while (true) {
+    const auto word = list.substr(0, list.find(','));
+    words.push_back(word);
+    if (word.size() == list.size()) return words;
+    list.remove_prefix(word.size() + 1);
+  }
+}
+
 }  // namespace fernwick::lab

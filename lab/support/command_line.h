@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -48,5 +49,8 @@ struct CommandLine {
 /// is named before anything else, with the most similar one.
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]);
+
+/// What is between the commas of an option's value: "" has one empty word.
+std::vector<std::string_view> WordsOf(std::string_view list);
 
 }  // namespace fernwick::lab

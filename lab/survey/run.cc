@@ -63,16 +63,13 @@ std::optional<LabError> FillRow(const ToolRun& run, const Options& options, Surv
   return std::nullopt;
 }
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
 Result<SurveyRow, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return SurveyRow{.file = path,
-                   .outcome = Outcome::Refused,
-                   .computerClass = ComputerClass::Refused,
-                   .status = error.status,
-                   .reason = Describe(error.error)};
+  SurveyRow row{.file = path,
+                .outcome = Outcome::Refused,
+                .computerClass = ComputerClass::Refused,
+                .status = error.status,
+                .reason = Describe(error.error)};
+  return RefusedUnlessLacking(path, error, std::move(row));
 }
 
 }  // namespace

@@ -26,12 +26,9 @@ void CompareRuns(const ToolRun& before, const ToolRun& after, DiffRow& row) {
   }
 }
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
 Result<ComparedComputer, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return ComparedComputer{{.file = path, .refusal = Describe(error.error)}, error.status};
+  ComparedComputer computer{{.file = path, .refusal = Describe(error.error)}, error.status};
+  return RefusedUnlessLacking(path, error, std::move(computer));
 }
 
 // Both payloads say the same of the computer, for a reason that is no decision.

@@ -14,10 +14,6 @@
 namespace fernwick::lab {
 namespace {
 
-Json ValueOrNull(const std::optional<PropertyValue>& value) {
-  return value ? ToJson(*value) : Json(nullptr);
-}
-
 std::string_view CauseName(RepetitionCause cause) {
   switch (cause) {
     case RepetitionCause::Undone: return "undone";
@@ -138,15 +134,12 @@ class RowWriter {
   SettleRow& row_;
 };
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
 Result<SettleRow, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return SettleRow{.file = path,
-                   .outcome = SettleOutcome::Refused,
-                   .status = error.status,
-                   .reason = Describe(error.error)};
+  SettleRow row{.file = path,
+                .outcome = SettleOutcome::Refused,
+                .status = error.status,
+                .reason = Describe(error.error)};
+  return RefusedUnlessLacking(path, error, std::move(row));
 }
 
 // The file with the locations is read for those that are stuck alone. Returns why it cannot be.

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "lab/support/command_line.h"
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
 
@@ -19,20 +20,6 @@ constexpr std::array<std::pair<std::string_view, SettleOutcome>, 5> FailingOutco
      {"abnormal", SettleOutcome::AbnormalEnd},
      {"no-plan", SettleOutcome::NoPlan},
      {"bypassed", SettleOutcome::Bypassed}}};
-
-// Reads "stuck,refused". Returns the word that is not an outcome; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list,
-                                       std::vector<SettleOutcome>& outcomes) {
-  for (;;) {
-    const auto word = list.substr(0, list.find(','));
-    const auto* const found =
-        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
-    if (found == FailingOutcomes.end()) return std::string(word);
-    outcomes.push_back(found->second);
-    if (word.size() == list.size()) return std::nullopt;
-    list.remove_prefix(word.size() + 1);
-  }
-}
 
 int StatusOf(const SettleOutput& output, const SettleTotals& totals, int refusal) {
   if (refusal != LabStatus::Done) return refusal;
@@ -51,10 +38,17 @@ std::string Describe(const std::vector<std::string>& changes) {
 }  // namespace
 
 std::string ReadSettleFailOn(SettleOutput& output) {
-  const auto word =
-      output.failOnList ? ParseFailOn(*output.failOnList, output.failOn) : std::nullopt;
-  if (!word) return "";
-  return "--fail-on: \"" + *word + "\" is not one of stuck, refused, abnormal, no-plan, bypassed";
+  if (!output.failOnList) return "";
+  for (const auto word : WordsOf(*output.failOnList)) {
+    const auto* const found =
+        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
+    if (found == FailingOutcomes.end()) {
+      return "--fail-on: \"" + std::string(word) +
+             "\" is not one of stuck, refused, abnormal, no-plan, bypassed";
+    }
+    output.failOn.push_back(found->second);
+  }
+  return "";
 }
 
 int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {

@@ -4,28 +4,14 @@
 #include <array>
 #include <utility>
 
+#include "lab/explain/print.h"
+
 namespace fernwick::lab {
 namespace {
 
 constexpr std::array<std::string_view, SettleOutcomeCount> OutcomeNames = {
     "settled", "stuck",    "never settles", "undecided",
     "no plan", "bypassed", "refused",       "abnormal end"};
-
-template <typename Value>
-Json OrNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
-Json TextOrNull(const std::string& text) {
-  return text.empty() ? Json(nullptr) : Json(text);
-}
-
-template <typename Range, typename Convert>
-Json ListOf(const Range& range, Convert convert) {
-  auto list = Json::array();
-  for (const auto& each : range) list.push_back(convert(each));
-  return list;
-}
 
 Json FlashJson(const NamedFlash& flash) {
   return {{"type", flash.type},
@@ -55,16 +41,9 @@ Json RepetitionJson(const NamedRepetition& repetition) {
           {"other", repetition.other ? FlashJson(*repetition.other) : Json(nullptr)}};
 }
 
-Json OriginJson(const std::optional<ValueOrigin>& origin) {
-  if (!origin) return nullptr;
-  if (!origin->option.empty()) return {{"option", origin->option}};
-  if (origin->line == 0) return {{"byte", origin->byte}};
-  return {{"line", origin->line}, {"column", origin->column}};
-}
-
 Json RequirementJson(const NamedRequirement& requirement) {
   return {{"key", requirement.key},       {"reason", requirement.reason},
-          {"text", requirement.text},     {"location", OriginJson(requirement.origin)},
+          {"text", requirement.text},     {"location", LocationJson(requirement.origin)},
           {"wanted", requirement.wanted}, {"found", requirement.found}};
 }
 
