@@ -49,11 +49,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], ReportArgum
       .description = Description,
       .footer = SelectionHelp + std::string(ReportFooter),
       .arguments = {
-          {.name = "-p,--payload",
-           .target = &into.payloads.payload,
-           .help = "the payload directory",
-           .least = 1,
-           .valueName = "PAYLOAD"},
+          PayloadArgument(into.payloads.payload),
           {.name = "--old",
            .target = &into.payloads.old,
            .help = "the payload that it is compared with",
@@ -108,11 +104,11 @@ int WritePage(const ReportArguments& arguments, const std::string& page) {
 // recording that is refused.
 int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, ReportPage& page,
               int& refusal, Console& console) {
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    auto reported = reporter.Report(selected);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    auto reported = reporter.Report(std::move(selected));
     if (!reported) return reported.Error();
-    const std::function<void()> add = [&, isNamed = selected.isNamed,
-                                       computer = *std::move(reported)] {
+    const std::function<void()> add = [&, isNamed, computer = *std::move(reported)] {
       const bool isRefused = computer.row.outcome == Outcome::Refused;
       if (isRefused && isNamed && refusal == LabStatus::Done) refusal = *computer.row.status;
       page.Add(computer);

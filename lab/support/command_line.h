@@ -35,6 +35,12 @@ struct Argument {
   std::string replaces = {};
 };
 
+/// -p: the payload directory, which the verb needs.
+Argument PayloadArgument(std::string& payload);
+
+/// --bypassVersion, the tool's option. `help` may say more.
+Argument BypassVersionArgument(bool& bypassVersion, std::string help = "as the tool's own");
+
 /// The arguments that a verb accepts, and the text of its help around their descriptions.
 struct CommandLine {
   std::string verb;

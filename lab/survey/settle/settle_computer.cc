@@ -159,10 +159,14 @@ std::optional<LabError> FindStuck(const Settling& settling, const Recording& rec
 }  // namespace
 
 Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work) {
-  const auto& path = selected.path;
   auto recording = LoadSelected(selected);
-  if (!recording) return Refused(path, recording.Error());
-  ChangedComputer computer(*std::move(recording));
+  if (!recording) return Refused(selected.path, recording.Error());
+  return SettleRecording(selected.path, *std::move(recording), work);
+}
+
+Result<SettleRow, LabError> SettleRecording(const std::string& path, Recording recording,
+                                            const SettleWork& work) {
+  ChangedComputer computer(std::move(recording));
   if (const auto error = ApplyChanges(work.changes, computer)) {
     return Refused(path, {*error, LabStatus::UnreadableInput});
   }
@@ -181,8 +185,9 @@ Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& 
   RowWriter writer(computer.Recorded(), settling, row);
   writer.Write(work.listsSteps);
   if (settling.end != SettleEnd::NothingMatches) return row;
-  if (auto failure = FindStuck(settling, computer.Recorded(), work, writer))
+  if (auto failure = FindStuck(settling, computer.Recorded(), work, writer)) {
     return *std::move(failure);
+  }
   return row;
 }
 
