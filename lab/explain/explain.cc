@@ -145,10 +145,7 @@ int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
   }
   // Without descriptors there is nothing to explain.
   const auto failure = ConfigurationFailure(explanation.run, options);
-  if (failure && failure->status == LabStatus::OutOfMemory) {
-    PrintError(failure->error.message);
-    return failure->status;
-  }
+  if (failure && failure->status == LabStatus::OutOfMemory) return PrintError(*failure);
   if (LacksController(explanation, filter)) {
     return PrintError(
         parsed.computer.Name(),

@@ -92,18 +92,13 @@ int RefuseUsage(const std::string& error) {
   return LabStatus::BadUsage;
 }
 
-int RefuseResults(const LabError& error) {
-  PrintError(error.error.message);
-  return error.status;
-}
-
 // Calls `add` with each row, until it returns false because the row is not one of the verb. Returns
 // as AddSurveyRows.
 template <typename Add>
 int ForEachRow(MergedRows& rows, Console& console, Add add) {
   for (;;) {
     const auto row = rows.Next();
-    if (!row) return RefuseResults(row.Error());
+    if (!row) return PrintError(row.Error());
     if (!*row) return LabStatus::Done;
     if (!add(**row)) {
       PrintError("the computer of index " + std::to_string((*row)->index) +
@@ -195,7 +190,7 @@ std::optional<CoveredRecording> CoveredOf(const Json& row) {
 int MergeCoverage(const MergeOptions& options, const CoverageOutput& output, MergedRows& rows) {
   const auto& header = rows.Header().options;
   const auto hash = PayloadHash(*options.payload);
-  if (!hash) return RefuseResults(hash.Error());
+  if (!hash) return PrintError(hash.Error());
   if (MemberOf(header, "payload") != *hash) {
     PrintError(*options.payload + ": this is not the payload of the results");
     return LabStatus::MalformedInput;
@@ -268,7 +263,7 @@ VerbEnd MergeVerb(int argumentCount, char* const arguments[]) {
   const auto line = CommandLineOf(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   auto rows = MergedRows::Open(options.results);
-  if (!rows) return RefuseResults(rows.Error());
+  if (!rows) return PrintError(rows.Error());
   const auto* const verb = std::ranges::find(MergedVerbs, rows->Header().verb, &MergedVerb::name);
   if (verb == std::end(MergedVerbs)) {
     PrintError(options.results.front() + ": there is no such verb as that of its first line");
