@@ -32,28 +32,44 @@ constexpr char NearMisses[] =
     "Min Version 3, engineering firmware 1\n"
     "  USBC 2 at 44:3, \"both.bin\": matched 1 of 8, rejected first by Port UUID 4, Version 1, "
     "engineering firmware 1, Port OTP Revision 1\n"
-    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 51:5\n"
-    "    Port UUID: 1 of 2 elements never matched: \"A2\" at 59:5\n"
+    "    Port Silicon Device ID 17 at 51:5: never matched, tested 6, rejected first by Port "
+    "Silicon Device ID 6\n"
+    "    Port Silicon Device ID 18 at 52:5: matched 1 of 6, rejected first by Port UUID 4, Port "
+    "OTP Revision 1\n"
+    "    Port UUID \"A0\" at 58:5: matched 1 of 4, rejected first by Port UUID 3\n"
+    "    Port UUID \"A2\" at 59:5: never matched, tested 3, rejected first by Port UUID 3\n"
     "  USBC 3 at 72:3: is a string\n"
     "  USBC 4 at 73:3, \"two.bin\": matched 1 of 7, rejected first by Port Address 4, Version 1, "
     "engineering firmware 1\n"
-    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 80:5\n"
+    "    Port Silicon Device ID 17 at 80:5: never matched, tested 1, rejected first by Port "
+    "Silicon Device ID 1\n"
+    "    Port Silicon Device ID 18 at 81:5: matched 1 of 1\n"
     "  USBC 5 at 90:3, \"any.bin\": matched 4 of 6, rejected first by Version 1, engineering "
     "firmware 1\n"
-    "    Port Silicon Device ID: 1 of 2 elements never matched: 17 at 97:5\n"
-    "    Port Address: 7 of 9 elements never matched: 2 at 106:5, 3 at 107:5, 4 at 108:5, 5 at "
-    "109:5, 6 at 110:5, 7 at 111:5, 8 at 112:5\n"
+    "    Port Silicon Device ID 17 at 97:5: never matched, tested 4, rejected first by Port "
+    "Silicon Device ID 4\n"
+    "    Port Silicon Device ID 18 at 98:5: matched 4 of 4\n"
+    "    Port Address 0 at 104:5: matched 3 of 4, rejected first by Port Address 1\n"
+    "    Port Address 1 at 105:5: matched 1 of 1\n"
+    "    Port Address 2 at 106:5, 3 at 107:5, 4 at 108:5, 5 at 109:5, 6 at 110:5, 7 at 111:5, 8 at "
+    "112:5: never tested\n"
     "  Thunderbolt 1 at 120:3, \"model.bin\": never matched, tested 8, rejected first by Version "
     "4, Device Model ID 3, engineering firmware 1\n"
+    "    Port Silicon Device ID 17 at 127:5: never matched, tested 3, rejected first by Port "
+    "Silicon Device ID 3\n"
+    "    Port Silicon Device ID 18 at 128:5: never matched, tested 3, rejected first by Device "
+    "Model ID 3\n"
+    "    Device Model Name \"Slate 13\" at 140:5: never matched, tested 3, rejected first by "
+    "Device Model ID 3\n"
+    "    Device Model Name \"Slate 15\" at 141:5: never tested\n"
     "  LegacyUSBC at 152:2: never matched, tested 8, rejected first by Version 7, Existing Max "
     "Version 1\n"
     "  LegacyThunderbolt 1 at 162:3, \"ridge.bin\": matched 4 of 5, rejected first by Version 1\n"
-    "12 recordings: 5 counted, 3 of boards that the payload lacks, 2 bypassed, 2 ended "
-    "abnormally\n"
+    "12 recordings: 5 counted, 3 of boards that the payload lacks, 2 bypassed, 2 ended abnormally\n"
     "1 board: 0 without a recording\n"
     "4 of 7 personalities and 6 of 24 list elements matched: 32.2 %\n";
 
-TEST(Coverage, PrintsEveryPersonalityAndTheElementsThatNothingMatched) {
+TEST(Coverage, PrintsEveryPersonalityAndEveryElementThatWasTested) {
   for (const auto* jobs : {"-j1", "-j4"}) {
     ExpectOutcome(Cover({"payloads/near-misses", "recordings", jobs}), {"0", NearMisses, ""});
   }
@@ -161,7 +177,9 @@ constexpr char WholeJson[] = R"({
                         "line": 3,
                         "column": 1
                       },
-                      "matched": 2
+                      "tested": 2,
+                      "matched": 2,
+                      "rejectedFirst": []
                     },
                     {
                       "value": {
@@ -171,7 +189,9 @@ constexpr char WholeJson[] = R"({
                         "line": 4,
                         "column": 1
                       },
-                      "matched": 0
+                      "tested": 0,
+                      "matched": 0,
+                      "rejectedFirst": []
                     }
                   ]
                 }
@@ -252,6 +272,7 @@ constexpr char WholeJson[] = R"({
   },
   "elements": {
     "all": 2,
+    "tested": 1,
     "matched": 1
   },
   "percent": 50.0
@@ -274,7 +295,8 @@ TEST_F(CoverageOfPayload, NamesBoardsWithoutARecordingOrAConfiguration) {
                 {"0",
                  "Zed-1: 1 recording, 1 of 1 personality and 1 of 2 list elements matched\n"
                  "  LegacyUSBC at 1:28: matched 1 of 1\n"
-                 "    Port Address: 1 of 2 elements never matched: <5a> at 4:1\n"
+                 "    Port Address 1 at 3:1: matched 1 of 1\n"
+                 "    Port Address <5a> at 4:1: never tested\n"
                  "  X\\177 at 4:33: names no type and is not read\n"
                  "Zed-2: no recording, 0 of 1 personality and 0 of 0 list elements matched\n"
                  "Zed-3: no recording, there is no Config.plist\n"
@@ -286,16 +308,44 @@ TEST_F(CoverageOfPayload, NamesBoardsWithoutARecordingOrAConfiguration) {
                  ""});
 }
 
-TEST_F(CoverageOfPayload, ShowsSoManyElementsOfAList) {
+// A configuration with this list of addresses.
+std::string WithAddresses(const std::vector<int>& addresses) {
   std::string list;
-  for (int i = 1; i < 11; ++i) list += "<integer>" + std::to_string(i) + "</integer>";
+  for (const int address : addresses) list += "<integer>" + std::to_string(address) + "</integer>";
+  return "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>"
+         "<key>Port Address</key>\n<array>" +
+         list + "</array></dict></dict>";
+}
+
+TEST_F(CoverageOfPayload, PrintsElementsWithEqualCountsInOneLine) {
+  const auto linesOf = [&](const std::vector<int>& addresses) {
+    Write("payload/Fernwick/Zed-1/Config.plist", WithAddresses(addresses));
+    const auto text = Cover({"."}).standardOutput;
+    const auto first = text.find("    Port Address");
+    return text.substr(first, text.find("1 recording:") - first);
+  };
+  EXPECT_EQ(linesOf({8, 7, 1, 6, 5}),
+            "    Port Address 8 at 2:8, 7 at 2:28: never matched, tested 1, rejected first by Port "
+            "Address 1\n"
+            "    Port Address 1 at 2:48: matched 1 of 1\n"
+            "    Port Address 6 at 2:68, 5 at 2:88: never tested\n");
+  EXPECT_NE(
+      linesOf({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}).find(" 9 at 2:168 and 2 more: never tested\n"),
+      std::string::npos);
+}
+
+TEST_F(CoverageOfPayload, PrintsNothingOfAListThatIsNotReached) {
+  const std::string result = "  LegacyUSBC at 1:28: never matched, tested 1, rejected first by ";
+  const auto find = [&](const std::string& text) {
+    const auto found = Cover({"."}).standardOutput;
+    EXPECT_NE(found.find(text), std::string::npos) << found;
+  };
+  Write("payload/Fernwick/Zed-1/Config.plist", WithAddresses({}));
+  find(result + "Port Address 1\n1 recording:");
   Write("payload/Fernwick/Zed-1/Config.plist",
-        "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>"
-        "<key>Port Address</key><array>" +
-            list + "</array></dict></dict>");
-  const auto text = Cover({"."}).standardOutput;
-  EXPECT_NE(text.find(": 9 of 10 elements never matched: 2 at "), std::string::npos) << text;
-  EXPECT_NE(text.find(", 9 at 1:262, ...\n"), std::string::npos) << text;
+        "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>1</integer>"
+        "<key>Port Address</key><array><integer>1</integer></array></dict></dict>");
+  find(result + "Version 1\n1 recording:");
 }
 
 TEST_F(CoverageOfPayload, CountsRefusedRecordingsAndFailsForNamedOnes) {

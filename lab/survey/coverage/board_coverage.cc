@@ -1,12 +1,13 @@
-// Dense counters: one for each personality and each list element, and for each personality one more
-// for every requirement that some pair fails first. A run is counted from its trace, by testing the
-// rejected pairs again up to the first failure. O(pairs x requirements) for each run, as the
-// matcher itself; memory is linear in the configuration.
+// Dense counters: two for each personality and each list element, and one more for every
+// requirement that rejects some of them first. A run is counted from its trace, by testing the
+// rejected pairs again up to the first failure, and comparing the values of lists up to the first
+// equal one. So it makes the comparisons of the matcher once more, O(pairs x requirements) for each
+// run without long lists; memory is linear in the configuration.
 
 #include "lab/survey/coverage/board_coverage.h"
 
 #include <algorithm>
-#include <numeric>
+#include <span>
 
 namespace fernwick::lab {
 namespace {
@@ -19,31 +20,35 @@ const Requirement* FindSetMatch(TypeSet type, std::string_view key) {
   return found == requirements.end() ? nullptr : &*found;
 }
 
+void Resize(TestCounts& counts, std::size_t items, TypeSet type) {
+  counts.tested.resize(items);
+  counts.matched.resize(items);
+  counts.rejected.resize(RequirementsOf(type).size());
+}
+
 TypeCoverage NothingOf(std::string_view typeName, const PropertyValue& value) {
-  const auto type = TypeNamed(typeName);
-  TypeCoverage coverage{.type = type};
+  TypeCoverage coverage;
+  coverage.type = TypeNamed(typeName);
   const auto candidates = PersonalitiesOf(typeName, value);
-  if (type == Types::None || !candidates) return coverage;
+  if (coverage.type == Types::None || !candidates) return coverage;
   std::size_t elements = 0;
   for (const auto& candidate : *candidates) {
     coverage.firstElement.push_back(elements);
     const auto personality = candidate.AsDictionary();
     coverage.isPersonality.push_back(personality.has_value());
     if (!personality) continue;
-    ForEachList(type, *personality,
+    ForEachList(coverage.type, *personality,
                 [&](const Requirement&, Array list) { elements += list.size(); });
   }
-  coverage.tested.resize(candidates->size());
-  coverage.matched.resize(candidates->size());
-  coverage.elements.resize(elements);
-  coverage.rejected.resize(RequirementsOf(type).size());
+  Resize(coverage, candidates->size(), coverage.type);
+  Resize(coverage.elements, elements, coverage.type);
   return coverage;
 }
 
 // Whether both are of the same personalities and lists.
 bool HaveSameShape(const TypeCoverage& a, const TypeCoverage& b) {
   return a.type == b.type && a.isPersonality == b.isPersonality &&
-         a.firstElement == b.firstElement && a.elements.size() == b.elements.size();
+         a.firstElement == b.firstElement && a.elements.tested.size() == b.elements.tested.size();
 }
 
 void AddCounts(std::vector<std::size_t>& counts, const std::vector<std::size_t>& others) {
@@ -51,60 +56,93 @@ void AddCounts(std::vector<std::size_t>& counts, const std::vector<std::size_t>&
   for (std::size_t i = 0; i < others.size(); ++i) counts[i] += others[i];
 }
 
+// Of how many items the count is not zero.
+std::size_t Exercised(const std::vector<std::size_t>& counts) {
+  const auto zeros = std::ranges::count(counts, std::size_t{0});
+  return counts.size() - static_cast<std::size_t>(zeros);
+}
+
 // Counts the pairs of one top-level key.
 class PairCounter {
  public:
   PairCounter(const RunResult& result, const KeyTrace& trace, Array candidates,
               TypeCoverage& coverage)
-      : result_(result), trace_(trace), candidates_(candidates), coverage_(coverage) {}
+      : result_(result),
+        trace_(trace),
+        candidates_(candidates),
+        requirements_(RequirementsOf(coverage.type)),
+        coverage_(coverage) {}
 
   void Count() {
     for (std::size_t i = 0; i < trace_.matched.size(); ++i) {
-      for (std::size_t j = 0; j < candidates_.size(); ++j) CountPair(i, j);
+      const RequirementContext context = {trace_.inventory.records[i],
+                                          result_.identity->boardRevision,
+                                          result_.bypassesVersionCheck};
+      for (std::size_t j = 0; j < candidates_.size(); ++j) {
+        const auto outcome = trace_.OutcomeOf(i, j);
+        if (outcome == PairOutcome::Matched) CountPair(context, j, requirements_.size());
+        if (outcome == PairOutcome::Rejected) CountPair(context, j, FirstFailure(context, j));
+      }
     }
   }
 
  private:
-  void CountPair(std::size_t controller, std::size_t index) {
-    const auto outcome = trace_.OutcomeOf(controller, index);
-    if (outcome == PairOutcome::Rejected) CountRejection(controller, index);
-    if (outcome == PairOutcome::Matched) CountMatch(controller, index);
-  }
-
-  void CountRejection(std::size_t controller, std::size_t index) {
-    ++coverage_.tested[index];
-    const RequirementContext context = {trace_.inventory.records[controller],
-                                        result_.identity->boardRevision,
-                                        result_.bypassesVersionCheck};
+  std::size_t FirstFailure(const RequirementContext& context, std::size_t index) const {
     const auto personality = *candidates_[index].AsDictionary();
-    const auto requirements = RequirementsOf(coverage_.type);
-    const auto first = std::ranges::find_if(requirements, [&](const Requirement& requirement) {
+    const auto first = std::ranges::find_if(requirements_, [&](const Requirement& requirement) {
       return Test(requirement, personality, context).failure.has_value();
     });
-    auto& counts = coverage_.rejected[static_cast<std::size_t>(first - requirements.begin())];
-    counts.resize(candidates_.size());
-    ++counts[index];
+    return static_cast<std::size_t>(first - requirements_.begin());
   }
 
-  void CountMatch(std::size_t controller, std::size_t index) {
-    ++coverage_.tested[index];
-    ++coverage_.matched[index];
-    const auto& hardware = trace_.inventory.records[controller];
-    auto* count = coverage_.elements.data() + coverage_.firstElement[index];
+  // `first` as in TestCounts.
+  void CountPair(const RequirementContext& context, std::size_t index, std::size_t first) {
+    coverage_.Count(index, first);
+    auto element = coverage_.firstElement[index];
     ForEachList(coverage_.type, *candidates_[index].AsDictionary(),
                 [&](const Requirement& requirement, Array list) {
-                  const auto& found = *hardware.Find(requirement.hardwareKey);
-                  for (const auto& element : list) *count++ += requirement.equal(element, found);
+                  const auto* found = context.hardware.Find(requirement.hardwareKey);
+                  if (found != nullptr) CountList(list, element, *found, requirement, first);
+                  element += list.size();
                 });
+  }
+
+  // `element` is the index of the first one.
+  void CountList(Array list, std::size_t element, const PropertyValue& found,
+                 const Requirement& requirement, std::size_t first) {
+    const auto own = static_cast<std::size_t>(&requirement - requirements_.data());
+    if (first < own) return;
+    for (const auto& value : list) {
+      const bool isEqual = requirement.equal(value, found);
+      coverage_.elements.Count(element++, isEqual ? first : own);
+      if (isEqual) return;
+    }
   }
 
   const RunResult& result_;
   const KeyTrace& trace_;
   Array candidates_;
+  std::span<const Requirement> requirements_;
   TypeCoverage& coverage_;
 };
 
 }  // namespace
+
+void TestCounts::Count(std::size_t item, std::size_t first) {
+  ++tested[item];
+  if (first == rejected.size()) {
+    ++matched[item];
+    return;
+  }
+  rejected[first].resize(tested.size());
+  ++rejected[first][item];
+}
+
+void TestCounts::Add(const TestCounts& other) {
+  AddCounts(tested, other.tested);
+  AddCounts(matched, other.matched);
+  for (std::size_t i = 0; i < rejected.size(); ++i) AddCounts(rejected[i], other.rejected[i]);
+}
 
 BoardCoverage::BoardCoverage(const PropertyValue& configuration) {
   const auto topLevel = configuration.AsDictionary();
@@ -116,12 +154,8 @@ bool BoardCoverage::Add(const BoardCoverage& other) {
   if (!std::ranges::equal(keys, other.keys, HaveSameShape)) return false;
   runs += other.runs;
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    AddCounts(keys[i].tested, other.keys[i].tested);
-    AddCounts(keys[i].matched, other.keys[i].matched);
-    AddCounts(keys[i].elements, other.keys[i].elements);
-    for (std::size_t j = 0; j < keys[i].rejected.size(); ++j) {
-      AddCounts(keys[i].rejected[j], other.keys[i].rejected[j]);
-    }
+    keys[i].Add(other.keys[i]);
+    keys[i].elements.Add(other.keys[i].elements);
   }
   return true;
 }
@@ -147,22 +181,21 @@ CoverageCounts& CoverageCounts::operator+=(const CoverageCounts& other) {
   testedPersonalities += other.testedPersonalities;
   matchedPersonalities += other.matchedPersonalities;
   elements += other.elements;
+  testedElements += other.testedElements;
   matchedElements += other.matchedElements;
   return *this;
 }
 
 CoverageCounts CountsOf(const BoardCoverage& coverage) {
-  const auto size = [](auto count) { return static_cast<std::size_t>(count); };
-  const auto exercised = [&](const std::vector<std::size_t>& counts) {
-    return counts.size() - size(std::ranges::count(counts, std::size_t{0}));
-  };
   CoverageCounts counts;
   for (const auto& key : coverage.keys) {
-    counts += {.personalities = size(std::ranges::count(key.isPersonality, true)),
-               .testedPersonalities = exercised(key.tested),
-               .matchedPersonalities = exercised(key.matched),
-               .elements = key.elements.size(),
-               .matchedElements = exercised(key.elements)};
+    const auto personalities = std::ranges::count(key.isPersonality, true);
+    counts += {.personalities = static_cast<std::size_t>(personalities),
+               .testedPersonalities = Exercised(key.tested),
+               .matchedPersonalities = Exercised(key.matched),
+               .elements = key.elements.tested.size(),
+               .testedElements = Exercised(key.elements.tested),
+               .matchedElements = Exercised(key.elements.matched)};
   }
   return counts;
 }

@@ -12,20 +12,40 @@
 
 namespace fernwick::lab {
 
-/// What runs exercised of one top-level key of a configuration. All counts are of pairs of a
-/// personality and a controller, over all runs. Without candidates where the key names no type or
-/// its value has another shape.
-struct TypeCoverage {
+/// How often each of several items was tested against a controller, by index: the personalities of
+/// a key, or the elements of their lists. An item is tested as often as it matches and is rejected.
+struct TestCounts {
+  std::vector<std::size_t> tested = {};
+  std::vector<std::size_t> matched = {};
+
+  /// By the requirements of the type, then by item: how often it was rejected by that one first.
+  /// Those of a requirement that rejects nothing first are empty: a configuration may have many
+  /// personalities.
+  std::vector<std::vector<std::size_t>> rejected = {};
+
+  /// Counts a test of an item. `first` is the index of the requirement that rejects it first; that
+  /// after the last one where it matches.
+  void Count(std::size_t item, std::size_t first);
+
+  /// Adds the counts of other runs. REQUIRES: they are of the same items.
+  void Add(const TestCounts& other);
+
+  friend bool operator==(const TestCounts&, const TestCounts&) = default;
+};
+
+/// What runs exercised of one top-level key of a configuration: the counts of its candidates, for
+/// pairs of a personality and a controller, not those after a match. Without candidates where the
+/// key names no type or its value has another shape.
+struct TypeCoverage : TestCounts {
   TypeSet type = Types::None;
   std::vector<bool> isPersonality = {};        // by candidate: whether it is a dictionary
-  std::vector<std::size_t> tested = {};        // by candidate; not those after a match
-  std::vector<std::size_t> matched = {};       // by candidate
   std::vector<std::size_t> firstElement = {};  // by candidate: the index in `elements`
-  std::vector<std::size_t> elements = {};      // matches whose controller has the element's value
 
-  /// By the requirements of the type, then by candidate: the pairs that fail it first. Those of a
-  /// requirement that no pair fails first are empty: a configuration may have many personalities.
-  std::vector<std::vector<std::size_t>> rejected = {};
+  /// The elements of all lists. One is tested when the value of a controller is compared with it:
+  /// the personality is tested, no requirement before that of the list rejects it, the controller
+  /// has a value, and no element before it in the list is equal. It is rejected by the requirement
+  /// of its list where it is not equal, otherwise by the first one that rejects the personality.
+  TestCounts elements = {};
 
   friend bool operator==(const TypeCoverage&, const TypeCoverage&) = default;
 };
@@ -54,6 +74,7 @@ struct CoverageCounts {
   std::size_t testedPersonalities = 0;
   std::size_t matchedPersonalities = 0;
   std::size_t elements = 0;
+  std::size_t testedElements = 0;
   std::size_t matchedElements = 0;
 
   CoverageCounts& operator+=(const CoverageCounts& other);

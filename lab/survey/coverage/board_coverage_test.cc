@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
 #include <random>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "lab/explain/explanation.h"
@@ -65,10 +66,49 @@ TEST(BoardCoverage, CountsPairsMatchesAndElements) {
   EXPECT_EQ(coverage.runs, 1u);
   EXPECT_EQ(key.tested, Counts{5});
   EXPECT_EQ(key.matched, Counts{2});
-  EXPECT_EQ(key.elements, (Counts{2, 0, 2, 0}));
+  // A value that equals an element is not compared with the next ones.
+  EXPECT_EQ(key.elements.tested, (Counts{3, 1, 1, 1}));
+  EXPECT_EQ(key.elements.matched, (Counts{2, 0, 0, 0}));
+  EXPECT_EQ(key.elements.rejected[5], (Counts{1, 1, 1, 1}));
+  EXPECT_EQ(key.elements.rejected[0], Counts{});
   EXPECT_EQ(key.rejected[0], Counts{2});  // not newer
   EXPECT_EQ(key.rejected[5], Counts{1});  // another address
   EXPECT_EQ(key.rejected[1], Counts{});
+}
+
+TEST(BoardCoverage, CountsElementsOfTheListsThatAreReached) {
+  const Bench bench(Dict({{"USBC", List({Dict({{"Version", 9},
+                                               {"RID", List({0, 1})},
+                                               {"Port Silicon Vendor ID", List({1, 2})},
+                                               {"Port Silicon Device ID", 1},
+                                               {"Port OTP Revision", List({1})},
+                                               {"Port Silicon Revision", Array()}})})}}));
+  Computer computer;
+  computer.SetBoard("Zed-42", 3);
+  const auto add = [&](int version, int rid, int vendor, int device) {
+    computer.AddPort("hpm", {{"Version", version},
+                             {"RID", rid},
+                             {"Vendor ID", vendor},
+                             {"Device ID", device},
+                             {"Revision ID", 3}});
+  };
+  add(9, 0, 1, 1);                            // rejected before any list
+  add(1, 2, 1, 1);                            // by the first list
+  add(1, 1, 3, 1);                            // by the next one
+  add(1, 0, 2, 5);                            // after it
+  add(1, 0, 1, 1);                            // by the list without elements
+  computer.AddPort("hpm", {{"Version", 1}});  // has no value for the first list
+  const auto elements = bench.Of(computer).keys[0].elements;
+  const auto rejected = [&](std::string_view key) {
+    const auto table = RequirementsOf(Types::Usbc);
+    const auto found = std::ranges::find(table, key, &Requirement::key);
+    return elements.rejected[static_cast<std::size_t>(found - table.begin())];
+  };
+  EXPECT_EQ(elements.tested, (Counts{4, 2, 3, 2, 0}));
+  EXPECT_EQ(rejected("RID"), (Counts{2, 1, 0, 0, 0}));
+  EXPECT_EQ(rejected("Port Silicon Vendor ID"), (Counts{0, 1, 2, 1, 0}));
+  EXPECT_EQ(rejected("Port Silicon Device ID"), (Counts{1, 0, 0, 1, 0}));
+  EXPECT_EQ(rejected("Port Silicon Revision"), (Counts{1, 0, 1, 0, 0}));
 }
 
 TEST(BoardCoverage, CountsNoPairAfterAMatch) {
@@ -102,7 +142,9 @@ TEST(BoardCoverage, AddsRuns) {
   EXPECT_EQ(sum, other);
   EXPECT_EQ(sum.runs, 2u);
   EXPECT_EQ(sum.keys[0].tested, Counts{4});
-  EXPECT_EQ(sum.keys[0].elements, (Counts{1, 1}));
+  EXPECT_EQ(sum.keys[0].elements.tested, (Counts{3, 2}));
+  EXPECT_EQ(sum.keys[0].elements.matched, (Counts{1, 1}));
+  EXPECT_EQ(sum.keys[0].elements.rejected[5], (Counts{2, 1}));
   EXPECT_EQ(sum.keys[0].rejected[0], Counts{1});
   EXPECT_EQ(sum.keys[0].rejected[5], Counts{1});
 }
@@ -165,39 +207,59 @@ TEST(CoverageCounts, RoundDown) {
 }
 
 // The same counts, from the explanation of the run.
-BoardCoverage Recounted(const Explanation& explanation) {
-  BoardCoverage coverage(explanation.run.result.configuration->value);
-  coverage.runs = 1;
-  for (std::size_t i = 0; i < explanation.keys.size(); ++i) {
-    const auto& key = explanation.keys[i];
-    auto& counts = coverage.keys[i];
-    for (const auto& controller : key.controllers) {
-      for (const auto& pair : controller.pairs) {
-        if (pair.outcome != PairOutcome::Matched && pair.outcome != PairOutcome::Rejected) continue;
-        ++counts.tested[pair.personality];
-        const auto personality =
-            *(*PersonalitiesOf(key.key, key.value))[pair.personality].AsDictionary();
-        if (pair.outcome == PairOutcome::Rejected) {
-          const auto* first = pair.failures.front().failed.requirement;
-          auto& rejected =
-              counts.rejected[static_cast<std::size_t>(first - RequirementsOf(key.type).data())];
-          rejected.resize(counts.tested.size());
-          ++rejected[pair.personality];
-          continue;
-        }
-        ++counts.matched[pair.personality];
-        auto index = counts.firstElement[pair.personality];
-        ForEachList(key.type, personality, [&](const Requirement& requirement, Array list) {
-          for (const auto& element : list) {
-            const auto* found = controller.record.Find(requirement.key);
-            const bool isEqual = NumbersEqual(element, *found) || StringsEqual(element, *found);
-            counts.elements[index++] += isEqual ? 1 : 0;
-          }
-        });
+class Recount {
+ public:
+  explicit Recount(const Explanation& explanation)
+      : coverage_(explanation.run.result.configuration->value) {
+    coverage_.runs = 1;
+    for (std::size_t i = 0; i < explanation.keys.size(); ++i) {
+      const auto& key = explanation.keys[i];
+      for (const auto& controller : key.controllers) {
+        for (const auto& pair : controller.pairs) Add(key, controller, pair, coverage_.keys[i]);
       }
     }
   }
-  return coverage;
+
+  const BoardCoverage& Coverage() const { return coverage_; }
+
+ private:
+  static void Add(const ExplainedKey& key, const ExplainedController& controller,
+                  const ExplainedPair& pair, TypeCoverage& counts) {
+    if (pair.outcome != PairOutcome::Matched && pair.outcome != PairOutcome::Rejected) return;
+    const auto* const table = RequirementsOf(key.type).data();
+    const auto* const first = pair.outcome == PairOutcome::Matched
+                                  ? table + RequirementsOf(key.type).size()
+                                  : pair.failures.front().failed.requirement;
+    const auto add = [&](TestCounts& to, std::size_t item, const Requirement* rejection) {
+      to.Count(item, static_cast<std::size_t>(rejection - table));
+    };
+    add(counts, pair.personality, first);
+    auto element = counts.firstElement[pair.personality];
+    const auto personality =
+        *(*PersonalitiesOf(key.key, key.value))[pair.personality].AsDictionary();
+    ForEachList(key.type, personality, [&](const Requirement& own, Array list) {
+      const auto* found = controller.record.Find(own.key);
+      bool isTested = &own <= first && found != nullptr;
+      for (const auto& value : list) {
+        const bool isEqual =
+            isTested && (NumbersEqual(value, *found) || StringsEqual(value, *found));
+        if (isTested) add(counts.elements, element, isEqual ? first : &own);
+        isTested = isTested && !isEqual;
+        ++element;
+      }
+    });
+  }
+
+  BoardCoverage coverage_;
+};
+
+// What rejects an item and what matches it are all its tests.
+void ExpectSums(const TestCounts& counts) {
+  for (std::size_t i = 0; i < counts.tested.size(); ++i) {
+    auto sum = counts.matched[i];
+    for (const auto& rejected : counts.rejected) sum += rejected.empty() ? 0 : rejected[i];
+    EXPECT_EQ(sum, counts.tested[i]);
+  }
 }
 
 TEST(BoardCoverage, AgreesWithTheExplanationsOfRandomPairs) {
@@ -212,10 +274,15 @@ TEST(BoardCoverage, AgreesWithTheExplanationsOfRandomPairs) {
         Explain(pair.computer.Recorded(), ToolOptions(bench.Path(), pair.bypassVersion));
     if (explanation.keys.empty()) continue;  // nothing was matched
     const auto coverage = bench.Of(pair.computer, pair.bypassVersion);
-    EXPECT_EQ(coverage, Recounted(explanation));
+    EXPECT_EQ(coverage, Recount(explanation).Coverage());
+    for (const auto& key : coverage.keys) {
+      ExpectSums(key);
+      ExpectSums(key.elements);
+    }
     all += CountsOf(coverage);
   }
   EXPECT_GE(all.matchedPersonalities, static_cast<std::size_t>(CountedPairs) / 10);
+  EXPECT_GE(all.testedElements, all.matchedElements);
   EXPECT_GE(all.matchedElements, static_cast<std::size_t>(CountedPairs) / 10);
 }
 

@@ -23,10 +23,12 @@ constexpr char Description[] =
     "others first, and what no recording exercises.";
 
 constexpr char CoverageFooter[] =
-    "\nOnly pairs that the tool tests count: a controller that matched a personality is not tested "
-    "against\nlater ones. An element counts as matched when a match has its value; the lists are "
-    "those of the keys\nof which a controller needs one value. A run that is bypassed or ends "
-    "abnormally is not counted.\n\n"
+    "\nOnly what the tool tests counts: a controller that matched a personality is not tested "
+    "against\nlater ones, and a value that equals an element of a list is not compared with later "
+    "ones. An\nelement is rejected by the key of its list where a controller has another value. "
+    "The "
+    "lists are those\nof the keys of which a controller needs one value. A run that is bypassed or "
+    "ends abnormally is\nnot counted.\n\n"
     "The percentage is that of the personalities and elements of all boards, also of those without "
     "a\nrecording, that some controller matched. --bypassVersion matches more.\n\n"
     "Status, after everything: 65 or 66 when a RECORDING that is named on the command line, or a\n"

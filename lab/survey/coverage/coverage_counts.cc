@@ -1,6 +1,8 @@
 #include "lab/survey/coverage/coverage_counts.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <vector>
 
 namespace fernwick::lab {
@@ -23,36 +25,42 @@ bool AddSparse(const Json& list, std::size_t size, std::vector<std::size_t>& cou
   return AddList(list, counts);
 }
 
-Json KeyToJson(const TypeCoverage& coverage) {
-  return {{"tested", coverage.tested},
-          {"matched", coverage.matched},
-          {"elements", coverage.elements},
-          {"rejected", coverage.rejected}};
+Json TestsToJson(const TestCounts& counts) {
+  return {{"tested", counts.tested}, {"matched", counts.matched}, {"rejected", counts.rejected}};
+}
+
+bool HasMembers(const Json& json, std::initializer_list<const char*> names) {
+  return json.is_object() &&
+         std::ranges::all_of(names, [&](const char* name) { return json.contains(name); });
+}
+
+bool AddTests(const Json& json, TestCounts& counts) {
+  if (!HasMembers(json, {"tested", "matched", "rejected"})) return false;
+  const auto& rejected = json["rejected"];
+  if (!rejected.is_array() || rejected.size() != counts.rejected.size()) return false;
+  for (std::size_t i = 0; i < rejected.size(); ++i) {
+    if (!AddSparse(rejected[i], counts.tested.size(), counts.rejected[i])) return false;
+  }
+  return AddList(json["tested"], counts.tested) && AddList(json["matched"], counts.matched);
 }
 
 bool AddKey(const Json& json, TypeCoverage& coverage) {
-  for (const auto* name : {"tested", "matched", "elements", "rejected"}) {
-    if (!json.is_object() || !json.contains(name)) return false;
-  }
-  const auto& rejected = json["rejected"];
-  if (!rejected.is_array() || rejected.size() != coverage.rejected.size()) return false;
-  for (std::size_t i = 0; i < rejected.size(); ++i) {
-    if (!AddSparse(rejected[i], coverage.tested.size(), coverage.rejected[i])) return false;
-  }
-  return AddList(json["tested"], coverage.tested) && AddList(json["matched"], coverage.matched) &&
-         AddList(json["elements"], coverage.elements);
+  return HasMembers(json, {"personalities", "elements"}) &&
+         AddTests(json["personalities"], coverage) && AddTests(json["elements"], coverage.elements);
 }
 
 }  // namespace
 
 Json CountsToJson(const BoardCoverage& coverage) {
   auto keys = Json::array();
-  for (const auto& key : coverage.keys) keys.push_back(KeyToJson(key));
+  for (const auto& key : coverage.keys) {
+    keys.push_back({{"personalities", TestsToJson(key)}, {"elements", TestsToJson(key.elements)}});
+  }
   return {{"runs", coverage.runs}, {"keys", std::move(keys)}};
 }
 
 bool AddCountsOf(const Json& counts, BoardCoverage& coverage) {
-  if (!counts.is_object() || !counts.contains("runs") || !counts.contains("keys")) return false;
+  if (!HasMembers(counts, {"runs", "keys"})) return false;
   const auto& keys = counts["keys"];
   if (!counts["runs"].is_number_unsigned() || !keys.is_array()) return false;
   if (keys.size() != coverage.keys.size()) return false;

@@ -46,7 +46,7 @@ struct CoverageTotals {
   RecordingCounts recordings = {};
 };
 
-/// Of the pairs of a personality, those that a requirement rejected first.
+/// Of the tests of a personality or of an element, those that a requirement rejected first.
 struct Rejection {
   const Requirement* requirement;
   std::size_t count;
@@ -54,6 +54,9 @@ struct Rejection {
 
 /// In the order of the table, without those that rejected none.
 std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality);
+
+/// The same of an element.
+std::vector<Rejection> RejectionsOfElement(const TypeCoverage& coverage, std::size_t element);
 
 /// "Version 3, RID 1", the most frequent first.
 std::string RejectionsText(std::vector<Rejection> rejections);
@@ -79,8 +82,9 @@ class CoverageFormat {
   Console& console_;
 };
 
-/// For people: of every board with a run a line for each personality, with the elements of its
-/// lists that no match had if others did, and a line for every other board.
+/// For people: of every board with a run a line for each personality and for each element of a list
+/// of which any was tested, and a line for every other board. Elements next to each other with
+/// equal counts share a line.
 std::unique_ptr<CoverageFormat> MakeCoverageText(Console& console);
 
 /// One JSON document with every personality and every element of a list.

@@ -1,4 +1,5 @@
 #include <string>
+#include <vector>
 
 #include "lab/explain/print.h"
 #include "lab/support/json_stream.h"
@@ -8,9 +9,9 @@
 namespace fernwick::lab {
 namespace {
 
-Json RejectionsJson(const TypeCoverage& coverage, std::size_t index) {
+Json RejectionsJson(const std::vector<Rejection>& rejections) {
   auto list = Json::array();
-  for (const auto& [requirement, count] : RejectionsOf(coverage, index)) {
+  for (const auto& [requirement, count] : rejections) {
     list.push_back(
         {{"key", requirement->key}, {"hardwareKey", requirement->hardwareKey}, {"count", count}});
   }
@@ -66,7 +67,7 @@ class ConfigurationJson {
                         {"firmware", ToJson(personality.Find("Firmware"))},
                         {"tested", coverage.tested[index]},
                         {"matched", coverage.matched[index]},
-                        {"rejectedFirst", RejectionsJson(coverage, index)}});
+                        {"rejectedFirst", RejectionsJson(RejectionsOf(coverage, index))}});
     PrintLists(personality, location, coverage, index);
     stream_.End();
   }
@@ -74,24 +75,30 @@ class ConfigurationJson {
   void PrintLists(Dictionary personality, const ValueLocation& location,
                   const TypeCoverage& coverage, std::size_t index) {
     const KeyLocations keys(&location);
-    const auto* counts = coverage.elements.data() + coverage.firstElement[index];
+    auto element = coverage.firstElement[index];
     stream_.Begin("lists", '[');
     ForEachList(coverage.type, personality, [&](const Requirement& requirement, Array list) {
-      PrintList(*keys.Find(requirement.key), list, counts);
-      counts += list.size();
+      PrintList(*keys.Find(requirement.key), list, coverage, element);
+      element += list.size();
     });
     stream_.End();
   }
 
-  void PrintList(const KeyLocation& key, Array list, const std::size_t* counts) {
+  // `first` is the index of the first element.
+  void PrintList(const KeyLocation& key, Array list, const TypeCoverage& coverage,
+                 std::size_t first) {
     stream_.Begin('{');
     stream_.AddMembers({{"key", key.key}, {"location", LocationOf(key.offset)}});
     stream_.Begin("elements", '[');
     for (std::size_t i = 0; i < list.size(); ++i) {
+      const auto element = first + i;
       stream_.Begin('{');
       stream_.AddMember("value", list[i]);
       stream_.AddMembers(
-          {{"location", LocationOf(key.value.Elements()[i].offset)}, {"matched", counts[i]}});
+          {{"location", LocationOf(key.value.Elements()[i].offset)},
+           {"tested", coverage.elements.tested[element]},
+           {"matched", coverage.elements.matched[element]},
+           {"rejectedFirst", RejectionsJson(RejectionsOfElement(coverage, element))}});
       stream_.End();
     }
     stream_.End();
@@ -129,21 +136,23 @@ class CoverageJson : public CoverageFormat {
       return totals.recordings[static_cast<std::size_t>(use)];
     };
     const auto& counts = totals.counts;
-    stream_.AddMembers(
-        {{"recordings",
-          {{"counted", used(RecordingUse::Counted)},
-           {"noConfiguration", used(RecordingUse::NoConfiguration)},
-           {"unknownBoard", used(RecordingUse::UnknownBoard)},
-           {"bypassed", used(RecordingUse::Bypassed)},
-           {"endedAbnormally", used(RecordingUse::AbnormalEnd)},
-           {"refused", used(RecordingUse::Refused)}}},
-         {"boardsWithoutRecording", totals.boardsWithoutRun},
-         {"personalities",
-          {{"all", counts.personalities},
-           {"tested", counts.testedPersonalities},
-           {"matched", counts.matchedPersonalities}}},
-         {"elements", {{"all", counts.elements}, {"matched", counts.matchedElements}}},
-         {"percent", static_cast<double>(counts.PerMille()) / 10}});
+    stream_.AddMembers({{"recordings",
+                         {{"counted", used(RecordingUse::Counted)},
+                          {"noConfiguration", used(RecordingUse::NoConfiguration)},
+                          {"unknownBoard", used(RecordingUse::UnknownBoard)},
+                          {"bypassed", used(RecordingUse::Bypassed)},
+                          {"endedAbnormally", used(RecordingUse::AbnormalEnd)},
+                          {"refused", used(RecordingUse::Refused)}}},
+                        {"boardsWithoutRecording", totals.boardsWithoutRun},
+                        {"personalities",
+                         {{"all", counts.personalities},
+                          {"tested", counts.testedPersonalities},
+                          {"matched", counts.matchedPersonalities}}},
+                        {"elements",
+                         {{"all", counts.elements},
+                          {"tested", counts.testedElements},
+                          {"matched", counts.matchedElements}}},
+                        {"percent", static_cast<double>(counts.PerMille()) / 10}});
     stream_.End();
   }
 

@@ -13,7 +13,7 @@
 namespace fernwick::lab {
 namespace {
 
-// As many elements of a list as a line shows.
+// As many elements as a line shows.
 constexpr std::size_t MaxElements = 8;
 
 std::string_view NameOf(const Requirement& requirement) {
@@ -22,14 +22,17 @@ std::string_view NameOf(const Requirement& requirement) {
 }
 
 // "matched 2 of 6, rejected first by Version 4"
-std::string ResultText(const TypeCoverage& coverage, std::size_t index) {
-  const auto tested = coverage.tested[index];
+std::string ResultText(std::size_t tested, std::size_t matched,
+                       const std::vector<Rejection>& rejections) {
   if (tested == 0) return "never tested";
-  const auto matched = coverage.matched[index];
-  const auto rejections = RejectionsOf(coverage, index);
   return (matched == 0 ? "never matched, tested " + std::to_string(tested)
                        : "matched " + std::to_string(matched) + " of " + std::to_string(tested)) +
          (rejections.empty() ? "" : ", rejected first by " + RejectionsText(rejections));
+}
+
+std::string ElementResultText(const TypeCoverage& coverage, std::size_t element) {
+  return ResultText(coverage.elements.tested[element], coverage.elements.matched[element],
+                    RejectionsOfElement(coverage, element));
 }
 
 std::string CountsText(const CoverageCounts& counts) {
@@ -72,32 +75,36 @@ class KeyText {
     if (!personality) return Line(1, text + ": is " + std::string(KindOf(candidate)));
     const auto* firmware = personality->Find("Firmware");
     if (firmware != nullptr) text += ", " + ShortText(InlineText(*firmware));
-    Line(1, text + ": " + ResultText(coverage_, index));
-    if (coverage_.matched[index] > 0) PrintLists(*personality, location, index);
+    Line(1, text + ": " +
+                ResultText(coverage_.tested[index], coverage_.matched[index],
+                           RejectionsOf(coverage_, index)));
+    PrintLists(*personality, location, index);
   }
 
   void PrintLists(Dictionary personality, const ValueLocation& location, std::size_t index) {
     const KeyLocations keys(&location);
-    const auto* counts = coverage_.elements.data() + coverage_.firstElement[index];
+    auto element = coverage_.firstElement[index];
     ForEachList(coverage_.type, personality, [&](const Requirement& requirement, Array list) {
-      PrintList(*keys.Find(requirement.key), list, counts);
-      counts += list.size();
+      PrintList(*keys.Find(requirement.key), list, element);
+      element += list.size();
     });
   }
 
-  // The elements that no match had.
-  void PrintList(const KeyLocation& key, Array list, const std::size_t* counts) {
-    std::string text;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < list.size(); ++i) {
-      if (counts[i] > 0 || ++count > MaxElements) continue;
-      text += (count == 1 ? "" : ", ") + ShortText(InlineText(list[i])) +
-              At(key.value.Elements()[i].offset);
+  // Nothing where no element was tested: then not even the first one was.
+  void PrintList(const KeyLocation& key, Array list, std::size_t first) {
+    if (list.empty() || coverage_.elements.tested[first] == 0) return;
+    for (std::size_t i = 0; i < list.size();) {
+      const auto result = ElementResultText(coverage_, first + i);
+      std::string text;
+      std::size_t count = 0;
+      for (; i < list.size() && ElementResultText(coverage_, first + i) == result; ++i) {
+        if (++count > MaxElements) continue;
+        text += (count == 1 ? "" : ", ") + ShortText(InlineText(list[i])) +
+                At(key.value.Elements()[i].offset);
+      }
+      if (count > MaxElements) text += " and " + std::to_string(count - MaxElements) + " more";
+      Line(2, std::string(key.key) + " " + text + ": " + result);
     }
-    if (count == 0) return;
-    if (count > MaxElements) text += ", ...";
-    Line(2, std::string(key.key) + ": " + std::to_string(count) + " of " +
-                std::to_string(list.size()) + " elements never matched: " + text);
   }
 
   const ConfigurationFile& file_;
@@ -144,17 +151,25 @@ class CoverageText : public CoverageFormat {
   }
 };
 
+std::vector<Rejection> RejectionsIn(const TestCounts& counts, TypeSet type, std::size_t item) {
+  std::vector<Rejection> rejections;
+  const auto requirements = RequirementsOf(type);
+  for (std::size_t i = 0; i < requirements.size(); ++i) {
+    const auto& rejected = counts.rejected[i];
+    if (rejected.empty() || rejected[item] == 0) continue;
+    rejections.push_back({&requirements[i], rejected[item]});
+  }
+  return rejections;
+}
+
 }  // namespace
 
 std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality) {
-  std::vector<Rejection> rejections;
-  const auto requirements = RequirementsOf(coverage.type);
-  for (std::size_t i = 0; i < requirements.size(); ++i) {
-    const auto& counts = coverage.rejected[i];
-    if (counts.empty() || counts[personality] == 0) continue;
-    rejections.push_back({&requirements[i], counts[personality]});
-  }
-  return rejections;
+  return RejectionsIn(coverage, coverage.type, personality);
+}
+
+std::vector<Rejection> RejectionsOfElement(const TypeCoverage& coverage, std::size_t element) {
+  return RejectionsIn(coverage.elements, coverage.type, element);
 }
 
 std::string RejectionsText(std::vector<Rejection> rejections) {
