@@ -34,6 +34,17 @@ _fernwick_lab_recordings() {
   mapfile -t COMPREPLY < <(compgen -f -X '!*.plist' -- "$1"; compgen -d -- "$1")
 }
 
+# Recordings, and archives of them.
+_fernwick_lab_many_recordings() {
+  local suffix
+  mapfile -t COMPREPLY < <(
+    for suffix in registry.plist tar tar.gz tgz tar.xz txz tar.zst tzst zip; do
+      compgen -f -X "!*.$suffix" -- "$1"
+    done
+    compgen -d -- "$1"
+  )
+}
+
 # The boards of a payload.
 _fernwick_lab_boards() {
   mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
@@ -108,6 +119,7 @@ _fernwick_lab() {
       ;;
     sample) _fernwick_lab_boards "$(_fernwick_lab_payload)" "$current" ;;
     merge) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    survey | coverage | settle | diff | draft | report) _fernwick_lab_many_recordings "$current" ;;
     *) _fernwick_lab_recordings "$current" ;;
   esac
 }
