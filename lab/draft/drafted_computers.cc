@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "driver/bypass_switch.h"
 #include "lab/recordings/entry_path.h"
 
 namespace fernwick::lab {
@@ -17,9 +18,16 @@ LabError ErrorAt(const std::string& path, const LabError& error) {
 Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const std::string& path,
                                                                            Recording recording) {
   auto computer = std::make_shared<InspectedComputer>(
-      InspectedComputer{path, std::move(recording), {}, {}, {}});
+      InspectedComputer{path, std::move(recording), {}, false, {}, {}});
   RecordedRegistry registry(computer->recording);
   computer->board = ReadBoardIdentity(registry);
+  const auto bypassesUpdates = ReadBypassSwitch(registry, UpdatesSwitch);
+  const auto bypassesVersion = ReadBypassSwitch(registry, VersionSwitch);
+  if (!bypassesUpdates || !bypassesVersion) {
+    return ErrorAt(path, {{"a bypass switch without a value ends every run abnormally"},
+                          LabStatus::MalformedInput});
+  }
+  computer->bypassesVersionCheck = *bypassesVersion;
   computer->thunderbolt = FindThunderboltControllers(computer->recording);
   computer->ports = FindPortControllers(computer->recording);
   if (computer->thunderbolt.endsRun || computer->ports.endsRun) {
@@ -58,6 +66,7 @@ void DraftedComputers::AddAll(const InspectedComputer& computer, const Controlle
   const auto& [records, sources, skipped] = controllers.inventory;
   for (std::size_t i = 0; i < records.size(); ++i) {
     auto row = kind.table.RowOf(records[i], computer.board.boardRevision);
+    row.bypassesVersionCheck = computer.bypassesVersionCheck;
     row.hasCounterpart = counterparts.contains(sources[i].Controller());
     auto& rows = kind.rows[static_cast<std::size_t>(side)];
     auto& known = rows[std::move(row)];

@@ -23,6 +23,7 @@ struct InspectedComputer {
   std::string path;
   Recording recording;
   BoardIdentity board;
+  bool bypassesVersionCheck = false;  // by a switch
   Controllers thunderbolt;
   Controllers ports;
 };

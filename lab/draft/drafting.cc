@@ -11,13 +11,11 @@
 namespace fernwick::lab {
 namespace {
 
-// Whether each of the controllers can report the version once it is installed.
-bool IsReportedByAll(const PropertyValue& version, const ControllerTable& table,
-                     const std::vector<ControllerRow>& rows) {
-  return std::ranges::all_of(rows, [&](const ControllerRow& row) {
-    const bool hasHundredths = table.ValueOf(row.version).AsReal().has_value();
-    return IsReportable(version, {.thunderbolt = hasHundredths, .port = !hasHundredths});
-  });
+// Whether the controllers that get an image of the type can store the version: ports, or the
+// Thunderbolt controllers above them.
+bool IsStorable(const PropertyValue& version, TypeSet type) {
+  const bool isOfPorts = (type & (Types::LegacyUsbc | Types::Usbc)) != 0;
+  return IsReportable(version, {.thunderbolt = !isOfPorts, .port = isOfPorts});
 }
 
 class Drafter {
@@ -33,7 +31,7 @@ class Drafter {
     Select(DraftSide::Excepted);
     if (wanted_.empty()) {
       Refuse("no controller of these computers can match");
-    } else if (!IsReportedByAll(target_.version, table_, wanted_)) {
+    } else if (!IsStorable(target_.version, target_.type)) {
       Refuse("--version " + InlineText(target_.version) +
                  " would be installed again and again: a port reports whole numbers, a Thunderbolt "
                  "controller hundredths up to .63",

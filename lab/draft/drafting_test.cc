@@ -45,25 +45,23 @@ ToolRun RunWith(const Computer& computer, const PropertyValue& configuration) {
   return RunTool(computer.Recorded(), ToolOptions("/payload", false), KeptOutput::Counts, load);
 }
 
-// A run with the configuration that ends as a run without a bypass switch does.
+// A run with the configuration that ends as a run without a switch that ends it does.
 bool IsOrdinary(const Computer& computer) {
   const auto run = RunWith(computer, Dict({{"USBC", Array()}, {"LegacyThunderbolt", Array()}}));
-  return !run.result.fault && !run.result.bypassesUpdates && !run.result.bypassesVersionCheck;
+  return !run.result.fault && !run.result.bypassesUpdates;
 }
 
 // Whether the personality with the controller's own values and the version matches it.
-bool CanMatch(TypeSet type, const HardwareRecord& record, int revision,
-              const PropertyValue& version) {
+bool CanMatch(TypeSet type, const RequirementContext& context, const PropertyValue& version) {
   Record personality = {{"Version", version}};
   for (const auto& requirement : RequirementsOf(type)) {
-    const auto* value = record.Find(requirement.key);
+    const auto* value = context.hardware.Find(requirement.key);
     if (requirement.presence == KeyPresence::RequiredKey && value != nullptr) {
       personality.Set(requirement.key, *value);
     }
   }
   testing::TestConsole console;
-  return ControllerCheck(type, {record, static_cast<std::uint8_t>(revision), false})
-      .Applies(personality, console);
+  return ControllerCheck(type, context).Applies(personality, console);
 }
 
 // Random computers on both sides, and the draft for them.
@@ -94,26 +92,23 @@ void MakeRandomDraft(TypeSet type, std::mt19937_64& random, RandomDraft& draft) 
   draft.outcome = MakeDraft(draft.computers, draft.target);
 }
 
-// The trace of the type in a run with the draft.
-KeyTrace TraceOf(const RandomDraft& draft, const Computer& computer, int& revision) {
-  auto run = RunWith(computer, draft.outcome.configuration->value);
-  revision = run.result.identity->boardRevision;
-  return std::move(run.trace.keys.at(0));
-}
-
 // Every wanted controller that can match matches, and no excepted one.
 void ExpectMatches(const RandomDraft& draft) {
-  int revision = 0;
+  const auto& configuration = draft.outcome.configuration->value;
   for (const auto& computer : draft.wanted) {
-    const auto trace = TraceOf(draft, computer, revision);
+    const auto run = RunWith(computer, configuration);
+    const auto& trace = run.trace.keys.at(0);
     for (std::size_t i = 0; i < trace.matched.size(); ++i) {
-      EXPECT_EQ(
-          trace.matched[i] != KeyTrace::NoMatch,
-          CanMatch(draft.target.type, trace.inventory.records[i], revision, draft.target.version));
+      const RequirementContext context = {trace.inventory.records[i],
+                                          run.result.identity->boardRevision,
+                                          run.result.bypassesVersionCheck};
+      EXPECT_EQ(trace.matched[i] != KeyTrace::NoMatch,
+                CanMatch(draft.target.type, context, draft.target.version));
     }
   }
   for (const auto& computer : draft.excepted) {
-    for (const auto matched : TraceOf(draft, computer, revision).matched) {
+    const auto run = RunWith(computer, configuration);
+    for (const auto matched : run.trace.keys.at(0).matched) {
       EXPECT_EQ(matched, KeyTrace::NoMatch);
     }
   }
@@ -341,6 +336,44 @@ TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
   EXPECT_EQ(several.outcome.refusal,
             "\"LegacyUSBC\" has room for one personality, and 2 are needed");
   EXPECT_EQ(several.outcome.status, HasNoDraft);
+}
+
+// Switches its version check off.
+void BypassVersionCheck(Computer& computer) {
+  computer.Set(computer.Options(), "fernwick_bypassversioncheck", "1");
+}
+
+// With the switch an older version is installed too, and engineering firmware is replaced.
+TEST(Draft, HonoursSwitchesThatBypassTheVersionCheck) {
+  const DraftTarget target = {Types::Usbc, "image.bin", 60};
+  const auto make = [&](const Record& wanted, bool wantedBypasses, const Record& excepted,
+                        bool exceptedBypasses) {
+    DraftedComputers computers;
+    const auto add = [&](const Record& port, bool bypasses, DraftSide side) {
+      Computer computer;
+      computer.AddPort("hpm0", port);
+      if (bypasses) BypassVersionCheck(computer);
+      AddTo(computers, computer, side, side == Excepted ? "excepted" : "wanted");
+    };
+    add(wanted, wantedBypasses, DraftSide::Wanted);
+    add(excepted, exceptedBypasses, Excepted);
+    const auto outcome = MakeDraft(computers, target);
+    if (!outcome.configuration) return PropertyValue(outcome.status);
+    const auto list = *outcome.configuration->value.AsDictionary()->Entries()[0].value.AsArray();
+    const auto* maximum = list[0].AsDictionary()->Find("Existing Max Version");
+    return maximum == nullptr ? PropertyValue("none") : *maximum;
+  };
+  const auto old = Port({{"Version", 0x30}});
+  const auto newer = Port({{"Version", 0x70}});
+  auto unknown = Port({});
+  unknown.SetOrRemove("Version", nullptr);
+  EXPECT_EQ(make(old, false, newer, false), PropertyValue("none"));
+  EXPECT_EQ(make(old, false, newer, true), PropertyValue(30));
+  EXPECT_EQ(make(newer, true, old, false), PropertyValue("none"));
+  EXPECT_EQ(make(newer, false, old, false), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(unknown, true, newer, false), PropertyValue("none"));
+  EXPECT_EQ(make(unknown, true, old, false), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(old, false, unknown, true), PropertyValue(HasNoDraft));
 }
 
 TEST(Draft, IsRefusedForAVersionThatNoControllerReports) {
