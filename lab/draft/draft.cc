@@ -57,8 +57,11 @@ std::string Footer() {
          "\n"
          "Status: 0 printed; 1 no controller can match, or a wanted and an excepted controller "
          "cannot be told\n"
-         "apart; 65 or 66 a recording is not well formed or cannot be read, or ends every run "
-         "abnormally.\n"
+         "apart; 65 or 66 a recording that is named is not well formed or ends every run "
+         "abnormally, or\none cannot be read. Those in a directory or an archive that no run can "
+         "use "
+         "are named on standard\nerror and left out, and so are excepted computers of other "
+         "boards.\n"
          "\n"
          "Example:\n"
          "  fernwick-lab draft desk.registry.plist --image ports-210.bin --version 210 --type "
@@ -136,8 +139,17 @@ std::string Fault(const DraftOptions& options) {
 // Adds all that is selected. Returns the status.
 int AddComputers(const BatchOptions& options, DraftSide side, DraftedComputers& computers) {
   const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
     auto computer = InspectComputer(std::move(selected));
-    if (!computer) return computer.Error();
+    if (!computer && (isNamed || computer.Error().status != LabStatus::MalformedInput)) {
+      return computer.Error();
+    }
+    if (!computer) {
+      const std::function<void()> leaveOut = [message = computer.Error().error.message] {
+        PrintError("left out: " + message);
+      };
+      return leaveOut;
+    }
     const std::function<void()> add = [&, side, computer = *std::move(computer)] {
       computers.Add(*computer, side);
     };
@@ -211,6 +223,11 @@ VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
   if (type == Types::None) return LabStatus::BadUsage;
   NoteBoards(computers.Boards());
+  if (computers.OtherBoards() > 0) {
+    PrintError(
+        "left out: " + Counted(computers.OtherBoards(), "excepted computer", "excepted computers") +
+        " of other boards, which do not read this configuration");
+  }
   const DraftTarget target = {type, options.image, *ParseVersion(options.version)};
   return Print(MakeDraft(computers, target));
 }

@@ -1,5 +1,6 @@
 #include "lab/draft/drafted_computers.h"
 
+#include <filesystem>
 #include <utility>
 
 #include "driver/bypass_switch.h"
@@ -11,6 +12,11 @@ namespace {
 
 LabError ErrorAt(const std::string& path, const LabError& error) {
   return {{path + ": " + Describe(error.error)}, error.status};
+}
+
+// Boards whose identifiers differ may have one directory: "Zed-42" and "Zed-42/".
+std::string DirectoryOf(const std::string& board) {
+  return std::filesystem::path("/Fernwick/" + board + "/").lexically_normal();
 }
 
 }  // namespace
@@ -48,7 +54,14 @@ DraftedComputers::DraftedComputers()
       thunderbolt_{ControllerTable(Types::LegacyThunderbolt)} {}
 
 void DraftedComputers::Add(const InspectedComputer& computer, DraftSide side) {
-  if (side == DraftSide::Wanted) boards_.insert(computer.board.boardIdString.value_or(""));
+  const auto board = computer.board.boardIdString.value_or("");
+  if (side == DraftSide::Wanted) {
+    boards_.insert(board);
+    directories_.insert(DirectoryOf(board));
+  } else if (!directories_.contains(DirectoryOf(board))) {
+    ++otherBoards_;
+    return;
+  }
   std::set<RegistryEntry> ports;
   std::set<RegistryEntry> thunderbolts;
   for (const auto& source : computer.ports.inventory.sources) {
@@ -94,7 +107,6 @@ std::vector<DraftedController> DraftedComputers::ControllersOf(TypeSet type, Dra
   for (const auto& [row, known] : rows) ordered[known.order - 1] = {&row, &known};
   std::vector<DraftedController> controllers;
   for (const auto& [row, known] : ordered) {
-    if (type == Types::Thunderbolt && !row->hasCounterpart) continue;
     controllers.push_back({kind.table.Ranked(*row), known->name, known->count});
   }
   return controllers;

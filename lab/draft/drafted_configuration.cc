@@ -112,6 +112,9 @@ class DraftBuilder {
 
 std::string UnselectableReason(const DraftTarget& target, const ControllerTable& table,
                                const ControllerRow& row) {
+  if (target.type == Types::Thunderbolt && !row.hasCounterpart) {
+    return "there is no Thunderbolt controller above it";
+  }
   const auto record = table.RecordOf(row);
   Record fitting = {{"Version", target.version}};
   for (const auto& requirement : RequirementsOf(target.type)) {

@@ -34,8 +34,13 @@ class Drafter {
     } else if (!IsStorable(target_.version, target_.type)) {
       Refuse("--version " + InlineText(target_.version) +
                  " would be installed again and again: a port reports whole numbers, a Thunderbolt "
-                 "controller hundredths up to .63",
+                 "controller hundredths up to .63, each of eight digits at most",
              LabStatus::BadUsage);
+    } else if (const auto compared = FindComparedAbove(); compared < wanted_.size()) {
+      Refuse(wantedNames_[compared] +
+             " is compared by the version of the Thunderbolt controller above it, which an image "
+             "for a port does not change: it would be installed again and again; --type "
+             "Thunderbolt is for it");
     } else {
       Separate();
     }
@@ -55,6 +60,16 @@ class Drafter {
         outcome_.unmatchable.push_back(NameOf(controller) + " cannot match: " + reason);
       }
     }
+  }
+
+  // The first port that is compared by the version of another controller than the one that gets the
+  // image; the number of wanted controllers when there is none.
+  std::size_t FindComparedAbove() const {
+    if ((target_.type & (Types::LegacyUsbc | Types::Usbc)) == 0) return wanted_.size();
+    const auto found = std::ranges::find_if(wanted_, [&](const ControllerRow& row) {
+      return row.version != 0 && table_.ValueOf(row.version).AsReal();
+    });
+    return static_cast<std::size_t>(found - wanted_.begin());
   }
 
   static std::string NameOf(const DraftedController& controller) {

@@ -255,7 +255,7 @@ TEST(Draft, WritesBoundsExactlyWhereRoundedOnesWouldAcceptAnotherController) {
   bare.SetOrRemove("ROM Version", nullptr);
   add(Thunderbolt({{"EEPROM Revision", 0}}), Port({}), DraftSide::Wanted);
   add(bare, Port({{"Version", 0x41}}), Excepted);
-  const DraftTarget target = {Types::Usbc, "image.bin", 50};
+  const DraftTarget target = {Types::Thunderbolt, "image.bin", 50};
   const auto outcome = MakeDraft(computers, target);
   ASSERT_TRUE(outcome.configuration);
   const auto list = outcome.configuration->value.AsDictionary()->Entries()[0].value.AsArray();
@@ -379,12 +379,37 @@ TEST(Draft, HonoursSwitchesThatBypassTheVersionCheck) {
 TEST(Draft, IsRefusedForAVersionThatNoControllerReports) {
   const std::string refusal =
       " would be installed again and again: a port reports whole numbers, a Thunderbolt controller "
-      "hundredths up to .63";
+      "hundredths up to .63, each of eight digits at most";
   const SmallDraft port(Types::Usbc, 200.5, {{true, Port({})}});
   EXPECT_EQ(port.outcome.refusal, "--version 200.5" + refusal);
   EXPECT_EQ(port.outcome.status, LabStatus::BadUsage);
+  EXPECT_EQ(SmallDraft(Types::Usbc, 100'000'000, {{true, Port({})}}).outcome.refusal,
+            "--version 100000000" + refusal);
   EXPECT_EQ(SmallDraft(Types::LegacyThunderbolt, 43.7, {{false, Thunderbolt({})}}).outcome.refusal,
             "--version 43.7" + refusal);
+}
+
+TEST(Draft, OfAPortBelowAThunderboltControllerNeedsTheTypeOfBoth) {
+  DraftedComputers computers;
+  Computer computer;
+  const auto parent = computer.AddThunderbolt("ridge0", Thunderbolt({}));
+  computer.AddService(parent, "hpm0", "QuinceHPMDevice", Port({}));
+  AddTo(computers, computer, DraftSide::Wanted, "it");
+  const DraftTarget fraction = {Types::Usbc, "image.bin", 41.5};
+  EXPECT_EQ(MakeDraft(computers, fraction).status, LabStatus::BadUsage);
+  const DraftTarget port = {Types::Usbc, "image.bin", 60};
+  const auto outcome = MakeDraft(computers, port);
+  EXPECT_EQ(outcome.status, HasNoDraft);
+  EXPECT_EQ(outcome.refusal,
+            "it: IOService:/ridge0/hpm0 is compared by the version of the Thunderbolt controller "
+            "above it, which an image for a port does not change: it would be installed again and "
+            "again; --type Thunderbolt is for it");
+}
+
+TEST(Draft, OfThunderboltNamesPortsWithoutAThunderboltController) {
+  EXPECT_EQ(SmallDraft(Types::Thunderbolt, 60, {{true, Port({})}}).outcome.unmatchable,
+            (std::vector<std::string>{"0: IOService:/hpm0 cannot match: there is no Thunderbolt "
+                                      "controller above it"}));
 }
 
 TEST(Draft, IsRefusedForTooManyDifferentControllers) {
@@ -412,7 +437,8 @@ TEST(DraftedComputers, CountsControllersByTheTypeThatIsForThem) {
             (std::map<TypeSet, std::size_t>{
                 {Types::Usbc, 2}, {Types::Thunderbolt, 1}, {Types::LegacyThunderbolt, 1}}));
   EXPECT_EQ(computers.Boards(), std::set<std::string>{"Zed-42"});
-  EXPECT_EQ(computers.ControllersOf(Types::Thunderbolt, DraftSide::Wanted).size(), 1u);
+  EXPECT_EQ(computers.OtherBoards(), 1u);
+  EXPECT_EQ(computers.ControllersOf(Types::Thunderbolt, DraftSide::Wanted).size(), 2u);
   EXPECT_EQ(computers.ControllersOf(Types::Usbc, DraftSide::Wanted).size(), 2u);
   EXPECT_EQ(computers.ControllersOf(Types::LegacyThunderbolt, DraftSide::Wanted).size(), 2u);
 }

@@ -3,6 +3,7 @@
 #include "lab/lint/checks.h"
 #include "lab/lint/rules/version_rules.h"
 #include "lab/support/controller_values.h"
+#include "lab/support/version_limits.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {
@@ -106,9 +107,12 @@ void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& 
   if (!NumberGreater(*version->value, 0)) return;  // is above no installed version
   const auto scales = ScalesOf(personality);
   if (IsReportable(*version->value, scales)) return;
+  const bool isTooGreat = NumberGreater(*version->value, MaxStoredMajor);
   findings.Add(LintRuleOf::UnreportableVersion, version->valueOffset,
                "\"Version\" is " + Shown(*version->value) + ", but a controller reports " +
-                   std::string(scales.thunderbolt ? "hundredths up to .63" : "whole numbers") +
+                   std::string(isTooGreat           ? "no more than eight digits"
+                               : scales.thunderbolt ? "hundredths up to .63"
+                                                    : "whole numbers") +
                    ": the update never settles");
 }
 

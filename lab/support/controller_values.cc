@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "lab/support/version_limits.h"
 #include "personality/requirements.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
@@ -137,6 +138,7 @@ std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const Prop
 
 bool IsReportable(const PropertyValue& version, VersionScales scales) {
   return std::ranges::any_of(LowestInstalledVersions(scales, &version), [&](const auto& next) {
+    if (!NumberLess(next, MaxStoredMajor + 1)) return false;
     if (const auto real = next.AsReal()) return !NumberGreater(*real - Tolerance, version);
     return NumbersEqual(next, version);
   });
