@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lab/draft/sample_search.h"
+#include "lab/lint/type_shape.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
 #include "lab/support/configuration_file.h"
@@ -136,6 +137,7 @@ class SampleWriter {
   int WriteNumbered(const PersonalityNumber& wanted) const {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
+    if (type != subject_.types.end() && !HasShape(*type)) return HasNoSample;
     const auto count = type == subject_.types.end() ? 0 : CountPersonalities(*type);
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
@@ -148,6 +150,7 @@ class SampleWriter {
   // That of the first personality that has one.
   int WriteFirst() const {
     for (const auto& type : subject_.types) {
+      HasShape(type);
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         const auto sample = Find(type, i);
         if (!sample) continue;
@@ -166,6 +169,7 @@ class SampleWriter {
     int status = LabStatus::Done;
     ProcessConsole console;
     for (const auto& type : subject_.types) {
+      if (!HasShape(type)) status = HasNoSample;
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         const auto sample = Find(type, i);
         if (!sample) {
@@ -195,6 +199,15 @@ class SampleWriter {
 
   int Refuse(const std::string& message, int status = HasNoSample) const {
     return PrintError(path_, {{message}, status});
+  }
+
+  // Prints what is wrong where the value has another shape than the type.
+  bool HasShape(const LocatedType& type) const {
+    const auto wrong = WrongShapeText(type);
+    if (wrong.empty()) return true;
+    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(type.entry.valueOffset)) + ": " +
+               wrong);
+    return false;
   }
 
   // Prints why there is none.
