@@ -4,12 +4,14 @@ declare -gA _fernwick_lab_options=(
   [replay]="--host --help"
   [explain]="--host -p --payload --bypassVersion --type --controller --nearest --format --json --set --personality --board-revision --help"
   [lint]="--format --fail-level --ignore --severity --baseline --update-baseline --explain --list --help"
-  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on -j --jobs --help"
-  [coverage]="-p --payload --bypassVersion --threshold --format --json -j --jobs --help"
-  [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision -j --jobs --help"
+  [survey]="-p --payload --bypassVersion --format --wide --max-size --expect --update --fail-on --shard -j --jobs --help"
+  [coverage]="-p --payload --bypassVersion --threshold --format --json --shard -j --jobs --help"
+  [settle]="-p --payload --bypassVersion --each --format --json --fail-on --set --personality --board-revision --shard -j --jobs --help"
+  [merge]="--format --wide --expect --update --fail-on -p --payload --threshold --help"
   [diff]="-p --payload --bypassVersion --each --format --json -j --jobs --help"
   [sample]="-p --payload --personality --all -o --output --to --force --help"
   [draft]="--image --version --type --except -j --jobs --help"
+  [report]="-p --payload --old -o --output --force --title -j --jobs --help"
   [show]="--host --plane --json --help"
   [convert]="--to --force --help"
   [redact]="--key --keep --keep-all --force --help"
@@ -48,12 +50,13 @@ _fernwick_lab_payload() {
 # Completes the value of the option $2. Fails where the option has no value.
 _fernwick_lab_value() {
   case "$1 $2" in
-    *' -p' | *' --payload') _fernwick_lab_directories "$3" ;;
+    *' -p' | *' --payload' | 'report --old') _fernwick_lab_directories "$3" ;;
     'explain --type' | 'draft --type') _fernwick_lab_words 'LegacyThunderbolt Thunderbolt LegacyUSBC USBC' "$3" ;;
     'explain --format' | 'coverage --format') _fernwick_lab_words 'text json' "$3" ;;
     'lint --format') _fernwick_lab_words 'text json sarif' "$3" ;;
     'survey --format') _fernwick_lab_words 'table ndjson csv junit' "$3" ;;
     'survey --fail-on') _fernwick_lab_words 'planned current blocked unmatched no-controllers unknown-board no-configuration bypassed fault refused abnormal no-plan' "$3" ;;
+    'merge --format') _fernwick_lab_words 'table ndjson csv junit text json' "$3" ;;
     'settle --format') _fernwick_lab_words 'text ndjson' "$3" ;;
     'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan' "$3" ;;
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
@@ -62,11 +65,11 @@ _fernwick_lab_value() {
     'convert --to' | 'record --to' | 'sample --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
     'draft --except') _fernwick_lab_recordings "$3" ;;
-    'draft --image' | 'survey --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
+    'draft --image' | 'survey --expect' | 'merge --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes' | 'report -o' | 'report --output') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root' | 'sample --all') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
     'import --name-key' | 'import --children-key' | 'import --class-key' | 'import --id-key') COMPREPLY=() ;;
-    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | 'draft --version' | 'draft -j' | 'draft --jobs' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs') COMPREPLY=() ;;
+    'explain --controller' | 'explain --nearest' | 'redact --key' | 'redact --keep' | 'survey -j' | 'survey --jobs' | 'survey --max-size' | 'merge --threshold' | 'merge --fail-on' | *' --shard' | 'coverage -j' | 'coverage --jobs' | 'coverage --threshold' | *' --set' | *' --personality' | 'draft --version' | 'draft -j' | 'draft --jobs' | *' --board-revision' | 'settle -j' | 'settle --jobs' | 'diff -j' | 'diff --jobs' | 'report -j' | 'report --jobs' | 'report --title') COMPREPLY=() ;;
     *) return 1 ;;
   esac
 }
@@ -104,6 +107,7 @@ _fernwick_lab() {
       fi
       ;;
     sample) _fernwick_lab_boards "$(_fernwick_lab_payload)" "$current" ;;
+    merge) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     *) _fernwick_lab_recordings "$current" ;;
   esac
 }

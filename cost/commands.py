@@ -16,10 +16,12 @@ class Command:
 
 OF_RECORDINGS = ("replay", "explain", "explain --json", "show", "show --json", "convert xml",
                  "convert binary", "redact", "survey", "survey ndjson", "coverage", "settle",
-                 "settle ndjson", "draft", "draft --except", "diff")
+                 "settle ndjson", "draft", "draft --except", "diff",
+                 "report")
 OF_CONFIGURATIONS = ("replay", "explain", "explain --json", "lint", "lint json", "lint sarif",
                      "survey", "survey ndjson", "survey csv", "coverage", "coverage json",
                      "settle", "settle ndjson", "sample", "diff", "diff json",
+                     "report",
                      "convert CONFIGURATION xml", "convert CONFIGURATION binary")
 
 
@@ -64,6 +66,8 @@ def command(name, directory):
         "draft": [*draft, recording],
         "draft --except": [*draft, recording, "--except", EXAMPLES / "ports-only.registry.plist"],
         "diff": [*diff, recording],
+        "report": ["report", "-j1", "-p", payload, "--old", EXAMPLES / "payload", "--force", "-o",
+                   out, recording],
         "diff json": [*diff, "--json", recording],
     }
     for form in ("ndjson", "csv", "junit"):

@@ -101,7 +101,7 @@ TEST_P(Completion, OffersTheWordsThatAnOptionAccepts) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 12);
+  EXPECT_EQ(count, 13);
 }
 
 TEST_P(Completion, OffersTheIdsOfLint) {

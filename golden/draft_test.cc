@@ -69,12 +69,12 @@ TEST_F(Draft, NeedsATypeWhereThereAreSeveral) {
        "one: LegacyThunderbolt (2 controllers), USBC (3 controllers)\n"});
 }
 
-TEST_F(Draft, NamesWhatCannotMatchOrBeToldApart) {
+TEST_F(Draft, NamesWhatCannotMatchOrBeDistinguished) {
   const auto newer =
       Lab({"draft", "--image", "a", "--version", "24", Thunderbolt, "--except", Thunderbolt});
   EXPECT_EQ(newer.status, "1");
   EXPECT_EQ(newer.standardOutput, "");
-  EXPECT_NE(newer.standardError.find(" cannot be told apart from the excepted ../examples/"),
+  EXPECT_NE(newer.standardError.find(" cannot be distinguished from the excepted ../examples/"),
             std::string::npos)
       << newer.standardError;
   const auto older = Lab({"draft", "--image", "a", "--version", "1", Thunderbolt});

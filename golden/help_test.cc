@@ -55,7 +55,7 @@ std::vector<std::string> Verbs() {
 }
 
 // The files of the examples: two computers, by themselves and in a directory, payloads for them, a
-// dump of a registry, and a directory to write to.
+// dump of a registry, the results of two shards, and a directory to write to.
 class Bench {
  public:
   Bench() {
@@ -73,6 +73,10 @@ class Bench {
       fs::copy(Examples / "payload", directory_.Path() + payload, fs::copy_options::recursive);
       const auto boards = directory_.Path() + payload + "/Fernwick/";
       fs::create_directory_symlink("Zed-1A07", boards + "Zed-42");
+    }
+    for (const char* shard : {"1", "2"}) {
+      Run(std::string("fernwick-lab survey -p payload --format ndjson --shard ") + shard +
+          "/2 computers > " + shard + ".ndjson");
     }
   }
 

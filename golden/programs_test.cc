@@ -40,9 +40,11 @@ constexpr char Usage[] =
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  coverage   print what recorded computers exercise of a payload\n"
     "  settle     print what recorded computers become when every plan is carried out\n"
+    "  merge      put the results of all shards together\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "  sample     write a recording that a personality of a payload matches\n"
     "  draft      print a configuration that matches the controllers of recorded computers\n"
+    "  report     write a page about what a payload does for recorded computers\n"
     "\n"
     "\"fernwick-lab help VERB\" explains one.\n";
 

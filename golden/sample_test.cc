@@ -130,6 +130,18 @@ TEST_F(Sample, IsRefusedForEachOfTooManyPersonalities) {
                 {"64", "", "fernwick-lab: " + path + ": it has more than 1000 personalities\n"});
 }
 
+TEST_F(Sample, IsLookedForAmongTheFirstPersonalitiesAlone) {
+  std::string text = "{ USBC = (";
+  for (int i = 0; i < 1001; ++i) text += " a ,";
+  const auto path = directory_.Write("Fernwick/Zed-42/Config.plist", text + "); }");
+  const auto outcome = Run({"-p", directory_.Path(), "Zed-42"});
+  EXPECT_EQ(outcome.status, "1");
+  EXPECT_TRUE(outcome.standardError.ends_with(
+      "fernwick-lab: " + path +
+      ": there is no sample of the first 1000 personalities; --personality names another\n"))
+      << outcome.standardError;
+}
+
 TEST_F(Sample, NeedsOptionsThatAgree) {
   const auto refuse = [&](std::vector<std::string> arguments, const std::string& message) {
     arguments.insert(arguments.begin(), {"-p", "../examples/payload"});

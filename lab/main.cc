@@ -31,10 +31,12 @@ constexpr Verb Verbs[] = {
     {"survey", "run the tool over many recorded computers, a row for each", SurveyVerb},
     {"coverage", "print what recorded computers exercise of a payload", CoverageVerb},
     {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
+    {"merge", "put the results of all shards together", MergeVerb},
     {"diff", "print which recorded computers two payloads treat differently", DiffVerb},
     {"sample", "write a recording that a personality of a payload matches", SampleVerb},
     {"draft", "print a configuration that matches the controllers of recorded computers",
      DraftVerb},
+    {"report", "write a page about what a payload does for recorded computers", ReportVerb},
 };
 
 std::string Usage() {

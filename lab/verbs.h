@@ -57,9 +57,13 @@ VerbEnd SurveyVerb(int argumentCount, char* const arguments[]);
 /// --threshold.
 VerbEnd CoverageVerb(int argumentCount, char* const arguments[]);
 
-/// Prints what becomes of every selected computer when the plans for it are carried out. The status
+/// Prints the state of every selected computer after the plans for it are carried out. The status
 /// is 1 when one never settles.
 VerbEnd SettleVerb(int argumentCount, char* const arguments[]);
+
+/// Puts the results of all shards of a survey, a coverage or a settling together. The status is
+/// that of one run.
+VerbEnd MergeVerb(int argumentCount, char* const arguments[]);
 
 /// Prints which computers two payloads treat differently, how and why.
 VerbEnd DiffVerb(int argumentCount, char* const arguments[]);
@@ -70,5 +74,8 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]);
 /// Prints a configuration whose personalities match the controllers of recorded computers and of no
 /// excepted one. The status is 1 when there is none.
 VerbEnd DraftVerb(int argumentCount, char* const arguments[]);
+
+/// Writes a page about what a payload does for every selected computer, for people.
+VerbEnd ReportVerb(int argumentCount, char* const arguments[]);
 
 }  // namespace fernwick::lab

@@ -19,7 +19,7 @@ import re
 import sys
 
 # The rooms of a folder in their order: each uses only those that are named before it.
-ROOMS = {"lab": ["support", "recordings", "what_if", "lint", "explain", "survey", "draft"]}
+ROOMS = {"lab": ["support", "recordings", "what_if", "lint", "explain", "survey", "draft", "report"]}
 
 FOLDER = re.compile(r"^fernwick_folder\(([^)]*)\)", re.MULTILINE)
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*"([^"]*)"', re.MULTILINE)

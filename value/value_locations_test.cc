@@ -103,5 +103,27 @@ TEST(ValueLocations, OfAKeyThatDictionariesShareAreThereEachTime) {
       "    a@17: 17\n");
 }
 
+TEST(ValueLocations, OfAnObjectThatIsSharedAreThereEachTime) {
+  using testing::ArrayObject, testing::AsciiObject, testing::DictionaryObject;
+  EXPECT_EQ(
+      LocationsIn(testing::BinaryFile({ArrayObject({1, 1, 2, 2}), ArrayObject({3}),
+                                       DictionaryObject({4}, {3}), "\x09", AsciiObject("a")})),
+      "8\n"
+      "  13\n"
+      "    18\n"
+      "  13\n"
+      "    18\n"
+      "  15\n"
+      "    a@19: 18\n"
+      "  15\n"
+      "    a@19: 18\n");
+}
+
+TEST(ValueLocations, OfABinaryFileEndWhereItIsMalformed) {
+  LocationBuilder locations;
+  const auto file = testing::BinaryFile({testing::ArrayObject({1}), std::string(1, '\0')});
+  EXPECT_NE(testing::ErrorOf(ReadPropertyList(file, &locations).list), "");
+}
+
 }  // namespace
 }  // namespace fernwick

@@ -41,13 +41,12 @@ std::string Footer() {
          "Keys that a personality may lack are used where an excepted controller needs them: first "
          "those that\n"
          "describe a model, then those of a position or a version. \"Port UUID\" and \"Ridge "
-         "UID\", "
-         "of which\n"
-         "each value is of one piece, select only controllers that no other keys tell apart. For "
-         "up to 10\n"
-         "different controllers no fewer personalities or keys are possible otherwise. With more "
-         "than four\n"
-         "million pairs of different controllers, wanted and excepted, there is no draft.\n"
+         "UID\", which are\n"
+         "unique to one chip, select only controllers that no other keys distinguish. For up to "
+         "10 different\n"
+         "controllers the numbers of personalities and keys are minimal. With more than four "
+         "million pairs\n"
+         "of different controllers, wanted and excepted, there is no draft.\n"
          "\n"
          "Controllers that can match no personality, as their version is not older than VERSION, "
          "are named on\n"
@@ -56,12 +55,15 @@ std::string Footer() {
          "a look before the draft is used.\n"
          "\n"
          "Status: 0 printed; 1 no controller can match, or a wanted and an excepted controller "
-         "cannot be told\n"
-         "apart; 65 or 66 a recording that is named is not well formed or ends every run "
-         "abnormally, or\none cannot be read. Those in a directory or an archive that no run can "
-         "use "
-         "are named on standard\nerror and left out, and so are excepted computers of other "
-         "boards.\n"
+         "cannot be\n"
+         "distinguished, or the update would never settle; 65 or 66 a recording that is named is "
+         "not "
+         "well\n"
+         "formed or ends every run abnormally, or a recording cannot be read. In a directory or an "
+         "archive\n"
+         "such recordings that no run can use are named on standard error and left out, and so are "
+         "excepted\n"
+         "computers of other boards, which read another configuration.\n"
          "\n"
          "Example:\n"
          "  fernwick-lab draft desk.registry.plist --image ports-210.bin --version 210 --type "
@@ -181,7 +183,7 @@ TypeSet OnlyType(const DraftedComputers& computers) {
 
 int Print(const DraftOutcome& outcome) {
   PrintFirst(outcome.unmatchable);
-  PrintFirst(outcome.inseparable);
+  PrintFirst(outcome.indistinguishable);
   if (!outcome.refusal.empty()) PrintError(outcome.refusal);
   if (!outcome.configuration) return outcome.status;
   return PrintResult(WriteXmlPropertyList(outcome.configuration->value) + "\n");

@@ -83,14 +83,15 @@ class Drafter {
   }
 
   void Separate() {
-    const auto [selectors, inseparable, isTooLarge] = FindSelectors(schema_, wanted_, excepted_);
-    for (const auto& [wanted, excepted] : inseparable) {
-      outcome_.inseparable.push_back(wantedNames_[wanted] +
-                                     " cannot be told apart from the excepted " +
-                                     exceptedNames_[excepted]);
+    const auto [selectors, indistinguishable, isTooLarge] =
+        FindSelectors(schema_, wanted_, excepted_);
+    for (const auto& [wanted, excepted] : indistinguishable) {
+      outcome_.indistinguishable.push_back(wantedNames_[wanted] +
+                                           " cannot be distinguished from the excepted " +
+                                           exceptedNames_[excepted]);
       outcome_.status = HasNoDraft;
     }
-    if (!inseparable.empty()) return;
+    if (!indistinguishable.empty()) return;
     if (isTooLarge) {
       return Refuse("there are too many different controllers: " + std::to_string(wanted_.size()) +
                     " wanted and " + std::to_string(excepted_.size()) + " excepted ones");

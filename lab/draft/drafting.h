@@ -19,7 +19,7 @@ struct DraftOutcome {
   int status = 0;            // LabStatus::Done, HasNoDraft, or BadUsage for an impossible version
   std::string refusal = {};  // why there is none; else empty
   std::vector<std::string> unmatchable = {};  // which wanted controllers are left out, and why
-  std::vector<std::string> inseparable = {};  // which cannot be told apart: there is no draft
+  std::vector<std::string> indistinguishable = {};  // wanted and excepted: there is no draft
 };
 
 /// A configuration whose personalities match every wanted controller of the type that can match,

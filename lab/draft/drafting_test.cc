@@ -134,11 +134,11 @@ TEST_P(Drafts, MatchTheControllersOfRandomComputersAndNoExceptedOne) {
   std::mt19937_64 random(5);
   std::size_t drafts = 0;
   std::size_t severalPersonalities = 0;
-  std::size_t inseparable = 0;
+  std::size_t indistinguishable = 0;
   for (int i = 0; i < 200; ++i) {
     RandomDraft draft;
     MakeRandomDraft(GetParam().type, random, draft);
-    if (!draft.outcome.inseparable.empty()) ++inseparable;
+    if (!draft.outcome.indistinguishable.empty()) ++indistinguishable;
     EXPECT_NE(draft.outcome.refusal, "the draft does not match what it should");
     ASSERT_EQ(draft.outcome.configuration.has_value(), draft.outcome.status == LabStatus::Done);
     if (!draft.outcome.configuration) continue;
@@ -152,7 +152,7 @@ TEST_P(Drafts, MatchTheControllersOfRandomComputersAndNoExceptedOne) {
   }
   EXPECT_GT(drafts, 30u);
   const bool mayLackIdentity = (GetParam().type & (Types::LegacyUsbc | Types::Usbc)) != 0;
-  EXPECT_GE(inseparable, mayLackIdentity ? 5u : 0u);
+  EXPECT_GE(indistinguishable, mayLackIdentity ? 5u : 0u);
   EXPECT_EQ(severalPersonalities > 0, GetParam().type != Types::LegacyUsbc);
 }
 
@@ -280,7 +280,7 @@ TEST(Draft, DoesNotTellUniqueIdsApartThatAreNoNumbers) {
   const SmallDraft draft(
       Types::LegacyThunderbolt, 43,
       {{false, Thunderbolt({{"UID", "a"}})}, {false, Thunderbolt({{"UID", "b"}}), Excepted}});
-  EXPECT_EQ(draft.outcome.inseparable.size(), 1u);
+  EXPECT_EQ(draft.outcome.indistinguishable.size(), 1u);
 }
 
 TEST(Draft, NamesControllersThatCannotMatch) {
@@ -326,9 +326,9 @@ TEST(Draft, LeavesOutEngineeringFirmwareWherePortsAreMatched) {
 TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
   const SmallDraft same(Types::Usbc, 200, {{true, Port({})}, {true, Port({}), Excepted}});
   EXPECT_EQ(same.outcome.status, HasNoDraft);
-  EXPECT_EQ(same.outcome.inseparable,
+  EXPECT_EQ(same.outcome.indistinguishable,
             std::vector<std::string>{
-                "0: IOService:/hpm0 cannot be told apart from the excepted 1: IOService:/hpm0"});
+                "0: IOService:/hpm0 cannot be distinguished from the excepted 1: IOService:/hpm0"});
   const SmallDraft several(Types::LegacyUsbc, 200,
                            {{true, Port({{"Address", 1}, {"Version", 1}})},
                             {true, Port({{"Address", 2}, {"Version", 3}})},

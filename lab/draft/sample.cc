@@ -149,9 +149,14 @@ class SampleWriter {
 
   // That of the first personality that has one.
   int WriteFirst() const {
+    std::size_t tried = 0;
     for (const auto& type : subject_.types) {
       HasShape(type);
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
+        if (++tried > MaxSamples) {
+          return Refuse("there is no sample of the first " + std::to_string(MaxSamples) +
+                        " personalities; --personality names another");
+        }
         const auto sample = Find(type, i);
         if (!sample) continue;
         ProcessConsole().WriteError("sample of " + NameOf(type, i, ":") + "\n");

@@ -22,7 +22,7 @@ constexpr std::size_t MaxExhaustive = 10;
 constexpr std::size_t MaxTries = 16;
 
 // The keys that a personality may lack: those that describe a model first, then those of a position
-// in the computer and of a version, and last those of which each value is of one piece.
+// in the computer and of a version, and last those that are unique to one chip.
 constexpr std::string_view Preference[] = {"Device Model Name",
                                            "Device Model ID",
                                            "Device Model Revision",
@@ -75,8 +75,8 @@ std::vector<ConstraintSet> SetsByPreference(const std::vector<std::size_t>& byPr
 
 using Rows = std::vector<ControllerRow>;
 
-// The search for selectors with some of the constraints, which tell each wanted controller by
-// itself from every excepted one.
+// The search for selectors with some of the constraints. Each wanted controller differs in one of
+// them from every excepted one.
 class SelectorSearch {
  public:
   SelectorSearch(const ConstraintSchema& schema, ConstraintSet allowed, const Rows& excepted)
@@ -222,7 +222,7 @@ void DropUnneeded(const Rows& wanted, std::vector<Selector>& selectors) {
   });
 }
 
-// Controllers without their identifying values, with the indexes of those that they stand for.
+// Controllers without their identifying values, with the indexes of the rows that are equal then.
 using Models = std::map<ControllerRow, std::vector<std::size_t>>;
 
 Models ModelsOf(const ConstraintSchema& schema, const Rows& rows) {
@@ -315,10 +315,10 @@ Separation FindSelectors(const ConstraintSchema& schema, const std::vector<Contr
   Rows identified;
   for (const auto index : others) {
     const auto equal = FindEqual(schema, schema.All(), wanted[index], excepted);
-    if (equal) separation.inseparable.emplace_back(index, *equal);
+    if (equal) separation.indistinguishable.emplace_back(index, *equal);
     identified.push_back(wanted[index]);
   }
-  if (!separation.inseparable.empty()) return separation;
+  if (!separation.indistinguishable.empty()) return separation;
   separation.selectors = SelectorSearch(schema, describing, exceptedModels).Find(separable);
   const auto identifying = SelectorSearch(schema, schema.All(), excepted).Find(identified);
   separation.selectors.insert(separation.selectors.end(), identifying.begin(), identifying.end());

@@ -24,7 +24,7 @@ struct ConstraintSchema {
   std::vector<std::string_view> names;  // the key of each constraint, by bit
   ConstraintSet required = 0;
   ConstraintSet optional = 0;             // without the identifying ones
-  ConstraintSet identifying = 0;          // optional ones of which each value is of one piece
+  ConstraintSet identifying = 0;          // optional ones whose values are unique to one chip
   std::vector<std::size_t> byPreference;  // the bits of those that are not required, the best first
 
   // All sets of those that are not required: those with the fewest first, of equally many those
@@ -68,24 +68,27 @@ class Selector {
   std::pair<int, int> revisions_ = {255, 0};
 };
 
-/// A controller to select and an excepted one that no personality can tell apart, by their indexes.
-using Inseparable = std::pair<std::size_t, std::size_t>;
+/// A controller to select and an excepted one that no personality can distinguish, by their
+/// indexes.
+using Indistinguishable = std::pair<std::size_t, std::size_t>;
 
 /// How controllers are selected.
 struct Separation {
   std::vector<Selector> selectors = {};
-  std::vector<Inseparable> inseparable = {};  // of each controller to select one at most
-  bool isTooLarge = false;                    // nothing was searched for
+  std::vector<Indistinguishable> indistinguishable =
+      {};                   // of each controller to select one at most
+  bool isTooLarge = false;  // nothing was searched for
 };
 
 /// Of the controllers to select and those excepted, no more than so many pairs are compared.
 inline constexpr std::size_t MaxComparedPairs = std::size_t{1} << 22;
 
 /// Finds selectors that together accept every wanted controller and no excepted one, with the
-/// constraints that they need. An identifying constraint selects only controllers that no other
-/// constraints tell from every excepted one. Within that, for up to MaxExhaustive different
-/// controllers as few selectors as possible, and for that as few constraints as possible; for more
-/// of them, few. A selector has as few constraints as its controllers allow, of these the best.
+/// constraints that they need. An identifying constraint is used only for controllers that the
+/// other constraints do not distinguish from every excepted one. Within that, for up to
+/// MaxExhaustive different controllers as few selectors as possible, and for that as few
+/// constraints as possible; for more of them, few. A selector has as few constraints as its
+/// controllers allow, of these the best.
 Separation FindSelectors(const ConstraintSchema& schema, const std::vector<ControllerRow>& wanted,
                          const std::vector<ControllerRow>& excepted);
 

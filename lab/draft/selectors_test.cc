@@ -63,7 +63,7 @@ TEST(ConstraintSchema, OfATypeHasTheKeysThatItTests) {
 }
 
 TEST(Selectors, NeedNoConstraintWithoutExceptedControllers) {
-  const auto [selectors, inseparable, isTooLarge] =
+  const auto [selectors, indistinguishable, isTooLarge] =
       FindSelectors(Schema, {RowWith({}), RowWith({{"RID", 2}}, 5, 3)}, {});
   ASSERT_EQ(selectors.size(), 1u);
   EXPECT_EQ(ChosenKeys(selectors[0]), Keys{});
@@ -108,7 +108,8 @@ TEST(Selectors, IdentifyOnlyControllersThatNothingElseTellsApart) {
 TEST(Selectors, DoNotTellAControllerWithoutAKeyFromOneWithIt) {
   const RowList with = {RowWith({})};
   const RowList without = {RowWith({{"RID", 0}})};
-  EXPECT_EQ(FindSelectors(Schema, without, with).inseparable, (std::vector<Inseparable>{{0, 0}}));
+  EXPECT_EQ(FindSelectors(Schema, without, with).indistinguishable,
+            (std::vector<Indistinguishable>{{0, 0}}));
   EXPECT_EQ(ChosenKeys(FindSelectors(Schema, with, without).selectors.at(0)), Keys{"RID"});
 }
 
@@ -194,7 +195,7 @@ std::size_t FewestParts(const RowList& rows, std::size_t next, std::vector<RowLi
   return fewest;
 }
 
-// No fewer constraints, and no others of the same number that are preferred, exclude them all.
+// No smaller set of constraints, and no preferred one of the same size, excludes them all.
 void ExpectFewestConstraints(Selector selector, const RowList& excepted) {
   const auto chosen = selector.chosen;
   const auto excludesAll = [&] {
@@ -209,7 +210,7 @@ void ExpectFewestConstraints(Selector selector, const RowList& excepted) {
 }
 
 void ExpectSeparation(const RowList& wanted, const RowList& excepted) {
-  const auto [selectors, inseparable, isTooLarge] = FindSelectors(Schema, wanted, excepted);
+  const auto [selectors, indistinguishable, isTooLarge] = FindSelectors(Schema, wanted, excepted);
   ASSERT_FALSE(isTooLarge);
   RowList models;
   RowList pieces;
@@ -219,7 +220,7 @@ void ExpectSeparation(const RowList& wanted, const RowList& excepted) {
     (isModel ? models : pieces).push_back(row);
     if (!isModel && !HullExcludesAll({row}, excepted, true)) ++hopeless;
   }
-  ASSERT_EQ(inseparable.size(), hopeless);
+  ASSERT_EQ(indistinguishable.size(), hopeless);
   if (hopeless > 0) {
     EXPECT_TRUE(selectors.empty());
     return;

@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,9 +19,6 @@ namespace fernwick::lab {
 namespace {
 
 constexpr int FoundSomething = 1;
-
-// In the payload directory.
-constexpr char SettingsFile[] = ".fernwick-lint.json";
 
 constexpr char Description[] =
     "Looks for mistakes in the configurations of a payload, of all its boards or of those named: "
@@ -128,11 +124,8 @@ std::string Fault(const LintOptions& options) {
 
 // The status of a file that cannot be used, after a message; Done when both can be.
 int Load(const LintOptions& options, LintPolicy& policy, Baseline& baseline) {
-  const auto settings = AppendPathComponent(*options.payload, SettingsFile);
-  std::error_code error;
-  if (std::filesystem::exists(std::filesystem::symlink_status(settings, error))) {
-    if (const auto fault = policy.ReadFile(settings)) return PrintError(settings, *fault);
-  }
+  const int status = ReadSettings(*options.payload, policy);
+  if (status != LabStatus::Done) return status;
   if (!options.baseline || (options.updatesBaseline && !PathExists(*options.baseline))) {
     return LabStatus::Done;
   }

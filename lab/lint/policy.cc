@@ -1,13 +1,18 @@
 #include "lab/lint/policy.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <utility>
 
 #include "lab/support/json_reading.h"
+#include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
+
+// In the payload directory.
+constexpr char SettingsFile[] = ".fernwick-lint.json";
 
 std::string NoSuchFinding(std::string_view id) {
   return "there is no finding \"" + std::string(id) + "\"; see fernwick-lab lint --list";
@@ -97,6 +102,16 @@ const LintPolicy::Change* LintPolicy::Find(const LintRule& rule) const {
   const auto found = std::find_if(changes_.rbegin(), changes_.rend(),
                                   [&](const Change& change) { return change.rule == &rule; });
   return found == changes_.rend() ? nullptr : &*found;
+}
+
+int ReadSettings(const std::string& payload, LintPolicy& policy) {
+  const auto path = AppendPathComponent(payload, SettingsFile);
+  std::error_code error;
+  if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+    return LabStatus::Done;
+  }
+  const auto fault = policy.ReadFile(path);
+  return fault ? PrintError(path, *fault) : LabStatus::Done;
 }
 
 std::optional<Severity> SeverityNamed(std::string_view name) {

@@ -40,6 +40,10 @@ class LintPolicy {
   std::vector<Change> changes_;
 };
 
+/// Reads the file of settings in the payload directory, if there is one. Returns LabStatus::Done,
+/// or the status of a file that cannot be used, after a line on standard error.
+int ReadSettings(const std::string& payload, LintPolicy& policy);
+
 /// The severity of that name; nullopt when there is none.
 std::optional<Severity> SeverityNamed(std::string_view name);
 

@@ -5,7 +5,7 @@
 //
 // Time is linear in what an archive expands to, which is bounded by ExpandsTooMuch: the data of
 // members that are not read is expanded block by block where the whole archive is compressed, and
-// is passed over by a seek where it is not.
+// is skipped by a seek where it is not.
 
 #include "lab/survey/archive_walk.h"
 
@@ -30,6 +30,8 @@ constexpr std::size_t BlockSize = std::size_t{1} << 16;
 constexpr std::size_t MaxExpansion = 1000;
 constexpr std::size_t TarBlock = 512;
 
+constexpr char ExpansionText[] = "it expands to more than 1 GiB and 1000 times its size";
+
 constexpr std::string_view ArchiveSuffixes[] = {".tar", ".tar.gz",  ".tgz",  ".tar.xz",
                                                 ".txz", ".tar.zst", ".tzst", ".zip"};
 
@@ -44,8 +46,9 @@ Kind KindOf(std::string_view start) {
     return Kind::Xz;
   }
   if (start.starts_with("\x28\xB5\x2F\xFD"sv)) return Kind::Zstd;
+  constexpr std::size_t ZipEndSize = 22;
+  if (start.starts_with("PK\5\6"sv)) return start.size() < ZipEndSize ? Kind::Zip : Kind::EmptyZip;
   if (start.starts_with("PK\3\4"sv)) return Kind::Zip;
-  if (start.starts_with("PK\5\6"sv)) return Kind::EmptyZip;
   constexpr std::size_t MagicOffset = 257;
   const bool isTar = start.size() > MagicOffset && start.substr(MagicOffset).starts_with("ustar");
   return isTar ? Kind::Tar : Kind::Unknown;
@@ -225,7 +228,7 @@ Selected ArchiveWalk::Read(archive_entry* entry, std::string path) {
               .errorStatus = LabStatus::MalformedInput};
     }
     read_ += static_cast<std::size_t>(count);
-    if (ExpandsTooMuch()) return EndWith("it expands to too much", LabStatus::UnreadableInput);
+    if (ExpandsTooMuch()) return EndWith(ExpansionText, LabStatus::UnreadableInput);
     bytes.append(block, static_cast<std::size_t>(count));
     if (bytes.size() > maxSize_) break;
   }
@@ -233,7 +236,7 @@ Selected ArchiveWalk::Read(archive_entry* entry, std::string path) {
   return {.path = std::move(path), .error = TooLargeText(maxSize_)};
 }
 
-// Passes over what is left of the member. Returns the error that ends the walk, or empty.
+// Skips the rest of the member. Returns the error that ends the walk, or empty.
 std::optional<Selected> ArchiveWalk::SkipData() {
   int status = ARCHIVE_OK;
   while (isCompressed_ && status != ARCHIVE_EOF) {
@@ -242,7 +245,7 @@ std::optional<Selected> ArchiveWalk::SkipData() {
     la_int64_t offset = 0;
     status = archive_read_data_block(archive_.get(), &block, &size, &offset);
     if (status != ARCHIVE_OK && status != ARCHIVE_EOF) return EndWithFault();
-    if (ExpandsTooMuch()) return EndWith("it expands to too much", LabStatus::UnreadableInput);
+    if (ExpandsTooMuch()) return EndWith(ExpansionText, LabStatus::UnreadableInput);
   }
   return std::nullopt;
 }

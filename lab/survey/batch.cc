@@ -48,14 +48,29 @@ bool IsPayload(const std::string& payload) {
   return false;
 }
 
-int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console) {
-  Progress progress(Progress::IsShown() ? CountSelected(options.paths) : std::nullopt);
-  Selection selection(options.paths, options.maxSize);
-  bool isEmpty = true;
+void AddShardOption(CommandLine& line, BatchOptions& options) {
+  line.arguments.push_back({.name = "--shard",
+                            .target = &options.shard,
+                            .help = "only the computers of shard K of N, for fernwick-lab merge",
+                            .valueName = "K/N"});
+}
+
+std::string ReadShard(BatchOptions& options) {
+  if (!options.shard) return "";
+  options.limits.shard = ParseShard(*options.shard);
+  return options.limits.shard ? "" : "--shard: \"" + *options.shard + "\" is not K/N, 1 <= K <= N";
+}
+
+int RunBatch(const BatchOptions& options, const BatchWork& work, Console& console,
+             BatchSummary* summary) {
+  Progress progress(Progress::IsShown() ? CountSelected(options.paths, options.limits)
+                                        : std::nullopt);
+  Selection selection(options.paths, options.limits);
+  std::size_t rows = 0;
   std::optional<LabError> failure;
   WorkInOrder(selection, options.jobs, [&](Selected selected) -> Report {
     return [&, print = work(std::move(selected))] {
-      isEmpty = false;
+      ++rows;
       progress.Clear();
       if (!print) {
         failure = print.Error();
@@ -73,7 +88,8 @@ int RunBatch(const BatchOptions& options, const BatchWork& work, Console& consol
     PrintError(failure->error.message);
     return failure->status;
   }
-  if (!isEmpty) return LabStatus::Done;
+  if (summary != nullptr) *summary = {rows, selection.Count(), selection.NamesHash()};
+  if (selection.Count() > 0) return LabStatus::Done;
   PrintError("there is no recording in what is selected");
   return LabStatus::UnreadableInput;
 }

@@ -26,12 +26,12 @@ struct Miss {
   const KeyTrace* key;
   std::size_t controller;
   std::size_t personality;
-  bool lacksAge;  // the installed version alone is what fails, as it is not older
+  bool isUpToDate;  // all that fails is that the installed version is not older
   Distance distance;
   FailedRequirement first;
 
   bool IsNearerThan(const Miss& other) const {
-    return std::pair(!lacksAge, distance) < std::pair(!other.lacksAge, other.distance);
+    return std::pair(!isUpToDate, distance) < std::pair(!other.isUpToDate, other.distance);
   }
 };
 
@@ -42,7 +42,7 @@ bool IsNotNewer(const FailedRequirement& failure) {
 }
 
 // An installed version that is not older than the offered one is often above the maximum, too.
-bool LacksAge(const std::vector<FailedRequirement>& failures) {
+bool IsUpToDate(const std::vector<FailedRequirement>& failures) {
   return IsNotNewer(failures.front()) &&
          std::ranges::all_of(failures, [](const FailedRequirement& failure) {
            return IsNotNewer(failure) || failure.requirement->test == RequirementTest::MaxVersion;
@@ -67,7 +67,7 @@ class NearestSearch {
 
  private:
   bool HasNearestPossible() const {
-    return nearest_ && nearest_->lacksAge && nearest_->distance.whole == 1;
+    return nearest_ && nearest_->isUpToDate && nearest_->distance.whole == 1;
   }
 
   void VisitPair(const KeyTrace& key, std::size_t controller, Array candidates, std::size_t index) {
@@ -77,7 +77,7 @@ class NearestSearch {
     const auto failures =
         FailedRequirements(TypeNamed(key.key), *candidates[index].AsDictionary(), context);
     const Miss miss = {
-        &key, controller, index, LacksAge(failures), DistanceOf(failures), failures.front()};
+        &key, controller, index, IsUpToDate(failures), DistanceOf(failures), failures.front()};
     if (!nearest_ || miss.IsNearerThan(*nearest_)) nearest_ = miss;
   }
 
@@ -139,7 +139,7 @@ bool HasControllers(const ToolRun& run, const Recording& recording) {
 }
 
 ComputerClass ClassOf(const std::optional<Miss>& miss) {
-  if (miss && miss->lacksAge) return ComputerClass::Current;
+  if (miss && miss->isUpToDate) return ComputerClass::Current;
   const bool isForController = miss && miss->distance.ofController == 0;
   return isForController ? ComputerClass::Blocked : ComputerClass::Unmatched;
 }

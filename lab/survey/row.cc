@@ -190,8 +190,11 @@ Json ToJson(const SurveyRow& row) {
 
 std::optional<SurveyRow> ParseSurveyRow(std::string_view json) {
   const auto parsed = ParseJson(json);
-  if (!parsed) return std::nullopt;
-  Members members(*parsed);
+  return parsed ? SurveyRowOf(*parsed) : std::nullopt;
+}
+
+std::optional<SurveyRow> SurveyRowOf(const Json& json) {
+  Members members(json);
   SurveyRow row;
   row.file = members.Text("file");
   row.outcome = InterpretName<Outcome>(OutcomeNames, "outcome", members);

@@ -55,6 +55,9 @@ struct SurveyRow {
 /// In JSON, all keys always there and in the same order.
 Json ToJson(const SurveyRow& row);
 
+/// A row from its JSON document, as ParseSurveyRow.
+std::optional<SurveyRow> SurveyRowOf(const Json& json);
+
 /// A row from its JSON, such as one of an earlier survey: one that was saved before rows had
 /// "imageMissing" and "plan", or before they had "class" and "nearestMiss", lacks them. Empty when
 /// it is not a row, or nested too deep to be one.

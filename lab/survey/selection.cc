@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace fernwick::lab {
@@ -21,7 +22,9 @@ std::optional<Selected> Selection::Next() {
     if (!selected) continue;
     selected->isNamed = IsNamed(*selected);
     selected->index = count_++;
-    return selected;
+    names_.Add(selected->path);
+    names_.Add(std::string_view("", 1));
+    if (!limits_.shard || limits_.shard->Has(selected->path)) return selected;
   }
   return std::nullopt;
 }
@@ -53,7 +56,7 @@ std::optional<Selected> Selection::Select(std::string path) {
   if (IsDirectory(path)) {
     walk_.emplace(std::move(path));
   } else if (IsArchive(path)) {
-    archive_.emplace(std::move(path), maxSize_);
+    archive_.emplace(std::move(path), limits_.maxSize);
   } else {
     return Selected{std::move(path)};
   }
@@ -65,7 +68,7 @@ std::optional<Selected> Selection::NextOfWalk() {
   auto selected = walk_->Next();
   if (!selected) walk_.reset();
   if (!selected || !selected->error.empty() || !IsArchive(selected->path)) return selected;
-  archive_.emplace(std::move(selected->path), maxSize_);
+  archive_.emplace(std::move(selected->path), limits_.maxSize);
   return std::nullopt;
 }
 
@@ -79,12 +82,14 @@ std::optional<Selected> Selection::NextOfInput() {
   return Selected{.path = "-", .error = std::move(error), .errorStatus = status};
 }
 
-std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments) {
+std::optional<std::size_t> CountSelected(const std::vector<std::string>& arguments,
+                                         const SelectionLimits& limits) {
   if (std::ranges::find(arguments, "-") != arguments.end()) return std::nullopt;
   Selection selection(arguments);
   std::size_t count = 0;
   while (selection.walk_ || selection.next_ < arguments.size()) {
-    if (selection.NextOrNone()) ++count;
+    const auto selected = selection.NextOrNone();
+    if (selected && (!limits.shard || limits.shard->Has(selected->path))) ++count;
     if (selection.archive_) return std::nullopt;
   }
   return count;

@@ -1,22 +1,18 @@
 #include <algorithm>
-#include <array>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
-#include "lab/support/output_file.h"
 #include "lab/support/tool_run.h"
-#include "lab/support/words.h"
 #include "lab/survey/batch.h"
-#include "lab/survey/expectation.h"
-#include "lab/survey/format.h"
 #include "lab/survey/run.h"
+#include "lab/survey/shards/payload_hash.h"
+#include "lab/survey/shards/shard_result.h"
+#include "lab/survey/survey_output.h"
 #include "lab/survey/survey_report.h"
 #include "lab/verbs.h"
 #include "platform/file_system.h"
@@ -47,35 +43,21 @@ std::string Footer() {
          "refused or cannot be read (with --expect: no such status); 1 when a computer is of a\n"
          "class of --fail-on or, without --update, a row differs from that of --expect; otherwise\n"
          "0.\n\n"
+         "A shard has the computers whose path hashes to K; its rows are for fernwick-lab "
+         "merge.\n\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
-         "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n";
+         "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n"
+         "  fernwick-lab survey -p payload --format ndjson --shard 1/2 computers/ > 1.ndjson\n";
 }
 
 struct SurveyOptions {
   std::string payload;
   bool bypassVersion = false;
   BatchOptions batch;
-  std::string format = "table";
-  bool isWide = false;
   std::size_t maxMebibytes = 64;
-  std::optional<std::string> expectation;
-  bool updates = false;
-  std::optional<std::string> failOnList;
-  std::vector<ComputerClass> failOn = {};
+  SurveyOutput output;
 };
-
-// Reads "refused,blocked". Returns the word that is not one of them; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list, std::vector<ComputerClass>& classes) {
-  for (;;) {
-    const auto word = list.substr(0, list.find(','));
-    const auto meant = ClassesOfWord(word);
-    if (meant.empty()) return std::string(word);
-    classes.insert(classes.end(), meant.begin(), meant.end());
-    if (word.size() == list.size()) return std::nullopt;
-    list.remove_prefix(word.size() + 1);
-  }
-}
 
 std::vector<Argument> Arguments(SurveyOptions& options) {
   return {
@@ -86,26 +68,26 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
        .valueName = "PAYLOAD"},
       {.name = "--bypassVersion", .target = &options.bypassVersion, .help = "as the tool's own"},
       {.name = "--format",
-       .target = &options.format,
+       .target = &options.output.format,
        .help = "table, ndjson, csv or junit",
        .valueName = "FORMAT",
        .choices = {"table", "ndjson", "csv", "junit"}},
       {.name = "--wide",
-       .target = &options.isWide,
+       .target = &options.output.isWide,
        .help = "do not limit the columns of the table to 60 characters"},
       {.name = "--max-size",
        .target = BoundedNumber{&options.maxMebibytes, 1, MaxFileSize >> 20},
        .help = "refuse a recording of more than so many MiB (default: 64)",
        .valueName = "MIB"},
       {.name = "--expect",
-       .target = &options.expectation,
+       .target = &options.output.expectation,
        .help = "print the differences from a survey saved as ndjson",
        .valueName = "FILE"},
       {.name = "--update",
-       .target = &options.updates,
+       .target = &options.output.updates,
        .help = "save this survey as the file of --expect"},
       {.name = "--fail-on",
-       .target = &options.failOnList,
+       .target = &options.output.failOnList,
        .help = "status 1 when a computer is of any of these classes",
        .valueName = "CLASS,..."},
   };
@@ -113,17 +95,17 @@ std::vector<Argument> Arguments(SurveyOptions& options) {
 
 // What is wrong with the options together; empty when nothing is.
 std::string Check(SurveyOptions& options) {
-  options.batch.maxSize = options.maxMebibytes << 20;
-  const auto word =
-      options.failOnList ? ParseFailOn(*options.failOnList, options.failOn) : std::nullopt;
-  if (word) return "--fail-on: \"" + *word + "\" is not one of " + ClassWords();
-  const bool readsInput = options.expectation == "-";
-  if (readsInput && std::ranges::find(options.batch.paths, "-") != options.batch.paths.end()) {
-    return "standard input cannot be both the recordings and --expect";
+  options.batch.limits.maxSize = options.maxMebibytes << 20;
+  auto& output = options.output;
+  auto error = CheckSurveyOutput(output);
+  if (error.empty()) error = ReadShard(options.batch);
+  if (!error.empty()) return error;
+  if (options.batch.limits.shard && (output.format != "ndjson" || output.expectation)) {
+    return "--shard needs --format ndjson, and no --expect, which is an option of merge";
   }
-  if (!options.updates) return "";
-  if (!options.expectation) return "--update needs --expect FILE";
-  return readsInput ? "--update needs a file, not standard input" : "";
+  const auto& paths = options.batch.paths;
+  const bool readsBoth = output.expectation == "-" && std::ranges::find(paths, "-") != paths.end();
+  return readsBoth ? "standard input cannot be both the recordings and --expect" : "";
 }
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptions& options) {
@@ -132,6 +114,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
                       .footer = Footer(),
                       .arguments = Arguments(options)};
   AddBatchOptions(line, options.batch);
+  AddShardOption(line, options.batch);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return status;
   const auto error = Check(options);
   if (error.empty()) return std::nullopt;
@@ -139,33 +122,31 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
   return LabStatus::BadUsage;
 }
 
-std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOptions& options, Console& console) {
-  const bool isComparison = options.expectation.has_value();
-  if (options.format == "ndjson") return MakeNdjsonFormat(console);
-  if (options.format == "csv") return MakeCsvFormat(console, isComparison);
-  if (options.format == "junit") return MakeJunitFormat(console);
-  return MakeTableFormat(console, isComparison, options.isWide);
+// Prints the first line of the result of a shard. Returns as RunSurvey.
+int PrintHeader(const SurveyOptions& options, Console& console) {
+  const auto payload = PayloadHash(options.payload);
+  if (!payload) {
+    PrintError(payload.Error().error.message);
+    return payload.Error().status;
+  }
+  console.Write(PrintShardHeader({*options.batch.limits.shard,
+                                  "survey",
+                                  {{"payload", *payload},
+                                   {"bypassVersion", options.bypassVersion},
+                                   {"maxSize", options.batch.limits.maxSize}}}));
+  return LabStatus::Done;
 }
 
-// `refusal` is the status of the first named recording that was refused.
-int StatusOf(const SurveyOptions& options, const SurveyReport& report, int refusal) {
-  if (!options.expectation && refusal != LabStatus::Done) return refusal;
-  const auto happened = [&](ComputerClass each) { return report.Count(each) > 0; };
-  const bool fails = std::ranges::any_of(options.failOn, happened);
-  return fails || (!options.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
-}
-
-int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
-  ProcessConsole console;
-  const auto format = MakeFormat(options, console);
-  SurveyReport report(*format, expectation, options.updates);
+int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console, int& refusal) {
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
-  int refusal = LabStatus::Done;
+  const bool isShard = options.batch.limits.shard.has_value();
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
-    auto surveyed = SurveyComputer(std::move(selected), toolOptions, options.batch.maxSize);
+    const auto index = selected.index;
+    auto surveyed = SurveyComputer(std::move(selected), toolOptions, options.batch.limits.maxSize);
     if (!surveyed) return surveyed.Error();
-    auto text = report.TextOf(*surveyed);
+    auto text =
+        isShard ? PrintShardRow(index, isNamed, ToJson(*surveyed)) : report.TextOf(*surveyed);
     const std::function<void()> print = [&, isNamed, row = *std::move(surveyed),
                                          text = std::move(text)] {
       if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
@@ -175,19 +156,15 @@ int RunSurvey(const SurveyOptions& options, SurveyExpectation* expectation) {
     };
     return print;
   };
-  const int status = RunBatch(options.batch, work, console);
-  if (status != LabStatus::Done) return status;
-  report.Finish();
-  const bool isTable = options.format == "table";
-  if (isTable) console.Write(report.Totals());
-  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
-  if (!isTable) console.WriteError(report.Totals());
-  if (options.updates) {
-    const int lost = SaveFile(*options.expectation, report.SavedRows(),
-                              Counted(report.Computers(), "row", "rows"));
-    if (lost != LabStatus::Done) return lost;
+  if (isShard) {
+    const int status = PrintHeader(options, console);
+    if (status != LabStatus::Done) return status;
   }
-  return StatusOf(options, report, refusal);
+  BatchSummary summary;
+  const int status = RunBatch(options.batch, work, console, &summary);
+  if (status != LabStatus::Done || !isShard) return status;
+  console.Write(PrintShardEnd({summary.rows, summary.computers, summary.names}));
+  return LabStatus::Done;
 }
 
 }  // namespace
@@ -196,11 +173,9 @@ VerbEnd SurveyVerb(int argumentCount, char* const arguments[]) {
   SurveyOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;
-  if (!options.expectation) return RunSurvey(options, nullptr);
-  SurveyExpectation expectation(*options.expectation);
-  if (options.updates && !expectation.Exists()) return RunSurvey(options, &expectation);
-  const auto error = expectation.Load();
-  return error ? PrintError(*options.expectation, *error) : RunSurvey(options, &expectation);
+  return PrintSurvey(options.output, [&](SurveyReport& report, Console& console, int& refusal) {
+    return AddRows(options, report, console, refusal);
+  });
 }
 
 }  // namespace fernwick::lab

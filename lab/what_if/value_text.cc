@@ -7,8 +7,8 @@
 
 #include "value/xml/writer.h"
 
-// The forms are told apart by their first characters; each is then read by the readers of property
-// lists, so that what a value may be is decided where it is for files. Linear.
+// The first characters decide the form; each is then parsed by the readers of property lists, so
+// that the same values are valid as in files. Linear.
 
 namespace fernwick::lab {
 namespace {

@@ -1,16 +1,17 @@
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "lab/support/command_line.h"
 #include "lab/support/messages.h"
-#include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/coverage/coverage_format.h"
+#include "lab/survey/coverage/coverage_output.h"
 #include "lab/survey/coverage/covered_payload.h"
-#include "lab/survey/coverage/payload_boards.h"
+#include "lab/survey/shards/payload_hash.h"
+#include "lab/survey/shards/shard_result.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -37,10 +38,18 @@ struct CoverageOptions {
   std::string payload;
   BatchOptions batch;
   bool bypassVersion = false;
-  std::string format = "text";
+  CoverageOutput output;
   bool asJson = false;
-  std::size_t threshold = 0;
 };
+
+// What is wrong with the options together; empty when nothing is.
+std::string Check(CoverageOptions& options) {
+  if (options.asJson) options.output.format = "json";
+  auto error = ReadShard(options.batch);
+  const bool isShard = options.batch.limits.shard.has_value();
+  if (!error.empty() || !isShard || options.output.threshold == 0) return error;
+  return "--threshold is an option of merge, not of a shard";
+}
 
 std::optional<int> Parse(int argumentCount, char* const arguments[], CoverageOptions& options) {
   CommandLine line = {
@@ -57,64 +66,85 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], CoverageOpt
            .target = &options.bypassVersion,
            .help = "as the tool's own"},
           {.name = "--threshold",
-           .target = BoundedNumber{&options.threshold, 0, 100},
+           .target = BoundedNumber{&options.output.threshold, 0, 100},
            .help = "status 1 when less than so many percent are matched",
            .valueName = "PERCENT"},
           {.name = "--format",
-           .target = &options.format,
+           .target = &options.output.format,
            .help = "text or json",
            .valueName = "FORMAT",
            .choices = {"text", "json"}},
           {.name = "--json", .target = &options.asJson, .help = "the same as --format json"},
       }};
   AddBatchOptions(line, options.batch);
-  return ParseCommandLine(line, argumentCount, arguments);
+  AddShardOption(line, options.batch);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  const auto error = Check(options);
+  if (error.empty()) return std::nullopt;
+  PrintError(error + "; see fernwick-lab coverage --help");
+  return LabStatus::BadUsage;
 }
 
-// Runs the tool over everything that is selected. Returns as RunBatch; `refusal` is the status of
-// the first named recording that is refused.
-int CoverAll(const CoverageOptions& options, CoveredPayload& payload, CoverageTotals& totals,
-             int& refusal, Console& console) {
+std::string_view NameOf(RecordingUse use) {
+  return RecordingUseNames[static_cast<std::size_t>(use)];
+}
+
+Json RowOf(const CoveredRecording& recording) {
+  Json row = {{"use", NameOf(recording.use)}};
+  if (recording.use != RecordingUse::Refused) return row;
+  row["message"] = recording.refusal.error.message;
+  row["status"] = recording.refusal.status;
+  return row;
+}
+
+// Runs the tool over everything that is selected. Returns as RunBatch. The rows of a shard are
+// printed.
+int CoverAll(const CoverageOptions& options, const AddCovered& add, CoveredPayload& payload,
+             Console& console, BatchSummary& summary) {
+  const bool isShard = options.batch.limits.shard.has_value();
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
+    const auto index = selected.index;
     auto covered = payload.Cover(std::move(selected));
     if (!covered) return covered.Error();
-    const std::function<void()> print = [&, isNamed, recording = *std::move(covered)] {
-      ++totals.recordings[static_cast<std::size_t>(recording.use)];
-      if (recording.use != RecordingUse::Refused) return;
-      PrintError(recording.refusal.error.message);
-      if (isNamed && refusal == LabStatus::Done) refusal = recording.refusal.status;
+    const std::function<void()> print = [&, isNamed, index, recording = *std::move(covered)] {
+      if (isShard) console.Write(PrintShardRow(index, isNamed, RowOf(recording)));
+      add(recording, isNamed);
     };
     return print;
   };
-  return RunBatch(options.batch, work, console);
+  return RunBatch(options.batch, work, console, &summary);
+}
+
+int RunShard(const CoverageOptions& options, const Options& toolOptions) {
+  const auto hash = PayloadHash(options.payload);
+  if (!hash) {
+    PrintError(hash.Error().error.message);
+    return hash.Error().status;
+  }
+  BatchSummary summary;
+  const auto addAll = [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
+    console.Write(
+        PrintShardHeader({*options.batch.limits.shard,
+                          "coverage",
+                          {{"payload", *hash}, {"bypassVersion", options.bypassVersion}}}));
+    return CoverAll(options, add, payload, console, summary);
+  };
+  return PrintCoverageShard(toolOptions, addAll, [&](Json totals, Console& console) {
+    console.Write(
+        PrintShardEnd({summary.rows, summary.computers, summary.names, std::move(totals)}));
+  });
 }
 
 int RunCoverage(const CoverageOptions& options) {
-  const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
-  if (!toolOptions.personalitiesDirectory) {
-    PrintError(options.payload + ": the tool accepts no payload whose path is not UTF-8");
-    return LabStatus::UnreadableInput;
-  }
-  const auto boards = BoardsOf(*toolOptions.personalitiesDirectory);
-  if (!boards) {
-    PrintError(boards.Error().error.message);
-    return boards.Error().status;
-  }
-  CoveredPayload payload(toolOptions, *boards);
-  ProcessConsole console;
-  CoverageTotals totals;
-  int refusal = LabStatus::Done;
-  const int failure = CoverAll(options, payload, totals, refusal, console);
-  if (failure != LabStatus::Done) return failure;
-  const bool isJson = options.asJson || options.format == "json";
-  const auto format = isJson ? MakeCoverageJson(console) : MakeCoverageText(console);
-  const int status = payload.Print(*format, totals);
-  if (status == LabStatus::OutOfMemory) return status;
-  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
-  if (refusal != LabStatus::Done) return refusal;
-  if (status != LabStatus::Done) return status;
-  return totals.counts.PerMille() < options.threshold * 10 ? 1 : LabStatus::Done;
+  const auto toolOptions = CoverageToolOptions(options.payload, options.bypassVersion);
+  if (!toolOptions) return LabStatus::UnreadableInput;
+  if (options.batch.limits.shard) return RunShard(options, *toolOptions);
+  BatchSummary summary;
+  const auto addAll = [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
+    return CoverAll(options, add, payload, console, summary);
+  };
+  return PrintCoverage(*toolOptions, options.output, addAll);
 }
 
 }  // namespace

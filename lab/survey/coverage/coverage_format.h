@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lab/support/configuration_file.h"
@@ -16,11 +17,15 @@ namespace fernwick::lab {
 enum class RecordingUse {
   Counted,
   NoConfiguration,  // its board has none that can be used
-  UnknownBoard,     // its board is none of the payload's
+  UnknownBoard,     // the payload does not have its board
   Bypassed,         // by a switch of the computer
   AbnormalEnd,      // of its run, whose pairs are not counted
   Refused,
 };
+
+/// "counted", "no configuration", ...: as a shard's rows name the uses, in their order.
+inline constexpr std::array<std::string_view, 6> RecordingUseNames = {
+    "counted", "no configuration", "unknown board", "bypassed", "abnormal end", "refused"};
 
 /// How many recordings there are of each use.
 using RecordingCounts = std::array<std::size_t, 6>;
@@ -49,6 +54,9 @@ struct Rejection {
 
 /// In the order of the table, without those that rejected none.
 std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t personality);
+
+/// "Version 3, RID 1", the most frequent first.
+std::string RejectionsText(std::vector<Rejection> rejections);
 
 /// "63.3": tenths of a percent.
 std::string PercentText(const CoverageCounts& counts);

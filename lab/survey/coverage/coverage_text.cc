@@ -21,17 +21,6 @@ std::string_view NameOf(const Requirement& requirement) {
   return isOfFirmware ? "engineering firmware" : requirement.key;
 }
 
-// "Version 3, RID 1", the most frequent first.
-std::string RejectionsText(std::vector<Rejection> rejections) {
-  std::ranges::stable_sort(rejections, std::greater(), &Rejection::count);
-  std::string text;
-  for (const auto& [requirement, count] : rejections) {
-    text += (text.empty() ? "" : ", ") + std::string(NameOf(*requirement)) + " " +
-            std::to_string(count);
-  }
-  return text;
-}
-
 // "matched 2 of 6, rejected first by Version 4"
 std::string ResultText(const TypeCoverage& coverage, std::size_t index) {
   const auto tested = coverage.tested[index];
@@ -166,6 +155,16 @@ std::vector<Rejection> RejectionsOf(const TypeCoverage& coverage, std::size_t pe
     rejections.push_back({&requirements[i], counts[personality]});
   }
   return rejections;
+}
+
+std::string RejectionsText(std::vector<Rejection> rejections) {
+  std::ranges::stable_sort(rejections, std::greater(), &Rejection::count);
+  std::string text;
+  for (const auto& [requirement, count] : rejections) {
+    text += (text.empty() ? "" : ", ") + std::string(NameOf(*requirement)) + " " +
+            std::to_string(count);
+  }
+  return text;
 }
 
 std::string PercentText(const CoverageCounts& counts) {

@@ -3,13 +3,14 @@
 #include <utility>
 
 #include "lab/support/tool_run.h"
+#include "lab/survey/coverage/coverage_counts.h"
 #include "personality/configuration.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
-// A lack of memory or descriptors is none of the recording.
+// A lack of memory or descriptors says nothing about the recording.
 Result<CoveredRecording, LabError> RefusedRecording(const std::string& path, LabError error) {
   error.error.message = path + ": " + Describe(error.error);
   error.error.location.reset();
@@ -77,6 +78,26 @@ Result<CoveredRecording, LabError> CoveredPayload::Cover(Selected selected) {
   const auto use = UseOf(run);
   if (!use) return use.Error();
   return CoveredRecording{*use};
+}
+
+Json CoveredPayload::Counts() const {
+  auto counts = Json::object();
+  for (const auto& [name, counted] : boards_) {
+    if (counted) counts[name] = CountsToJson(*counted);
+  }
+  return counts;
+}
+
+bool CoveredPayload::AddCounts(const Json& counts) {
+  if (!counts.is_object()) return false;
+  for (const auto& [name, json] : counts.items()) {
+    if (!boards_.contains(name)) return false;
+    const auto loaded = LoadBoard(*ConfigurationPath(name, options_.personalitiesDirectory));
+    if (!loaded.file) return false;
+    BoardCoverage coverage(loaded.file->Value());
+    if (!AddCountsOf(json, coverage) || !Add(name, std::move(coverage))) return false;
+  }
+  return true;
 }
 
 int CoveredPayload::Print(CoverageFormat& format, CoverageTotals& totals) const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driver/options.h"
+#include "lab/support/json_values.h"
 #include "lab/support/messages.h"
 #include "lab/survey/coverage/coverage_format.h"
 #include "lab/survey/selection.h"
@@ -31,6 +32,13 @@ class CoveredPayload {
   /// the computer's run says nothing for lack of permission, memory or descriptors, and where the
   /// configuration of its board was replaced by another since it was last read.
   Result<CoveredRecording, LabError> Cover(Selected selected);
+
+  /// The counts of the boards that have any, to be added elsewhere.
+  Json Counts() const;
+
+  /// Adds what Counts returned for the same payload. Returns false where it is not of this payload;
+  /// then the counts are of no use.
+  bool AddCounts(const Json& counts);
 
   /// Prints every board with the locations in its configuration, of which one at a time is in
   /// memory, and the totals of the boards; `totals` has those of the recordings. Errors of

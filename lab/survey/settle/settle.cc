@@ -1,10 +1,6 @@
-#include <algorithm>
-#include <array>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "lab/support/command_line.h"
 #include "lab/support/json_values.h"
@@ -12,7 +8,10 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/settle/settle_computer.h"
+#include "lab/survey/settle/settle_output.h"
 #include "lab/survey/settle/settle_row.h"
+#include "lab/survey/shards/payload_hash.h"
+#include "lab/survey/shards/shard_result.h"
 #include "lab/verbs.h"
 #include "lab/what_if/changed_configurations.h"
 #include "lab/what_if/changes.h"
@@ -47,34 +46,11 @@ struct SettleArguments {
   std::string payload;
   bool bypassVersion = false;
   bool listsSteps = false;
-  std::string format = "text";
   bool asJson = false;
-  std::optional<std::string> failOnList;
-  std::vector<SettleOutcome> failOn = {SettleOutcome::NeverSettles, SettleOutcome::Undecided};
+  SettleOutput output;
   WhatIfArguments whatIf;
   BatchOptions batch;
 };
-
-// The outcomes that --fail-on can name.
-constexpr std::array<std::pair<std::string_view, SettleOutcome>, 4> FailingOutcomes = {
-    {{"stuck", SettleOutcome::Stuck},
-     {"refused", SettleOutcome::Refused},
-     {"abnormal", SettleOutcome::AbnormalEnd},
-     {"no-plan", SettleOutcome::NoPlan}}};
-
-// Reads "stuck,refused". Returns the word that is not an outcome; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list,
-                                       std::vector<SettleOutcome>& outcomes) {
-  for (;;) {
-    const auto word = list.substr(0, list.find(','));
-    const auto* const found =
-        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
-    if (found == FailingOutcomes.end()) return std::string(word);
-    outcomes.push_back(found->second);
-    if (word.size() == list.size()) return std::nullopt;
-    list.remove_prefix(word.size() + 1);
-  }
-}
 
 CommandLine CommandLineOf(SettleArguments& into) {
   CommandLine line = {
@@ -92,18 +68,19 @@ CommandLine CommandLineOf(SettleArguments& into) {
            .help = "as the tool's own, in every run"},
           {.name = "--each", .target = &into.listsSteps, .help = "print every run of a computer"},
           {.name = "--format",
-           .target = &into.format,
+           .target = &into.output.format,
            .help = "text or ndjson",
            .valueName = "FORMAT",
            .choices = {"text", "ndjson"}},
           {.name = "--json", .target = &into.asJson, .help = "the same as --format ndjson"},
           {.name = "--fail-on",
-           .target = &into.failOnList,
+           .target = &into.output.failOnList,
            .help = "status 1 on any of these outcomes, too: stuck, refused, abnormal, no-plan",
            .valueName = "OUTCOME,..."},
       }};
   AddWhatIfOptions(line, into.whatIf);
   AddBatchOptions(line, into.batch);
+  AddShardOption(line, into.batch);
   return line;
 }
 
@@ -112,40 +89,61 @@ int RefuseUsage(const std::string& error) {
   return LabStatus::BadUsage;
 }
 
-int StatusOf(const SettleArguments& arguments, const SettleTotals& totals, int refusal) {
-  if (refusal != LabStatus::Done) return refusal;
-  const auto happened = [&](SettleOutcome outcome) { return totals.Count(outcome) > 0; };
-  return std::ranges::any_of(arguments.failOn, happened) ? 1 : LabStatus::Done;
+// What is wrong with the options together; empty when nothing is.
+std::string Check(SettleArguments& arguments) {
+  if (arguments.asJson) arguments.output.format = "ndjson";
+  auto error = ReadSettleFailOn(arguments.output);
+  if (error.empty()) error = ReadShard(arguments.batch);
+  const bool isShard = arguments.batch.limits.shard.has_value();
+  if (!error.empty() || !isShard || arguments.output.format == "ndjson") return error;
+  return "--shard needs --format ndjson";
 }
 
-int SettleAll(const SettleArguments& arguments, const Changes& changes) {
+// Prints the first line of the result of a shard. Returns as SettleVerb.
+int PrintHeader(const SettleArguments& arguments, const Changes& changes, Console& console) {
+  const auto payload = PayloadHash(arguments.payload);
+  if (!payload) {
+    PrintError(payload.Error().error.message);
+    return payload.Error().status;
+  }
+  console.Write(PrintShardHeader({*arguments.batch.limits.shard,
+                                  "settle",
+                                  {{"payload", *payload},
+                                   {"bypassVersion", arguments.bypassVersion},
+                                   {"each", arguments.listsSteps},
+                                   {"changes", changes.texts}}}));
+  return LabStatus::Done;
+}
+
+int AddRows(const SettleArguments& arguments, const Changes& changes, const AddSettled& add,
+            Console& console) {
   const auto options = ToolOptions(arguments.payload, arguments.bypassVersion);
   ChangedConfigurations configurations(changes);
   const SettleWork each = {options, changes, configurations, arguments.listsSteps};
-  const bool isText = !arguments.asJson && arguments.format == "text";
-  ProcessConsole console;
-  SettleTotals totals;
-  int refusal = LabStatus::Done;
+  const bool isShard = arguments.batch.limits.shard.has_value();
+  const bool isText = arguments.output.format == "text";
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
+    const auto index = selected.index;
     const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
-    const bool isRefused = row->outcome == SettleOutcome::Refused;
-    const std::function<void()> print =
-        [&, refused = isRefused && isNamed ? *row->status : LabStatus::Done, outcome = row->outcome,
-         runs = row->runs, text = isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))] {
-          if (refusal == LabStatus::Done) refusal = refused;
-          totals.Add(outcome, runs);
-          console.Write(text);
-        };
+    SettledComputer computer = {row->outcome, row->runs, row->status, isNamed,
+                                isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
+    if (isShard) {
+      computer.text = PrintShardRow(index, isNamed, ToJson(*row), {{"text", DescribeRow(*row)}});
+    }
+    const std::function<void()> print = [&, computer = std::move(computer)] { add(computer); };
     return print;
   };
-  const int status = RunBatch(arguments.batch, work, console);
-  if (status != LabStatus::Done) return status;
-  if (isText) console.Write(Describe(totals));
-  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
-  if (!isText) console.WriteError(Describe(totals));
-  return StatusOf(arguments, totals, refusal);
+  if (isShard) {
+    const int status = PrintHeader(arguments, changes, console);
+    if (status != LabStatus::Done) return status;
+  }
+  BatchSummary summary;
+  const int status = RunBatch(arguments.batch, work, console, &summary);
+  if (status != LabStatus::Done || !isShard) return status;
+  console.Write(PrintShardEnd({summary.rows, summary.computers, summary.names}));
+  return LabStatus::Done;
 }
 
 }  // namespace
@@ -154,16 +152,14 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]) {
   SettleArguments parsed;
   const auto line = CommandLineOf(parsed);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  const auto word =
-      parsed.failOnList ? ParseFailOn(*parsed.failOnList, parsed.failOn) : std::nullopt;
-  if (word) {
-    return RefuseUsage("--fail-on: \"" + *word +
-                       "\" is not one of stuck, refused, abnormal, no-plan");
-  }
+  const auto error = Check(parsed);
+  if (!error.empty()) return RefuseUsage(error);
   const auto changes = ParseChanges(parsed.whatIf);
   if (!changes) return RefuseUsage(changes.Error().message);
   if (!IsPayload(parsed.payload)) return LabStatus::UnreadableInput;
-  return SettleAll(parsed, *changes);
+  return PrintSettled(parsed.output, [&](const AddSettled& add, Console& console) {
+    return AddRows(parsed, *changes, add, console);
+  });
 }
 
 }  // namespace fernwick::lab

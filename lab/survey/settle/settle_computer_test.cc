@@ -1,4 +1,4 @@
-// What becomes of single computers: the simulation, the reasons and the texts together.
+// The results for single computers: the simulation, the causes and the texts together.
 
 #include "lab/survey/settle/settle_computer.h"
 

@@ -1,5 +1,6 @@
 #include "lab/survey/settle/settle_row.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -86,6 +87,12 @@ Json ControllerJson(const NamedController& controller) {
 
 std::string_view NameOf(SettleOutcome outcome) {
   return OutcomeNames[static_cast<std::size_t>(outcome)];
+}
+
+std::optional<SettleOutcome> SettleOutcomeNamed(std::string_view name) {
+  const auto* const found = std::ranges::find(OutcomeNames, name);
+  if (found == OutcomeNames.end()) return std::nullopt;
+  return static_cast<SettleOutcome>(found - OutcomeNames.begin());
 }
 
 Json ToJson(const SettleRow& row) {

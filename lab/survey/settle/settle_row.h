@@ -31,6 +31,9 @@ inline constexpr std::size_t SettleOutcomeCount = 8;
 /// "abnormal end".
 std::string_view NameOf(SettleOutcome outcome);
 
+/// The outcome of that name; empty for any other text.
+std::optional<SettleOutcome> SettleOutcomeNamed(std::string_view name);
+
 /// A match as a row names it.
 struct NamedFlash {
   std::string type;
@@ -94,8 +97,9 @@ struct SettleRow {
   std::optional<std::string> board = {};
   std::optional<int> revision = {};
   std::size_t runs = 0;                       // those that planned something
-  std::optional<std::size_t> comesBack = {};  // of one that never settles: after how many runs the
-                                              // state was there that comes back after `runs`
+  std::optional<std::size_t> comesBack = {};  // of one that never settles: the number of runs after
+                                              // which the state first occurred that occurs again
+                                              // after `runs`
   std::vector<NamedController> controllers = {};
   std::vector<NamedRepetition> repetitions = {};
   std::vector<NamedStuck> stuck = {};
@@ -107,6 +111,13 @@ Json ToJson(const SettleRow& row);
 
 /// The row as lines for people, each with its line feed and safe to show.
 std::string DescribeRow(const SettleRow& row);
+
+/// Why a match is planned again and again, in words for people: "USBC personality 1 offers 43.105,
+/// of which 43.1 is stored". Safe to show.
+std::string DescribeCause(const NamedRepetition& repetition);
+
+/// What a controller does not get: "stays at 171: USBC personality 2 offers 200". Safe to show.
+std::string DescribeOffer(const NamedStuck& stuck);
 
 /// The totals of a settling: memory for each number of runs, of which there are few.
 struct SettleTotals {

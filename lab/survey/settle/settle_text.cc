@@ -32,20 +32,6 @@ std::string OfferText(const NamedFlash& flash) {
   return PersonalityText(flash) + " offers " + VersionText(flash.offered);
 }
 
-std::string CauseText(const NamedRepetition& repetition) {
-  const auto& flash = repetition.flash;
-  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
-  if (repetition.cause == "not storable") {
-    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
-  }
-  if (repetition.cause == "compares version above") {
-    return OfferText(flash) +
-           ", which is compared with the version of the Thunderbolt controller above the port";
-  }
-  return PersonalityText(flash) +
-         " matches whatever is installed, since the version check is bypassed";
-}
-
 std::string HeadText(const SettleRow& row) {
   const auto runs = " after " + RunsText(row.runs);
   switch (row.outcome) {
@@ -83,17 +69,26 @@ std::string StepText(const NamedStep& step, std::size_t number) {
   return text;
 }
 
-std::string StuckText(const NamedStuck& stuck) {
-  auto text = "  " + PrintableText(stuck.controller) + " stays at " + VersionText(stuck.installed) +
-              ": " + stuck.type + " personality " + std::to_string(stuck.personality) + " offers " +
-              VersionText(stuck.offered) + ", but\n";
-  for (const auto& requirement : stuck.requirements) {
-    text += "    " + requirement.key + " " + requirement.text + "\n";
+}  // namespace
+
+std::string DescribeCause(const NamedRepetition& repetition) {
+  const auto& flash = repetition.flash;
+  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
+  if (repetition.cause == "not storable") {
+    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
   }
-  return text;
+  if (repetition.cause == "compares version above") {
+    return OfferText(flash) +
+           ", which is compared with the version of the Thunderbolt controller above the port";
+  }
+  return PersonalityText(flash) +
+         " matches whatever is installed, since the version check is bypassed";
 }
 
-}  // namespace
+std::string DescribeOffer(const NamedStuck& stuck) {
+  return "stays at " + VersionText(stuck.installed) + ": " + stuck.type + " personality " +
+         std::to_string(stuck.personality) + " offers " + VersionText(stuck.offered);
+}
 
 std::string DescribeRow(const SettleRow& row) {
   auto text = PrintableText(row.file) + ": " + HeadText(row) + "\n";
@@ -106,9 +101,15 @@ std::string DescribeRow(const SettleRow& row) {
             VersionText(controller.after) + "\n";
   }
   for (const auto& repetition : row.repetitions) {
-    text += "  " + PrintableText(repetition.flash.changed) + ": " + CauseText(repetition) + "\n";
+    text +=
+        "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition) + "\n";
   }
-  for (const auto& stuck : row.stuck) text += StuckText(stuck);
+  for (const auto& stuck : row.stuck) {
+    text += "  " + PrintableText(stuck.controller) + " " + DescribeOffer(stuck) + ", but\n";
+    for (const auto& requirement : stuck.requirements) {
+      text += "    " + requirement.key + " " + requirement.text + "\n";
+    }
+  }
   return text;
 }
 

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lab/report/bounded_list.h"
+#include "lab/report/computer_lists.h"
+
+namespace fernwick::lab {
+
+/// Computers of which the same is to be said, group by group: what is said, how many they are, and
+/// the names of the first. Once there are enough groups, further ones are only counted, so that
+/// memory does not grow with the number of computers.
+class ComputerGroups {
+ public:
+  /// All names of the groups together, and what is said, need no more than so many bytes. `id`
+  /// begins the IDs of the groups.
+  ComputerGroups(std::string id, std::size_t bytes) : id_(std::move(id)), budget_(bytes) {}
+
+  /// Adds a computer to the group of what is said, as markup; once, however often it is added in
+  /// succession. `items` is what is counted besides, such as controllers.
+  void Add(const std::string& said, const ComputerName& computer, std::size_t items = 1);
+
+  bool IsEmpty() const { return groups_.empty() && others_ == 0; }
+
+  /// The ID of the table.
+  const std::string& Id() const { return id_; }
+
+  /// A table: what is said, the number of computers, which leads to their names, and with
+  /// `itemColumn` the number of items before it; the largest groups first. `command` prints all.
+  std::string Markup(const std::string& caption, const std::string& saidColumn,
+                     const std::string& command, const std::string& itemColumn = {}) const;
+
+  static constexpr std::size_t MaxGroups = 200;
+  static constexpr std::size_t MaxNames = 100;  // of a group
+
+ private:
+  struct Group {
+    std::string said;
+    std::size_t lastComputer = 0;
+    std::size_t items = 0;
+    ListLimit limit = ListLimit(MaxNames);
+    BoundedList names = {};
+  };
+
+  std::string RowMarkup(std::size_t index, const std::string& command,
+                        const std::string& itemColumn) const;
+
+  std::string id_;
+  ByteBudget budget_;
+  std::map<std::string, std::size_t> indexes_;  // a tree: payloads choose the keys
+  std::vector<Group> groups_;                   // in the order in which they came
+  std::size_t others_ = 0;  // how often a computer was in a group that is not there
+};
+
+}  // namespace fernwick::lab

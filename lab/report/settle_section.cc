@@ -1,0 +1,94 @@
+#include "lab/report/settle_section.h"
+
+#include <array>
+
+#include "lab/report/bars.h"
+#include "lab/report/markup.h"
+#include "lab/support/words.h"
+#include "lab/survey/short_text.h"
+#include "lab/survey/xml_text.h"
+
+namespace fernwick::lab {
+namespace {
+
+struct OutcomeLook {
+  std::size_t tone;
+  const char* meaning;
+  const char* list;  // the ID
+};
+
+// In the order of the outcomes.
+constexpr std::array<OutcomeLook, SettleOutcomeCount> Looks = {{
+    {0, "nothing more is planned", "settled-after"},
+    {2, "nothing more is planned, but the payload has newer versions for its controllers", "stuck"},
+    {8, "a plan is printed again and again", "never-settles"},
+    {7, "not settled within the bounds of the simulation", "undecided"},
+    {4, "there is no configuration for the board, or a match names no image", "computers"},
+    {1, "a switch of the computer turns updates off, now or after an update", "bypassed-after"},
+    {9, "the recording cannot be read", "class-refused"},
+    {6, "the run of the tool ends abnormally", "class-fault"},
+}};
+
+std::string StuckReason(const NamedStuck& stuck) {
+  auto text = DescribeOffer(stuck) + ", but ";
+  for (std::size_t i = 0; i < stuck.requirements.size(); ++i) {
+    text += (i == 0 ? "" : "; ") + stuck.requirements[i].key + " " + stuck.requirements[i].text;
+  }
+  return text;
+}
+
+std::string RunsMarkup(const SettleTotals& totals) {
+  if (totals.settledAfter.empty()) return "";
+  std::string rows;
+  for (const auto& [runs, count] : totals.settledAfter) {
+    rows += "<tr>" + HeadCell(runs == 0 ? "none: nothing is planned" : std::to_string(runs)) +
+            NumberCell(NumberText(count)) + "</tr>\n";
+  }
+  return "<h3>Runs until a computer is settled</h3>\n" +
+         TableMarkup("settled-after", "Runs with a plan until a computer is settled",
+                     {{"Runs"}, {"Computers", true}}, "<tbody>\n" + rows + "</tbody>\n");
+}
+
+std::string GroupsMarkup(const ComputerGroups& groups, const std::string& title,
+                         const std::string& command) {
+  if (groups.IsEmpty()) return "";
+  return "<h3>" + title + "</h3>\n" + groups.Markup(title, "Why", command);
+}
+
+}  // namespace
+
+void SettleSection::Add(const SettleRow& row, const ComputerName& computer) {
+  totals_.Add(row.outcome, row.runs);
+  for (const auto& repetition : row.repetitions) {
+    never_.Add(XmlText(ShortText(DescribeCause(repetition))), computer);
+  }
+  for (const auto& stuck : row.stuck) stuck_.Add(XmlText(ShortText(StuckReason(stuck))), computer);
+  const auto runs = "after " + Counted(row.runs, "run", "runs");
+  if (row.outcome == SettleOutcome::Undecided) undecided_.Add(runs, computer);
+  if (row.outcome == SettleOutcome::Bypassed) bypassed_.Add(runs, computer);
+}
+
+std::string SettleSection::Markup(const std::string& command) const {
+  Bar bar;
+  std::string rows;
+  for (std::size_t i = 0; i < SettleOutcomeCount; ++i) {
+    const auto outcome = static_cast<SettleOutcome>(i);
+    const auto count = totals_.Count(outcome);
+    const auto& [tone, meaning, list] = Looks[i];
+    const std::string name(NameOf(outcome));
+    bar.segments.push_back({name, count, Tone(tone)});
+    if (count == 0) continue;
+    rows += "<tr>" + HeadCell(SwatchMarkup(Tone(tone)) + " " + name) + TextCell(meaning) +
+            NumberCell(NumberLink(list, count)) + "</tr>\n";
+  }
+  return BarsMarkup("settling", "Computers after all updates", {bar}) +
+         StackMarkup(TableMarkup("settling-table", "Computers after all updates",
+                                 {{"Result"}, {"Meaning"}, {"Computers", true}},
+                                 "<tbody>\n" + rows + "</tbody>\n")) +
+         RunsMarkup(totals_) + GroupsMarkup(never_, "Never settle", command) +
+         GroupsMarkup(stuck_, "Stuck below a newer version", command) +
+         GroupsMarkup(undecided_, "Undecided", command) +
+         GroupsMarkup(bypassed_, "Bypassed", command);
+}
+
+}  // namespace fernwick::lab

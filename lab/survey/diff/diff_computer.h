@@ -1,0 +1,30 @@
+#pragma once
+
+#include "driver/options.h"
+#include "lab/support/messages.h"
+#include "lab/survey/diff/diff_row.h"
+#include "lab/survey/diff/file_changes.h"
+#include "lab/survey/selected.h"
+#include "value/result.h"
+
+namespace fernwick::lab {
+
+/// The options of the runs with both payloads.
+struct Payloads {
+  Options before;
+  Options after;
+};
+
+/// A computer between two payloads.
+struct ComparedComputer {
+  DiffRow row;
+  int refusal = LabStatus::Done;  // why it was refused
+};
+
+/// Runs the tool over the computer with both payloads and compares the runs. What the selection
+/// refused has a row too; as with SurveyComputer, a lack of anything is an error, not a result. May
+/// be called on any thread.
+Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payloads& payloads,
+                                                PayloadFiles& files);
+
+}  // namespace fernwick::lab

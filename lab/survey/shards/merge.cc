@@ -1,0 +1,267 @@
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lab/support/command_line.h"
+#include "lab/support/messages.h"
+#include "lab/survey/batch.h"
+#include "lab/survey/coverage/coverage_output.h"
+#include "lab/survey/settle/settle_output.h"
+#include "lab/survey/shards/merged_rows.h"
+#include "lab/survey/shards/payload_hash.h"
+#include "lab/survey/survey_output.h"
+#include "lab/verbs.h"
+
+namespace fernwick::lab {
+namespace {
+
+constexpr char Description[] =
+    "Puts the results of all shards of a survey, a coverage or a settling together, and prints "
+    "what one run over all computers prints.";
+
+constexpr char Footer[] =
+    "\nA RESULT is what \"survey --format ndjson\", \"coverage\" or \"settle --format ndjson\" "
+    "print "
+    "with\n--shard K/N. All N shards are needed, each once and whole, of the same payload, options "
+    "and\nselection; what is missing is named. All results are open at once, and memory has a row "
+    "of each.\n\n"
+    "The options are those of the verb: for a survey --format table, ndjson, csv or junit, "
+    "--wide,\n"
+    "--expect, --update and --fail-on; for a settling --format text or ndjson and --fail-on; for "
+    "a\n"
+    "coverage --format text or json, --threshold, and the payload, of which the configurations "
+    "are\n"
+    "printed.\n\n"
+    "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n\n"
+    "Example:\n"
+    "  fernwick-lab merge --format csv 1.ndjson 2.ndjson\n";
+
+struct MergeOptions {
+  std::vector<std::string> results;
+  std::optional<std::string> format = {};
+  std::optional<std::string> payload = {};
+  SurveyOutput survey = {};
+  std::size_t threshold = 0;
+};
+
+CommandLine CommandLineOf(MergeOptions& into) {
+  return {.verb = "merge",
+          .description = Description,
+          .footer = Footer,
+          .arguments = {
+              {.name = "RESULT",
+               .target = &into.results,
+               .help = "the results of all shards, in any order",
+               .least = 1,
+               .valueName = ""},
+              {.name = "--format",
+               .target = &into.format,
+               .help = "one of the verb's formats",
+               .valueName = "FORMAT",
+               .choices = {"table", "ndjson", "csv", "junit", "text", "json"}},
+              {.name = "--wide",
+               .target = &into.survey.isWide,
+               .help = "do not limit the columns of the table to 60 characters"},
+              {.name = "--expect",
+               .target = &into.survey.expectation,
+               .help = "print the differences from a survey saved as ndjson",
+               .valueName = "FILE"},
+              {.name = "--update",
+               .target = &into.survey.updates,
+               .help = "save this survey as the file of --expect"},
+              {.name = "--fail-on",
+               .target = &into.survey.failOnList,
+               .help = "status 1 when a computer is of any of these classes or outcomes",
+               .valueName = "CLASS,..."},
+              {.name = "-p,--payload",
+               .target = &into.payload,
+               .help = "the payload directory, for a coverage",
+               .valueName = "PAYLOAD"},
+              {.name = "--threshold",
+               .target = BoundedNumber{&into.threshold, 0, 100},
+               .help = "status 1 when less than so many percent are matched",
+               .valueName = "PERCENT"},
+          }};
+}
+
+int RefuseUsage(const std::string& error) {
+  PrintError(error + "; see fernwick-lab merge --help");
+  return LabStatus::BadUsage;
+}
+
+int RefuseResults(const LabError& error) {
+  PrintError(error.error.message);
+  return error.status;
+}
+
+// Calls `add` with each row, until it returns false because the row is not one of the verb. Returns
+// as AddSurveyRows.
+template <typename Add>
+int ForEachRow(MergedRows& rows, Console& console, Add add) {
+  for (;;) {
+    const auto row = rows.Next();
+    if (!row) return RefuseResults(row.Error());
+    if (!*row) return LabStatus::Done;
+    if (!add(**row)) {
+      PrintError("the computer of index " + std::to_string((*row)->index) +
+                 " has a row of another kind");
+      return LabStatus::MalformedInput;
+    }
+    console.Flush();
+    if (console.OutputError() != 0) return FinishOutput(console);
+  }
+}
+
+// Whether the row has what a survey's own rows have.
+bool IsComplete(const SurveyRow& row) {
+  if (!row.computerClass) return false;
+  const bool isBlocked = row.computerClass == ComputerClass::Blocked;
+  return (!isBlocked || row.miss) && (row.outcome != Outcome::Refused || row.status);
+}
+
+int MergeSurvey(const SurveyOutput& output, MergedRows& rows) {
+  return PrintSurvey(output, [&](SurveyReport& report, Console& console, int& refusal) {
+    return ForEachRow(rows, console, [&](const ShardRow& each) {
+      const auto row = SurveyRowOf(each.row);
+      if (!row || !IsComplete(*row)) return false;
+      const bool isRefused = each.isNamed && row->outcome == Outcome::Refused;
+      if (isRefused && refusal == LabStatus::Done) refusal = *row->status;
+      report.Add(*row, report.TextOf(*row));
+      return true;
+    });
+  });
+}
+
+// The member of an object; null where there is none.
+Json MemberOf(const Json& object, const char* key) {
+  const bool isThere = object.is_object() && object.contains(key);
+  return isThere ? object[key] : Json(nullptr);
+}
+
+std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
+  const auto name = MemberOf(each.row, "outcome");
+  const auto runs = MemberOf(each.row, "runs");
+  const auto status = MemberOf(each.row, "status");
+  const auto text = MemberOf(each.line, "text");
+  const auto outcome =
+      name.is_string() ? SettleOutcomeNamed(name.get<std::string>()) : std::nullopt;
+  if (!outcome || !runs.is_number_unsigned() || !text.is_string()) return std::nullopt;
+  if (*outcome == SettleOutcome::Refused && !status.is_number_integer()) return std::nullopt;
+  return SettledComputer{
+      *outcome, runs.get<std::size_t>(),
+      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt, each.isNamed,
+      isText ? text.get<std::string>() : PrintJsonRow(each.row)};
+}
+
+int MergeSettled(const SettleOutput& output, MergedRows& rows) {
+  return PrintSettled(output, [&](const AddSettled& add, Console& console) {
+    return ForEachRow(rows, console, [&](const ShardRow& each) {
+      const auto computer = SettledOf(each, output.format == "text");
+      if (computer) add(*computer);
+      return computer.has_value();
+    });
+  });
+}
+
+std::optional<CoveredRecording> CoveredOf(const Json& row) {
+  const auto name = MemberOf(row, "use");
+  if (!name.is_string()) return std::nullopt;
+  const auto* const use = std::ranges::find(RecordingUseNames, name.get<std::string>());
+  if (use == RecordingUseNames.end()) return std::nullopt;
+  CoveredRecording recording = {static_cast<RecordingUse>(use - RecordingUseNames.begin())};
+  if (recording.use != RecordingUse::Refused) return recording;
+  const auto message = MemberOf(row, "message");
+  const auto status = MemberOf(row, "status");
+  if (!message.is_string() || !status.is_number_integer()) return std::nullopt;
+  recording.refusal = {{message.get<std::string>()}, status.get<int>()};
+  return recording;
+}
+
+int MergeCoverage(const MergeOptions& options, const CoverageOutput& output, MergedRows& rows) {
+  const auto& header = rows.Header().options;
+  const auto hash = PayloadHash(*options.payload);
+  if (!hash) return RefuseResults(hash.Error());
+  if (MemberOf(header, "payload") != *hash) {
+    PrintError(*options.payload + ": this is not the payload of the results");
+    return LabStatus::MalformedInput;
+  }
+  const bool bypassVersion = MemberOf(header, "bypassVersion") == true;
+  const auto toolOptions = CoverageToolOptions(*options.payload, bypassVersion);
+  if (!toolOptions) return LabStatus::UnreadableInput;
+  return PrintCoverage(
+      *toolOptions, output, [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
+        rows.addTotals = [&](const Json& totals) { return payload.AddCounts(totals); };
+        return ForEachRow(rows, console, [&](const ShardRow& each) {
+          const auto recording = CoveredOf(each.row);
+          if (recording) add(*recording, each.isNamed);
+          return recording.has_value();
+        });
+      });
+}
+
+// What a verb's results can be printed as, the default first.
+struct MergedVerb {
+  std::string_view name;
+  std::vector<std::string_view> formats;
+};
+
+const MergedVerb MergedVerbs[] = {{"survey", {"table", "ndjson", "csv", "junit"}},
+                                  {"settle", {"text", "ndjson"}},
+                                  {"coverage", {"text", "json"}}};
+
+// An option that the verb does not have; empty when it has all.
+std::string OtherOption(std::string_view verb, const MergeOptions& options) {
+  const auto& survey = options.survey;
+  const bool isSurvey = verb == "survey";
+  const bool isCoverage = verb == "coverage";
+  if (survey.isWide && !isSurvey) return "--wide";
+  if (survey.expectation && !isSurvey) return "--expect";
+  if (survey.updates && !isSurvey) return "--update";
+  if (survey.failOnList && isCoverage) return "--fail-on";
+  if (options.payload && !isCoverage) return "--payload";
+  return options.threshold > 0 && !isCoverage ? "--threshold" : "";
+}
+
+int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
+  const auto format = options.format.value_or(std::string(verb.formats.front()));
+  const auto name = std::string(verb.name);
+  if (std::ranges::find(verb.formats, format) == verb.formats.end()) {
+    return RefuseUsage("--format " + format + " is none of " + name);
+  }
+  const auto other = OtherOption(verb.name, options);
+  if (!other.empty()) return RefuseUsage(other + " is no option for results of " + name);
+  if (name == "survey") {
+    options.survey.format = format;
+    const auto error = CheckSurveyOutput(options.survey);
+    return error.empty() ? MergeSurvey(options.survey, rows) : RefuseUsage(error);
+  }
+  if (name == "settle") {
+    SettleOutput output = {.format = format, .failOnList = options.survey.failOnList};
+    const auto error = ReadSettleFailOn(output);
+    return error.empty() ? MergeSettled(output, rows) : RefuseUsage(error);
+  }
+  if (!options.payload) return RefuseUsage("results of coverage need --payload");
+  if (!IsPayload(*options.payload)) return LabStatus::UnreadableInput;
+  return MergeCoverage(options, {format, options.threshold}, rows);
+}
+
+}  // namespace
+
+VerbEnd MergeVerb(int argumentCount, char* const arguments[]) {
+  MergeOptions options;
+  const auto line = CommandLineOf(options);
+  if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
+  auto rows = MergedRows::Open(options.results);
+  if (!rows) return RefuseResults(rows.Error());
+  const auto* const verb = std::ranges::find(MergedVerbs, rows->Header().verb, &MergedVerb::name);
+  if (verb == std::end(MergedVerbs)) {
+    PrintError(options.results.front() + ": there is no such verb as that of its first line");
+    return LabStatus::MalformedInput;
+  }
+  return MergeAs(*verb, options, *rows);
+}
+
+}  // namespace fernwick::lab

@@ -1,0 +1,29 @@
+#include "lab/survey/shards/payload_hash.h"
+
+#include <string_view>
+
+#include "lab/survey/coverage/payload_boards.h"
+#include "lab/survey/shards/shard.h"
+#include "platform/file_system.h"
+
+namespace fernwick::lab {
+
+Result<std::string, LabError> PayloadHash(const std::string& payload) {
+  const auto directory = AppendPathComponent(payload, "Fernwick");
+  const auto boards = BoardsOf(directory);
+  if (!boards) return boards.Error();
+  StableHash hash;
+  for (const auto& board : *boards) {
+    const auto path = AppendPathComponent(AppendPathComponent(directory, board), "Config.plist");
+    const auto bytes = ReadWholeFile(path);
+    if (!bytes && UnreadableStatus(bytes.Error()) == LabStatus::OutOfMemory) {
+      return LabError{{path + ": " + bytes.Error().message}, LabStatus::OutOfMemory};
+    }
+    const auto& text = bytes ? *bytes : bytes.Error().message;
+    hash.Add(board + (bytes ? "/" : "!") + std::to_string(text.size()) + "/");
+    hash.Add(text);
+  }
+  return hash.Text();
+}
+
+}  // namespace fernwick::lab

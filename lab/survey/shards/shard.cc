@@ -1,0 +1,47 @@
+#include "lab/survey/shards/shard.h"
+
+#include <charconv>
+#include <cstdio>
+
+namespace fernwick::lab {
+namespace {
+
+constexpr std::size_t MaxDigits = 6;
+
+std::optional<std::size_t> NumberIn(std::string_view digits) {
+  std::size_t number = 0;
+  const auto* const end = digits.data() + digits.size();
+  const auto [rest, error] = std::from_chars(digits.data(), end, number);
+  if (error != std::errc() || rest != end || digits.size() > MaxDigits) return std::nullopt;
+  return number;
+}
+
+}  // namespace
+
+void StableHash::Add(std::string_view bytes) {
+  constexpr std::uint64_t Prime = 0x100000001b3;
+  for (const char byte : bytes) value_ = (value_ ^ static_cast<unsigned char>(byte)) * Prime;
+}
+
+std::string StableHash::Text() const {
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(value_));
+  return text;
+}
+
+bool Shard::Has(std::string_view name) const {
+  StableHash hash;
+  hash.Add(name);
+  return hash.Value() % count == number - 1;
+}
+
+std::optional<Shard> ParseShard(std::string_view text) {
+  const auto slash = text.find('/');
+  if (slash == std::string_view::npos) return std::nullopt;
+  const auto number = NumberIn(text.substr(0, slash));
+  const auto count = NumberIn(text.substr(slash + 1));
+  if (!number || !count || *number == 0 || *number > *count) return std::nullopt;
+  return Shard{*number, *count};
+}
+
+}  // namespace fernwick::lab

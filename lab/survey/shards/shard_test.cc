@@ -1,0 +1,52 @@
+#include "lab/survey/shards/shard.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+namespace fernwick::lab {
+namespace {
+
+std::string HashOf(std::string_view text) {
+  StableHash hash;
+  hash.Add(text);
+  return hash.Text();
+}
+
+// The published values of the function.
+TEST(StableHash, IsTheSameOnEveryMachine) {
+  EXPECT_EQ(HashOf(""), "cbf29ce484222325");
+  EXPECT_EQ(HashOf("a"), "af63dc4c8601ec8c");
+  EXPECT_EQ(HashOf("foobar"), "85944171f73967e8");
+}
+
+TEST(Shard, HasEachNameOnce) {
+  for (std::size_t count = 1; count <= 7; ++count) {
+    std::array<std::size_t, 7> names = {};
+    for (int i = 0; i < 700; ++i) {
+      std::size_t owners = 0;
+      for (std::size_t number = 1; number <= count; ++number) {
+        if (!Shard{number, count}.Has("computers/" + std::to_string(i))) continue;
+        ++owners;
+        ++names[number - 1];
+      }
+      EXPECT_EQ(owners, 1u);
+    }
+    for (std::size_t number = 1; number <= count; ++number) EXPECT_GT(names[number - 1], 50u);
+  }
+}
+
+TEST(Shard, IsReadFromTwoNumbers) {
+  const auto shard = ParseShard("2/3");
+  ASSERT_TRUE(shard);
+  EXPECT_EQ(shard->number, 2u);
+  EXPECT_EQ(shard->count, 3u);
+  EXPECT_TRUE(ParseShard("999999/999999"));
+  for (const auto* text : {"", "/", "1", "1/", "/1", "0/1", "2/1", "1/2 ", "-1/2", "1/1000000"}) {
+    EXPECT_FALSE(ParseShard(text)) << text;
+  }
+}
+
+}  // namespace
+}  // namespace fernwick::lab

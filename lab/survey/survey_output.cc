@@ -1,0 +1,84 @@
+#include "lab/survey/survey_output.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "lab/support/messages.h"
+#include "lab/support/output_file.h"
+#include "lab/support/words.h"
+#include "lab/survey/expectation.h"
+#include "lab/survey/format.h"
+
+namespace fernwick::lab {
+namespace {
+
+// Reads "refused,blocked". Returns the word that is not one of them; empty when all are.
+std::optional<std::string> ParseFailOn(std::string_view list, std::vector<ComputerClass>& classes) {
+  for (;;) {
+    const auto word = list.substr(0, list.find(','));
+    const auto meant = ClassesOfWord(word);
+    if (meant.empty()) return std::string(word);
+    classes.insert(classes.end(), meant.begin(), meant.end());
+    if (word.size() == list.size()) return std::nullopt;
+    list.remove_prefix(word.size() + 1);
+  }
+}
+
+std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOutput& output, Console& console) {
+  const bool isComparison = output.expectation.has_value();
+  if (output.format == "ndjson") return MakeNdjsonFormat(console);
+  if (output.format == "csv") return MakeCsvFormat(console, isComparison);
+  if (output.format == "junit") return MakeJunitFormat(console);
+  return MakeTableFormat(console, isComparison, output.isWide);
+}
+
+// `refusal` is the status of the first named recording that was refused.
+int StatusOf(const SurveyOutput& output, const SurveyReport& report, int refusal) {
+  if (!output.expectation && refusal != LabStatus::Done) return refusal;
+  const auto happened = [&](ComputerClass each) { return report.Count(each) > 0; };
+  const bool fails = std::ranges::any_of(output.failOn, happened);
+  return fails || (!output.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
+}
+
+int Print(const SurveyOutput& output, SurveyExpectation* expectation,
+          const AddSurveyRows& addRows) {
+  ProcessConsole console;
+  const auto format = MakeFormat(output, console);
+  SurveyReport report(*format, expectation, output.updates);
+  int refusal = LabStatus::Done;
+  const int status = addRows(report, console, refusal);
+  if (status != LabStatus::Done) return status;
+  report.Finish();
+  const bool isTable = output.format == "table";
+  if (isTable) console.Write(report.Totals());
+  if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
+  if (!isTable) console.WriteError(report.Totals());
+  if (output.updates) {
+    const int lost = SaveFile(*output.expectation, report.SavedRows(),
+                              Counted(report.Computers(), "row", "rows"));
+    if (lost != LabStatus::Done) return lost;
+  }
+  return StatusOf(output, report, refusal);
+}
+
+}  // namespace
+
+std::string CheckSurveyOutput(SurveyOutput& output) {
+  const auto word =
+      output.failOnList ? ParseFailOn(*output.failOnList, output.failOn) : std::nullopt;
+  if (word) return "--fail-on: \"" + *word + "\" is not one of " + ClassWords();
+  if (!output.updates) return "";
+  if (!output.expectation) return "--update needs --expect FILE";
+  return output.expectation == "-" ? "--update needs a file, not standard input" : "";
+}
+
+int PrintSurvey(const SurveyOutput& output, const AddSurveyRows& addRows) {
+  if (!output.expectation) return Print(output, nullptr, addRows);
+  SurveyExpectation expectation(*output.expectation);
+  if (output.updates && !expectation.Exists()) return Print(output, &expectation, addRows);
+  const auto error = expectation.Load();
+  return error ? PrintError(*output.expectation, *error) : Print(output, &expectation, addRows);
+}
+
+}  // namespace fernwick::lab
