@@ -29,6 +29,9 @@ struct ControllerRow {
   /// Thunderbolt controller a listed port below it.
   bool hasCounterpart = false;
 
+  /// The version is that of a Thunderbolt controller: for a port, of the one above it.
+  bool hasThunderboltVersion = false;
+
   friend auto operator<=>(const ControllerRow&, const ControllerRow&) = default;
 };
 

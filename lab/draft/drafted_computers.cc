@@ -81,6 +81,7 @@ void DraftedComputers::AddAll(const InspectedComputer& computer, const Controlle
     auto row = kind.table.RowOf(records[i], computer.board.boardRevision);
     row.bypassesVersionCheck = computer.bypassesVersionCheck;
     row.hasCounterpart = counterparts.contains(sources[i].Controller());
+    row.hasThunderboltVersion = sources[i].version == Origin::Thunderbolt;
     auto& rows = kind.rows[static_cast<std::size_t>(side)];
     auto& known = rows[std::move(row)];
     if (++known.count > 1) continue;

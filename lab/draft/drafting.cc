@@ -11,11 +11,15 @@
 namespace fernwick::lab {
 namespace {
 
-// Whether the controllers that get an image of the type can store the version: ports, or the
-// Thunderbolt controllers above them.
+// Whether an image of the type is for ports, not for Thunderbolt controllers.
+bool IsForPorts(TypeSet type) {
+  return type == Types::LegacyUsbc || type == Types::Usbc;
+}
+
+// Whether the controllers that get an image of the type can store the version.
 bool IsStorable(const PropertyValue& version, TypeSet type) {
-  const bool isOfPorts = (type & (Types::LegacyUsbc | Types::Usbc)) != 0;
-  return IsReportable(version, {.thunderbolt = !isOfPorts, .port = isOfPorts});
+  const bool isForPorts = IsForPorts(type);
+  return IsReportable(version, {.thunderbolt = !isForPorts, .port = isForPorts});
 }
 
 class Drafter {
@@ -36,11 +40,10 @@ class Drafter {
                  " would be installed again and again: a port reports whole numbers, a Thunderbolt "
                  "controller hundredths up to .63, each of eight digits at most",
              LabStatus::BadUsage);
-    } else if (const auto compared = FindComparedAbove(); compared < wanted_.size()) {
-      Refuse(wantedNames_[compared] +
-             " is compared by the version of the Thunderbolt controller above it, which an image "
-             "for a port does not change: it would be installed again and again; --type "
-             "Thunderbolt is for it");
+    } else if (const auto* port = FirstUnsettled()) {
+      Refuse(*port +
+             " would never settle: the tool compares the version of the Thunderbolt controller "
+             "above it, which an image for a port does not change; use --type Thunderbolt");
     } else {
       Separate();
     }
@@ -62,14 +65,13 @@ class Drafter {
     }
   }
 
-  // The first port that is compared by the version of another controller than the one that gets the
-  // image; the number of wanted controllers when there is none.
-  std::size_t FindComparedAbove() const {
-    if ((target_.type & (Types::LegacyUsbc | Types::Usbc)) == 0) return wanted_.size();
-    const auto found = std::ranges::find_if(wanted_, [&](const ControllerRow& row) {
-      return row.version != 0 && table_.ValueOf(row.version).AsReal();
-    });
-    return static_cast<std::size_t>(found - wanted_.begin());
+  // The name of the first wanted port that would never settle, as its image does not change the
+  // version that the tool compares. Null when there is none.
+  const std::string* FirstUnsettled() const {
+    if (!IsForPorts(target_.type)) return nullptr;
+    const auto found = std::ranges::find_if(wanted_, &ControllerRow::hasThunderboltVersion);
+    if (found == wanted_.end()) return nullptr;
+    return &wantedNames_[static_cast<std::size_t>(found - wanted_.begin())];
   }
 
   static std::string NameOf(const DraftedController& controller) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lab/draft/sample_search.h"
-#include "lab/lint/type_shape.h"
+#include "lab/lint/checks.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
 #include "lab/support/configuration_file.h"

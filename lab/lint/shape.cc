@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "lab/lint/checks.h"
 #include "lab/lint/rules/shape_rules.h"
-#include "lab/lint/type_shape.h"
 #include "lab/support/spelling.h"
 #include "lab/support/words.h"
 
@@ -55,10 +53,10 @@ std::vector<const KeyLocation*> SortedKeys(const ValueLocation& dictionary) {
 }  // namespace
 
 std::string WrongShapeText(const LocatedType& type) {
-  const auto& [key, value] = std::pair(type.entry.key, type.entry.value);
+  const auto& value = *type.entry.value;
   const bool isSingle = HasSinglePersonality(type.type);
-  if (isSingle ? value->AsDictionary().has_value() : value->AsArray().has_value()) return "";
-  return Quoted(key) + " is " + Shown(*value) + ", not " +
+  if (isSingle ? value.AsDictionary().has_value() : value.AsArray().has_value()) return "";
+  return Quoted(type.entry.key) + " is " + Shown(value) + ", not " +
          (isSingle ? "a single personality" : "an array of personalities") +
          ", so it matches nothing";
 }

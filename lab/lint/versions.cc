@@ -3,7 +3,6 @@
 #include "lab/lint/checks.h"
 #include "lab/lint/rules/version_rules.h"
 #include "lab/support/controller_values.h"
-#include "lab/support/version_limits.h"
 #include "personality/requirements.h"
 
 namespace fernwick::lab {
@@ -107,7 +106,7 @@ void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& 
   if (!NumberGreater(*version->value, 0)) return;  // is above no installed version
   const auto scales = ScalesOf(personality);
   if (IsReportable(*version->value, scales)) return;
-  const bool isTooGreat = NumberGreater(*version->value, MaxStoredMajor);
+  const bool isTooGreat = !NumberLess(*version->value, MaxStoredMajor + 1);
   findings.Add(LintRuleOf::UnreportableVersion, version->valueOffset,
                "\"Version\" is " + Shown(*version->value) + ", but a controller reports " +
                    std::string(isTooGreat           ? "no more than eight digits"

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdint>
 
-#include "lab/support/version_limits.h"
 #include "personality/requirements.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"

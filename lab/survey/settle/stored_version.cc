@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "lab/support/controller_values.h"
-#include "lab/support/version_limits.h"
 
 namespace fernwick::lab {
 namespace {
