@@ -5,6 +5,7 @@
 
 #include "driver/bypass_switch.h"
 #include "lab/recordings/entry_path.h"
+#include "personality/configuration.h"
 
 namespace fernwick::lab {
 
@@ -14,9 +15,11 @@ LabError ErrorAt(const std::string& path, const LabError& error) {
   return {{path + ": " + Describe(error.error)}, error.status};
 }
 
-// Boards whose identifiers differ may have one directory: "Zed-42" and "Zed-42/".
-std::string DirectoryOf(const std::string& board) {
-  return std::filesystem::path("/Fernwick/" + board + "/").lexically_normal();
+// Where a payload has the board's configuration; empty for a computer that reads none. Boards whose
+// identifiers differ may have one directory: "Zed-42" and "./Zed-42".
+std::string ConfigurationOf(const BoardIdentity& board) {
+  const auto path = ConfigurationPath(board.boardIdString, "/Fernwick");
+  return path ? std::filesystem::path(*path).lexically_normal() : "";
 }
 
 }  // namespace
@@ -54,11 +57,11 @@ DraftedComputers::DraftedComputers()
       thunderbolt_{ControllerTable(Types::LegacyThunderbolt)} {}
 
 void DraftedComputers::Add(const InspectedComputer& computer, DraftSide side) {
-  const auto board = computer.board.boardIdString.value_or("");
+  const auto& board = computer.board;
   if (side == DraftSide::Wanted) {
-    boards_.insert(board);
-    directories_.insert(DirectoryOf(board));
-  } else if (!directories_.contains(DirectoryOf(board))) {
+    boards_.insert(board.boardIdString.value_or(""));
+    configurations_.insert(ConfigurationOf(board));
+  } else if (!configurations_.contains(ConfigurationOf(board))) {
     ++otherBoards_;
     return;
   }

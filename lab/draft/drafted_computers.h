@@ -92,7 +92,7 @@ class DraftedComputers {
   Kind ports_;
   Kind thunderbolt_;
   std::set<std::string> boards_;
-  std::set<std::string> directories_;  // of the boards
+  std::set<std::string> configurations_;  // the paths of theirs
   std::size_t otherBoards_ = 0;
 };
 

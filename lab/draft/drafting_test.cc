@@ -514,6 +514,24 @@ TEST(Draft, IsRefusedForTooManyDifferentControllers) {
             "there are too many different controllers: 2049 wanted and 2049 excepted ones");
 }
 
+// Identifiers of boards may differ in what the path of the configuration does not.
+TEST(DraftedComputers, LeavesOutExceptedOnesThatReadAnotherConfiguration) {
+  DraftedComputers computers;
+  const auto add = [&](const char* board, DraftSide side) {
+    Computer computer;
+    if (board != nullptr) computer.SetBoard(board, 1);
+    computer.AddPort("hpm0", Port({}));
+    AddTo(computers, computer, side, "it");
+  };
+  add("Zed-42", DraftSide::Wanted);
+  for (const char* same : {"Zed-42", "Zed-42/", "/Zed-42", "./Zed-42"}) add(same, Excepted);
+  EXPECT_EQ(computers.OtherBoards(), 0u);
+  for (const char* other : {"zed-42", "Zed-42/Zed-42", "../Zed-42"}) add(other, Excepted);
+  add(nullptr, Excepted);
+  EXPECT_EQ(computers.OtherBoards(), 4u);
+  EXPECT_EQ(computers.ControllersOf(Types::Usbc, Excepted).front().count, 4u);
+}
+
 TEST(DraftedComputers, CountsControllersByTheTypeThatIsForThem) {
   DraftedComputers computers;
   Computer computer;
