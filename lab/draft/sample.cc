@@ -17,6 +17,7 @@
 #include "lab/support/words.h"
 #include "lab/survey/batch.h"
 #include "lab/verbs.h"
+#include "personality/configuration.h"
 #include "platform/file_system.h"
 #include "value/unicode/utf8.h"
 
@@ -137,8 +138,9 @@ class SampleWriter {
   int WriteNumbered(const PersonalityNumber& wanted) const {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
-    if (type != subject_.types.end() && !HasShape(*type)) return HasNoSample;
-    const auto count = type == subject_.types.end() ? 0 : CountPersonalities(*type);
+    const bool hasType = type != subject_.types.end();
+    if (hasType && !HasShape(*type)) return HasNoSample;
+    const auto count = hasType ? CountPersonalities(*type) : 0;
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
                     wanted.type + "\": it has " + (count == 0 ? "none" : std::to_string(count)));
@@ -261,9 +263,8 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   if (const int lost = CheckOutput(options.out, options.ExistingFile()); lost != LabStatus::Done) {
     return lost;
   }
-  const auto directory =
-      AppendPathComponent(AppendPathComponent(options.payload, "Fernwick"), options.board);
-  const auto path = AppendPathComponent(directory, "Config.plist");
+  const auto path =
+      *ConfigurationPath(options.board, AppendPathComponent(options.payload, "Fernwick"));
   const auto configuration = LoadConfiguration(path);
   if (!configuration) return PrintError(path, configuration.Error());
   const LintSubject subject(*configuration);
