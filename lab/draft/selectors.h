@@ -75,9 +75,10 @@ using Indistinguishable = std::pair<std::size_t, std::size_t>;
 /// How controllers are selected.
 struct Separation {
   std::vector<Selector> selectors = {};
-  std::vector<Indistinguishable> indistinguishable =
-      {};                   // of each controller to select one at most
   bool isTooLarge = false;  // nothing was searched for
+
+  // Of each controller to select one at most.
+  std::vector<Indistinguishable> indistinguishable = {};
 };
 
 /// Of the controllers to select and those excepted, no more than so many pairs are compared.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "driver/bypass_switch.h"
-#include "lab/support/messages.h"
+#include "lab/recordings/entry_path.h"
 #include "registry/board_identity.h"
 
 // An overlay by copy-on-write: an entry that is changed gets a dictionary of its own, whose keys
@@ -145,13 +145,7 @@ std::optional<Error> ApplyChanges(const Changes& changes, ChangedComputer& compu
 std::string PathInAnyPlane(const Recording& recording, RegistryEntry entry) {
   auto plane = recording.planes.begin();
   while (!plane->second.placements.contains(entry)) ++plane;
-  std::string path;
-  auto reached = entry;
-  while (reached != plane->second.root) {
-    path.insert(0, "/" + std::string(recording.entries[reached - 1].name));
-    reached = plane->second.placements.at(reached).parent;
-  }
-  return std::string(plane->first) + ":" + (path.empty() ? "/" : path);
+  return EntryPath(recording, plane->first, entry);
 }
 
 }  // namespace fernwick::lab
