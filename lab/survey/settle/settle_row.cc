@@ -99,10 +99,13 @@ Json ToJson(const SettleRow& row) {
           {"changes", row.changes}};
 }
 
+bool SettleTotals::IsSettled(SettleOutcome outcome) {
+  return outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
+}
+
 void SettleTotals::Add(SettleOutcome outcome, std::size_t runs) {
   ++outcomes[outcome];
-  const bool isSettled = outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
-  if (isSettled) ++settledAfter[runs];
+  if (IsSettled(outcome)) ++settledAfter[runs];
   const bool isEnded = outcome == SettleOutcome::Bypassed || outcome == SettleOutcome::AbnormalEnd;
   if (isEnded && runs > 0) ++endedByPlans;
 }

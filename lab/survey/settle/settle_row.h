@@ -131,6 +131,9 @@ struct SettleTotals {
   std::map<std::size_t, std::size_t> settledAfter = {};  // by runs: computers, stuck ones too
   std::size_t endedByPlans = 0;  // those bypassed or ended abnormally after a run with a plan
 
+  /// Whether it is settled, maybe stuck.
+  static bool IsSettled(SettleOutcome outcome);
+
   void Add(SettleOutcome outcome, std::size_t runs);
   std::size_t Count(SettleOutcome outcome) const;
 };
