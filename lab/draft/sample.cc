@@ -17,6 +17,7 @@
 #include "lab/support/words.h"
 #include "lab/survey/batch.h"
 #include "lab/verbs.h"
+#include "personality/configuration.h"
 #include "platform/file_system.h"
 #include "value/unicode/utf8.h"
 
@@ -137,8 +138,9 @@ class SampleWriter {
   int WriteNumbered(const PersonalityNumber& wanted) const {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
-    if (type != subject_.types.end() && !HasShape(*type)) return HasNoSample;
-    const auto count = type == subject_.types.end() ? 0 : CountPersonalities(*type);
+    const bool hasType = type != subject_.types.end();
+    if (hasType && !HasShape(*type)) return HasNoSample;
+    const auto count = hasType ? CountPersonalities(*type) : 0;
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
                     wanted.type + "\": it has " + (count == 0 ? "none" : std::to_string(count)));
@@ -206,12 +208,15 @@ class SampleWriter {
     return PrintError(path_, {{message}, status});
   }
 
+  void PrintErrorAt(std::size_t offset, const std::string& message) const {
+    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " + message);
+  }
+
   // Prints what is wrong where the value has another shape than the type.
   bool HasShape(const LocatedType& type) const {
     const auto wrong = WrongShapeText(type);
     if (wrong.empty()) return true;
-    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(type.entry.valueOffset)) + ": " +
-               wrong);
+    PrintErrorAt(type.entry.valueOffset, wrong);
     return false;
   }
 
@@ -221,8 +226,7 @@ class SampleWriter {
     if (sample) return *std::move(sample);
     const auto offset = HasSinglePersonality(type.type) ? type.entry.valueOffset
                                                         : OffsetOfElement(type.entry, index);
-    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " +
-               NameOf(type, index, ":") + ": " + sample.Error());
+    PrintErrorAt(offset, NameOf(type, index, ":") + ": " + sample.Error());
     return std::nullopt;
   }
 
@@ -261,9 +265,8 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   if (const int lost = CheckOutput(options.out, options.ExistingFile()); lost != LabStatus::Done) {
     return lost;
   }
-  const auto directory =
-      AppendPathComponent(AppendPathComponent(options.payload, "Fernwick"), options.board);
-  const auto path = AppendPathComponent(directory, "Config.plist");
+  const auto path =
+      *ConfigurationPath(options.board, AppendPathComponent(options.payload, "Fernwick"));
   const auto configuration = LoadConfiguration(path);
   if (!configuration) return PrintError(path, configuration.Error());
   const LintSubject subject(*configuration);
