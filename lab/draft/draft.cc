@@ -192,14 +192,21 @@ int Print(const DraftOutcome& outcome) {
   return PrintResult(WriteXmlPropertyList(outcome.configuration->value) + "\n");
 }
 
-void NoteBoards(const std::set<std::string>& boards) {
-  if (boards.size() < 2) return;
-  std::string text;
-  for (const auto& board : boards) text.append(text.empty() ? "" : ", ").append(board);
-  PrintError(
-      "the computers are of several boards, each of which needs the draft in its own "
-      "directory: " +
-      text);
+void NoteBoards(const DraftedComputers& computers) {
+  const auto& boards = computers.Boards();
+  if (boards.size() > 1) {
+    std::string text;
+    for (const auto& board : boards) text.append(text.empty() ? "" : ", ").append(board);
+    PrintError(
+        "the computers are of several boards, each of which needs the draft in its own "
+        "directory: " +
+        text);
+  }
+  if (computers.OtherBoards() == 0) return;
+  PrintError("left out: " +
+             Counted(computers.OtherBoards(), "excepted computer that reads",
+                     "excepted computers that read") +
+             " the configuration of another board");
 }
 
 }  // namespace
@@ -227,13 +234,7 @@ VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   }
   const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
   if (type == Types::None) return LabStatus::BadUsage;
-  NoteBoards(computers.Boards());
-  if (computers.OtherBoards() > 0) {
-    PrintError("left out: " +
-               Counted(computers.OtherBoards(), "excepted computer that reads",
-                       "excepted computers that read") +
-               " the configuration of another board");
-  }
+  NoteBoards(computers);
   const DraftTarget target = {type, options.image, *ParseVersion(options.version)};
   return Print(MakeDraft(computers, target));
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "driver/bypass_switch.h"
 #include "lab/lint/linted.h"
 #include "lab/support/tool_run.h"
 #include "lab/support/words.h"
@@ -512,6 +513,17 @@ TEST(Draft, IsRefusedForTooManyDifferentControllers) {
   }
   EXPECT_EQ(SmallDraft(Types::Usbc, 200, computers).outcome.refusal,
             "there are too many different controllers: 2049 wanted and 2049 excepted ones");
+}
+
+TEST(InspectComputer, FailsWhereASwitchWithoutAValueEndsTheRun) {
+  for (const auto name : {UpdatesSwitch, VersionSwitch}) {
+    Computer computer;
+    computer.Set(computer.Options(), "boot-args", name);
+    const auto inspected = InspectComputer("it", CopyOf(computer));
+    ASSERT_FALSE(inspected);
+    EXPECT_EQ(inspected.Error().error.message,
+              "it: a bypass switch without a value ends every run abnormally");
+  }
 }
 
 // Identifiers of boards may differ in what the path of the configuration does not.

@@ -208,12 +208,15 @@ class SampleWriter {
     return PrintError(path_, {{message}, status});
   }
 
+  void PrintErrorAt(std::size_t offset, const std::string& message) const {
+    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " + message);
+  }
+
   // Prints what is wrong where the value has another shape than the type.
   bool HasShape(const LocatedType& type) const {
     const auto wrong = WrongShapeText(type);
     if (wrong.empty()) return true;
-    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(type.entry.valueOffset)) + ": " +
-               wrong);
+    PrintErrorAt(type.entry.valueOffset, wrong);
     return false;
   }
 
@@ -223,8 +226,7 @@ class SampleWriter {
     if (sample) return *std::move(sample);
     const auto offset = HasSinglePersonality(type.type) ? type.entry.valueOffset
                                                         : OffsetOfElement(type.entry, index);
-    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " +
-               NameOf(type, index, ":") + ": " + sample.Error());
+    PrintErrorAt(offset, NameOf(type, index, ":") + ": " + sample.Error());
     return std::nullopt;
   }
 

@@ -75,10 +75,11 @@ using Indistinguishable = std::pair<std::size_t, std::size_t>;
 /// How controllers are selected.
 struct Separation {
   std::vector<Selector> selectors = {};
-  bool isTooLarge = false;  // nothing was searched for
 
   // Of each controller to select one at most.
   std::vector<Indistinguishable> indistinguishable = {};
+
+  bool isTooLarge = false;  // nothing was searched for
 };
 
 /// Of the controllers to select and those excepted, no more than so many pairs are compared.
