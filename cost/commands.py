@@ -58,6 +58,8 @@ def command(name, directory):
         "survey --expect": [*survey, "--expect", directory / "expected.ndjson", recording],
         "survey of a list": [*survey, "-"],
         "survey of a directory": [*survey, directory / "fleet"],
+        "survey of an archive": [*survey, directory / "archive"],
+        "coverage of an archive": ["coverage", "-j1", "-p", payload, directory / "archive"],
         "coverage": ["coverage", "-j1", "-p", payload, recording],
         "coverage json": ["coverage", "-j1", "--json", "-p", payload, recording],
         "settle": ["settle", "-j1", "-p", payload, recording],

@@ -556,6 +556,79 @@ def recordings_in_a_directory(directory, size):
         (directory / "fleet" / f"{number}.registry.plist").write_bytes(content)
 
 
+# Archives of recordings, which commands recognise by their contents.
+
+RECORDING_OF_A_PORT = recording([port(0)])
+
+
+def tar_archive(members, mode="w"):
+    """The bytes of a tar archive. `members` are pairs of a name and its contents, or None: a link."""
+    import io
+    import tarfile
+    out = io.BytesIO()
+    with tarfile.open(fileobj=out, mode=mode) as written:
+        for name, content in members:
+            member = tarfile.TarInfo(name)
+            if content is None:
+                member.type, member.linkname = tarfile.SYMTYPE, "elsewhere"
+            else:
+                member.size = len(content)
+            written.addfile(member, io.BytesIO(content or b""))
+    return out.getvalue()
+
+
+def recordings_of_ports(size):
+    return [(f"{i}.registry.plist", RECORDING_OF_A_PORT)
+            for i in range(max(size // len(RECORDING_OF_A_PORT), 1))]
+
+
+@family(OTHER, ("survey of an archive", "coverage of an archive"))
+def recordings_in_an_archive(directory, size):
+    (directory / "archive").write_bytes(tar_archive(recordings_of_ports(size)))
+
+
+@family(OTHER, ("survey of an archive", "coverage of an archive"))
+def recordings_in_a_zip_file(directory, size):
+    import zipfile
+    with zipfile.ZipFile(directory / "archive", "w") as written:
+        for name, content in recordings_of_ports(size):
+            written.writestr(name, content)
+
+
+# Compressed, what they expand to decides; "padding" gives the file its size.
+@family(OTHER, ("survey of an archive",))
+def recordings_in_a_compressed_archive(directory, size):
+    (directory / "archive").write_bytes(tar_archive(recordings_of_ports(size), "w:gz"))
+    (directory / "padding").write_bytes(b"x" * size)
+
+
+@family(OTHER, ("survey of an archive",))
+def other_members_of_an_archive(directory, size):
+    members = [(f"{i}", b"") for i in range(size // 512)]
+    (directory / "archive").write_bytes(tar_archive(members + recordings_of_ports(1)))
+
+
+@family(OTHER, ("survey of an archive",))
+def other_members_of_a_zip_file(directory, size):
+    import zipfile
+    with zipfile.ZipFile(directory / "archive", "w") as written:
+        for number in range(size // 100):
+            written.writestr(f"{number}", "")
+        written.writestr("a.registry.plist", RECORDING_OF_A_PORT)
+
+
+@family(OTHER, ("survey of an archive",))
+def links_in_an_archive(directory, size):
+    members = [(f"{i}.registry.plist", None) for i in range(size // 512)]
+    (directory / "archive").write_bytes(tar_archive(members))
+
+
+@family(OTHER, ("survey of an archive",))
+def long_names_in_an_archive(directory, size):
+    members = [("x" * (size // 4) + f"{i}.registry.plist", RECORDING_OF_A_PORT) for i in range(4)]
+    (directory / "archive").write_bytes(tar_archive(members))
+
+
 # Property lists as such.
 
 @family(OTHER, ("convert FILE xml", "convert FILE binary"))

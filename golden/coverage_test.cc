@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 namespace fernwick {
 namespace {
 
+using Json = nlohmann::json;
 using testing::ChildOutcome;
 using testing::ExpectOutcome;
 using testing::OutputTarget;
@@ -73,9 +75,9 @@ TEST(Coverage, PrintsEveryPersonalityAndEveryElementThatWasTested) {
   for (const auto* jobs : {"-j1", "-j4"}) {
     ExpectOutcome(Cover({"payloads/near-misses", "recordings", jobs}), {"0", NearMisses, ""});
   }
-  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "32"}),
+  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "32.2"}),
                 {"0", NearMisses, ""});
-  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "33"}),
+  ExpectOutcome(Cover({"payloads/near-misses", "recordings", "--threshold", "32.3"}),
                 {"1", NearMisses, ""});
 }
 
@@ -379,6 +381,101 @@ TEST_F(CoverageOfPayload, WithAMalformedConfigurationFails) {
   ExpectOutcome(Cover({"a.registry.plist"}),
                 {"66", Cover({"a.registry.plist"}).standardOutput,
                  "fernwick-lab: payload/Fernwick/Zed-0/Config.plist: Is a directory\n"});
+}
+
+// The recording of a computer with a port and this board identifier, in base64.
+std::string OfBoard(const std::string& identifier) {
+  return "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+         "<key>IODeviceTree</key><dict><key>Properties</key><dict><key>board-id</key><data>" +
+         identifier +
+         "</data></dict></dict><key>IOService</key><dict><key>Children</key><array><dict>"
+         "<key>Name</key><string>p</string><key>Class</key><string>QuinceHPMDevice</string>"
+         "</dict></array></dict></dict></dict>";
+}
+
+// Computers that name the directory of their board in another way, or another directory.
+class CoverageOfDirectories : public ::testing::Test {
+ protected:
+  CoverageOfDirectories() {
+    for (const auto* path : {"", "Fernwick/", "Fernwick/Zed-9/", "Fernwick/Zed-9/in/"}) {
+      directory_.Write("payload/" + std::string(path) + "Config.plist", "{ LegacyUSBC = {}; }");
+    }
+    directory_.Write("payload/Fernwick/Zed-7/README", "");
+  }
+
+  // Covers the recording of that computer.
+  Json Of(const std::string& identifier) const {
+    directory_.Write("a.registry.plist", OfBoard(identifier));
+    return Json::parse(fernwick::Cover({"payload", "a.registry.plist", "--json"}, directory_.Path())
+                           .standardOutput);
+  }
+
+  // What another verb prints of that computer.
+  Json Print(const std::string& verb, const std::string& option) const {
+    return Json::parse(
+        testing::RunChild({FERNWICK_LAB_PROGRAM, verb, "-p", "payload", option, "--format",
+                           verb == "survey" ? "ndjson" : "json", "a.registry.plist"},
+                          directory_.Path())
+            .standardOutput);
+  }
+
+  testing::TemporaryDirectory directory_;
+};
+
+TEST_F(CoverageOfDirectories, CountsForTheOneThatIsRead) {
+  struct Case {
+    std::string identifier;
+    std::string board;
+  };
+  const Case cases[] = {
+      {"WmVkLTkA", "Zed-9"},          // "Zed-9"
+      {"WmVkLTkvAA==", "Zed-9"},      // "Zed-9/"
+      {"L1plZC05AA==", "Zed-9"},      // "/Zed-9"
+      {"Li9aZWQtOQA=", "Zed-9"},      // "./Zed-9"
+      {"WmVkLTkvaW4vLi4A", "Zed-9"},  // "Zed-9/in/.."
+      {"AA==", "."},                  // ""
+      {"Li8A", "."},                  // "./"
+      {"LwA=", "."},                  // "/"
+      {"Li4A", ".."},                 // ".."
+      {"WmVkLTkvaW4A", "Zed-9/in"},   // "Zed-9/in"
+  };
+  for (const auto& [identifier, board] : cases) {
+    SCOPED_TRACE(identifier);
+    const auto found = Of(identifier);
+    EXPECT_EQ(found["recordings"]["counted"], 1);
+    for (const auto& each : found["boards"]) {
+      EXPECT_EQ(each["recordings"], each["board"] == board ? 1 : 0) << each["board"];
+    }
+    const auto root = directory_.Path() + "/";
+    const auto isRead = Print("explain", "--bypassVersion")["configuration"].get<std::string>();
+    EXPECT_TRUE(std::filesystem::equivalent(root + isRead,
+                                            root + "payload/Fernwick/" + board + "/Config.plist"))
+        << isRead;
+  }
+}
+
+TEST_F(CoverageOfDirectories, ThatLackAConfigurationOrAreMissingAgreesWithTheSurvey) {
+  // "Zed-7/" and "Zed-8/".
+  EXPECT_EQ(Of("WmVkLTcvAA==")["recordings"]["noConfiguration"], 1);
+  EXPECT_EQ(Print("survey", "--bypassVersion")["class"], "no configuration");
+  EXPECT_EQ(Of("WmVkLTgvAA==")["recordings"]["unknownBoard"], 1);
+  EXPECT_EQ(Print("survey", "--bypassVersion")["class"], "unknown board");
+}
+
+TEST_F(CoverageOfDirectories, MergesThatOfShards) {
+  directory_.Write("a.registry.plist", OfBoard("AA=="));
+  directory_.Write("b.registry.plist", OfBoard("Li4A"));
+  const std::vector<std::string> words = {"payload", "a.registry.plist", "b.registry.plist"};
+  std::vector<std::string> merge = {FERNWICK_LAB_PROGRAM, "merge", "-p", "payload"};
+  for (const auto* shard : {"1/2", "2/2"}) {
+    auto arguments = words;
+    arguments.insert(arguments.end(), {"--shard", shard});
+    const auto name = std::string(shard, 1) + ".ndjson";
+    directory_.Write(name, fernwick::Cover(arguments, directory_.Path()).standardOutput);
+    merge.push_back(name);
+  }
+  ExpectOutcome(testing::RunChild(merge, directory_.Path()),
+                fernwick::Cover(words, directory_.Path()));
 }
 
 TEST(Coverage, NeedsAPayloadThatTheToolAccepts) {

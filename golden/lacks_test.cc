@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "testing/archives.h"
 #include "testing/coverage_counting.h"
 #include "testing/files.h"
 #include "testing/programs/child_process.h"
@@ -86,20 +87,95 @@ TEST(Descriptors, ThatAreTooFewAreAnErrorOfSettle) {
   ExpectAnswerOrLack("settle -j1 -p payload .");
 }
 
+// Archives of the examples in every form.
+class ExampleArchives {
+ public:
+  ExampleArchives() {
+    std::vector<testing::ArchiveMember> members;
+    for (const auto& file : fs::directory_iterator(Examples)) {
+      const auto name = file.path().filename().string();
+      if (!name.ends_with(".registry.plist")) continue;
+      members.push_back({.name = name, .bytes = testing::ReadFile(file.path())});
+    }
+    const auto write = [&](const std::string& name, int format, int filter) {
+      paths_.push_back(directory_.Write(name, testing::ArchiveOf(members, format, filter)));
+    };
+    write("a.tar", ARCHIVE_FORMAT_TAR_USTAR, ARCHIVE_FILTER_NONE);
+    write("a.tar.gz", ARCHIVE_FORMAT_TAR_USTAR, ARCHIVE_FILTER_GZIP);
+    write("a.tar.xz", ARCHIVE_FORMAT_TAR_USTAR, ARCHIVE_FILTER_XZ);
+    write("a.tar.zst", ARCHIVE_FORMAT_TAR_USTAR, ARCHIVE_FILTER_ZSTD);
+    write("a.zip", ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE);
+    write("no-suffix", ARCHIVE_FORMAT_TAR_USTAR, ARCHIVE_FILTER_GZIP);
+  }
+
+  const std::vector<std::string>& Paths() const { return paths_; }
+  const std::string& Directory() const { return directory_.Path(); }
+
+ private:
+  testing::TemporaryDirectory directory_;
+  std::vector<std::string> paths_;
+};
+
+TEST(Descriptors, ThatAreTooFewAreAnErrorOfArchives) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  const ExampleArchives archives;
+  for (const auto& path : archives.Paths()) {
+    ExpectAnswerOrLack("survey -j1 -p payload --format ndjson " + path);
+  }
+  for (const auto* verb : {"coverage", "settle", "diff -p draft"}) {
+    ExpectAnswerOrLack(verb + (" -j1 -p payload " + archives.Directory()));
+  }
+}
+
+// Below what the process needs to start, the system or the C library ends it.
+bool HasStarted(const ChildOutcome& outcome) {
+  return outcome.status != "SIGSEGV" && outcome.status != "SIGKILL" && outcome.status != "127";
+}
+
+ChildOutcome RunInKibibytes(int kibibytes, const std::string& command) {
+  return RunWith("ulimit -v " + std::to_string(kibibytes), command);
+}
+
+// In how much memory the process starts, about.
+int KibibytesToStart() {
+  int kibibytes = 5000;
+  while (!HasStarted(RunInKibibytes(kibibytes, "--version"))) kibibytes += 500;
+  return kibibytes;
+}
+
+// Expects that with up to so much more memory than it needs to start, the command says what it says
+// without a limit, or fails with 71. Returns whether it ever fails.
+bool LacksMemoryOrAnswers(const std::string& command, int moreKibibytes) {
+  static const int start = KibibytesToStart();
+  const auto usual = RunWith("true", command);
+  bool isLacking = false;
+  for (int more = 0; more < moreKibibytes; more += 500) {
+    const auto found = RunInKibibytes(start + more, command);
+    if (found == usual || !HasStarted(found)) continue;
+    isLacking = true;
+    EXPECT_EQ(found.status, "71") << command << " in " << start + more
+                                  << " KiB: " << found.standardError;
+  }
+  return isLacking;
+}
+
 TEST(Memory, ThatIsTooLittleIsNoAnswer) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   for (const auto* command : {"diff -j1 -p draft -p payload .", "survey -j1 -p payload .",
                               "coverage -j1 -p payload .", "settle -j1 -p payload ."}) {
-    const auto usual = RunWith("true", command);
-    for (int kibibytes = 6000; kibibytes < 12000; kibibytes += 500) {
-      const auto found = RunWith("ulimit -v " + std::to_string(kibibytes), command);
-      // Below what the process needs to start, the system or the C library ends it.
-      const bool hasStarted =
-          found.status != "SIGSEGV" && found.status != "SIGKILL" && found.status != "127";
-      if (found == usual || !hasStarted) continue;
-      EXPECT_EQ(found.status, "71")
-          << command << " in " << kibibytes << ": " << found.standardError;
-    }
+    LacksMemoryOrAnswers(command, 6000);
+  }
+}
+
+TEST(Memory, ThatIsTooLittleForAnArchiveIsNoAnswer) {
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  const ExampleArchives archives;
+  for (const auto& path : archives.Paths()) {
+    const bool isLacking =
+        LacksMemoryOrAnswers("survey -j1 -p payload --format ndjson " + path, 14000);
+    // The window of this compression alone has 8 MiB.
+    EXPECT_TRUE(isLacking || !path.ends_with(".xz"));
   }
 }
 

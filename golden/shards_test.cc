@@ -125,7 +125,7 @@ TEST_F(Shards, OfASettlingMergeToThatOfAll) {
 TEST_F(Shards, OfACoverageMergeToThatOfAll) {
   for (const std::size_t count : {1u, 2u, 5u}) {
     const auto results = WriteShards("coverage", count);
-    for (const Words& end : {Words{}, {"--format", "json"}, {"--threshold", "100"}}) {
+    for (const Words& end : {Words{}, {"--format", "json"}, {"--threshold", "99.5"}}) {
       Words options = {"-p", "payload"};
       options.insert(options.end(), end.begin(), end.end());
       testing::ExpectOutcome(Merge(results, options), Run("coverage", end));
@@ -209,13 +209,13 @@ TEST_F(Shards, NeedSuitableOptions) {
   refused(Run("survey", {"--shard", "1/2"}));
   refused(Run("survey", {"--shard", "1/2", "--format", "ndjson", "--expect", "x"}));
   refused(Run("settle", {"--shard", "1/2"}));
-  refused(Run("coverage", {"--shard", "1/2", "--threshold", "3"}));
+  refused(Run("coverage", {"--shard", "1/2", "--threshold", "0"}));
   refused(Run("coverage", {"--shard", "0/2"}));
   const auto survey = WriteShards("survey", 1, {"--format", "ndjson"});
   const auto settle = WriteShards("settle", 1, {"--json"});
   const auto coverage = WriteShards("coverage", 1);
   for (const Words& options : {Words{"--format", "text"},
-                               {"--threshold", "1"},
+                               {"--threshold", "0"},
                                {"-p", "payload"},
                                {"--fail-on", "x"},
                                {"--update"}}) {

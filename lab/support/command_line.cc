@@ -1,6 +1,7 @@
 #include "lab/support/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <string_view>
 
 #include "lab/support/messages.h"
@@ -19,6 +20,32 @@ CLI::Option* AddTo(CLI::App& app, const Argument& argument, const BoundedNumber&
   return app.add_option(argument.name, *target.number, argument.help)
       ->type_name(argument.valueName)
       ->check(CLI::Range(target.min, target.max));
+}
+
+// "99.5" is 995. Empty for a text that is no such percentage.
+std::optional<std::size_t> TenthsIn(std::string digits) {
+  const auto size = digits.size();
+  if (size > 1 && digits[size - 2] == '.') {
+    digits.erase(size - 2, 1);
+  } else {
+    digits += '0';
+  }
+  std::size_t tenths = 0;
+  const auto* const end = digits.data() + digits.size();
+  const bool isNumber = std::from_chars(digits.data(), end, tenths).ptr == end;
+  const bool isOfLength = digits.size() > 1 && digits.size() < 5;
+  return isNumber && isOfLength && tenths <= 1000 ? std::optional(tenths) : std::nullopt;
+}
+
+CLI::Option* AddTo(CLI::App& app, const Argument& argument, const Percentage& target) {
+  const auto check = [](const std::string& text) -> std::string {
+    if (TenthsIn(text)) return "";
+    return "\"" + text + "\" is not a number from 0 to 100 with at most one decimal";
+  };
+  const auto store = [=](const std::string& text) { *target.tenths = TenthsIn(text); };
+  return app.add_option_function<std::string>(argument.name, store, argument.help)
+      ->type_name(argument.valueName)
+      ->check(check, "in [0.0 - 100.0]");
 }
 
 CLI::Option* AddTo(CLI::App& app, const Argument& argument, std::vector<std::string>* target) {

@@ -16,11 +16,16 @@ struct BoundedNumber {
   std::size_t max;
 };
 
+/// A percentage from 0 to 100 with at most one decimal, stored in tenths of a percent.
+struct Percentage {
+  std::optional<std::size_t>* tenths;
+};
+
 /// The variable that an argument of a verb is stored in, which must outlive the parsing and is
 /// unchanged when the argument is absent. A boolean is an option without a value, a vector accepts
 /// any number of values.
 using ArgumentTarget = std::variant<bool*, std::string*, std::optional<std::string>*,
-                                    std::vector<std::string>*, BoundedNumber>;
+                                    std::vector<std::string>*, BoundedNumber, Percentage>;
 
 /// One argument of a verb: an operand, or an option when its name begins with "-".
 struct Argument {

@@ -117,6 +117,7 @@ struct ParsedMany {
   std::optional<std::string> plane;
   std::string format = "text";
   std::size_t jobs = 4;
+  std::optional<std::size_t> share;
   std::string standardError;
 };
 
@@ -133,6 +134,7 @@ ParsedMany ParseMany(const testing::CommandLine& line) {
           {.name = "--plane", .target = &parsed.plane, .help = ""},
           {.name = "--format", .target = &parsed.format, .help = "", .choices = {"text", "json"}},
           {.name = "-j,--jobs", .target = BoundedNumber{&parsed.jobs, 1, 8}, .help = ""},
+          {.name = "--share", .target = Percentage{&parsed.share}, .help = ""},
       }};
   testing::StandardErrorCapture errors;
   parsed.status = ParseCommandLine(many, line.Count() - 1, line.Vector() + 1);
@@ -148,6 +150,32 @@ TEST(CommandLine, LeavesTheTargetsOfAbsentArgumentsUnchanged) {
   EXPECT_EQ(parsed.plane, std::nullopt);
   EXPECT_EQ(parsed.format, "text");
   EXPECT_EQ(parsed.jobs, 4u);
+  EXPECT_EQ(parsed.share, std::nullopt);
+}
+
+TEST(CommandLine, HasPercentagesInTenths) {
+  const auto shareOf = [](const std::string& text) {
+    const auto parsed = ParseMany({"a", "b", ("--share=" + text).c_str()});
+    EXPECT_EQ(parsed.status, std::nullopt) << parsed.standardError;
+    return parsed.share;
+  };
+  EXPECT_EQ(shareOf("0"), 0u);
+  EXPECT_EQ(shareOf("0.0"), 0u);
+  EXPECT_EQ(shareOf("7"), 70u);
+  EXPECT_EQ(shareOf("99.5"), 995u);
+  EXPECT_EQ(shareOf("100"), 1000u);
+  EXPECT_EQ(shareOf("100.0"), 1000u);
+  for (const std::string text : {"",    ".",    ".5",   "5.",    "100.1",
+                                 "101", "1000", "0000", "99.55", "-1",
+                                 "+1",  "1e1",  "99,5", "nan",   " 5",
+                                 "5 ",  "5%",   "99.x", "9.9.9", "99999999999999999999"}) {
+    const auto parsed = ParseMany({"a", "b", "--share", text.c_str()});
+    EXPECT_EQ(parsed.status, 64) << text;
+    EXPECT_EQ(parsed.standardError,
+              "fernwick-lab: --share: \"" + text +
+                  "\" is not a number from 0 to 100 with at most one decimal; see fernwick-lab "
+                  "many --help\n");
+  }
 }
 
 TEST(CommandLine, BindsOneValueToEachOccurrenceOfAnOption) {

@@ -1,5 +1,6 @@
 #include "lab/support/tool_run.h"
 
+#include "personality/personality.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -28,6 +29,12 @@ ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept,
           std::move(trace)};
 }
 
+bool HasBoardDirectory(const ToolRun& run, const Options& options) {
+  const auto directory =
+      BoardDirectory(run.result.identity->boardIdString, options.personalitiesDirectory);
+  return directory && PathExists(*directory);
+}
+
 std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& options) {
   const auto& error = run.result.configurationError;
   if (!error || error->systemError == 0 || IsAbsence(error->systemError)) return std::nullopt;
@@ -39,6 +46,18 @@ std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& 
 std::optional<Error> ConfigurationFault(const ToolRun& run) {
   const auto& error = run.result.configurationError;
   return error && error->systemError == 0 ? error : std::nullopt;
+}
+
+std::vector<TestedCandidates> CandidatesOf(const ToolRun& run, Arena& copies) {
+  const auto entries = run.result.configuration->value.AsDictionary()->Entries();
+  std::vector<TestedCandidates> tested;
+  for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
+    const auto& key = run.trace.keys[i];
+    if (!key.HasPairs()) continue;
+    const auto candidates = *PersonalitiesOf(key.key, entries[i].value);
+    tested.push_back({&key, WithoutUnreadKeys(candidates, copies)});
+  }
+  return tested;
 }
 
 std::vector<MatchedPair> MatchedPairs(const ToolRun& run) {

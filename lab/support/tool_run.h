@@ -12,6 +12,7 @@
 #include "personality/configuration.h"
 #include "personality/run_trace.h"
 #include "registry/recorded_registry.h"
+#include "value/arena.h"
 
 namespace fernwick::lab {
 
@@ -41,6 +42,9 @@ ToolRun RunTool(const Recording& recording, const Options& options,
                 KeptOutput kept = KeptOutput::Texts,
                 const ConfigurationLoader& load = LoadPersonalityConfiguration);
 
+/// Whether the payload has the directory of the run's board.
+bool HasBoardDirectory(const ToolRun& run, const Options& options);
+
 /// Why a run says nothing about the computer: its configuration could not be looked for or read,
 /// for lack of permission, memory or descriptors. Empty otherwise: an absent or malformed
 /// configuration is a result. The message begins with the path.
@@ -53,6 +57,16 @@ std::optional<Error> ConfigurationFault(const ToolRun& run);
 /// The same over another registry, whose values must outlive the run.
 ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts,
                 const ConfigurationLoader& load = LoadPersonalityConfiguration);
+
+/// The candidates of a top-level key whose pairs a run tested.
+struct TestedCandidates {
+  const KeyTrace* key;  // points into the ToolRun
+  Array candidates;     // as WithoutUnreadKeys returns them
+};
+
+/// Those of each key that has pairs, in the order of the file. They view the run's configuration
+/// and `copies`. REQUIRES: the configuration is a dictionary.
+std::vector<TestedCandidates> CandidatesOf(const ToolRun& run, Arena& copies);
 
 /// A personality and the controller that it matched. Points into the ToolRun.
 struct MatchedPair {

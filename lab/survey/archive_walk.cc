@@ -95,13 +95,23 @@ std::string TooLargeText(std::size_t maxSize) {
   return "it is larger than " + std::to_string(maxSize >> 20) + " MiB";
 }
 
+constexpr char NoMemoryText[] = "there is no memory for it";
+
+// Whether memory ran out. The library reports a decompressor that has none as damaged contents, or
+// as an unknown format; but the allocation that failed has set errno, which is 0 before.
+bool LacksMemory() {
+  return errno == ENOMEM;
+}
+
 int StatusOf(archive* opened) {
+  if (LacksMemory()) return LabStatus::OutOfMemory;
   const Error error = {.message = {}, .systemError = archive_errno(opened)};
   if (UnreadableStatus(error) == LabStatus::OutOfMemory) return LabStatus::OutOfMemory;
   return error.systemError == EIO ? LabStatus::UnreadableInput : LabStatus::MalformedInput;
 }
 
 std::string FaultOf(archive* opened) {
+  if (LacksMemory()) return NoMemoryText;
   const char* text = archive_error_string(opened);
   std::string fault = text == nullptr ? "the archive is damaged" : text;
   while (fault.ends_with('\n')) fault.pop_back();
@@ -135,6 +145,7 @@ void ArchiveWalk::Close::operator()(archive* opened) const {
 std::optional<Selected> ArchiveWalk::Next() {
   if (hasEnded_) return std::nullopt;
   const Utf8Names names;
+  errno = 0;  // see LacksMemory
   if (archive_ == nullptr) {
     if (auto error = Open()) return error;
   }
@@ -151,7 +162,7 @@ std::optional<Selected> ArchiveWalk::Open() {
   hasEnded_ = kind == Kind::EmptyZip;  // which the library does not recognise
   if (hasEnded_) return std::nullopt;
   archive_.reset(archive_read_new());
-  if (archive_ == nullptr) return EndWith("there is no memory for it", LabStatus::OutOfMemory);
+  if (archive_ == nullptr) return EndWith(NoMemoryText, LabStatus::OutOfMemory);
   isZip_ = kind == Kind::Zip;
   isCompressed_ = kind == Kind::Gzip || kind == Kind::Xz || kind == Kind::Zstd;
   if (kind == Kind::Gzip) archive_read_append_filter(archive_.get(), ARCHIVE_FILTER_GZIP);

@@ -12,9 +12,7 @@
 #include "lab/recordings/entry_path.h"
 #include "lab/support/words.h"
 #include "lab/survey/short_text.h"
-#include "personality/configuration.h"
 #include "personality/personality.h"
-#include "platform/file_system.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
 
@@ -88,13 +86,8 @@ class NearestSearch {
 // REQUIRES: the configuration is a dictionary.
 std::optional<Miss> FindNearest(const ToolRun& run) {
   NearestSearch search(run.result);
-  const auto entries = run.result.configuration->value.AsDictionary()->Entries();
   Arena copies;
-  for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
-    const auto& key = run.trace.keys[i];
-    if (!key.HasPairs()) continue;
-    search.Visit(key, WithoutUnreadKeys(*PersonalitiesOf(key.key, entries[i].value), copies));
-  }
+  for (const auto& [key, candidates] : CandidatesOf(run, copies)) search.Visit(*key, candidates);
   return search.Nearest();
 }
 
@@ -117,14 +110,6 @@ NearestMiss MissingFirmware(const ToolRun& run, const Recording& recording) {
   miss.text =
       firmware == nullptr ? "is missing" : ShortText(InlineText(*firmware)) + " names no image";
   return miss;
-}
-
-// REQUIRES: the run ended without a configuration that is a dictionary.
-ComputerClass ClassWithoutConfiguration(const ToolRun& run, const Options& options) {
-  const auto directory =
-      BoardDirectory(run.result.identity->boardIdString, options.personalitiesDirectory);
-  return directory && PathExists(*directory) ? ComputerClass::NoConfiguration
-                                             : ComputerClass::UnknownBoard;
 }
 
 // The run collects the inventories that its configuration asks for.
@@ -203,7 +188,8 @@ Classification Classify(const ToolRun& run, const Recording& recording, const Op
   if (result.bypassesUpdates) return {ComputerClass::Bypassed};
   if (result.status == ExitStatus::PlanPrinted) return {ComputerClass::Planned};
   if (!result.configuration || !result.configuration->value.AsDictionary()) {
-    return {ClassWithoutConfiguration(run, options)};
+    return {HasBoardDirectory(run, options) ? ComputerClass::NoConfiguration
+                                            : ComputerClass::UnknownBoard};
   }
   return ClassifyUnplanned(run, recording);
 }

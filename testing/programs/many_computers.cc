@@ -35,13 +35,6 @@ std::string RecordingOf(const std::string& tree, const std::string& services) {
 // "Zed-0" to "Zed-2" in base64, without a zero byte after it.
 const std::string BoardData[] = {"WmVkLTA=", "WmVkLTE=", "WmVkLTI="};
 
-std::string Computer(std::size_t number) {
-  const auto board = "<data>" + BoardData[number % 3] + "</data>";
-  std::string ports;
-  for (std::size_t i = 0; i < number % 4; ++i) ports += Port(i, number % 10);
-  return RecordingOf(Key("Properties", Dict(Key("board-id", board))), ports);
-}
-
 std::string Configuration(std::size_t minimum) {
   return Dict(Key("LegacyUSBC",
                   Dict(Key("Version", Number(7)) + Key("Existing Min Version", Number(minimum)) +
@@ -57,6 +50,13 @@ std::string FaultyRecording() {
   return RecordingOf(Key("Children", "<array>" + options + "</array>"), "");
 }
 
+std::string SmallRecording(std::size_t number) {
+  const auto board = "<data>" + BoardData[number % 3] + "</data>";
+  std::string ports;
+  for (std::size_t i = 0; i < number % 4; ++i) ports += Port(i, number % 10);
+  return RecordingOf(Key("Properties", Dict(Key("board-id", board))), ports);
+}
+
 void WriteManyComputers(const TemporaryDirectory& directory, std::size_t count,
                         std::size_t faulty) {
   directory.Write("payload/Fernwick/Zed-0/Config.plist", Configuration(0));
@@ -64,7 +64,7 @@ void WriteManyComputers(const TemporaryDirectory& directory, std::size_t count,
   for (std::size_t i = 0; i < count; ++i) {
     directory.Write(
         "computers/" + std::to_string(i / 100) + "/" + std::to_string(i % 100) + ".registry.plist",
-        i % 100 == faulty ? FaultyRecording() : Computer(i));
+        i % 100 == faulty ? FaultyRecording() : SmallRecording(i));
   }
 }
 

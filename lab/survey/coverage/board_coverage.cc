@@ -161,17 +161,12 @@ bool BoardCoverage::Add(const BoardCoverage& other) {
 }
 
 BoardCoverage CoverageOf(const ToolRun& run) {
-  const auto& configuration = run.result.configuration->value;
-  BoardCoverage coverage(configuration);
+  BoardCoverage coverage(run.result.configuration->value);
   coverage.runs = 1;
-  const auto entries = configuration.AsDictionary()->Entries();
   Arena copies;
-  for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
-    const auto& trace = run.trace.keys[i];
-    if (!trace.HasPairs()) continue;
-    const auto candidates =
-        WithoutUnreadKeys(*PersonalitiesOf(trace.key, entries[i].value), copies);
-    PairCounter(run.result, trace, candidates, coverage.keys[i]).Count();
+  for (const auto& [key, candidates] : CandidatesOf(run, copies)) {
+    const auto index = static_cast<std::size_t>(key - run.trace.keys.data());
+    PairCounter(run.result, *key, candidates, coverage.keys[index]).Count();
   }
   return coverage;
 }

@@ -49,7 +49,7 @@ std::string Check(CoverageOptions& options) {
   if (options.asJson) options.output.format = "json";
   auto error = ReadShard(options.batch);
   const bool isShard = options.batch.limits.shard.has_value();
-  if (!error.empty() || !isShard || options.output.threshold == 0) return error;
+  if (!error.empty() || !isShard || !options.output.threshold) return error;
   return "--threshold is an option of merge, not of a shard";
 }
 
@@ -68,7 +68,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], CoverageOpt
            .target = &options.bypassVersion,
            .help = "as the tool's own"},
           {.name = "--threshold",
-           .target = BoundedNumber{&options.output.threshold, 0, 100},
+           .target = Percentage{&options.output.threshold},
            .help = "status 1 when less than so many percent are matched",
            .valueName = "PERCENT"},
           {.name = "--format",

@@ -17,7 +17,7 @@ namespace fernwick::lab {
 enum class RecordingUse {
   Counted,
   NoConfiguration,  // its board has none that can be used
-  UnknownBoard,     // the payload does not have its board
+  UnknownBoard,     // the payload has no directory for its board
   Bypassed,         // by a switch of the computer
   AbnormalEnd,      // of its run, whose pairs are not counted
   Refused,

@@ -56,7 +56,7 @@ int PrintCoverage(const Options& options, const CoverageOutput& output,
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (refusal != LabStatus::Done) return refusal;
   if (status != LabStatus::Done) return status;
-  return totals.counts.PerMille() < output.threshold * 10 ? 1 : LabStatus::Done;
+  return totals.counts.PerMille() < output.threshold.value_or(0) ? 1 : LabStatus::Done;
 }
 
 int PrintCoverageShard(const Options& options, const AddAllCovered& addAll,

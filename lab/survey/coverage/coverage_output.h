@@ -12,8 +12,8 @@ namespace fernwick::lab {
 
 /// What a coverage prints, and what its status depends on.
 struct CoverageOutput {
-  std::string format = "text";  // or "json"
-  std::size_t threshold = 0;    // percent
+  std::string format = "text";                // or "json"
+  std::optional<std::size_t> threshold = {};  // in tenths of a percent
 };
 
 /// The tool's options for the payload. Empty, after a line on standard error, where the tool

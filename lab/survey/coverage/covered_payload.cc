@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "lab/survey/coverage/coverage_counts.h"
+#include "lab/survey/coverage/payload_boards.h"
 #include "personality/configuration.h"
 #include "platform/file_system.h"
 
@@ -45,7 +46,7 @@ CoveredPayload::CoveredPayload(const Options& options, const std::vector<std::st
 
 bool CoveredPayload::Add(const std::string& board, BoardCoverage coverage) {
   const std::lock_guard lock(mutex_);
-  auto& known = boards_.find(board)->second;
+  auto& known = boards_[board];
   if (known) return known->Add(coverage);
   known = std::move(coverage);
   return true;
@@ -60,12 +61,12 @@ Result<RecordingUse, LabError> CoveredPayload::UseOf(const ToolRun& run) {
   const auto& result = run.result;
   if (result.fault) return RecordingUse::AbnormalEnd;
   if (result.bypassesUpdates) return RecordingUse::Bypassed;
-  const auto& board = result.identity->boardIdString;
-  if (!board || !boards_.contains(*board)) return RecordingUse::UnknownBoard;
   if (!result.configuration || !result.configuration->value.AsDictionary()) {
-    return RecordingUse::NoConfiguration;
+    return HasBoardDirectory(run, options_) ? RecordingUse::NoConfiguration
+                                            : RecordingUse::UnknownBoard;
   }
-  if (!Add(*board, CoverageOf(run))) return Replaced(*board);
+  const auto board = BoardNamed(*result.identity->boardIdString, *options_.personalitiesDirectory);
+  if (!Add(board, CoverageOf(run))) return Replaced(board);
   return RecordingUse::Counted;
 }
 
@@ -94,7 +95,6 @@ Json CoveredPayload::Counts() const {
 bool CoveredPayload::AddCounts(const Json& counts) {
   if (!counts.is_object()) return false;
   for (const auto& [name, json] : counts.items()) {
-    if (!boards_.contains(name)) return false;
     const auto loaded = LoadBoard(*ConfigurationPath(name, options_.personalitiesDirectory));
     if (!loaded.file) return false;
     BoardCoverage coverage(loaded.file->Value());

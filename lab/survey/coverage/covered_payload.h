@@ -26,7 +26,8 @@ struct CoveredRecording {
 /// the recordings, and memory is linear in the payload.
 class CoveredPayload {
  public:
-  /// `boards` are those of the payload of `options`, which must outlive this.
+  /// `boards` are those of the payload of `options`, which must outlive this. One that is not among
+  /// them is added when a run reads its configuration.
   CoveredPayload(const Options& options, const std::vector<std::string>& boards);
 
   /// Runs the tool over the computer and counts its pairs. May be called on any thread. Fails where
@@ -51,6 +52,7 @@ class CoveredPayload {
   int Print(CoverageFormat& format, CoverageTotals& totals) const;
 
  private:
+  // `board` as BoardNamed returns it.
   bool Add(const std::string& board, BoardCoverage coverage);
   Result<RecordingUse, LabError> UseOf(const ToolRun& run);
   LabError Replaced(const std::string& board) const;

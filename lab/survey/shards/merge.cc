@@ -44,7 +44,7 @@ struct MergeOptions {
   std::optional<std::string> format = {};
   std::optional<std::string> payload = {};
   SurveyOutput survey = {};
-  std::size_t threshold = 0;
+  std::optional<std::size_t> threshold = {};
 };
 
 CommandLine CommandLineOf(MergeOptions& into) {
@@ -81,7 +81,7 @@ CommandLine CommandLineOf(MergeOptions& into) {
                .help = "the payload directory, for a coverage",
                .valueName = "PAYLOAD"},
               {.name = "--threshold",
-               .target = BoundedNumber{&into.threshold, 0, 100},
+               .target = Percentage{&into.threshold},
                .help = "status 1 when less than so many percent are matched",
                .valueName = "PERCENT"},
           }};
@@ -229,7 +229,7 @@ std::string OtherOption(std::string_view verb, const MergeOptions& options) {
   if (survey.updates && !isSurvey) return "--update";
   if (survey.failOnList && isCoverage) return "--fail-on";
   if (options.payload && !isCoverage) return "--payload";
-  return options.threshold > 0 && !isCoverage ? "--threshold" : "";
+  return options.threshold && !isCoverage ? "--threshold" : "";
 }
 
 int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {

@@ -10,8 +10,9 @@ namespace fernwick::lab {
 
 Result<std::string, LabError> PayloadHash(const std::string& payload) {
   const auto directory = AppendPathComponent(payload, "Fernwick");
-  const auto boards = BoardsOf(directory);
+  auto boards = BoardsOf(directory);
   if (!boards) return boards.Error();
+  boards->emplace_back(".");  // which BoardNamed may return
   StableHash hash;
   for (const auto& board : *boards) {
     const auto path = AppendPathComponent(AppendPathComponent(directory, board), "Config.plist");
