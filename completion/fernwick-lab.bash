@@ -75,7 +75,7 @@ _fernwick_lab_value() {
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to' | 'sample --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'draft --except') _fernwick_lab_recordings "$3" ;;
+    'draft --except') _fernwick_lab_many_recordings "$3" ;;
     'draft --image' | 'survey --expect' | 'merge --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes' | 'report -o' | 'report --output') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root' | 'sample --all') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;

@@ -134,6 +134,7 @@ TEST_P(Completion, OffersArchivesWhereManyRecordingsAreAccepted) {
   for (const char* verb : {"survey", "coverage", "settle", "diff", "draft", "report"}) {
     EXPECT_EQ(Offered({verb, "desk"}), archives) << verb;
   }
+  EXPECT_EQ(Offered({"draft", "--except", "desk"}), archives);
 }
 
 TEST_P(Completion, OffersDirectoriesForPayloadsAndTheirBoards) {
