@@ -85,7 +85,7 @@ class Drafter {
   }
 
   void Separate() {
-    const auto [selectors, isTooLarge, indistinguishable] =
+    const auto [selectors, indistinguishable, isTooLarge] =
         FindSelectors(schema_, wanted_, excepted_);
     for (const auto& [wanted, excepted] : indistinguishable) {
       outcome_.indistinguishable.push_back(wantedNames_[wanted] +
