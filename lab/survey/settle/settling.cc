@@ -12,7 +12,6 @@
 #include "lab/support/words.h"
 #include "lab/survey/settle/stored_version.h"
 #include "lab/what_if/state_digest.h"
-#include "personality/personality.h"
 #include "personality/requirements.h"
 #include "plan/plan_values.h"
 #include "registry/board_identity.h"
@@ -62,12 +61,7 @@ std::optional<std::string> ShortText(const std::optional<PropertyValue>& value) 
 class PersonalitiesOfRun {
  public:
   explicit PersonalitiesOfRun(const ToolRun& run) {
-    const auto entries = run.result.configuration->value.AsDictionary()->Entries();
-    for (std::size_t i = 0; i < run.trace.keys.size(); ++i) {
-      const auto& key = run.trace.keys[i];
-      if (!key.HasPairs()) continue;
-      byKey_[&key] = WithoutUnreadKeys(*PersonalitiesOf(key.key, entries[i].value), copies_);
-    }
+    for (const auto& [key, candidates] : CandidatesOf(run, copies_)) byKey_[key] = candidates;
   }
 
   Dictionary Of(const MatchedPair& pair) const {

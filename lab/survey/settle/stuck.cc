@@ -6,7 +6,6 @@
 
 #include "lab/support/configuration_file.h"
 #include "lab/survey/settle/settling.h"
-#include "personality/personality.h"
 
 // A maximum for each controller over all its pairs: first the newest version, of which requirements
 // are tested of those that are for the controller, then of the personalities with that version the
@@ -138,15 +137,11 @@ const ValueLocation* LocationOfPersonality(const StuckController& stuck,
 }  // namespace
 
 std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording) {
-  const auto configuration = *run.result.configuration->value.AsDictionary();
   std::map<FirmwareOfController, StuckController> newest;
   Arena copies;
-  for (const auto& key : run.trace.keys) {
-    if (!key.HasPairs()) continue;
-    const auto personalities =
-        WithoutUnreadKeys(*PersonalitiesOf(key.key, *configuration.Find(key.key)), copies);
-    const StuckCandidates candidates = {run, recording, key, personalities};
-    for (std::size_t record = 0; record < key.matched.size(); ++record) {
+  for (const auto& [key, personalities] : CandidatesOf(run, copies)) {
+    const StuckCandidates candidates = {run, recording, *key, personalities};
+    for (std::size_t record = 0; record < key->matched.size(); ++record) {
       for (const auto index : NewestPersonalities(candidates, record)) {
         auto stuck = StuckBelow(candidates, record, index);
         const auto [known, isNew] = newest.try_emplace(FirmwareOf(stuck), stuck);
