@@ -15,12 +15,15 @@ import subprocess
 import sys
 import tempfile
 
+import fleet
 import processes
 import reading
 import samples
 import text_table
+from text_table import megabytes, milliseconds
 
 WRONG_USAGE = 64
+SMOKE_COMPUTERS = 20
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
@@ -79,9 +82,10 @@ def installed(program, directory):
 
 
 class Bench:
-    def __init__(self, build, size, directory):
+    def __init__(self, build, size, computers, directory):
         self.build = build
         self.size = size
+        self.computers = computers  # of the fleet
         self.directory = directory
         self.lab = installed(build / "fernwick-lab", directory)
         self.rows = []
@@ -92,14 +96,6 @@ class Bench:
 
     def leave_out(self, what, why):
         self.left_out.append(f"{what} ({why})")
-
-
-def milliseconds(seconds):
-    return f"{seconds * 1e3:.3f} ms"
-
-
-def megabytes(size):
-    return f"{size / 1e6:.1f} MB"
 
 
 def measure_replay(bench):
@@ -233,6 +229,7 @@ SUBJECTS = {
     "survey": measure_survey,
     "lint": measure_lint,
     "reading": measure_reading,
+    "fleet": fleet.measure,
 }
 
 HEADINGS = ["WHAT", "MEASURED", "AGAINST", "FIGURE", "TO REACH", ""]
@@ -257,7 +254,11 @@ def parse_arguments(arguments):
                         help="also write the figures there")
     parser.add_argument("--smoke", action="store_true",
                         help="measure next to nothing, to see that it works")
+    parser.add_argument("--computers", type=int, metavar="NUMBER",
+                        help="of the fleet (default: 1000000)")
     options = parser.parse_intermixed_args(arguments)
+    if options.computers is None:
+        options.computers = SMOKE_COMPUTERS if options.smoke else 1_000_000
     for subject in options.subjects:
         if subject not in SUBJECTS:
             parser.error(f"there is no subject \"{subject}\"; see --help")
@@ -267,7 +268,8 @@ def parse_arguments(arguments):
 def main(arguments):
     options = parse_arguments(arguments)
     with tempfile.TemporaryDirectory(prefix="fernwick-bench-") as directory:
-        bench = Bench(options.build.resolve(), Size(options.smoke), pathlib.Path(directory))
+        bench = Bench(options.build.resolve(), Size(options.smoke), options.computers,
+                      pathlib.Path(directory))
         for name, measure in SUBJECTS.items():
             if not options.subjects or name in options.subjects:
                 print(f"bench: measuring {name}", file=sys.stderr)

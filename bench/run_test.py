@@ -4,13 +4,20 @@ import contextlib
 import io
 import json
 import pathlib
+import plistlib
+import re
+import shutil
+import subprocess
 import sys
+import tarfile
 import tempfile
 import unittest
 
+import fleet
 import processes
 import reading
 import run
+import samples
 
 
 class RowTest(unittest.TestCase):
@@ -85,6 +92,45 @@ esac
                                     ("computer", "XML", "memchr", 4, 500)])
 
 
+class SamplesTest(unittest.TestCase):
+    def test_recordings_have_identifiers_of_their_own(self):
+        texts = list(samples.unique_recordings(20))
+        self.assertEqual(texts, list(samples.unique_recordings(20)))
+        found = [samples.IDENTIFIER.findall(text) for text in texts]
+        self.assertEqual(list(map(len, found[:5])), list(map(len, found[5:10])))
+        everything = sum(found, [])
+        self.assertEqual(len(set(everything)), len(everything))
+        for text in texts:
+            plistlib.loads(text)
+
+    def test_the_position_of_a_controller_is_kept(self):
+        last_digits = [[uid[-1:] for uid in re.findall(rb"<integer>(0x[0-9A-F]{14})<", text)]
+                       for text in samples.unique_recordings(2, "thunderbolt-only")]
+        self.assertEqual(last_digits, [[b"2", b"3"]] * 2)
+
+    @unittest.skipUnless(shutil.which("zstd"), "zstd is missing")
+    def test_the_archive_has_the_recordings(self):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory) / "a.tar.zst"
+            samples.write_archive(path, 1_002, samples.OF_BOARD)
+            unpacked = subprocess.run(["zstd", "-dcq", path], stdout=subprocess.PIPE, check=True)
+        with tarfile.open(fileobj=io.BytesIO(unpacked.stdout)) as archive:
+            members = archive.getmembers()
+            self.assertEqual(archive.extractfile(members[-1]).read(),
+                             list(samples.unique_recordings(1_002, samples.OF_BOARD))[-1])
+        self.assertEqual((len(members), members[0].name, members[-1].name),
+                         (1_002, "0000/000.registry.plist", "0001/001.registry.plist"))
+
+
+class FleetTest(unittest.TestCase):
+    def test_times_are_for_all_and_for_each(self):
+        self.assertEqual(fleet.rate(1_000_000, 40), "40.00 s, 25,000 a second")
+        self.assertEqual(fleet.each(1_000_000, 40), "40.00 µs each")
+
+    def test_commands_are_quoted_for_the_shell(self):
+        self.assertEqual(fleet.shell([pathlib.Path("/a b/lab"), "survey"]), "'/a b/lab' survey")
+
+
 class MainTest(unittest.TestCase):
     def test_a_subject_that_there_is_not_is_wrong_usage(self):
         with contextlib.redirect_stderr(io.StringIO()) as printed, self.assertRaises(SystemExit) as end:
@@ -101,6 +147,15 @@ class MainTest(unittest.TestCase):
             self.assertEqual(json.loads(written.read_text()),
                              {"figures": [], "leftOut": ["matcher (libbenchmark-dev is missing)"]})
         self.assertTrue(printed.getvalue().endswith("left out: matcher (libbenchmark-dev is missing)\n"))
+
+
+    def test_the_size_of_the_fleet_is_an_option(self):
+        def computers(*arguments):
+            return run.parse_arguments(["/build", *arguments]).computers
+
+        self.assertEqual(computers(), 1_000_000)
+        self.assertEqual(computers("--smoke"), 20)
+        self.assertEqual(computers("fleet", "--smoke", "--computers", "300"), 300)
 
 
 if __name__ == "__main__":

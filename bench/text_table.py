@@ -1,4 +1,4 @@
-"""Tables for people."""
+"""Tables and figures for people."""
 
 
 def table(rows):
@@ -7,3 +7,11 @@ def table(rows):
     return "".join(
         "  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip() + "\n"
         for row in rows)
+
+
+def milliseconds(seconds):
+    return f"{seconds * 1e3:.3f} ms"
+
+
+def megabytes(size):
+    return f"{size / 1e6:.1f} MB"

@@ -12,6 +12,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "parallel, slurm-client")  # for docs/fleet.md
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "plan firmware updates of Thunderbolt and USB-C port controllers")
 set(CPACK_PACKAGE_DESCRIPTION

@@ -34,6 +34,17 @@ _fernwick_lab_recordings() {
   mapfile -t COMPREPLY < <(compgen -f -X '!*.plist' -- "$1"; compgen -d -- "$1")
 }
 
+# Recordings, and archives of them.
+_fernwick_lab_many_recordings() {
+  local suffix
+  mapfile -t COMPREPLY < <(
+    for suffix in registry.plist tar tar.gz tgz tar.xz txz tar.zst tzst zip; do
+      compgen -f -X "!*.$suffix" -- "$1"
+    done
+    compgen -d -- "$1"
+  )
+}
+
 # The boards of a payload.
 _fernwick_lab_boards() {
   mapfile -t COMPREPLY < <(cd -- "$1/Fernwick" 2>/dev/null && compgen -d -- "$2")
@@ -58,13 +69,13 @@ _fernwick_lab_value() {
     'survey --fail-on') _fernwick_lab_words 'planned current blocked unmatched no-controllers unknown-board no-configuration bypassed fault refused abnormal no-plan' "$3" ;;
     'merge --format') _fernwick_lab_words 'table ndjson csv junit text json' "$3" ;;
     'settle --format') _fernwick_lab_words 'text ndjson' "$3" ;;
-    'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan' "$3" ;;
+    'settle --fail-on') _fernwick_lab_words 'stuck refused abnormal no-plan bypassed' "$3" ;;
     'diff --format') _fernwick_lab_words 'text json csv junit' "$3" ;;
     'lint --fail-level') _fernwick_lab_words 'error warning note' "$3" ;;
     'lint --explain' | 'lint --ignore' | 'lint --severity') _fernwick_lab_words "$(fernwick-lab lint --list 2>/dev/null | cut -d' ' -f1)" "$3" ;;
     'convert --to' | 'record --to' | 'sample --to') _fernwick_lab_words 'xml binary' "$3" ;;
     'show --plane') _fernwick_lab_words 'IODeviceTree IOService' "$3" ;;
-    'draft --except') _fernwick_lab_recordings "$3" ;;
+    'draft --except') _fernwick_lab_many_recordings "$3" ;;
     'draft --image' | 'survey --expect' | 'merge --expect' | 'lint --baseline' | 'sample -o' | 'sample --output' | 'import --classes' | 'report -o' | 'report --output') mapfile -t COMPREPLY < <(compgen -f -- "$3") ;;
     'record --root' | 'sample --all') _fernwick_lab_directories "$3" ;;
     'import --plane') _fernwick_lab_words 'IODeviceTree= IOService=' "$3" ;;
@@ -108,6 +119,7 @@ _fernwick_lab() {
       ;;
     sample) _fernwick_lab_boards "$(_fernwick_lab_payload)" "$current" ;;
     merge) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    survey | coverage | settle | diff | draft | report) _fernwick_lab_many_recordings "$current" ;;
     *) _fernwick_lab_recordings "$current" ;;
   esac
 }

@@ -119,6 +119,24 @@ TEST_P(Completion, OffersRecordings) {
   EXPECT_EQ(Offered({"survey", "-p", "payload", "de"}), Words{"desk of mine.registry.plist"});
 }
 
+TEST_P(Completion, OffersArchivesWhereManyRecordingsAreAccepted) {
+  Words archives;
+  for (const char* suffix : {"tar", "tar.gz", "tgz", "tar.xz", "txz", "tar.zst", "tzst", "zip"}) {
+    archives.insert("desk." + std::string(suffix));
+  }
+  for (const auto& name : archives) directory_.Write(name, "");
+  directory_.Write("desk.gz", "");
+  directory_.Write("desk.plist", "");
+  directory_.Write("desk.registry.plist", "");
+  directory_.Write("desks/a.registry.plist", "");
+  EXPECT_EQ(Offered({"show", "desk"}), (Words{"desk.plist", "desk.registry.plist", "desks"}));
+  archives.merge(Words{"desk.registry.plist", "desks"});
+  for (const char* verb : {"survey", "coverage", "settle", "diff", "draft", "report"}) {
+    EXPECT_EQ(Offered({verb, "desk"}), archives) << verb;
+  }
+  EXPECT_EQ(Offered({"draft", "--except", "desk"}), archives);
+}
+
 TEST_P(Completion, OffersDirectoriesForPayloadsAndTheirBoards) {
   directory_.Write("payload/Fernwick/Zed-42/Config.plist", "");
   directory_.Write("payload/Fernwick/RidgeFlash.efi", "");

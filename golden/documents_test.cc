@@ -93,7 +93,9 @@ std::vector<ShownCommand> AllCommands() {
 TEST(Documents, ShowWhatTheirCommandsPrint) {
   const auto commands = AllCommands();
   ASSERT_FALSE(commands.empty());
-  const std::string path = std::string("PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; exec 2>&1; ");
+  const testing::TemporaryDirectory home;  // where GNU parallel writes
+  const auto path = "PATH=\"" FERNWICK_BUILD_DIRECTORY ":$PATH\"; export PARALLEL_HOME='" +
+                    home.Path() + "'; exec 2>&1; ";
   std::map<fs::path, testing::TemporaryDirectory> copies;  // by document
   for (const auto& [location, command, output, document, inCopy] : commands) {
     auto directory = SourceDirectory;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "testing/archives.h"
 #include "testing/files.h"
 #include "testing/programs/child_process.h"
 #include "testing/temporary_directory.h"
@@ -50,8 +51,8 @@ TEST_F(Draft, InAPayloadPlansTheUpdateAndLintFindsNothing) {
 }
 
 TEST_F(Draft, IsTheSameForEveryNumberOfThreads) {
-  const auto one = Run({"../examples", "--type", "USBC", "-j", "1"});
-  const auto many = Run({"../examples", "--type", "USBC", "-j", "8"});
+  const auto one = Run({"../examples", "--type", "LegacyThunderbolt", "-j", "1"});
+  const auto many = Run({"../examples", "--type", "LegacyThunderbolt", "-j", "8"});
   EXPECT_EQ(one.status, "0");
   EXPECT_EQ(one.standardOutput, many.standardOutput);
   EXPECT_EQ(one.standardError, many.standardError);
@@ -122,6 +123,72 @@ TEST_F(Draft, NeedsRecordingsThatRunToTheirEnd) {
                 {"66", "", "fernwick-lab: there is no recording in what is selected\n"});
 }
 
+std::string Example(const std::string& name) {
+  return testing::ReadFile(FERNWICK_SOURCE_DIRECTORY "/" + name + ".registry.plist");
+}
+
+// Every failure but a lack of memory or descriptors, which says nothing about the file.
+TEST_F(Draft, LeavesOutFilesOfADirectoryThatNoRunCanUse) {
+  directory_.Write("all/broken.registry.plist", "<plist");
+  directory_.Write("all/no-uid.registry.plist", Example("golden/recordings/no-uid"));
+  directory_.Write("all/ports.registry.plist", Example("examples/ports-only"));
+  const auto all = directory_.Path() + "/all";
+  const auto absent = all + "/without-a-target.registry.plist";
+  std::filesystem::create_symlink("absent", absent);
+  const auto errors = Run({all + "/broken.registry.plist"});
+  EXPECT_EQ(errors.status, "65");
+  const std::string prefix = "fernwick-lab: ";
+  const auto message = errors.standardError.substr(prefix.size());
+  const auto noUid =
+      all +
+      "/no-uid.registry.plist: a Thunderbolt controller without a \"UID\" ends every run "
+      "abnormally\n";
+  const auto noTarget = absent + ": No such file or directory\n";
+  const auto leftOut = prefix + "left out: " + message + prefix + "left out: " + noUid + prefix +
+                       "left out: " + noTarget;
+  const auto draft = Run({Ports}).standardOutput;
+  ExpectOutcome(Run({all}), {"0", draft, leftOut});
+  ExpectOutcome(Run({all, absent}), {"66", "", leftOut + prefix + noTarget});
+  ExpectOutcome(Run({Ports, "--except", all + "/no-uid.registry.plist"}),
+                {"65", "", prefix + noUid});
+  const auto excepted = Run({Ports, "--except", all});
+  EXPECT_EQ(excepted.status, "1");
+  EXPECT_TRUE(excepted.standardError.starts_with(leftOut + prefix + Ports))
+      << excepted.standardError;
+}
+
+TEST_F(Draft, LeavesOutMembersOfAnArchiveThatNoRunCanUse) {
+  const auto archive = directory_.Write(
+      "all.tar", testing::ArchiveOf({
+                     {"no-uid.registry.plist", Example("golden/recordings/no-uid")},
+                     {"link.registry.plist", "", AE_IFLNK, "ports.registry.plist"},
+                     {"ports.registry.plist", Example("examples/ports-only")},
+                 }));
+  const auto outcome = Run({archive});
+  ExpectOutcome(outcome, {"0", Run({Ports}).standardOutput,
+                          "fernwick-lab: left out: " + archive +
+                              ":no-uid.registry.plist: a Thunderbolt controller without a \"UID\" "
+                              "ends every run abnormally\nfernwick-lab: left out: " +
+                              archive +
+                              ":link.registry.plist: a link, which is not followed in an "
+                              "archive\n"});
+}
+
+// They read another configuration, and so match nothing of this one.
+TEST_F(Draft, LeavesOutExceptedComputersOfOtherBoards) {
+  const auto draft = Run({Ports}).standardOutput;
+  ExpectOutcome(Run({Ports, "--except", Thunderbolt}),
+                {"0", draft,
+                 "fernwick-lab: left out: 1 excepted computer that reads the configuration of "
+                 "another board\n"});
+  directory_.Write("others/a.registry.plist", Example("examples/thunderbolt-only"));
+  directory_.Write("others/b.registry.plist", Example("examples/up-to-date"));
+  ExpectOutcome(Run({Ports, "--except", directory_.Path()}),
+                {"0", draft,
+                 "fernwick-lab: left out: 2 excepted computers that read the configuration of "
+                 "another board\n"});
+}
+
 TEST_F(Draft, NeedsAnImageAndAVersion) {
   const auto refuse = [&](const std::vector<std::string>& arguments, const std::string& message) {
     std::vector<std::string> command = {"draft", Ports};
@@ -141,7 +208,8 @@ TEST_F(Draft, NeedsAnImageAndAVersion) {
   ExpectOutcome(Lab({"draft", Ports, "--image", "a", "--version", "200.5"}),
                 {"64", "",
                  "fernwick-lab: --version 200.5 would be installed again and again: a port reports "
-                 "whole numbers, a Thunderbolt controller hundredths up to .63\n"});
+                 "whole numbers, a Thunderbolt controller hundredths up to .63, each of "
+                 "eight digits at most\n"});
 }
 
 }  // namespace

@@ -83,19 +83,43 @@ TEST_F(Sample, SaysWhyThereIsNone) {
       "without \"Version\" a personality of \"USBC\" never matches unless the version check is "
       "bypassed\n";
   const auto third = prefix + ":2:32: USBC:2: it is a string, not a dictionary\n";
-  ExpectOutcome(
-      Run({"-p", payload, "Zed-42"}),
-      {"1", "", first + second + third + prefix + ": there is no sample of any personality\n"});
+  const auto fourth = prefix +
+                      ":2:55: \"Thunderbolt\" is \"dead\", not an array of personalities, so it "
+                      "matches nothing\n";
+  ExpectOutcome(Run({"-p", payload, "Zed-42"}), {"1", "",
+                                                 first + second + third + fourth + prefix +
+                                                     ": there is no sample of any personality\n"});
   ExpectOutcome(Run({"-p", payload, "Zed-42", "--all", payload}),
-                {"1", "", first + second + third});
+                {"1", "", first + second + third + fourth});
   ExpectOutcome(Run({"-p", payload, "Zed-42", "--personality", "USBC:2"}), {"1", "", third});
   ExpectOutcome(Run({"-p", payload, "Zed-42", "--personality", "USBC:3"}),
                 {"1", "", prefix + ": there is no personality 3 of \"USBC\": it has 2\n"});
-  for (const std::string type : {"Thunderbolt", "LegacyThunderbolt"}) {
-    ExpectOutcome(
-        Run({"-p", payload, "Zed-42", "--personality", type + ":1"}),
-        {"1", "", prefix + ": there is no personality 1 of \"" + type + "\": it has none\n"});
-  }
+  ExpectOutcome(Run({"-p", payload, "Zed-42", "--personality", "Thunderbolt:1"}),
+                {"1", "", fourth});
+  ExpectOutcome(
+      Run({"-p", payload, "Zed-42", "--personality", "LegacyThunderbolt:1"}),
+      {"1", "", prefix + ": there is no personality 1 of \"LegacyThunderbolt\": it has none\n"});
+}
+
+TEST_F(Sample, SaysWhichTypesHaveTheWrongShape) {
+  const auto path =
+      directory_.Write("Fernwick/Zed-42/Config.plist", "{ LegacyUSBC = ( ); USBC = { a = b; }; }");
+  const auto prefix = "fernwick-lab: " + path;
+  const auto legacy = testing::RunChild({FERNWICK_LAB_PROGRAM, "sample", "-p", directory_.Path(),
+                                         "Zed-42", "--personality", "LegacyUSBC:1"},
+                                        FERNWICK_GOLDEN_DIRECTORY);
+  EXPECT_EQ(legacy.status, "1");
+  EXPECT_TRUE(legacy.standardError.starts_with(prefix + ":1:16: \"LegacyUSBC\" is "))
+      << legacy.standardError;
+  EXPECT_TRUE(
+      legacy.standardError.ends_with(", not a single personality, so it matches nothing\n"));
+  const auto first = Run({"-p", directory_.Path(), "Zed-42"});
+  EXPECT_EQ(first.status, "1");
+  EXPECT_TRUE(first.standardError.starts_with(legacy.standardError));
+  EXPECT_NE(first.standardError.find("\"USBC\" is "), std::string::npos);
+  const auto all = Run({"-p", directory_.Path(), "Zed-42", "--all", directory_.Path()});
+  EXPECT_EQ(all.status, "1");
+  EXPECT_TRUE(first.standardError.starts_with(all.standardError));
 }
 
 TEST_F(Sample, IsRefusedForEachOfTooManyPersonalities) {

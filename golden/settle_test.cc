@@ -55,11 +55,11 @@ TEST(Settle, PrintsWhatBecomesOfEachComputer) {
 TEST(Settle, PrintsRowsOfJson) {
   const std::string row =
       R"({"file":"ports-only.registry.plist","outcome":"settled","status":13,"reason":null,)"
-      R"("board":"Zed-1A07","revision":2,"runs":1,"comesBack":null,"controllers":[)"
-      R"({"entry":"IOService:/bus0/hpm0","kind":"port","before":171,"after":200},)"
-      R"({"entry":"IOService:/bus0/hpm1","kind":"port","before":171,"after":200},)"
-      R"({"entry":"IOService:/bus0/hpm2","kind":"port","before":175,"after":200}],)"
-      R"("causes":[],"stuck":[],"steps":null})"
+      R"("board":"Zed-1A07","revision":2,"runs":1,"comesBack":null,"endedBy":null,"uncheckedBy":null,"controllers":[)"
+      R"({"entry":"IOService:/bus0/hpm0","kind":"port","before":171,"after":200,"older":false},)"
+      R"({"entry":"IOService:/bus0/hpm1","kind":"port","before":171,"after":200,"older":false},)"
+      R"({"entry":"IOService:/bus0/hpm2","kind":"port","before":175,"after":200,"older":false}],)"
+      R"("causes":[],"stuck":[],"steps":null,"changes":[]})"
       "\n";
   const std::string totals = "1 computer: 1 settled\n  1 after 1 run\n";
   ExpectOutcome(SettleExamples({PortsOnly, "--json"}), {"0", row, totals});
@@ -78,6 +78,7 @@ TEST(Settle, EndsWithStatusOneWhenAComputerNeverSettles) {
 TEST(Settle, FailsOnTheOutcomesThatAreNamed) {
   const std::vector<std::string> stuck = {PortsOnly, "--set", "hpm0:Version=0x99"};
   const std::string text =
+      "Changed by --set hpm0:Version=0x99\n"
       "ports-only.registry.plist: stuck after 1 run\n"
       "  IOService:/bus0/hpm1: 171 -> 200\n"
       "  IOService:/bus0/hpm2: 175 -> 200\n"
@@ -102,9 +103,31 @@ TEST(Settle, RefusesRecordings) {
                 {"66", refusals, ""});
   ExpectOutcome(SettleExamples({"up-to-date.registry.plist", "--set", "hpm7:Version=1"}),
                 {"66",
+                 "Changed by --set hpm7:Version=1\n"
                  "up-to-date.registry.plist: refused: --set: there is no entry hpm7\n"
                  "1 computer: 1 refused\n",
                  ""});
+}
+
+TEST(Settle, EndsWithStatusOneWhenAPlanBypassesUpdates) {
+  const std::string set =
+      "SetNVRAM=<dict><key>fernwick_bypass_usbc_updates</key><string>1</string></dict>";
+  EXPECT_EQ(SettleExamples({PortsOnly, "--personality", "LegacyUSBC:1:" + set}).status, "1");
+  auto bypassed = std::vector<std::string>{
+      PortsOnly, "--set", "IODeviceTree:/options:fernwick_bypass_usbc_updates=\"1\""};
+  EXPECT_EQ(SettleExamples(bypassed).status, "0");
+  bypassed.insert(bypassed.end(), {"--fail-on", "bypassed"});
+  EXPECT_EQ(SettleExamples(bypassed).status, "1");
+}
+
+TEST(Settle, NeedsAComputerWithEachPersonalityThatIsChanged) {
+  const auto outcome = SettleExamples({".", "--personality", "USBC:77:Version=1"});
+  EXPECT_EQ(outcome.status, "66");
+  EXPECT_EQ(outcome.standardError,
+            "fernwick-lab: --personality USBC:77:Version=1: it applies to no computer\n");
+  const auto refused = SettleExamples(
+      {"payload/Fernwick/Zed-1A07/Config.plist", "--personality", "USBC:77:Version=1"});
+  EXPECT_EQ(refused.status, "65");
 }
 
 TEST(Settle, RefusesOptionsThatCannotBeRead) {
@@ -112,7 +135,7 @@ TEST(Settle, RefusesOptionsThatCannotBeRead) {
   ExpectOutcome(SettleExamples({".", "--fail-on", "stuck,planned"}),
                 {"64", "",
                  "fernwick-lab: --fail-on: \"planned\" is not one of stuck, refused, abnormal, "
-                 "no-plan" +
+                 "no-plan, bypassed" +
                      help});
   ExpectOutcome(
       SettleExamples({".", "--set", "hpm0"}),

@@ -38,7 +38,7 @@ std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8
   boardId = 0;
   const RegistryEntry root = registry.LookupEntryByPath(DeviceTreeRoot);
   if (root == 0) return 0;
-  const auto text = SearchData(registry, root, "board-id");
+  const auto text = SearchData(registry, root, BoardIdentifierProperty);
   if (text) boardId = ParseBoardId(*text);
   boardRevision = SearchBoardRevision(registry, root);
   registry.ReleaseEntry(root);
@@ -48,7 +48,7 @@ std::uint64_t ReadBoardId(Registry& registry, std::uint64_t& boardId, std::uint8
 std::optional<std::string> ReadBoardIdString(Registry& registry) {
   const RegistryEntry root = registry.LookupEntryByPath(DeviceTreeRoot);
   std::optional<std::string> text;
-  if (root != 0) text = SearchData(registry, root, "board-id");
+  if (root != 0) text = SearchData(registry, root, BoardIdentifierProperty);
   registry.ReleaseEntry(root);
   if (!text) return std::nullopt;
   text->resize(std::string_view(text->c_str()).size());

@@ -12,6 +12,10 @@ namespace fernwick {
 inline constexpr std::string_view DeviceTreePlane = "IODeviceTree";
 inline constexpr std::string_view DeviceTreeRoot = "IODeviceTree:/";
 
+/// The property of the board identifier, at the root or below it: data with a text that ends with a
+/// zero byte.
+inline constexpr std::string_view BoardIdentifierProperty = "board-id";
+
 /// The property of the board revision, at the root or below it: data, of which the first byte
 /// counts.
 inline constexpr std::string_view BoardRevisionProperty = "board-rev";

@@ -21,9 +21,16 @@ struct ControllerRow {
   int boardRevision = 0;
   bool runsEngineeringFirmware = false;
 
+  /// Its computer has a switch that bypasses the version check: the installed version, if it is
+  /// known, and engineering firmware exclude no personality but by its bounds.
+  bool bypassesVersionCheck = false;
+
   /// Whether it has a counterpart of the other kind: a port a Thunderbolt controller above it, a
   /// Thunderbolt controller a listed port below it.
   bool hasCounterpart = false;
+
+  /// The version is that of a Thunderbolt controller: for a port, of the one above it.
+  bool hasThunderboltVersion = false;
 
   friend auto operator<=>(const ControllerRow&, const ControllerRow&) = default;
 };

@@ -50,15 +50,23 @@ std::string Footer() {
          "\n"
          "Controllers that can match no personality, as their version is not older than VERSION, "
          "are named on\n"
-         "standard error and left out. The board revision, the installed version and the priority "
-         "50 are worth\n"
-         "a look before the draft is used.\n"
+         "standard error and left out, and so is what no run can use of a directory or an archive. "
+         "Excepted\n"
+         "computers of other boards are left out, too: they read another configuration.\n"
          "\n"
-         "Status: 0 printed; 1 no controller can match, or a wanted and an excepted controller "
-         "cannot be\n"
-         "distinguished; 65 or 66 a recording is not well formed or cannot be read, or ends every "
-         "run "
-         "abnormally.\n"
+         "An update that would be installed again and again is refused: the controllers must be "
+         "able to store\n"
+         "VERSION, and ports below a Thunderbolt controller need --type Thunderbolt where the tool "
+         "compares\n"
+         "the version of that controller.\n"
+         "\n"
+         "The board revision, the installed version and the priority 50 are worth a look before "
+         "the draft is\n"
+         "used.\n"
+         "\n"
+         "Status: 0 printed; 1 there is no draft; 64 also a VERSION that cannot be stored; 65 or "
+         "66 a named\n"
+         "recording is not well formed, ends every run abnormally, or cannot be read.\n"
          "\n"
          "Example:\n"
          "  fernwick-lab draft desk.registry.plist --image ports-210.bin --version 210 --type "
@@ -133,15 +141,24 @@ std::string Fault(const DraftOptions& options) {
              : "";
 }
 
+// Adds the computer of what was selected. One that no run can use is left out after a message,
+// unless the command line names it.
+BatchResult AddComputer(Selected selected, DraftSide side, DraftedComputers& computers) {
+  const bool isNamed = selected.isNamed;
+  auto computer = InspectComputer(std::move(selected));
+  if (computer) {
+    return std::function(
+        [&computers, side, computer = *std::move(computer)] { computers.Add(*computer, side); });
+  }
+  const auto& failure = computer.Error();
+  if (isNamed || failure.status == LabStatus::OutOfMemory) return failure;
+  return std::function([message = failure.error.message] { PrintError("left out: " + message); });
+}
+
 // Adds all that is selected. Returns the status.
 int AddComputers(const BatchOptions& options, DraftSide side, DraftedComputers& computers) {
-  const auto work = [&](Selected selected) -> BatchResult {
-    auto computer = InspectComputer(std::move(selected));
-    if (!computer) return computer.Error();
-    const std::function<void()> add = [&, side, computer = *std::move(computer)] {
-      computers.Add(*computer, side);
-    };
-    return add;
+  const auto work = [&](Selected selected) {
+    return AddComputer(std::move(selected), side, computers);
   };
   ProcessConsole console;
   return RunBatch(options, work, console);
@@ -175,14 +192,21 @@ int Print(const DraftOutcome& outcome) {
   return PrintResult(WriteXmlPropertyList(outcome.configuration->value) + "\n");
 }
 
-void NoteBoards(const std::set<std::string>& boards) {
-  if (boards.size() < 2) return;
-  std::string text;
-  for (const auto& board : boards) text.append(text.empty() ? "" : ", ").append(board);
-  PrintError(
-      "the computers are of several boards, each of which needs the draft in its own "
-      "directory: " +
-      text);
+void NoteBoards(const DraftedComputers& computers) {
+  const auto& boards = computers.Boards();
+  if (boards.size() > 1) {
+    std::string text;
+    for (const auto& board : boards) text.append(text.empty() ? "" : ", ").append(board);
+    PrintError(
+        "the computers are of several boards, each of which needs the draft in its own "
+        "directory: " +
+        text);
+  }
+  if (computers.OtherBoards() == 0) return;
+  PrintError("left out: " +
+             Counted(computers.OtherBoards(), "excepted computer that reads",
+                     "excepted computers that read") +
+             " the configuration of another board");
 }
 
 }  // namespace
@@ -210,7 +234,7 @@ VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   }
   const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
   if (type == Types::None) return LabStatus::BadUsage;
-  NoteBoards(computers.Boards());
+  NoteBoards(computers);
   const DraftTarget target = {type, options.image, *ParseVersion(options.version)};
   return Print(MakeDraft(computers, target));
 }

@@ -1,8 +1,11 @@
 #include "lab/draft/drafted_computers.h"
 
+#include <filesystem>
 #include <utility>
 
+#include "driver/bypass_switch.h"
 #include "lab/recordings/entry_path.h"
+#include "personality/configuration.h"
 
 namespace fernwick::lab {
 
@@ -12,14 +15,28 @@ LabError ErrorAt(const std::string& path, const LabError& error) {
   return {{path + ": " + Describe(error.error)}, error.status};
 }
 
+// Where a payload has the board's configuration; empty for a computer that reads none. Boards whose
+// identifiers differ may have one directory: "Zed-42" and "./Zed-42".
+std::string ConfigurationOf(const BoardIdentity& board) {
+  const auto path = ConfigurationPath(board.boardIdString, "/Fernwick");
+  return path ? std::filesystem::path(*path).lexically_normal() : "";
+}
+
 }  // namespace
 
 Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const std::string& path,
                                                                            Recording recording) {
   auto computer = std::make_shared<InspectedComputer>(
-      InspectedComputer{path, std::move(recording), {}, {}, {}});
+      InspectedComputer{path, std::move(recording), {}, false, {}, {}});
   RecordedRegistry registry(computer->recording);
   computer->board = ReadBoardIdentity(registry);
+  const auto bypassesUpdates = ReadBypassSwitch(registry, UpdatesSwitch);
+  const auto bypassesVersion = ReadBypassSwitch(registry, VersionSwitch);
+  if (!bypassesUpdates || !bypassesVersion) {
+    return ErrorAt(path, {{"a bypass switch without a value ends every run abnormally"},
+                          LabStatus::MalformedInput});
+  }
+  computer->bypassesVersionCheck = *bypassesVersion;
   computer->thunderbolt = FindThunderboltControllers(computer->recording);
   computer->ports = FindPortControllers(computer->recording);
   if (computer->thunderbolt.endsRun || computer->ports.endsRun) {
@@ -40,7 +57,14 @@ DraftedComputers::DraftedComputers()
       thunderbolt_{ControllerTable(Types::LegacyThunderbolt)} {}
 
 void DraftedComputers::Add(const InspectedComputer& computer, DraftSide side) {
-  if (side == DraftSide::Wanted) boards_.insert(computer.board.boardIdString.value_or(""));
+  const auto& board = computer.board;
+  if (side == DraftSide::Wanted) {
+    boards_.insert(board.boardIdString.value_or(""));
+    configurations_.insert(ConfigurationOf(board));
+  } else if (!configurations_.contains(ConfigurationOf(board))) {
+    ++otherBoards_;
+    return;
+  }
   std::set<RegistryEntry> ports;
   std::set<RegistryEntry> thunderbolts;
   for (const auto& source : computer.ports.inventory.sources) {
@@ -58,7 +82,9 @@ void DraftedComputers::AddAll(const InspectedComputer& computer, const Controlle
   const auto& [records, sources, skipped] = controllers.inventory;
   for (std::size_t i = 0; i < records.size(); ++i) {
     auto row = kind.table.RowOf(records[i], computer.board.boardRevision);
+    row.bypassesVersionCheck = computer.bypassesVersionCheck;
     row.hasCounterpart = counterparts.contains(sources[i].Controller());
+    row.hasThunderboltVersion = sources[i].version == Origin::Thunderbolt;
     auto& rows = kind.rows[static_cast<std::size_t>(side)];
     auto& known = rows[std::move(row)];
     if (++known.count > 1) continue;
@@ -85,7 +111,6 @@ std::vector<DraftedController> DraftedComputers::ControllersOf(TypeSet type, Dra
   for (const auto& [row, known] : rows) ordered[known.order - 1] = {&row, &known};
   std::vector<DraftedController> controllers;
   for (const auto& [row, known] : ordered) {
-    if (type == Types::Thunderbolt && !row->hasCounterpart) continue;
     controllers.push_back({kind.table.Ranked(*row), known->name, known->count});
   }
   return controllers;

@@ -23,6 +23,7 @@ struct InspectedComputer {
   std::string path;
   Recording recording;
   BoardIdentity board;
+  bool bypassesVersionCheck = false;  // by a switch
   Controllers thunderbolt;
   Controllers ports;
 };
@@ -50,7 +51,12 @@ class DraftedComputers {
  public:
   DraftedComputers();
 
+  /// Adds the wanted computers first. An excepted one of another board than any of theirs reads
+  /// another configuration: it is counted and left out.
   void Add(const InspectedComputer& computer, DraftSide side);
+
+  /// How many excepted computers were left out.
+  std::size_t OtherBoards() const { return otherBoards_; }
 
   /// The identifiers of the boards of the wanted computers.
   const std::set<std::string>& Boards() const { return boards_; }
@@ -60,9 +66,8 @@ class DraftedComputers {
   /// "LegacyThunderbolt" Thunderbolt controllers without a port. Types without any are left out.
   std::map<TypeSet, std::size_t> CountByType() const;
 
-  /// The controllers that personalities of the type are matched against, except, for "Thunderbolt",
-  /// ports without a Thunderbolt controller, in the order in which they were added. To be called
-  /// after the last Add.
+  /// The controllers that personalities of the type are matched against, in the order in which they
+  /// were added. To be called after the last Add.
   std::vector<DraftedController> ControllersOf(TypeSet type, DraftSide side);
 
   const ControllerTable& TableOf(TypeSet type) const;
@@ -87,6 +92,8 @@ class DraftedComputers {
   Kind ports_;
   Kind thunderbolt_;
   std::set<std::string> boards_;
+  std::set<std::string> configurations_;  // the paths of theirs
+  std::size_t otherBoards_ = 0;
 };
 
 }  // namespace fernwick::lab

@@ -31,6 +31,11 @@ PropertyValue Written(const PropertyValue& value, std::string_view key) {
   return isWhole ? PropertyValue(static_cast<std::int64_t>(*real)) : value;
 }
 
+// What the check of a type tests the record of the row with.
+RequirementContext ContextOf(const HardwareRecord& record, const ControllerRow& row) {
+  return {record, static_cast<std::uint8_t>(row.boardRevision), row.bypassesVersionCheck};
+}
+
 class DraftBuilder {
  public:
   DraftBuilder(const DraftTarget& target, const ControllerTable& table,
@@ -107,6 +112,9 @@ class DraftBuilder {
 
 std::string UnselectableReason(const DraftTarget& target, const ControllerTable& table,
                                const ControllerRow& row) {
+  if (target.type == Types::Thunderbolt && !row.hasCounterpart) {
+    return "there is no Thunderbolt controller above it";
+  }
   const auto record = table.RecordOf(row);
   Record fitting = {{"Version", target.version}};
   for (const auto& requirement : RequirementsOf(target.type)) {
@@ -114,8 +122,7 @@ std::string UnselectableReason(const DraftTarget& target, const ControllerTable&
     if (requirement.presence == KeyPresence::RequiredKey && value != nullptr) {
       fitting.Set(requirement.key, *value);
     }
-    const auto verdict =
-        Test(requirement, fitting, {record, static_cast<std::uint8_t>(row.boardRevision), false});
+    const auto verdict = Test(requirement, fitting, ContextOf(record, row));
     if (!verdict.failure) continue;
     if (*verdict.failure == FailureReason::EngineeringFirmware) {
       return "it runs engineering firmware";
@@ -141,8 +148,7 @@ std::size_t CountMatched(const PropertyValue& configuration, TypeSet type,
   DiagnosticConsole console(false);
   return static_cast<std::size_t>(std::ranges::count_if(rows, [&](const ControllerRow& row) {
     const auto record = table.RecordOf(row);
-    const ControllerCheck check(type,
-                                {record, static_cast<std::uint8_t>(row.boardRevision), false});
+    const ControllerCheck check(type, ContextOf(record, row));
     return std::ranges::any_of(personalities, [&](const PropertyValue& personality) {
       return check.Applies(*personality.AsDictionary(), console);
     });

@@ -11,13 +11,15 @@
 namespace fernwick::lab {
 namespace {
 
-// Whether each of the controllers can report the version once it is installed.
-bool IsReportedByAll(const PropertyValue& version, const ControllerTable& table,
-                     const std::vector<ControllerRow>& rows) {
-  return std::ranges::all_of(rows, [&](const ControllerRow& row) {
-    const bool hasHundredths = table.ValueOf(row.version).AsReal().has_value();
-    return IsReportable(version, {.thunderbolt = hasHundredths, .port = !hasHundredths});
-  });
+// Whether an image of the type is for ports, not for Thunderbolt controllers.
+bool IsForPorts(TypeSet type) {
+  return type == Types::LegacyUsbc || type == Types::Usbc;
+}
+
+// Whether the controllers that get an image of the type can store the version.
+bool IsStorable(const PropertyValue& version, TypeSet type) {
+  const bool isForPorts = IsForPorts(type);
+  return IsReportable(version, {.thunderbolt = !isForPorts, .port = isForPorts});
 }
 
 class Drafter {
@@ -33,11 +35,15 @@ class Drafter {
     Select(DraftSide::Excepted);
     if (wanted_.empty()) {
       Refuse("no controller of these computers can match");
-    } else if (!IsReportedByAll(target_.version, table_, wanted_)) {
+    } else if (!IsStorable(target_.version, target_.type)) {
       Refuse("--version " + InlineText(target_.version) +
                  " would be installed again and again: a port reports whole numbers, a Thunderbolt "
-                 "controller hundredths up to .63",
+                 "controller hundredths up to .63, each of eight digits at most",
              LabStatus::BadUsage);
+    } else if (const auto* port = FirstUnsettled()) {
+      Refuse(*port +
+             " would never settle: the tool compares the version of the Thunderbolt controller "
+             "above it, which an image for a port does not change; use --type Thunderbolt");
     } else {
       Separate();
     }
@@ -57,6 +63,15 @@ class Drafter {
         outcome_.unmatchable.push_back(NameOf(controller) + " cannot match: " + reason);
       }
     }
+  }
+
+  // The name of the first wanted port that would never settle, as its image does not change the
+  // version that the tool compares. Null when there is none.
+  const std::string* FirstUnsettled() const {
+    if (!IsForPorts(target_.type)) return nullptr;
+    const auto found = std::ranges::find_if(wanted_, &ControllerRow::hasThunderboltVersion);
+    if (found == wanted_.end()) return nullptr;
+    return &wantedNames_[static_cast<std::size_t>(found - wanted_.begin())];
   }
 
   static std::string NameOf(const DraftedController& controller) {

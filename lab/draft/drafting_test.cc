@@ -10,8 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "driver/bypass_switch.h"
 #include "lab/lint/linted.h"
 #include "lab/support/tool_run.h"
+#include "lab/support/words.h"
+#include "lab/survey/settle/settling.h"
+#include "lab/what_if/changed_computer.h"
 #include "personality/requirements.h"
 #include "registry/thunderbolt_inventory.h"
 #include "testing/computer.h"
@@ -29,94 +33,153 @@ using testing::Dict;
 using testing::Kept;
 using testing::List;
 
+Recording CopyOf(const Computer& computer) {
+  return testing::RecordingOf(testing::ContentOf(computer.Recorded()));
+}
+
 void AddTo(DraftedComputers& computers, const Computer& computer, DraftSide side,
            const std::string& name) {
-  const auto inspected =
-      InspectComputer(name, testing::RecordingOf(testing::ContentOf(computer.Recorded())));
+  const auto inspected = InspectComputer(name, CopyOf(computer));
   ASSERT_TRUE(inspected) << inspected.Error().error.message;
   computers.Add(**inspected, side);
 }
 
-// A run of the tool with this configuration.
-ToolRun RunWith(const Computer& computer, const PropertyValue& configuration) {
-  const auto load = [&](const auto&, const auto&, Console&) -> Result<PropertyList> {
+ConfigurationLoader Loading(const PropertyValue& configuration) {
+  return [configuration](const auto&, const auto&, Console&) -> Result<PropertyList> {
     return PropertyList{{}, configuration};
   };
-  return RunTool(computer.Recorded(), ToolOptions("/payload", false), KeptOutput::Counts, load);
 }
 
-// A run with the configuration that ends as a run without a bypass switch does.
-bool IsOrdinary(const Computer& computer) {
-  const auto run = RunWith(computer, Dict({{"USBC", Array()}, {"LegacyThunderbolt", Array()}}));
-  return !run.result.fault && !run.result.bypassesUpdates && !run.result.bypassesVersionCheck;
+// A run of the tool with this configuration.
+ToolRun RunWith(const Computer& computer, const PropertyValue& configuration) {
+  return RunTool(computer.Recorded(), ToolOptions("/payload", false), KeptOutput::Counts,
+                 Loading(configuration));
+}
+
+// The run with a configuration that has each type but no personality.
+ToolRun EmptyRun(const Computer& computer) {
+  Record types;
+  for (const auto& type : NamedTypes) {
+    types.Set(type.name, type.type == Types::LegacyUsbc ? Dict({}) : PropertyValue(Array()));
+  }
+  return RunWith(computer, Dict(types));
 }
 
 // Whether the personality with the controller's own values and the version matches it.
-bool CanMatch(TypeSet type, const HardwareRecord& record, int revision,
-              const PropertyValue& version) {
+bool CanMatch(TypeSet type, const RequirementContext& context, const PropertyValue& version) {
   Record personality = {{"Version", version}};
   for (const auto& requirement : RequirementsOf(type)) {
-    const auto* value = record.Find(requirement.key);
+    const auto* value = context.hardware.Find(requirement.key);
     if (requirement.presence == KeyPresence::RequiredKey && value != nullptr) {
       personality.Set(requirement.key, *value);
     }
   }
   testing::TestConsole console;
-  return ControllerCheck(type, {record, static_cast<std::uint8_t>(revision), false})
-      .Applies(personality, console);
+  return ControllerCheck(type, context).Applies(personality, console);
+}
+
+RequirementContext ContextOf(const ToolRun& run, const KeyTrace& trace, std::size_t controller) {
+  return {trace.inventory.records[controller], run.result.identity->boardRevision,
+          run.result.bypassesVersionCheck};
+}
+
+bool IsForPorts(TypeSet type) {
+  return type == Types::LegacyUsbc || type == Types::Usbc;
+}
+
+// Whether the type is for ports, and the computer has one that the draft would match and that is
+// compared by the version of the Thunderbolt controller above it.
+bool HasUnsettled(const Computer& computer, const DraftTarget& target) {
+  if (!IsForPorts(target.type)) return false;
+  const auto run = EmptyRun(computer);
+  const auto trace =
+      *std::ranges::find(run.trace.keys, NamesOf(target.type).front(), &KeyTrace::key);
+  for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
+    if (trace.inventory.sources[i].version == Origin::Thunderbolt &&
+        CanMatch(target.type, ContextOf(run, trace, i), target.version)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 // Random computers on both sides, and the draft for them.
 struct RandomDraft {
-  std::vector<Computer> wanted = {};
-  std::vector<Computer> excepted = {};
-  DraftedComputers computers = {};
-  DraftTarget target;
-  DraftOutcome outcome = {};
-};
-
-void AddRandomComputers(std::size_t count, std::mt19937_64& random,
-                        std::vector<Computer>& computers) {
-  while (computers.size() < count) {
-    auto pair = testing::MakeRandomPair(random);
-    if (IsOrdinary(pair.computer)) computers.push_back(pair.computer);
+  // With `settles` the wanted computers have no port that never settles.
+  RandomDraft(TypeSet type, bool settles, std::mt19937_64& random) : target{type, "image.bin", 50} {
+    const auto wantedCount = 1 + random() % 4;
+    const auto exceptedCount = random() % 3;
+    while (wanted.size() < wantedCount) {
+      auto computer = OrdinaryComputer(random);
+      if (!settles || !HasUnsettled(computer, target)) wanted.push_back(computer);
+    }
+    while (excepted.size() < exceptedCount) {
+      excepted.push_back(OrdinaryComputer(random));
+      if (random() % 8 == 0) excepted.back().SetBoard("Zed-44", 1);
+    }
+    for (const auto& each : wanted) AddTo(computers, each, DraftSide::Wanted, "wanted");
+    for (const auto& each : excepted) AddTo(computers, each, DraftSide::Excepted, "excepted");
+    outcome = MakeDraft(computers, target);
   }
-}
 
-void MakeRandomDraft(TypeSet type, std::mt19937_64& random, RandomDraft& draft) {
-  AddRandomComputers(1 + random() % 3, random, draft.wanted);
-  AddRandomComputers(random() % 3, random, draft.excepted);
-  for (const auto& each : draft.wanted) AddTo(draft.computers, each, DraftSide::Wanted, "wanted");
-  for (const auto& each : draft.excepted) {
-    AddTo(draft.computers, each, DraftSide::Excepted, "excepted");
-  }
-  draft.target = {type, "image.bin", 50};
-  draft.outcome = MakeDraft(draft.computers, draft.target);
-}
-
-// The trace of the type in a run with the draft.
-KeyTrace TraceOf(const RandomDraft& draft, const Computer& computer, int& revision) {
-  auto run = RunWith(computer, draft.outcome.configuration->value);
-  revision = run.result.identity->boardRevision;
-  return std::move(run.trace.keys.at(0));
-}
-
-// Every wanted controller that can match matches, and no excepted one.
-void ExpectMatches(const RandomDraft& draft) {
-  int revision = 0;
-  for (const auto& computer : draft.wanted) {
-    const auto trace = TraceOf(draft, computer, revision);
-    for (std::size_t i = 0; i < trace.matched.size(); ++i) {
-      EXPECT_EQ(
-          trace.matched[i] != KeyTrace::NoMatch,
-          CanMatch(draft.target.type, trace.inventory.records[i], revision, draft.target.version));
+  // One whose run ends neither abnormally nor by a switch.
+  static Computer OrdinaryComputer(std::mt19937_64& random) {
+    while (true) {
+      auto pair = testing::MakeRandomPair(random);
+      const auto result = EmptyRun(pair.computer).result;
+      if (!result.fault && !result.bypassesUpdates) return pair.computer;
     }
   }
+
+  std::vector<Computer> wanted;
+  std::vector<Computer> excepted;
+  DraftedComputers computers;
+  DraftTarget target;
+  DraftOutcome outcome;
+};
+
+// The run repeated with the configuration, as the updates change the computer.
+SettleEnd EndOfSettling(const Computer& computer, const PropertyValue& configuration) {
+  ChangedComputer changed(CopyOf(computer));
+  const auto options = ToolOptions("/payload", false);
+  const auto load = Loading(configuration);
+  return Settle(changed, {options, load}).end;
+}
+
+// Every wanted controller that can match matches, and the update settles.
+void ExpectMatchesWanted(const RandomDraft& draft, const Computer& computer) {
+  const auto& configuration = draft.outcome.configuration->value;
+  const auto run = RunWith(computer, configuration);
+  const auto& trace = run.trace.keys.at(0);
+  for (std::size_t i = 0; i < trace.matched.size(); ++i) {
+    EXPECT_EQ(trace.matched[i] != KeyTrace::NoMatch,
+              CanMatch(draft.target.type, ContextOf(run, trace, i), draft.target.version));
+  }
+  if (run.result.bypassesVersionCheck) return;
+  EXPECT_EQ(EndOfSettling(computer, configuration), SettleEnd::NothingMatches);
+}
+
+std::string BoardOf(const Computer& computer) {
+  return EmptyRun(computer).result.identity->boardIdString.value();
+}
+
+// No excepted controller matches, as far as its computer reads the configuration of one of the
+// wanted ones. Returns how many computers read another one.
+std::size_t ExpectMatchesNoExcepted(const RandomDraft& draft) {
+  std::set<std::string> boards;
+  for (const auto& computer : draft.wanted) boards.insert(BoardOf(computer));
+  std::size_t others = 0;
   for (const auto& computer : draft.excepted) {
-    for (const auto matched : TraceOf(draft, computer, revision).matched) {
+    if (!boards.contains(BoardOf(computer))) {
+      ++others;
+      continue;
+    }
+    const auto run = RunWith(computer, draft.outcome.configuration->value);
+    for (const auto matched : run.trace.keys.at(0).matched) {
       EXPECT_EQ(matched, KeyTrace::NoMatch);
     }
   }
+  return others;
 }
 
 // What lint finds, except in values that the registry has in a form that lint doubts, and where an
@@ -133,32 +196,56 @@ std::vector<std::string> UnexpectedFindings(const PropertyValue& configuration) 
   return unexpected;
 }
 
+// How many drafts of a type there were of each kind.
+struct DraftCounts {
+  std::size_t printed = 0;
+  std::size_t ofSeveralPersonalities = 0;
+  std::size_t indistinguishable = 0;
+  std::size_t unsettled = 0;
+  std::size_t otherBoards = 0;  // excepted computers that were left out
+};
+
+void ExpectPromiseKept(const RandomDraft& draft, DraftCounts& counts) {
+  const auto& outcome = draft.outcome;
+  EXPECT_NE(outcome.refusal, "the draft does not match what it should");
+  const bool isUnsettled = outcome.refusal.find(" would never settle: ") != std::string::npos;
+  EXPECT_EQ(isUnsettled, std::ranges::any_of(draft.wanted, [&](const Computer& computer) {
+              return HasUnsettled(computer, draft.target);
+            }));
+  if (isUnsettled) ++counts.unsettled;
+  if (!outcome.indistinguishable.empty()) ++counts.indistinguishable;
+  ASSERT_EQ(outcome.configuration.has_value(), outcome.status == LabStatus::Done);
+  if (!outcome.configuration) return;
+  ++counts.printed;
+  for (const auto& computer : draft.wanted) ExpectMatchesWanted(draft, computer);
+  const auto others = ExpectMatchesNoExcepted(draft);
+  EXPECT_EQ(draft.computers.OtherBoards(), others);
+  counts.otherBoards += others;
+  const auto& configuration = outcome.configuration->value;
+  EXPECT_EQ(UnexpectedFindings(configuration), std::vector<std::string>{})
+      << ::testing::PrintToString(configuration);
+  const auto list = configuration.AsDictionary()->Entries()[0].value.AsArray();
+  if (list && list->size() > 1) ++counts.ofSeveralPersonalities;
+}
+
 class Drafts : public ::testing::TestWithParam<NamedType> {};
 
 TEST_P(Drafts, MatchTheControllersOfRandomComputersAndNoExceptedOne) {
   std::mt19937_64 random(5);
-  std::size_t drafts = 0;
-  std::size_t severalPersonalities = 0;
-  std::size_t indistinguishable = 0;
-  for (int i = 0; i < 200; ++i) {
-    RandomDraft draft;
-    MakeRandomDraft(GetParam().type, random, draft);
-    if (!draft.outcome.indistinguishable.empty()) ++indistinguishable;
-    EXPECT_NE(draft.outcome.refusal, "the draft does not match what it should");
-    ASSERT_EQ(draft.outcome.configuration.has_value(), draft.outcome.status == LabStatus::Done);
-    if (!draft.outcome.configuration) continue;
-    ++drafts;
-    ExpectMatches(draft);
-    const auto& configuration = draft.outcome.configuration->value;
-    EXPECT_EQ(UnexpectedFindings(configuration), std::vector<std::string>{})
-        << ::testing::PrintToString(configuration);
-    const auto list = configuration.AsDictionary()->Entries()[0].value.AsArray();
-    if (list && list->size() > 1) ++severalPersonalities;
+  DraftCounts counts;
+  const auto type = GetParam().type;
+  // With the few keys of "LegacyThunderbolt" several personalities are rarely needed.
+  const int drafts = type == Types::LegacyThunderbolt ? 400 : 200;
+  for (int i = 0; i < drafts; ++i) {
+    const RandomDraft draft(type, i % 4 != 0, random);
+    ExpectPromiseKept(draft, counts);
   }
-  EXPECT_GT(drafts, 30u);
-  const bool mayLackIdentity = (GetParam().type & (Types::LegacyUsbc | Types::Usbc)) != 0;
-  EXPECT_GE(indistinguishable, mayLackIdentity ? 5u : 0u);
-  EXPECT_EQ(severalPersonalities > 0, GetParam().type != Types::LegacyUsbc);
+  EXPECT_GT(counts.printed, 70u);
+  EXPECT_EQ(counts.ofSeveralPersonalities > 0, type != Types::LegacyUsbc);
+  // Every port below a Thunderbolt controller has the unique id of that one.
+  EXPECT_GE(counts.indistinguishable, type == Types::Thunderbolt ? 0u : 5u);
+  EXPECT_GE(counts.unsettled, IsForPorts(type) ? 25u : 0u);
+  EXPECT_GT(counts.otherBoards, 10u);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachType, Drafts, ::testing::ValuesIn(NamedTypes),
@@ -260,7 +347,7 @@ TEST(Draft, WritesBoundsExactlyWhereRoundedOnesWouldAcceptAnotherController) {
   bare.SetOrRemove("ROM Version", nullptr);
   add(Thunderbolt({{"EEPROM Revision", 0}}), Port({}), DraftSide::Wanted);
   add(bare, Port({{"Version", 0x41}}), Excepted);
-  const DraftTarget target = {Types::Usbc, "image.bin", 50};
+  const DraftTarget target = {Types::Thunderbolt, "image.bin", 50};
   const auto outcome = MakeDraft(computers, target);
   ASSERT_TRUE(outcome.configuration);
   const auto list = outcome.configuration->value.AsDictionary()->Entries()[0].value.AsArray();
@@ -343,15 +430,79 @@ TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
   EXPECT_EQ(several.outcome.status, HasNoDraft);
 }
 
+// Switches its version check off.
+void BypassVersionCheck(Computer& computer) {
+  computer.Set(computer.Options(), "fernwick_bypassversioncheck", "1");
+}
+
+// With the switch an older version is installed too, and engineering firmware is replaced.
+TEST(Draft, HonoursSwitchesThatBypassTheVersionCheck) {
+  const DraftTarget target = {Types::Usbc, "image.bin", 60};
+  const auto make = [&](const Record& wanted, bool wantedBypasses, const Record& excepted,
+                        bool exceptedBypasses) {
+    DraftedComputers computers;
+    const auto add = [&](const Record& port, bool bypasses, DraftSide side) {
+      Computer computer;
+      computer.AddPort("hpm0", port);
+      if (bypasses) BypassVersionCheck(computer);
+      AddTo(computers, computer, side, side == Excepted ? "excepted" : "wanted");
+    };
+    add(wanted, wantedBypasses, DraftSide::Wanted);
+    add(excepted, exceptedBypasses, Excepted);
+    const auto outcome = MakeDraft(computers, target);
+    if (!outcome.configuration) return PropertyValue(outcome.status);
+    const auto list = *outcome.configuration->value.AsDictionary()->Entries()[0].value.AsArray();
+    const auto* maximum = list[0].AsDictionary()->Find("Existing Max Version");
+    return maximum == nullptr ? PropertyValue("none") : *maximum;
+  };
+  const auto old = Port({{"Version", 0x30}});
+  const auto newer = Port({{"Version", 0x70}});
+  auto unknown = Port({});
+  unknown.SetOrRemove("Version", nullptr);
+  EXPECT_EQ(make(old, false, newer, false), PropertyValue("none"));
+  EXPECT_EQ(make(old, false, newer, true), PropertyValue(30));
+  EXPECT_EQ(make(newer, true, old, false), PropertyValue("none"));
+  EXPECT_EQ(make(newer, false, old, false), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(unknown, true, newer, false), PropertyValue("none"));
+  EXPECT_EQ(make(unknown, true, old, false), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(old, false, unknown, true), PropertyValue(HasNoDraft));
+}
+
 TEST(Draft, IsRefusedForAVersionThatNoControllerReports) {
   const std::string refusal =
       " would be installed again and again: a port reports whole numbers, a Thunderbolt controller "
-      "hundredths up to .63";
+      "hundredths up to .63, each of eight digits at most";
   const SmallDraft port(Types::Usbc, 200.5, {{true, Port({})}});
   EXPECT_EQ(port.outcome.refusal, "--version 200.5" + refusal);
   EXPECT_EQ(port.outcome.status, LabStatus::BadUsage);
+  EXPECT_EQ(SmallDraft(Types::Usbc, 100'000'000, {{true, Port({})}}).outcome.refusal,
+            "--version 100000000" + refusal);
   EXPECT_EQ(SmallDraft(Types::LegacyThunderbolt, 43.7, {{false, Thunderbolt({})}}).outcome.refusal,
             "--version 43.7" + refusal);
+}
+
+TEST(Draft, OfAPortBelowAThunderboltControllerNeedsTheTypeOfBoth) {
+  DraftedComputers computers;
+  Computer computer;
+  const auto parent = computer.AddThunderbolt("ridge0", Thunderbolt({}));
+  computer.AddService(parent, "hpm0", "QuinceHPMDevice", Port({}));
+  AddTo(computers, computer, DraftSide::Wanted, "it");
+  const DraftTarget fraction = {Types::Usbc, "image.bin", 41.5};
+  EXPECT_EQ(MakeDraft(computers, fraction).status, LabStatus::BadUsage);
+  const DraftTarget port = {Types::Usbc, "image.bin", 60};
+  const auto outcome = MakeDraft(computers, port);
+  EXPECT_EQ(outcome.status, HasNoDraft);
+  EXPECT_EQ(
+      outcome.refusal,
+      "it: IOService:/ridge0/hpm0 would never settle: the tool compares the version of the "
+      "Thunderbolt controller above it, which an image for a port does not change; use --type "
+      "Thunderbolt");
+}
+
+TEST(Draft, OfThunderboltNamesPortsWithoutAThunderboltController) {
+  EXPECT_EQ(SmallDraft(Types::Thunderbolt, 60, {{true, Port({})}}).outcome.unmatchable,
+            (std::vector<std::string>{"0: IOService:/hpm0 cannot match: there is no Thunderbolt "
+                                      "controller above it"}));
 }
 
 TEST(Draft, IsRefusedForTooManyDifferentControllers) {
@@ -362,6 +513,35 @@ TEST(Draft, IsRefusedForTooManyDifferentControllers) {
   }
   EXPECT_EQ(SmallDraft(Types::Usbc, 200, computers).outcome.refusal,
             "there are too many different controllers: 2049 wanted and 2049 excepted ones");
+}
+
+TEST(InspectComputer, FailsWhereASwitchWithoutAValueEndsTheRun) {
+  for (const auto name : {UpdatesSwitch, VersionSwitch}) {
+    Computer computer;
+    computer.Set(computer.Options(), "boot-args", name);
+    const auto inspected = InspectComputer("it", CopyOf(computer));
+    ASSERT_FALSE(inspected);
+    EXPECT_EQ(inspected.Error().error.message,
+              "it: a bypass switch without a value ends every run abnormally");
+  }
+}
+
+// Identifiers of boards may differ in what the path of the configuration does not.
+TEST(DraftedComputers, LeavesOutExceptedOnesThatReadAnotherConfiguration) {
+  DraftedComputers computers;
+  const auto add = [&](const char* board, DraftSide side) {
+    Computer computer;
+    if (board != nullptr) computer.SetBoard(board, 1);
+    computer.AddPort("hpm0", Port({}));
+    AddTo(computers, computer, side, "it");
+  };
+  add("Zed-42", DraftSide::Wanted);
+  for (const char* same : {"Zed-42", "Zed-42/", "/Zed-42", "./Zed-42"}) add(same, Excepted);
+  EXPECT_EQ(computers.OtherBoards(), 0u);
+  for (const char* other : {"zed-42", "Zed-42/Zed-42", "../Zed-42"}) add(other, Excepted);
+  add(nullptr, Excepted);
+  EXPECT_EQ(computers.OtherBoards(), 4u);
+  EXPECT_EQ(computers.ControllersOf(Types::Usbc, Excepted).front().count, 4u);
 }
 
 TEST(DraftedComputers, CountsControllersByTheTypeThatIsForThem) {
@@ -379,7 +559,8 @@ TEST(DraftedComputers, CountsControllersByTheTypeThatIsForThem) {
             (std::map<TypeSet, std::size_t>{
                 {Types::Usbc, 2}, {Types::Thunderbolt, 1}, {Types::LegacyThunderbolt, 1}}));
   EXPECT_EQ(computers.Boards(), std::set<std::string>{"Zed-42"});
-  EXPECT_EQ(computers.ControllersOf(Types::Thunderbolt, DraftSide::Wanted).size(), 1u);
+  EXPECT_EQ(computers.OtherBoards(), 1u);
+  EXPECT_EQ(computers.ControllersOf(Types::Thunderbolt, DraftSide::Wanted).size(), 2u);
   EXPECT_EQ(computers.ControllersOf(Types::Usbc, DraftSide::Wanted).size(), 2u);
   EXPECT_EQ(computers.ControllersOf(Types::LegacyThunderbolt, DraftSide::Wanted).size(), 2u);
 }

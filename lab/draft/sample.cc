@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lab/draft/sample_search.h"
+#include "lab/lint/checks.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/command_line.h"
 #include "lab/support/configuration_file.h"
@@ -16,6 +17,7 @@
 #include "lab/support/words.h"
 #include "lab/survey/batch.h"
 #include "lab/verbs.h"
+#include "personality/configuration.h"
 #include "platform/file_system.h"
 #include "value/unicode/utf8.h"
 
@@ -136,7 +138,9 @@ class SampleWriter {
   int WriteNumbered(const PersonalityNumber& wanted) const {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
-    const auto count = type == subject_.types.end() ? 0 : CountPersonalities(*type);
+    const bool hasType = type != subject_.types.end();
+    if (hasType && !HasShape(*type)) return HasNoSample;
+    const auto count = hasType ? CountPersonalities(*type) : 0;
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
                     wanted.type + "\": it has " + (count == 0 ? "none" : std::to_string(count)));
@@ -149,6 +153,7 @@ class SampleWriter {
   int WriteFirst() const {
     std::size_t tried = 0;
     for (const auto& type : subject_.types) {
+      HasShape(type);
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         if (++tried > MaxSamples) {
           return Refuse("there is no sample of the first " + std::to_string(MaxSamples) +
@@ -171,6 +176,7 @@ class SampleWriter {
     int status = LabStatus::Done;
     ProcessConsole console;
     for (const auto& type : subject_.types) {
+      if (!HasShape(type)) status = HasNoSample;
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         const auto sample = Find(type, i);
         if (!sample) {
@@ -202,14 +208,25 @@ class SampleWriter {
     return PrintError(path_, {{message}, status});
   }
 
+  void PrintErrorAt(std::size_t offset, const std::string& message) const {
+    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " + message);
+  }
+
+  // Prints what is wrong where the value has another shape than the type.
+  bool HasShape(const LocatedType& type) const {
+    const auto wrong = WrongShapeText(type);
+    if (wrong.empty()) return true;
+    PrintErrorAt(type.entry.valueOffset, wrong);
+    return false;
+  }
+
   // Prints why there is none.
   std::optional<Recording> Find(const LocatedType& type, std::size_t index) const {
     auto sample = FindSample({subject_, options_.board}, type, index);
     if (sample) return *std::move(sample);
     const auto offset = HasSinglePersonality(type.type) ? type.entry.valueOffset
                                                         : OffsetOfElement(type.entry, index);
-    PrintError(path_ + ":" + Describe(subject_.file.LocationOf(offset)) + ": " +
-               NameOf(type, index, ":") + ": " + sample.Error());
+    PrintErrorAt(offset, NameOf(type, index, ":") + ": " + sample.Error());
     return std::nullopt;
   }
 
@@ -248,9 +265,8 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   if (const int lost = CheckOutput(options.out, options.ExistingFile()); lost != LabStatus::Done) {
     return lost;
   }
-  const auto directory =
-      AppendPathComponent(AppendPathComponent(options.payload, "Fernwick"), options.board);
-  const auto path = AppendPathComponent(directory, "Config.plist");
+  const auto path =
+      *ConfigurationPath(options.board, AppendPathComponent(options.payload, "Fernwick"));
   const auto configuration = LoadConfiguration(path);
   if (!configuration) return PrintError(path, configuration.Error());
   const LintSubject subject(*configuration);

@@ -267,7 +267,7 @@ void Selector::Add(const ControllerRow& row) {
     const auto position = std::ranges::lower_bound(values_[i], value);
     if (position == values_[i].end() || *position != value) values_[i].insert(position, value);
   }
-  Widen(versions_, row.version);
+  if (row.version != 0) Widen(versions_, row.version);
   Widen(revisions_, row.boardRevision);
 }
 
@@ -281,12 +281,15 @@ ConstraintSet Selector::ExclusionsOf(const ControllerRow& row, const ControllerR
   auto versions = versions_;
   auto revisions = revisions_;
   if (extra != nullptr) {
-    Widen(versions, extra->version);
+    if (extra->version != 0) Widen(versions, extra->version);
     Widen(revisions, extra->boardRevision);
   }
   const auto begin = values_.size();
-  if (row.version < versions.first) exclusions |= BitOf(begin);
-  if (row.version > versions.second) exclusions |= BitOf(begin + 1);
+  // A version that is not known is within all bounds.
+  if (row.version != 0 && versions.first <= versions.second) {
+    if (row.version < versions.first) exclusions |= BitOf(begin);
+    if (row.version > versions.second) exclusions |= BitOf(begin + 1);
+  }
   if (row.boardRevision < revisions.first) exclusions |= BitOf(begin + 2);
   if (row.boardRevision > revisions.second) exclusions |= BitOf(begin + 3);
   return exclusions & ~lacking_;

@@ -75,8 +75,10 @@ using Indistinguishable = std::pair<std::size_t, std::size_t>;
 /// How controllers are selected.
 struct Separation {
   std::vector<Selector> selectors = {};
-  std::vector<Indistinguishable> indistinguishable =
-      {};                   // of each controller to select one at most
+
+  // Of each controller to select one at most.
+  std::vector<Indistinguishable> indistinguishable = {};
+
   bool isTooLarge = false;  // nothing was searched for
 };
 

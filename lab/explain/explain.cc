@@ -72,14 +72,8 @@ CommandLine CommandLineOf(ExplainArguments& into) {
       .arguments = {
           RecordingArgument(into.computer),
           HostArgument(into.computer),
-          {.name = "-p,--payload",
-           .target = &into.payload,
-           .help = "the payload directory",
-           .least = 1,
-           .valueName = "PAYLOAD"},
-          {.name = "--bypassVersion",
-           .target = &into.bypassVersion,
-           .help = "as the tool's option"},
+          PayloadArgument(into.payload),
+          BypassVersionArgument(into.bypassVersion),
           {.name = "--type",
            .target = &into.types,
            .help = "only personalities of this type; may be repeated",
@@ -151,10 +145,7 @@ int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
   }
   // Without descriptors there is nothing to explain.
   const auto failure = ConfigurationFailure(explanation.run, options);
-  if (failure && failure->status == LabStatus::OutOfMemory) {
-    PrintError(failure->error.message);
-    return failure->status;
-  }
+  if (failure && failure->status == LabStatus::OutOfMemory) return PrintError(*failure);
   if (LacksController(explanation, filter)) {
     return PrintError(
         parsed.computer.Name(),

@@ -8,26 +8,6 @@
 namespace fernwick::lab {
 namespace {
 
-template <typename Range, typename Convert>
-Json ListOf(const Range& range, Convert convert) {
-  auto list = Json::array();
-  for (const auto& each : range) list.push_back(convert(each));
-  return list;
-}
-
-Json OrNull(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
-}
-
-Json ValueOrNull(const std::optional<PropertyValue>& value) {
-  return value ? ToJson(*value) : Json(nullptr);
-}
-
-Json OriginJson(const std::optional<ValueOrigin>& origin) {
-  if (origin && !origin->option.empty()) return {{"option", origin->option}};
-  return LocationJson(origin);
-}
-
 Json AsJson(std::string_view text) {
   return Json(text);
 }
@@ -49,7 +29,7 @@ Json FailureJson(const ExplainedFailure& failure, const ExplainedController& con
                {"key", requirement->key},
                {"reason", NameOf(reason)},
                {"wanted", ValueOrNull(wanted)},
-               {"location", OriginJson(failure.wantedLocation)},
+               {"location", LocationJson(failure.wantedLocation)},
                {"found", ValueOrNull(found)},
                {"hardwareKey", requirement->hardwareKey},
                {"sources", ListOf(controller.sources.at(requirement->hardwareKey), SourceJson)}};
@@ -75,7 +55,7 @@ Json SkipJson(const ExplainedSkip& skip) {
 
 Json UnreadJson(const UnreadKey& unread) {
   return {{"key", unread.key},
-          {"location", OriginJson(unread.location)},
+          {"location", LocationJson(unread.location)},
           {"readBy", TypesJson(unread.readBy)}};
 }
 
@@ -231,8 +211,9 @@ std::string_view NameOf(SkipReason reason) {
   return "addressBelowThunderbolt";
 }
 
-Json LocationJson(const std::optional<FileLocation>& location) {
+Json LocationJson(const std::optional<ValueOrigin>& location) {
   if (!location) return nullptr;
+  if (!location->option.empty()) return {{"option", location->option}};
   if (location->line == 0) return {{"byte", location->byte}};
   return {{"line", location->line}, {"column", location->column}};
 }

@@ -16,8 +16,9 @@ void PrintExplanationText(const Explanation& explanation, bool emphasise, const 
 /// are in the order of the file.
 void PrintExplanationJson(const Explanation& explanation, const TextSink& sink);
 
-/// A location in JSON: {"line": 12, "column": 7}, {"byte": 812} in a binary file, or null.
-Json LocationJson(const std::optional<FileLocation>& location);
+/// Where a value is from, in JSON: {"line": 12, "column": 7}, {"byte": 812} in a binary file,
+/// {"option": "--personality"}, or null.
+Json LocationJson(const std::optional<ValueOrigin>& location);
 
 /// The names in the JSON: "nothingMatched", "notReached", "aboveInstalled".
 std::string_view NameOf(RunEnd end);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "lab/lint/finding.h"
@@ -14,6 +15,10 @@ namespace fernwick::lab {
 
 /// The top of the configuration and the shape of what is under its types.
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings);
+
+/// What is wrong with the value of a type that has another shape than the type, as a sentence that
+/// names the type: nothing matches then. Empty when it has that shape.
+std::string WrongShapeText(const LocatedType& type);
 
 /// Keys that occur twice in any dictionary of the configuration.
 void LintDuplicateKeys(const ValueLocation& location, ConfigurationFindings& findings);

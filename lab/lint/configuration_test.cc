@@ -263,8 +263,17 @@ const Named<Row> Versions[] = {
     {"NegativeMaximum", {Usbc({{"Existing Max Version", -1}}), NoVersion}},
     {"BeyondEveryVersion",
      {Usbc({{"Version", 1e9}, {"Existing Min Version", 166666666}}),
-      NoVersion + "error: \"Version\" is 1e+09, but a controller reports hundredths up to .63: the "
-                  "update never settles [unreportable-version]\n"}},
+      NoVersion + "error: \"Version\" is 1e+09, but a controller reports no more than eight "
+                  "digits: the update never settles [unreportable-version]\n"}},
+    {"TheGreatestThatIsStored", {Usbc({{"Version", 99999999}}), ""}},
+    {"BeyondTheGreatestThatIsStored",
+     {Usbc({{"Version", 100000000}}),
+      "error: \"Version\" is 100000000, but a controller reports no more than eight digits: the "
+      "update never settles [unreportable-version]\n"}},
+    {"AFractionOfTheGreatestThatIsStored",
+     {LegacyUsbc({{"Port Address", 0x38}, {"Version", 99999999.5}}),
+      "error: \"Version\" is 99999999.5, but a controller reports whole numbers: the update never "
+      "settles [unreportable-version]\n"}},
     {"BoundsWithoutAVersion",
      {Dict({{"LegacyUSBC",
              Dict({{"Existing Max Version", -1}, {"Firmware", "a.bin"}, {"Priority", 1}})}}),

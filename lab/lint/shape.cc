@@ -34,15 +34,11 @@ void LintElements(const LocatedType& type, const Array& elements, ConfigurationF
 }
 
 void LintType(const LocatedType& type, ConfigurationFindings& findings) {
-  const bool isSingle = HasSinglePersonality(type.type);
-  const auto array = type.entry.value->AsArray();
-  if (isSingle ? !type.entry.value->AsDictionary() : !array) {
-    findings.Add(LintRuleOf::WrongTypeShape, type.entry.valueOffset,
-                 Quoted(type.entry.key) + " is " + Shown(*type.entry.value) + ", not " +
-                     (isSingle ? "a single personality" : "an array of personalities") +
-                     ", so it matches nothing");
-  } else if (!isSingle) {
-    LintElements(type, *array, findings);
+  const auto wrong = WrongShapeText(type);
+  if (!wrong.empty()) {
+    findings.Add(LintRuleOf::WrongTypeShape, type.entry.valueOffset, wrong);
+  } else if (!HasSinglePersonality(type.type)) {
+    LintElements(type, *type.entry.value->AsArray(), findings);
   }
 }
 
@@ -55,6 +51,15 @@ std::vector<const KeyLocation*> SortedKeys(const ValueLocation& dictionary) {
 }
 
 }  // namespace
+
+std::string WrongShapeText(const LocatedType& type) {
+  const auto& value = *type.entry.value;
+  const bool isSingle = HasSinglePersonality(type.type);
+  if (isSingle ? value.AsDictionary().has_value() : value.AsArray().has_value()) return "";
+  return Quoted(type.entry.key) + " is " + Shown(value) + ", not " +
+         (isSingle ? "a single personality" : "an array of personalities") +
+         ", so it matches nothing";
+}
 
 void LintShape(const LintSubject& subject, ConfigurationFindings& findings) {
   if (!subject.file.Value().AsDictionary()) {

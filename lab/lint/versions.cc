@@ -106,9 +106,12 @@ void LintSettling(const LocatedPersonality& personality, ConfigurationFindings& 
   if (!NumberGreater(*version->value, 0)) return;  // is above no installed version
   const auto scales = ScalesOf(personality);
   if (IsReportable(*version->value, scales)) return;
+  const bool isTooGreat = !NumberLess(*version->value, MaxStoredMajor + 1);
   findings.Add(LintRuleOf::UnreportableVersion, version->valueOffset,
                "\"Version\" is " + Shown(*version->value) + ", but a controller reports " +
-                   std::string(scales.thunderbolt ? "hundredths up to .63" : "whole numbers") +
+                   std::string(isTooGreat           ? "no more than eight digits"
+                               : scales.thunderbolt ? "hundredths up to .63"
+                                                    : "whole numbers") +
                    ": the update never settles");
 }
 

@@ -3,13 +3,17 @@
 namespace fernwick::lab {
 
 std::string EntryPath(const Recording& recording, RegistryEntry entry) {
-  const auto& plane = recording.planes.at(ServicePlane);
+  return EntryPath(recording, ServicePlane, entry);
+}
+
+std::string EntryPath(const Recording& recording, std::string_view plane, RegistryEntry entry) {
+  const auto& [root, placements] = recording.planes.at(plane);
   std::string path;
-  while (entry != plane.root) {
+  while (entry != root) {
     path.insert(0, "/" + std::string(recording.entries[entry - 1].name));
-    entry = plane.placements.at(entry).parent;
+    entry = placements.at(entry).parent;
   }
-  return std::string(ServicePlane) + ":" + (path.empty() ? "/" : path);
+  return std::string(plane) + ":" + (path.empty() ? "/" : path);
 }
 
 }  // namespace fernwick::lab

@@ -43,15 +43,9 @@ std::size_t SumOf(const Bar& bar) {
   return sum;
 }
 
-std::size_t CharactersOf(std::string_view text) {
-  std::size_t count = 0;
-  for (const char byte : text) count += (byte & 0xC0) != 0x80;
-  return count;
-}
-
 // A label needs some 2.4 percent a character on a phone.
 bool Fits(const Segment& segment, std::size_t sum) {
-  return segment.count * 1000 >= sum * (24 * CharactersOf(segment.label) + 20);
+  return segment.count * 1000 >= sum * (24 * CountCharacters(segment.label) + 20);
 }
 
 std::string SegmentMarkup(const Segment& segment, std::size_t begin, std::size_t sum,

@@ -50,8 +50,9 @@ std::string ChangeSection::Markup(const std::string& command) const {
         "<li>" + SwatchMarkup(Tone(tone)) + " " + NumberLink(list, count) + " " + label + "</li>";
   }
   auto markup = BarsMarkup("changes-bar", "Computers against the old payload", {bar}) +
-                "<ul class=\"legend\">" + legend + "</ul>\n<p>" + ComputersText(totals_.gained) +
-                " gained a plan, " + NumberText(totals_.lost) + " lost it.</p>\n";
+                "<ul class=\"legend\">" + legend + "</ul>\n<p>" +
+                NumberLink("changes", totals_.gained) + " gained a plan, " +
+                NumberLink("changes", totals_.lost) + " lost it.</p>\n";
   if (changes_.IsEmpty()) return markup;
   return markup + changes_.Markup("Changes", "Board and change", command);
 }

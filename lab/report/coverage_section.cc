@@ -20,6 +20,29 @@ std::string OfText(std::size_t part, std::size_t whole) {
   return NumberText(part) + " of " + NumberText(whole);
 }
 
+// "2 of 4: Port Address 56, RID 1": the first ones, with their keys.
+std::string ElementsMarkup(const TypeCoverage& coverage, const DictionaryEntry& type,
+                           std::size_t index) {
+  constexpr std::size_t MaxNamed = 5;
+  const auto candidates = *PersonalitiesOf(type.key, type.value);
+  auto element = coverage.firstElement[index];
+  std::size_t all = 0;
+  std::size_t unmatched = 0;
+  std::string names;
+  ForEachList(coverage.type, *candidates[index].AsDictionary(),
+              [&](const Requirement& requirement, Array list) {
+                for (const auto& value : list) {
+                  ++all;
+                  if (coverage.elements.matched[element++] > 0) continue;
+                  if (++unmatched > MaxNamed) continue;
+                  names += (names.empty() ? ": " : ", ") + std::string(requirement.key) + " " +
+                           ShortText(InlineText(value));
+                }
+              });
+  if (unmatched == 0) return "";
+  return OfText(unmatched, all) + XmlText(names) + (unmatched > MaxNamed ? ", ..." : "");
+}
+
 Segment Part(const char* label, std::size_t count, std::size_t tone) {
   return {label, count, Tone(tone)};
 }
@@ -44,9 +67,11 @@ void CoverageSection::AddBoard(const CoveredBoard& board) {
   if (board.file != nullptr) AddPersonalities(board);
   const bool isListed = personalities_.Listed() > before;
   const auto personalities = OfText(counts.matchedPersonalities, counts.personalities);
-  boards_.Add("<tr>" + HeadCell(name + problem) + NumberCell(NumberText(board.coverage.runs)) +
+  const auto elements = OfText(counts.matchedElements, counts.elements);
+  boards_.Add("<tr>" + HeadCell(name + problem) +
+                  NumberCell(NumberLink("boards", board.coverage.runs)) +
                   NumberCell(isListed ? LinkTo(id, personalities) : personalities) +
-                  NumberCell(OfText(counts.matchedElements, counts.elements)) +
+                  NumberCell(isListed ? LinkTo(id, elements) : elements) +
                   NumberCell(PercentText(counts) + " %") + "</tr>\n",
               boardLimit_, budget_);
 }
@@ -63,13 +88,14 @@ void CoverageSection::AddPersonalities(const CoveredBoard& board) {
       if (!coverage.isPersonality[i]) continue;
       const auto& value = isSingle ? location.value : location.value.Elements()[i];
       const auto name = std::string(location.key) + (isSingle ? "" : " " + std::to_string(i + 1));
-      personalities_.Add(
-          "<tr" + std::exchange(id, "") + ">" + TextCell(XmlText(ShortText(board.name))) +
-              HeadCell(XmlText(name)) + LineCell(Describe(board.file->LocationOf(value.offset))) +
-              NumberCell(NumberText(coverage.tested[i])) +
-              NumberCell(NumberText(coverage.matched[i])) +
-              TextCell(XmlText(RejectionsText(RejectionsOf(coverage, i)))) + "</tr>\n",
-          personalityLimit_, budget_);
+      personalities_.Add("<tr" + std::exchange(id, "") + ">" +
+                             TextCell(XmlText(ShortText(board.name))) + HeadCell(XmlText(name)) +
+                             LineCell(Describe(board.file->LocationOf(value.offset))) +
+                             NumberCell(NumberText(coverage.tested[i])) +
+                             NumberCell(NumberText(coverage.matched[i])) +
+                             TextCell(XmlText(RejectionsText(RejectionsOf(coverage, i)))) +
+                             TextCell(ElementsMarkup(coverage, entries[key], i)) + "</tr>\n",
+                         personalityLimit_, budget_);
     }
   }
 }
@@ -83,7 +109,7 @@ void CoverageSection::Finish(const CoverageTotals& totals) {
       "<p>" + PercentText(totals.counts) +
       " % of the personalities and list elements of the payload "
       "matched a controller of these recordings; " +
-      NumberText(totals.boardsWithoutRun) + " of " + NumberText(totals.boards) +
+      NumberLink("covered-boards", totals.boardsWithoutRun) + " of " + NumberText(totals.boards) +
       (totals.boards == 1 ? " board has" : " boards have") + " no recording.</p>\n" +
       BarsMarkup(
           "coverage-bar", "Personalities of the payload",
@@ -111,7 +137,8 @@ void CoverageSection::Finish(const CoverageTotals& totals) {
                                             {"Line"},
                                             {"Tested", true},
                                             {"Matched", true},
-                                            {"Rejected first by"}},
+                                            {"Rejected first by"},
+                                            {"List elements that never matched"}},
                                            "<tbody>\n" + personalities_.Markup() + "</tbody>\n")) +
                         OthersMarkup(personalities, command_),
                     personalities_.Count() <= MaxOpenItems);

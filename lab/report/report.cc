@@ -13,6 +13,7 @@
 #include "lab/support/output_file.h"
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
+#include "lab/survey/coverage/coverage_output.h"
 #include "lab/survey/coverage/payload_boards.h"
 #include "lab/verbs.h"
 
@@ -49,11 +50,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], ReportArgum
       .description = Description,
       .footer = SelectionHelp + std::string(ReportFooter),
       .arguments = {
-          {.name = "-p,--payload",
-           .target = &into.payloads.payload,
-           .help = "the payload directory",
-           .least = 1,
-           .valueName = "PAYLOAD"},
+          PayloadArgument(into.payloads.payload),
           {.name = "--old",
            .target = &into.payloads.old,
            .help = "the payload that it is compared with",
@@ -70,11 +67,6 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], ReportArgum
       }};
   AddBatchOptions(line, into.batch);
   return ParseCommandLine(line, argumentCount, arguments);
-}
-
-int Refuse(const LabError& error) {
-  PrintError(error.error.message);
-  return error.status;
 }
 
 // Returns LabStatus::Done or the status of a configuration that could not be read, and whether
@@ -108,11 +100,11 @@ int WritePage(const ReportArguments& arguments, const std::string& page) {
 // recording that is refused.
 int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, ReportPage& page,
               int& refusal, Console& console) {
-  const auto work = [&](const Selected& selected) -> BatchResult {
-    auto reported = reporter.Report(selected);
+  const auto work = [&](Selected selected) -> BatchResult {
+    const bool isNamed = selected.isNamed;
+    auto reported = reporter.Report(std::move(selected));
     if (!reported) return reported.Error();
-    const std::function<void()> add = [&, isNamed = selected.isNamed,
-                                       computer = *std::move(reported)] {
+    const std::function<void()> add = [&, isNamed, computer = *std::move(reported)] {
       const bool isRefused = computer.row.outcome == Outcome::Refused;
       if (isRefused && isNamed && refusal == LabStatus::Done) refusal = *computer.row.status;
       page.Add(computer);
@@ -124,21 +116,18 @@ int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, Repo
 
 int RunReport(const ReportArguments& arguments) {
   const auto& [payload, old] = arguments.payloads;
-  const auto options = ToolOptions(payload, false);
+  const auto options = CoverageToolOptions(payload, false);
+  if (!options) return LabStatus::UnreadableInput;
   const auto payloads =
-      old ? std::optional(Payloads{ToolOptions(*old, false), options}) : std::nullopt;
-  if (!options.personalitiesDirectory) {
-    return Refuse({{payload + ": the tool accepts no payload whose path is not UTF-8"},
-                   LabStatus::UnreadableInput});
-  }
-  const auto boards = BoardsOf(*options.personalitiesDirectory);
-  if (!boards) return Refuse(boards.Error());
+      old ? std::optional(Payloads{ToolOptions(*old, false), *options}) : std::nullopt;
+  const auto boards = BoardsOf(*options->personalitiesDirectory);
+  if (!boards) return PrintError(boards.Error());
   StringConsole console;
   ReportPage page(arguments.payloads, arguments.title, console);
   const auto [lintStatus, isLinted] = LintInto(payload, page.Lint());
   if (!isLinted) return lintStatus;
-  CoveredPayload covered(options, *boards);
-  ComputerReporter reporter(options, payloads, covered);
+  CoveredPayload covered(*options, *boards);
+  ComputerReporter reporter(*options, payloads, covered);
   int refusal = LabStatus::Done;
   const int failure = ReportAll(arguments, reporter, page, refusal, console);
   if (failure != LabStatus::Done) return failure;

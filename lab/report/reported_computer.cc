@@ -4,25 +4,40 @@
 
 #include "lab/survey/run.h"
 #include "lab/survey/settle/settle_computer.h"
-#include "platform/file_system.h"
 
 namespace fernwick::lab {
 
-Result<ReportedComputer, LabError> ComputerReporter::Report(const Selected& selected) {
-  auto row = SurveyComputer(selected, options_, MaxFileSize);
+Result<ReportedComputer, LabError> ComputerReporter::Report(Selected selected) {
+  const auto& path = selected.path;
+  auto recording = LoadSelected(selected);
+  if (!recording) {
+    auto refused = RefusedRow(path, recording.Error());
+    if (!refused) return refused.Error();
+    return ReportedComputer{.row = *std::move(refused)};
+  }
+  auto computer = ReportRuns(path, *recording);
+  if (!computer) return computer;
+  auto settling =
+      SettleRecording(path, *std::move(recording), {options_, changes_, configurations_, false});
+  if (!settling) return settling.Error();
+  computer->settling = *std::move(settling);
+  return computer;
+}
+
+Result<ReportedComputer, LabError> ComputerReporter::ReportRuns(const std::string& path,
+                                                                const Recording& recording) {
+  const auto run = RunTool(recording, options_, KeptOutput::Counts);
+  auto row = SurveyRun(path, recording, run, options_);
   if (!row) return row.Error();
   ReportedComputer computer{.row = *std::move(row)};
-  if (computer.row.outcome == Outcome::Refused) return computer;
-  auto settling = SettleComputer(selected, {options_, changes_, configurations_, false});
-  if (!settling) return settling.Error();
-  computer.settling = *std::move(settling);
-  const auto covered = payload_.Cover(selected);
-  if (!covered) return covered.Error();
-  computer.use = covered->use;
+  const auto use = payload_.Count(run);
+  if (!use) return use.Error();
+  computer.use = *use;
   if (!payloads_) return computer;
-  auto compared = DiffComputer(selected, *payloads_, files_);
-  if (!compared) return compared.Error();
-  computer.difference = std::move(compared->row);
+  const auto before = RunTool(recording, payloads_->before, KeptOutput::Counts);
+  auto difference = DiffRuns(path, recording, before, run, *payloads_, files_);
+  if (!difference) return difference.Error();
+  computer.difference = *std::move(difference);
   return computer;
 }
 

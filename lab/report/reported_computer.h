@@ -40,9 +40,13 @@ class ComputerReporter {
       : options_(options), payloads_(payloads), payload_(payload) {}
 
   /// Surveys, settles and compares the computer and counts what it covers. Fails as each of them.
-  Result<ReportedComputer, LabError> Report(const Selected& selected);
+  Result<ReportedComputer, LabError> Report(Selected selected);
 
  private:
+  // All but the settling.
+  Result<ReportedComputer, LabError> ReportRuns(const std::string& path,
+                                                const Recording& recording);
+
   const Options& options_;
   const std::optional<Payloads>& payloads_;
   CoveredPayload& payload_;

@@ -37,22 +37,10 @@ std::string StuckReason(const NamedStuck& stuck) {
   return text;
 }
 
-std::string RunsMarkup(const SettleTotals& totals) {
-  if (totals.settledAfter.empty()) return "";
-  std::string rows;
-  for (const auto& [runs, count] : totals.settledAfter) {
-    rows += "<tr>" + HeadCell(runs == 0 ? "none: nothing is planned" : std::to_string(runs)) +
-            NumberCell(NumberText(count)) + "</tr>\n";
-  }
-  return "<h3>Runs until a computer is settled</h3>\n" +
-         TableMarkup("settled-after", "Runs with a plan until a computer is settled",
-                     {{"Runs"}, {"Computers", true}}, "<tbody>\n" + rows + "</tbody>\n");
-}
-
 std::string GroupsMarkup(const ComputerGroups& groups, const std::string& title,
-                         const std::string& command) {
+                         const std::string& saidColumn, const std::string& command) {
   if (groups.IsEmpty()) return "";
-  return "<h3>" + title + "</h3>\n" + groups.Markup(title, "Why", command);
+  return "<h3>" + title + "</h3>\n" + groups.Markup(title, saidColumn, command);
 }
 
 }  // namespace
@@ -64,6 +52,7 @@ void SettleSection::Add(const SettleRow& row, const ComputerName& computer) {
   }
   for (const auto& stuck : row.stuck) stuck_.Add(XmlText(ShortText(StuckReason(stuck))), computer);
   const auto runs = "after " + Counted(row.runs, "run", "runs");
+  if (totals_.IsSettled(row.outcome)) settled_.Add(row.runs == 0 ? "at once" : runs, computer);
   if (row.outcome == SettleOutcome::Undecided) undecided_.Add(runs, computer);
   if (row.outcome == SettleOutcome::Bypassed) bypassed_.Add(runs, computer);
 }
@@ -85,10 +74,11 @@ std::string SettleSection::Markup(const std::string& command) const {
          StackMarkup(TableMarkup("settling-table", "Computers after all updates",
                                  {{"Result"}, {"Meaning"}, {"Computers", true}},
                                  "<tbody>\n" + rows + "</tbody>\n")) +
-         RunsMarkup(totals_) + GroupsMarkup(never_, "Never settle", command) +
-         GroupsMarkup(stuck_, "Stuck below a newer version", command) +
-         GroupsMarkup(undecided_, "Undecided", command) +
-         GroupsMarkup(bypassed_, "Bypassed", command);
+         GroupsMarkup(settled_, "Settled", "When", command) +
+         GroupsMarkup(never_, "Never settle", "Why", command) +
+         GroupsMarkup(stuck_, "Stuck below a newer version", "Why", command) +
+         GroupsMarkup(undecided_, "Undecided", "When", command) +
+         GroupsMarkup(bypassed_, "Bypassed", "When", command);
 }
 
 }  // namespace fernwick::lab

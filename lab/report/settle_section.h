@@ -19,6 +19,7 @@ class SettleSection {
 
  private:
   SettleTotals totals_;
+  ComputerGroups settled_ = ComputerGroups("settled-after", 40'000);
   ComputerGroups never_ = ComputerGroups("never-settles", 60'000);
   ComputerGroups stuck_ = ComputerGroups("stuck", 60'000);
   ComputerGroups undecided_ = ComputerGroups("undecided", 15'000);

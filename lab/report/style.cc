@@ -105,6 +105,7 @@ footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line);
   nav, summary { display: none; }
   a { color: inherit; text-decoration: none; }
   details::details-content { content-visibility: visible; display: block; height: auto; }
+  details caption { position: static; clip-path: none; width: auto; height: auto; text-align: left; padding-top: 0.75rem; }
   h2, h3 { break-after: avoid; }
   tr, article, svg, .tiles li { break-inside: avoid; }
   svg, .alerts li { print-color-adjust: exact; -webkit-print-color-adjust: exact; }

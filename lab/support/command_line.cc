@@ -141,4 +141,26 @@ std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
   return LabStatus::BadUsage;
 }
 
+Argument PayloadArgument(std::string& payload) {
+  return {.name = "-p,--payload",
+          .target = &payload,
+          .help = "the payload directory",
+          .least = 1,
+          .valueName = "PAYLOAD"};
+}
+
+Argument BypassVersionArgument(bool& bypassVersion, std::string help) {
+  return {.name = "--bypassVersion", .target = &bypassVersion, .help = std::move(help)};
+}
+
+std::vector<std::string_view> WordsOf(std::string_view list) {
+  std::vector<std::string_view> words;
+  while (true) {
+    const auto word = list.substr(0, list.find(','));
+    words.push_back(word);
+    if (word.size() == list.size()) return words;
+    list.remove_prefix(word.size() + 1);
+  }
+}
+
 }  // namespace fernwick::lab

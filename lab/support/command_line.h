@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -39,6 +40,12 @@ struct Argument {
   std::string replaces = {};
 };
 
+/// -p: the payload directory, which the verb needs.
+Argument PayloadArgument(std::string& payload);
+
+/// --bypassVersion, the tool's option. `help` may say more.
+Argument BypassVersionArgument(bool& bypassVersion, std::string help = "as the tool's own");
+
 /// The arguments that a verb accepts, and the text of its help around their descriptions.
 struct CommandLine {
   std::string verb;
@@ -53,5 +60,8 @@ struct CommandLine {
 /// is named before anything else, with the most similar one.
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]);
+
+/// What is between the commas of an option's value: "" has one empty word.
+std::vector<std::string_view> WordsOf(std::string_view list);
 
 }  // namespace fernwick::lab

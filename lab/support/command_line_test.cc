@@ -203,5 +203,13 @@ TEST(CommandLine, WithAValueThatIsNotAcceptedIsRefused) {
   EXPECT_EQ(refusal({"a"}), "fernwick-lab: RECORDING: At least 2 required but received 1" + help);
 }
 
+TEST(CommandLine, HasListsOfWords) {
+  using Words = std::vector<std::string_view>;
+  EXPECT_EQ(WordsOf("a,b c,d"), (Words{"a", "b c", "d"}));
+  EXPECT_EQ(WordsOf("a"), Words{"a"});
+  EXPECT_EQ(WordsOf(""), Words{""});
+  EXPECT_EQ(WordsOf(",a,"), (Words{"", "a", ""}));
+}
+
 }  // namespace
 }  // namespace fernwick::lab

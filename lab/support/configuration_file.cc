@@ -6,16 +6,13 @@
 
 #include "platform/file_system.h"
 #include "value/unicode/text_position.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {
 
 // The most bytes that are counted again for a location, however long its line.
 constexpr std::size_t MarkDistance = 1024;
-
-bool IsInsideCharacter(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
 
 // The column of an offset in the line of the mark.
 std::size_t ColumnAt(std::string_view text, const TextMark& mark, std::size_t offset) {
@@ -30,7 +27,7 @@ std::vector<TextMark> MarksOf(std::string_view text) {
     const bool endsPair = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
     if (text[i] == '\n' || (text[i] == '\r' && !endsPair)) {
       marks.push_back({i + 1, last.line + 1, 1});
-    } else if (i - last.offset >= MarkDistance && !IsInsideCharacter(text[i])) {
+    } else if (i - last.offset >= MarkDistance && !IsContinuation(text[i])) {
       marks.push_back({i, last.line, ColumnAt(text, last, i)});
     }
   }

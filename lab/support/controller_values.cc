@@ -137,6 +137,7 @@ std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const Prop
 
 bool IsReportable(const PropertyValue& version, VersionScales scales) {
   return std::ranges::any_of(LowestInstalledVersions(scales, &version), [&](const auto& next) {
+    if (!NumberLess(next, MaxStoredMajor + 1)) return false;
     if (const auto real = next.AsReal()) return !NumberGreater(*real - Tolerance, version);
     return NumbersEqual(next, version);
   });

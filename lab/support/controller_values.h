@@ -9,6 +9,11 @@
 
 namespace fernwick::lab {
 
+/// The greatest version that a controller stores: a port this whole number, of eight decimal
+/// digits, and a Thunderbolt controller the same with this many hundredths.
+inline constexpr std::uint64_t MaxStoredMajor = 99'999'999;
+inline constexpr std::uint64_t MaxStoredHundredths = 63;
+
 /// The number in packed BCD, the reverse of DecodeBcd. Where the number has more than eight digits,
 /// the first counts more than nine. REQUIRES: DecodeBcd can return it.
 std::uint32_t EncodeBcd(std::uint32_t number);
@@ -70,7 +75,8 @@ std::optional<PropertyValue> LowestVersionAfter(VersionScales scales, const Prop
                                                 const PropertyValue* maximum);
 
 /// Whether a controller that has `version` installed can report it: it is a version of one of the
-/// scales, apart from the 1e-9 that is added to those of Thunderbolt controllers.
+/// scales that the controller can store, apart from the 1e-9 that is added to those of Thunderbolt
+/// controllers.
 bool IsReportable(const PropertyValue& version, VersionScales scales);
 
 /// The version of a Thunderbolt controller that the maximum excludes by less than it can mean;

@@ -84,6 +84,9 @@ TEST(IsReportable, IsAVersionOfAScale) {
   EXPECT_TRUE(IsReportable(200.0, PortOnly));
   EXPECT_FALSE(IsReportable(200.5, PortOnly));
   EXPECT_TRUE(IsReportable(200.5, Both));
+  EXPECT_TRUE(IsReportable(99999999, PortOnly));
+  EXPECT_TRUE(IsReportable(99999999.63, ThunderboltOnly));
+  EXPECT_FALSE(IsReportable(100000000, Both));
 }
 
 TEST(LowestVersionAfter, IsWhereAWindowEnds) {

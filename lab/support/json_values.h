@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "value/property_value.h"
@@ -20,6 +21,30 @@ Json ToJson(const PropertyValue& value);
 
 /// An absent value (null) is null.
 Json ToJson(const PropertyValue* value);
+
+/// The same of an optional value: null where there is none.
+inline Json ValueOrNull(const std::optional<PropertyValue>& value) {
+  return ToJson(value ? &*value : nullptr);
+}
+
+/// What JSON has itself, or null where there is none.
+template <typename Value>
+Json OrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+/// An empty text is null.
+inline Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
+/// An array of what `convert` returns for each element.
+template <typename Range, typename Convert>
+Json ListOf(const Range& range, Convert convert) {
+  auto list = Json::array();
+  for (const auto& each : range) list.push_back(convert(each));
+  return list;
+}
 
 /// The text of a JSON document, indented by two, with a newline at the end. Bytes that are not
 /// UTF-8 (a path may contain any) become U+FFFD; control characters and those that change the

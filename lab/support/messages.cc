@@ -77,6 +77,11 @@ int PrintError(const std::string& path, const LabError& error) {
   return error.status;
 }
 
+int PrintError(const LabError& error) {
+  PrintError(Describe(error.error));
+  return error.status;
+}
+
 int FinishOutput(Console& console) {
   console.Flush();
   const int error = console.OutputError();

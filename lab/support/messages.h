@@ -53,6 +53,9 @@ void PrintError(std::string_view message);
 /// The same with "PATH: what is wrong" as the message. Returns the exit status.
 int PrintError(const std::string& path, const LabError& error);
 
+/// The same of an error whose message is complete.
+int PrintError(const LabError& error);
+
 /// Prints a whole result on standard output. Returns the exit status: LabStatus::Done, or
 /// LabStatus::OutputLost after a line on standard error when it could not be written.
 int PrintResult(std::string_view text);

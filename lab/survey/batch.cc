@@ -84,10 +84,7 @@ int RunBatch(const BatchOptions& options, const BatchWork& work, Console& consol
   });
   progress.Clear();
   if (console.OutputError() != 0) return FinishOutput(console);
-  if (failure) {
-    PrintError(failure->error.message);
-    return failure->status;
-  }
+  if (failure) return PrintError(*failure);
   if (summary != nullptr) *summary = {rows, selection.Count(), selection.NamesHash()};
   if (selection.Count() > 0) return LabStatus::Done;
   PrintError("there is no recording in what is selected");

@@ -12,11 +12,6 @@ namespace {
 constexpr std::array<std::string_view, 5> OutcomeNames = {"plan", "no plan", "bypassed", "refused",
                                                           "abnormal end"};
 
-template <typename Value>
-Json OrNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
 Json MatchToJson(const SurveyMatch& match) {
   return {{"type", match.type},
           {"rid", match.rid},

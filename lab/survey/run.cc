@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "lab/support/tool_run.h"
 #include "lab/survey/short_text.h"
 #include "platform/file_system.h"
 #include "registry/board_identity.h"
@@ -63,30 +62,22 @@ std::optional<LabError> FillRow(const ToolRun& run, const Options& options, Surv
   return std::nullopt;
 }
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
-Result<SurveyRow, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return SurveyRow{.file = path,
-                   .outcome = Outcome::Refused,
-                   .computerClass = ComputerClass::Refused,
-                   .status = error.status,
-                   .reason = Describe(error.error)};
-}
-
 }  // namespace
 
 Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& options,
                                            std::size_t maxSize) {
-  const auto& path = selected.path;
   const auto recording = LoadSelected(selected, maxSize);
-  if (!recording) return Refused(path, recording.Error());
-  RecordedRegistry registry(*recording);
-  const auto board = ReadBoardIdentity(registry);
+  if (!recording) return RefusedRow(selected.path, recording.Error());
   const auto run = RunTool(*recording, options, KeptOutput::Counts);
+  return SurveyRun(selected.path, *recording, run, options);
+}
+
+Result<SurveyRow, LabError> SurveyRun(const std::string& path, const Recording& recording,
+                                      const ToolRun& run, const Options& options) {
   if (auto failure = ConfigurationFailure(run, options)) return *std::move(failure);
-  auto [computerClass, miss] = Classify(run, *recording, options);
+  RecordedRegistry registry(recording);
+  const auto board = ReadBoardIdentity(registry);
+  auto [computerClass, miss] = Classify(run, recording, options);
   SurveyRow row{.file = path,
                 .outcome = OutcomeOf(run.result),
                 .computerClass = computerClass,
@@ -99,6 +90,15 @@ Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& opt
   }
   if (auto failure = FillRow(run, options, row)) return *std::move(failure);
   return row;
+}
+
+Result<SurveyRow, LabError> RefusedRow(const std::string& path, const LabError& error) {
+  SurveyRow row{.file = path,
+                .outcome = Outcome::Refused,
+                .computerClass = ComputerClass::Refused,
+                .status = error.status,
+                .reason = Describe(error.error)};
+  return RefusedUnlessLacking(path, error, std::move(row));
 }
 
 }  // namespace fernwick::lab

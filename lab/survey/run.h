@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "driver/options.h"
 #include "lab/support/messages.h"
+#include "lab/support/tool_run.h"
 #include "lab/survey/row.h"
 #include "lab/survey/selection.h"
 #include "value/result.h"
@@ -19,5 +21,12 @@ inline constexpr char AbnormalEndName[] = "SIGABRT";
 /// May be called on any thread.
 Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& options,
                                            std::size_t maxSize);
+
+/// The same of a recording that was loaded, and of the tool's run over it with these options.
+Result<SurveyRow, LabError> SurveyRun(const std::string& path, const Recording& recording,
+                                      const ToolRun& run, const Options& options);
+
+/// The row of a recording that could not be loaded; fails as SurveyComputer.
+Result<SurveyRow, LabError> RefusedRow(const std::string& path, const LabError& error);
 
 }  // namespace fernwick::lab

@@ -36,4 +36,13 @@ LabError ErrorOf(const Selected& selected);
 /// selection. The bytes of a member are moved out of `selected`.
 Result<Recording, LabError> LoadSelected(Selected& selected, std::size_t maxSize = MaxFileSize);
 
+/// What a verb has of a recording that could not be loaded: the row `refusal`, or an error, whose
+/// message begins with the path, where only memory or descriptors were lacking.
+template <typename Row>
+Result<Row, LabError> RefusedUnlessLacking(const std::string& path, const LabError& error,
+                                           Row refusal) {
+  if (error.status != LabStatus::OutOfMemory) return refusal;
+  return LabError{{path + ": " + error.error.message}, error.status};
+}
+
 }  // namespace fernwick::lab

@@ -61,12 +61,8 @@ struct SurveyOptions {
 
 std::vector<Argument> Arguments(SurveyOptions& options) {
   return {
-      {.name = "-p,--payload",
-       .target = &options.payload,
-       .help = "the payload directory",
-       .least = 1,
-       .valueName = "PAYLOAD"},
-      {.name = "--bypassVersion", .target = &options.bypassVersion, .help = "as the tool's own"},
+      PayloadArgument(options.payload),
+      BypassVersionArgument(options.bypassVersion),
       {.name = "--format",
        .target = &options.output.format,
        .help = "table, ndjson, csv or junit",

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include "lab/support/command_line.h"
 #include "lab/support/messages.h"
 #include "lab/support/output_file.h"
 #include "lab/support/words.h"
@@ -13,16 +14,16 @@
 namespace fernwick::lab {
 namespace {
 
-// Reads "refused,blocked". Returns the word that is not one of them; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list, std::vector<ComputerClass>& classes) {
-  for (;;) {
-    const auto word = list.substr(0, list.find(','));
+// Reads "refused,blocked". Returns what is wrong with a word; empty when all are classes.
+std::string ParseFailOn(std::string_view list, std::vector<ComputerClass>& classes) {
+  for (const auto word : WordsOf(list)) {
     const auto meant = ClassesOfWord(word);
-    if (meant.empty()) return std::string(word);
+    if (meant.empty()) {
+      return "--fail-on: \"" + std::string(word) + "\" is not one of " + ClassWords();
+    }
     classes.insert(classes.end(), meant.begin(), meant.end());
-    if (word.size() == list.size()) return std::nullopt;
-    list.remove_prefix(word.size() + 1);
   }
+  return "";
 }
 
 std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOutput& output, Console& console) {
@@ -65,9 +66,10 @@ int Print(const SurveyOutput& output, SurveyExpectation* expectation,
 }  // namespace
 
 std::string CheckSurveyOutput(SurveyOutput& output) {
-  const auto word =
-      output.failOnList ? ParseFailOn(*output.failOnList, output.failOn) : std::nullopt;
-  if (word) return "--fail-on: \"" + *word + "\" is not one of " + ClassWords();
+  if (output.failOnList) {
+    const auto error = ParseFailOn(*output.failOnList, output.failOn);
+    if (!error.empty()) return error;
+  }
   if (!output.updates) return "";
   if (!output.expectation) return "--update needs --expect FILE";
   return output.expectation == "-" ? "--update needs a file, not standard input" : "";

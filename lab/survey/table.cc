@@ -7,6 +7,7 @@
 #include "lab/support/messages.h"
 #include "lab/survey/format.h"
 #include "lab/survey/text.h"
+#include "value/unicode/utf8.h"
 
 namespace fernwick::lab {
 namespace {
@@ -22,11 +23,6 @@ constexpr std::size_t FirstOfMatch = 5;
 // A line is either cells with a tab before each, or a text across the columns. No text that is safe
 // to show contains a tab.
 constexpr char Separator = '\t';
-
-std::size_t CharacterCount(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
-}
 
 template <typename Value>
 std::string CellOf(const std::optional<Value>& value) {
@@ -153,7 +149,7 @@ class TableFormat : public SurveyFormat {
  private:
   void Widen(const Cells& cells) {
     for (std::size_t i = 0; i < ColumnCount; ++i) {
-      widths_[i] = std::max(widths_[i], std::min(CharacterCount(cells[i]), maxWidth_));
+      widths_[i] = std::max(widths_[i], std::min(CountCharacters(cells[i]), maxWidth_));
     }
   }
 
@@ -161,7 +157,7 @@ class TableFormat : public SurveyFormat {
     std::string line;
     for (std::size_t i = 0; i < ColumnCount; ++i) {
       line += cells[i];
-      line.append(std::max(widths_[i], CharacterCount(cells[i])) + 2 - CharacterCount(cells[i]),
+      line.append(std::max(widths_[i], CountCharacters(cells[i])) + 2 - CountCharacters(cells[i]),
                   ' ');
     }
     line.resize(line.find_last_not_of(' ') + 1);

@@ -4,7 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "lab/support/messages.h"
+#include "driver/bypass_switch.h"
+#include "lab/recordings/entry_path.h"
 #include "registry/board_identity.h"
 
 // An overlay by copy-on-write: an entry that is changed gets a dictionary of its own, whose keys
@@ -13,6 +14,8 @@
 
 namespace fernwick::lab {
 namespace {
+
+constexpr std::string_view OptionsName = "options";
 
 std::vector<RegistryEntry> EntriesNamed(const Recording& recording, std::string_view name) {
   std::vector<RegistryEntry> found;
@@ -75,11 +78,29 @@ void SetProperty(ChangedComputer& computer, RegistryEntry entry, std::string_vie
   computer.SetProperties(entry, std::move(properties));
 }
 
+// A computer without NVRAM variables may lack their entry.
+std::vector<RegistryEntry> FindOrAddEntries(const std::string& text, ChangedComputer& computer) {
+  auto entries = FindEntries(computer.Recorded(), text);
+  const bool isOptions = text == BootOptionsPath || text == OptionsName;
+  if (!entries.empty() || !isOptions || !computer.Recorded().planes.contains(DeviceTreePlane)) {
+    return entries;
+  }
+  return {computer.BootOptions()};
+}
+
+bool IsDataIn(Dictionary properties, std::string_view property) {
+  const auto* recorded = properties.Find(property);
+  return property == BoardIdentifierProperty || (recorded != nullptr && recorded->AsData());
+}
+
 std::optional<Error> Apply(const PropertyChange& change, ChangedComputer& computer) {
-  const auto entries = FindEntries(computer.Recorded(), change.entry);
+  const auto entries = FindOrAddEntries(change.entry, computer);
   if (entries.size() != 1) return NotOneEntry(computer.Recorded(), change.entry, entries);
-  SetProperty(computer, entries.front(), change.property,
-              change.value ? &change.value->value : nullptr);
+  const PropertyValue bytes = Data{change.bytes};
+  const auto* value = change.value ? &change.value->value : nullptr;
+  const bool isData = IsDataIn(computer.Properties(entries.front()), change.property);
+  if (isData && value != nullptr && value->AsString()) value = &bytes;
+  SetProperty(computer, entries.front(), change.property, value);
   return std::nullopt;
 }
 
@@ -102,10 +123,12 @@ void ChangedComputer::SetProperties(RegistryEntry entry, Record properties) {
   recording_.entries[entry - 1].properties = own;
 }
 
-RegistryEntry ChangedComputer::AddBelowRoot(std::string_view plane, std::string_view name) {
-  recording_.entries.push_back({.name = name, .className = {}, .properties = {}});
+RegistryEntry ChangedComputer::BootOptions() {
+  const auto known = RecordedRegistry(recording_).LookupEntryByPath(BootOptionsPath);
+  if (known != 0) return known;
+  recording_.entries.push_back({.name = OptionsName, .className = {}, .properties = {}});
   const auto entry = static_cast<RegistryEntry>(recording_.entries.size());
-  auto& changed = recording_.planes.at(plane);
+  auto& changed = recording_.planes.at(DeviceTreePlane);
   changed.placements.at(changed.root).children.push_back(entry);
   changed.placements[entry].parent = changed.root;
   return entry;
@@ -122,13 +145,7 @@ std::optional<Error> ApplyChanges(const Changes& changes, ChangedComputer& compu
 std::string PathInAnyPlane(const Recording& recording, RegistryEntry entry) {
   auto plane = recording.planes.begin();
   while (!plane->second.placements.contains(entry)) ++plane;
-  std::string path;
-  auto reached = entry;
-  while (reached != plane->second.root) {
-    path.insert(0, "/" + std::string(recording.entries[reached - 1].name));
-    reached = plane->second.placements.at(reached).parent;
-  }
-  return std::string(plane->first) + ":" + (path.empty() ? "/" : path);
+  return EntryPath(recording, plane->first, entry);
 }
 
 }  // namespace fernwick::lab

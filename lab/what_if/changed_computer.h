@@ -29,9 +29,9 @@ class ChangedComputer {
   /// Replaces the entry's properties. What they view must outlive this. REQUIRES: it exists.
   void SetProperties(RegistryEntry entry, Record properties);
 
-  /// Adds an entry without properties as the last child of the root of the plane, and returns it.
-  /// REQUIRES: the plane exists; the name outlives this.
-  RegistryEntry AddBelowRoot(std::string_view plane, std::string_view name);
+  /// The entry of the NVRAM variables. Where there is none, adds it without properties as the last
+  /// child of the root of the device tree. REQUIRES: there is a device tree.
+  RegistryEntry BootOptions();
 
  private:
   Recording recording_;
@@ -39,7 +39,9 @@ class ChangedComputer {
 };
 
 /// Applies the changes of properties and of the board's revision, whose values must outlive the
-/// computer. Returns why one cannot be applied: no entry, or several, have the name or path.
+/// computer. A text for a property that is data, or for the board's identifier, becomes data: its
+/// bytes and a zero byte. The entry of the NVRAM variables is added where there is none. Returns
+/// why a change cannot be applied: no entry, or several, have the name or path.
 std::optional<Error> ApplyChanges(const Changes& changes, ChangedComputer& computer);
 
 /// The path of an entry in the first plane that it is in: "IODeviceTree:/options". REQUIRES: it is

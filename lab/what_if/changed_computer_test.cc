@@ -55,6 +55,16 @@ TEST_F(ComputerToChange, IsAddressedByPathsToo) {
   EXPECT_EQ(revision_, 9);
 }
 
+TEST_F(ComputerToChange, HasTextsAsBytesWhereDataIsRecorded) {
+  EXPECT_EQ(Apply({"hpm0:Data=<00>", "hpm0:Data=text"}),
+            Xml({{"Version", 1}, {"RID", 2}, {"Data", Data{std::string_view("text", 5)}}}));
+  EXPECT_EQ(Apply({"hpm0:Data=<00>", "hpm0:Data=5"}),
+            Xml({{"Version", 1}, {"RID", 2}, {"Data", 5}}));
+  EXPECT_EQ(Apply({"hpm0:Data=<00>", "hpm0:Data="}), Xml({{"Version", 1}, {"RID", 2}}));
+  EXPECT_EQ(Apply({"hpm0:board-id=Zed"}),
+            Xml({{"Version", 1}, {"RID", 2}, {"board-id", Data{std::string_view("Zed", 4)}}}));
+}
+
 TEST_F(ComputerToChange, LacksAnEntry) {
   for (const char* entry :
        {"hpm9", "IOService:/hpm0", "Nowhere:/hpm0", "IOService:/bus/", "IOService://bus"}) {
@@ -90,16 +100,38 @@ TEST(ChangedComputer, WithoutADeviceTreeHasNoRevision) {
             "--board-revision: the computer has no device tree");
 }
 
-TEST(ChangedComputer, GetsAnEntryBelowARoot) {
+TEST(ChangedComputer, GetsTheEntryOfTheVariables) {
+  for (const char* entry : {"options", "IODeviceTree:/options"}) {
+    for (const bool hasTree : {true, false}) {
+      const std::string tree = "<key>IODeviceTree</key><dict/>";
+      auto recording = ReadRecording(
+          "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>" +
+          (hasTree ? tree : "") + "</dict></dict>");
+      ASSERT_TRUE(recording);
+      ChangedComputer changed(*std::move(recording));
+      const auto changes =
+          ParseChanges({.properties = {std::string(entry) + ":a=1"}, .personalities = {}});
+      EXPECT_EQ(ApplyChanges(*changes, changed).has_value(), !hasTree);
+      RecordedRegistry registry(changed.Recorded());
+      const auto options = registry.LookupEntryByPath("IODeviceTree:/options");
+      EXPECT_EQ(options != 0, hasTree);
+      if (!hasTree) continue;
+      EXPECT_EQ(registry.GetProperty(options, "a"), PropertyValue(1));
+    }
+  }
+}
+
+TEST(ChangedComputer, GetsAnEntryOfNvramVariablesOnce) {
   const testing::Computer computer;
   ChangedComputer changed(testing::RecordingOf(testing::ContentOf(computer.Recorded())));
-  const auto entry = changed.AddBelowRoot("IODeviceTree", "more");
+  const auto entry = changed.BootOptions();
   changed.SetProperties(entry, {{"a", 1}});
   ChangedComputer moved(std::move(changed));
+  EXPECT_EQ(moved.BootOptions(), entry);
   RecordedRegistry registry(moved.Recorded());
-  EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/more"), entry);
+  EXPECT_EQ(registry.LookupEntryByPath("IODeviceTree:/options"), entry);
   EXPECT_EQ(registry.GetProperty(entry, "a"), PropertyValue(1));
-  EXPECT_EQ(PathInAnyPlane(moved.Recorded(), entry), "IODeviceTree:/more");
+  EXPECT_EQ(PathInAnyPlane(moved.Recorded(), entry), "IODeviceTree:/options");
   EXPECT_EQ(PathInAnyPlane(moved.Recorded(), computer.Services()), "IOService:/");
 }
 

@@ -32,8 +32,11 @@ Error NoSuchPersonality(const PersonalityChange& change, const std::string& why)
 }
 
 // The configuration with one change.
-Result<PropertyValue> Apply(const PersonalityChange& change, const PropertyValue& value,
-                            Arena& arena) {
+Result<PropertyValue> Apply(const PersonalityChange& change, const std::string& board,
+                            const PropertyValue& value, Arena& arena) {
+  if (!change.board.empty() && change.board != board) {
+    return NoSuchPersonality(change, "the board is " + PrintableText(board));
+  }
   const auto topLevel = value.AsDictionary();
   const auto* of = topLevel ? topLevel->Find(change.type) : nullptr;
   if (of == nullptr) return NoSuchPersonality(change, "the configuration lacks the type");
@@ -61,30 +64,48 @@ const ChangedConfigurations::Document* ChangedConfigurations::FindDocument(
   return known == documents_.end() ? nullptr : &known->second;
 }
 
-Result<ChangedConfigurations::Document> ChangedConfigurations::Change(PropertyList list) const {
+// Applies what can be applied; `fault` becomes why the first other change cannot be.
+ChangedConfigurations::Document ChangedConfigurations::Change(PropertyList list,
+                                                              const std::string& board,
+                                                              std::optional<Error>& fault) const {
   Document document = {.list = std::move(list)};
   document.value = document.list.value;
   for (const auto& change : changes_.personalities) {
-    const auto changed = Apply(change, document.value, document.arena);
-    if (!changed) return changed.Error();
-    document.value = *changed;
+    const auto changed = Apply(change, board, document.value, document.arena);
+    document.applied.push_back(static_cast<bool>(changed));
+    if (changed) document.value = *changed;
+    if (!changed && !fault) fault = changed.Error();
   }
   return document;
 }
 
 ConfigurationLoader ChangedConfigurations::Loader(std::optional<Error>& refusal) {
-  return [&](const std::optional<std::string>& boardIdString,
-             const std::optional<std::string>& personalitiesDirectory,
-             Console& console) -> Result<PropertyList> {
+  return LoaderFor(&refusal, nullptr);
+}
+
+ConfigurationLoader ChangedConfigurations::Loader(std::vector<bool>& applied) {
+  return LoaderFor(nullptr, &applied);
+}
+
+ConfigurationLoader ChangedConfigurations::LoaderFor(std::optional<Error>* refusal,
+                                                     std::vector<bool>* applied) {
+  return [this, refusal, applied](const std::optional<std::string>& boardIdString,
+                                  const std::optional<std::string>& personalitiesDirectory,
+                                  Console& console) -> Result<PropertyList> {
     const auto path = ConfigurationPath(boardIdString, personalitiesDirectory).value_or("");
-    if (const auto* known = FindDocument(path)) return PropertyList{{}, known->value};
-    auto loaded = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
-    if (!loaded) return loaded;
-    auto changed = Change(*std::move(loaded));
-    if (!changed) return refusal.emplace(changed.Error());
-    const std::lock_guard lock(mutex_);
-    const auto& kept = documents_.try_emplace(path, *std::move(changed)).first->second;
-    return PropertyList{{}, kept.value};
+    const auto* document = FindDocument(path);
+    if (document == nullptr) {
+      auto loaded = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+      if (!loaded) return loaded;
+      // Without a board there would have been no path.
+      std::optional<Error> fault;
+      auto changed = Change(*std::move(loaded), *boardIdString, fault);
+      if (refusal != nullptr && fault) return refusal->emplace(*std::move(fault));
+      const std::lock_guard lock(mutex_);
+      document = &documents_.try_emplace(path, std::move(changed)).first->second;
+    }
+    if (applied != nullptr) *applied = document->applied;
+    return PropertyList{{}, document->value};
   };
 }
 

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "lab/support/configuration_file.h"
 #include "lab/support/messages.h"
@@ -21,10 +22,14 @@ class ChangedConfigurations {
   /// REQUIRES: the changes outlive this and all that its loaders return.
   explicit ChangedConfigurations(const Changes& changes) : changes_(changes) {}
 
-  /// What a run loads configurations with. They view this object. Where the changes cannot be
-  /// applied, since there is no such type or personality, the run has no configuration, and
-  /// `refusal` is why.
+  /// What a run loads configurations with. They view this object. Where a change cannot be applied,
+  /// since it is for another board or there is no such type or personality, the run has no
+  /// configuration, and `refusal` is why.
   ConfigurationLoader Loader(std::optional<Error>& refusal);
+
+  /// The same for many computers: a change that cannot be applied is left out. `applied` becomes
+  /// those of the configuration, by their index among the changes of personalities.
+  ConfigurationLoader Loader(std::vector<bool>& applied);
 
   /// The same file with the locations of its values, without the changes; null when it can no
   /// longer be read. An error, whose message begins with the path, for lack of memory or
@@ -36,10 +41,12 @@ class ChangedConfigurations {
     PropertyList list;  // as it was read
     Arena arena = {};   // of what is changed
     PropertyValue value = {};
+    std::vector<bool> applied = {};  // the changes, by their index
   };
 
   const Document* FindDocument(const std::string& path);
-  Result<Document> Change(PropertyList list) const;
+  ConfigurationLoader LoaderFor(std::optional<Error>* refusal, std::vector<bool>* applied);
+  Document Change(PropertyList list, const std::string& board, std::optional<Error>& fault) const;
 
   const Changes& changes_;
   std::mutex mutex_;

@@ -74,6 +74,27 @@ TEST_F(ConfigurationToChange, LacksThePersonality) {
             head + "1 of USBC: the configuration lacks the type");
 }
 
+TEST_F(ConfigurationToChange, IsOfTheBoardThatAChangeNames) {
+  EXPECT_EQ(LoadChanged({"Zed-8/USBC:1:Version=9"}),
+            "--personality: there is no personality 1 of USBC: the board is Zed-42");
+  EXPECT_NE(LoadChanged({"Zed-42/USBC:1:Version=9"}).find("<integer>9<"), std::string::npos);
+}
+
+TEST_F(ConfigurationToChange, HasTheChangesThatItCanHave) {
+  const auto changes = ParseChanges(
+      {.properties = {},
+       .personalities = {"USBC:4:Version=9", "USBC:1:Version=9", "Zed-8/USBC:1:Version=10"}});
+  ChangedConfigurations configurations(*changes);
+  for (int run = 0; run < 2; ++run) {
+    std::vector<bool> applied;
+    testing::TestConsole console;
+    const auto loaded = configurations.Loader(applied)("Zed-42", directory_.Path() + "/", console);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(WriteXmlPropertyList(loaded->value), LoadChanged({"USBC:1:Version=9"}));
+    EXPECT_EQ(applied, (std::vector<bool>{false, true, false}));
+  }
+}
+
 TEST_F(ConfigurationToChange, IsReadOnce) {
   const Changes changes;
   ChangedConfigurations configurations(changes);

@@ -10,20 +10,27 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr char PropertyForm[] = "ENTRY:PROPERTY=VALUE";
-constexpr char PersonalityForm[] = "TYPE:N:KEY=VALUE";
+constexpr std::string_view PropertyOption = "--set";
+constexpr std::string_view RevisionOption = "--board-revision";
 
-Error FormError(const char* option, std::string_view text, const char* form) {
-  return {.message =
-              std::string(option) + " " + std::string(text) + ": it is not of the form " + form};
+constexpr char PropertyForm[] = "ENTRY:PROPERTY=VALUE";
+constexpr char PersonalityForm[] = "[BOARD/]TYPE:N:KEY=VALUE";
+
+// An option with its argument, as in a command line.
+std::string TextOf(std::string_view option, std::string_view argument) {
+  return std::string(option).append(" ").append(argument);
 }
 
-Error In(const char* option, const Error& error) {
-  return {.message = std::string(option) + " " + error.message};
+Error In(std::string_view option, const Error& error) {
+  return {.message = TextOf(option, error.message)};
+}
+
+Error FormError(std::string_view option, std::string_view text, const char* form) {
+  return {.message = TextOf(option, text) + ": it is not of the form " + form};
 }
 
 // Reads the value after the "=", and checks the names before it. `option` is for messages.
-Result<std::optional<PropertyList>> ReadValue(const char* option, std::string_view text,
+Result<std::optional<PropertyList>> ReadValue(std::string_view option, std::string_view text,
                                               std::initializer_list<std::string_view> names) {
   for (const auto name : names) {
     if (const auto fault = TextFault(name)) return In(option, *fault);
@@ -40,13 +47,16 @@ Result<PropertyChange> ParseProperty(std::string_view text) {
   const auto colon = text.substr(0, equals).rfind(':');
   if (equals == text.size() || colon == std::string_view::npos || colon == 0 ||
       colon + 1 == equals) {
-    return FormError("--set", text, PropertyForm);
+    return FormError(PropertyOption, text, PropertyForm);
   }
   const auto entry = text.substr(0, colon);
   const auto property = text.substr(colon + 1, equals - colon - 1);
-  auto value = ReadValue("--set", text.substr(equals + 1), {entry, property});
+  auto value = ReadValue(PropertyOption, text.substr(equals + 1), {entry, property});
   if (!value) return value.Error();
-  return PropertyChange{std::string(entry), std::string(property), *std::move(value)};
+  PropertyChange change = {std::string(entry), std::string(property), *std::move(value)};
+  const auto string = change.value ? change.value->value.AsString() : std::nullopt;
+  if (string) change.bytes = std::string(*string) + '\0';
+  return change;
 }
 
 // 0 when it is no number from 1 on; of more digits than any configuration has personalities, too.
@@ -71,31 +81,42 @@ Result<PersonalityChange> ParsePersonality(std::string_view text) {
   const auto first = std::min(head.find(':'), equals);
   const auto second = std::min(head.find(':', first + 1), equals);
   if (equals == text.size() || second == equals || second + 1 == equals) {
-    return FormError("--personality", text, PersonalityForm);
+    return FormError(PersonalityOption, text, PersonalityForm);
   }
-  const auto type = head.substr(0, first);
+  const auto named = head.substr(0, first);
+  const auto slash = named.rfind('/');
+  const auto board = slash == std::string_view::npos ? std::string_view() : named.substr(0, slash);
+  const auto type = slash == std::string_view::npos ? named : named.substr(slash + 1);
   const auto key = head.substr(second + 1);
   const auto number = ParseNumber(head.substr(first + 1, second - first - 1));
   if (TypeNamed(type) == Types::None) {
-    return Error{.message = "--personality " + std::string(text) + ": \"" + std::string(type) +
-                            "\" is not one of " + TypeNames()};
+    return In(PersonalityOption, {.message = std::string(text) + ": \"" + std::string(type) +
+                                             "\" is not one of " + TypeNames()});
   }
-  if (number == 0) return FormError("--personality", text, PersonalityForm);
-  auto value = ReadValue("--personality", text.substr(equals + 1), {key});
+  if (number == 0) return FormError(PersonalityOption, text, PersonalityForm);
+  auto value = ReadValue(PersonalityOption, text.substr(equals + 1), {key});
   if (!value) return value.Error();
-  return PersonalityChange{std::string(type), number, std::string(key), *std::move(value)};
+  return PersonalityChange{std::string(board), std::string(type), number, std::string(key),
+                           *std::move(value)};
 }
 
 }  // namespace
 
 const char WhatIfHelp[] =
     "An ENTRY is the name of an entry of the registry or its path, \"IOService:/bridge0/hpm0\". N "
-    "is the\nnumber of a personality, from 1. A VALUE is a number (5, 0x1F, 41.05), true or false, "
-    "\"a text\",\ndata as <5a65>, a list as (1, 2), an element of XML, or any other text, which is "
-    "itself; without\na VALUE after the = what is there is removed.\n";
+    "is the\nnumber of a personality, from 1; with a BOARD and a slash before the TYPE that of one "
+    "board alone.\nA VALUE is a number (5, 0x1F, 41.05), true or false, \"a text\", data as "
+    "<5a65>, "
+    "a list as (1, 2), an\nelement of XML, or any other text, which is itself; without a VALUE "
+    "after "
+    "the = what is there is\nremoved. A text for what is recorded as data, and for board-id, "
+    "becomes "
+    "data with a zero byte at its\nend. These cannot be named: an ENTRY with = or :/ in its name, "
+    "a "
+    "PROPERTY with : or =, a KEY with =.\n";
 
 void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
-  line.arguments.push_back({.name = "--set",
+  line.arguments.push_back({.name = std::string(PropertyOption),
                             .target = &arguments.properties,
                             .help = "change a property of the recording first; may be repeated",
                             .valueName = PropertyForm});
@@ -103,16 +124,31 @@ void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
                             .target = &arguments.personalities,
                             .help = "change a key of a personality first; may be repeated",
                             .valueName = PersonalityForm});
-  line.arguments.push_back({.name = "--board-revision",
+  line.arguments.push_back({.name = std::string(RevisionOption),
                             .target = BoundedNumber{&arguments.boardRevision, 0, 255},
                             .help = "change the board's revision first",
                             .valueName = "N"});
 }
 
-bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key) const {
+bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key,
+                     std::string_view board) const {
   return std::ranges::any_of(personalities, [&](const PersonalityChange& change) {
-    return change.type == type && change.number == number && change.key == key && change.value;
+    const bool isOfBoard = board.empty() || change.board.empty() || change.board == board;
+    return isOfBoard && change.type == type && change.number == number && change.key == key &&
+           change.value;
   });
+}
+
+std::vector<std::string> Changes::TextsOf(const std::vector<bool>& applied) const {
+  std::vector<std::string> of;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const bool isOfPersonality =
+        i >= properties.size() && i < properties.size() + personalities.size();
+    const auto index = i - properties.size();
+    const bool isApplied = !isOfPersonality || (index < applied.size() && applied[index]);
+    if (isApplied) of.push_back(texts[i]);
+  }
+  return of;
 }
 
 Result<Changes> ParseChanges(const WhatIfArguments& arguments) {
@@ -121,17 +157,17 @@ Result<Changes> ParseChanges(const WhatIfArguments& arguments) {
     auto change = ParseProperty(text);
     if (!change) return change.Error();
     changes.properties.push_back(*std::move(change));
-    changes.texts.push_back("--set " + text);
+    changes.texts.push_back(TextOf(PropertyOption, text));
   }
   for (const auto& text : arguments.personalities) {
     auto change = ParsePersonality(text);
     if (!change) return change.Error();
     changes.personalities.push_back(*std::move(change));
-    changes.texts.push_back("--personality " + text);
+    changes.texts.push_back(TextOf(PersonalityOption, text));
   }
   if (arguments.boardRevision == WhatIfArguments::Unchanged) return changes;
   changes.boardRevision = std::string(1, static_cast<char>(arguments.boardRevision));
-  changes.texts.push_back("--board-revision " + std::to_string(arguments.boardRevision));
+  changes.texts.push_back(TextOf(RevisionOption, std::to_string(arguments.boardRevision)));
   return changes;
 }
 

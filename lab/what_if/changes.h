@@ -35,10 +35,12 @@ struct PropertyChange {
   std::string entry;  // its name or its path
   std::string property;
   std::optional<PropertyList> value;
+  std::string bytes = {};  // of a text: with a zero byte after it, as data contains texts
 };
 
 /// A key of a personality that is to be set to a value, or removed (nullopt).
 struct PersonalityChange {
+  std::string board;  // that has it; empty: any
   std::string type;
   std::size_t number;  // of the personality, from 1
   std::string key;
@@ -52,8 +54,14 @@ struct Changes {
   std::optional<std::string> boardRevision = {};  // as "board-rev" contains it: one byte
   std::vector<std::string> texts = {};            // "--set hpm0:Version=0x180", each as written
 
-  /// Whether the key of the personality is set by one of them.
-  bool SetKey(std::string_view type, std::size_t number, std::string_view key) const;
+  /// Those of a computer whose configuration has these changes of personalities, by their index;
+  /// none where `applied` is empty, since there is no configuration.
+  std::vector<std::string> TextsOf(const std::vector<bool>& applied) const;
+
+  /// Whether the key of the personality is set by one of them: of the board's, or, where that is
+  /// empty, of any.
+  bool SetKey(std::string_view type, std::size_t number, std::string_view key,
+              std::string_view board = {}) const;
 };
 
 /// Reads the arguments. Returns what is wrong with the first that cannot be read.

@@ -66,12 +66,35 @@ TEST(ParseChanges, SplitsAPersonality) {
   EXPECT_FALSE(changes->personalities[1].value);
 }
 
+TEST(ParseChanges, ReadsTheBoardBeforeAType) {
+  const auto changes =
+      ParseChanges({.properties = {}, .personalities = {"Zed-1/a/USBC:1:b/c=2", "USBC:1:d/e=2"}});
+  ASSERT_TRUE(changes);
+  EXPECT_EQ(changes->personalities[0].board, "Zed-1/a");
+  EXPECT_EQ(changes->personalities[0].type, "USBC");
+  EXPECT_EQ(changes->personalities[1].board, "");
+  EXPECT_TRUE(changes->SetKey("USBC", 1, "b/c"));
+  EXPECT_TRUE(changes->SetKey("USBC", 1, "b/c", "Zed-1/a"));
+  EXPECT_FALSE(changes->SetKey("USBC", 1, "b/c", "Zed-1"));
+  EXPECT_TRUE(changes->SetKey("USBC", 1, "d/e", "Zed-1"));
+}
+
+TEST(ParseChanges, NamesTheChangesOfAComputer) {
+  const auto changes = ParseChanges(
+      {.properties = {"a:b=1"}, .personalities = {"USBC:1:a=1", "USBC:2:a=1"}, .boardRevision = 3});
+  ASSERT_TRUE(changes);
+  EXPECT_EQ(
+      changes->TextsOf({false, true}),
+      (std::vector<std::string>{"--set a:b=1", "--personality USBC:2:a=1", "--board-revision 3"}));
+  EXPECT_EQ(changes->TextsOf({}), (std::vector<std::string>{"--set a:b=1", "--board-revision 3"}));
+}
+
 TEST(ParseChanges, RefusesAPersonalityOfAnotherForm) {
   for (const char* text :
        {"", "USBC", "USBC:1", "USBC:1:Version", "USBC:Version=1", "USBC=1", "USBC:1:=1",
         "USBC:0:Version=1", "USBC:x:Version=1", "USBC::Version=1", "USBC:1234567890:Version=1"}) {
-    EXPECT_EQ(PersonalityError(text),
-              "--personality " + std::string(text) + ": it is not of the form TYPE:N:KEY=VALUE");
+    EXPECT_EQ(PersonalityError(text), "--personality " + std::string(text) +
+                                          ": it is not of the form [BOARD/]TYPE:N:KEY=VALUE");
   }
   EXPECT_EQ(PersonalityError("usbc:1:Version=1"),
             "--personality usbc:1:Version=1: \"usbc\" is not one of LegacyThunderbolt, "

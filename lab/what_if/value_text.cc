@@ -35,9 +35,16 @@ void SkipSign(std::string_view& text) {
 
 bool IsInteger(std::string_view text) {
   SkipSign(text);
-  const bool isHexadecimal = text.starts_with("0x");
+  const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
   if (isHexadecimal) text.remove_prefix(2);
   return Skip(text, isHexadecimal ? "0123456789abcdefABCDEF" : Digits) > 0 && text.empty();
+}
+
+// As files have hexadecimal integers.
+std::string WithSmallX(std::string_view integer) {
+  std::string text(integer);
+  std::ranges::replace(text, 'X', 'x');
+  return text;
 }
 
 // Not "nan" and "infinity", which are texts like any other.
@@ -78,7 +85,7 @@ Result<PropertyList> Read(std::string bytes, std::string_view written) {
 
 Result<PropertyList> ReadScalar(std::string_view text) {
   if (text == "true" || text == "false") return Read("<" + std::string(text) + "/>", text);
-  if (IsInteger(text)) return Read(Element("integer", text), text);
+  if (IsInteger(text)) return Read(Element("integer", WithSmallX(text)), text);
   if (IsReal(text)) return Read(Element("real", text), text);
   if (text.starts_with('"') || text.starts_with('<')) {
     auto list = Read(std::string(text), text);

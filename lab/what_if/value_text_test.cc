@@ -30,6 +30,7 @@ TEST(ParseValueText, ReadsIntegers) {
   ExpectValue("-5", -5);
   ExpectValue("+5", 5);
   ExpectValue("0x1F", 31);
+  ExpectValue("0X1f", 31);
   ExpectValue("18446744073709551615", 18446744073709551615u);
 }
 
@@ -69,7 +70,7 @@ TEST(ParseValueText, ReadsLists) {
 
 TEST(ParseValueText, ReadsEverythingElseAsItself) {
   for (const char* text : {"5x", "0x", "-", "1.2.3", "1e", "1e+", ".", "nan", "inf", "a\\b",
-                           "a \"b", "(1", "1)", "True", "0X1", "e5", "{a = b;}"}) {
+                           "a \"b", "(1", "1)", "True", "e5", "{a = b;}"}) {
     ExpectValue(text, text);
   }
 }

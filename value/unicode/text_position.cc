@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::size_t MaxExcerptSize = 40;  // bytes
 
-bool IsContinuation(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 // Text without anything that a terminal would act on: white space as blanks, other control
 // characters as octal escapes.
 std::string OnOneLine(std::string_view text) {
@@ -47,8 +43,7 @@ TextPosition PositionAt(std::string_view text, std::size_t offset) {
     lineStart = i + 1;
   }
   const auto line = text.substr(lineStart, offset - lineStart);
-  const auto continuations = std::ranges::count_if(line, IsContinuation);
-  position.column += line.size() - static_cast<std::size_t>(continuations);
+  position.column += CountCharacters(line);
   return position;
 }
 
@@ -59,9 +54,7 @@ Error ErrorAt(std::string_view text, std::size_t offset, std::string message) {
 
 std::string Excerpt(std::string_view text) {
   if (text.size() <= MaxExcerptSize) return OnOneLine(text);
-  std::size_t length = MaxExcerptSize;
-  while (length > 0 && IsContinuation(text[length])) --length;
-  return OnOneLine(text.substr(0, length)) + "...";
+  return OnOneLine(FirstCharacters(text, MaxExcerptSize)) + "...";
 }
 
 }  // namespace fernwick

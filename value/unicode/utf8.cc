@@ -9,10 +9,6 @@
 namespace fernwick {
 namespace {
 
-bool IsContinuation(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
 // The length in bytes of the character beyond ASCII that begins with `lead`; 0 when none does.
 std::size_t SequenceLength(unsigned char lead) {
   if (lead < 0xC2) return 0;  // a continuation, or the start of an overlong form
@@ -84,6 +80,18 @@ char32_t UnitAt(std::string_view bytes, std::size_t at, ByteOrder order) {
 
 }  // namespace
 
+std::size_t CountCharacters(std::string_view text) {
+  const auto continuations = std::ranges::count_if(text, IsContinuation);
+  return text.size() - static_cast<std::size_t>(continuations);
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t maxSize) {
+  if (text.size() <= maxSize) return text;
+  auto size = maxSize;
+  while (size > 0 && IsContinuation(text[size])) --size;
+  return text.substr(0, size);
+}
+
 DecodedCharacter DecodeUtf8(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text.front());
   if (lead < 0x80) return {lead, 1};
@@ -91,9 +99,8 @@ DecodedCharacter DecodeUtf8(std::string_view text) {
   if (length == 0 || text.size() < length) return {0, 0};
   char32_t character = lead & (0x7Fu >> length);
   for (std::size_t i = 1; i < length; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (!IsContinuation(byte)) return {0, 0};
-    character = character << 6 | (byte & 0x3Fu);
+    if (!IsContinuation(text[i])) return {0, 0};
+    character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
   }
   if (IsOverlong(character, length) || IsSurrogate(character) || character > 0x10FFFF) {
     return {0, 0};

@@ -19,6 +19,18 @@ struct DecodedCharacter {
   std::size_t length;  // bytes
 };
 
+/// Whether the byte is not the first of its character.
+constexpr bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// The number of characters in well-formed UTF-8.
+std::size_t CountCharacters(std::string_view text);
+
+/// The first bytes of a text, at most so many, up to the start of a character. That is none where
+/// so many bytes only continue characters, which is not UTF-8.
+std::string_view FirstCharacters(std::string_view text, std::size_t maxSize);
+
 /// Decodes the first character of `text`. REQUIRES: `text` is not empty.
 DecodedCharacter DecodeUtf8(std::string_view text);
 

@@ -203,6 +203,20 @@ struct TranscodedRow {
   std::size_t invalidAt;
 };
 
+TEST(Utf8, CountsCharacters) {
+  EXPECT_EQ(CountCharacters(""), 0u);
+  EXPECT_EQ(CountCharacters("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z"), 5u);
+}
+
+TEST(Utf8, EndsShortenedTextsBeforeACharacter) {
+  const std::string_view text = "a\xC3\xA4\xE2\x82\xAC";
+  const std::size_t sizes[] = {0, 1, 1, 3, 3, 3, 6, 6};
+  for (std::size_t i = 0; i < std::size(sizes); ++i) {
+    EXPECT_EQ(FirstCharacters(text, i), text.substr(0, sizes[i])) << i;
+  }
+  EXPECT_EQ(FirstCharacters("\x80\x80\x80\x80\x80", 4), "");
+}
+
 const TranscodedRow TranscodedRows[] = {
     {"", "", npos},
     {{"\0a\0b", 4}, "ab", npos},

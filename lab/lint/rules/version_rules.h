@@ -67,8 +67,9 @@ inline constexpr LintRule UnreportableVersion = {
     "no controller reports this \"Version\", so the update never settles",
     "An update is planned as long as \"Version\" is above the installed version. A Thunderbolt "
     "controller reports two decimals, up to .63; a port without a Thunderbolt controller above it "
-    "(every port at an address other than 0) reports a whole number. Whatever else is written is "
-    "above what the image reports once it is installed, so it is installed again at every start.",
+    "(every port at an address other than 0) reports a whole number; either has at most eight "
+    "digits before the decimals. Whatever else is written is above what the image reports once it "
+    "is installed, so it is installed again at every start.",
     "Write the version that the controller reports with the image.",
     "<key>Version</key><real>41.7</real>",
     "<key>Version</key><real>41.07</real>",

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "lab/support/tool_run.h"
 #include "lab/survey/coverage/coverage_counts.h"
 #include "lab/survey/coverage/payload_boards.h"
 #include "personality/configuration.h"
@@ -75,10 +74,14 @@ Result<CoveredRecording, LabError> CoveredPayload::Cover(Selected selected) {
   const auto recording = LoadSelected(selected);
   if (!recording) return RefusedRecording(selected.path, recording.Error());
   const auto run = RunTool(*recording, options_, KeptOutput::Counts);
-  if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);
-  const auto use = UseOf(run);
+  const auto use = Count(run);
   if (!use) return use.Error();
   return CoveredRecording{*use};
+}
+
+Result<RecordingUse, LabError> CoveredPayload::Count(const ToolRun& run) {
+  if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);
+  return UseOf(run);
 }
 
 Json CoveredPayload::Counts() const {

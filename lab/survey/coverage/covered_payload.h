@@ -9,6 +9,7 @@
 #include "driver/options.h"
 #include "lab/support/json_values.h"
 #include "lab/support/messages.h"
+#include "lab/support/tool_run.h"
 #include "lab/survey/coverage/coverage_format.h"
 #include "lab/survey/selection.h"
 #include "value/result.h"
@@ -33,6 +34,9 @@ class CoveredPayload {
   /// the computer's run says nothing for lack of permission, memory or descriptors, and where the
   /// configuration of its board was replaced by another since it was last read.
   Result<CoveredRecording, LabError> Cover(Selected selected);
+
+  /// The same of a recording that was loaded: counts the pairs of the tool's run over it.
+  Result<RecordingUse, LabError> Count(const ToolRun& run);
 
   /// The counts of the boards that have any, to be added elsewhere.
   Json Counts() const;

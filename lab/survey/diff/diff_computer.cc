@@ -5,7 +5,6 @@
 #include <string>
 #include <utility>
 
-#include "lab/support/tool_run.h"
 #include "lab/survey/diff/payload_diff.h"
 #include "lab/survey/run.h"
 #include "registry/board_identity.h"
@@ -26,12 +25,9 @@ void CompareRuns(const ToolRun& before, const ToolRun& after, DiffRow& row) {
   }
 }
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
 Result<ComparedComputer, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return ComparedComputer{{.file = path, .refusal = Describe(error.error)}, error.status};
+  ComparedComputer computer{{.file = path, .refusal = Describe(error.error)}, error.status};
+  return RefusedUnlessLacking(path, error, std::move(computer));
 }
 
 // Both payloads say the same of the computer, for a reason that is no decision.
@@ -48,16 +44,23 @@ void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
 
 Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payloads& payloads,
                                                 PayloadFiles& files) {
-  const auto& path = selected.path;
   const auto recording = LoadSelected(selected);
-  if (!recording) return Refused(path, recording.Error());
-  RecordedRegistry registry(*recording);
+  if (!recording) return Refused(selected.path, recording.Error());
+  const auto before = RunTool(*recording, payloads.before, KeptOutput::Counts);
+  const auto after = RunTool(*recording, payloads.after, KeptOutput::Counts);
+  auto row = DiffRuns(selected.path, *recording, before, after, payloads, files);
+  if (!row) return row.Error();
+  return ComparedComputer{*std::move(row)};
+}
+
+Result<DiffRow, LabError> DiffRuns(const std::string& path, const Recording& recording,
+                                   const ToolRun& before, const ToolRun& after,
+                                   const Payloads& payloads, PayloadFiles& files) {
+  if (auto failure = ConfigurationFailure(before, payloads.before)) return *std::move(failure);
+  if (auto failure = ConfigurationFailure(after, payloads.after)) return *std::move(failure);
+  RecordedRegistry registry(recording);
   const auto board = ReadBoardIdentity(registry);
   DiffRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
-  const auto before = RunTool(*recording, payloads.before, KeptOutput::Counts);
-  if (auto failure = ConfigurationFailure(before, payloads.before)) return *std::move(failure);
-  const auto after = RunTool(*recording, payloads.after, KeptOutput::Counts);
-  if (auto failure = ConfigurationFailure(after, payloads.after)) return *std::move(failure);
   CompareRuns(before, after, row);
   NoteFaults(before, after, row);
   if (!before.result.fault && !after.result.fault) {
@@ -65,7 +68,7 @@ Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payload
     if (!changes) return changes.Error();
     std::ranges::move(*changes, std::back_inserter(row.changes));
   }
-  return ComparedComputer{std::move(row)};
+  return row;
 }
 
 }  // namespace fernwick::lab

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <string>
+
 #include "driver/options.h"
 #include "lab/support/messages.h"
+#include "lab/support/tool_run.h"
 #include "lab/survey/diff/diff_row.h"
 #include "lab/survey/diff/file_changes.h"
 #include "lab/survey/selected.h"
@@ -26,5 +29,10 @@ struct ComparedComputer {
 /// be called on any thread.
 Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payloads& payloads,
                                                 PayloadFiles& files);
+
+/// The same of a recording that was loaded, and of the tool's runs over it.
+Result<DiffRow, LabError> DiffRuns(const std::string& path, const Recording& recording,
+                                   const ToolRun& before, const ToolRun& after,
+                                   const Payloads& payloads, PayloadFiles& files);
 
 }  // namespace fernwick::lab

@@ -8,10 +8,6 @@
 namespace fernwick::lab {
 namespace {
 
-Json TextOrNull(const std::string& text) {
-  return text.empty() ? Json(nullptr) : Json(text);
-}
-
 // The values before and after. Of a match that is gained or lost the one side that has a value; of
 // an image or a version that one side lacks both.
 std::string SidesText(const DiffChange& change) {

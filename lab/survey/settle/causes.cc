@@ -4,8 +4,6 @@
 #include <set>
 #include <utility>
 
-#include "personality/requirements.h"
-
 // One pass over the matches of the plans that repeat, which collects what sets the version of each
 // controller, and one that classifies them. O(m log m) for m matches.
 
@@ -30,14 +28,14 @@ void AddSetter(const Flash& flash, SettersByController& setters) {
 
 Repetition Classify(const Flash& flash, const SettersByController& setters) {
   using enum RepetitionCause;
+  // With the check only what is newer matches.
+  if (!IsOlder(flash.compared, flash.offered)) return {VersionUnchecked, &flash};
   if (flash.comparesVersionAbove) return {ComparesVersionAbove, &flash};
   const auto known = setters.find(flash.changed);
-  if (known != setters.end() && known->second.other != nullptr) {
+  if (known->second.other != nullptr) {
     return {Undone, known->second.first, known->second.other};
   }
-  // What is not newer than what it stores itself matches only while the check is bypassed.
-  const bool isLess = flash.isStored && NumberGreater(*flash.offered, *flash.after);
-  return {isLess ? NotStorable : VersionUnchecked, &flash};
+  return {NotStorable, &flash};
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ enum class RepetitionCause {
   Undone,                // another personality sets the controller to another version
   ComparesVersionAbove,  // a port's firmware does not change the version of the controller above it
   NotStorable,           // the controller stores less than what is offered
-  VersionUnchecked,      // the version check is bypassed, so that any version matches
+  VersionUnchecked,      // what is not newer matches, since the version check is bypassed
 };
 
 /// A match that is planned again and again, and why.

@@ -30,16 +30,17 @@ std::string Footer() {
          "\nA computer is settled after as many runs as planned something. It is stuck when it is "
          "settled\nbelow a version of a personality that is for its controllers. It never settles "
          "when a state comes\nback, and is undecided after 1,000 runs, or after 4 or more that "
-         "tested more than 200,000 pairs\nof a controller and a personality. The other outcomes "
-         "are no plan (there is no configuration for\nthe board, or a match names no image), "
-         "bypassed, refused and abnormal end. The totals follow\nthe text, and are on standard "
-         "error for ndjson.\n\n"
+         "tested more than 20,000,000\npairs of a controller and a personality (200,000 where the "
+         "version check is bypassed). The other\noutcomes are no plan (there is no configuration "
+         "for the board, or a match names no image),\nbypassed, refused and abnormal end. The "
+         "totals follow the text, and are on standard error for\nndjson.\n\n"
          "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line "
-         "is\nrefused or cannot be read; 1 when a computer never settles or is undecided, or when "
-         "there is an\noutcome of --fail-on; otherwise 0.\n\n"
+         "is\nrefused or cannot be read; 1 when a computer never settles or is undecided, when a "
+         "plan bypasses\nfurther updates or makes the tool end abnormally, or when there is an "
+         "outcome of --fail-on;\notherwise 0.\n\n"
          "Example:\n"
          "  fernwick-lab settle -p payload computers/\n"
-         "  fernwick-lab settle -p payload --personality USBC:2:Version=180 computers/\n";
+         "  fernwick-lab settle -p payload --personality LegacyUSBC:1:Version=180 computers/\n";
 }
 
 struct SettleArguments {
@@ -58,14 +59,8 @@ CommandLine CommandLineOf(SettleArguments& into) {
       .description = Description,
       .footer = Footer(),
       .arguments = {
-          {.name = "-p,--payload",
-           .target = &into.payload,
-           .help = "the payload directory",
-           .least = 1,
-           .valueName = "PAYLOAD"},
-          {.name = "--bypassVersion",
-           .target = &into.bypassVersion,
-           .help = "as the tool's own, in every run"},
+          PayloadArgument(into.payload),
+          BypassVersionArgument(into.bypassVersion, "as the tool's own, in every run"),
           {.name = "--each", .target = &into.listsSteps, .help = "print every run of a computer"},
           {.name = "--format",
            .target = &into.output.format,
@@ -75,7 +70,8 @@ CommandLine CommandLineOf(SettleArguments& into) {
           {.name = "--json", .target = &into.asJson, .help = "the same as --format ndjson"},
           {.name = "--fail-on",
            .target = &into.output.failOnList,
-           .help = "status 1 on any of these outcomes, too: stuck, refused, abnormal, no-plan",
+           .help = "status 1 on any of these outcomes, too: stuck, refused, abnormal, no-plan, "
+                   "bypassed",
            .valueName = "OUTCOME,..."},
       }};
   AddWhatIfOptions(line, into.whatIf);
@@ -127,8 +123,9 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
     const auto index = selected.index;
     const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
-    SettledComputer computer = {row->outcome, row->runs, row->status, isNamed,
-                                isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
+    SettledComputer computer = {
+        row->outcome, row->runs,    row->status,
+        isNamed,      row->changes, isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
     if (isShard) {
       computer.text = PrintShardRow(index, isNamed, ToJson(*row), {{"text", DescribeRow(*row)}});
     }
@@ -157,6 +154,8 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]) {
   const auto changes = ParseChanges(parsed.whatIf);
   if (!changes) return RefuseUsage(changes.Error().message);
   if (!IsPayload(parsed.payload)) return LabStatus::UnreadableInput;
+  parsed.output.changes = changes->texts;
+  parsed.output.isShard = parsed.batch.limits.shard.has_value();
   return PrintSettled(parsed.output, [&](const AddSettled& add, Console& console) {
     return AddRows(parsed, *changes, add, console);
   });

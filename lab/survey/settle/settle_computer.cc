@@ -14,10 +14,6 @@
 namespace fernwick::lab {
 namespace {
 
-Json ValueOrNull(const std::optional<PropertyValue>& value) {
-  return value ? ToJson(*value) : Json(nullptr);
-}
-
 std::string_view CauseName(RepetitionCause cause) {
   switch (cause) {
     case RepetitionCause::Undone: return "undone";
@@ -52,10 +48,12 @@ class RowWriter {
   void Write(bool listsSteps) {
     row_.outcome = OutcomeOf(settling_.end);
     row_.runs = settling_.steps.size();
+    row_.endedBy = settling_.endedBy;
+    row_.uncheckedBy = settling_.uncheckedBy;
     WriteEnd();
     for (const auto& [entry, isPort, before, after] : settling_.controllers) {
-      row_.controllers.push_back(
-          {PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before), ValueOrNull(after)});
+      row_.controllers.push_back({PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before),
+                                  ValueOrNull(after), IsOlder(after, before)});
     }
     if (settling_.end == SettleEnd::StateComesBack) WriteRepetitions();
     if (listsSteps) WriteSteps();
@@ -96,7 +94,8 @@ class RowWriter {
             PathInAnyPlane(recording_, flash.changed),
             ValueOrNull(flash.offered),
             ValueOrNull(flash.before),
-            ValueOrNull(flash.after)};
+            ValueOrNull(flash.after),
+            IsOlder(flash.after, flash.before)};
   }
 
   void WriteRepetitions() {
@@ -135,27 +134,24 @@ class RowWriter {
   SettleRow& row_;
 };
 
-// What was refused has a row, unless it is refused for lack of memory or descriptors.
 Result<SettleRow, LabError> Refused(const std::string& path, const LabError& error) {
-  if (error.status == LabStatus::OutOfMemory) {
-    return LabError{{path + ": " + error.error.message}, error.status};
-  }
-  return SettleRow{.file = path,
-                   .outcome = SettleOutcome::Refused,
-                   .status = error.status,
-                   .reason = Describe(error.error)};
+  SettleRow row{.file = path,
+                .outcome = SettleOutcome::Refused,
+                .status = error.status,
+                .reason = Describe(error.error)};
+  return RefusedUnlessLacking(path, error, std::move(row));
 }
 
 // The file with the locations is read for those that are stuck alone. Returns why it cannot be.
-std::optional<LabError> FindStuck(const Settling& settling, const SettleWork& work,
-                                  RowWriter& writer) {
-  auto stuck = FindStuckControllers(settling.last);
+std::optional<LabError> FindStuck(const Settling& settling, const Recording& recording,
+                                  const SettleWork& work, RowWriter& writer) {
+  auto stuck = FindStuckControllers(settling.last, recording);
   if (stuck.empty()) return std::nullopt;
-  const auto path = ConfigurationPath(settling.last.result.identity->boardIdString,
-                                      work.options.personalitiesDirectory);
+  const auto& board = settling.last.result.identity->boardIdString;
+  const auto path = ConfigurationPath(board, work.options.personalitiesDirectory);
   const auto located = work.configurations.Located(*path);
   if (!located) return located.Error();
-  for (auto& each : stuck) Locate(each, work.changes, *located);
+  for (auto& each : stuck) Locate(each, *board, work.changes, *located);
   writer.WriteStuck(stuck);
   return std::nullopt;
 }
@@ -163,27 +159,35 @@ std::optional<LabError> FindStuck(const Settling& settling, const SettleWork& wo
 }  // namespace
 
 Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work) {
-  const auto& path = selected.path;
   auto recording = LoadSelected(selected);
-  if (!recording) return Refused(path, recording.Error());
-  ChangedComputer computer(*std::move(recording));
+  if (!recording) return Refused(selected.path, recording.Error());
+  return SettleRecording(selected.path, *std::move(recording), work);
+}
+
+Result<SettleRow, LabError> SettleRecording(const std::string& path, Recording recording,
+                                            const SettleWork& work) {
+  ChangedComputer computer(std::move(recording));
   if (const auto error = ApplyChanges(work.changes, computer)) {
     return Refused(path, {*error, LabStatus::UnreadableInput});
   }
   RecordedRegistry registry(computer.Recorded());
   const auto board = ReadBoardIdentity(registry);
-  std::optional<Error> refusal;
-  const auto load = work.configurations.Loader(refusal);
+  std::vector<bool> applied;
+  const auto load = work.configurations.Loader(applied);
   const auto settling = Settle(computer, {work.options, load, work.listsSteps});
-  if (refusal) return Refused(path, {*refusal, LabStatus::UnreadableInput});
   if (settling.end == SettleEnd::Failure) {
     return *ConfigurationFailure(settling.last, work.options);
   }
-  SettleRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};
+  SettleRow row{.file = path,
+                .board = board.boardIdString,
+                .revision = board.boardRevision,
+                .changes = work.changes.TextsOf(applied)};
   RowWriter writer(computer.Recorded(), settling, row);
   writer.Write(work.listsSteps);
   if (settling.end != SettleEnd::NothingMatches) return row;
-  if (auto failure = FindStuck(settling, work, writer)) return *std::move(failure);
+  if (auto failure = FindStuck(settling, computer.Recorded(), work, writer)) {
+    return *std::move(failure);
+  }
   return row;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "driver/options.h"
 #include "lab/support/messages.h"
 #include "lab/survey/selection.h"
@@ -22,5 +24,9 @@ struct SettleWork {
 /// has a row too; no row says what only a lack of memory, descriptors or permission would make it
 /// say, as SurveyComputer. May be called on any thread.
 Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work);
+
+/// The same of a recording that was loaded.
+Result<SettleRow, LabError> SettleRecording(const std::string& path, Recording recording,
+                                            const SettleWork& work);
 
 }  // namespace fernwick::lab

@@ -2,67 +2,78 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string_view>
 #include <utility>
 
+#include "lab/support/command_line.h"
 #include "lab/support/messages.h"
+#include "lab/support/words.h"
 
 namespace fernwick::lab {
 namespace {
 
 // The outcomes that --fail-on can name.
-constexpr std::array<std::pair<std::string_view, SettleOutcome>, 4> FailingOutcomes = {
+constexpr std::array<std::pair<std::string_view, SettleOutcome>, 5> FailingOutcomes = {
     {{"stuck", SettleOutcome::Stuck},
      {"refused", SettleOutcome::Refused},
      {"abnormal", SettleOutcome::AbnormalEnd},
-     {"no-plan", SettleOutcome::NoPlan}}};
-
-// Reads "stuck,refused". Returns the word that is not an outcome; empty when all are.
-std::optional<std::string> ParseFailOn(std::string_view list,
-                                       std::vector<SettleOutcome>& outcomes) {
-  for (;;) {
-    const auto word = list.substr(0, list.find(','));
-    const auto* const found =
-        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
-    if (found == FailingOutcomes.end()) return std::string(word);
-    outcomes.push_back(found->second);
-    if (word.size() == list.size()) return std::nullopt;
-    list.remove_prefix(word.size() + 1);
-  }
-}
+     {"no-plan", SettleOutcome::NoPlan},
+     {"bypassed", SettleOutcome::Bypassed}}};
 
 int StatusOf(const SettleOutput& output, const SettleTotals& totals, int refusal) {
   if (refusal != LabStatus::Done) return refusal;
   const auto happened = [&](SettleOutcome outcome) { return totals.Count(outcome) > 0; };
-  return std::ranges::any_of(output.failOn, happened) ? 1 : LabStatus::Done;
+  const bool fails = totals.endedByPlans > 0 || std::ranges::any_of(output.failOn, happened);
+  return fails ? 1 : LabStatus::Done;
+}
+
+// What the text begins with.
+std::string Describe(const std::vector<std::string>& changes) {
+  std::string text;
+  for (const auto& change : changes) text += "Changed by " + PrintableText(change) + "\n";
+  return text;
 }
 
 }  // namespace
 
 std::string ReadSettleFailOn(SettleOutput& output) {
-  const auto word =
-      output.failOnList ? ParseFailOn(*output.failOnList, output.failOn) : std::nullopt;
-  if (!word) return "";
-  return "--fail-on: \"" + *word + "\" is not one of stuck, refused, abnormal, no-plan";
+  if (!output.failOnList) return "";
+  for (const auto word : WordsOf(*output.failOnList)) {
+    const auto* const found =
+        std::ranges::find(FailingOutcomes, word, [](const auto& each) { return each.first; });
+    if (found == FailingOutcomes.end()) {
+      return "--fail-on: \"" + std::string(word) +
+             "\" is not one of stuck, refused, abnormal, no-plan, bypassed";
+    }
+    output.failOn.push_back(found->second);
+  }
+  return "";
 }
 
 int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {
   const bool isText = output.format == "text";
   ProcessConsole console;
   SettleTotals totals;
+  std::set<std::string> unapplied(output.changes.begin(), output.changes.end());
+  auto head = isText ? Describe(output.changes) : "";
   int refusal = LabStatus::Done;
   const auto add = [&](const SettledComputer& computer) {
     const bool isRefused = computer.isNamed && computer.outcome == SettleOutcome::Refused;
     if (isRefused && refusal == LabStatus::Done) refusal = computer.status.value();
     totals.Add(computer.outcome, computer.runs);
-    console.Write(computer.text);
+    for (const auto& change : computer.changes) unapplied.erase(change);
+    console.Write(std::exchange(head, "") + computer.text);
   };
   const int status = addAll(add, console);
   if (status != LabStatus::Done) return status;
   if (isText) console.Write(Describe(totals));
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!isText) console.WriteError(Describe(totals));
-  return StatusOf(output, totals, refusal);
+  const bool isComplete = refusal == LabStatus::Done && !output.isShard;
+  if (!isComplete || unapplied.empty()) return StatusOf(output, totals, refusal);
+  PrintError(*unapplied.begin() + ": it applies to no computer");
+  return LabStatus::UnreadableInput;
 }
 
 }  // namespace fernwick::lab

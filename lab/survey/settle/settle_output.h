@@ -16,6 +16,8 @@ struct SettleOutput {
   std::string format = "text";  // or "ndjson"
   std::optional<std::string> failOnList = {};
   std::vector<SettleOutcome> failOn = {SettleOutcome::NeverSettles, SettleOutcome::Undecided};
+  std::vector<std::string> changes = {};  // of the computers before their first run
+  bool isShard = false;                   // of which the computers with a change may be in others
 };
 
 /// Reads the list into what is failed on. Returns what is wrong with it; empty when nothing is.
@@ -27,7 +29,8 @@ struct SettledComputer {
   std::size_t runs = 0;
   std::optional<int> status = {};  // of a refused one that of the lab
   bool isNamed = false;
-  std::string text;  // to print
+  std::vector<std::string> changes = {};  // those that it has
+  std::string text = {};                  // to print
 };
 
 /// Prints a computer and counts it.

@@ -4,28 +4,14 @@
 #include <array>
 #include <utility>
 
+#include "lab/explain/print.h"
+
 namespace fernwick::lab {
 namespace {
 
 constexpr std::array<std::string_view, SettleOutcomeCount> OutcomeNames = {
     "settled", "stuck",    "never settles", "undecided",
     "no plan", "bypassed", "refused",       "abnormal end"};
-
-template <typename Value>
-Json OrNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
-Json TextOrNull(const std::string& text) {
-  return text.empty() ? Json(nullptr) : Json(text);
-}
-
-template <typename Range, typename Convert>
-Json ListOf(const Range& range, Convert convert) {
-  auto list = Json::array();
-  for (const auto& each : range) list.push_back(convert(each));
-  return list;
-}
 
 Json FlashJson(const NamedFlash& flash) {
   return {{"type", flash.type},
@@ -34,7 +20,8 @@ Json FlashJson(const NamedFlash& flash) {
           {"changes", flash.changed},
           {"offered", flash.offered},
           {"before", flash.before},
-          {"after", flash.after}};
+          {"after", flash.after},
+          {"older", flash.isOlder}};
 }
 
 Json NvramJson(const NvramChange& change) {
@@ -54,16 +41,9 @@ Json RepetitionJson(const NamedRepetition& repetition) {
           {"other", repetition.other ? FlashJson(*repetition.other) : Json(nullptr)}};
 }
 
-Json OriginJson(const std::optional<ValueOrigin>& origin) {
-  if (!origin) return nullptr;
-  if (!origin->option.empty()) return {{"option", origin->option}};
-  if (origin->line == 0) return {{"byte", origin->byte}};
-  return {{"line", origin->line}, {"column", origin->column}};
-}
-
 Json RequirementJson(const NamedRequirement& requirement) {
   return {{"key", requirement.key},       {"reason", requirement.reason},
-          {"text", requirement.text},     {"location", OriginJson(requirement.origin)},
+          {"text", requirement.text},     {"location", LocationJson(requirement.origin)},
           {"wanted", requirement.wanted}, {"found", requirement.found}};
 }
 
@@ -80,7 +60,13 @@ Json ControllerJson(const NamedController& controller) {
   return {{"entry", controller.path},
           {"kind", controller.isPort ? "port" : "thunderbolt"},
           {"before", controller.before},
-          {"after", controller.after}};
+          {"after", controller.after},
+          {"older", controller.isOlder}};
+}
+
+Json SwitchJson(const std::optional<SwitchChange>& change) {
+  if (!change) return nullptr;
+  return {{"run", change->run}, {"variables", change->variables}};
 }
 
 }  // namespace
@@ -104,16 +90,24 @@ Json ToJson(const SettleRow& row) {
           {"revision", OrNull(row.revision)},
           {"runs", row.runs},
           {"comesBack", OrNull(row.comesBack)},
+          {"endedBy", SwitchJson(row.endedBy)},
+          {"uncheckedBy", SwitchJson(row.uncheckedBy)},
           {"controllers", ListOf(row.controllers, ControllerJson)},
           {"causes", ListOf(row.repetitions, RepetitionJson)},
           {"stuck", ListOf(row.stuck, StuckJson)},
-          {"steps", row.steps ? ListOf(*row.steps, StepJson) : Json(nullptr)}};
+          {"steps", row.steps ? ListOf(*row.steps, StepJson) : Json(nullptr)},
+          {"changes", row.changes}};
+}
+
+bool SettleTotals::IsSettled(SettleOutcome outcome) {
+  return outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
 }
 
 void SettleTotals::Add(SettleOutcome outcome, std::size_t runs) {
   ++outcomes[outcome];
-  const bool isSettled = outcome == SettleOutcome::Settled || outcome == SettleOutcome::Stuck;
-  if (isSettled) ++settledAfter[runs];
+  if (IsSettled(outcome)) ++settledAfter[runs];
+  const bool isEnded = outcome == SettleOutcome::Bypassed || outcome == SettleOutcome::AbnormalEnd;
+  if (isEnded && runs > 0) ++endedByPlans;
 }
 
 std::size_t SettleTotals::Count(SettleOutcome outcome) const {

@@ -43,6 +43,7 @@ struct NamedFlash {
   Json offered;             // versions; null where there is none
   Json before;
   Json after;
+  bool isOlder = false;  // `after` than `before`
 };
 
 /// A run with a plan.
@@ -86,6 +87,7 @@ struct NamedController {
   bool isPort;
   Json before;
   Json after;
+  bool isOlder = false;  // `after` than `before`
 };
 
 /// One computer of a settling.
@@ -100,10 +102,14 @@ struct SettleRow {
   std::optional<std::size_t> comesBack = {};  // of one that never settles: the number of runs after
                                               // which the state first occurred that occurs again
                                               // after `runs`
+  std::optional<SwitchChange> endedBy = {};   // as in Settling
+  std::optional<SwitchChange> uncheckedBy = {};
   std::vector<NamedController> controllers = {};
   std::vector<NamedRepetition> repetitions = {};
   std::vector<NamedStuck> stuck = {};
   std::optional<std::vector<NamedStep>> steps = {};  // where they are wanted
+  std::vector<std::string> changes = {};             // of the computer before the first run, each
+                                                     // as written
 };
 
 /// In JSON, all keys always there and in the same order.
@@ -123,6 +129,10 @@ std::string DescribeOffer(const NamedStuck& stuck);
 struct SettleTotals {
   std::map<SettleOutcome, std::size_t> outcomes = {};
   std::map<std::size_t, std::size_t> settledAfter = {};  // by runs: computers, stuck ones too
+  std::size_t endedByPlans = 0;  // those bypassed or ended abnormally after a run with a plan
+
+  /// Whether it is settled, maybe stuck.
+  static bool IsSettled(SettleOutcome outcome);
 
   void Add(SettleOutcome outcome, std::size_t runs);
   std::size_t Count(SettleOutcome outcome) const;

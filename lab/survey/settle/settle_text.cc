@@ -32,6 +32,17 @@ std::string OfferText(const NamedFlash& flash) {
   return PersonalityText(flash) + " offers " + VersionText(flash.offered);
 }
 
+// "23 -> 41.05", "60 -> 44, older".
+std::string ChangeText(const Json& before, const Json& after, bool isOlder) {
+  return VersionText(before) + " -> " + VersionText(after) + (isOlder ? ", older\n" : "\n");
+}
+
+std::string SwitchText(const SwitchChange& change) {
+  std::string names;
+  for (const auto& name : change.variables) names += (names.empty() ? "" : " and ") + name;
+  return "the plan of run " + std::to_string(change.run) + " set " + names;
+}
+
 std::string HeadText(const SettleRow& row) {
   const auto runs = " after " + RunsText(row.runs);
   switch (row.outcome) {
@@ -44,7 +55,9 @@ std::string HeadText(const SettleRow& row) {
     default: break;
   }
   auto text = std::string(NameOf(row.outcome)) + runs;
-  return row.reason.empty() ? text : text + ": " + PrintableText(row.reason);
+  if (!row.reason.empty()) text += ": " + PrintableText(row.reason);
+  if (row.endedBy) text += ": " + SwitchText(*row.endedBy);
+  return text;
 }
 
 std::string VariableText(const NvramChange& change) {
@@ -59,7 +72,7 @@ std::string StepText(const NamedStep& step, std::size_t number) {
     text += "    " + PersonalityText(flash) + " for " + PrintableText(flash.controller) + ": ";
     const bool isAnother = flash.changed != flash.controller;
     if (isAnother) text += "version of " + PrintableText(flash.changed) + " ";
-    text += VersionText(flash.before) + " -> " + VersionText(flash.after) + "\n";
+    text += ChangeText(flash.before, flash.after, flash.isOlder);
   }
   for (const auto& change : step.nvram) text += "    " + VariableText(change) + "\n";
   if (step.otherNvram > 0) {
@@ -97,12 +110,14 @@ std::string DescribeRow(const SettleRow& row) {
   }
   for (const auto& controller : row.controllers) {
     if (controller.before == controller.after) continue;
-    text += "  " + PrintableText(controller.path) + ": " + VersionText(controller.before) + " -> " +
-            VersionText(controller.after) + "\n";
+    text += "  " + PrintableText(controller.path) + ": " +
+            ChangeText(controller.before, controller.after, controller.isOlder);
   }
   for (const auto& repetition : row.repetitions) {
-    text +=
-        "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition) + "\n";
+    text += "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition);
+    const bool isUnchecked = repetition.cause == "version unchecked";
+    if (isUnchecked && row.uncheckedBy) text += ": " + SwitchText(*row.uncheckedBy);
+    text += "\n";
   }
   for (const auto& stuck : row.stuck) {
     text += "  " + PrintableText(stuck.controller) + " " + DescribeOffer(stuck) + ", but\n";

@@ -13,27 +13,26 @@
 #include "lab/survey/settle/stored_version.h"
 #include "lab/what_if/state_digest.h"
 #include "personality/personality.h"
+#include "personality/requirements.h"
 #include "plan/plan_values.h"
 #include "registry/board_identity.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
 #include "value/property_list_reader.h"
+#include "value/unicode/utf8.h"
 
 // A simulation with cycle detection: what a run plans depends on nothing but the registry, so that
 // everything repeats once a state does. Each state is remembered as a digest of 128 bits, which a
 // change of a property updates without reading the rest. With the version check versions only
-// increase; without it, a few controllers may have cycles of different lengths, whose common period
-// is too long to wait for: hence the bounds. Costs a run of the tool for each plan, and memory for
-// what the plans change.
+// increase, but for those of two personalities that undo each other; without it, a few controllers
+// may have cycles of different lengths, whose common period is too long to wait for: hence the
+// bounds. Costs a run of the tool for each plan, and memory for what the plans change.
 
 namespace fernwick::lab {
 namespace {
 
 constexpr std::size_t MaxListedVariables = 100;
-
-bool IsOfThunderbolt(TypeSet type) {
-  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
-}
+constexpr std::string_view BootArguments = "boot-args";
 
 std::optional<PropertyValue> ReportedPortVersion(Registry& registry, RegistryEntry port) {
   std::uint32_t packed = 0;
@@ -49,21 +48,13 @@ std::optional<PropertyValue> ReportedThunderboltVersion(Registry& registry, Regi
   return PropertyValue(ThunderboltFirmwareVersion(rom, eeprom));
 }
 
-std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
-  return isPort ? ReportedPortVersion(registry, entry)
-                : ReportedThunderboltVersion(registry, entry);
-}
-
 // A value of a variable as it is shown.
 std::optional<std::string> ShortText(const std::optional<PropertyValue>& value) {
   constexpr std::size_t MaxLength = 200;
   if (!value) return std::nullopt;
-  auto text = InlineText(*value);
+  const auto text = InlineText(*value);
   if (text.size() <= MaxLength) return text;
-  auto length = MaxLength;
-  while ((text[length] & 0xC0) == 0x80) --length;  // not inside a character
-  text.resize(length);
-  return text + "...";
+  return std::string(FirstCharacters(text, MaxLength)) + "...";
 }
 
 // The personalities of a run by the top-level key that they are under. REQUIRES: the run has
@@ -99,6 +90,8 @@ Flash FlashOf(const PersonalitiesOfRun& personalities, const MatchedPair& pair) 
   flash.comparesVersionAbove = !IsOfThunderbolt(type) && source.version == Origin::Thunderbolt;
   const auto* version = personalities.Of(pair).Find("Version");
   if (version != nullptr && version->IsNumber()) flash.offered = *version;
+  const auto* compared = pair.Controller().Find("Version");
+  if (compared != nullptr) flash.compared = *compared;
   return flash;
 }
 
@@ -165,7 +158,8 @@ class PlanExecution {
       if (const auto text = name.AsString()) after[*text] = std::nullopt;
     }
     if (after.empty()) return;
-    const auto entry = BootOptions();
+    // There is a device tree, since the board has a configuration.
+    const auto entry = computer_.BootOptions();
     std::map<std::string_view, std::optional<PropertyValue>> before;
     for (const auto& [name, value] : computer_.Properties(entry).Entries()) before[name] = value;
     Record properties(computer_.Properties(entry));
@@ -185,19 +179,14 @@ class PlanExecution {
     if (before == after) return;
     if (before) state_.Remove(entry, name, *before);
     if (after) state_.Add(entry, name, *after);
+    const bool setsSwitch = name == BootArguments || name == UpdatesSwitch || name == VersionSwitch;
+    if (setsSwitch) step.switches.emplace_back(name);
     if (!options_.listsNvram) return;
     if (step.nvram.size() == MaxListedVariables) {
       ++step.otherNvram;
     } else {
       step.nvram.push_back({std::string(name), ShortText(before), ShortText(after)});
     }
-  }
-
-  // The entry of the NVRAM variables, which a computer without any may lack. There is a device
-  // tree, since the board has a configuration.
-  RegistryEntry BootOptions() {
-    const auto entry = RecordedRegistry(computer_.Recorded()).LookupEntryByPath(BootOptionsPath);
-    return entry != 0 ? entry : computer_.AddBelowRoot(DeviceTreePlane, "options");
   }
 
   ChangedComputer& computer_;
@@ -212,6 +201,32 @@ SettleEnd EndOfRun(const ToolRun& run, const Options& options) {
   const auto& configuration = run.result.configuration;
   const bool isUsable = configuration && configuration->value.AsDictionary();
   return isUsable && run.result.matches.empty() ? SettleEnd::NothingMatches : SettleEnd::NoPlan;
+}
+
+// What of the last plan sets the switch, by the boot arguments or a variable of its name.
+SwitchChange ChangeOf(const std::vector<SettleStep>& steps, std::string_view name) {
+  SwitchChange change = {.run = steps.size()};
+  for (const auto& variable : steps.back().switches) {
+    if (variable == BootArguments || variable == name) change.variables.push_back(variable);
+  }
+  return change;
+}
+
+// Compares the run with the one before the last plan, if there is one. A fault of an argument
+// without a value is of the boot arguments alone.
+void NoteSwitches(const ToolRun& run, bool wasBypassed, Settling& settling) {
+  if (settling.steps.empty()) return;
+  if (run.result.switchBypassesVersion && !wasBypassed) {
+    settling.uncheckedBy = ChangeOf(settling.steps, VersionSwitch);
+  }
+  if (run.result.bypassesUpdates) settling.endedBy = ChangeOf(settling.steps, UpdatesSwitch);
+  if (run.result.fault == Fault::BareSwitch) {
+    settling.endedBy = ChangeOf(settling.steps, BootArguments);
+  }
+}
+
+std::size_t MaxTestedPairs(const ToolRun& run) {
+  return run.result.bypassesVersionCheck ? MaxUncheckedPairs : MaxCheckedPairs;
 }
 
 bool HasPlan(const ToolRun& run) {
@@ -246,21 +261,37 @@ std::vector<ControllerVersion> ControllersOf(const ToolRun& run, Registry& regis
 
 }  // namespace
 
+bool IsOfThunderbolt(TypeSet type) {
+  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+}
+
+std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
+  return isPort ? ReportedPortVersion(registry, entry)
+                : ReportedThunderboltVersion(registry, entry);
+}
+
+bool IsOlder(const std::optional<PropertyValue>& version,
+             const std::optional<PropertyValue>& other) {
+  return version && other && NumberLess(*version, *other);
+}
+
 Settling Settle(ChangedComputer& computer, const SettleOptions& options) {
   Settling settling;
   PlanExecution execution(computer, options);
   std::map<StateDigest, std::size_t> states = {{execution.State(), 0}};
   std::size_t pairs = 0;
   for (bool isFirst = true;; isFirst = false) {
+    const bool wasBypassed = settling.last.result.switchBypassesVersion;
     settling.last = RunTool(computer.Recorded(), options.tool, KeptOutput::Counts, options.load);
     RecordedRegistry registry(computer.Recorded());
     if (isFirst) settling.controllers = ControllersOf(settling.last, registry);
     settling.end = EndOfRun(settling.last, options.tool);
+    NoteSwitches(settling.last, wasBypassed, settling);
     if (!HasPlan(settling.last)) break;
     settling.end = SettleEnd::GivenUp;
     pairs += TestedPairs(settling.last);
     if (settling.steps.size() == MaxPlans) break;
-    if (settling.steps.size() >= MinPlans && pairs > MaxTestedPairs) break;
+    if (settling.steps.size() >= MinPlans && pairs > MaxTestedPairs(settling.last)) break;
     settling.steps.push_back(execution.CarryOut(settling.last));
     const auto [state, isNew] = states.emplace(execution.State(), settling.steps.size());
     if (!isNew) {

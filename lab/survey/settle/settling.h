@@ -16,6 +16,13 @@
 
 namespace fernwick::lab {
 
+/// Whether the type is one of those whose images are for Thunderbolt controllers, not for ports.
+bool IsOfThunderbolt(TypeSet type);
+
+/// The version that the controller itself reports, a number; of a port, also of one below a
+/// Thunderbolt controller, its own.
+std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort);
+
 /// A match of a plan, and what carrying it out changes.
 struct Flash {
   TypeSet type;
@@ -25,11 +32,16 @@ struct Flash {
   // The version that decided is that of the Thunderbolt controller above a port, but the image is
   // the port's.
   bool comparesVersionAbove = false;
-  bool isStored = false;                      // the offered version, or as much of it as fits
-  std::optional<PropertyValue> offered = {};  // the personality's version, if that is a number
-  std::optional<PropertyValue> before = {};   // what `changed` reports as its version; numbers
+  bool isStored = false;                       // the offered version, or as much of it as fits
+  std::optional<PropertyValue> offered = {};   // the personality's version, if that is a number
+  std::optional<PropertyValue> compared = {};  // the version that it was compared with
+  std::optional<PropertyValue> before = {};    // what `changed` reports as its version; numbers
   std::optional<PropertyValue> after = {};
 };
+
+/// Whether the version is lower than the other. False where one is not known.
+bool IsOlder(const std::optional<PropertyValue>& version,
+             const std::optional<PropertyValue>& other);
 
 /// An NVRAM variable that a plan changes, with its values as texts of limited length.
 struct NvramChange {
@@ -40,9 +52,10 @@ struct NvramChange {
 
 /// A run that planned something, and what carrying out the plan changes.
 struct SettleStep {
-  std::vector<Flash> flashes;           // in the order of the plan
-  std::vector<NvramChange> nvram = {};  // the first ones, where they are wanted
-  std::size_t otherNvram = 0;           // how many more there are
+  std::vector<Flash> flashes;              // in the order of the plan
+  std::vector<NvramChange> nvram = {};     // the first ones, where they are wanted
+  std::size_t otherNvram = 0;              // how many more there are
+  std::vector<std::string> switches = {};  // the changed variables that may set a switch
 };
 
 /// How repeating the run ends.
@@ -65,6 +78,12 @@ struct ControllerVersion {
   std::optional<PropertyValue> after = {};
 };
 
+/// That a plan changed the variables that set a switch.
+struct SwitchChange {
+  std::size_t run = 0;                      // from 1, the one with the plan
+  std::vector<std::string> variables = {};  // "boot-args" and the names of switches
+};
+
 /// What happens to a computer when every plan for it is carried out. The runs view the computer.
 struct Settling {
   SettleEnd end = SettleEnd::NothingMatches;
@@ -72,14 +91,19 @@ struct Settling {
   std::size_t firstState = 0;                       // of a state that comes back: how many steps
                                                     // led to it the first time
   std::vector<ControllerVersion> controllers = {};  // ports first, each in registry order
+  std::optional<SwitchChange> endedBy = {};         // of an end that a plan brings about
+  std::optional<SwitchChange> uncheckedBy = {};     // where a plan made the last run bypass the
+                                                    // version check
   ToolRun last = {};  // of a state that comes back, the one that led to it
 };
 
 /// The runs end undecided after so many plans, and after fewer, but no fewer than MinPlans, once
-/// they have tested more pairs of a controller and a personality than that.
+/// they have tested more pairs of a controller and a personality than one of these. With the
+/// version check versions only increase, which ends after as many plans as there are versions.
 inline constexpr std::size_t MaxPlans = 1'000;
 inline constexpr std::size_t MinPlans = 4;
-inline constexpr std::size_t MaxTestedPairs = 200'000;
+inline constexpr std::size_t MaxCheckedPairs = 20'000'000;
+inline constexpr std::size_t MaxUncheckedPairs = 200'000;  // while the check is bypassed
 
 /// How a computer is settled.
 struct SettleOptions {

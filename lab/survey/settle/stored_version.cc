@@ -7,9 +7,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::uint64_t MaxMajor = 99'999'999;
-constexpr std::uint64_t MaxHundredths = 63;
-
 // Rounded where a double does not have the integer, which is then far above every version.
 double RealOf(const PropertyValue& value) {
   const auto number = *value.AsNumber();
@@ -32,15 +29,17 @@ std::uint64_t HundredthsIn(double version) {
 std::optional<std::uint32_t> StoredPortVersion(const PropertyValue& offered) {
   const double version = RealOf(offered);
   if (!(version >= 0)) return std::nullopt;
-  return EncodeBcd(static_cast<std::uint32_t>(std::min(version, static_cast<double>(MaxMajor))));
+  return EncodeBcd(
+      static_cast<std::uint32_t>(std::min(version, static_cast<double>(MaxStoredMajor))));
 }
 
 std::optional<ThunderboltVersionWords> StoredThunderboltVersion(const PropertyValue& offered) {
   const double version = RealOf(offered);
   if (!(version >= 0)) return std::nullopt;
-  const auto hundredths = HundredthsIn(std::min(version, static_cast<double>(MaxMajor + 1)));
-  const auto major = std::min(hundredths / 100, MaxMajor);
-  const auto minor = major * 100 + MaxHundredths < hundredths ? MaxHundredths : hundredths % 100;
+  const auto hundredths = HundredthsIn(std::min(version, static_cast<double>(MaxStoredMajor + 1)));
+  const auto major = std::min(hundredths / 100, MaxStoredMajor);
+  const auto minor =
+      major * 100 + MaxStoredHundredths < hundredths ? MaxStoredHundredths : hundredths % 100;
   return ThunderboltVersionWords{EncodeBcd(static_cast<std::uint32_t>(major)),
                                  static_cast<std::uint32_t>(minor)};
 }

@@ -5,11 +5,12 @@
 #include <utility>
 
 #include "lab/support/configuration_file.h"
+#include "lab/survey/settle/settling.h"
 #include "personality/personality.h"
 
 // A maximum for each controller over all its pairs: first the newest version, of which requirements
-// are tested only where it is newer than the installed one, then of the personalities with that
-// version the one that fails least. O(pairs x requirements).
+// are tested of those that are for the controller, then of the personalities with that version the
+// one that fails least. O(pairs x requirements).
 
 namespace fernwick::lab {
 namespace {
@@ -17,21 +18,35 @@ namespace {
 // The pairs of one type.
 struct StuckCandidates {
   const ToolRun& run;
+  const Recording& recording;
   const KeyTrace& key;
   Array personalities;
+
+  TypeSet Type() const { return TypeNamed(key.key); }
 
   RequirementContext ContextOf(std::size_t record) const {
     return {key.inventory.records[record], run.result.identity->boardRevision,
             run.result.bypassesVersionCheck};
   }
+
+  // The version of the controller that would get the image. Of a port that reports none itself it
+  // is not known, and the compared one counts.
+  std::optional<PropertyValue> InstalledIn(std::size_t record) const {
+    const auto* compared = key.inventory.records[record].Find("Version");
+    RecordedRegistry registry(recording);
+    auto own = IsOfThunderbolt(Type())
+                   ? std::nullopt
+                   : ReportedVersion(registry, key.inventory.sources[record].port, true);
+    return own || compared == nullptr ? own : std::optional(*compared);
+  }
 };
 
-// The version that the personality offers, if it is newer than what the controller reports.
-const PropertyValue* NewerVersion(Dictionary personality, Dictionary controller) {
+// The version that the personality offers, if it is newer than the installed one.
+const PropertyValue* NewerVersion(Dictionary personality,
+                                  const std::optional<PropertyValue>& installed) {
   const auto* offered = personality.Find("Version");
   if (offered == nullptr || !NumbersEqual(*offered, *offered)) return nullptr;
-  const auto* installed = controller.Find("Version");
-  return installed == nullptr || NumberGreater(*offered, *installed) ? offered : nullptr;
+  return !installed || NumberGreater(*offered, *installed) ? offered : nullptr;
 }
 
 // Whether the controller is what the personality requires, whatever its version.
@@ -42,18 +57,39 @@ bool IsFor(TypeSet type, Dictionary personality, const RequirementContext& conte
   });
 }
 
-// The personalities for the controller with the newest version of all, if that is newer than the
-// installed one; several where they offer the same.
-std::vector<std::size_t> NewestPersonalities(const StuckCandidates& candidates,
-                                             std::size_t record) {
-  const auto context = candidates.ContextOf(record);
-  std::vector<std::size_t> newest;
-  const PropertyValue* version = nullptr;  // of them
+bool AllowsRevision(TypeSet type, Dictionary personality, const RequirementContext& context) {
+  return std::ranges::none_of(RequirementsOf(type), [&](const Requirement& requirement) {
+    return requirement.hardwareKey.empty() && Test(requirement, personality, context).failure;
+  });
+}
+
+// The personalities that a controller could match: they are for it and can be met. Those for other
+// revisions of the board are left out where there are others.
+std::vector<std::size_t> PersonalitiesFor(const StuckCandidates& candidates,
+                                          const RequirementContext& context) {
+  const auto type = candidates.Type();
+  std::vector<std::size_t> all;
+  std::vector<std::size_t> ofRevision;
   for (std::size_t i = 0; i < candidates.personalities.size(); ++i) {
     const auto personality = candidates.personalities[i].AsDictionary();
-    const auto* offered = personality ? NewerVersion(*personality, context.hardware) : nullptr;
+    if (!personality || !IsFor(type, *personality, context)) continue;
+    if (DistanceOf(FailedRequirements(type, *personality, context)).neverMet > 0) continue;
+    all.push_back(i);
+    if (AllowsRevision(type, *personality, context)) ofRevision.push_back(i);
+  }
+  return ofRevision.empty() ? all : ofRevision;
+}
+
+// Those for the controller with the newest version of all, if that is newer than the installed one;
+// several where they offer the same.
+std::vector<std::size_t> NewestPersonalities(const StuckCandidates& candidates,
+                                             std::size_t record) {
+  const auto installed = candidates.InstalledIn(record);
+  std::vector<std::size_t> newest;
+  const PropertyValue* version = nullptr;  // of them
+  for (const auto i : PersonalitiesFor(candidates, candidates.ContextOf(record))) {
+    const auto* offered = NewerVersion(*candidates.personalities[i].AsDictionary(), installed);
     if (offered == nullptr || (version != nullptr && NumberLess(*offered, *version))) continue;
-    if (!IsFor(TypeNamed(candidates.key.key), *personality, context)) continue;
     if (version != nullptr && NumberGreater(*offered, *version)) newest.clear();
     version = offered;
     newest.push_back(i);
@@ -66,16 +102,13 @@ StuckController StuckBelow(const StuckCandidates& candidates, std::size_t record
                            std::size_t index) {
   const auto personality = *candidates.personalities[index].AsDictionary();
   const auto context = candidates.ContextOf(record);
-  const auto* installed = context.hardware.Find("Version");
-  StuckController stuck = {
-      .controller = candidates.key.inventory.sources[record].Controller(),
-      .type = candidates.key.key,
-      .personality = index,
-      .offered = *personality.Find("Version"),
-      .installed = installed == nullptr ? std::nullopt : std::optional(*installed),
-      .requirements = {}};
-  for (const auto& failed :
-       FailedRequirements(TypeNamed(candidates.key.key), personality, context)) {
+  StuckController stuck = {.controller = candidates.key.inventory.sources[record].Controller(),
+                           .type = candidates.key.key,
+                           .personality = index,
+                           .offered = *personality.Find("Version"),
+                           .installed = candidates.InstalledIn(record),
+                           .requirements = {}};
+  for (const auto& failed : FailedRequirements(candidates.Type(), personality, context)) {
     stuck.requirements.push_back({failed, std::nullopt});
   }
   return stuck;
@@ -85,8 +118,7 @@ StuckController StuckBelow(const StuckCandidates& candidates, std::size_t record
 using FirmwareOfController = std::pair<RegistryEntry, bool>;
 
 FirmwareOfController FirmwareOf(const StuckController& stuck) {
-  const auto type = TypeNamed(stuck.type);
-  return {stuck.controller, type == Types::LegacyThunderbolt || type == Types::Thunderbolt};
+  return {stuck.controller, IsOfThunderbolt(TypeNamed(stuck.type))};
 }
 
 bool IsPreferred(const StuckController& a, const StuckController& b) {
@@ -105,7 +137,7 @@ const ValueLocation* LocationOfPersonality(const StuckController& stuck,
 
 }  // namespace
 
-std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
+std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording) {
   const auto configuration = *run.result.configuration->value.AsDictionary();
   std::map<FirmwareOfController, StuckController> newest;
   Arena copies;
@@ -113,7 +145,7 @@ std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
     if (!key.HasPairs()) continue;
     const auto personalities =
         WithoutUnreadKeys(*PersonalitiesOf(key.key, *configuration.Find(key.key)), copies);
-    const StuckCandidates candidates = {run, key, personalities};
+    const StuckCandidates candidates = {run, recording, key, personalities};
     for (std::size_t record = 0; record < key.matched.size(); ++record) {
       for (const auto index : NewestPersonalities(candidates, record)) {
         auto stuck = StuckBelow(candidates, record, index);
@@ -129,13 +161,14 @@ std::vector<StuckController> FindStuckControllers(const ToolRun& run) {
   return found;
 }
 
-void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file) {
+void Locate(StuckController& stuck, std::string_view board, const Changes& changes,
+            const ConfigurationFile* file) {
   const auto* personality = file == nullptr ? nullptr : LocationOfPersonality(stuck, *file);
   const KeyLocations locations(personality);
   for (auto& [failed, origin] : stuck.requirements) {
     const auto key = failed.requirement->key;
     const auto* location = locations.Find(key);
-    if (changes.SetKey(stuck.type, stuck.personality + 1, key)) {
+    if (changes.SetKey(stuck.type, stuck.personality + 1, key, board)) {
       origin = ValueOrigin(PersonalityOption);
     } else if (location != nullptr) {
       origin = file->LocationOf(location->value.offset);

@@ -9,6 +9,7 @@
 #include "lab/support/tool_run.h"
 #include "lab/what_if/changed_configurations.h"
 #include "lab/what_if/changes.h"
+#include "registry/recorded_registry.h"
 
 namespace fernwick::lab {
 
@@ -26,18 +27,22 @@ struct StuckController {
   std::string_view type;
   std::size_t personality;                     // of that version: its index
   PropertyValue offered;                       // the version; a number
-  std::optional<PropertyValue> installed;      // the controller's version, that is compared
+  std::optional<PropertyValue> installed;      // the version of the controller that gets the image
   std::vector<StuckRequirement> requirements;  // all that fail
 };
 
 /// The controllers for which a configuration has a newer version than they have: in a personality
 /// for which they are what it requires, and of which they fail other requirements. Of each only the
-/// newest, the nearest to a match of several. Without the origins of the values. REQUIRES: the run
-/// matched nothing, with a configuration that is a dictionary.
-std::vector<StuckController> FindStuckControllers(const ToolRun& run);
+/// newest, the nearest to a match of several. What no controller can match is none of them, nor is
+/// what is for other revisions of the board where the type has one for this revision. The version
+/// of a port below a Thunderbolt controller is its own where the port gets the image. Without the
+/// origins of the values. REQUIRES: the run over the recording matched nothing, with a
+/// configuration that is a dictionary.
+std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording);
 
 /// Adds the origins: the option of a change, or a location of the file, which is null when it
-/// cannot be read.
-void Locate(StuckController& stuck, const Changes& changes, const ConfigurationFile* file);
+/// cannot be read. `board` is that of the configuration.
+void Locate(StuckController& stuck, std::string_view board, const Changes& changes,
+            const ConfigurationFile* file);
 
 }  // namespace fernwick::lab

@@ -92,18 +92,13 @@ int RefuseUsage(const std::string& error) {
   return LabStatus::BadUsage;
 }
 
-int RefuseResults(const LabError& error) {
-  PrintError(error.error.message);
-  return error.status;
-}
-
 // Calls `add` with each row, until it returns false because the row is not one of the verb. Returns
 // as AddSurveyRows.
 template <typename Add>
 int ForEachRow(MergedRows& rows, Console& console, Add add) {
   for (;;) {
     const auto row = rows.Next();
-    if (!row) return RefuseResults(row.Error());
+    if (!row) return PrintError(row.Error());
     if (!*row) return LabStatus::Done;
     if (!add(**row)) {
       PrintError("the computer of index " + std::to_string((*row)->index) +
@@ -141,6 +136,14 @@ Json MemberOf(const Json& object, const char* key) {
   return isThere ? object[key] : Json(nullptr);
 }
 
+// Empty where it is not an array of strings.
+std::optional<std::vector<std::string>> TextsOf(const Json& array) {
+  const bool isOfTexts = array.is_array() && std::ranges::all_of(array, [](const Json& each) {
+                           return each.is_string();
+                         });
+  return isOfTexts ? std::optional(array.get<std::vector<std::string>>()) : std::nullopt;
+}
+
 std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
   const auto name = MemberOf(each.row, "outcome");
   const auto runs = MemberOf(each.row, "runs");
@@ -148,11 +151,15 @@ std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
   const auto text = MemberOf(each.line, "text");
   const auto outcome =
       name.is_string() ? SettleOutcomeNamed(name.get<std::string>()) : std::nullopt;
-  if (!outcome || !runs.is_number_unsigned() || !text.is_string()) return std::nullopt;
+  const auto changes = TextsOf(MemberOf(each.row, "changes"));
+  if (!outcome || !runs.is_number_unsigned() || !text.is_string() || !changes) return std::nullopt;
   if (*outcome == SettleOutcome::Refused && !status.is_number_integer()) return std::nullopt;
   return SettledComputer{
-      *outcome, runs.get<std::size_t>(),
-      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt, each.isNamed,
+      *outcome,
+      runs.get<std::size_t>(),
+      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt,
+      each.isNamed,
+      *changes,
       isText ? text.get<std::string>() : PrintJsonRow(each.row)};
 }
 
@@ -183,7 +190,7 @@ std::optional<CoveredRecording> CoveredOf(const Json& row) {
 int MergeCoverage(const MergeOptions& options, const CoverageOutput& output, MergedRows& rows) {
   const auto& header = rows.Header().options;
   const auto hash = PayloadHash(*options.payload);
-  if (!hash) return RefuseResults(hash.Error());
+  if (!hash) return PrintError(hash.Error());
   if (MemberOf(header, "payload") != *hash) {
     PrintError(*options.payload + ": this is not the payload of the results");
     return LabStatus::MalformedInput;
@@ -241,6 +248,7 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   if (name == "settle") {
     SettleOutput output = {.format = format, .failOnList = options.survey.failOnList};
     const auto error = ReadSettleFailOn(output);
+    output.changes = TextsOf(MemberOf(rows.Header().options, "changes")).value_or(output.changes);
     return error.empty() ? MergeSettled(output, rows) : RefuseUsage(error);
   }
   if (!options.payload) return RefuseUsage("results of coverage need --payload");
@@ -255,7 +263,7 @@ VerbEnd MergeVerb(int argumentCount, char* const arguments[]) {
   const auto line = CommandLineOf(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
   auto rows = MergedRows::Open(options.results);
-  if (!rows) return RefuseResults(rows.Error());
+  if (!rows) return PrintError(rows.Error());
   const auto* const verb = std::ranges::find(MergedVerbs, rows->Header().verb, &MergedVerb::name);
   if (verb == std::end(MergedVerbs)) {
     PrintError(options.results.front() + ": there is no such verb as that of its first line");
