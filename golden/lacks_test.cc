@@ -80,6 +80,13 @@ TEST(Descriptors, ThatAreTooFewAreAnErrorOfACoverage) {
   ExpectAnswerOrLack("coverage -j1 -p payload .");
 }
 
+TEST(Descriptors, ThatAreTooFewAreAnErrorOfAShard) {
+  // A process that counts coverage or looks for leaks needs more.
+  if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
+  ExpectAnswerOrLack("survey -j1 -p payload --format ndjson --shard 1/1 .");
+  ExpectAnswerOrLack("coverage -j1 -p payload --shard 1/1 .");
+}
+
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfSettle) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();

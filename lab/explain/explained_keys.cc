@@ -20,12 +20,6 @@ std::string_view NameOf(const Recording& recording, RegistryEntry entry) {
   return recording.entries[entry - 1].name;
 }
 
-// The value of "LegacyUSBC" is the one personality itself.
-const ValueLocation* LocationOfCandidate(const KeyLocation* key, TypeSet type, std::size_t index) {
-  if (key == nullptr) return nullptr;
-  return type == Types::LegacyUsbc ? &key->value : FindElement(key->value, index);
-}
-
 ExplainedSkip ExplainSkip(const Recording& recording, const SkippedController& skipped) {
   ExplainedSkip explained = {.path = EntryPath(recording, skipped.controller),
                              .name = NameOf(recording, skipped.controller),

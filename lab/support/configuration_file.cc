@@ -78,4 +78,10 @@ const ValueLocation* FindElement(const ValueLocation& array, std::size_t index) 
   return index < array.Elements().size() ? &array.Elements()[index] : nullptr;
 }
 
+// The value of "LegacyUSBC" is the one personality itself.
+const ValueLocation* LocationOfCandidate(const KeyLocation* key, TypeSet type, std::size_t index) {
+  if (key == nullptr) return nullptr;
+  return type == Types::LegacyUsbc ? &key->value : FindElement(key->value, index);
+}
+
 }  // namespace fernwick::lab

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lab/support/messages.h"
+#include "registry/key_schema.h"
 #include "value/property_list_reader.h"
 #include "value/property_value.h"
 #include "value/result.h"
@@ -68,5 +69,9 @@ class KeyLocations {
 
 /// The location of the element in an array. Null when the array has no such element.
 const ValueLocation* FindElement(const ValueLocation& array, std::size_t index);
+
+/// The location of a candidate of the type under its key, by the index that PersonalitiesOf has it
+/// at. Null when there is no such candidate or no key (null).
+const ValueLocation* LocationOfCandidate(const KeyLocation* key, TypeSet type, std::size_t index);
 
 }  // namespace fernwick::lab

@@ -31,6 +31,17 @@ TEST(ConfigurationFile, NamesLocationsByLineAndColumn) {
             "3:14");
 }
 
+TEST(LocationOfCandidate, IsThatOfAnElementOrOfTheOneDictionary) {
+  const auto file = *Load("{ LegacyUSBC = {}; USBC = ( {}, {} ); }");
+  const KeyLocations keys(&file.Root());
+  const auto* usbc = keys.Find("USBC");
+  EXPECT_EQ(LocationOfCandidate(usbc, Types::Usbc, 1), &usbc->value.Elements()[1]);
+  EXPECT_EQ(LocationOfCandidate(usbc, Types::Usbc, 2), nullptr);
+  const auto* single = keys.Find("LegacyUSBC");
+  EXPECT_EQ(LocationOfCandidate(single, Types::LegacyUsbc, 0), &single->value);
+  EXPECT_EQ(LocationOfCandidate(nullptr, Types::Usbc, 0), nullptr);
+}
+
 TEST(ConfigurationFile, NamesEveryLocationAsAnErrorThereWouldBe) {
   const auto file = *Load(Xml);
   const std::string_view text = Xml;

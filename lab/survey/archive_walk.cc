@@ -79,20 +79,23 @@ class Utf8Names {
   locale_t before_;
 };
 
-// Why a member that is named like a recording is not read; null when it is.
-const char* RefusalOf(archive_entry* entry, std::size_t maxSize) {
+std::string TooLargeText(std::size_t maxSize) {
+  return "it is larger than " + std::to_string(maxSize >> 20) + " MiB";
+}
+
+la_int64_t SizeOf(archive_entry* entry) {
+  return archive_entry_size_is_set(entry) != 0 ? archive_entry_size(entry) : 0;
+}
+
+// Why a member that is named like a recording is not read; empty when it is.
+std::string RefusalOf(archive_entry* entry, std::size_t maxSize) {
   const auto type = archive_entry_filetype(entry);
   if (archive_entry_hardlink(entry) != nullptr || type == AE_IFLNK) {
     return "a link, which is not followed in an archive";
   }
   if (type != AE_IFREG) return "not a regular file";
   if (archive_entry_is_encrypted(entry) != 0) return "it is encrypted";
-  const auto size = archive_entry_size_is_set(entry) != 0 ? archive_entry_size(entry) : 0;
-  return size > static_cast<la_int64_t>(maxSize) ? "" : nullptr;
-}
-
-std::string TooLargeText(std::size_t maxSize) {
-  return "it is larger than " + std::to_string(maxSize >> 20) + " MiB";
+  return SizeOf(entry) > static_cast<la_int64_t>(maxSize) ? TooLargeText(maxSize) : "";
 }
 
 constexpr char NoMemoryText[] = "there is no memory for it";
@@ -215,17 +218,15 @@ std::optional<Selected> ArchiveWalk::MemberOf(archive_entry* entry) {
   }
   if (!HasRecordingSuffix(name) || archive_entry_filetype(entry) == AE_IFDIR) return std::nullopt;
   auto path = path_ + ":" + name;
-  const char* refusal = RefusalOf(entry, maxSize_);
-  if (refusal == nullptr) return Read(entry, std::move(path));
-  auto error = *refusal == '\0' ? TooLargeText(maxSize_) : std::string(refusal);
+  auto error = RefusalOf(entry, maxSize_);
+  if (error.empty()) return Read(entry, std::move(path));
   if (auto fault = SkipData()) return fault;
   return Selected{.path = std::move(path), .error = std::move(error)};
 }
 
 Selected ArchiveWalk::Read(archive_entry* entry, std::string path) {
   std::string bytes;
-  const auto expected = archive_entry_size_is_set(entry) != 0 ? archive_entry_size(entry) : 0;
-  bytes.reserve(std::min(static_cast<std::size_t>(expected), std::size_t{1} << 20));
+  bytes.reserve(std::min(static_cast<std::size_t>(SizeOf(entry)), std::size_t{1} << 20));
   char block[BlockSize];
   for (;;) {
     const auto count = archive_read_data(archive_.get(), block, sizeof block);

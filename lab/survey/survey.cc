@@ -10,8 +10,8 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/run.h"
-#include "lab/survey/shards/payload_hash.h"
 #include "lab/survey/shards/shard_result.h"
+#include "lab/survey/shards/sharded_batch.h"
 #include "lab/survey/survey_output.h"
 #include "lab/survey/survey_report.h"
 #include "lab/verbs.h"
@@ -118,21 +118,6 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
   return LabStatus::BadUsage;
 }
 
-// Prints the first line of the result of a shard. Returns as RunSurvey.
-int PrintHeader(const SurveyOptions& options, Console& console) {
-  const auto payload = PayloadHash(options.payload);
-  if (!payload) {
-    PrintError(payload.Error().error.message);
-    return payload.Error().status;
-  }
-  console.Write(PrintShardHeader({*options.batch.limits.shard,
-                                  "survey",
-                                  {{"payload", *payload},
-                                   {"bypassVersion", options.bypassVersion},
-                                   {"maxSize", options.batch.limits.maxSize}}}));
-  return LabStatus::Done;
-}
-
 int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console, int& refusal) {
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   const bool isShard = options.batch.limits.shard.has_value();
@@ -152,15 +137,11 @@ int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console
     };
     return print;
   };
-  if (isShard) {
-    const int status = PrintHeader(options, console);
-    if (status != LabStatus::Done) return status;
-  }
-  BatchSummary summary;
-  const int status = RunBatch(options.batch, work, console, &summary);
-  if (status != LabStatus::Done || !isShard) return status;
-  console.Write(PrintShardEnd({summary.rows, summary.computers, summary.names}));
-  return LabStatus::Done;
+  const ShardFrame frame = {.verb = "survey",
+                            .payload = options.payload,
+                            .options = {{"bypassVersion", options.bypassVersion},
+                                        {"maxSize", options.batch.limits.maxSize}}};
+  return RunShardedBatch(options.batch, frame, work, console);
 }
 
 }  // namespace

@@ -9,16 +9,10 @@
 #include <algorithm>
 #include <span>
 
+#include "lab/lint/acceptance.h"
+
 namespace fernwick::lab {
 namespace {
-
-const Requirement* FindSetMatch(TypeSet type, std::string_view key) {
-  const auto requirements = RequirementsOf(type);
-  const auto found = std::ranges::find_if(requirements, [&](const Requirement& requirement) {
-    return requirement.key == key && requirement.test == RequirementTest::SetMatch;
-  });
-  return found == requirements.end() ? nullptr : &*found;
-}
 
 void Resize(TestCounts& counts, std::size_t items, TypeSet type) {
   counts.tested.resize(items);
@@ -199,7 +193,7 @@ void ForEachList(TypeSet type, Dictionary personality, const ListVisitor& visit)
   for (const auto& [key, value] : personality.Entries()) {
     const auto list = value.AsArray();
     if (!list) continue;
-    if (const auto* requirement = FindSetMatch(type, key)) visit(*requirement, *list);
+    if (const auto* requirement = FindSetRequirement(type, key)) visit(*requirement, *list);
   }
 }
 

@@ -10,8 +10,8 @@
 #include "lab/survey/coverage/coverage_format.h"
 #include "lab/survey/coverage/coverage_output.h"
 #include "lab/survey/coverage/covered_payload.h"
-#include "lab/survey/shards/payload_hash.h"
 #include "lab/survey/shards/shard_result.h"
+#include "lab/survey/shards/sharded_batch.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -48,8 +48,8 @@ struct CoverageOptions {
 std::string Check(CoverageOptions& options) {
   if (options.asJson) options.output.format = "json";
   auto error = ReadShard(options.batch);
-  const bool isShard = options.batch.limits.shard.has_value();
-  if (!error.empty() || !isShard || !options.output.threshold) return error;
+  options.output.isShard = options.batch.limits.shard.has_value();
+  if (!error.empty() || !options.output.isShard || !options.output.threshold) return error;
   return "--threshold is an option of merge, not of a shard";
 }
 
@@ -102,7 +102,7 @@ Json RowOf(const CoveredRecording& recording) {
 // Runs the tool over everything that is selected. Returns as RunBatch. The rows of a shard are
 // printed.
 int CoverAll(const CoverageOptions& options, const AddCovered& add, CoveredPayload& payload,
-             Console& console, BatchSummary& summary) {
+             Console& console) {
   const bool isShard = options.batch.limits.shard.has_value();
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
@@ -115,36 +115,18 @@ int CoverAll(const CoverageOptions& options, const AddCovered& add, CoveredPaylo
     };
     return print;
   };
-  return RunBatch(options.batch, work, console, &summary);
-}
-
-int RunShard(const CoverageOptions& options, const Options& toolOptions) {
-  const auto hash = PayloadHash(options.payload);
-  if (!hash) {
-    PrintError(hash.Error().error.message);
-    return hash.Error().status;
-  }
-  BatchSummary summary;
-  const auto addAll = [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
-    console.Write(
-        PrintShardHeader({*options.batch.limits.shard,
-                          "coverage",
-                          {{"payload", *hash}, {"bypassVersion", options.bypassVersion}}}));
-    return CoverAll(options, add, payload, console, summary);
-  };
-  return PrintCoverageShard(toolOptions, addAll, [&](Json totals, Console& console) {
-    console.Write(
-        PrintShardEnd({summary.rows, summary.computers, summary.names, std::move(totals)}));
-  });
+  const ShardFrame frame = {.verb = "coverage",
+                            .payload = options.payload,
+                            .options = {{"bypassVersion", options.bypassVersion}},
+                            .totals = [&] { return payload.Counts(); }};
+  return RunShardedBatch(options.batch, frame, work, console);
 }
 
 int RunCoverage(const CoverageOptions& options) {
   const auto toolOptions = CoverageToolOptions(options.payload, options.bypassVersion);
   if (!toolOptions) return LabStatus::UnreadableInput;
-  if (options.batch.limits.shard) return RunShard(options, *toolOptions);
-  BatchSummary summary;
   const auto addAll = [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
-    return CoverAll(options, add, payload, console, summary);
+    return CoverAll(options, add, payload, console);
   };
   return PrintCoverage(*toolOptions, options.output, addAll);
 }

@@ -47,9 +47,8 @@ class ConfigurationJson {
     stream_.Begin("personalities", '[');
     const std::size_t count = isType && candidates ? candidates->size() : 0;
     for (std::size_t i = 0; i < count; ++i) {
-      const bool isSingle = coverage.type == Types::LegacyUsbc;
-      const auto& place = isSingle ? location.value : location.value.Elements()[i];
-      PrintCandidate((*candidates)[i], place, coverage, i);
+      const auto& found = *LocationOfCandidate(&location, coverage.type, i);
+      PrintCandidate((*candidates)[i], found, coverage, i);
     }
     stream_.End();
     stream_.End();

@@ -13,14 +13,6 @@
 namespace fernwick::lab {
 namespace {
 
-// The boards of the payload. Returns the status after a line on standard error.
-Result<std::vector<std::string>, int> BoardsOrStatus(const Options& options) {
-  auto boards = BoardsOf(*options.personalitiesDirectory);
-  if (boards) return *std::move(boards);
-  PrintError(boards.Error().error.message);
-  return int{boards.Error().status};
-}
-
 AddCovered AddTo(CoverageTotals& totals, int& refusal) {
   return [&](const CoveredRecording& recording, bool isNamed) {
     ++totals.recordings[static_cast<std::size_t>(recording.use)];
@@ -28,6 +20,14 @@ AddCovered AddTo(CoverageTotals& totals, int& refusal) {
     PrintError(recording.refusal.error.message);
     if (isNamed && refusal == LabStatus::Done) refusal = recording.refusal.status;
   };
+}
+
+// Returns as CoveredPayload::Print.
+int PrintBoards(const CoveredPayload& payload, const CoverageOutput& output, CoverageTotals& totals,
+                Console& console) {
+  const auto format =
+      output.format == "json" ? MakeCoverageJson(console) : MakeCoverageText(console);
+  return payload.Print(*format, totals);
 }
 
 }  // namespace
@@ -41,37 +41,24 @@ std::optional<Options> CoverageToolOptions(const std::string& payload, bool bypa
 
 int PrintCoverage(const Options& options, const CoverageOutput& output,
                   const AddAllCovered& addAll) {
-  const auto boards = BoardsOrStatus(options);
-  if (!boards) return boards.Error();
+  const auto boards = BoardsOf(*options.personalitiesDirectory);
+  if (!boards) {
+    PrintError(boards.Error().error.message);
+    return boards.Error().status;
+  }
   CoveredPayload payload(options, *boards);
   ProcessConsole console;
   CoverageTotals totals;
   int refusal = LabStatus::Done;
   const int failure = addAll(AddTo(totals, refusal), payload, console);
   if (failure != LabStatus::Done) return failure;
-  const auto format =
-      output.format == "json" ? MakeCoverageJson(console) : MakeCoverageText(console);
-  const int status = payload.Print(*format, totals);
+  const int status =
+      output.isShard ? LabStatus::Done : PrintBoards(payload, output, totals, console);
   if (status == LabStatus::OutOfMemory) return status;
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (refusal != LabStatus::Done) return refusal;
   if (status != LabStatus::Done) return status;
   return totals.counts.PerMille() < output.threshold.value_or(0) ? 1 : LabStatus::Done;
-}
-
-int PrintCoverageShard(const Options& options, const AddAllCovered& addAll,
-                       const std::function<void(Json totals, Console& console)>& printEnd) {
-  const auto boards = BoardsOrStatus(options);
-  if (!boards) return boards.Error();
-  CoveredPayload payload(options, *boards);
-  ProcessConsole console;
-  CoverageTotals totals;
-  int refusal = LabStatus::Done;
-  const int failure = addAll(AddTo(totals, refusal), payload, console);
-  if (failure != LabStatus::Done) return failure;
-  printEnd(payload.Counts(), console);
-  const int lost = FinishOutput(console);
-  return lost != LabStatus::Done ? lost : refusal;
 }
 
 }  // namespace fernwick::lab

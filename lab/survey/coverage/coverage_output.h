@@ -14,6 +14,7 @@ namespace fernwick::lab {
 struct CoverageOutput {
   std::string format = "text";                // or "json"
   std::optional<std::size_t> threshold = {};  // in tenths of a percent
+  bool isShard = false;  // then nothing is printed but what is printed while adding recordings
 };
 
 /// The tool's options for the payload. Empty, after a line on standard error, where the tool
@@ -31,10 +32,5 @@ using AddAllCovered =
 /// Prints what these recordings exercise of a payload. Returns the exit status.
 int PrintCoverage(const Options& options, const CoverageOutput& output,
                   const AddAllCovered& addAll);
-
-/// Prints the result of a shard instead: `addAll` prints all but the totals of the last line, which
-/// `printEnd` prints. Returns the exit status.
-int PrintCoverageShard(const Options& options, const AddAllCovered& addAll,
-                       const std::function<void(Json totals, Console& console)>& printEnd);
 
 }  // namespace fernwick::lab

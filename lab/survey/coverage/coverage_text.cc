@@ -68,7 +68,7 @@ class KeyText {
 
   void PrintCandidate(const PropertyValue& candidate, std::size_t index) {
     const bool isSingle = coverage_.type == Types::LegacyUsbc;
-    const auto& location = isSingle ? location_.value : location_.value.Elements()[index];
+    const auto& location = *LocationOfCandidate(&location_, coverage_.type, index);
     auto text = std::string(location_.key) + (isSingle ? "" : " " + std::to_string(index + 1)) +
                 At(location.offset);
     const auto personality = candidate.AsDictionary();

@@ -87,6 +87,26 @@ TEST_F(PayloadCoverage, EndsWhereDescriptorsAreLacking) {
   EXPECT_EQ(console.Output(), "");
 }
 
+TEST_F(PayloadCoverage, AddsTheCountsOfThisPayloadAlone) {
+  CoveredPayload counted(options_, {"Zed-1"});
+  EXPECT_EQ(counted.Cover({recording_})->use, RecordingUse::Counted);
+  const auto counts = counted.Counts();
+  CoveredPayload payload(options_, {"Zed-1"});
+  EXPECT_EQ(payload.Counts(), Json::object());
+  EXPECT_TRUE(payload.AddCounts(counts));
+  EXPECT_EQ(payload.Counts(), counts);
+  EXPECT_TRUE(payload.AddCounts(counts));
+  EXPECT_EQ(payload.Counts()["Zed-1"]["runs"], 2);
+  EXPECT_FALSE(payload.AddCounts(nullptr));
+  EXPECT_FALSE(payload.AddCounts({{"Zed-2", counts["Zed-1"]}}));
+  EXPECT_FALSE(payload.AddCounts({{"Zed-1", 1}}));
+  WriteConfiguration("{ USBC = ({}); }");
+  EXPECT_FALSE(payload.AddCounts(counts));
+  CoveredPayload ofAnother(options_, {"Zed-1"});
+  EXPECT_EQ(ofAnother.Cover({recording_})->use, RecordingUse::Counted);
+  EXPECT_FALSE(payload.AddCounts(ofAnother.Counts()));
+}
+
 TEST_F(PayloadCoverage, DoesNotCountWhatHasNoConfiguration) {
   CoveredPayload payload(options_, {"Zed-1"});
   WriteConfiguration("()");

@@ -253,7 +253,7 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   }
   if (!options.payload) return RefuseUsage("results of coverage need --payload");
   if (!IsPayload(*options.payload)) return LabStatus::UnreadableInput;
-  return MergeCoverage(options, {format, options.threshold}, rows);
+  return MergeCoverage(options, {.format = format, .threshold = options.threshold}, rows);
 }
 
 }  // namespace
