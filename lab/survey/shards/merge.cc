@@ -149,18 +149,20 @@ std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
   const auto runs = MemberOf(each.row, "runs");
   const auto status = MemberOf(each.row, "status");
   const auto text = MemberOf(each.line, "text");
-  const auto outcome =
-      name.is_string() ? SettleOutcomeNamed(name.get<std::string>()) : std::nullopt;
   const auto changes = TextsOf(MemberOf(each.row, "changes"));
-  if (!outcome || !runs.is_number_unsigned() || !text.is_string() || !changes) return std::nullopt;
-  if (*outcome == SettleOutcome::Refused && !status.is_number_integer()) return std::nullopt;
-  return SettledComputer{
-      *outcome,
-      runs.get<std::size_t>(),
-      status.is_number_integer() ? std::optional(status.get<int>()) : std::nullopt,
-      each.isNamed,
-      *changes,
-      isText ? text.get<std::string>() : PrintJsonRow(each.row)};
+  if (!name.is_string() || !runs.is_number_unsigned() || !text.is_string() || !changes) {
+    return std::nullopt;
+  }
+  const auto outcome = SettleOutcomeNamed(name.get<std::string>());
+  if (!outcome) return std::nullopt;
+  SettledComputer computer = {.outcome = *outcome,
+                              .runs = runs.get<std::size_t>(),
+                              .isNamed = each.isNamed,
+                              .changes = *changes};
+  if (status.is_number_integer()) computer.status = status.get<int>();
+  if (*outcome == SettleOutcome::Refused && !computer.status) return std::nullopt;
+  computer.text = isText ? text.get<std::string>() : PrintJsonRow(each.row);
+  return computer;
 }
 
 int MergeSettled(const SettleOutput& output, MergedRows& rows) {
