@@ -68,11 +68,7 @@ CommandLine Declare(SampleOptions& options) {
           .description = Description,
           .footer = Footer,
           .arguments = {
-              {.name = "-p,--payload",
-               .target = &options.payload,
-               .help = "the payload directory",
-               .least = 1,
-               .valueName = "PAYLOAD"},
+              PayloadArgument(options.payload),
               {.name = "BOARD",
                .target = &options.board,
                .help = "the name of a directory in Fernwick/",

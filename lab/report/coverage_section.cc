@@ -86,7 +86,7 @@ void CoverageSection::AddPersonalities(const CoveredBoard& board) {
     const bool isSingle = coverage.type == Types::LegacyUsbc;
     for (std::size_t i = 0; i < coverage.tested.size(); ++i) {
       if (!coverage.isPersonality[i]) continue;
-      const auto& value = isSingle ? location.value : location.value.Elements()[i];
+      const auto& value = *LocationOfCandidate(&location, coverage.type, i);
       const auto name = std::string(location.key) + (isSingle ? "" : " " + std::to_string(i + 1));
       personalities_.Add("<tr" + std::exchange(id, "") + ">" +
                              TextCell(XmlText(ShortText(board.name))) + HeadCell(XmlText(name)) +

@@ -42,10 +42,7 @@ std::optional<Options> CoverageToolOptions(const std::string& payload, bool bypa
 int PrintCoverage(const Options& options, const CoverageOutput& output,
                   const AddAllCovered& addAll) {
   const auto boards = BoardsOf(*options.personalitiesDirectory);
-  if (!boards) {
-    PrintError(boards.Error().error.message);
-    return boards.Error().status;
-  }
+  if (!boards) return PrintError(boards.Error());
   CoveredPayload payload(options, *boards);
   ProcessConsole console;
   CoverageTotals totals;

@@ -10,8 +10,8 @@
 #include "lab/survey/settle/settle_computer.h"
 #include "lab/survey/settle/settle_output.h"
 #include "lab/survey/settle/settle_row.h"
-#include "lab/survey/shards/payload_hash.h"
 #include "lab/survey/shards/shard_result.h"
+#include "lab/survey/shards/sharded_batch.h"
 #include "lab/verbs.h"
 #include "lab/what_if/changed_configurations.h"
 #include "lab/what_if/changes.h"
@@ -95,22 +95,6 @@ std::string Check(SettleArguments& arguments) {
   return "--shard needs --format ndjson";
 }
 
-// Prints the first line of the result of a shard. Returns as SettleVerb.
-int PrintHeader(const SettleArguments& arguments, const Changes& changes, Console& console) {
-  const auto payload = PayloadHash(arguments.payload);
-  if (!payload) {
-    PrintError(payload.Error().error.message);
-    return payload.Error().status;
-  }
-  console.Write(PrintShardHeader({*arguments.batch.limits.shard,
-                                  "settle",
-                                  {{"payload", *payload},
-                                   {"bypassVersion", arguments.bypassVersion},
-                                   {"each", arguments.listsSteps},
-                                   {"changes", changes.texts}}}));
-  return LabStatus::Done;
-}
-
 int AddRows(const SettleArguments& arguments, const Changes& changes, const AddSettled& add,
             Console& console) {
   const auto options = ToolOptions(arguments.payload, arguments.bypassVersion);
@@ -132,15 +116,12 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
     const std::function<void()> print = [&, computer = std::move(computer)] { add(computer); };
     return print;
   };
-  if (isShard) {
-    const int status = PrintHeader(arguments, changes, console);
-    if (status != LabStatus::Done) return status;
-  }
-  BatchSummary summary;
-  const int status = RunBatch(arguments.batch, work, console, &summary);
-  if (status != LabStatus::Done || !isShard) return status;
-  console.Write(PrintShardEnd({summary.rows, summary.computers, summary.names}));
-  return LabStatus::Done;
+  const ShardFrame frame = {.verb = "settle",
+                            .payload = arguments.payload,
+                            .options = {{"bypassVersion", arguments.bypassVersion},
+                                        {"each", arguments.listsSteps},
+                                        {"changes", changes.texts}}};
+  return RunShardedBatch(arguments.batch, frame, work, console);
 }
 
 }  // namespace

@@ -125,15 +125,6 @@ bool IsPreferred(const StuckController& a, const StuckController& b) {
   return !NumberLess(a.offered, b.offered) && a.requirements.size() < b.requirements.size();
 }
 
-const ValueLocation* LocationOfPersonality(const StuckController& stuck,
-                                           const ConfigurationFile& file) {
-  const auto* key = KeyLocations(&file.Root()).Find(stuck.type);
-  if (key == nullptr || TypeNamed(stuck.type) != Types::LegacyUsbc) {
-    return key == nullptr ? nullptr : FindElement(key->value, stuck.personality);
-  }
-  return &key->value;
-}
-
 }  // namespace
 
 std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording) {
@@ -158,8 +149,9 @@ std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Reco
 
 void Locate(StuckController& stuck, std::string_view board, const Changes& changes,
             const ConfigurationFile* file) {
-  const auto* personality = file == nullptr ? nullptr : LocationOfPersonality(stuck, *file);
-  const KeyLocations locations(personality);
+  const KeyLocations types(file == nullptr ? nullptr : &file->Root());
+  const KeyLocations locations(
+      LocationOfCandidate(types.Find(stuck.type), TypeNamed(stuck.type), stuck.personality));
   for (auto& [failed, origin] : stuck.requirements) {
     const auto key = failed.requirement->key;
     const auto* location = locations.Find(key);

@@ -11,10 +11,7 @@ int RunShardedBatch(const BatchOptions& options, const ShardFrame& frame, const 
   const auto& shard = options.limits.shard;
   if (!shard) return RunBatch(options, work, console);
   const auto hash = PayloadHash(frame.payload);
-  if (!hash) {
-    PrintError(hash.Error().error.message);
-    return hash.Error().status;
-  }
+  if (!hash) return PrintError(hash.Error());
   auto header = frame.options;
   header["payload"] = *hash;
   console.Write(PrintShardHeader({*shard, frame.verb, header}));
