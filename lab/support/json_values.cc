@@ -66,6 +66,13 @@ std::size_t ActingLength(std::string_view text) {
   return length > 1 && ActsOnText(character) ? length : 0;
 }
 
+// Whether JSON has the text as it is, between quotes: nearly every text and every key of our own.
+bool IsPlain(std::string_view text) {
+  return std::ranges::all_of(text, [](char byte) {
+    return byte >= ' ' && byte < '\x7F' && byte != '"' && byte != '\\';
+  });
+}
+
 // A number, a text or another value without others inside it.
 std::string ScalarText(const Json& value) {
   const auto document = value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -102,6 +109,7 @@ class JsonPrinter {
         Print(member.second);
       });
     }
+    if (value.is_string()) return PrintText(value.get_ref<const std::string&>());
     if (!value.is_array()) return Append(ScalarText(value));
     PrintAll('[', ']', value.get_ref<const Json::array_t&>(),
              [this](const Json& element) { Print(element); });
@@ -110,7 +118,7 @@ class JsonPrinter {
   void Print(const PropertyValue& value) {
     if (const auto dictionary = value.AsDictionary()) {
       return PrintAll('{', '}', dictionary->Entries(), [this](const DictionaryEntry& entry) {
-        PrintKey(std::string(entry.key));
+        PrintKey(entry.key);
         Print(entry.value);
       });
     }
@@ -120,9 +128,16 @@ class JsonPrinter {
   }
 
  private:
-  void PrintKey(const std::string& key) {
-    Append(ScalarText(Json(key)));
+  void PrintKey(std::string_view key) {
+    PrintText(key);
     Append(hasLines_ ? ": " : ":");
+  }
+
+  void PrintText(std::string_view text) {
+    if (!IsPlain(text)) return Append(ScalarText(Json(text)));
+    text_ += '"';
+    text_ += text;
+    Append("\"");
   }
 
   template <typename Range, typename PrintOne>
