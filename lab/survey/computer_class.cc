@@ -43,7 +43,7 @@ bool IsNotNewer(const FailedRequirement& failure) {
 bool IsUpToDate(const std::vector<FailedRequirement>& failures) {
   return IsNotNewer(failures.front()) &&
          std::ranges::all_of(failures, [](const FailedRequirement& failure) {
-           return IsNotNewer(failure) || failure.requirement->test == RequirementTest::MaxVersion;
+           return IsNotNewer(failure) || failure.reason == FailureReason::BelowInstalled;
          });
 }
 

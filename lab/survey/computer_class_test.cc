@@ -80,6 +80,14 @@ TEST(ComputerClass, IsBlockedByTheWindow) {
             "blocked: Version 9 is not newer than the installed 171" + std::string(OfPort));
 }
 
+// It is met by no version, so that an older one would not be updated either.
+TEST(ComputerClass, IsBlockedByAMaximumThatIsNoNumber) {
+  EXPECT_EQ(Classified(OnePort(),
+                       "<dict><key>LegacyUSBC</key><dict><key>Version</key><integer>9</integer>"
+                       "<key>Existing Max Version</key><string>160</string></dict></dict>"),
+            "blocked: Version 9 is not newer than the installed 171" + std::string(OfPort));
+}
+
 TEST(ComputerClass, IsBlockedByAVersionThatIsMissingOrNoNumber) {
   EXPECT_EQ(Classified(OnePort(), "{ LegacyUSBC = {}; }"),
             "blocked: Version is missing; the controller has 171" + std::string(OfPort));

@@ -7,8 +7,8 @@
 #include "personality/personality.h"
 #include "value/record.h"
 
-// A cache by path. A change copies the dictionaries and the array that lead to the personality, not
-// what they contain: linear in their entries, for each change.
+// A cache by board and path. A change copies the dictionaries and the array that lead to the
+// personality, not what they contain: linear in their entries, for each change.
 
 namespace fernwick::lab {
 namespace {
@@ -58,9 +58,9 @@ Result<PropertyValue> Apply(const PersonalityChange& change, const std::string& 
 }  // namespace
 
 const ChangedConfigurations::Document* ChangedConfigurations::FindDocument(
-    const std::string& path) {
+    const BoardAndPath& key) {
   const std::lock_guard lock(mutex_);
-  const auto known = documents_.find(path);
+  const auto known = documents_.find(key);
   return known == documents_.end() ? nullptr : &known->second;
 }
 
@@ -92,17 +92,18 @@ ConfigurationLoader ChangedConfigurations::LoaderFor(std::optional<Error>* refus
   return [this, refusal, applied](const std::optional<std::string>& boardIdString,
                                   const std::optional<std::string>& personalitiesDirectory,
                                   Console& console) -> Result<PropertyList> {
-    const auto path = ConfigurationPath(boardIdString, personalitiesDirectory).value_or("");
-    const auto* document = FindDocument(path);
+    const BoardAndPath key = {
+        boardIdString.value_or(""),
+        ConfigurationPath(boardIdString, personalitiesDirectory).value_or("")};
+    const auto* document = FindDocument(key);
     if (document == nullptr) {
       auto loaded = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
       if (!loaded) return loaded;
-      // Without a board there would have been no path.
       std::optional<Error> fault;
-      auto changed = Change(*std::move(loaded), *boardIdString, fault);
+      auto changed = Change(*std::move(loaded), key.first, fault);
       if (refusal != nullptr && fault) return refusal->emplace(*std::move(fault));
       const std::lock_guard lock(mutex_);
-      document = &documents_.try_emplace(path, std::move(changed)).first->second;
+      document = &documents_.try_emplace(key, std::move(changed)).first->second;
     }
     if (applied != nullptr) *applied = document->applied;
     return PropertyList{{}, document->value};

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lab/support/configuration_file.h"
@@ -15,8 +16,9 @@
 namespace fernwick::lab {
 
 /// The configurations of a payload with changes of personalities. Each is read once, when a run
-/// first needs it, and stays in memory: one for each board. One that cannot be read is read again
-/// by the next run. For use by several threads.
+/// first needs it, and stays in memory: one for each board identifier, since a change may be of one
+/// board alone and several identifiers may lead to one file ("Zed-42" and "Zed-42/"). One that
+/// cannot be read is read again by the next run. For use by several threads.
 class ChangedConfigurations {
  public:
   /// REQUIRES: the changes outlive this and all that its loaders return.
@@ -44,13 +46,15 @@ class ChangedConfigurations {
     std::vector<bool> applied = {};  // the changes, by their index
   };
 
-  const Document* FindDocument(const std::string& path);
+  using BoardAndPath = std::pair<std::string, std::string>;
+
+  const Document* FindDocument(const BoardAndPath& key);
   ConfigurationLoader LoaderFor(std::optional<Error>* refusal, std::vector<bool>* applied);
   Document Change(PropertyList list, const std::string& board, std::optional<Error>& fault) const;
 
   const Changes& changes_;
   std::mutex mutex_;
-  std::map<std::string, Document> documents_;
+  std::map<BoardAndPath, Document> documents_;
   std::map<std::string, ConfigurationFile> located_;
 };
 

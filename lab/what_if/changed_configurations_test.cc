@@ -80,6 +80,18 @@ TEST_F(ConfigurationToChange, IsOfTheBoardThatAChangeNames) {
   EXPECT_NE(LoadChanged({"Zed-42/USBC:1:Version=9"}).find("<integer>9<"), std::string::npos);
 }
 
+TEST_F(ConfigurationToChange, IsOfOneOfTheBoardsThatShareItsFile) {
+  const auto changes = ParseChanges({.properties = {}, .personalities = {"Zed-42/USBC:1:RID=9"}});
+  ChangedConfigurations configurations(*changes);
+  for (const std::string board : {"Zed-42/", "Zed-42", "Zed-42/"}) {
+    std::vector<bool> applied;
+    testing::TestConsole console;
+    const auto loaded = configurations.Loader(applied)(board, directory_.Path() + "/", console);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(applied, std::vector<bool>{board == "Zed-42"}) << board;
+  }
+}
+
 TEST_F(ConfigurationToChange, HasTheChangesThatItCanHave) {
   const auto changes = ParseChanges(
       {.properties = {},

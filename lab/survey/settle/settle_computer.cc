@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "lab/explain/print.h"
+#include "lab/recordings/entry_path.h"
 #include "lab/support/words.h"
 #include "lab/survey/run.h"
 #include "lab/survey/settle/causes.h"
@@ -52,7 +53,7 @@ class RowWriter {
     row_.uncheckedBy = settling_.uncheckedBy;
     WriteEnd();
     for (const auto& [entry, isPort, before, after] : settling_.controllers) {
-      row_.controllers.push_back({PathInAnyPlane(recording_, entry), isPort, ValueOrNull(before),
+      row_.controllers.push_back({EntryPath(recording_, entry), isPort, ValueOrNull(before),
                                   ValueOrNull(after), IsOlder(after, before)});
     }
     if (settling_.end == SettleEnd::StateComesBack) WriteRepetitions();
@@ -62,7 +63,7 @@ class RowWriter {
   void WriteStuck(const std::vector<StuckController>& stuck) {
     row_.outcome = SettleOutcome::Stuck;
     for (const auto& each : stuck) {
-      row_.stuck.push_back({PathInAnyPlane(recording_, each.controller), std::string(each.type),
+      row_.stuck.push_back({EntryPath(recording_, each.controller), std::string(each.type),
                             each.personality + 1, ToJson(each.offered), ValueOrNull(each.installed),
                             RequirementsOf(each)});
     }
@@ -90,8 +91,8 @@ class RowWriter {
   NamedFlash Named(const Flash& flash) const {
     return {std::string(NameOfType(flash.type)),
             flash.personality + 1,
-            PathInAnyPlane(recording_, flash.controller),
-            PathInAnyPlane(recording_, flash.changed),
+            EntryPath(recording_, flash.controller),
+            EntryPath(recording_, flash.changed),
             ValueOrNull(flash.offered),
             ValueOrNull(flash.before),
             ValueOrNull(flash.after),

@@ -110,6 +110,26 @@ TEST_F(SettledComputer, MayNeedNoPlan) {
   EXPECT_EQ(Text(), "c: settled after 0 runs\n");
 }
 
+// As other verbs name them.
+TEST_F(SettledComputer, NamesControllersInThePlaneOfTheServices) {
+  Record port(Port("hpm0", {{"Version", 0x171}}));
+  port.Set("ID", "p");
+  const auto tree = Dict(
+      {{"Properties", Dict({{"board-id", Bytes("Zed-1")}})}, {"Children", List({Dict(port)})}});
+  const auto services = Dict({{"Children", List({Dict({{"Link", "p"}})})}});
+  WriteRecording(Dict({{"IODeviceTree", tree}, {"IOService", services}}));
+  WritePayload(Dict({{"LegacyUSBC", Personality({{"Version", 180.5}})}}));
+  listsSteps_ = true;
+  EXPECT_EQ(Text(),
+            "c: never settles: the state after 1 run comes back after 2 runs\n"
+            "  run 1\n"
+            "    LegacyUSBC personality 1 for IOService:/hpm0: 171 -> 180\n"
+            "  run 2\n"
+            "    LegacyUSBC personality 1 for IOService:/hpm0: 180 -> 180\n"
+            "  IOService:/hpm0: 171 -> 180\n"
+            "  IOService:/hpm0: LegacyUSBC personality 1 offers 180.5, of which 180 is stored\n");
+}
+
 TEST_F(SettledComputer, IsARowOfJson) {
   WritePort({{"Version", 0x171}}, {{"Version", 180}});
   EXPECT_EQ(
