@@ -1,7 +1,9 @@
 #include "lab/support/configuration_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "platform/file_system.h"
@@ -39,6 +41,25 @@ std::vector<TextMark> MarksOf(std::string_view text) {
 std::string Describe(const FileLocation& location) {
   if (location.line == 0) return "byte " + std::to_string(location.byte);
   return std::to_string(location.line) + ":" + std::to_string(location.column);
+}
+
+// Empty components and "." say nothing. ".." after a link is not what is before it, so that a path
+// with it is resolved.
+std::string BoardNamed(const std::string& identifier, const std::string& personalitiesDirectory) {
+  std::filesystem::path path;
+  bool goesUp = false;
+  for (const auto& component : std::filesystem::path(identifier).relative_path()) {
+    if (component.empty() || component == ".") continue;
+    goesUp = goesUp || component == "..";
+    path /= component;
+  }
+  if (goesUp) {
+    const std::filesystem::path directory = personalitiesDirectory;
+    std::error_code removed;
+    path = std::filesystem::canonical(directory / path, removed)
+               .lexically_relative(std::filesystem::canonical(directory, removed));
+  }
+  return path.empty() ? "." : path.string();
 }
 
 ConfigurationFile::ConfigurationFile(PropertyList list, Serialisation serialisation,

@@ -18,6 +18,11 @@ namespace fernwick::lab {
 /// "12:7", line and column; "byte 812" in a binary file.
 std::string Describe(const FileLocation& location);
 
+/// The name of the directory that the tool opens for a board identifier, which it uses as it is:
+/// "Zed-9" also for "Zed-9/" and "/Zed-9", "." for the directory of the boards itself, and for one
+/// that is not in it a path from there. REQUIRES: the directory exists.
+std::string BoardNamed(const std::string& identifier, const std::string& personalitiesDirectory);
+
 /// A position in a text from which others are counted: the start of a line, or one further on in a
 /// long line.
 struct TextMark {

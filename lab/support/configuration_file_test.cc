@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "testing/inputs/binary_property_list_builder.h"
 #include "testing/inputs/corruption.h"
 #include "testing/temporary_directory.h"
@@ -105,6 +107,28 @@ TEST(ConfigurationFile, ThatCannotBeReadIsAnError) {
   ASSERT_FALSE(loading);
   EXPECT_EQ(loading.Error().status, 66);
   EXPECT_EQ(Describe(loading.Error().error), "No such file or directory");
+}
+
+TEST(BoardNamed, IsTheDirectoryThatIsOpened) {
+  const testing::TemporaryDirectory directory;
+  const auto path = directory.Path() + "/Fernwick/";
+  std::filesystem::create_directories(path + "Zed-1/inner");
+  std::filesystem::create_directories(directory.Path() + "/elsewhere/deep");
+  std::filesystem::create_directory_symlink("../elsewhere/deep", path + "Zed-2");
+  const auto named = [&](const std::string& identifier) { return BoardNamed(identifier, path); };
+  for (const auto* identifier :
+       {"Zed-1", "Zed-1/", "Zed-1//", "/Zed-1", "//Zed-1", "./Zed-1", "Zed-1/.", "Zed-1/inner/..",
+        "../Fernwick/Zed-1", "Zed-2/../../Fernwick/Zed-1"}) {
+    EXPECT_EQ(named(identifier), "Zed-1") << identifier;
+  }
+  for (const auto* identifier : {"", ".", "/", "/.", "./", "Zed-1/..", "../Fernwick"}) {
+    EXPECT_EQ(named(identifier), ".") << identifier;
+  }
+  EXPECT_EQ(named("Zed-2/"), "Zed-2");
+  EXPECT_EQ(named("Zed-1//inner"), "Zed-1/inner");
+  EXPECT_EQ(named(".."), "..");
+  EXPECT_EQ(named("Zed-2/.."), "../elsewhere");
+  EXPECT_EQ(named("..."), "...");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "lab/what_if/changed_configurations.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -7,7 +8,7 @@
 #include "personality/personality.h"
 #include "value/record.h"
 
-// A cache by board and path. A change copies the dictionaries and the array that lead to the
+// A cache by directory. A change copies the dictionaries and the array that lead to the
 // personality, not what they contain: linear in their entries, for each change.
 
 namespace fernwick::lab {
@@ -57,8 +58,14 @@ Result<PropertyValue> Apply(const PersonalityChange& change, const std::string& 
 
 }  // namespace
 
-const ChangedConfigurations::Document* ChangedConfigurations::FindDocument(
-    const BoardAndPath& key) {
+ChangedConfigurations::DocumentKey ChangedConfigurations::KeyOf(
+    const std::string& board, const std::string& personalitiesDirectory) const {
+  const bool isNamed = std::ranges::find(changes_.personalities, board,
+                                         &PersonalityChange::board) != changes_.personalities.end();
+  return {BoardNamed(board, personalitiesDirectory), isNamed ? board : ""};
+}
+
+const ChangedConfigurations::Document* ChangedConfigurations::FindDocument(const DocumentKey& key) {
   const std::lock_guard lock(mutex_);
   const auto known = documents_.find(key);
   return known == documents_.end() ? nullptr : &known->second;
@@ -92,15 +99,17 @@ ConfigurationLoader ChangedConfigurations::LoaderFor(std::optional<Error>* refus
   return [this, refusal, applied](const std::optional<std::string>& boardIdString,
                                   const std::optional<std::string>& personalitiesDirectory,
                                   Console& console) -> Result<PropertyList> {
-    const BoardAndPath key = {
-        boardIdString.value_or(""),
-        ConfigurationPath(boardIdString, personalitiesDirectory).value_or("")};
+    const auto load = [&] {
+      return LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+    };
+    if (!boardIdString) return load();
+    const auto key = KeyOf(*boardIdString, personalitiesDirectory.value_or(""));
     const auto* document = FindDocument(key);
     if (document == nullptr) {
-      auto loaded = LoadPersonalityConfiguration(boardIdString, personalitiesDirectory, console);
+      auto loaded = load();
       if (!loaded) return loaded;
       std::optional<Error> fault;
-      auto changed = Change(*std::move(loaded), key.first, fault);
+      auto changed = Change(*std::move(loaded), *boardIdString, fault);
       if (refusal != nullptr && fault) return refusal->emplace(*std::move(fault));
       const std::lock_guard lock(mutex_);
       document = &documents_.try_emplace(key, std::move(changed)).first->second;
@@ -110,12 +119,15 @@ ConfigurationLoader ChangedConfigurations::LoaderFor(std::optional<Error>* refus
   };
 }
 
-Result<const ConfigurationFile*, LabError> ChangedConfigurations::Located(const std::string& path) {
+Result<const ConfigurationFile*, LabError> ChangedConfigurations::Located(
+    const std::string& board, const std::string& personalitiesDirectory) {
+  const auto key = BoardNamed(board, personalitiesDirectory);
   const std::lock_guard lock(mutex_);
-  const auto known = located_.find(path);
+  const auto known = located_.find(key);
   if (known != located_.end()) return &known->second;
+  const auto path = *ConfigurationPath(board, personalitiesDirectory);
   auto file = LoadConfiguration(path);
-  if (file) return &located_.try_emplace(path, *std::move(file)).first->second;
+  if (file) return &located_.try_emplace(key, *std::move(file)).first->second;
   const auto& [error, status] = file.Error();
   if (status != LabStatus::OutOfMemory) return nullptr;
   return LabError{{path + ": " + error.message}, status};

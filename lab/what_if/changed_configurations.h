@@ -16,9 +16,9 @@
 namespace fernwick::lab {
 
 /// The configurations of a payload with changes of personalities. Each is read once, when a run
-/// first needs it, and stays in memory: one for each board identifier, since a change may be of one
-/// board alone and several identifiers may lead to one file ("Zed-42" and "Zed-42/"). One that
-/// cannot be read is read again by the next run. For use by several threads.
+/// first needs it, and stays in memory: one for each file, however identifiers name it ("Zed-42"
+/// and "Zed-42/"), and one more for each board that a change names. One that cannot be read is read
+/// again by the next run. For use by several threads.
 class ChangedConfigurations {
  public:
   /// REQUIRES: the changes outlive this and all that its loaders return.
@@ -35,8 +35,9 @@ class ChangedConfigurations {
 
   /// The same file with the locations of its values, without the changes; null when it can no
   /// longer be read. An error, whose message begins with the path, for lack of memory or
-  /// descriptors. Read once, when it is first asked for. `path` is that of the file.
-  Result<const ConfigurationFile*, LabError> Located(const std::string& path);
+  /// descriptors. Read once, when it is first asked for. REQUIRES: it was there.
+  Result<const ConfigurationFile*, LabError> Located(const std::string& board,
+                                                     const std::string& personalitiesDirectory);
 
  private:
   struct Document {
@@ -46,15 +47,17 @@ class ChangedConfigurations {
     std::vector<bool> applied = {};  // the changes, by their index
   };
 
-  using BoardAndPath = std::pair<std::string, std::string>;
+  // The directory, and the board if a change names it.
+  using DocumentKey = std::pair<std::string, std::string>;
 
-  const Document* FindDocument(const BoardAndPath& key);
+  DocumentKey KeyOf(const std::string& board, const std::string& personalitiesDirectory) const;
+  const Document* FindDocument(const DocumentKey& key);
   ConfigurationLoader LoaderFor(std::optional<Error>* refusal, std::vector<bool>* applied);
   Document Change(PropertyList list, const std::string& board, std::optional<Error>& fault) const;
 
   const Changes& changes_;
   std::mutex mutex_;
-  std::map<BoardAndPath, Document> documents_;
+  std::map<DocumentKey, Document> documents_;
   std::map<std::string, ConfigurationFile> located_;
 };
 

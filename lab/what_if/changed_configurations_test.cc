@@ -136,13 +136,14 @@ TEST_F(ConfigurationToChange, IsAbsentWithoutABoard) {
 TEST_F(ConfigurationToChange, IsLocatedOnce) {
   const Changes changes;
   ChangedConfigurations configurations(changes);
-  const auto file = configurations.Located(path_);
+  const auto file = configurations.Located("Zed-42", directory_.Path() + "/");
   ASSERT_TRUE(file);
   ASSERT_NE(*file, nullptr);
   EXPECT_EQ((*file)->Root().Entries().size(), 3u);
+  EXPECT_EQ(*configurations.Located("./Zed-42/", directory_.Path() + "/"), *file);
   std::filesystem::remove(path_);
-  EXPECT_EQ(*configurations.Located(path_), *file);
-  EXPECT_EQ(*configurations.Located(path_ + "2"), nullptr);
+  EXPECT_EQ(*configurations.Located("Zed-42", directory_.Path() + "/"), *file);
+  EXPECT_EQ(*configurations.Located("Zed-43", directory_.Path() + "/"), nullptr);
 }
 
 TEST_F(ConfigurationToChange, IsAnErrorWithoutDescriptors) {
@@ -154,7 +155,7 @@ TEST_F(ConfigurationToChange, IsAnErrorWithoutDescriptors) {
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
   const rlimit none = {0, usual.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  const auto file = configurations.Located(path_);
+  const auto file = configurations.Located("Zed-42", directory_.Path() + "/");
   const auto settled = Load(configurations);
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
   ASSERT_FALSE(file);

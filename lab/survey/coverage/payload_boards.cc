@@ -26,23 +26,4 @@ Result<std::vector<std::string>, LabError> BoardsOf(const std::string& personali
   return boards;
 }
 
-// Empty components and "." say nothing. ".." after a link is not what is before it, so that a path
-// with it is resolved.
-std::string BoardNamed(const std::string& identifier, const std::string& personalitiesDirectory) {
-  fs::path path;
-  bool goesUp = false;
-  for (const auto& component : fs::path(identifier).relative_path()) {
-    if (component.empty() || component == ".") continue;
-    goesUp = goesUp || component == "..";
-    path /= component;
-  }
-  if (goesUp) {
-    const fs::path directory = personalitiesDirectory;
-    std::error_code removed;
-    path = fs::canonical(directory / path, removed)
-               .lexically_relative(fs::canonical(directory, removed));
-  }
-  return path.empty() ? "." : path.string();
-}
-
 }  // namespace fernwick::lab

@@ -39,27 +39,5 @@ TEST(PayloadBoards, OfAMissingDirectoryAreAnError) {
   EXPECT_EQ(boards.Error().status, 66);
 }
 
-TEST(BoardNamed, IsTheDirectoryThatIsOpened) {
-  const testing::TemporaryDirectory directory;
-  const auto path = directory.Path() + "/Fernwick/";
-  fs::create_directories(path + "Zed-1/inner");
-  fs::create_directories(directory.Path() + "/elsewhere/deep");
-  fs::create_directory_symlink("../elsewhere/deep", path + "Zed-2");
-  const auto named = [&](const std::string& identifier) { return BoardNamed(identifier, path); };
-  for (const auto* identifier :
-       {"Zed-1", "Zed-1/", "Zed-1//", "/Zed-1", "//Zed-1", "./Zed-1", "Zed-1/.", "Zed-1/inner/..",
-        "../Fernwick/Zed-1", "Zed-2/../../Fernwick/Zed-1"}) {
-    EXPECT_EQ(named(identifier), "Zed-1") << identifier;
-  }
-  for (const auto* identifier : {"", ".", "/", "/.", "./", "Zed-1/..", "../Fernwick"}) {
-    EXPECT_EQ(named(identifier), ".") << identifier;
-  }
-  EXPECT_EQ(named("Zed-2/"), "Zed-2");
-  EXPECT_EQ(named("Zed-1//inner"), "Zed-1/inner");
-  EXPECT_EQ(named(".."), "..");
-  EXPECT_EQ(named("Zed-2/.."), "../elsewhere");
-  EXPECT_EQ(named("..."), "...");
-}
-
 }  // namespace
 }  // namespace fernwick::lab

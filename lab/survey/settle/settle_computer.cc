@@ -9,7 +9,6 @@
 #include "lab/survey/settle/causes.h"
 #include "lab/survey/settle/stuck.h"
 #include "lab/what_if/changed_computer.h"
-#include "personality/configuration.h"
 #include "registry/board_identity.h"
 
 namespace fernwick::lab {
@@ -148,11 +147,10 @@ std::optional<LabError> FindStuck(const Settling& settling, const Recording& rec
                                   const SettleWork& work, RowWriter& writer) {
   auto stuck = FindStuckControllers(settling.last, recording);
   if (stuck.empty()) return std::nullopt;
-  const auto& board = settling.last.result.identity->boardIdString;
-  const auto path = ConfigurationPath(board, work.options.personalitiesDirectory);
-  const auto located = work.configurations.Located(*path);
+  const auto& board = *settling.last.result.identity->boardIdString;
+  const auto located = work.configurations.Located(board, *work.options.personalitiesDirectory);
   if (!located) return located.Error();
-  for (auto& each : stuck) Locate(each, *board, work.changes, *located);
+  for (auto& each : stuck) Locate(each, board, work.changes, *located);
   writer.WriteStuck(stuck);
   return std::nullopt;
 }
