@@ -157,6 +157,35 @@ TEST_F(Draft, LeavesOutFilesOfADirectoryThatNoRunCanUse) {
       << excepted.standardError;
 }
 
+// A run that lists the ports alone ends normally, and would match them.
+TEST_F(Draft, SeesExceptedPortsBesideAThunderboltControllerWithoutAUid) {
+  const std::string port =
+      "<dict><key>Name</key><string>hpm0</string><key>Class</key><string>QuinceHPMDevice</string>"
+      "<key>Properties</key><dict><key>Vendor ID</key><integer>1</integer><key>Device ID</key>"
+      "<integer>2</integer><key>Revision ID</key><integer>3</integer><key>Version</key>"
+      "<integer>4</integer></dict></dict>";
+  const std::string ridge =
+      "<dict><key>Name</key><string>ridge0</string><key>Class</key><string>IOThunderboltSwitch"
+      "</string><key>Properties</key><dict><key>Depth</key><integer>0</integer><key>Route String"
+      "</key><integer>0</integer></dict></dict>";
+  const auto write = [&](const std::string& name, const std::string& children) {
+    return directory_.Write(
+        name,
+        "<dict><key>Recording Version</key><integer>1</integer><key>Planes</key><dict>"
+        "<key>IOService</key><dict><key>Children</key><array>" +
+            children + "</array></dict></dict></dict>");
+  };
+  const auto wanted = write("wanted.registry.plist", port);
+  const auto excepted = write("excepted/a.registry.plist", port + ridge);
+  ExpectOutcome(Run({wanted, "--except", directory_.Path() + "/excepted"}),
+                {"1", "",
+                 "fernwick-lab: " + excepted +
+                     ": its Thunderbolt controllers are left out: one without a \"UID\" ends every "
+                     "run that lists them\nfernwick-lab: " +
+                     wanted + ": IOService:/hpm0 cannot be distinguished from the excepted " +
+                     excepted + ": IOService:/hpm0\n"});
+}
+
 TEST_F(Draft, LeavesOutMembersOfAnArchiveThatNoRunCanUse) {
   const auto archive = directory_.Write(
       "all.tar", testing::ArchiveOf({

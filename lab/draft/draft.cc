@@ -147,8 +147,11 @@ BatchResult AddComputer(Selected selected, DraftSide side, DraftedComputers& com
   const bool isNamed = selected.isNamed;
   auto computer = InspectComputer(std::move(selected));
   if (computer) {
-    return std::function(
-        [&computers, side, computer = *std::move(computer)] { computers.Add(*computer, side); });
+    return std::function([&computers, side, computer = *std::move(computer)] {
+      computers.Add(*computer, side);
+      const auto unlisted = DescribeUnlisted(*computer);
+      if (!unlisted.empty()) PrintError(unlisted);
+    });
   }
   const auto& failure = computer.Error();
   if (isNamed || failure.status == LabStatus::OutOfMemory) return failure;

@@ -39,7 +39,10 @@ Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const
   computer->bypassesVersionCheck = *bypassesVersion;
   computer->thunderbolt = FindThunderboltControllers(computer->recording);
   computer->ports = FindPortControllers(computer->recording);
-  if (computer->thunderbolt.endsRun || computer->ports.endsRun) {
+  const auto& thunderbolt = computer->thunderbolt;
+  const auto& ports = computer->ports;
+  const bool endsRuns = thunderbolt.endsRun || ports.endsRun;
+  if (endsRuns && thunderbolt.inventory.records.empty() && ports.inventory.records.empty()) {
     return ErrorAt(path, {{"a Thunderbolt controller without a \"UID\" ends every run abnormally"},
                           LabStatus::MalformedInput});
   }
@@ -50,6 +53,20 @@ Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(Selec
   auto recording = LoadSelected(selected);
   if (!recording) return ErrorAt(selected.path, recording.Error());
   return InspectComputer(selected.path, *std::move(recording));
+}
+
+std::string DescribeUnlisted(const InspectedComputer& computer) {
+  if (computer.thunderbolt.endsRun) {
+    return computer.path +
+           ": its Thunderbolt controllers are left out: one without a \"UID\" ends every run that "
+           "lists them";
+  }
+  if (computer.ports.endsRun) {
+    return computer.path +
+           ": its ports are left out: a Thunderbolt controller without a \"UID\" above one ends "
+           "every run that lists them";
+  }
+  return "";
 }
 
 DraftedComputers::DraftedComputers()

@@ -28,13 +28,18 @@ struct InspectedComputer {
   Controllers ports;
 };
 
-/// Collects the inventories of a recording, which `path` names. Fails where that would end a run
-/// abnormally. The result views itself.
+/// Collects the inventories of a recording, which `path` names. Fails where each run would end
+/// abnormally: the run of a draft lists the controllers of one kind alone, so those of the other
+/// kind may still match. The result views itself.
 Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const std::string& path,
                                                                            Recording recording);
 
 /// The same after reading the recording.
 Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(Selected selected);
+
+/// Which controllers of the computer no run of a draft can list, and why, to follow no other text;
+/// empty where all can be listed.
+std::string DescribeUnlisted(const InspectedComputer& computer);
 
 /// A controller that several computers may have.
 struct DraftedController {

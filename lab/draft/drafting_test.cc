@@ -526,6 +526,40 @@ TEST(InspectComputer, FailsWhereASwitchWithoutAValueEndsTheRun) {
   }
 }
 
+// A draft has one type, whose run lists the controllers of one kind.
+TEST(InspectComputer, ListsTheKindThatEndsNoRun) {
+  Computer ridges;
+  ridges.AddPort("hpm0", Port({}));
+  ridges.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  const auto ofPorts = InspectComputer("it", CopyOf(ridges));
+  ASSERT_TRUE(ofPorts);
+  EXPECT_EQ((*ofPorts)->ports.inventory.records.size(), 1u);
+  EXPECT_EQ(DescribeUnlisted(**ofPorts),
+            "it: its Thunderbolt controllers are left out: one without a \"UID\" ends every run "
+            "that lists them");
+
+  Computer dock;
+  dock.AddThunderbolt("ridge0", Thunderbolt({}));
+  const auto deeper = dock.AddThunderbolt("ridge1", {{"Depth", 1}, {"Route String", 1}});
+  dock.AddService(deeper, "hpm0", "QuinceHPMDevice", Port({}));
+  const auto ofRidges = InspectComputer("it", CopyOf(dock));
+  ASSERT_TRUE(ofRidges);
+  EXPECT_EQ((*ofRidges)->thunderbolt.inventory.records.size(), 1u);
+  EXPECT_EQ(DescribeUnlisted(**ofRidges),
+            "it: its ports are left out: a Thunderbolt controller without a \"UID\" above one ends "
+            "every run that lists them");
+}
+
+TEST(InspectComputer, FailsWhereEveryRunEndsAbnormally) {
+  Computer computer;
+  const auto ridge = computer.AddThunderbolt("ridge0", {{"Depth", 0}, {"Route String", 0}});
+  computer.AddService(ridge, "hpm0", "QuinceHPMDevice", Port({}));
+  const auto inspected = InspectComputer("it", CopyOf(computer));
+  ASSERT_FALSE(inspected);
+  EXPECT_EQ(inspected.Error().error.message,
+            "it: a Thunderbolt controller without a \"UID\" ends every run abnormally");
+}
+
 // Identifiers of boards may differ in what the path of the configuration does not.
 TEST(DraftedComputers, LeavesOutExceptedOnesThatReadAnotherConfiguration) {
   DraftedComputers computers;

@@ -104,16 +104,18 @@ Result<PersonalityChange> ParsePersonality(std::string_view text) {
 
 const char WhatIfHelp[] =
     "An ENTRY is the name of an entry of the registry or its path, \"IOService:/bridge0/hpm0\". N "
-    "is the\nnumber of a personality, from 1; with a BOARD and a slash before the TYPE that of one "
-    "board alone.\nA VALUE is a number (5, 0x1F, 41.05), true or false, \"a text\", data as "
-    "<5a65>, "
-    "a list as (1, 2), an\nelement of XML, or any other text, which is itself; without a VALUE "
-    "after "
-    "the = what is there is\nremoved. A text for what is recorded as data, and for board-id, "
-    "becomes "
-    "data with a zero byte at its\nend. These cannot be named: an ENTRY with = or :/ in its name, "
-    "a "
-    "PROPERTY with : or =, a KEY with =.\n";
+    "is the\n"
+    "number of a personality, from 1; with a BOARD and a slash before the TYPE that of one board "
+    "alone.\n"
+    "A VALUE is a number (5, 0x1F, 41.05), true or false, \"a text\", data as <5a65>, a list as "
+    "(1, 2), an\n"
+    "element of XML, or any other text, which is itself; without a VALUE after the = what is there "
+    "is\n"
+    "removed. A text for what is recorded as data, and for board-id, becomes data with a zero byte "
+    "at its\n"
+    "end. These cannot be named: an ENTRY with = or :/ in its name, a PROPERTY or a BOARD with : "
+    "or =,\n"
+    "a KEY with =.\n";
 
 void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
   line.arguments.push_back({.name = std::string(PropertyOption),
