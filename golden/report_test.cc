@@ -150,6 +150,14 @@ TEST_F(ReportedFleet, EndsWithTheStatusOfWhatCannotBeUsed) {
   directory_.Write("bad.registry.plist", "<x");
   EXPECT_EQ(status({"-p", "payload", "bad.registry.plist", "computers"}), "65");
   EXPECT_NE(Page().find("recording is refused"), std::string::npos);
+  ExpectOutcome(
+      Report({"-p", "payload", "-o", "page.html", "--force", "computers", "absent.registry.plist",
+              "bad.registry.plist"},
+             directory_.Path()),
+      {"66", "",
+       "fernwick-lab: absent.registry.plist: No such file or directory\n"
+       "fernwick-lab: bad.registry.plist: line 1, column 2: data contains something other "
+       "than hexadecimal digits\n"});
   directory_.Write("payload/Fernwick/Zed-9/Config.plist", "<x");
   EXPECT_EQ(status({"-p", "payload", "computers"}), "65");
   std::filesystem::remove(directory_.Path() + "/page.html");

@@ -12,7 +12,7 @@ namespace fernwick::lab {
 void ComputerGroups::Add(const std::string& said, const ComputerName& computer, std::size_t items) {
   const auto known = indexes_.find(said);
   if (known == indexes_.end()) {
-    if (groups_.size() == MaxGroups || !budget_.Use(said.size())) {
+    if (groups_.size() == MaxGroups || !saidBudget_.Use(said.size())) {
       ++others_;
       return;
     }
@@ -22,7 +22,7 @@ void ComputerGroups::Add(const std::string& said, const ComputerName& computer, 
   auto& group = groups_[index];
   group.items += items;
   if (std::exchange(group.lastComputer, computer.number) == computer.number) return;
-  group.names.Add("<li>" + computer.markup + "</li>", group.limit, budget_);
+  group.names.Add("<li>" + computer.markup + "</li>", group.limit, nameBudget_);
 }
 
 std::string ComputerGroups::RowMarkup(std::size_t index, const std::string& command,

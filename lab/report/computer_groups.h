@@ -16,9 +16,10 @@ namespace fernwick::lab {
 /// memory does not grow with the number of computers.
 class ComputerGroups {
  public:
-  /// All names of the groups together, and what is said, need no more than so many bytes. `id`
-  /// begins the IDs of the groups.
-  ComputerGroups(std::string id, std::size_t bytes) : id_(std::move(id)), budget_(bytes) {}
+  /// What is said needs at most half of so many bytes, and the names of all groups the other half:
+  /// many names leave no group out. `id` begins the IDs of the groups.
+  ComputerGroups(std::string id, std::size_t bytes)
+      : id_(std::move(id)), saidBudget_(bytes / 2), nameBudget_(bytes / 2) {}
 
   /// Adds a computer to the group of what is said, as markup; once, however often it is added in
   /// succession. `items` is what is counted besides, such as controllers.
@@ -50,7 +51,8 @@ class ComputerGroups {
                         const std::string& itemColumn) const;
 
   std::string id_;
-  ByteBudget budget_;
+  ByteBudget saidBudget_;
+  ByteBudget nameBudget_;
   std::map<std::string, std::size_t> indexes_;  // a tree: payloads choose the keys
   std::vector<Group> groups_;                   // in the order in which they came
   std::size_t others_ = 0;  // how often a computer was in a group that is not there

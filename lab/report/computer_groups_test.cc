@@ -32,7 +32,7 @@ TEST(ComputerGroups, HaveTheLargestFirstAndEachComputerOnce) {
 
 TEST(ComputerGroups, CountWhatIsNotListed) {
   ComputerGroups groups("g", 30);
-  groups.Add("said", {1, std::string(11, 'x')});
+  groups.Add("said", {1, "x"});
   groups.Add("said", {2, std::string(11, 'x')});
   groups.Add("another, longer", {3, "y"});
   const auto markup = groups.Markup("Groups", "What", "all");
@@ -41,8 +41,17 @@ TEST(ComputerGroups, CountWhatIsNotListed) {
   EXPECT_TRUE(markup.ends_with("</div>\n<p class=\"more\">1 more; all: <code>all</code></p>\n"));
 }
 
+TEST(ComputerGroups, AreThereWhateverNamesTheFirstOnesHave) {
+  ComputerGroups groups("g", 100);
+  for (std::size_t i = 0; i < 50; ++i) groups.Add("often", {i, "name"});
+  groups.Add("once", {50, "name"});
+  const auto markup = groups.Markup("Groups", "What", "all");
+  EXPECT_NE(markup.find("<th scope=\"row\">once</th>"), std::string::npos);
+  EXPECT_NE(markup.find("<a href=\"#g-2\">1</a>"), std::string::npos);
+}
+
 TEST(ComputerGroups, WithoutANameHaveTheNumberAlone) {
-  ComputerGroups groups("g", 4);
+  ComputerGroups groups("g", 8);
   groups.Add("said", {1, "x"});
   EXPECT_NE(groups.Markup("Groups", "What", "all").find("<div id=\"g-1\"><p class=\"more\">1 more"),
             std::string::npos);

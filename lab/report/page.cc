@@ -116,6 +116,11 @@ std::string ReportPage::AlertsMarkup() const {
   alerts.Add(settled(SettleOutcome::Undecided), "undecided",
              "computer is not settled after very many runs",
              "computers are not settled after very many runs");
+  alerts.Add(settling_.Totals().endedByPlans, "settling-table",
+             "computer gets no further update: a plan turns updates off or makes the tool end "
+             "abnormally",
+             "computers get no further update: a plan turns updates off or makes the tool end "
+             "abnormally");
   alerts.Add(totals_.missingImages, "missing-images", "planned image is missing in the payload",
              "planned images are missing in the payload");
   alerts.Add(changes_.Totals().lost, "changes", "computer loses its plan",

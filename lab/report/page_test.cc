@@ -134,6 +134,19 @@ TEST_F(ReportedPage, HasWhoNeverSettlesAndWhoIsStuck) {
   EXPECT_TRUE(Has(page, "<th scope=\"row\">after 1000 runs</th>"));
 }
 
+TEST_F(ReportedPage, HasWhoGetsNoFurtherUpdateAndWhoHasNoPlan) {
+  auto none = Settled("three", SettleOutcome::NoPlan, 0);
+  none.settling->reason = "<none>";
+  const auto page = Markup({Settled("one", SettleOutcome::AbnormalEnd, 1),
+                            Settled("two", SettleOutcome::Bypassed, 2), none});
+  EXPECT_TRUE(Has(page, "<a href=\"#settling-table\">2</a></strong> computers get no further"))
+      << page;
+  EXPECT_TRUE(Has(page, "<a href=\"#abnormal-after\">1</a>"));
+  EXPECT_TRUE(Has(page, "<table id=\"abnormal-after\"><caption>Abnormal end</caption>"));
+  EXPECT_TRUE(Has(page, "<a href=\"#no-plan\">1</a>"));
+  EXPECT_TRUE(Has(page, "<th scope=\"row\">&lt;none&gt;</th>"));
+}
+
 TEST_F(ReportedPage, HasChangesAgainstTheOldPayload) {
   auto computer = Planned("one");
   computer.difference = DiffRow{.file = "one", .board = "Zed-1"};

@@ -97,7 +97,7 @@ int WritePage(const ReportArguments& arguments, const std::string& page) {
 }
 
 // Adds everything that is selected. Returns as RunBatch; `refusal` is the status of the first named
-// recording that is refused.
+// recording that is refused; of each, an error is printed.
 int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, ReportPage& page,
               int& refusal, Console& console) {
   const auto work = [&](Selected selected) -> BatchResult {
@@ -105,8 +105,11 @@ int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, Repo
     auto reported = reporter.Report(std::move(selected));
     if (!reported) return reported.Error();
     const std::function<void()> add = [&, isNamed, computer = *std::move(reported)] {
-      const bool isRefused = computer.row.outcome == Outcome::Refused;
-      if (isRefused && isNamed && refusal == LabStatus::Done) refusal = *computer.row.status;
+      const auto& row = computer.row;
+      if (isNamed && row.outcome == Outcome::Refused) {
+        PrintError(row.file + ": " + row.reason);
+        if (refusal == LabStatus::Done) refusal = *row.status;
+      }
       page.Add(computer);
     };
     return add;

@@ -23,10 +23,10 @@ constexpr std::array<OutcomeLook, SettleOutcomeCount> Looks = {{
     {2, "nothing more is planned, but the payload has newer versions for its controllers", "stuck"},
     {8, "a plan is printed again and again", "never-settles"},
     {7, "not settled within the bounds of the simulation", "undecided"},
-    {4, "there is no configuration for the board, or a match names no image", "computers"},
+    {4, "there is no configuration for the board, or a match names no image", "no-plan"},
     {1, "a switch of the computer turns updates off, now or after an update", "bypassed-after"},
     {9, "the recording cannot be read", "class-refused"},
-    {6, "the run of the tool ends abnormally", "class-fault"},
+    {6, "the run of the tool ends abnormally, now or after an update", "abnormal-after"},
 }};
 
 std::string StuckReason(const NamedStuck& stuck) {
@@ -55,6 +55,10 @@ void SettleSection::Add(const SettleRow& row, const ComputerName& computer) {
   if (totals_.IsSettled(row.outcome)) settled_.Add(row.runs == 0 ? "at once" : runs, computer);
   if (row.outcome == SettleOutcome::Undecided) undecided_.Add(runs, computer);
   if (row.outcome == SettleOutcome::Bypassed) bypassed_.Add(runs, computer);
+  if (row.outcome == SettleOutcome::AbnormalEnd) abnormal_.Add(runs, computer);
+  if (row.outcome == SettleOutcome::NoPlan) {
+    noPlan_.Add(XmlText(ShortText(row.reason)), computer);
+  }
 }
 
 std::string SettleSection::Markup(const std::string& command) const {
@@ -78,7 +82,9 @@ std::string SettleSection::Markup(const std::string& command) const {
          GroupsMarkup(never_, "Never settle", "Why", command) +
          GroupsMarkup(stuck_, "Stuck below a newer version", "Why", command) +
          GroupsMarkup(undecided_, "Undecided", "When", command) +
-         GroupsMarkup(bypassed_, "Bypassed", "When", command);
+         GroupsMarkup(noPlan_, "No plan", "Why", command) +
+         GroupsMarkup(bypassed_, "Bypassed", "When", command) +
+         GroupsMarkup(abnormal_, "Abnormal end", "When", command);
 }
 
 }  // namespace fernwick::lab

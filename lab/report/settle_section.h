@@ -23,7 +23,9 @@ class SettleSection {
   ComputerGroups never_ = ComputerGroups("never-settles", 60'000);
   ComputerGroups stuck_ = ComputerGroups("stuck", 60'000);
   ComputerGroups undecided_ = ComputerGroups("undecided", 15'000);
+  ComputerGroups noPlan_ = ComputerGroups("no-plan", 30'000);
   ComputerGroups bypassed_ = ComputerGroups("bypassed-after", 15'000);
+  ComputerGroups abnormal_ = ComputerGroups("abnormal-after", 15'000);
 };
 
 }  // namespace fernwick::lab

@@ -8,6 +8,15 @@ namespace {
 
 constexpr std::size_t MaxDigits = 6;
 
+// The finalizer of MurmurHash3: every bit of the result depends on every bit of the hash. The low
+// bits of FNV-1a alone depend on the low bits of each byte alone: with two shards, all names with a
+// number twice ("42/42.registry.plist") would be in the same one.
+std::uint64_t Mixed(std::uint64_t hash) {
+  hash = (hash ^ (hash >> 33)) * 0xff51afd7ed558ccd;
+  hash = (hash ^ (hash >> 33)) * 0xc4ceb9fe1a85ec53;
+  return hash ^ (hash >> 33);
+}
+
 std::optional<std::size_t> NumberIn(std::string_view digits) {
   std::size_t number = 0;
   const auto* const end = digits.data() + digits.size();
@@ -32,7 +41,7 @@ std::string StableHash::Text() const {
 bool Shard::Has(std::string_view name) const {
   StableHash hash;
   hash.Add(name);
-  return hash.Value() % count == number - 1;
+  return Mixed(hash.Value()) % count == number - 1;
 }
 
 std::optional<Shard> ParseShard(std::string_view text) {

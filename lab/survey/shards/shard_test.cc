@@ -37,6 +37,21 @@ TEST(Shard, HasEachNameOnce) {
   }
 }
 
+// A directory for each computer, with a recording of its name.
+TEST(Shard, HasItsPartOfNamesWithANumberTwice) {
+  for (const std::size_t count : {2u, 4u, 16u}) {
+    for (std::size_t number = 1; number <= count; ++number) {
+      std::size_t names = 0;
+      for (int i = 0; i < 1600; ++i) {
+        const auto host = std::to_string(i);
+        names += Shard{number, count}.Has("computers/" + host + "/" + host) ? 1 : 0;
+      }
+      EXPECT_GT(names, 1600 / count / 2);
+      EXPECT_LT(names, 1600 / count * 2);
+    }
+  }
+}
+
 TEST(Shard, IsReadFromTwoNumbers) {
   const auto shard = ParseShard("2/3");
   ASSERT_TRUE(shard);
