@@ -139,6 +139,13 @@ bool IsNeverMet(const FailedRequirement& failure) {
 
 }  // namespace
 
+bool AllowsAnyVersion(TypeSet type, Dictionary personality, Dictionary hardware) {
+  const VersionWindow window = {ComparableNumber(personality, "Version"),
+                                ComparableNumber(personality, "Existing Min Version"),
+                                ComparableNumber(personality, "Existing Max Version")};
+  return window.ContainsAny(ScalesOf(type, hardware));
+}
+
 std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
                                                   const RequirementContext& context) {
   std::vector<FailedRequirement> failures;

@@ -31,6 +31,10 @@ struct FailedRequirement {
 std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
                                                   const RequirementContext& context);
 
+/// Whether the version and the bounds of the personality, those that are numbers, allow a version
+/// that the controller could report.
+bool AllowsAnyVersion(TypeSet type, Dictionary personality, Dictionary hardware);
+
 /// How far a pair is from a match; less is nearer. What no controller could meet counts first. Then
 /// what a controller is counts before its version
 /// and the board's revision, so that another port with the right version is farther than the right

@@ -671,6 +671,12 @@ TEST_F(SettledComputer, IsNotStuckBelowAVersionForOtherBoardRevisions) {
 TEST_F(SettledComputer, IsNotStuckBelowWhatNothingCanMatch) {
   WritePort({{"Version", 0x171}}, {{"Version", 180}, {"Existing Max Version", "170"}});
   EXPECT_EQ(Text(), "c: settled after 0 runs\n");
+  const Record contradiction{
+      {"Version", 180}, {"Existing Min Version", 175}, {"Existing Max Version", 174}};
+  for (const Record& port : {Record{{"Version", 0x171}}, Record{}}) {
+    WritePort(port, contradiction);
+    EXPECT_EQ(Text(), "c: settled after 0 runs\n");
+  }
 }
 
 TEST_F(SettledComputer, IsStuckInABinaryConfiguration) {

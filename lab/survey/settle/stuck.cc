@@ -62,6 +62,12 @@ bool AllowsRevision(TypeSet type, Dictionary personality, const RequirementConte
   });
 }
 
+// Whether the controller would match with some version that it could report.
+bool CanBeMet(TypeSet type, Dictionary personality, const RequirementContext& context) {
+  if (DistanceOf(FailedRequirements(type, personality, context)).neverMet > 0) return false;
+  return context.bypassVersionCheck || AllowsAnyVersion(type, personality, context.hardware);
+}
+
 // The personalities that a controller could match: they are for it and can be met. Those for other
 // revisions of the board are left out where there are others.
 std::vector<std::size_t> PersonalitiesFor(const StuckCandidates& candidates,
@@ -72,7 +78,7 @@ std::vector<std::size_t> PersonalitiesFor(const StuckCandidates& candidates,
   for (std::size_t i = 0; i < candidates.personalities.size(); ++i) {
     const auto personality = candidates.personalities[i].AsDictionary();
     if (!personality || !IsFor(type, *personality, context)) continue;
-    if (DistanceOf(FailedRequirements(type, *personality, context)).neverMet > 0) continue;
+    if (!CanBeMet(type, *personality, context)) continue;
     all.push_back(i);
     if (AllowsRevision(type, *personality, context)) ofRevision.push_back(i);
   }
