@@ -234,7 +234,8 @@ std::size_t TestedPairs(const ToolRun& run) {
   return pairs;
 }
 
-// Those of the inventories of the first run: what a plan changes lists no other ones.
+// Those of the inventories of the first run. Another configuration, which a plan leads to that
+// changes the board's identifier, may list others; they are not followed.
 std::vector<ControllerVersion> ControllersOf(const ToolRun& run, Registry& registry) {
   std::array<std::set<RegistryEntry>, 2> entries;  // ports, Thunderbolt controllers
   for (const auto& key : run.trace.keys) {
