@@ -68,9 +68,8 @@ std::size_t ActingLength(std::string_view text) {
 
 // Whether JSON has the text as it is, between quotes: nearly every text and every key of our own.
 bool IsPlain(std::string_view text) {
-  return std::ranges::all_of(text, [](char byte) {
-    return byte >= ' ' && byte < '\x7F' && byte != '"' && byte != '\\';
-  });
+  return std::ranges::all_of(
+      text, [](char byte) { return byte >= ' ' && byte < '\x7F' && byte != '"' && byte != '\\'; });
 }
 
 // A number, a text or another value without others inside it.
