@@ -127,10 +127,8 @@ std::string UnselectableReason(const DraftTarget& target, const ControllerTable&
     if (*verdict.failure == FailureReason::EngineeringFirmware) {
       return "it runs engineering firmware";
     }
-    if (*verdict.failure == FailureReason::NotNewer) {
-      return "its version " + InlineText(*value) + " is not older";
-    }
-    return "it has no \"" + std::string(requirement.key) + "\"";
+    if (value == nullptr) return "it has no \"" + std::string(requirement.key) + "\"";
+    return "its version " + InlineText(*value) + " is not older";
   }
   return "";
 }
