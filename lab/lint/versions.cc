@@ -22,21 +22,22 @@ struct LocatedWindow {
   }
 };
 
-void LintMaximum(const LocatedWindow& window, TypeSet type, VersionScales scales,
-                 ConfigurationFindings& findings) {
+// `maximum` is that of the window.
+void LintMaximum(const LocatedEntry& maximum, const LocatedWindow& window, TypeSet type,
+                 VersionScales scales, ConfigurationFindings& findings) {
   // A whole number may be the version of a port itself, which is a whole number and is not
   // excluded.
   const bool hasThunderboltVersion = type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
   if (!scales.thunderbolt) return;
-  if (!hasThunderboltVersion && IsWhole(*window.maximum->value)) return;
-  const auto missed = VersionJustAbove(*window.maximum->value);
+  if (!hasThunderboltVersion && IsWhole(*maximum.value)) return;
+  const auto missed = VersionJustAbove(*maximum.value);
   if (!missed ||
       !LocatedWindow{window.version, window.minimum, nullptr}.Values().Contains(*missed)) {
     return;
   }
   findings.Add(
-      LintRuleOf::MaximumJustMissed, window.maximum->valueOffset,
-      "\"Existing Max Version\" " + Shown(*window.maximum->value) +
+      LintRuleOf::MaximumJustMissed, maximum.valueOffset,
+      "\"Existing Max Version\" " + Shown(*maximum.value) +
           " excludes the version that it names, which a Thunderbolt controller reports as " +
           Shown(*missed));
 }
@@ -61,7 +62,7 @@ void LintWindow(const LocatedWindow& window, TypeSet type, VersionScales scales,
                      : "no version that can be installed is in the window of this personality: at "
                        "its addresses are only ports with whole numbers");
   } else if (maximum != nullptr) {
-    LintMaximum(window, type, scales, findings);
+    LintMaximum(*maximum, window, type, scales, findings);
   }
 }
 
