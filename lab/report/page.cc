@@ -121,8 +121,9 @@ std::string ReportPage::AlertsMarkup() const {
              "abnormally",
              "computers get no further update: a plan turns updates off or makes the tool end "
              "abnormally");
-  alerts.Add(totals_.missingImages, "missing-images", "planned image is missing in the payload",
-             "planned images are missing in the payload");
+  alerts.Add(totals_.missingImages, "missing-images",
+             "match names an image that is missing in the payload",
+             "matches name images that are missing in the payload");
   alerts.Add(changes_.Totals().lost, "changes", "computer loses its plan",
              "computers lose their plan");
   alerts.Add(lint.errors, "lint-errors", "error in a configuration", "errors in configurations");

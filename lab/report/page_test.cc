@@ -97,7 +97,8 @@ TEST_F(ReportedPage, HasTheFirstMatchesOfAComputer) {
                   "<td>USBC - → 0, - (image missing); USBC - → 1, -; USBC - → 2, -; USBC - → 3, -; "
                   "2 more matches</td>"))
       << page;
-  EXPECT_TRUE(Has(page, "<a href=\"#missing-images\">1</a></strong> planned image is missing"));
+  EXPECT_TRUE(
+      Has(page, "<a href=\"#missing-images\">1</a></strong> match names an image that is missing"));
 }
 
 TEST_F(ReportedPage, HasVersionsBeforeAndAfter) {
