@@ -1,7 +1,8 @@
 // Reads archives through libarchive, as a stream: of a tar archive nothing but the current member
 // is in memory, of a zip file the directory of its members as well. The first bytes of the file
 // decide on the one compression and the one format that the library may use: it would look for
-// compressions inside compressions otherwise, of which each multiplies what a small file costs.
+// compressions inside compressions otherwise, of which each multiplies what a small file costs. The
+// data of gzip comes from zlib, since the library does not compare it with its checksum.
 //
 // Time is linear in what an archive expands to, which is bounded by ExpandsTooMuch: the data of
 // members that are not read is expanded block by block where the whole archive is compressed, and
@@ -15,6 +16,7 @@
 #include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <array>
@@ -24,9 +26,16 @@
 #include <utility>
 
 namespace fernwick::lab {
-namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 16;
+// The data of a gzip file, and the block of it that was read last.
+struct GzipInput {
+  gzFile file;
+  std::array<char, BlockSize> block;
+};
+
+namespace {
+
 constexpr std::size_t MaxExpansion = 1000;
 constexpr std::size_t TarBlock = 512;
 
@@ -113,6 +122,28 @@ int StatusOf(archive* opened) {
   return error.systemError == EIO ? LabStatus::UnreadableInput : LabStatus::MalformedInput;
 }
 
+// Null where memory or descriptors are lacking, which errno says.
+gzFile OpenGzip(int file) {
+  const int copy = dup(file);  // which gzclose closes
+  const auto opened = gzdopen(copy, "r");
+  if (opened == nullptr && copy >= 0) close(copy);
+  return opened;
+}
+
+// A callback of the library: reads the next block. Returns its size, which is 0 at the end.
+la_ssize_t ReadGzip(archive* opened, void* data, const void** block) {
+  auto& input = *static_cast<GzipInput*>(data);
+  *block = input.block.data();
+  const int count = gzread(input.file, input.block.data(), unsigned{BlockSize});
+  int status = Z_OK;
+  const std::string_view text = gzerror(input.file, &status);
+  if (count > 0 || (count == 0 && status == Z_OK)) return count;
+  const auto fault = std::string(text.substr(text.find(": ") + 2));  // without the name of the file
+  const int code = status == Z_ERRNO ? errno : EILSEQ;
+  archive_set_error(opened, code, "%s", fault.c_str());
+  return ARCHIVE_FATAL;
+}
+
 std::string FaultOf(archive* opened) {
   if (LacksMemory()) return NoMemoryText;
   const char* text = archive_error_string(opened);
@@ -145,6 +176,11 @@ void ArchiveWalk::Close::operator()(archive* opened) const {
   archive_read_free(opened);
 }
 
+void ArchiveWalk::Close::operator()(GzipInput* input) const {
+  gzclose(input->file);
+  delete input;
+}
+
 std::optional<Selected> ArchiveWalk::Next() {
   if (hasEnded_) return std::nullopt;
   const Utf8Names names;
@@ -168,7 +204,11 @@ std::optional<Selected> ArchiveWalk::Open() {
   if (archive_ == nullptr) return EndWith(NoMemoryText, LabStatus::OutOfMemory);
   isZip_ = kind == Kind::Zip;
   isCompressed_ = kind == Kind::Gzip || kind == Kind::Xz || kind == Kind::Zstd;
-  if (kind == Kind::Gzip) archive_read_append_filter(archive_.get(), ARCHIVE_FILTER_GZIP);
+  if (kind == Kind::Gzip) {
+    const auto file = OpenGzip(file_->Number());
+    if (file == nullptr) return EndWith(SystemError().message, UnreadableStatus(SystemError()));
+    gzip_.reset(new GzipInput{file, {}});
+  }
   if (kind == Kind::Xz) archive_read_append_filter(archive_.get(), ARCHIVE_FILTER_XZ);
   if (kind == Kind::Zstd) archive_read_append_filter(archive_.get(), ARCHIVE_FILTER_ZSTD);
   if (isZip_) {
@@ -177,9 +217,13 @@ std::optional<Selected> ArchiveWalk::Open() {
     archive_read_support_format_tar(archive_.get());
     archive_read_set_option(archive_.get(), "tar", "read_concatenated_archives", "1");
   }
-  const int status = archive_read_open_fd(archive_.get(), file_->Number(), BlockSize);
-  if (status == ARCHIVE_OK) return std::nullopt;
+  if (OpenFile() == ARCHIVE_OK) return std::nullopt;
   return EndWithFault();
+}
+
+int ArchiveWalk::OpenFile() {
+  if (gzip_ == nullptr) return archive_read_open_fd(archive_.get(), file_->Number(), BlockSize);
+  return archive_read_open(archive_.get(), gzip_.get(), nullptr, ReadGzip, nullptr);
 }
 
 std::optional<Selected> ArchiveWalk::NextMember() {

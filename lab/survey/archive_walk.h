@@ -15,6 +15,8 @@ struct archive_entry;
 
 namespace fernwick::lab {
 
+struct GzipInput;
+
 /// Whether a file of this name is a recording: "*.registry.plist".
 bool HasRecordingSuffix(std::string_view name);
 
@@ -45,9 +47,11 @@ class ArchiveWalk {
  private:
   struct Close {
     void operator()(archive* opened) const;
+    void operator()(GzipInput* input) const;
   };
 
   std::optional<Selected> Open();
+  int OpenFile();
   std::optional<Selected> NextMember();
   std::optional<Selected> AtEnd();
   std::optional<Selected> MemberOf(archive_entry* entry);
@@ -66,7 +70,8 @@ class ArchiveWalk {
   std::uint64_t read_ = 0;     // bytes of the members that were read
   std::size_t members_ = 0;
   std::optional<Descriptor> file_;
-  std::unique_ptr<archive, Close> archive_;  // reads file_
+  std::unique_ptr<GzipInput, Close> gzip_;   // reads file_, if that is compressed so
+  std::unique_ptr<archive, Close> archive_;  // reads gzip_, otherwise file_
 };
 
 }  // namespace fernwick::lab
