@@ -52,7 +52,8 @@ void SettleSection::Add(const SettleRow& row, const ComputerName& computer) {
   }
   for (const auto& stuck : row.stuck) stuck_.Add(XmlText(ShortText(StuckReason(stuck))), computer);
   const auto runs = "after " + Counted(row.runs, "run", "runs");
-  if (totals_.IsSettled(row.outcome)) settled_.Add(row.runs == 0 ? "at once" : runs, computer);
+  if (SettleTotals::IsSettled(row.outcome))
+    settled_.Add(row.runs == 0 ? "at once" : runs, computer);
   if (row.outcome == SettleOutcome::Undecided) undecided_.Add(runs, computer);
   if (row.outcome == SettleOutcome::Bypassed) bypassed_.Add(runs, computer);
   if (row.outcome == SettleOutcome::AbnormalEnd) abnormal_.Add(runs, computer);
