@@ -12,14 +12,10 @@ namespace fernwick::lab {
 namespace {
 
 // Whether an image of the type is for ports, not for Thunderbolt controllers.
-bool IsForPorts(TypeSet type) {
-  return type == Types::LegacyUsbc || type == Types::Usbc;
-}
-
 // Whether the controllers that get an image of the type can store the version.
 bool IsStorable(const PropertyValue& version, TypeSet type) {
-  const bool isForPorts = IsForPorts(type);
-  return IsReportable(version, {.thunderbolt = !isForPorts, .port = isForPorts});
+  const bool isOfThunderbolt = IsOfThunderbolt(type);
+  return IsReportable(version, {.thunderbolt = isOfThunderbolt, .port = !isOfThunderbolt});
 }
 
 class Drafter {
@@ -68,7 +64,7 @@ class Drafter {
   // The name of the first wanted port that would never settle, as its image does not change the
   // version that the tool compares. Null when there is none.
   const std::string* FirstUnsettled() const {
-    if (!IsForPorts(target_.type)) return nullptr;
+    if (IsOfThunderbolt(target_.type)) return nullptr;
     const auto found = std::ranges::find_if(wanted_, &ControllerRow::hasThunderboltVersion);
     if (found == wanted_.end()) return nullptr;
     return &wantedNames_[static_cast<std::size_t>(found - wanted_.begin())];

@@ -27,9 +27,8 @@ void LintMaximum(const LocatedEntry& maximum, const LocatedWindow& window, TypeS
                  VersionScales scales, ConfigurationFindings& findings) {
   // A whole number may be the version of a port itself, which is a whole number and is not
   // excluded.
-  const bool hasThunderboltVersion = type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
   if (!scales.thunderbolt) return;
-  if (!hasThunderboltVersion && IsWhole(*maximum.value)) return;
+  if (!IsOfThunderbolt(type) && IsWhole(*maximum.value)) return;
   const auto missed = VersionJustAbove(*maximum.value);
   if (!missed ||
       !LocatedWindow{window.version, window.minimum, nullptr}.Values().Contains(*missed)) {

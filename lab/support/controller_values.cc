@@ -56,6 +56,10 @@ std::optional<PropertyValue> PartitionPoint(const VersionScale& scale, Predicate
 
 }  // namespace
 
+bool IsOfThunderbolt(TypeSet type) {
+  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
+}
+
 std::uint32_t EncodeBcd(std::uint32_t number) {
   std::uint32_t packed = 0;
   std::uint32_t weight = 10'000'000;

@@ -14,6 +14,9 @@ namespace fernwick::lab {
 inline constexpr std::uint64_t MaxStoredMajor = 99'999'999;
 inline constexpr std::uint64_t MaxStoredHundredths = 63;
 
+/// Whether the images of the type are for Thunderbolt controllers, not for ports.
+bool IsOfThunderbolt(TypeSet type);
+
 /// The number in packed BCD, the reverse of DecodeBcd. Where the number has more than eight digits,
 /// the first counts more than nine. REQUIRES: DecodeBcd can return it.
 std::uint32_t EncodeBcd(std::uint32_t number);

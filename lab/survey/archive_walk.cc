@@ -206,7 +206,10 @@ std::optional<Selected> ArchiveWalk::Open() {
   isCompressed_ = kind == Kind::Gzip || kind == Kind::Xz || kind == Kind::Zstd;
   if (kind == Kind::Gzip) {
     const auto file = OpenGzip(file_->Number());
-    if (file == nullptr) return EndWith(SystemError().message, UnreadableStatus(SystemError()));
+    if (file == nullptr) {
+      const auto error = SystemError();
+      return EndWith(error.message, UnreadableStatus(error));
+    }
     gzip_.reset(new GzipInput{file, {}});
   }
   if (kind == Kind::Xz) archive_read_append_filter(archive_.get(), ARCHIVE_FILTER_XZ);

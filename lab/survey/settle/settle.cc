@@ -107,11 +107,11 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
     const auto index = selected.index;
     const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
-    SettledComputer computer = {
-        row->outcome, row->runs,    row->status,
-        isNamed,      row->changes, isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row))};
+    SettledComputer computer = {row->outcome, row->runs, row->status, isNamed, row->changes};
     if (isShard) {
       computer.text = PrintShardRow(index, isNamed, ToJson(*row), {{"text", DescribeRow(*row)}});
+    } else {
+      computer.text = isText ? DescribeRow(*row) : PrintJsonRow(ToJson(*row));
     }
     const std::function<void()> print = [&, computer = std::move(computer)] { add(computer); };
     return print;

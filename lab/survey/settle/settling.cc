@@ -256,10 +256,6 @@ std::vector<ControllerVersion> ControllersOf(const ToolRun& run, Registry& regis
 
 }  // namespace
 
-bool IsOfThunderbolt(TypeSet type) {
-  return type == Types::LegacyThunderbolt || type == Types::Thunderbolt;
-}
-
 std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort) {
   return isPort ? ReportedPortVersion(registry, entry)
                 : ReportedThunderboltVersion(registry, entry);

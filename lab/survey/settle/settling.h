@@ -9,15 +9,13 @@
 #include <vector>
 
 #include "driver/options.h"
+#include "lab/support/controller_values.h"
 #include "lab/support/tool_run.h"
 #include "lab/what_if/changed_computer.h"
 #include "personality/configuration.h"
 #include "registry/key_schema.h"
 
 namespace fernwick::lab {
-
-/// Whether the type is one of those whose images are for Thunderbolt controllers, not for ports.
-bool IsOfThunderbolt(TypeSet type);
 
 /// The version that the controller itself reports, a number; of a port, also of one below a
 /// Thunderbolt controller, its own.
