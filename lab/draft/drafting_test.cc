@@ -368,7 +368,7 @@ TEST(Draft, ListsUuidsAndWritesUniqueIdsAsIntegers) {
 }
 
 // A personality can require numbers alone there.
-TEST(Draft, DoesNotTellUniqueIdsApartThatAreNoNumbers) {
+TEST(Draft, DoesNotDistinguishUniqueIdsThatAreNoNumbers) {
   const SmallDraft draft(
       Types::LegacyThunderbolt, 43,
       {{false, Thunderbolt({{"UID", "a"}})}, {false, Thunderbolt({{"UID", "b"}}), Excepted}});

@@ -92,7 +92,7 @@ TEST(Selectors, AreSeveralWhereOneWouldAcceptAnExceptedProduct) {
   EXPECT_EQ(FindSelectors(Schema, wanted, {excepted}).selectors.size(), 2u);
 }
 
-TEST(Selectors, IdentifyOnlyControllersThatNothingElseTellsApart) {
+TEST(Selectors, IdentifyOnlyControllersThatNothingElseDistinguishes) {
   const RowList wanted = {RowWith({{"Ridge UID", 2}}),
                           RowWith({{"Ridge UID", 3}, {"Device Model Name", 2}}),
                           RowWith({{"Ridge UID", 4}})};
@@ -105,7 +105,7 @@ TEST(Selectors, IdentifyOnlyControllersThatNothingElseTellsApart) {
 }
 
 // A personality cannot require that a controller lacks a key.
-TEST(Selectors, DoNotTellAControllerWithoutAKeyFromOneWithIt) {
+TEST(Selectors, DoNotDistinguishAControllerWithoutAKeyFromOneWithIt) {
   const RowList with = {RowWith({})};
   const RowList without = {RowWith({{"RID", 0}})};
   EXPECT_EQ(FindSelectors(Schema, without, with).indistinguishable,

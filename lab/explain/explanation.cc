@@ -143,7 +143,7 @@ void ExplainRun(const Recording& recording, Registry& registry, const Options& o
 Explanation ExplainOver(TrialRegistry& registry, const Recording& recording, const Options& options,
                         const ExplainFilter& filter, const ExplainedTrial& trial) {
   Explanation explanation = {.end = RunEnd::Abnormal, .identity = ReadBoardIdentity(registry)};
-  if (trial.changes != nullptr) explanation.changes = trial.changes->texts;
+  if (trial.changes != nullptr) explanation.changes = trial.changes->Texts();
   auto run = RunTool(registry, options, KeptOutput::Texts, trial.load);
   explanation.end = EndOf(run.result);
   if (const auto fault = run.result.fault) {

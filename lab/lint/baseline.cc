@@ -20,26 +20,18 @@ std::optional<std::uint64_t> ParseFingerprint(const std::string& text) {
   return fingerprint;
 }
 
-// The member of an object; null where it is not there.
-const Json* MemberOf(const Json& object, const char* key) {
-  const auto member = object.find(key);
-  return member == object.end() ? nullptr : &*member;
-}
-
 // The number of findings with each fingerprint; nullopt when the document is no baseline.
 std::optional<Counts> CountsIn(const Json& document) {
-  const auto* version = MemberOf(document, "version");
-  const auto* findings = MemberOf(document, "findings");
-  if (version == nullptr || *version != FormatVersion || findings == nullptr) return std::nullopt;
+  const auto& findings = MemberOf(document, "findings");
+  if (MemberOf(document, "version") != FormatVersion || !findings.is_array()) return std::nullopt;
   Counts counts;
-  for (const auto& entry : *findings) {
-    const auto* text = MemberOf(entry, "fingerprint");
-    const auto* count = MemberOf(entry, "count");
-    const bool isEntry =
-        text != nullptr && text->is_string() && count != nullptr && count->is_number_unsigned();
-    const auto fingerprint = isEntry ? ParseFingerprint(text->get<std::string>()) : std::nullopt;
+  for (const auto& entry : findings) {
+    const auto& text = MemberOf(entry, "fingerprint");
+    const auto& count = MemberOf(entry, "count");
+    const bool isEntry = text.is_string() && count.is_number_unsigned();
+    const auto fingerprint = isEntry ? ParseFingerprint(text.get<std::string>()) : std::nullopt;
     if (!fingerprint) return std::nullopt;
-    counts[*fingerprint] += count->get<std::size_t>();
+    counts[*fingerprint] += count.get<std::size_t>();
   }
   return counts;
 }

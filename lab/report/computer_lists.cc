@@ -59,11 +59,11 @@ std::string OutcomeOf(const std::optional<SettleRow>& settling) {
 
 std::string ChangesOf(const DiffRow& row) {
   std::string text;
-  std::vector<std::string_view> kinds;
+  std::vector<ChangeKind> kinds;
   for (const auto& change : row.changes) {
     if (std::ranges::find(kinds, change.kind) != kinds.end()) continue;
     kinds.push_back(change.kind);
-    text += (text.empty() ? "" : ", ") + change.kind;
+    text += (text.empty() ? "" : ", ") + std::string(NameOf(change.kind));
   }
   return text;
 }
@@ -94,10 +94,9 @@ std::string ComputerLists::ClassId(ComputerClass computerClass) {
 }
 
 ComputerLists::ClassLists& ComputerLists::ListsOf(const SurveyRow& row) {
-  const auto board = row.board.value_or("-");
-  const auto known = boards_.find(board);
+  const auto known = boards_.find(row.board);
   if (known != boards_.end()) return known->second;
-  return boards_.size() == MaxBoards ? otherBoards_ : boards_[board];
+  return boards_.size() == MaxBoards ? otherBoards_ : boards_[row.board];
 }
 
 std::string ComputerLists::RowMarkup(const ReportedComputer& computer, std::size_t number) const {
@@ -122,7 +121,7 @@ ComputerName ComputerLists::Add(const ReportedComputer& computer) {
 std::vector<ComputerLists::NamedLists> ComputerLists::Boards() const {
   std::vector<NamedLists> boards;
   for (const auto& [name, lists] : boards_) {
-    boards.push_back({name == "-" ? "no board identifier" : XmlText(ShortText(name)), &lists});
+    boards.push_back({name ? XmlText(ShortText(*name)) : "no board identifier", &lists});
   }
   boards.push_back({"all other boards", &otherBoards_});
   return boards;

@@ -2,8 +2,8 @@
 
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,7 +62,7 @@ class ComputerLists {
   std::size_t computers_ = 0;
   ByteBudget budget_;
   std::vector<ListLimit> limits_;  // by class
-  std::map<std::string, ClassLists, std::less<>> boards_;
+  std::map<std::optional<std::string>, ClassLists> boards_;
   ClassLists otherBoards_ = {};
 };
 

@@ -120,7 +120,8 @@ TEST_F(ReportedPage, HasWhatKeepsComputersFromAnUpdate) {
 
 TEST_F(ReportedPage, HasWhoNeverSettlesAndWhoIsStuck) {
   auto never = Settled("one", SettleOutcome::NeverSettles, 1);
-  never.settling->repetitions = {{"version unchecked", {"USBC", 1, "p0", "p0", 5, 3, 5}}};
+  never.settling->repetitions = {
+      {RepetitionCause::VersionUnchecked, {"USBC", 1, "p0", "p0", 5, 3, 5}}};
   auto stuck = Settled("two", SettleOutcome::Stuck, 0);
   stuck.settling->stuck = {
       {"p0", "USBC", 2, 9, 5, {{"RID", "differs", "wants 1"}, {"Port", "differs", "wants 2"}}}};
@@ -151,9 +152,9 @@ TEST_F(ReportedPage, HasWhoGetsNoFurtherUpdateAndWhoHasNoPlan) {
 TEST_F(ReportedPage, HasChangesAgainstTheOldPayload) {
   auto computer = Planned("one");
   computer.difference = DiffRow{.file = "one", .board = "Zed-1"};
-  computer.difference->changes = {{"loses match", "USBC", {}, {}, {"because"}},
-                                  {"version", "USBC", 1, 2},
-                                  {"version", "USBC", 2, 3}};
+  computer.difference->changes = {{ChangeKind::LosesMatch, "USBC", {}, {}, {"because"}},
+                                  {ChangeKind::Version, "USBC", 1, 2},
+                                  {ChangeKind::Version, "USBC", 2, 3}};
   const auto page = Markup({computer}, "old");
   EXPECT_TRUE(Has(page, "<strong>Zed-1</strong> loses match USBC<br/>because</th>")) << page;
   EXPECT_TRUE(Has(page, "<td>loses match, version</td></tr>"));
@@ -199,7 +200,7 @@ TEST_F(ReportedPage, HasAtMostTwoMegabytes) {
     computer.row.board = computer.settling->board = text.substr(0, 3 + i % 200);
     computer.settling->controllers.push_back({"p", true, i, i + 1});
     computer.difference = DiffRow{.file = text, .board = text};
-    computer.difference->changes = {{"version" + text, "USBC", 1, 2}};
+    computer.difference->changes = {{ChangeKind::Version, text, 1, 2}};
     page.Add(computer);
     page.Lint().Add({.rule = LintRules()[i % 20], .path = text, .location = {}, .message = text});
   }

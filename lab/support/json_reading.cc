@@ -112,4 +112,16 @@ Result<Json, LabError> ReadJsonFile(const std::string& path) {
   return *std::move(json);
 }
 
+const Json& MemberOf(const Json& object, const char* key) {
+  static const Json Null;
+  const auto member = object.find(key);
+  return member == object.end() ? Null : *member;
+}
+
+std::optional<std::vector<std::string>> StringsOf(const Json& array) {
+  const auto isString = [](const Json& element) { return element.is_string(); };
+  if (!array.is_array() || !std::ranges::all_of(array, isString)) return std::nullopt;
+  return array.get<std::vector<std::string>>();
+}
+
 }  // namespace fernwick::lab

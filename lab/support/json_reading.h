@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "lab/support/json_values.h"
 #include "lab/support/messages.h"
@@ -16,5 +18,11 @@ Result<Json> ParseJson(std::string_view text);
 
 /// Reads a file that contains a document.
 Result<Json, LabError> ReadJsonFile(const std::string& path);
+
+/// The member of an object; null where it has none of that name, and of any other value.
+const Json& MemberOf(const Json& object, const char* key);
+
+/// The strings of an array of strings; empty for any other value.
+std::optional<std::vector<std::string>> StringsOf(const Json& array);
 
 }  // namespace fernwick::lab

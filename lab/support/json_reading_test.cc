@@ -60,5 +60,20 @@ TEST(ReadJsonFile, HasTheStatusOfItsFault) {
   EXPECT_EQ(ReadJsonFile(directory.Path()).Error().status, LabStatus::UnreadableInput);
 }
 
+TEST(MemberOf, IsNullWhereThereIsNone) {
+  EXPECT_EQ(MemberOf(Json{{"a", 1}}, "a"), 1);
+  EXPECT_TRUE(MemberOf(Json{{"a", 1}}, "b").is_null());
+  EXPECT_TRUE(MemberOf(Json::array({"a"}), "a").is_null());
+  EXPECT_TRUE(MemberOf(Json(nullptr), "a").is_null());
+}
+
+TEST(StringsOf, IsEmptyForAnythingButAnArrayOfStrings) {
+  EXPECT_EQ(StringsOf(Json::array({"a", "b"})), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(StringsOf(Json::array()), std::vector<std::string>());
+  EXPECT_EQ(StringsOf(Json::array({"a", 1})), std::nullopt);
+  EXPECT_EQ(StringsOf("a"), std::nullopt);
+  EXPECT_EQ(StringsOf(nullptr), std::nullopt);
+}
+
 }  // namespace
 }  // namespace fernwick::lab

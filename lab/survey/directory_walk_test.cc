@@ -58,7 +58,7 @@ TEST(DirectoryWalk, GoesIntoADirectoryThatIsNamedLikeARecording) {
   EXPECT_EQ(WalkOver(directory.Path()), Paths{"/a.registry.plist/b.registry.plist"});
 }
 
-TEST(DirectoryWalk, TellsWhichDirectoryCannotBeRead) {
+TEST(DirectoryWalk, NamesTheDirectoryThatCannotBeRead) {
   EXPECT_EQ(WalkOver("/no-such-directory"), Paths{" No such file or directory"});
 }
 

@@ -128,7 +128,7 @@ TEST(AreSame, IgnoresTheClassWhereOneHasNone) {
   EXPECT_FALSE(AreSame({.file = "a", .outcome = Outcome::Plan}, a));
 }
 
-TEST(AreSame, TellsNumbersOfDifferentKindsApart) {
+TEST(AreSame, DistinguishesNumbersOfDifferentKinds) {
   SurveyRow a{.file = "a"};
   a.matches.emplace_back().version = 40;
   SurveyRow b = a;

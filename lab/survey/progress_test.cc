@@ -21,7 +21,7 @@ TEST(ProgressText, WithoutATotalHasTheRateAlone) {
   EXPECT_EQ(ProgressText(100, std::nullopt, milliseconds(2000)), "100, 50 a second");
 }
 
-TEST(ProgressText, TellsNothingThatItCannotKnow) {
+TEST(ProgressText, HasNothingThatIsNotKnownYet) {
   EXPECT_EQ(ProgressText(0, 10, milliseconds(0)), "0 of 10");
   EXPECT_EQ(ProgressText(0, 10, milliseconds(5)), "0 of 10, 0 a second");
   EXPECT_EQ(ProgressText(11, 10, milliseconds(1000)), "11 of 10, 11 a second");

@@ -53,7 +53,10 @@ Result<PropertyChange> ParseProperty(std::string_view text) {
   const auto property = text.substr(colon + 1, equals - colon - 1);
   auto value = ReadValue(PropertyOption, text.substr(equals + 1), {entry, property});
   if (!value) return value.Error();
-  PropertyChange change = {std::string(entry), std::string(property), *std::move(value)};
+  PropertyChange change = {.entry = std::string(entry),
+                           .property = std::string(property),
+                           .value = *std::move(value),
+                           .argument = std::string(text)};
   const auto string = change.value ? change.value->value.AsString() : std::nullopt;
   if (string) change.bytes = std::string(*string) + '\0';
   return change;
@@ -96,8 +99,8 @@ Result<PersonalityChange> ParsePersonality(std::string_view text) {
   if (number == 0) return FormError(PersonalityOption, text, PersonalityForm);
   auto value = ReadValue(PersonalityOption, text.substr(equals + 1), {key});
   if (!value) return value.Error();
-  return PersonalityChange{std::string(board), std::string(type), number, std::string(key),
-                           *std::move(value)};
+  return PersonalityChange{std::string(board), std::string(type), number,
+                           std::string(key),   *std::move(value), std::string(text)};
 }
 
 }  // namespace
@@ -141,16 +144,21 @@ bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view
   });
 }
 
+std::vector<std::string> Changes::Texts() const {
+  return TextsOf(std::vector<bool>(personalities.size(), true));
+}
+
 std::vector<std::string> Changes::TextsOf(const std::vector<bool>& applied) const {
-  std::vector<std::string> of;
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    const bool isOfPersonality =
-        i >= properties.size() && i < properties.size() + personalities.size();
-    const auto index = i - properties.size();
-    const bool isApplied = !isOfPersonality || (index < applied.size() && applied[index]);
-    if (isApplied) of.push_back(texts[i]);
+  std::vector<std::string> texts;
+  for (const auto& change : properties) texts.push_back(TextOf(PropertyOption, change.argument));
+  for (std::size_t i = 0; i < applied.size(); ++i) {
+    if (applied[i]) texts.push_back(TextOf(PersonalityOption, personalities[i].argument));
   }
-  return of;
+  if (boardRevision) {
+    const auto revision = static_cast<unsigned char>(boardRevision->front());
+    texts.push_back(TextOf(RevisionOption, std::to_string(revision)));
+  }
+  return texts;
 }
 
 Result<Changes> ParseChanges(const WhatIfArguments& arguments) {
@@ -159,17 +167,15 @@ Result<Changes> ParseChanges(const WhatIfArguments& arguments) {
     auto change = ParseProperty(text);
     if (!change) return change.Error();
     changes.properties.push_back(*std::move(change));
-    changes.texts.push_back(TextOf(PropertyOption, text));
   }
   for (const auto& text : arguments.personalities) {
     auto change = ParsePersonality(text);
     if (!change) return change.Error();
     changes.personalities.push_back(*std::move(change));
-    changes.texts.push_back(TextOf(PersonalityOption, text));
   }
-  if (arguments.boardRevision == WhatIfArguments::Unchanged) return changes;
-  changes.boardRevision = std::string(1, static_cast<char>(arguments.boardRevision));
-  changes.texts.push_back(TextOf(RevisionOption, std::to_string(arguments.boardRevision)));
+  if (arguments.boardRevision != WhatIfArguments::Unchanged) {
+    changes.boardRevision = std::string(1, static_cast<char>(arguments.boardRevision));
+  }
   return changes;
 }
 

@@ -36,6 +36,7 @@ struct PropertyChange {
   std::string property;
   std::optional<PropertyList> value;
   std::string bytes = {};  // of a text: with a zero byte after it, as data contains texts
+  std::string argument;    // as written: "hpm0:Version=0x180"
 };
 
 /// A key of a personality that is to be set to a value, or removed (nullopt).
@@ -45,6 +46,7 @@ struct PersonalityChange {
   std::size_t number;  // of the personality, from 1
   std::string key;
   std::optional<PropertyList> value;
+  std::string argument;  // as written: "USBC:1:Version=0x180"
 };
 
 /// What is changed before the tool runs, in the order in which it is applied.
@@ -52,10 +54,12 @@ struct Changes {
   std::vector<PropertyChange> properties = {};
   std::vector<PersonalityChange> personalities = {};
   std::optional<std::string> boardRevision = {};  // as "board-rev" contains it: one byte
-  std::vector<std::string> texts = {};            // "--set hpm0:Version=0x180", each as written
+
+  /// All as in a command line: "--set hpm0:Version=0x180".
+  std::vector<std::string> Texts() const;
 
   /// Those of a computer whose configuration has these changes of personalities, by their index;
-  /// none where `applied` is empty, since there is no configuration.
+  /// none of them where `applied` is empty, since there is no configuration.
   std::vector<std::string> TextsOf(const std::vector<bool>& applied) const;
 
   /// Whether the key of the personality is set by one of them: of the board's, or, where that is

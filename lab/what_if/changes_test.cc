@@ -23,7 +23,7 @@ std::string PersonalityError(const std::string& text) {
 TEST(ParseChanges, WithoutOptionsIsEmpty) {
   const auto changes = ParseChanges({});
   ASSERT_TRUE(changes);
-  EXPECT_TRUE(changes->texts.empty());
+  EXPECT_TRUE(changes->Texts().empty());
   EXPECT_FALSE(changes->boardRevision);
 }
 
@@ -108,7 +108,7 @@ TEST(ParseChanges, KeepsTheTextsInTheOrderInWhichTheyApply) {
   const auto changes = ParseChanges(
       {.properties = {"a:b=1"}, .personalities = {"USBC:1:Version=2"}, .boardRevision = 7});
   ASSERT_TRUE(changes);
-  EXPECT_EQ(changes->texts,
+  EXPECT_EQ(changes->Texts(),
             (std::vector<std::string>{"--set a:b=1", "--personality USBC:1:Version=2",
                                       "--board-revision 7"}));
   EXPECT_EQ(changes->boardRevision, "\x07");

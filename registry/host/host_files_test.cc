@@ -127,7 +127,7 @@ TEST(HostFiles, AtTheEndOfALinkCanBeIgnored) {
   EXPECT_EQ(Read(tree, "link/file", Links::Ignored), "x\n");
 }
 
-TEST(HostFiles, BehindLinksThatLoopAreAbsent) {
+TEST(HostFiles, AreAbsentWhereLinksLoop) {
   const HostTree tree("a -> b\nb -> a\nself/self -> .\n");
   EXPECT_EQ(Read(tree, "a"), std::nullopt);
   EXPECT_FALSE(HostFiles(tree.Root()).IsDirectory("a"));

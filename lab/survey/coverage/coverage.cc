@@ -81,18 +81,6 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], CoverageOpt
   return LabStatus::BadUsage;
 }
 
-std::string_view NameOf(RecordingUse use) {
-  return RecordingUseNames[static_cast<std::size_t>(use)];
-}
-
-Json RowOf(const CoveredRecording& recording) {
-  Json row = {{"use", NameOf(recording.use)}};
-  if (recording.use != RecordingUse::Refused) return row;
-  row["message"] = recording.refusal.error.message;
-  row["status"] = recording.refusal.status;
-  return row;
-}
-
 // Runs the tool over everything that is selected. Returns as RunBatch. The rows of a shard are
 // printed.
 int CoverAll(const CoverageOptions& options, const AddCovered& add, CoveredPayload& payload,
@@ -104,7 +92,7 @@ int CoverAll(const CoverageOptions& options, const AddCovered& add, CoveredPaylo
     auto covered = payload.Cover(std::move(selected));
     if (!covered) return covered.Error();
     const std::function<void()> print = [&, isNamed, index, recording = *std::move(covered)] {
-      if (isShard) console.Write(PrintShardRow(index, isNamed, RowOf(recording)));
+      if (isShard) console.Write(PrintShardRow(index, isNamed, ToJson(recording)));
       add(recording, isNamed);
     };
     return print;

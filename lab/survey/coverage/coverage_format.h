@@ -9,26 +9,13 @@
 
 #include "lab/support/configuration_file.h"
 #include "lab/survey/coverage/board_coverage.h"
+#include "lab/survey/coverage/covered_recording.h"
 #include "platform/console.h"
 
 namespace fernwick::lab {
 
-/// What a recording is for the coverage of a payload.
-enum class RecordingUse {
-  Counted,
-  NoConfiguration,  // its board has none that can be used
-  UnknownBoard,     // the payload has no directory for its board
-  Bypassed,         // by a switch of the computer
-  AbnormalEnd,      // of its run, whose pairs are not counted
-  Refused,
-};
-
-/// "counted", "no configuration", ...: as a shard's rows name the uses, in their order.
-inline constexpr std::array<std::string_view, 6> RecordingUseNames = {
-    "counted", "no configuration", "unknown board", "bypassed", "abnormal end", "refused"};
-
 /// How many recordings there are of each use.
-using RecordingCounts = std::array<std::size_t, 6>;
+using RecordingCounts = std::array<std::size_t, RecordingUseCount>;
 
 /// One board of the payload.
 struct CoveredBoard {

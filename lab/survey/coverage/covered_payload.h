@@ -11,16 +11,11 @@
 #include "lab/support/messages.h"
 #include "lab/support/tool_run.h"
 #include "lab/survey/coverage/coverage_format.h"
+#include "lab/survey/coverage/covered_recording.h"
 #include "lab/survey/selection.h"
 #include "value/result.h"
 
 namespace fernwick::lab {
-
-/// A recording that was counted, or why it was not.
-struct CoveredRecording {
-  RecordingUse use = RecordingUse::Refused;
-  LabError refusal = {{}, LabStatus::Done};  // of a refused one
-};
 
 /// What recordings exercise of a payload. The counts are sums, which do not depend on the order of
 /// the recordings, and memory is linear in the payload.

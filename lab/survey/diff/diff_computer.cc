@@ -17,9 +17,9 @@ void CompareRuns(const ToolRun& before, const ToolRun& after, DiffRow& row) {
   if (before.result.fault && after.result.fault) {
     row.abnormalEnd = AbnormalEndName;
   } else if (after.result.fault) {
-    row.changes = {{"ends abnormally", {}, {}, AbnormalEndName}};
+    row.changes = {{ChangeKind::EndsAbnormally, {}, {}, AbnormalEndName}};
   } else if (before.result.fault) {
-    row.changes = {{"no longer ends abnormally", {}, AbnormalEndName, {}}};
+    row.changes = {{ChangeKind::NoLongerEndsAbnormally, {}, AbnormalEndName, {}}};
   } else {
     row.changes = FindChanges(before, after);
   }
@@ -35,7 +35,7 @@ void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
   const auto faultBefore = ConfigurationFault(before);
   const auto faultAfter = ConfigurationFault(after);
   if (!faultBefore || !faultAfter) return;
-  row.notes.push_back({.kind = "malformed configuration in both",
+  row.notes.push_back({.kind = ChangeKind::MalformedInBoth,
                        .before = Describe(*faultBefore),
                        .after = Describe(*faultAfter)});
 }

@@ -23,8 +23,9 @@ class DiffCsv : public DiffFormat {
     }
     for (const auto* list : {&row.notes, &row.changes}) {
       for (const auto& change : *list) {
-        AddLine(row, {change.kind, CsvText(change.match), CsvValue(change.before),
-                      CsvValue(change.after), CsvText(Joined(change.reasons))});
+        AddLine(row,
+                {std::string(NameOf(change.kind)), CsvText(change.match), CsvValue(change.before),
+                 CsvValue(change.after), CsvText(Joined(change.reasons))});
       }
     }
   }

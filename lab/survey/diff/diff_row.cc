@@ -1,5 +1,6 @@
 #include "lab/survey/diff/diff_row.h"
 
+#include <array>
 #include <utility>
 
 #include "lab/support/messages.h"
@@ -8,10 +9,32 @@
 namespace fernwick::lab {
 namespace {
 
+constexpr std::array<std::string_view, ChangeKindCount> KindNames = {
+    "gains plan",
+    "loses plan",
+    "gains match",
+    "loses match",
+    "image",
+    "version",
+    "order",
+    "priority",
+    "NVRAM to set",
+    "NVRAM to clear",
+    "options",
+    "image bytes",
+    "image missing",
+    "image no longer missing",
+    "flashing utility bytes",
+    "flashing utility missing",
+    "flashing utility no longer missing",
+    "ends abnormally",
+    "no longer ends abnormally",
+    "malformed configuration in both"};
+
 // The values before and after. Of a match that is gained or lost the one side that has a value; of
 // an image or a version that one side lacks both.
 std::string SidesText(const DiffChange& change) {
-  const bool isOfAMatch = change.kind == "image" || change.kind == "version";
+  const bool isOfAMatch = change.kind == ChangeKind::Image || change.kind == ChangeKind::Version;
   if (change.before.is_null() && change.after.is_null()) return {};
   if (change.before.is_null() && !isOfAMatch) return ": " + CellText(change.after);
   if (change.after.is_null() && !isOfAMatch) return ": " + CellText(change.before);
@@ -20,13 +43,17 @@ std::string SidesText(const DiffChange& change) {
 
 }  // namespace
 
+std::string_view NameOf(ChangeKind kind) {
+  return KindNames[static_cast<std::size_t>(kind)];
+}
+
 bool IsReported(const DiffRow& row) {
   return !row.refusal.empty() || !row.abnormalEnd.empty() || !row.changes.empty() ||
          !row.notes.empty();
 }
 
 Json ToJson(const DiffChange& change) {
-  return {{"kind", change.kind},
+  return {{"kind", NameOf(change.kind)},
           {"match", TextOrNull(change.match)},
           {"before", change.before},
           {"after", change.after},
@@ -34,7 +61,7 @@ Json ToJson(const DiffChange& change) {
 }
 
 std::string DescribeChange(const DiffChange& change, const std::string& indentation) {
-  auto text = change.kind;
+  auto text = std::string(NameOf(change.kind));
   if (!change.match.empty()) text += " " + PrintableText(change.match);
   text += SidesText(change) + "\n";
   for (const auto& reason : change.reasons) text += indentation + PrintableText(reason) + "\n";

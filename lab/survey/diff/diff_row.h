@@ -1,16 +1,47 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lab/support/json_values.h"
 
 namespace fernwick::lab {
 
+/// What is different for a computer with the new payload.
+enum class ChangeKind {
+  GainsPlan,
+  LosesPlan,
+  GainsMatch,
+  LosesMatch,
+  Image,
+  Version,
+  Order,
+  Priority,
+  NvramToSet,
+  NvramToClear,
+  Options,
+  ImageBytes,
+  ImageMissing,
+  ImageNoLongerMissing,
+  UtilityBytes,
+  UtilityMissing,
+  UtilityNoLongerMissing,
+  EndsAbnormally,
+  NoLongerEndsAbnormally,
+  MalformedInBoth,  // the configuration: a note, with the fault of each
+};
+
+inline constexpr std::size_t ChangeKindCount = 20;
+
+/// "gains plan", "NVRAM to set", "image no longer missing", "malformed configuration in both", ...
+std::string_view NameOf(ChangeKind kind);
+
 /// One way in which two payloads treat a computer differently.
 struct DiffChange {
-  std::string kind;        // such as "gains match" or "version"
+  ChangeKind kind;
   std::string match = {};  // the match as people name it; empty for the whole plan
   Json before = {};        // null where there is nothing
   Json after = {};

@@ -13,21 +13,22 @@ std::string LineOf(const DiffChange& change) {
   return text.starts_with(head) ? text.substr(head.size()) : text;
 }
 
-TEST(DescribeRow, TellsBothSidesOfWhatChanges) {
-  EXPECT_EQ(LineOf({"priority", {}, 20, 30}), "priority: 20 -> 30\n");
-  EXPECT_EQ(LineOf({"image", "USBC", "a.bin", "b.bin"}), "image USBC: a.bin -> b.bin\n");
+TEST(DescribeRow, HasBothSidesOfAChange) {
+  EXPECT_EQ(LineOf({ChangeKind::Priority, {}, 20, 30}), "priority: 20 -> 30\n");
+  EXPECT_EQ(LineOf({ChangeKind::Image, "USBC", "a.bin", "b.bin"}), "image USBC: a.bin -> b.bin\n");
 }
 
-TEST(DescribeRow, TellsBothSidesOfAMatchOfWhichOneLacksTheValue) {
-  EXPECT_EQ(LineOf({"image", "USBC", "a.bin", {}}), "image USBC: a.bin -> -\n");
-  EXPECT_EQ(LineOf({"version", "USBC", {}, 5}), "version USBC: - -> 5\n");
+TEST(DescribeRow, HasBothSidesOfAMatchOfWhichOneLacksTheValue) {
+  EXPECT_EQ(LineOf({ChangeKind::Image, "USBC", "a.bin", {}}), "image USBC: a.bin -> -\n");
+  EXPECT_EQ(LineOf({ChangeKind::Version, "USBC", {}, 5}), "version USBC: - -> 5\n");
 }
 
-TEST(DescribeRow, TellsWhatComesAndGoes) {
-  EXPECT_EQ(LineOf({"gains match", "USBC", {}, "9, a.bin", {"why", "and"}}),
+TEST(DescribeRow, HasTheOneSideOfAMatchOrAPlan) {
+  EXPECT_EQ(LineOf({ChangeKind::GainsMatch, "USBC", {}, "9, a.bin", {"why", "and"}}),
             "gains match USBC: 9, a.bin\n    why\n    and\n");
-  EXPECT_EQ(LineOf({"loses match", "USBC", "9, a.bin", {}}), "loses match USBC: 9, a.bin\n");
-  EXPECT_EQ(LineOf({"gains plan", {}, {}, {}}), "gains plan\n");
+  EXPECT_EQ(LineOf({ChangeKind::LosesMatch, "USBC", "9, a.bin", {}}),
+            "loses match USBC: 9, a.bin\n");
+  EXPECT_EQ(LineOf({ChangeKind::GainsPlan, {}, {}, {}}), "gains plan\n");
 }
 
 }  // namespace

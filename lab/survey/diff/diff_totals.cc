@@ -6,11 +6,11 @@
 namespace fernwick::lab {
 
 void DiffTotals::Add(const DiffRow& row) {
-  const auto has = [&](std::string_view kind) {
+  const auto has = [&](ChangeKind kind) {
     return std::ranges::find(row.changes, kind, &DiffChange::kind) != row.changes.end();
   };
-  gained += has("gains plan");
-  lost += has("loses plan");
+  gained += has(ChangeKind::GainsPlan);
+  lost += has(ChangeKind::LosesPlan);
   ++(!row.refusal.empty()       ? refused
      : !row.abnormalEnd.empty() ? abnormal
      : row.changes.empty()      ? unchanged

@@ -79,9 +79,21 @@ Json WithSize(const Json& file, std::uint64_t size) {
   return file.get<std::string>() + ", " + std::to_string(size) + " bytes";
 }
 
+// What a change of a kind of files is.
+struct FileKinds {
+  ChangeKind missing;
+  ChangeKind noLongerMissing;
+  ChangeKind bytes;
+};
+
+constexpr FileKinds ImageKinds = {ChangeKind::ImageMissing, ChangeKind::ImageNoLongerMissing,
+                                  ChangeKind::ImageBytes};
+constexpr FileKinds UtilityKinds = {ChangeKind::UtilityMissing, ChangeKind::UtilityNoLongerMissing,
+                                    ChangeKind::UtilityBytes};
+
 // A file that a plan needs. `before` is null where the plan before needed none.
 struct NeededFile {
-  std::string what;
+  FileKinds kinds;
   std::string match;  // the match that needs it; empty for the whole plan
   Json before;
   Json after;
@@ -91,11 +103,11 @@ std::optional<DiffChange> ChangeOf(const NeededFile& file, const PayloadFiles::C
   const bool wasMissing = !file.before.is_null() && !files.sizeBefore;
   if (!files.sizeAfter) {
     if (wasMissing) return std::nullopt;
-    return DiffChange{file.what + " missing", file.match, {}, file.after};
+    return DiffChange{file.kinds.missing, file.match, {}, file.after};
   }
-  if (wasMissing) return DiffChange{file.what + " no longer missing", file.match, {}, file.after};
+  if (wasMissing) return DiffChange{file.kinds.noLongerMissing, file.match, {}, file.after};
   if (file.before != file.after || files.isSame) return std::nullopt;
-  return DiffChange{file.what + " bytes", file.match, WithSize(file.before, *files.sizeBefore),
+  return DiffChange{file.kinds.bytes, file.match, WithSize(file.before, *files.sizeBefore),
                     WithSize(file.after, *files.sizeAfter)};
 }
 
@@ -150,7 +162,7 @@ Result<std::vector<DiffChange>, LabError> FindFileChanges(const ToolRun& runBefo
                                 ? std::nullopt
                                 : ImagePath(*pairBefore, runBefore, before.personalitiesDirectory);
     const auto imageBefore = pathBefore ? ImageOf(*pairBefore) : Json(nullptr);
-    const auto failure = compare({"image", NameOf(pair), imageBefore, ImageOf(pair)},
+    const auto failure = compare({ImageKinds, NameOf(pair), imageBefore, ImageOf(pair)},
                                  pathBefore.value_or(""), *path);
     if (failure) return *failure;
   }
@@ -158,7 +170,7 @@ Result<std::vector<DiffChange>, LabError> FindFileChanges(const ToolRun& runBefo
   for (const auto& utility : UtilitiesOf(matchesAfter)) {
     const bool wasNeeded = std::ranges::find(utilitiesBefore, utility) != utilitiesBefore.end();
     const auto failure =
-        compare({"flashing utility", "", wasNeeded ? Json(utility) : Json(nullptr), utility},
+        compare({UtilityKinds, "", wasNeeded ? Json(utility) : Json(nullptr), utility},
                 before.personalitiesDirectory.value_or("") + utility,
                 after.personalitiesDirectory.value_or("") + utility);
     if (failure) return *failure;

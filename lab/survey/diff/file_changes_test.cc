@@ -47,10 +47,11 @@ class FileChanges : public ::testing::Test {
                                          RunTool(computer_.Recorded(), after), after, files);
     if (!changes) return changes.Error().error.message + "\n";
     for (const auto& change : *changes) {
-      const bool isOfMatch = change.kind.starts_with("image");
+      const bool isOfMatch = NameOf(change.kind).starts_with("image");
       EXPECT_EQ(change.match,
                 isOfMatch ? "LegacyUSBC, controller 1 (RID -, port -, version 5)" : "");
-      text += change.kind + ": " + change.before.dump() + " -> " + change.after.dump() + "\n";
+      text += std::string(NameOf(change.kind)) + ": " + change.before.dump() + " -> " +
+              change.after.dump() + "\n";
     }
     return text;
   }

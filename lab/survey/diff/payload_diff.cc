@@ -36,7 +36,7 @@ class Comparison {
     ComparePlans();
     for (const auto& pair : matchesBefore_.InOrder()) {
       if (matchesAfter_.Find(KeyOf(pair)) != nullptr) continue;
-      Add({"loses match", NameOf(pair), Summary(pair), {}, reasons_.WithoutInNew(pair)});
+      Add({ChangeKind::LosesMatch, NameOf(pair), Summary(pair), {}, reasons_.WithoutInNew(pair)});
     }
     for (const auto& pair : matchesAfter_.InOrder()) CompareMatch(pair);
     CompareOrder();
@@ -47,7 +47,7 @@ class Comparison {
  private:
   void Add(DiffChange change) { changes_.push_back(std::move(change)); }
 
-  void AddIfDifferent(const char* kind, Json before, Json after, const std::string& match = {}) {
+  void AddIfDifferent(ChangeKind kind, Json before, Json after, const std::string& match = {}) {
     // Compared as printed: an integer is not the real of the same value.
     if (PrintJsonRow(before) == PrintJsonRow(after)) return;
     Add({kind, match, std::move(before), std::move(after)});
@@ -55,20 +55,24 @@ class Comparison {
 
   void ComparePlans() {
     if (planBefore_.has_value() == planAfter_.has_value()) return;
-    if (planAfter_) return Add({"gains plan", {}, {}, {}, LogLines(before_)});
-    Add({"loses plan", {}, {}, {}, LogLines(after_)});
+    if (planAfter_) return Add({ChangeKind::GainsPlan, {}, {}, {}, LogLines(before_)});
+    Add({ChangeKind::LosesPlan, {}, {}, {}, LogLines(after_)});
   }
 
   void CompareMatch(const MatchedPair& after) {
     const auto* before = matchesBefore_.Find(KeyOf(after));
     if (before == nullptr) {
-      return Add({"gains match", NameOf(after), {}, Summary(after), reasons_.WithoutInOld(after)});
+      return Add({ChangeKind::GainsMatch,
+                  NameOf(after),
+                  {},
+                  Summary(after),
+                  reasons_.WithoutInOld(after)});
     }
-    CompareValue("image", "Firmware", *before, after);
-    CompareValue("version", "Version", *before, after);
+    CompareValue(ChangeKind::Image, "Firmware", *before, after);
+    CompareValue(ChangeKind::Version, "Version", *before, after);
   }
 
-  void CompareValue(const char* kind, std::string_view key, const MatchedPair& before,
+  void CompareValue(ChangeKind kind, std::string_view key, const MatchedPair& before,
                     const MatchedPair& after) {
     const auto* valueBefore = before.match->Find(key);
     const auto* value = after.match->Find(key);
@@ -78,7 +82,7 @@ class Comparison {
 
   // Of the matches that both have.
   void CompareOrder() {
-    AddIfDifferent("order", CommonNames(matchesBefore_, matchesAfter_),
+    AddIfDifferent(ChangeKind::Order, CommonNames(matchesBefore_, matchesAfter_),
                    CommonNames(matchesAfter_, matchesBefore_));
   }
 
@@ -92,14 +96,15 @@ class Comparison {
   }
 
   void ComparePlanValues(const PlanSummary& before, const PlanSummary& after) {
-    AddIfDifferent("priority", before.priority, after.priority);
-    AddIfDifferent("NVRAM to set", before.setNvram, after.setNvram);
-    AddIfDifferent("NVRAM to clear", before.clearNvram, after.clearNvram);
+    AddIfDifferent(ChangeKind::Priority, before.priority, after.priority);
+    AddIfDifferent(ChangeKind::NvramToSet, before.setNvram, after.setNvram);
+    AddIfDifferent(ChangeKind::NvramToClear, before.clearNvram, after.clearNvram);
     const auto hasOther = [](const DiffChange& change) {
-      return change.kind == "order" || change.kind.ends_with(" match");
+      return change.kind == ChangeKind::Order || change.kind == ChangeKind::GainsMatch ||
+             change.kind == ChangeKind::LosesMatch;
     };
     if (std::ranges::any_of(changes_, hasOther)) return;  // which changes the options by itself
-    AddIfDifferent("options", before.options, after.options);
+    AddIfDifferent(ChangeKind::Options, before.options, after.options);
   }
 
   const ToolRun& before_;

@@ -142,7 +142,7 @@ std::string Lost(const std::string& reasons) {
          Port + R"(,"before":"9, a.bin","after":null,"reasons":[)" + reasons + "]}]\n";
 }
 
-TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
+TEST_F(PayloadDiff, NamesTheRequirementsForWhichAMatchIsGainedOrLost) {
   const auto other = Usbc(With(Personality, {{"Version", 5}, {"Port Silicon Revision", 4}}));
   const std::string reasons =
       R"("personality 1 (a.bin): \"Version\" 5 is not newer than the installed 5",)"
@@ -151,7 +151,7 @@ TEST_F(PayloadDiff, TellsByWhichRequirementsAMatchComesAndGoes) {
   EXPECT_EQ(Changes(Usbc(Personality), other), Lost(reasons));
 }
 
-TEST_F(PayloadDiff, TellsThatThereIsNoSuchPersonality) {
+TEST_F(PayloadDiff, ReportsThatThereIsNoSuchPersonality) {
   EXPECT_EQ(Changes({{"Other", 1}}, Usbc(Personality)),
             Gained(R"("the old payload has no key \"USBC\"")"));
   EXPECT_EQ(Changes({}, Usbc(Personality)), Gained(R"("the old payload has no key \"USBC\"")"));
@@ -204,7 +204,7 @@ TEST_F(PayloadDiff, NamesThePersonalityOfTheSamePurpose) {
   EXPECT_EQ(reasons(after, before), Texts{"the new payload has no such personality"});
 }
 
-TEST_F(PayloadDiff, TellsWhyThereIsNoPlan) {
+TEST_F(PayloadDiff, HasTheReasonWhyThereIsNoPlan) {
   EXPECT_EQ(Changes(Usbc(Personality), Usbc(Without(Personality, "Firmware"))),
             R"([{"kind":"loses plan","match":null,"before":null,"after":null,"reasons":)"
             R"(["fernwick: Error in personality: no firmware image to flash for type USBC"]},)"

@@ -40,6 +40,16 @@ Repetition Classify(const Flash& flash, const SettersByController& setters) {
 
 }  // namespace
 
+std::string_view NameOf(RepetitionCause cause) {
+  switch (cause) {
+    case RepetitionCause::Undone: return "undone";
+    case RepetitionCause::ComparesVersionAbove: return "compares version above";
+    case RepetitionCause::NotStorable: return "not storable";
+    case RepetitionCause::VersionUnchecked: break;
+  }
+  return "version unchecked";
+}
+
 std::vector<Repetition> FindRepetitions(const Settling& settling) {
   SettersByController setters;
   for (auto i = settling.firstState; i < settling.steps.size(); ++i) {

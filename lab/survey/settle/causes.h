@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "lab/survey/settle/settling.h"
@@ -16,6 +17,9 @@ enum class RepetitionCause {
   VersionUnchecked,      // what is not newer matches, since the version check is bypassed
 };
 
+/// "undone", "compares version above", "not storable" and "version unchecked".
+std::string_view NameOf(RepetitionCause cause);
+
 /// A match that is planned again and again, and why.
 struct Repetition {
   RepetitionCause cause;
@@ -24,8 +28,7 @@ struct Repetition {
 };
 
 /// The causes of a computer that never settles, in the order of the plans, each controller once for
-/// each. They point into `settling`. REQUIRES: its
-/// end is StateComesBack.
+/// each. They point into `settling`. REQUIRES: its end is StateComesBack.
 std::vector<Repetition> FindRepetitions(const Settling& settling);
 
 }  // namespace fernwick::lab

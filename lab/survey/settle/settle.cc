@@ -107,7 +107,7 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
     const auto index = selected.index;
     const auto row = SettleComputer(std::move(selected), each);
     if (!row) return row.Error();
-    SettledComputer computer = {row->outcome, row->runs, row->status, isNamed, row->changes};
+    auto computer = SettledOf(*row, isNamed);
     if (isShard) {
       computer.text = PrintShardRow(index, isNamed, ToJson(*row), {{"text", DescribeRow(*row)}});
     } else {
@@ -120,7 +120,7 @@ int AddRows(const SettleArguments& arguments, const Changes& changes, const AddS
                             .payload = arguments.payload,
                             .options = {{"bypassVersion", arguments.bypassVersion},
                                         {"each", arguments.listsSteps},
-                                        {"changes", changes.texts}}};
+                                        {"changes", changes.Texts()}}};
   return RunShardedBatch(arguments.batch, frame, work, console);
 }
 
@@ -135,7 +135,7 @@ VerbEnd SettleVerb(int argumentCount, char* const arguments[]) {
   const auto changes = ParseChanges(parsed.whatIf);
   if (!changes) return RefuseUsage(changes.Error().message);
   if (!IsPayload(parsed.payload)) return LabStatus::UnreadableInput;
-  parsed.output.changes = changes->texts;
+  parsed.output.changes = changes->Texts();
   parsed.output.isShard = parsed.batch.limits.shard.has_value();
   return PrintSettled(parsed.output, [&](const AddSettled& add, Console& console) {
     return AddRows(parsed, *changes, add, console);

@@ -14,16 +14,6 @@
 namespace fernwick::lab {
 namespace {
 
-std::string_view CauseName(RepetitionCause cause) {
-  switch (cause) {
-    case RepetitionCause::Undone: return "undone";
-    case RepetitionCause::ComparesVersionAbove: return "compares version above";
-    case RepetitionCause::NotStorable: return "not storable";
-    case RepetitionCause::VersionUnchecked: break;
-  }
-  return "version unchecked";
-}
-
 std::string_view NameOfType(TypeSet type) {
   return *NamesOf(type).begin();
 }
@@ -101,7 +91,7 @@ class RowWriter {
   void WriteRepetitions() {
     row_.comesBack = settling_.firstState;
     for (const auto& repetition : FindRepetitions(settling_)) {
-      NamedRepetition named = {std::string(CauseName(repetition.cause)), Named(*repetition.flash)};
+      NamedRepetition named = {repetition.cause, Named(*repetition.flash)};
       if (repetition.other != nullptr) named.other = Named(*repetition.other);
       row_.repetitions.push_back(std::move(named));
     }

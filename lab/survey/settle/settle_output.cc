@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "lab/support/command_line.h"
+#include "lab/support/json_reading.h"
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
 
@@ -49,6 +50,24 @@ std::string ReadSettleFailOn(SettleOutput& output) {
     output.failOn.push_back(found->second);
   }
   return "";
+}
+
+SettledComputer SettledOf(const SettleRow& row, bool isNamed) {
+  return {row.outcome, row.runs, row.status, isNamed, row.changes};
+}
+
+std::optional<SettledComputer> SettledOf(const Json& row, bool isNamed) {
+  const auto& name = MemberOf(row, "outcome");
+  const auto& runs = MemberOf(row, "runs");
+  const auto& status = MemberOf(row, "status");
+  const auto changes = StringsOf(MemberOf(row, "changes"));
+  if (!name.is_string() || !runs.is_number_unsigned() || !changes) return std::nullopt;
+  const auto outcome = SettleOutcomeNamed(name.get<std::string>());
+  const bool hasStatus = status.is_number_integer();
+  if (!outcome || (outcome == SettleOutcome::Refused && !hasStatus)) return std::nullopt;
+  return SettledComputer{*outcome, runs.get<std::size_t>(),
+                         hasStatus ? std::optional(status.get<int>()) : std::nullopt, isNamed,
+                         *changes};
 }
 
 int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {

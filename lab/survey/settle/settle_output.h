@@ -33,6 +33,12 @@ struct SettledComputer {
   std::string text = {};                  // to print
 };
 
+/// Of a row of "settle", without the text; `isNamed` as in Selected.
+SettledComputer SettledOf(const SettleRow& row, bool isNamed);
+
+/// The same of a row in JSON; empty when it is none.
+std::optional<SettledComputer> SettledOf(const Json& row, bool isNamed);
+
 /// Prints a computer and counts it.
 using AddSettled = std::function<void(const SettledComputer& computer)>;
 

@@ -36,7 +36,7 @@ Json StepJson(const NamedStep& step) {
 }
 
 Json RepetitionJson(const NamedRepetition& repetition) {
-  return {{"cause", repetition.cause},
+  return {{"cause", NameOf(repetition.cause)},
           {"match", FlashJson(repetition.flash)},
           {"other", repetition.other ? FlashJson(*repetition.other) : Json(nullptr)}};
 }

@@ -9,6 +9,7 @@
 
 #include "lab/explain/failed_requirement.h"
 #include "lab/support/json_values.h"
+#include "lab/survey/settle/causes.h"
 #include "lab/survey/settle/settling.h"
 
 namespace fernwick::lab {
@@ -53,10 +54,9 @@ struct NamedStep {
   std::size_t otherNvram = 0;
 };
 
-/// Why the computer never settles. `cause` is "undone", "compares version above",
-/// "not storable" or "version unchecked".
+/// Why the computer never settles.
 struct NamedRepetition {
-  std::string cause;
+  RepetitionCause cause;
   NamedFlash flash;
   std::optional<NamedFlash> other = {};  // of "undone"
 };

@@ -87,10 +87,10 @@ std::string StepText(const NamedStep& step, std::size_t number) {
 std::string DescribeCause(const NamedRepetition& repetition) {
   const auto& flash = repetition.flash;
   if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
-  if (repetition.cause == "not storable") {
+  if (repetition.cause == RepetitionCause::NotStorable) {
     return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
   }
-  if (repetition.cause == "compares version above") {
+  if (repetition.cause == RepetitionCause::ComparesVersionAbove) {
     return OfferText(flash) +
            ", which is compared with the version of the Thunderbolt controller above the port";
   }
@@ -115,7 +115,7 @@ std::string DescribeRow(const SettleRow& row) {
   }
   for (const auto& repetition : row.repetitions) {
     text += "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition);
-    const bool isUnchecked = repetition.cause == "version unchecked";
+    const bool isUnchecked = repetition.cause == RepetitionCause::VersionUnchecked;
     if (isUnchecked && row.uncheckedBy) text += ": " + SwitchText(*row.uncheckedBy);
     text += "\n";
   }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lab/support/command_line.h"
+#include "lab/support/json_reading.h"
 #include "lab/support/messages.h"
 #include "lab/survey/batch.h"
 #include "lab/survey/coverage/coverage_output.h"
@@ -130,63 +131,17 @@ int MergeSurvey(const SurveyOutput& output, MergedRows& rows) {
   });
 }
 
-// The member of an object; null where there is none.
-Json MemberOf(const Json& object, const char* key) {
-  const bool isThere = object.is_object() && object.contains(key);
-  return isThere ? object[key] : Json(nullptr);
-}
-
-// Empty where it is not an array of strings.
-std::optional<std::vector<std::string>> TextsOf(const Json& array) {
-  const bool isOfTexts = array.is_array() && std::ranges::all_of(array, [](const Json& each) {
-                           return each.is_string();
-                         });
-  return isOfTexts ? std::optional(array.get<std::vector<std::string>>()) : std::nullopt;
-}
-
-std::optional<SettledComputer> SettledOf(const ShardRow& each, bool isText) {
-  const auto name = MemberOf(each.row, "outcome");
-  const auto runs = MemberOf(each.row, "runs");
-  const auto status = MemberOf(each.row, "status");
-  const auto text = MemberOf(each.line, "text");
-  const auto changes = TextsOf(MemberOf(each.row, "changes"));
-  if (!name.is_string() || !runs.is_number_unsigned() || !text.is_string() || !changes) {
-    return std::nullopt;
-  }
-  const auto outcome = SettleOutcomeNamed(name.get<std::string>());
-  if (!outcome) return std::nullopt;
-  SettledComputer computer = {.outcome = *outcome,
-                              .runs = runs.get<std::size_t>(),
-                              .isNamed = each.isNamed,
-                              .changes = *changes};
-  if (status.is_number_integer()) computer.status = status.get<int>();
-  if (*outcome == SettleOutcome::Refused && !computer.status) return std::nullopt;
-  computer.text = isText ? text.get<std::string>() : PrintJsonRow(each.row);
-  return computer;
-}
-
 int MergeSettled(const SettleOutput& output, MergedRows& rows) {
   return PrintSettled(output, [&](const AddSettled& add, Console& console) {
     return ForEachRow(rows, console, [&](const ShardRow& each) {
-      const auto computer = SettledOf(each, output.format == "text");
-      if (computer) add(*computer);
-      return computer.has_value();
+      auto computer = SettledOf(each.row, each.isNamed);
+      const auto& text = MemberOf(each.line, "text");
+      if (!computer || !text.is_string()) return false;
+      computer->text = output.format == "text" ? text.get<std::string>() : PrintJsonRow(each.row);
+      add(*computer);
+      return true;
     });
   });
-}
-
-std::optional<CoveredRecording> CoveredOf(const Json& row) {
-  const auto name = MemberOf(row, "use");
-  if (!name.is_string()) return std::nullopt;
-  const auto* const use = std::ranges::find(RecordingUseNames, name.get<std::string>());
-  if (use == RecordingUseNames.end()) return std::nullopt;
-  CoveredRecording recording = {static_cast<RecordingUse>(use - RecordingUseNames.begin())};
-  if (recording.use != RecordingUse::Refused) return recording;
-  const auto message = MemberOf(row, "message");
-  const auto status = MemberOf(row, "status");
-  if (!message.is_string() || !status.is_number_integer()) return std::nullopt;
-  recording.refusal = {{message.get<std::string>()}, status.get<int>()};
-  return recording;
 }
 
 int MergeCoverage(const MergeOptions& options, const CoverageOutput& output, MergedRows& rows) {
@@ -204,7 +159,7 @@ int MergeCoverage(const MergeOptions& options, const CoverageOutput& output, Mer
       *toolOptions, output, [&](const AddCovered& add, CoveredPayload& payload, Console& console) {
         rows.addTotals = [&](const Json& totals) { return payload.AddCounts(totals); };
         return ForEachRow(rows, console, [&](const ShardRow& each) {
-          const auto recording = CoveredOf(each.row);
+          const auto recording = CoveredRecordingOf(each.row);
           if (recording) add(*recording, each.isNamed);
           return recording.has_value();
         });
@@ -250,7 +205,7 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   if (name == "settle") {
     SettleOutput output = {.format = format, .failOnList = options.survey.failOnList};
     const auto error = ReadSettleFailOn(output);
-    output.changes = TextsOf(MemberOf(rows.Header().options, "changes")).value_or(output.changes);
+    output.changes = StringsOf(MemberOf(rows.Header().options, "changes")).value_or(output.changes);
     return error.empty() ? MergeSettled(output, rows) : RefuseUsage(error);
   }
   if (!options.payload) return RefuseUsage("results of coverage need --payload");
