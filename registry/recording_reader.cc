@@ -194,7 +194,7 @@ class NodeReader {
     if (error) return error;
     if (name.empty()) return table_.ErrorAt(number, "\"Name\" is empty");
     if (name.find('/') == std::string_view::npos) return std::nullopt;
-    return table_.ErrorAt(number, "\"Name\" holds a \"/\"");
+    return table_.ErrorAt(number, "\"Name\" contains a \"/\"");
   }
 
   MaybeError ReadClass(std::size_t number, Dictionary node, std::string_view& name) const {
@@ -257,7 +257,7 @@ MaybeError ReadPlanes(Dictionary top, NodeTable& table, std::vector<RecordedEntr
   return std::nullopt;
 }
 
-constexpr char TwiceInPlane[] = "the entry already stands in this plane";
+constexpr char TwiceInPlane[] = "the entry is already in this plane";
 
 MaybeError ResolveLinks(NodeTable& table) {
   for (const auto& [number, id] : table.links) {

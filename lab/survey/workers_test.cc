@@ -21,7 +21,7 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-// What `answer` makes of each path, in the order in which it was reported. A refusal by the
+// What `answer` returns for each path, in the order in which it was reported. A refusal by the
 // selection is "PATH?REFUSAL".
 template <typename Answer>
 Strings ResultsOf(const Strings& paths, std::size_t jobs, Answer answer) {

@@ -26,9 +26,9 @@ bool Contains(Entries& entries, std::string_view key) {
 
 // An existing key keeps its position, a new one comes last.
 void Put(Entries& entries, std::string_view key, const PropertyValue& value) {
-  const auto place = Locate(entries, key);
-  if (place != entries.end()) {
-    place->value = value;
+  const auto entry = Locate(entries, key);
+  if (entry != entries.end()) {
+    entry->value = value;
   } else {
     entries.push_back({key, value});
   }

@@ -104,7 +104,7 @@ b")",
   };
   for (const auto& [text, string] : rows) {
     SCOPED_TRACE(::testing::PrintToString(text));
-    const auto source = text + " behind";
+    const auto source = text + " after";
     TextCursor cursor(source);
     std::string_view found;
     std::string decoded = "left over";

@@ -93,7 +93,7 @@ bool XmlCursor::SkipPast(std::string_view opening, std::string_view closing, con
 
 bool XmlCursor::SkipComment() {
   if (!SkipPast("<!--", "--", "a comment")) return false;
-  if (!LookingAt(">")) return Fail(at_ - 2, "\"--\" stands inside a comment");
+  if (!LookingAt(">")) return Fail(at_ - 2, "\"--\" is not allowed inside a comment");
   ++at_;
   return true;
 }
@@ -203,7 +203,8 @@ bool XmlCursor::ReadAttribute(std::string_view& name) {
 bool XmlCursor::CheckAttributeValue(std::size_t offset, std::string_view value) {
   std::string ignored;
   for (std::size_t i = 0; i < value.size(); ++i) {
-    if (value[i] == '<') return Fail(offset + i, "\"<\" stands inside the value of an attribute");
+    if (value[i] == '<')
+      return Fail(offset + i, "\"<\" is not allowed inside the value of an attribute");
     if (value[i] != '&') continue;
     std::size_t at = offset + i;
     if (!AppendReference(document_.substr(0, offset + value.size()), at, ignored)) return false;
@@ -276,7 +277,7 @@ bool XmlCursor::AppendCharacters(std::size_t end, std::string& decoded) {
       if (!AppendReference(text, at_, decoded)) return false;
       continue;
     }
-    if (LookingAt(CdataClosing)) return Fail(at_, "\"]]>\" stands in text");
+    if (LookingAt(CdataClosing)) return Fail(at_, "\"]]>\" is not allowed in text");
     decoded.push_back(text[at_++]);
   }
   return true;

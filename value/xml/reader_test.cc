@@ -311,9 +311,9 @@ TEST(XmlPropertyList, RejectsACommentThatDoesNotEndWhereverItIs) {
 // Texts that would be accepted if reading went on after the fault.
 TEST(XmlPropertyList, RejectsACommentWithTwoHyphensWhereverItIs) {
   const auto hyphens = [](const std::string& before, const std::string& after) {
-    return RejectedRow{
-        before + "<!--a--" + after,
-        "line 1, column " + std::to_string(before.size() + 6) + ": \"--\" stands inside a comment"};
+    return RejectedRow{before + "<!--a--" + after, "line 1, column " +
+                                                       std::to_string(before.size() + 6) +
+                                                       ": \"--\" is not allowed inside a comment"};
   };
   ExpectRejected(Parse, {
                             hyphens("", "<true/>"),
@@ -360,18 +360,19 @@ TEST(XmlPropertyList, RejectsMarkupThatIsNotWellFormed) {
   ExpectRejected(
       ParseInPlist,
       {
-          {"<string>a]]>b</string>", "line 2, column 10: \"]]>\" stands in text"},
+          {"<string>a]]>b</string>", "line 2, column 10: \"]]>\" is not allowed in text"},
           {"<string>a & b</string>", "line 2, column 11: \"&\" does not begin a reference"},
           {"<string>&nbsp;</string>", "line 2, column 9: the entity &nbsp; is not defined"},
           {"<string>&#0;</string>", "line 2, column 9: &#0; is no character that XML can carry"},
           {"<string>&#xFFFF;</string>",
            "line 2, column 9: &#xFFFF; is no character that XML can carry"},
           {"<string a='1' a='2'/>", "line 2, column 1: the attribute a occurs twice in one tag"},
-          {"<string a='<'/>", "line 2, column 12: \"<\" stands inside the value of an attribute"},
+          {"<string a='<'/>",
+           "line 2, column 12: \"<\" is not allowed inside the value of an attribute"},
           {"<string a/>", "line 2, column 10: the attribute a has no value"},
           {"<string a=1/>", "line 2, column 11: the value of an attribute is not quoted"},
           {"<string a='&b;'/>", "line 2, column 12: the entity &b; is not defined"},
-          {"<!-- a -- b --><true/>", "line 2, column 8: \"--\" stands inside a comment"},
+          {"<!-- a -- b --><true/>", "line 2, column 8: \"--\" is not allowed inside a comment"},
           {"<?xml version='1.0'?><true/>",
            "line 2, column 1: an XML declaration may stand only at the very start"},
           {"<!DOCTYPE plist><true/>", "line 2, column 2: the name of an element is missing"},
