@@ -118,7 +118,8 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
   return LabStatus::BadUsage;
 }
 
-int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console, int& refusal) {
+int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console,
+            FirstRefusal& refusal) {
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   const bool isShard = options.batch.limits.shard.has_value();
   const auto work = [&](Selected selected) -> BatchResult {
@@ -130,9 +131,7 @@ int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console
         isShard ? PrintShardRow(index, isNamed, ToJson(*surveyed)) : report.TextOf(*surveyed);
     const std::function<void()> print = [&, isNamed, row = *std::move(surveyed),
                                          text = std::move(text)] {
-      if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
-        refusal = row.status.value();
-      }
+      if (row.outcome == Outcome::Refused) refusal.Add(isNamed, row.status.value());
       report.Add(row, text);
     };
     return print;
@@ -150,9 +149,10 @@ VerbEnd SurveyVerb(int argumentCount, char* const arguments[]) {
   SurveyOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;
-  return PrintSurvey(options.output, [&](SurveyReport& report, Console& console, int& refusal) {
-    return AddRows(options, report, console, refusal);
-  });
+  return PrintSurvey(options.output,
+                     [&](SurveyReport& report, Console& console, FirstRefusal& refusal) {
+                       return AddRows(options, report, console, refusal);
+                     });
 }
 
 }  // namespace fernwick::lab

@@ -11,6 +11,7 @@
 #include "lab/survey/diff/diff_computer.h"
 #include "lab/survey/diff/diff_format.h"
 #include "lab/survey/diff/file_changes.h"
+#include "lab/survey/selected.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -81,13 +82,13 @@ int RunDiff(const DiffOptions& options) {
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
   PayloadFiles files;
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
     auto result = DiffComputer(std::move(selected), payloads, files);
     if (!result) return result.Error();
     const std::function<void()> print = [&, isNamed, compared = *std::move(result)] {
-      if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
+      refusal.Add(isNamed, compared.refusal);
       totals.Add(compared.row);
       format->Add(compared.row);
     };
@@ -98,7 +99,7 @@ int RunDiff(const DiffOptions& options) {
   format->Finish(totals);
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!format->ShowsTotals()) console.WriteError(Describe(totals));
-  if (refusal != LabStatus::Done) return refusal;
+  if (refusal.Status() != LabStatus::Done) return refusal.Status();
   return totals.changed == 0 ? LabStatus::Done : 1;
 }
 

@@ -119,12 +119,11 @@ bool IsComplete(const SurveyRow& row) {
 }
 
 int MergeSurvey(const SurveyOutput& output, MergedRows& rows) {
-  return PrintSurvey(output, [&](SurveyReport& report, Console& console, int& refusal) {
+  return PrintSurvey(output, [&](SurveyReport& report, Console& console, FirstRefusal& refusal) {
     return ForEachRow(rows, console, [&](const ShardRow& each) {
       const auto row = SurveyRowOf(each.row);
       if (!row || !IsComplete(*row)) return false;
-      const bool isRefused = each.isNamed && row->outcome == Outcome::Refused;
-      if (isRefused && refusal == LabStatus::Done) refusal = *row->status;
+      if (row->outcome == Outcome::Refused) refusal.Add(each.isNamed, *row->status);
       report.Add(*row, report.TextOf(*row));
       return true;
     });
