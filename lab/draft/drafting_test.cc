@@ -78,11 +78,6 @@ bool CanMatch(TypeSet type, const RequirementContext& context, const PropertyVal
   return ControllerCheck(type, context).Applies(personality, console);
 }
 
-RequirementContext ContextOf(const ToolRun& run, const KeyTrace& trace, std::size_t controller) {
-  return {trace.inventory.records[controller], run.result.identity->boardRevision,
-          run.result.bypassesVersionCheck};
-}
-
 bool IsForPorts(TypeSet type) {
   return type == Types::LegacyUsbc || type == Types::Usbc;
 }
@@ -96,7 +91,7 @@ bool HasUnsettled(const Computer& computer, const DraftTarget& target) {
       *std::ranges::find(run.trace.keys, NamesOf(target.type).front(), &KeyTrace::key);
   for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
     if (trace.inventory.sources[i].version == Origin::Thunderbolt &&
-        CanMatch(target.type, ContextOf(run, trace, i), target.version)) {
+        CanMatch(target.type, ContextOf(run.result, trace, i), target.version)) {
       return true;
     }
   }
@@ -153,7 +148,7 @@ void ExpectMatchesWanted(const RandomDraft& draft, const Computer& computer) {
   const auto& trace = run.trace.keys.at(0);
   for (std::size_t i = 0; i < trace.matched.size(); ++i) {
     EXPECT_EQ(trace.matched[i] != KeyTrace::NoMatch,
-              CanMatch(draft.target.type, ContextOf(run, trace, i), draft.target.version));
+              CanMatch(draft.target.type, ContextOf(run.result, trace, i), draft.target.version));
   }
   if (run.result.bypassesVersionCheck) return;
   EXPECT_EQ(EndOfSettling(computer, configuration), SettleEnd::NothingMatches);

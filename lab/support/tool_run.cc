@@ -48,6 +48,11 @@ std::optional<Error> ConfigurationFault(const ToolRun& run) {
   return error && error->systemError == 0 ? error : std::nullopt;
 }
 
+RequirementContext ContextOf(const RunResult& result, const KeyTrace& key, std::size_t controller) {
+  return {key.inventory.records[controller], result.identity->boardRevision,
+          result.bypassesVersionCheck};
+}
+
 std::vector<TestedCandidates> CandidatesOf(const ToolRun& run, Arena& copies) {
   const auto entries = run.result.configuration->value.AsDictionary()->Entries();
   std::vector<TestedCandidates> tested;

@@ -10,6 +10,7 @@
 #include "lab/support/diagnostics.h"
 #include "lab/support/messages.h"
 #include "personality/configuration.h"
+#include "personality/requirements.h"
 #include "personality/run_trace.h"
 #include "registry/recorded_registry.h"
 #include "value/arena.h"
@@ -57,6 +58,10 @@ std::optional<Error> ConfigurationFault(const ToolRun& run);
 /// The same over another registry, whose values must outlive the run.
 ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts,
                 const ConfigurationLoader& load = LoadPersonalityConfiguration);
+
+/// What a run tests the requirements of a controller's personalities against. `controller` is its
+/// index in the inventory of the key; the record is viewed. REQUIRES: the run has a board.
+RequirementContext ContextOf(const RunResult& result, const KeyTrace& key, std::size_t controller);
 
 /// The candidates of a top-level key whose pairs a run tested.
 struct TestedCandidates {

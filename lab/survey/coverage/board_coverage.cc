@@ -69,9 +69,7 @@ class PairCounter {
 
   void Count() {
     for (std::size_t i = 0; i < trace_.matched.size(); ++i) {
-      const RequirementContext context = {trace_.inventory.records[i],
-                                          result_.identity->boardRevision,
-                                          result_.bypassesVersionCheck};
+      const auto context = ContextOf(result_, trace_, i);
       for (std::size_t j = 0; j < candidates_.size(); ++j) {
         const auto outcome = trace_.OutcomeOf(i, j);
         if (outcome == PairOutcome::Matched) CountPair(context, j, requirements_.size());
