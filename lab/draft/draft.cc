@@ -233,7 +233,7 @@ VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   }
   if (options.type.empty() && computers.CountByType().empty()) {
     PrintError("these computers have no controllers");
-    return HasNoDraft;
+    return LabStatus::Negative;
   }
   const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
   if (type == Types::None) return LabStatus::BadUsage;

@@ -24,8 +24,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr int HasNoSample = 1;
-
 // With --all each sample costs a run over the whole configuration.
 constexpr std::size_t MaxSamples = 1000;
 
@@ -135,14 +133,14 @@ class SampleWriter {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
     const bool hasType = type != subject_.types.end();
-    if (hasType && !HasShape(*type)) return HasNoSample;
+    if (hasType && !HasShape(*type)) return LabStatus::Negative;
     const auto count = hasType ? CountPersonalities(*type) : 0;
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
                     wanted.type + "\": it has " + (count == 0 ? "none" : std::to_string(count)));
     }
     const auto sample = Find(*type, wanted.number - 1);
-    return sample ? Write(options_.out, *sample) : HasNoSample;
+    return sample ? Write(options_.out, *sample) : LabStatus::Negative;
   }
 
   // That of the first personality that has one.
@@ -172,11 +170,11 @@ class SampleWriter {
     int status = LabStatus::Done;
     ProcessConsole console;
     for (const auto& type : subject_.types) {
-      if (!HasShape(type)) status = HasNoSample;
+      if (!HasShape(type)) status = LabStatus::Negative;
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         const auto sample = Find(type, i);
         if (!sample) {
-          status = HasNoSample;
+          status = LabStatus::Negative;
           continue;
         }
         const auto out = AppendPathComponent(
@@ -200,7 +198,7 @@ class SampleWriter {
     return count;
   }
 
-  int Refuse(const std::string& message, int status = HasNoSample) const {
+  int Refuse(const std::string& message, int status = LabStatus::Negative) const {
     return PrintError(path_, {{message}, status});
   }
 

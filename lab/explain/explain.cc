@@ -140,8 +140,8 @@ int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
   const auto explanation =
       Explain(recording, options, filter, {&changes, configurations.Loader(refusal)});
   if (refusal) {
-    const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
-    return PrintError(*explained.configurationPath, {*refusal, LabStatus::UnreadableInput});
+    return PrintError(*DecisionOf(explanation).configurationPath,
+                      {*refusal, LabStatus::UnreadableInput});
   }
   // Without descriptors there is nothing to explain.
   const auto failure = ConfigurationFailure(explanation.run, options);

@@ -18,8 +18,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr int FoundSomething = 1;
-
 constexpr char Description[] =
     "Looks for mistakes in the configurations of a payload, of all its boards or of those named: "
     "what can never match, what does not mean what it seems to, what the plan will lack.";
@@ -162,7 +160,7 @@ int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline
     if (lost != LabStatus::Done) return lost;
   }
   if (linting.status != LabStatus::Done) return linting.status;
-  return fails && !options.updatesBaseline ? FoundSomething : LabStatus::Done;
+  return fails && !options.updatesBaseline ? LabStatus::Negative : LabStatus::Done;
 }
 
 }  // namespace

@@ -39,7 +39,8 @@ int StatusOf(const SurveyOutput& output, const SurveyReport& report, int refusal
   if (!output.expectation && refusal != LabStatus::Done) return refusal;
   const auto happened = [&](ComputerClass each) { return report.Count(each) > 0; };
   const bool fails = std::ranges::any_of(output.failOn, happened);
-  return fails || (!output.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
+  const bool differs = !output.updates && report.HasDifferences();
+  return fails || differs ? LabStatus::Negative : LabStatus::Done;
 }
 
 int Print(const SurveyOutput& output, SurveyExpectation* expectation,

@@ -56,7 +56,8 @@ int PrintCoverage(const Options& options, const CoverageOutput& output,
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (refusal.Status() != LabStatus::Done) return refusal.Status();
   if (status != LabStatus::Done) return status;
-  return totals.counts.PerMille() < output.threshold.value_or(0) ? 1 : LabStatus::Done;
+  const bool isMet = totals.counts.PerMille() >= output.threshold.value_or(0);
+  return isMet ? LabStatus::Done : LabStatus::Negative;
 }
 
 }  // namespace fernwick::lab

@@ -100,7 +100,7 @@ int RunDiff(const DiffOptions& options) {
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!format->ShowsTotals()) console.WriteError(Describe(totals));
   if (refusal.Status() != LabStatus::Done) return refusal.Status();
-  return totals.changed == 0 ? LabStatus::Done : 1;
+  return totals.changed == 0 ? LabStatus::Done : LabStatus::Negative;
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ int StatusOf(const SettleOutput& output, const SettleTotals& totals, int refusal
   if (refusal != LabStatus::Done) return refusal;
   const auto happened = [&](SettleOutcome outcome) { return totals.Count(outcome) > 0; };
   const bool fails = totals.endedByPlans > 0 || std::ranges::any_of(output.failOn, happened);
-  return fails ? 1 : LabStatus::Done;
+  return fails ? LabStatus::Negative : LabStatus::Done;
 }
 
 // What the text begins with.
