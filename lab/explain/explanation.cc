@@ -109,15 +109,16 @@ std::optional<ExplainedPlan> PlanOf(const Explanation& explanation, const Record
       const auto* version = record.Find("Version");
       return version == nullptr ? std::nullopt : std::optional(*version);
     };
-    plan.images.push_back({.key = explanation.keys[key].key,
-                           .personality = PersonalityText(explanation.keys[key], pair.personality),
-                           .number = pair.personality + 1,
-                           .controller = controller.path,
-                           .name = controller.name,
-                           .installed = valueIn(pair.Controller()),
-                           .version = valueIn(*pair.match),
-                           .path = path,
-                           .isMissing = !PathExists(path)});
+    plan.images.push_back(
+        {.key = explanation.keys[key].key,
+         .personality = LocatedPersonality(explanation.keys[key], pair.personality),
+         .number = pair.personality + 1,
+         .controller = controller.path,
+         .name = controller.name,
+         .installed = valueIn(pair.Controller()),
+         .version = valueIn(*pair.match),
+         .path = path,
+         .isMissing = !PathExists(path)});
   }
   return plan;
 }

@@ -104,7 +104,7 @@ class HeadWriter : LineWriter {
       case RunEnd::Planned: return Bold(matches) + ", a plan" + status;
       case RunEnd::NothingMatched: return Bold("nothing matches") + ", no plan" + status;
       case RunEnd::NoFirmware:
-        return Bold(matches + ", but no plan") + status + ": " + MissingImageText(explanation_);
+        return Bold(matches + ", but no plan") + status + ": " + NoFirmwareText(explanation_);
       case RunEnd::NoDictionary:
         return Bold("the top of the configuration is no dictionary") + ", no plan" + status;
       case RunEnd::NoConfiguration:
@@ -160,7 +160,7 @@ class HeadWriter : LineWriter {
     const auto [key, controller, pair] = FindNearestMiss(explanation_);
     if (pair == nullptr) return;
     Labelled("Nearest miss",
-             std::string(key->key) + ", " + PersonalityText(*key, pair->personality) + " on " +
+             std::string(key->key) + ", " + LocatedPersonality(*key, pair->personality) + " on " +
                  PrintableText(controller->name) + ": " +
                  Counted(pair->distance.whole, "requirement fails", "requirements fail"));
   }
@@ -187,7 +187,7 @@ class KeyWriter : LineWriter {
   void WriteController(const ExplainedKey& key, const ExplainedController& controller) {
     Line("");
     Line(std::string(ControllerKind(key, false)) + " " + std::to_string(controller.number) + ", " +
-             ControllerName(controller) + Traits(controller.record),
+             ControllerName(controller) + ControllerTraits(controller.record),
          2);
     Line(PrintableText(controller.path), 4);
     for (const auto* pair : InDisplayOrder(controller.pairs)) WritePair(key, controller, *pair);
@@ -196,7 +196,7 @@ class KeyWriter : LineWriter {
 
   void WritePair(const ExplainedKey& key, const ExplainedController& controller,
                  const ExplainedPair& pair) {
-    const auto personality = PersonalityText(key, pair.personality);
+    const auto personality = LocatedPersonality(key, pair.personality);
     switch (pair.outcome) {
       case PairOutcome::Matched: return WriteMatch(personality, controller, pair);
       case PairOutcome::Rejected: return WriteRejection(personality, controller, pair);
@@ -262,7 +262,7 @@ class KeyWriter : LineWriter {
         if (count == 0) Line("");
         if (++count > MaxUnread) continue;
         Line("not read: " + InlineText(unread.key) + AtLocation(unread.location) + " of " +
-                 PersonalityName(key, i) + ReadersText(unread, key.key),
+                 PersonalityName(key.type, i) + ReadersText(unread, key.key),
              2);
       }
     }

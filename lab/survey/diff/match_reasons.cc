@@ -29,7 +29,7 @@ std::vector<std::string> FailureTexts(const MatchedPair& pair, const ToolRun& ru
                                       std::size_t index) {
   const auto type = pair.key->key;
   const auto personalities = PersonalitiesIn(run, type);
-  const auto name = PersonalityName(personalities, index) + ": ";
+  const auto name = PersonalityWithImage(personalities, index) + ": ";
   const auto key = std::ranges::find(run.trace.keys, type, &KeyTrace::key);
   const auto context = ContextOf(run.result, *key, pair.controller);
   std::vector<std::string> texts;
