@@ -126,7 +126,7 @@ std::optional<PropertyValue> ParseVersion(std::string_view text) {
 }
 
 // What is wrong with the options; empty when nothing is.
-std::string Fault(const DraftOptions& options) {
+std::string UsageError(const DraftOptions& options) {
   const auto& image = options.image;
   const bool isName = !image.empty() && image != "." && image != ".." && image != "Config.plist";
   if (!isName || image.find('/') != std::string::npos || FindInvalidText(image) != npos) {
@@ -217,8 +217,8 @@ void NoteBoards(const DraftedComputers& computers) {
 VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   DraftOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) {
-    PrintError(fault + "; see fernwick-lab draft --help");
+  if (const auto error = UsageError(options); !error.empty()) {
+    PrintError(error + "; see fernwick-lab draft --help");
     return LabStatus::BadUsage;
   }
   DraftedComputers computers;

@@ -111,7 +111,7 @@ std::optional<PersonalityNumber> ParsePersonality(std::string_view text) {
 }
 
 // What is wrong with the options together; empty when nothing is.
-std::string Fault(const SampleOptions& options) {
+std::string UsageError(const SampleOptions& options) {
   const auto& board = options.board;
   if (board.empty() || board == "." || board == ".." || board.find('/') != std::string::npos) {
     return "BOARD is the name of a directory in Fernwick/";
@@ -234,8 +234,8 @@ class SampleWriter {
   const LintSubject& subject_;
 };
 
-int RefuseUsage(const std::string& fault) {
-  PrintError(fault + "; see fernwick-lab sample --help");
+int RefuseUsage(const std::string& error) {
+  PrintError(error + "; see fernwick-lab sample --help");
   return LabStatus::BadUsage;
 }
 
@@ -245,7 +245,7 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   SampleOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) return RefuseUsage(fault);
+  if (const auto error = UsageError(options); !error.empty()) return RefuseUsage(error);
   std::optional<PersonalityNumber> wanted;
   if (options.personality) {
     wanted = ParsePersonality(*options.personality);

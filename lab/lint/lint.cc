@@ -111,7 +111,7 @@ std::unique_ptr<LintFormat> MakeFormat(const std::string& format, Console& conso
 }
 
 // What is wrong with the options together; empty when nothing is.
-std::string Fault(const LintOptions& options) {
+std::string UsageError(const LintOptions& options) {
   if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
     return "one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help";
   }
@@ -127,8 +127,8 @@ int Load(const LintOptions& options, LintPolicy& policy, Baseline& baseline) {
   if (!options.baseline || (options.updatesBaseline && !PathExists(*options.baseline))) {
     return LabStatus::Done;
   }
-  const auto fault = baseline.Read(*options.baseline);
-  return fault ? PrintError(*options.baseline, *fault) : LabStatus::Done;
+  const auto error = baseline.Read(*options.baseline);
+  return error ? PrintError(*options.baseline, *error) : LabStatus::Done;
 }
 
 int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline) {
@@ -169,11 +169,11 @@ VerbEnd LintVerb(int argumentCount, char* const arguments[]) {
   LintOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) return Refuse(fault);
+  if (const auto error = UsageError(options); !error.empty()) return Refuse(error);
   if (options.list) return PrintResult(ListLintRules());
   if (options.explained) return Explain(*options.explained);
   LintPolicy policy;
-  if (const auto fault = policy.Read(options.ignored, options.severities)) return Refuse(*fault);
+  if (const auto error = policy.Read(options.ignored, options.severities)) return Refuse(*error);
   Baseline baseline(options.updatesBaseline);
   const int status = Load(options, policy, baseline);
   return status == LabStatus::Done ? Run(options, policy, baseline) : status;

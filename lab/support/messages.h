@@ -49,8 +49,8 @@ std::string PrintableText(std::string_view text);
 /// As PrintableText, but for a text of whole lines in UTF-8: line feeds and tabs stay.
 std::string PrintableLines(std::string_view text);
 
-/// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control
-/// characters, which may come from a file, are printed as octal escapes.
+/// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control characters, which may come
+/// from a file, are printed as octal escapes.
 void PrintError(std::string_view message);
 
 /// The same with "PATH: what is wrong" as the message. Returns the exit status.

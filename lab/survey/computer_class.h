@@ -65,7 +65,7 @@ struct Classification {
 
 /// Classifies a whole run over the computer. A plan costs nothing; without one, all requirements of
 /// the pairs that the run tried are tested. REQUIRES: `run` is RunTool(recording, options), and
-/// there is no ConfigurationFailure.
+/// UnreadableConfiguration is empty.
 Classification Classify(const ToolRun& run, const Recording& recording, const Options& options);
 
 }  // namespace fernwick::lab

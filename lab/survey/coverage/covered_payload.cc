@@ -80,7 +80,7 @@ Result<CoveredRecording, LabError> CoveredPayload::Cover(Selected selected) {
 }
 
 Result<RecordingUse, LabError> CoveredPayload::Count(const ToolRun& run) {
-  if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);
+  if (auto failure = UnreadableConfiguration(run, options_)) return *std::move(failure);
   return UseOf(run);
 }
 
