@@ -33,8 +33,7 @@ ChildOutcome Lint(std::vector<std::string> arguments,
 
 constexpr char ExamplesAsText[] =
     "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: warning: without \"Priority\" a match "
-    "of "
-    "this personality drives the plan's priority to 0 [no-priority]\n"
+    "of this personality drives the plan's priority to 0 [no-priority]\n"
     "examples/payload/Fernwick/Zed-1A09/Config.plist:5:19: error: \"Version\" is \"210\"; only a "
     "number can match [wrong-kind]\n"
     "5 boards: 1 error, 1 warning, 0 notes\n";
@@ -261,9 +260,8 @@ TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {
   ExpectOutcome(
       Lint({"--severity", "no-priority=error", "--ignore", "wrong-kind", "examples/payload"}),
       {"1",
-       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without "
-       "\"Priority\" a match of this personality drives the plan's priority to 0 "
-       "[no-priority]\n"
+       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without \"Priority\" a match "
+       "of this personality drives the plan's priority to 0 [no-priority]\n"
        "5 boards: 1 error, 0 warnings, 0 notes\n",
        ""});
   const std::string unknown =
@@ -372,8 +370,8 @@ TEST(Lint, ExplainsARule) {
                 {"0",
                  "single-port-uuid (error): \"Port UUID\" is a single string\n"
                  "\n"
-                 "Other keys accept a single value or a list of them. \"Port UUID\" accepts "
-                 "only a\n"
+                 "Other keys accept a single value or a list of them. \"Port UUID\" accepts only "
+                 "a\n"
                  "list: a single string matches no port, not even the one that has it.\n"
                  "\n"
                  "Put the string into an array.\n"

@@ -74,8 +74,7 @@ TEST(Limits, OfComparedListsAreReported) {
   EXPECT_EQ(
       MessagesOf(130, withCommonValue),
       Messages{"1 personality of \"Thunderbolt\" was compared with 256 others only to find out "
-               "whether the order decides which image a controller gets "
-               "[overlap-not-examined]"});
+               "whether the order decides which image a controller gets [overlap-not-examined]"});
   EXPECT_EQ(MessagesOf(131, withCommonValue).at(0).substr(0, 37),
             "2 personalities of \"Thunderbolt\" were");
 }

@@ -96,8 +96,7 @@ const Named<Row> Shapes[] = {
      {Dict({{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}}),
       "error: \"usbc\" is no type, so its contents match nothing; \"USBC\" may be meant "
       "[misspelt-type]\n"
-      "error: \"Thunderbolts\" is no type, so its contents match nothing; \"Thunderbolt\" may "
-      "be "
+      "error: \"Thunderbolts\" is no type, so its contents match nothing; \"Thunderbolt\" may be "
       "meant [misspelt-type]\n"
       "error: \"Legacy Thunderbolt\" is no type, so its contents match nothing; "
       "\"LegacyThunderbolt\" may be meant [misspelt-type]\n"

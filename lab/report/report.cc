@@ -28,14 +28,18 @@ constexpr char Description[] =
     "what lint finds and, with --old, what changes.";
 
 constexpr char ReportFooter[] =
-    "\nThe page is one file without scripts that loads nothing. It has at most 2 MB: lists have "
-    "their\nfirst items and the command that prints all, such as survey, settle, coverage, lint "
-    "and "
-    "diff.\nIt is the same for any number of jobs, and has no date.\n\n"
-    "-p is the payload that is judged, as for survey; diff names the old one first instead.\n\n"
-    "Status, after the page is written: 65 or 66 when a RECORDING that is named on the command "
-    "line,\nor a configuration, is malformed or cannot be read; otherwise 0.\n\n"
-    "Example:\n  fernwick-lab report -p payload-2 --old payload-1 -o report.html computers/\n";
+    "\n"
+    "The page is one file without scripts that loads nothing. It has at most 2 MB: lists have\n"
+    "their first items and the command that prints all, such as survey, settle, coverage, lint\n"
+    "and diff. It is the same for any number of jobs, and has no date.\n"
+    "\n"
+    "-p is the payload that is judged, as for survey; diff names the old one first instead.\n"
+    "\n"
+    "Status, after the page is written: 65 or 66 when a RECORDING that is named on the command\n"
+    "line, or a configuration, is malformed or cannot be read; otherwise 0.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab report -p payload-2 --old payload-1 -o report.html computers/\n";
 
 struct ReportArguments {
   ReportedPayloads payloads;

@@ -59,8 +59,8 @@ struct NearestMiss {
 
 struct Classification {
   ComputerClass computerClass;
-  std::optional<NearestMiss> miss =
-      {};  // of Current, Blocked and Unmatched, where pairs were tried
+  // Of Current, Blocked and Unmatched, where pairs were tried.
+  std::optional<NearestMiss> miss = {};
 };
 
 /// Classifies a whole run over the computer. A plan costs nothing; without one, all requirements of

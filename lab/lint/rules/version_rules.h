@@ -11,8 +11,7 @@ inline constexpr LintRule VersionBoundsCrossed = {
     Severity::Error,
     "the minimum of the installed version is above its maximum",
     "\"Existing Min Version\" and \"Existing Max Version\" are both inclusive. Crossed, they leave "
-    "no "
-    "installed version that may be updated.",
+    "no installed version that may be updated.",
     "Exchange the two, or fix the one that is wrong.",
     "<key>Existing Min Version</key><integer>200</integer>\n"
     "<key>Existing Max Version</key><integer>150</integer>",
@@ -38,8 +37,7 @@ inline constexpr LintRule EmptyVersionWindow = {
     Severity::Error,
     "no installed version is in the window",
     "Between the bounds and below \"Version\" is no version that a controller can have. A "
-    "Thunderbolt "
-    "controller's are hundredths up to .63 with 0.000000001 added (41.05 is stored as "
+    "Thunderbolt controller's are hundredths up to .63 with 0.000000001 added (41.05 is stored as "
     "41.050000001); a port's own are whole numbers from 0 on, and at an address other than 0 ports "
     "have only their own.",
     "Widen the window. Write a Thunderbolt maximum a little above the version that it is to "
@@ -116,8 +114,7 @@ inline constexpr LintRule VersionGap = {
     "installed version are steps of one upgrade. A controller whose version is in none of the "
     "windows, but between two of them, is never updated.",
     "Let the window begin where the one before it ends. A step ends below its \"Version\" or at "
-    "its "
-    "\"Existing Max Version\".",
+    "its \"Existing Max Version\".",
     "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 160 ...</dict>",
     "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 150 ...</dict>",
 };
@@ -156,8 +153,7 @@ inline constexpr LintRule ShadowingNotExamined = {
     "agree with it in the most selective key, but with no more than the first 256 of them. What is "
     "reported as shadowed is; beyond that limit one may be shadowed without being reported.",
     "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
-    "into "
-    "fewer ones with lists.",
+    "into fewer ones with lists.",
     "300 personalities for the same silicon",
     "one personality with a list of the RIDs that it is for",
 };
@@ -167,10 +163,8 @@ inline constexpr LintRule OverlapNotExamined = {
     Severity::Note,
     "too many personalities overlap to compare them all",
     "Two personalities may plan two images for one controller, leave it to their order which image "
-    "a "
-    "controller gets, or use one NVRAM variable differently. Each is compared with no more than "
-    "256 "
-    "others that agree with it in the most selective key; beyond that limit such a pair may be "
+    "a controller gets, or use one NVRAM variable differently. Each is compared with no more than "
+    "256 others that agree with it in the most selective key; beyond that limit such a pair may be "
     "there without being reported.",
     "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
     "into fewer ones with lists.",
@@ -183,11 +177,9 @@ inline constexpr LintRule OrderDecidesImage = {
     Severity::Warning,
     "the order of two personalities decides which image a controller gets",
     "A controller gets the first personality of the array that fits it. Two personalities accept "
-    "the "
-    "same controllers except for the lists of one key; each list has values of its own, and a "
-    "value "
-    "of the later one is in both. What the later personality says of that value is never used, and "
-    "the image that it names never gets there.",
+    "the same controllers except for the lists of one key; each list has values of its own, and a "
+    "value of the later one is in both. What the later personality says of that value is never "
+    "used, and the image that it names never gets there.",
     "Remove the value from the list of the personality for which it is not meant.",
     "<dict>... \"RID\" 0 and 1, \"Firmware\" left-200.bin ...</dict>\n"
     "<dict>... \"RID\" 1 and 2, \"Firmware\" right-200.bin ...</dict>",

@@ -23,12 +23,16 @@ constexpr char Description[] =
     "NVRAM change, and which planned image files have other bytes or are missing.";
 
 constexpr char Footer[] =
-    "\nPersonalities of both payloads are compared by what they accept (silicon, RID, address, "
-    "UUID,\nmodel), whatever their order and images.\n\n"
-    "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line is\n"
-    "refused or cannot be read, 0 no computer changes, 1 some do. A run that ends abnormally with\n"
-    "both payloads is reported and is no change.\n\n"
-    "Example:\n  fernwick-lab diff -p payload-1 -p payload-2 computers/\n";
+    "\n"
+    "Personalities of both payloads are compared by what they accept (silicon, RID, address,\n"
+    "UUID, model), whatever their order and images.\n"
+    "\n"
+    "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line\n"
+    "is refused or cannot be read, 0 no computer changes, 1 some do. A run that ends abnormally\n"
+    "with both payloads is reported and is no change.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab diff -p payload-1 -p payload-2 computers/\n";
 
 struct DiffOptions {
   std::vector<std::string> payloads;

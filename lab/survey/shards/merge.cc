@@ -24,19 +24,18 @@ constexpr char Description[] =
     "what one run over all computers prints.";
 
 constexpr char Footer[] =
-    "\nA RESULT is what \"survey --format ndjson\", \"coverage\" or \"settle --format ndjson\" "
-    "print "
-    "with\n--shard K/N. All N shards are needed, each once and whole, of the same payload, options "
-    "and\nselection; what is missing is named. All results are open at once, and memory has a row "
-    "of each.\n\n"
-    "The options are those of the verb: for a survey --format table, ndjson, csv or junit, "
-    "--wide,\n"
-    "--expect, --update and --fail-on; for a settling --format text or ndjson and --fail-on; for "
-    "a\n"
-    "coverage --format text or json, --threshold, and the payload, of which the configurations "
-    "are\n"
-    "printed.\n\n"
-    "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n\n"
+    "A RESULT is what \"survey --format ndjson\", \"coverage\" or \"settle --format ndjson\"\n"
+    "print with --shard K/N. All N shards are needed, each once and whole, of the same payload,\n"
+    "options and selection; what is missing is named. All results are open at once, and memory\n"
+    "has a row of each.\n"
+    "\n"
+    "The options are those of the verb: for a survey --format table, ndjson, csv or junit,\n"
+    "--wide, --expect, --update and --fail-on; for a settling --format text or ndjson and\n"
+    "--fail-on; for a coverage --format text or json, --threshold, and the payload, of which\n"
+    "the configurations are printed.\n"
+    "\n"
+    "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n"
+    "\n"
     "Example:\n"
     "  fernwick-lab merge --format csv 1.ndjson 2.ndjson\n";
 
