@@ -21,7 +21,7 @@
 namespace fernwick::lab {
 namespace {
 
-// Of one kind of message about controllers no more than this many are printed.
+// How many messages of one kind about controllers are printed at most.
 constexpr std::size_t MaxMessages = 100;
 
 constexpr char Description[] =

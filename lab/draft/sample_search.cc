@@ -22,7 +22,7 @@
 namespace fernwick::lab {
 namespace {
 
-// Of all searches for one sample: less than a second.
+// The steps of all searches for one sample, which take less than a second.
 constexpr std::size_t MaxSteps = std::size_t{1} << 26;
 
 constexpr char NotFound[] =

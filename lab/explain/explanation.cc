@@ -82,7 +82,7 @@ bool MayExist(const std::string& path) {
   return access(path.c_str(), F_OK) == 0 || errno == EACCES;
 }
 
-// Of a run without a configuration. That a board has none is not an error.
+// Why a run has no configuration. That the payload has none for the board is not an error.
 void FindConfigurationError(const Options& options, Explanation& explanation) {
   const auto& board = explanation.identity.boardIdString;
   const auto& path = explanation.configurationPath;

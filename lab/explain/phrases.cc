@@ -20,7 +20,7 @@ std::string PropertyText(const ExplainedSource& source) {
   return "\"" + std::string(source.property) + "\" of " + PrintableText(source.name);
 }
 
-// Of a property that provides no value: it is absent, or of a kind that is not read.
+// Why a property provides no value: it is absent, or of a kind that is not read.
 std::string UnusableSourceText(const ExplainedSource& source) {
   auto text = PropertyText(source);
   if (!source.value) return text + " is absent";

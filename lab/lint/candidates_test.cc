@@ -81,7 +81,7 @@ TEST(Limits, OfComparedListsAreReported) {
 
 class Index : public ::testing::Test {
  protected:
-  // Of a personality that accepts these model IDs; any when there are none.
+  // What a personality accepts that is for these model IDs; any when there are none.
   Acceptance Of(const std::vector<PropertyValue>& models) {
     Acceptance acceptance;
     acceptance.sets.resize(SetKeys().size());

@@ -76,7 +76,7 @@ std::size_t GroupsLength(std::string_view text, std::initializer_list<std::size_
   return length;
 }
 
-// Of an identifier that the text begins with, by its form; 0 when there is none.
+// The length of the identifier that the text begins with, by its form; 0 when there is none.
 std::size_t FormLength(std::string_view text) {
   if (const auto uuid = GroupsLength(text, {8, 4, 4, 4, 12}, '-')) return uuid;
   for (const char separator : {':', '-'}) {

@@ -63,7 +63,7 @@ TEST(PersonalityPairs, OfOnePurposePreferTheSameBoundsThenTheOrder) {
   EXPECT_EQ(PairsOf(List({At(1, "a"), At(1, "b")}), List({At(1, "b"), At(1, "a")})), "1-2 2-1");
 }
 
-// Of compatible purposes the most similar.
+// Among compatible purposes the counterpart is the most similar one.
 TEST(PersonalityPairs, OfChangedListsGoByWhatIsCommon) {
   const auto revisions = [](Array list, const char* image) {
     return Dict(With(Port, {{"Port Silicon Revision", list}, {"Firmware", image}}));
