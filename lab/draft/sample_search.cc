@@ -29,7 +29,7 @@ constexpr char NotFound[] =
     "no sample was found within the limits of the search: too many earlier personalities accept "
     "much of what it accepts";
 
-// The personality with that index in the type's array; null when it is no dictionary.
+// The personality with that index in the type's array; null when it is not a dictionary.
 const LocatedPersonality* PersonalityAt(const LocatedType& type, std::size_t index) {
   if (HasSinglePersonality(type.type)) return &type.personalities.front();
   const auto array = *type.entry.value->AsArray();

@@ -45,7 +45,7 @@ struct FailureWording {
     if (!failure.found) {
       return Wanted() + " is not newer than any version that the controller could have";
     }
-    const char* verdict = failure.wanted->IsNumber() ? " is not" : " is no number and not";
+    const char* verdict = failure.wanted->IsNumber() ? " is not" : " is not a number and not";
     return Wanted() + verdict + " newer than the installed " + Found();
   }
 

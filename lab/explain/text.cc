@@ -106,7 +106,7 @@ class HeadWriter : LineWriter {
       case RunEnd::NoFirmware:
         return Bold(matches + ", but no plan") + status + ": " + NoFirmwareText(explanation_);
       case RunEnd::NoDictionary:
-        return Bold("the top of the configuration is no dictionary") + ", no plan" + status;
+        return Bold("the top of the configuration is not a dictionary") + ", no plan" + status;
       case RunEnd::NoConfiguration:
         return Bold("no configuration for this board can be used") + ", no plan" + status;
       case RunEnd::Bypassed:
@@ -205,13 +205,13 @@ class KeyWriter : LineWriter {
                         NotReachedText(key, pair),
                     4);
       case PairOutcome::NotAPersonality:
-        return Line("skipped      " + personality + "; it is no dictionary", 4);
+        return Line("skipped      " + personality + "; it is not a dictionary", 4);
     }
   }
 
   // What the pair would have been: "and this one would, too", "this one would fail RID, Version".
   static std::string NotReachedText(const ExplainedKey& key, const ExplainedPair& pair) {
-    if (!key.personalities[pair.personality].isDictionary) return "and it is no dictionary";
+    if (!key.personalities[pair.personality].isDictionary) return "and it is not a dictionary";
     if (pair.failures.empty()) return "and this one would, too";
     std::string keys;
     for (const auto& [failed, location] : pair.failures) {

@@ -49,7 +49,7 @@ struct Job {
 
 // Empty after a line on standard error when the files cannot go there.
 std::vector<Job> PlanJobs(const std::vector<std::string>& paths, const std::string& out) {
-  std::error_code error;  // a path that cannot be inspected is no directory; writing there fails
+  std::error_code error;  // a path that cannot be inspected is not a directory; writing there fails
   const bool intoDirectory = fs::is_directory(out, error);
   if (!intoDirectory && paths.size() > 1) {
     PrintError(out + ": several recordings need a directory to go to");

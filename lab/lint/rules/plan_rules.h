@@ -95,7 +95,7 @@ inline constexpr LintRule ConfigurationAsImage = {
     "configuration-as-image",
     Severity::Error,
     "\"Firmware\" names Config.plist",
-    "The configuration is no firmware image; flashing fails at the next boot.",
+    "The configuration is not a firmware image; flashing fails at the next boot.",
     "Name the image's file.",
     "<key>Firmware</key><string>Config.plist</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",

@@ -75,7 +75,7 @@ inline constexpr LintRule EmptyType = {
 inline constexpr LintRule PersonalityNotADictionary = {
     "personality-not-a-dictionary",
     Severity::Error,
-    "an element of a type's array is no personality",
+    "an element of a type's array is not a personality",
     "A personality is a dictionary. Anything else matches nothing.",
     "Remove the element, or make it a dictionary.",
     "<array>\n  <string>ports-200.bin</string>\n</array>",

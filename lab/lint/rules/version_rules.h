@@ -36,7 +36,7 @@ inline constexpr LintRule EmptyVersionWindow = {
     "empty-version-window",
     Severity::Error,
     "no installed version is in the window",
-    "Between the bounds and below \"Version\" is no version that a controller can have. A "
+    "No version that a controller can have is between the bounds and below \"Version\". A "
     "Thunderbolt controller's are hundredths up to .63 with 0.000000001 added (41.05 is stored as "
     "41.050000001); a port's own are whole numbers from 0 on, and at an address other than 0 ports "
     "have only their own.",

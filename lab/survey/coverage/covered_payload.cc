@@ -33,7 +33,7 @@ LoadedBoard LoadBoard(const std::string& path) {
     return {.problem = "Config.plist: " + Describe(file.Error().error),
             .status = file.Error().status};
   }
-  if (!file->Value().AsDictionary()) return {.problem = "its configuration is no dictionary"};
+  if (!file->Value().AsDictionary()) return {.problem = "its configuration is not a dictionary"};
   return {.file = *std::move(file)};
 }
 

@@ -73,7 +73,7 @@ class RowWriter {
     const auto& result = settling_.last.result;
     if (const auto error = MalformedConfiguration(settling_.last)) return Describe(*error);
     if (!result.configuration) return "there is no configuration for the board";
-    if (result.matches.empty()) return "the top of the configuration is no dictionary";
+    if (result.matches.empty()) return "the top of the configuration is not a dictionary";
     return "a match names no image";
   }
 

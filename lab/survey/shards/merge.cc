@@ -191,10 +191,10 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   const auto format = options.format.value_or(std::string(verb.formats.front()));
   const auto name = std::string(verb.name);
   if (std::ranges::find(verb.formats, format) == verb.formats.end()) {
-    return RefuseUsage("--format " + format + " is none of " + name);
+    return RefuseUsage("--format " + format + " is not a format of " + name);
   }
   const auto other = OtherOption(verb.name, options);
-  if (!other.empty()) return RefuseUsage(other + " is no option for results of " + name);
+  if (!other.empty()) return RefuseUsage(other + " is not an option for results of " + name);
   if (name == "survey") {
     options.survey.format = format;
     const auto error = CheckSurveyOutput(options.survey);
