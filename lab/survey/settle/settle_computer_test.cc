@@ -688,41 +688,5 @@ TEST_F(SettledComputer, IsStuckInABinaryConfiguration) {
   EXPECT_TRUE(ToJson(Row())["stuck"][0]["failures"][0]["location"].contains("byte"));
 }
 
-TEST(Locate, KnowsNothingOfAFileThatHasChanged) {
-  testing::TemporaryDirectory directory;
-  const auto path = directory.Write("Config.plist", "<dict/>");
-  const auto file = *LoadConfiguration(path);
-  static constexpr Requirement Maximum = {.key = "Existing Max Version", .hardwareKey = "Version"};
-  StuckController stuck = {.controller = 1,
-                           .type = "USBC",
-                           .personality = 0,
-                           .offered = 1,
-                           .installed = {},
-                           .requirements = {{{&Maximum, FailureReason::Unequal, {}, {}}, {}}}};
-  Locate(stuck, "Zed-1", {}, &file);
-  EXPECT_FALSE(stuck.requirements[0].origin);
-  Locate(stuck, "Zed-1", {}, nullptr);
-  EXPECT_FALSE(stuck.requirements[0].origin);
-}
-
-TEST(SettleTotals, CountOutcomesAndRuns) {
-  SettleTotals totals;
-  totals.Add(SettleOutcome::Settled, 1);
-  totals.Add(SettleOutcome::Stuck, 1);
-  totals.Add(SettleOutcome::Settled, 0);
-  totals.Add(SettleOutcome::NeverSettles, 2);
-  EXPECT_EQ(totals.endedByPlans, 0u);
-  EXPECT_EQ(totals.Count(SettleOutcome::Settled), 2u);
-  EXPECT_EQ(totals.Count(SettleOutcome::Refused), 0u);
-  EXPECT_EQ(Describe(totals),
-            "4 computers: 2 settled, 1 stuck, 1 never settles\n"
-            "  1 after 0 runs\n"
-            "  2 after 1 run\n");
-  totals.Add(SettleOutcome::Bypassed, 0);
-  totals.Add(SettleOutcome::Bypassed, 1);
-  totals.Add(SettleOutcome::AbnormalEnd, 1);
-  EXPECT_EQ(totals.endedByPlans, 2u);
-}
-
 }  // namespace
 }  // namespace fernwick::lab
