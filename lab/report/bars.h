@@ -20,15 +20,20 @@ struct Bar {
   std::vector<Segment> segments;
 };
 
-/// What a bar is filled with: a colour and a pattern, so that no two look alike without colours.
+/// The fills of values in no order: each is a colour and a pattern, so that no two look alike
+/// without colours.
 inline constexpr std::size_t ToneCount = 10;
+
+/// The ID of the fill in FillPatterns. REQUIRES: index < ToneCount.
 std::string Tone(std::size_t index);
 
-/// The shades of an ordered scale from light to dark, and one of what is in no order.
+/// The fills of an ordered scale from light to dark, and the ID of one for what is not on the
+/// scale.
 inline constexpr std::size_t ShadeCount = 6;
 inline constexpr char OtherShade[] = "sx";
 
-/// The shade of one of `count` values in their order. REQUIRES: index < count <= ShadeCount.
+/// The ID of the fill of one of `count` values in their order, in FillPatterns. REQUIRES: index <
+/// count <= ShadeCount.
 std::string Shade(std::size_t index, std::size_t count);
 
 /// The definitions that every picture of the page refers to, as an element.

@@ -16,13 +16,13 @@ constexpr std::array<const char*, ClassCount> Meanings = {
     "the installed versions are not older than those of the payload",
     "a personality is for the controller, but not for its version or the board’s revision, or "
     "names no image",
-    "no personality is for any of the controllers",
+    "the nearest personality is for another controller, or there is none",
     "the computer has no controllers",
     "the payload has no directory for the board, or the computer no board identifier",
     "the board’s configuration is missing or malformed",
     "a switch of the computer turns updates off",
     "the run of the tool ends abnormally",
-    "the recording cannot be read",
+    "the recording cannot be used",
 };
 
 }  // namespace

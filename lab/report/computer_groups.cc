@@ -9,16 +9,16 @@
 
 namespace fernwick::lab {
 
-void ComputerGroups::Add(const std::string& said, const ComputerName& computer, std::size_t items) {
-  const auto known = indexes_.find(said);
+void ComputerGroups::Add(const std::string& text, const ComputerName& computer, std::size_t items) {
+  const auto known = indexes_.find(text);
   if (known == indexes_.end()) {
-    if (groups_.size() == MaxGroups || !saidBudget_.Use(said.size())) {
+    if (groups_.size() == MaxGroups || !textBudget_.Use(text.size())) {
       ++others_;
       return;
     }
-    groups_.push_back({said});
+    groups_.push_back({text});
   }
-  const auto index = indexes_.emplace(said, groups_.size() - 1).first->second;
+  const auto index = indexes_.emplace(text, groups_.size() - 1).first->second;
   auto& group = groups_[index];
   group.items += items;
   if (std::exchange(group.lastComputer, computer.number) == computer.number) return;
@@ -32,7 +32,7 @@ std::string ComputerGroups::RowMarkup(std::size_t index, const std::string& comm
   const auto count = group.names.Count();
   const auto listed = group.names.Listed();
   const auto names = listed == 0 ? "" : "<ul class=\"names\">" + group.names.Markup() + "</ul>\n";
-  return "<tr>" + HeadCell(group.said) +
+  return "<tr>" + HeadCell(group.text) +
          (itemColumn.empty() ? std::string() : NumberCell(NumberText(group.items), itemColumn)) +
          NumberCell(LinkTo(id, NumberText(count)), "Computers") + "<td>" +
          DetailsMarkup(
@@ -42,7 +42,7 @@ std::string ComputerGroups::RowMarkup(std::size_t index, const std::string& comm
          "</td></tr>\n";
 }
 
-std::string ComputerGroups::Markup(const std::string& caption, const std::string& saidColumn,
+std::string ComputerGroups::Markup(const std::string& caption, const std::string& textColumn,
                                    const std::string& command,
                                    const std::string& itemColumn) const {
   std::vector<std::size_t> order(groups_.size());
@@ -51,7 +51,7 @@ std::string ComputerGroups::Markup(const std::string& caption, const std::string
                            [&](std::size_t index) { return groups_[index].names.Count(); });
   std::string rows;
   for (const auto index : order) rows += RowMarkup(index, command, itemColumn);
-  std::vector<Column> columns = {{saidColumn}};
+  std::vector<Column> columns = {{textColumn}};
   if (!itemColumn.empty()) columns.push_back({itemColumn, true});
   columns.push_back({"Computers", true});
   columns.push_back({"Which"});

@@ -11,28 +11,28 @@
 
 namespace fernwick::lab {
 
-/// Computers of which the same is to be said, group by group: what is said, how many they are, and
-/// the names of the first. Once there are enough groups, further ones are only counted, so that
-/// memory does not grow with the number of computers.
+/// Computers grouped by a text, such as a reason: for each text, how many they are, and the names
+/// of the first. Once there are enough groups, further ones are only counted, so that memory does
+/// not grow with the number of computers.
 class ComputerGroups {
  public:
-  /// What is said needs at most half of so many bytes, and the names of all groups the other half:
-  /// many names leave no group out. `id` begins the IDs of the groups.
+  /// The texts need at most half of so many bytes, and the names of all groups the other half: many
+  /// names leave no group out. `id` begins the IDs of the groups.
   ComputerGroups(std::string id, std::size_t bytes)
-      : id_(std::move(id)), saidBudget_(bytes / 2), nameBudget_(bytes / 2) {}
+      : id_(std::move(id)), textBudget_(bytes / 2), nameBudget_(bytes / 2) {}
 
-  /// Adds a computer to the group of what is said, as markup; once, however often it is added in
+  /// Adds a computer to the group of the text, which is markup; once, however often it is added in
   /// succession. `items` is what is counted besides, such as controllers.
-  void Add(const std::string& said, const ComputerName& computer, std::size_t items = 1);
+  void Add(const std::string& text, const ComputerName& computer, std::size_t items = 1);
 
   bool IsEmpty() const { return groups_.empty() && others_ == 0; }
 
   /// The ID of the table.
   const std::string& Id() const { return id_; }
 
-  /// A table: what is said, the number of computers, which leads to their names, and with
+  /// A table: the text, the number of computers, which leads to their names, and with
   /// `itemColumn` the number of items before it; the largest groups first. `command` prints all.
-  std::string Markup(const std::string& caption, const std::string& saidColumn,
+  std::string Markup(const std::string& caption, const std::string& textColumn,
                      const std::string& command, const std::string& itemColumn = {}) const;
 
   static constexpr std::size_t MaxGroups = 200;
@@ -40,7 +40,7 @@ class ComputerGroups {
 
  private:
   struct Group {
-    std::string said;
+    std::string text;
     std::size_t lastComputer = 0;
     std::size_t items = 0;
     ListLimit limit = ListLimit(MaxNames);
@@ -51,7 +51,7 @@ class ComputerGroups {
                         const std::string& itemColumn) const;
 
   std::string id_;
-  ByteBudget saidBudget_;
+  ByteBudget textBudget_;
   ByteBudget nameBudget_;
   std::map<std::string, std::size_t> indexes_;  // a tree: payloads choose the keys
   std::vector<Group> groups_;                   // in the order in which they came

@@ -13,9 +13,9 @@ TEST(ComputerGroups, HaveTheLargestFirstAndEachComputerOnce) {
   groups.Add("large", {1, "one"});
   groups.Add("large", {2, "two"});
   EXPECT_FALSE(groups.IsEmpty());
-  const auto row = [](const std::string& said, const std::string& items, const std::string& count,
+  const auto row = [](const std::string& text, const std::string& items, const std::string& count,
                       const std::string& id, const std::string& names) {
-    return "<tr><th scope=\"row\">" + said + "</th><td class=\"n\" data-label=\"Ports\">" + items +
+    return "<tr><th scope=\"row\">" + text + "</th><td class=\"n\" data-label=\"Ports\">" + items +
            "</td><td class=\"n\" data-label=\"Computers\"><a href=\"#" + id + "\">" + count +
            "</a></td><td><details open=\"open\"><summary>names</summary>\n<div id=\"" + id +
            "\"><ul class=\"names\">" + names + "</ul>\n</div>\n</details>\n</td></tr>\n";
@@ -32,8 +32,8 @@ TEST(ComputerGroups, HaveTheLargestFirstAndEachComputerOnce) {
 
 TEST(ComputerGroups, CountWhatIsNotListed) {
   ComputerGroups groups("g", 30);
-  groups.Add("said", {1, "x"});
-  groups.Add("said", {2, std::string(11, 'x')});
+  groups.Add("text", {1, "x"});
+  groups.Add("text", {2, std::string(11, 'x')});
   groups.Add("another, longer", {3, "y"});
   const auto markup = groups.Markup("Groups", "What", "all");
   EXPECT_NE(markup.find("<p class=\"more\">1 more; all: <code>all</code></p>\n</div>"),
@@ -52,7 +52,7 @@ TEST(ComputerGroups, AreThereWhateverNamesTheFirstOnesHave) {
 
 TEST(ComputerGroups, WithoutANameHaveTheNumberAlone) {
   ComputerGroups groups("g", 8);
-  groups.Add("said", {1, "x"});
+  groups.Add("text", {1, "x"});
   EXPECT_NE(groups.Markup("Groups", "What", "all").find("<div id=\"g-1\"><p class=\"more\">1 more"),
             std::string::npos);
 }

@@ -25,7 +25,7 @@ constexpr std::array<OutcomeLook, SettleOutcomeCount> Looks = {{
     {7, "not settled within the bounds of the simulation", "undecided"},
     {4, "there is no configuration for the board, or a match names no image", "no-plan"},
     {1, "a switch of the computer turns updates off, now or after an update", "bypassed-after"},
-    {9, "the recording cannot be read", "class-refused"},
+    {9, "the recording cannot be used", "class-refused"},
     {6, "the run of the tool ends abnormally, now or after an update", "abnormal-after"},
 }};
 
@@ -38,9 +38,9 @@ std::string StuckReason(const NamedStuck& stuck) {
 }
 
 std::string GroupsMarkup(const ComputerGroups& groups, const std::string& title,
-                         const std::string& saidColumn, const std::string& command) {
+                         const std::string& textColumn, const std::string& command) {
   if (groups.IsEmpty()) return "";
-  return "<h3>" + title + "</h3>\n" + groups.Markup(title, saidColumn, command);
+  return "<h3>" + title + "</h3>\n" + groups.Markup(title, textColumn, command);
 }
 
 }  // namespace
