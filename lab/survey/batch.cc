@@ -24,9 +24,9 @@ const char SelectionHelp[] =
     "ARCHIVE:NAME. "
     "It is\nrecognised by its suffix (.tar, .tar.gz, .tgz, .tar.xz, .txz, .tar.zst, .tzst, .zip) "
     "or, "
-    "when it is\nnamed, by its contents, and read as far as it expands to 1 GiB and 1000 times its "
-    "size.\n- reads paths from standard input, one a line or each followed by a NUL "
-    "character.\n";
+    "when it is\nnamed, by its contents. At most 1 GiB plus 1000 times its size is unpacked of "
+    "it.\n"
+    "- reads paths from standard input, one a line or each followed by a NUL character.\n";
 
 void AddBatchOptions(CommandLine& line, BatchOptions& options) {
   options.jobs = std::max(1u, std::thread::hardware_concurrency());
