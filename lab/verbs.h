@@ -14,7 +14,7 @@ struct VerbEnd {
   std::optional<Fault> fault = {};  // the process is to end abnormally instead
 };
 
-// The verbs, each in a file of its name in its room. A verb is a function of its command line:
+// The verbs, each in a file of its name in its subfolder. A verb is a function of its command line:
 // `arguments` are those after the verb, with a null after the last. It prints its result on
 // standard output, messages on standard error, and returns the process's exit status: one of
 // LabStatus, except where it says otherwise.
