@@ -26,9 +26,6 @@ VerbEnd LintVerb(int argumentCount, char* const arguments[]);
 /// Runs the tool over a recorded computer or this one. The end is the tool's own, once it runs.
 VerbEnd ReplayVerb(int argumentCount, char* const arguments[]);
 
-/// What `fernwick-lab replay --help` prints.
-extern const char ReplayHelp[];
-
 /// Prints why the personalities of a payload match or not. The status is LabStatus::Done whatever
 /// the status of the run, as long as it is explained.
 VerbEnd ExplainVerb(int argumentCount, char* const arguments[]);

@@ -73,7 +73,7 @@ CommandLine Declare(SampleOptions& options) {
               {.name = "BOARD",
                .target = &options.board,
                .help = "the name of a directory in Fernwick/",
-               .least = 1},
+               .minCount = 1},
               {.name = "--personality",
                .target = &options.personality,
                .help = "the type and the number of the personality in its array, from 1",
