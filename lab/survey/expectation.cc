@@ -13,6 +13,10 @@
 
 #include "platform/file_system.h"
 
+// An index of the hashes of the paths, sorted once the file is read, with the offset of each row. A
+// look-up is a binary search, and reads the row again to compare the path itself. O(n log n) for n
+// rows.
+
 namespace fernwick::lab {
 namespace {
 
