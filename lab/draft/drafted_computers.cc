@@ -7,8 +7,8 @@
 #include "lab/recordings/entry_path.h"
 #include "personality/configuration.h"
 
-// Controllers are deduplicated by their rows in an ordered map: O(log n) comparisons of rows for each
-// controller, and memory for the n different ones.
+// Controllers are deduplicated by their rows in an ordered map: O(log n) comparisons of rows for
+// each controller, and memory for the n different ones.
 
 namespace fernwick::lab {
 namespace {
