@@ -36,9 +36,10 @@ constexpr char Description[] =
     "that any computer matches.";
 
 constexpr char Footer[] =
-    "Where there is no such recording, standard error says why. The search ends when it would take "
-    "long: where an earlier personality accepts much of what one accepts, and more than 128 do or "
-    "their lists overlap in many ways, it may find no recording though there is one, and says so.\n"
+    "Where there is no such recording, standard error says why. The search is limited: where more "
+    "than\n128 earlier personalities overlap with one, or their long lists do, it may report that "
+    "it "
+    "found none.\n"
     "\n"
     "The files of --all are named DIRECTORY/BOARD-TYPE-N.registry.plist and listed on standard "
     "output;\n"
@@ -72,7 +73,7 @@ CommandLine Declare(SampleOptions& options) {
               {.name = "BOARD",
                .target = &options.board,
                .help = "the name of a directory in Fernwick/",
-               .least = 1},
+               .minCount = 1},
               {.name = "--personality",
                .target = &options.personality,
                .help = "the type and the number of the personality in its array, from 1",

@@ -33,7 +33,7 @@ void AddBatchOptions(CommandLine& line, BatchOptions& options) {
   line.arguments.push_back({.name = "RECORDING",
                             .target = &options.paths,
                             .help = "recorded computers, directories of them, or -",
-                            .least = 1,
+                            .minCount = 1,
                             .valueName = ""});
   line.arguments.push_back({.name = "-j,--jobs",
                             .target = BoundedNumber{&options.jobs, 1, MaxJobs},
