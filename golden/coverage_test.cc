@@ -302,7 +302,7 @@ TEST_F(CoverageOfPayload, NamesBoardsWithoutARecordingOrAConfiguration) {
                  "  X\\177 at 4:33: names no type and is not read\n"
                  "Zed-2: no recording, 0 of 1 personality and 0 of 0 list elements matched\n"
                  "Zed-3: no recording, there is no Config.plist\n"
-                 "Zed-4: no recording, its configuration is no dictionary\n"
+                 "Zed-4: no recording, its configuration is not a dictionary\n"
                  "Zed-5\\033: no recording, 0 of 1 personality and 0 of 0 list elements matched\n"
                  "1 recording: 1 counted\n"
                  "5 boards: 4 without a recording\n"

@@ -58,16 +58,16 @@ TEST_F(Draft, IsTheSameForEveryNumberOfThreads) {
   EXPECT_EQ(one.standardError, many.standardError);
   EXPECT_EQ(
       one.standardError,
-      "fernwick-lab: the computers are of several boards, each of which needs the draft in its "
-      "own directory: Zed-1A05, Zed-1A06, Zed-1A07, Zed-1A08, Zed-1A09\n");
+      "fernwick-lab: the computers are of several boards, each of which needs the draft in its own "
+      "directory: Zed-1A05, Zed-1A06, Zed-1A07, Zed-1A08, Zed-1A09\n");
 }
 
 TEST_F(Draft, NeedsATypeWhereThereAreSeveral) {
   ExpectOutcome(
       Run({Ports, Thunderbolt}),
       {"64", "",
-       "fernwick-lab: the computers have controllers of several types, and --type selects "
-       "one: LegacyThunderbolt (2 controllers), USBC (3 controllers)\n"});
+       "fernwick-lab: the computers have controllers of several types, and --type selects one: "
+       "LegacyThunderbolt (2 controllers), USBC (3 controllers)\n"});
 }
 
 TEST_F(Draft, NamesWhatCannotMatchOrBeDistinguished) {
@@ -113,8 +113,8 @@ TEST_F(Draft, NeedsRecordingsThatRunToTheirEnd) {
   ExpectOutcome(
       Run({"recordings/no-uid.registry.plist"}),
       {"65", "",
-       "fernwick-lab: recordings/no-uid.registry.plist: a Thunderbolt controller without a "
-       "\"UID\" ends every run abnormally\n"});
+       "fernwick-lab: recordings/no-uid.registry.plist: a Thunderbolt controller without a \"UID\" "
+       "ends every run abnormally\n"});
   ExpectOutcome(Run({Ports, "--except", "none"}),
                 {"66", "", "fernwick-lab: none: No such file or directory\n"});
   ExpectOutcome(Run({none}), {"1", "", "fernwick-lab: these computers have no controllers\n"});
@@ -237,8 +237,8 @@ TEST_F(Draft, NeedsAnImageAndAVersion) {
   ExpectOutcome(Lab({"draft", Ports, "--image", "a", "--version", "200.5"}),
                 {"64", "",
                  "fernwick-lab: --version 200.5 would be installed again and again: a port reports "
-                 "whole numbers, a Thunderbolt controller hundredths up to .63, each of "
-                 "eight digits at most\n"});
+                 "whole numbers, a Thunderbolt controller hundredths up to .63, each of eight "
+                 "digits at most\n"});
 }
 
 }  // namespace

@@ -33,8 +33,7 @@ ChildOutcome Lint(std::vector<std::string> arguments,
 
 constexpr char ExamplesAsText[] =
     "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: warning: without \"Priority\" a match "
-    "of "
-    "this personality drives the plan's priority to 0 [no-priority]\n"
+    "of this personality drives the plan's priority to 0 [no-priority]\n"
     "examples/payload/Fernwick/Zed-1A09/Config.plist:5:19: error: \"Version\" is \"210\"; only a "
     "number can match [wrong-kind]\n"
     "5 boards: 1 error, 1 warning, 0 notes\n";
@@ -52,8 +51,8 @@ TEST(Lint, FailsFromTheFailLevelOn) {
   const testing::TemporaryDirectory directory;
   directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; }");
   const std::string found =
-      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is no type, so its contents match "
-      "nothing [unknown-type]\n"
+      "p/Fernwick/Zed-42/Config.plist:1:3: warning: \"Comment\" is not a type, so its contents "
+      "match nothing [unknown-type]\n"
       "1 board: 0 errors, 1 warning, 0 notes\n";
   ExpectOutcome(Lint({"p"}, directory.Path()), {"0", found, ""});
   ExpectOutcome(Lint({"p", "--fail-level", "error"}, directory.Path()), {"0", found, ""});
@@ -192,7 +191,7 @@ TEST(Lint, PassesOverVersionControlAndReportsAUtilityThatIsADirectoryOnce) {
   ExpectOutcome(Lint({"p"}, directory.Path()),
                 {"1",
                  "p/Fernwick/Zed-42/Config.plist:1:7: error: PortFlash.efi, which flashes the "
-                 "images of \"LegacyUSBC\", is no file in Fernwick/ [missing-utility]\n"
+                 "images of \"LegacyUSBC\", is not a file in Fernwick/ [missing-utility]\n"
                  "1 board: 1 error, 0 warnings, 0 notes\n",
                  ""});
 }
@@ -262,9 +261,8 @@ TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {
   ExpectOutcome(
       Lint({"--severity", "no-priority=error", "--ignore", "wrong-kind", "examples/payload"}),
       {"1",
-       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without "
-       "\"Priority\" a match of this personality drives the plan's priority to 0 "
-       "[no-priority]\n"
+       "examples/payload/Fernwick/Zed-1A09/Config.plist:4:18: error: without \"Priority\" a match "
+       "of this personality drives the plan's priority to 0 [no-priority]\n"
        "5 boards: 1 error, 0 warnings, 0 notes\n",
        ""});
   const std::string unknown =
@@ -284,7 +282,7 @@ constexpr char OneComment[] = "{ Comment = x; }";
 // What lint prints of OneComment in the board directory Zed-42 at that location.
 std::string CommentAt(const std::string& location, const std::string& severity = "warning") {
   return "p/Fernwick/Zed-42/Config.plist:" + location + ": " + severity +
-         ": \"Comment\" is no type, so its contents match nothing [unknown-type]\n";
+         ": \"Comment\" is not a type, so its contents match nothing [unknown-type]\n";
 }
 
 TEST(Lint, ReadsTheSettingsInThePayload) {
@@ -334,13 +332,13 @@ TEST(Lint, ReportsOnlyWhatIsNotInTheBaseline) {
   directory.Write("p/Fernwick/Zed-42/Config.plist", "{ Comment = x; Author = y; }");
   ExpectOutcome(Lint(lint, directory.Path()),
                 {"1",
-                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is no type, so its "
+                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is not a type, so its "
                  "contents match nothing [unknown-type]\n"
                  "1 board: 0 errors, 1 warning, 0 notes; 1 finding is in the baseline\n",
                  ""});
   ExpectOutcome(Lint(update, directory.Path()),
                 {"0",
-                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is no type, so its "
+                 "p/Fernwick/Zed-42/Config.plist:1:16: warning: \"Author\" is not a type, so its "
                  "contents match nothing [unknown-type]\n"
                  "1 board: 0 errors, 1 warning, 0 notes; 1 finding is in the baseline\n",
                  "known.json: 2 findings saved\n"});
@@ -362,7 +360,7 @@ TEST(Lint, LosesNoBaselineSilently) {
                 {"66", "", "fernwick-lab: known.json: Is a directory\n"});
   directory.Write("other.json", "[]");
   ExpectOutcome(Lint({"p", "--baseline", "other.json", "--update-baseline"}, directory.Path()),
-                {"65", "", "fernwick-lab: other.json: it is no baseline of lint\n"});
+                {"65", "", "fernwick-lab: other.json: it is not a baseline of lint\n"});
   ExpectOutcome(Lint({"p", "--baseline", "none/known.json", "--update-baseline"}, directory.Path()),
                 {"74", CommentAt("1:3") + "1 board: 0 errors, 1 warning, 0 notes\n",
                  "fernwick-lab: none/known.json: No such file or directory\n"});
@@ -373,8 +371,8 @@ TEST(Lint, ExplainsARule) {
                 {"0",
                  "single-port-uuid (error): \"Port UUID\" is a single string\n"
                  "\n"
-                 "Other keys accept a single value or a list of them. \"Port UUID\" accepts "
-                 "only a\n"
+                 "Other keys accept a single value or a list of them. \"Port UUID\" accepts only "
+                 "a\n"
                  "list: a single string matches no port, not even the one that has it.\n"
                  "\n"
                  "Put the string into an array.\n"
@@ -429,7 +427,7 @@ TEST(Lint, ShowsNoControlCharacterRaw) {
       {"0",
        "p/Fernwick/Zed-A\\033: warning: no computer may ask for it: a board identifier is \"Zed-\" "
        "and upper-case hexadecimal digits; \"Zed-A\" may be meant [doubtful-board-id]\n"
-       "p/Fernwick/Zed-A\\033/Config.plist:1:7: warning: \"a b\\233\" is no type, so its "
+       "p/Fernwick/Zed-A\\033/Config.plist:1:7: warning: \"a b\\233\" is not a type, so its "
        "contents match nothing [unknown-type]\n"
        "1 board: 0 errors, 2 warnings, 0 notes\n",
        ""});

@@ -156,8 +156,8 @@ TEST_F(ReportedFleet, EndsWithTheStatusOfWhatCannotBeUsed) {
              directory_.Path()),
       {"66", "",
        "fernwick-lab: absent.registry.plist: No such file or directory\n"
-       "fernwick-lab: bad.registry.plist: line 1, column 2: data contains something other "
-       "than hexadecimal digits\n"});
+       "fernwick-lab: bad.registry.plist: line 1, column 2: data contains something other than "
+       "hexadecimal digits\n"});
   directory_.Write("payload/Fernwick/Zed-9/Config.plist", "<x");
   EXPECT_EQ(status({"-p", "payload", "computers"}), "65");
   std::filesystem::remove(directory_.Path() + "/page.html");

@@ -377,8 +377,8 @@ TEST(Survey, WhoseOutputIsLostDoesNotWaitForStandardInput) {
          FERNWICK_LAB_PROGRAM, jobs},
         FERNWICK_GOLDEN_DIRECTORY);
     ExpectOutcome(outcome, {"0", "74\n",
-                            "fernwick-lab: standard output could not be written: No space left "
-                            "on device\n"});
+                            "fernwick-lab: standard output could not be written: No space left on "
+                            "device\n"});
   }
 }
 

@@ -21,7 +21,7 @@
 namespace fernwick::lab {
 namespace {
 
-// Of one kind of message about controllers no more than this many are printed.
+// How many messages of one kind about controllers are printed at most.
 constexpr std::size_t MaxMessages = 100;
 
 constexpr char Description[] =
@@ -32,41 +32,33 @@ constexpr char Description[] =
 std::string Footer() {
   return std::string(SelectionHelp) +
          "\n"
-         "Without --type it is that of the controllers: USBC for ports, Thunderbolt for ports "
-         "below a\n"
-         "Thunderbolt controller, LegacyThunderbolt for Thunderbolt controllers without a port. "
-         "It is needed\n"
-         "where the computers have controllers of several types, as an image is for one.\n"
+         "Without --type it is that of the controllers: USBC for ports, Thunderbolt for ports\n"
+         "below a Thunderbolt controller, LegacyThunderbolt for Thunderbolt controllers without\n"
+         "a port. It is needed where the computers have controllers of several types, as an\n"
+         "image is for one.\n"
          "\n"
-         "Keys that a personality may lack are used where an excepted controller needs them: first "
-         "those that\n"
-         "describe a model, then those of a position or a version. \"Port UUID\" and \"Ridge "
-         "UID\", which are\n"
-         "unique to one chip, select only controllers that no other keys distinguish. For up to "
-         "10 different\n"
-         "controllers the numbers of personalities and keys are minimal. With more than four "
-         "million pairs\n"
-         "of different controllers, wanted and excepted, there is no draft.\n"
+         "Keys that a personality may lack are used where an excepted controller needs them:\n"
+         "first those that describe a model, then those of a position or a version. \"Port UUID\"\n"
+         "and \"Ridge UID\", which are unique to one chip, select only controllers that no other\n"
+         "keys distinguish. For up to 10 different controllers the numbers of personalities and\n"
+         "keys are minimal. With more than four million pairs of different controllers, wanted\n"
+         "and excepted, there is no draft.\n"
          "\n"
-         "Controllers that can match no personality, as their version is not older than VERSION, "
-         "are named on\n"
-         "standard error and left out, and so is what no run can use of a directory or an archive. "
-         "Excepted\n"
-         "computers of other boards are left out, too: they read another configuration.\n"
+         "Controllers that can match no personality, as their version is not older than\n"
+         "VERSION, are named on standard error and left out, and so is what no run can use of a\n"
+         "directory or an archive. Excepted computers of other boards are left out, too: they\n"
+         "read another configuration.\n"
          "\n"
-         "An update that would be installed again and again is refused: the controllers must be "
-         "able to store\n"
-         "VERSION, and ports below a Thunderbolt controller need --type Thunderbolt where the tool "
-         "compares\n"
-         "the version of that controller.\n"
+         "An update that would be installed again and again is refused: the controllers must be\n"
+         "able to store VERSION, and ports below a Thunderbolt controller need --type\n"
+         "Thunderbolt where the tool compares the version of that controller.\n"
          "\n"
-         "The board revision, the installed version and the priority 50 are worth a look before "
-         "the draft is\n"
-         "used.\n"
+         "The board revision, the installed version and the priority 50 are worth a look before\n"
+         "the draft is used.\n"
          "\n"
-         "Status: 0 printed; 1 there is no draft; 64 also a VERSION that cannot be stored; 65 or "
-         "66 a named\n"
-         "recording is not well formed, ends every run abnormally, or cannot be read.\n"
+         "Status: 0 printed; 1 there is no draft; 64 also a VERSION that cannot be stored; 65\n"
+         "or 66 a named recording is not well formed, ends every run abnormally, or cannot be\n"
+         "read.\n"
          "\n"
          "Example:\n"
          "  fernwick-lab draft desk.registry.plist --image ports-210.bin --version 210 --type "
@@ -126,7 +118,7 @@ std::optional<PropertyValue> ParseVersion(std::string_view text) {
 }
 
 // What is wrong with the options; empty when nothing is.
-std::string Fault(const DraftOptions& options) {
+std::string UsageError(const DraftOptions& options) {
   const auto& image = options.image;
   const bool isName = !image.empty() && image != "." && image != ".." && image != "Config.plist";
   if (!isName || image.find('/') != std::string::npos || FindInvalidText(image) != npos) {
@@ -217,8 +209,8 @@ void NoteBoards(const DraftedComputers& computers) {
 VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   DraftOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) {
-    PrintError(fault + "; see fernwick-lab draft --help");
+  if (const auto error = UsageError(options); !error.empty()) {
+    PrintError(error + "; see fernwick-lab draft --help");
     return LabStatus::BadUsage;
   }
   DraftedComputers computers;
@@ -233,7 +225,7 @@ VerbEnd DraftVerb(int argumentCount, char* const arguments[]) {
   }
   if (options.type.empty() && computers.CountByType().empty()) {
     PrintError("these computers have no controllers");
-    return HasNoDraft;
+    return LabStatus::Negative;
   }
   const auto type = options.type.empty() ? OnlyType(computers) : TypeNamed(options.type);
   if (type == Types::None) return LabStatus::BadUsage;

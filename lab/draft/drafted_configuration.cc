@@ -81,7 +81,8 @@ class DraftBuilder {
     return key == "Existing Min Version" ? Minimum(lowest) : Maximum(highest);
   }
 
-  // Of hundredths without the 1e-9 that is added to them, unless that makes a difference.
+  // The value of a minimum; hundredths are without the 1e-9 that is added, unless that makes
+  // a difference.
   PropertyValue Minimum(std::uint32_t rank) const {
     const auto& version = table_.ValueOf(rank);
     const auto real = version.AsReal();

@@ -74,7 +74,7 @@ class Drafter {
     return controller.name + " (and " + std::to_string(controller.count - 1) + " like it)";
   }
 
-  void Refuse(std::string refusal, int status = HasNoDraft) {
+  void Refuse(std::string refusal, int status = LabStatus::Negative) {
     outcome_.refusal = std::move(refusal);
     outcome_.status = status;
   }
@@ -86,7 +86,7 @@ class Drafter {
       outcome_.indistinguishable.push_back(wantedNames_[wanted] +
                                            " cannot be distinguished from the excepted " +
                                            exceptedNames_[excepted]);
-      outcome_.status = HasNoDraft;
+      outcome_.status = LabStatus::Negative;
     }
     if (!indistinguishable.empty()) return;
     if (isTooLarge) {

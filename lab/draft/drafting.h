@@ -6,18 +6,16 @@
 
 #include "lab/draft/drafted_computers.h"
 #include "lab/draft/drafted_configuration.h"
+#include "lab/support/messages.h"
 #include "value/property_list_reader.h"
 
 namespace fernwick::lab {
 
-/// The exit status when there is no draft.
-inline constexpr int HasNoDraft = 1;
-
 /// A draft, or why there is none.
 struct DraftOutcome {
   std::optional<PropertyList> configuration = {};  // views the computers and the target
-  int status = 0;            // LabStatus::Done, HasNoDraft, or BadUsage for an impossible version
-  std::string refusal = {};  // why there is none; else empty
+  int status = LabStatus::Done;               // or Negative, or BadUsage for an impossible version
+  std::string refusal = {};                   // why there is none; else empty
   std::vector<std::string> unmatchable = {};  // which wanted controllers are left out, and why
   std::vector<std::string> indistinguishable = {};  // wanted and excepted: there is no draft
 };

@@ -78,11 +78,6 @@ bool CanMatch(TypeSet type, const RequirementContext& context, const PropertyVal
   return ControllerCheck(type, context).Applies(personality, console);
 }
 
-RequirementContext ContextOf(const ToolRun& run, const KeyTrace& trace, std::size_t controller) {
-  return {trace.inventory.records[controller], run.result.identity->boardRevision,
-          run.result.bypassesVersionCheck};
-}
-
 bool IsForPorts(TypeSet type) {
   return type == Types::LegacyUsbc || type == Types::Usbc;
 }
@@ -96,7 +91,7 @@ bool HasUnsettled(const Computer& computer, const DraftTarget& target) {
       *std::ranges::find(run.trace.keys, NamesOf(target.type).front(), &KeyTrace::key);
   for (std::size_t i = 0; i < trace.inventory.records.size(); ++i) {
     if (trace.inventory.sources[i].version == Origin::Thunderbolt &&
-        CanMatch(target.type, ContextOf(run, trace, i), target.version)) {
+        CanMatch(target.type, ContextOf(run.result, trace, i), target.version)) {
       return true;
     }
   }
@@ -153,7 +148,7 @@ void ExpectMatchesWanted(const RandomDraft& draft, const Computer& computer) {
   const auto& trace = run.trace.keys.at(0);
   for (std::size_t i = 0; i < trace.matched.size(); ++i) {
     EXPECT_EQ(trace.matched[i] != KeyTrace::NoMatch,
-              CanMatch(draft.target.type, ContextOf(run, trace, i), draft.target.version));
+              CanMatch(draft.target.type, ContextOf(run.result, trace, i), draft.target.version));
   }
   if (run.result.bypassesVersionCheck) return;
   EXPECT_EQ(EndOfSettling(computer, configuration), SettleEnd::NothingMatches);
@@ -406,7 +401,7 @@ TEST(Draft, LeavesOutEngineeringFirmwareWherePortsAreMatched) {
   AddTo(computers, computer, DraftSide::Wanted, "it");
   const DraftTarget ports = {Types::Thunderbolt, "image.bin", 50};
   const auto outcome = MakeDraft(computers, ports);
-  EXPECT_EQ(outcome.status, HasNoDraft);
+  EXPECT_EQ(outcome.status, LabStatus::Negative);
   EXPECT_EQ(outcome.refusal, "no controller of these computers can match");
   EXPECT_EQ(outcome.unmatchable,
             std::vector<std::string>{
@@ -417,7 +412,7 @@ TEST(Draft, LeavesOutEngineeringFirmwareWherePortsAreMatched) {
 
 TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
   const SmallDraft same(Types::Usbc, 200, {{true, Port({})}, {true, Port({}), Excepted}});
-  EXPECT_EQ(same.outcome.status, HasNoDraft);
+  EXPECT_EQ(same.outcome.status, LabStatus::Negative);
   EXPECT_EQ(same.outcome.indistinguishable,
             std::vector<std::string>{
                 "0: IOService:/hpm0 cannot be distinguished from the excepted 1: IOService:/hpm0"});
@@ -427,7 +422,7 @@ TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
                             {true, Port({{"Address", 1}, {"Version", 3}}), Excepted}});
   EXPECT_EQ(several.outcome.refusal,
             "\"LegacyUSBC\" has room for one personality, and 2 are needed");
-  EXPECT_EQ(several.outcome.status, HasNoDraft);
+  EXPECT_EQ(several.outcome.status, LabStatus::Negative);
 }
 
 // Switches its version check off.
@@ -462,10 +457,10 @@ TEST(Draft, HonoursSwitchesThatBypassTheVersionCheck) {
   EXPECT_EQ(make(old, false, newer, false), PropertyValue("none"));
   EXPECT_EQ(make(old, false, newer, true), PropertyValue(30));
   EXPECT_EQ(make(newer, true, old, false), PropertyValue("none"));
-  EXPECT_EQ(make(newer, false, old, false), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(newer, false, old, false), PropertyValue(LabStatus::Negative));
   EXPECT_EQ(make(unknown, true, newer, false), PropertyValue("none"));
-  EXPECT_EQ(make(unknown, true, old, false), PropertyValue(HasNoDraft));
-  EXPECT_EQ(make(old, false, unknown, true), PropertyValue(HasNoDraft));
+  EXPECT_EQ(make(unknown, true, old, false), PropertyValue(LabStatus::Negative));
+  EXPECT_EQ(make(old, false, unknown, true), PropertyValue(LabStatus::Negative));
 }
 
 TEST(Draft, IsRefusedForAVersionThatNoControllerReports) {
@@ -491,7 +486,7 @@ TEST(Draft, OfAPortBelowAThunderboltControllerNeedsTheTypeOfBoth) {
   EXPECT_EQ(MakeDraft(computers, fraction).status, LabStatus::BadUsage);
   const DraftTarget port = {Types::Usbc, "image.bin", 60};
   const auto outcome = MakeDraft(computers, port);
-  EXPECT_EQ(outcome.status, HasNoDraft);
+  EXPECT_EQ(outcome.status, LabStatus::Negative);
   EXPECT_EQ(
       outcome.refusal,
       "it: IOService:/ridge0/hpm0 would never settle: the tool compares the version of the "

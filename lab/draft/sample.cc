@@ -24,8 +24,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr int HasNoSample = 1;
-
 // With --all each sample costs a run over the whole configuration.
 constexpr std::size_t MaxSamples = 1000;
 
@@ -36,17 +34,15 @@ constexpr char Description[] =
     "that any computer matches.";
 
 constexpr char Footer[] =
-    "Where there is no such recording, standard error says why. The search is limited: where more "
-    "than\n128 earlier personalities overlap with one, or their long lists do, it may report that "
-    "it "
-    "found none.\n"
+    "Where there is no such recording, standard error says why. The search is limited: where\n"
+    "more than 128 earlier personalities overlap with one, or their long lists do, it may\n"
+    "report that it found none.\n"
     "\n"
-    "The files of --all are named DIRECTORY/BOARD-TYPE-N.registry.plist and listed on standard "
-    "output;\n"
-    "a configuration of more than 1000 personalities needs --personality.\n"
+    "The files of --all are named DIRECTORY/BOARD-TYPE-N.registry.plist and listed on standard\n"
+    "output; a configuration of more than 1000 personalities needs --personality.\n"
     "\n"
-    "Status: 0 written; 1 there is no recording, or with --all not for every personality; 65 the\n"
-    "configuration is not well formed; 66 it cannot be read.\n"
+    "Status: 0 written; 1 there is no recording, or with --all not for every personality; 65\n"
+    "the configuration is not well formed; 66 it cannot be read.\n"
     "\n"
     "Example:\n"
     "  fernwick-lab sample -p payload Zed-42 -o sample.registry.plist\n"
@@ -114,7 +110,7 @@ std::optional<PersonalityNumber> ParsePersonality(std::string_view text) {
 }
 
 // What is wrong with the options together; empty when nothing is.
-std::string Fault(const SampleOptions& options) {
+std::string UsageError(const SampleOptions& options) {
   const auto& board = options.board;
   if (board.empty() || board == "." || board == ".." || board.find('/') != std::string::npos) {
     return "BOARD is the name of a directory in Fernwick/";
@@ -136,14 +132,14 @@ class SampleWriter {
     const auto type = std::ranges::find(subject_.types, wanted.type,
                                         [](const LocatedType& each) { return each.entry.key; });
     const bool hasType = type != subject_.types.end();
-    if (hasType && !HasShape(*type)) return HasNoSample;
+    if (hasType && !HasShape(*type)) return LabStatus::Negative;
     const auto count = hasType ? CountPersonalities(*type) : 0;
     if (wanted.number > count) {
       return Refuse("there is no personality " + std::to_string(wanted.number) + " of \"" +
                     wanted.type + "\": it has " + (count == 0 ? "none" : std::to_string(count)));
     }
     const auto sample = Find(*type, wanted.number - 1);
-    return sample ? Write(options_.out, *sample) : HasNoSample;
+    return sample ? Write(options_.out, *sample) : LabStatus::Negative;
   }
 
   // That of the first personality that has one.
@@ -173,11 +169,11 @@ class SampleWriter {
     int status = LabStatus::Done;
     ProcessConsole console;
     for (const auto& type : subject_.types) {
-      if (!HasShape(type)) status = HasNoSample;
+      if (!HasShape(type)) status = LabStatus::Negative;
       for (std::size_t i = 0; i < CountPersonalities(type); ++i) {
         const auto sample = Find(type, i);
         if (!sample) {
-          status = HasNoSample;
+          status = LabStatus::Negative;
           continue;
         }
         const auto out = AppendPathComponent(
@@ -201,7 +197,7 @@ class SampleWriter {
     return count;
   }
 
-  int Refuse(const std::string& message, int status = HasNoSample) const {
+  int Refuse(const std::string& message, int status = LabStatus::Negative) const {
     return PrintError(path_, {{message}, status});
   }
 
@@ -237,8 +233,8 @@ class SampleWriter {
   const LintSubject& subject_;
 };
 
-int RefuseUsage(const std::string& fault) {
-  PrintError(fault + "; see fernwick-lab sample --help");
+int RefuseUsage(const std::string& error) {
+  PrintError(error + "; see fernwick-lab sample --help");
   return LabStatus::BadUsage;
 }
 
@@ -248,7 +244,7 @@ VerbEnd SampleVerb(int argumentCount, char* const arguments[]) {
   SampleOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) return RefuseUsage(fault);
+  if (const auto error = UsageError(options); !error.empty()) return RefuseUsage(error);
   std::optional<PersonalityNumber> wanted;
   if (options.personality) {
     wanted = ParsePersonality(*options.personality);

@@ -139,7 +139,7 @@ class SampleDimensions {
       while (listed.contains(uid)) uid += rids.size();
       AddUidOf(uid, std::nullopt, rids[rid]);
     }
-    // One that is no number, of a controller without an RID, is less like that of a real one.
+    // One that is not a number, of a controller without an RID, is less like that of a real one.
     if (shape_.hasOwnRid || Wanted(RidIndex()) != nullptr) return;
     Add("no number", [](const Acceptance& each) {
       return each.sets[UidIndex()] == nullptr && each.sets[RidIndex()] == nullptr;

@@ -22,14 +22,14 @@
 namespace fernwick::lab {
 namespace {
 
-// Of all searches for one sample: less than a second.
+// The steps of all searches for one sample, which take less than a second.
 constexpr std::size_t MaxSteps = std::size_t{1} << 26;
 
 constexpr char NotFound[] =
     "no sample was found within the limits of the search: too many earlier personalities accept "
     "much of what it accepts";
 
-// The personality with that index in the type's array; null when it is no dictionary.
+// The personality with that index in the type's array; null when it is not a dictionary.
 const LocatedPersonality* PersonalityAt(const LocatedType& type, std::size_t index) {
   if (HasSinglePersonality(type.type)) return &type.personalities.front();
   const auto array = *type.entry.value->AsArray();

@@ -76,13 +76,13 @@ using Indistinguishable = std::pair<std::size_t, std::size_t>;
 struct Separation {
   std::vector<Selector> selectors = {};
 
-  // Of each controller to select one at most.
+  // At most one for each controller to select.
   std::vector<Indistinguishable> indistinguishable = {};
 
   bool isTooLarge = false;  // nothing was searched for
 };
 
-/// Of the controllers to select and those excepted, no more than so many pairs are compared.
+/// How many pairs of a controller to select and an excepted one are compared at most.
 inline constexpr std::size_t MaxComparedPairs = std::size_t{1} << 22;
 
 /// The different controllers for which all partitions into selectors are tried.

@@ -32,8 +32,8 @@ constexpr char Example[] =
     "  fernwick-lab explain desk.registry.plist -p payload\n"
     "  fernwick-lab explain --host -p payload\n";
 
-// What is wrong with a directory; empty when nothing is.
-std::optional<Error> DirectoryFault(const std::string& path) {
+// Why a directory cannot be used; empty when it can.
+std::optional<Error> DirectoryError(const std::string& path) {
   const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (directory < 0) return SystemError();
   close(directory);
@@ -140,11 +140,11 @@ int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
   const auto explanation =
       Explain(recording, options, filter, {&changes, configurations.Loader(refusal)});
   if (refusal) {
-    const auto& explained = explanation.withoutSwitch ? *explanation.withoutSwitch : explanation;
-    return PrintError(*explained.configurationPath, {*refusal, LabStatus::UnreadableInput});
+    return PrintError(*DecisionOf(explanation).configurationPath,
+                      {*refusal, LabStatus::UnreadableInput});
   }
   // Without descriptors there is nothing to explain.
-  const auto failure = ConfigurationFailure(explanation.run, options);
+  const auto failure = UnreadableConfiguration(explanation.run, options);
   if (failure && failure->status == LabStatus::OutOfMemory) return PrintError(*failure);
   if (LacksController(explanation, filter)) {
     return PrintError(
@@ -172,8 +172,8 @@ VerbEnd ExplainVerb(int argumentCount, char* const arguments[]) {
   if (const auto error = ApplyChanges(*changes, computer)) {
     return PrintError(parsed.computer.Name(), {*error, LabStatus::UnreadableInput});
   }
-  if (const auto fault = DirectoryFault(parsed.payload)) {
-    return PrintError(parsed.payload, {*fault, UnreadableStatus(*fault)});
+  if (const auto error = DirectoryError(parsed.payload)) {
+    return PrintError(parsed.payload, {*error, UnreadableStatus(*error)});
   }
   return ExplainAndPrint(parsed, computer.Recorded(), *changes);
 }

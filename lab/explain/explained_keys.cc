@@ -151,7 +151,7 @@ class KeyExplainer {
            EntryPath(recording_, entry) == wanted;
   }
 
-  // Of a key or a value; null: not known.
+  // The location of a key or a value; empty where it is not known (null).
   template <typename Location>
   std::optional<FileLocation> LocationOf(const Location* location) const {
     if (location == nullptr) return std::nullopt;

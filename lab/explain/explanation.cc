@@ -82,7 +82,7 @@ bool MayExist(const std::string& path) {
   return access(path.c_str(), F_OK) == 0 || errno == EACCES;
 }
 
-// Of a run without a configuration. That a board has none is not an error.
+// Why a run has no configuration. That the payload has none for the board is not an error.
 void FindConfigurationError(const Options& options, Explanation& explanation) {
   const auto& board = explanation.identity.boardIdString;
   const auto& path = explanation.configurationPath;
@@ -109,15 +109,16 @@ std::optional<ExplainedPlan> PlanOf(const Explanation& explanation, const Record
       const auto* version = record.Find("Version");
       return version == nullptr ? std::nullopt : std::optional(*version);
     };
-    plan.images.push_back({.key = explanation.keys[key].key,
-                           .personality = PersonalityText(explanation.keys[key], pair.personality),
-                           .number = pair.personality + 1,
-                           .controller = controller.path,
-                           .name = controller.name,
-                           .installed = valueIn(pair.Controller()),
-                           .version = valueIn(*pair.match),
-                           .path = path,
-                           .isMissing = !PathExists(path)});
+    plan.images.push_back(
+        {.key = explanation.keys[key].key,
+         .personality = LocatedPersonality(explanation.keys[key], pair.personality),
+         .number = pair.personality + 1,
+         .controller = controller.path,
+         .name = controller.name,
+         .installed = valueIn(pair.Controller()),
+         .version = valueIn(*pair.match),
+         .path = path,
+         .isMissing = !PathExists(path)});
   }
   return plan;
 }

@@ -45,7 +45,7 @@ struct FailureWording {
     if (!failure.found) {
       return Wanted() + " is not newer than any version that the controller could have";
     }
-    const char* verdict = failure.wanted->IsNumber() ? " is not" : " is no number and not";
+    const char* verdict = failure.wanted->IsNumber() ? " is not" : " is not a number and not";
     return Wanted() + verdict + " newer than the installed " + Found();
   }
 
@@ -63,7 +63,7 @@ struct FailureWording {
            (isOfBoard ? "board's revision is " : "controller has ") + found;
   }
 
-  // Of a bound of the installed version. `relation` is how it lies to that.
+  // Why a bound of the installed version is not met; `relation` is "above" or "below".
   std::string BoundText(const std::string& relation) const {
     if (failure.found) return Wanted() + " is " + relation + " the installed " + Found();
     return Wanted() + " is " + relation +

@@ -38,9 +38,8 @@ std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary perso
 bool AllowsAnyVersion(TypeSet type, Dictionary personality, Dictionary hardware);
 
 /// How far a pair is from a match; less is nearer. What no controller could meet counts first. Then
-/// what a controller is counts before its version
-/// and the board's revision, so that another port with the right version is farther than the right
-/// port with a version that is too new.
+/// what a controller is counts before its version and the board's revision, so that another port
+/// with the right version is farther than the right port with a version that is too new.
 struct Distance {
   std::size_t neverMet = 0;      // requirements that the personality itself makes impossible
   std::size_t ofController = 0;  // requirements of what the controller is

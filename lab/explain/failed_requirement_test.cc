@@ -42,7 +42,7 @@ TEST(FailureText, DescribesEveryReason) {
   EXPECT_EQ(TextOf("Version", FailureReason::NotNewer, 41, 41.5),
             "41 at 9:4 is not newer than the installed 41.5");
   EXPECT_EQ(TextOf("Version", FailureReason::NotNewer, "42", 41),
-            "\"42\" at 9:4 is no number and not newer than the installed 41");
+            "\"42\" at 9:4 is not a number and not newer than the installed 41");
   EXPECT_EQ(TextOf("Version", FailureReason::EngineeringFirmware, 42, 64),
             "wants 42 at 9:4, but engineering firmware is installed, marked 64");
   EXPECT_EQ(TextOf("Version", FailureReason::EngineeringFirmware, {}, 64),

@@ -1,7 +1,6 @@
 #include "lab/explain/near_boards.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <filesystem>
 #include <utility>
@@ -15,12 +14,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t MaxDistance = 2;
 constexpr std::size_t MaxCount = 3;
-
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
-  return lower;
-}
 
 }  // namespace
 

@@ -20,7 +20,7 @@ std::string PropertyText(const ExplainedSource& source) {
   return "\"" + std::string(source.property) + "\" of " + PrintableText(source.name);
 }
 
-// Of a property that provides no value: it is absent, or of a kind that is not read.
+// Why a property provides no value: it is absent, or of a kind that is not read.
 std::string UnusableSourceText(const ExplainedSource& source) {
   auto text = PropertyText(source);
   if (!source.value) return text + " is absent";
@@ -36,14 +36,9 @@ std::string_view ControllerKind(const ExplainedKey& key, bool plural) {
   return plural ? "port controllers" : "port controller";
 }
 
-std::string PersonalityName(const ExplainedKey& key, std::size_t index) {
-  if (key.type == Types::LegacyUsbc) return "the personality";
-  return "personality " + std::to_string(index + 1);
-}
-
-std::string PersonalityText(const ExplainedKey& key, std::size_t index) {
+std::string LocatedPersonality(const ExplainedKey& key, std::size_t index) {
   const auto& personality = key.personalities[index];
-  auto text = PersonalityName(key, index);
+  auto text = PersonalityName(key.type, index);
   text += AtLocation(personality.location);
   if (personality.firmware) text += ", " + InlineText(*personality.firmware);
   return text;
@@ -57,7 +52,7 @@ std::string ControllerName(const ExplainedController& controller) {
   return text;
 }
 
-std::string Traits(Dictionary record) {
+std::string ControllerTraits(Dictionary record) {
   std::string text;
   const std::pair<const char*, const char*> traits[] = {
       {"RID", "RID"}, {"Port Address", "address"}, {"Version", "version"}};
@@ -133,11 +128,11 @@ std::string OtherPairsText(const ExplainedController& controller) {
          " farther from a match; --nearest shows more";
 }
 
-std::string MissingImageText(const Explanation& explanation) {
+std::string NoFirmwareText(const Explanation& explanation) {
   const auto match = MatchedPairs(explanation.run)[explanation.run.result.plannedMatches];
   const auto index = match.key - explanation.run.trace.keys.data();
   const auto& key = explanation.keys[static_cast<std::size_t>(index)];
-  return std::string(key.key) + ", " + PersonalityText(key, match.personality) +
+  return std::string(key.key) + ", " + LocatedPersonality(key, match.personality) +
          " names no firmware image";
 }
 

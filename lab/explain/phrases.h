@@ -16,17 +16,14 @@ namespace fernwick::lab {
 /// against.
 std::string_view ControllerKind(const ExplainedKey& key, bool plural);
 
-/// "personality 2"; "the personality" where the type has one alone.
-std::string PersonalityName(const ExplainedKey& key, std::size_t index);
-
-/// "personality 2 at 50:3, "image.bin"".
-std::string PersonalityText(const ExplainedKey& key, std::size_t index);
+/// "personality 2 at 50:3, "image.bin"": with its location and image.
+std::string LocatedPersonality(const ExplainedKey& key, std::size_t index);
 
 /// "hpm0 below ridge0".
 std::string ControllerName(const ExplainedController& controller);
 
 /// What distinguishes similar controllers: ": RID 0, address 56, version 171".
-std::string Traits(Dictionary record);
+std::string ControllerTraits(Dictionary record);
 
 /// "Zed-1A07 (0x1A07), revision 2".
 std::string IdentityText(const BoardIdentity& identity);
@@ -52,7 +49,7 @@ std::vector<std::string> SettingLines(const PlanSummary& plan);
 std::string OtherPairsText(const ExplainedController& controller);
 
 /// The match that names no image. REQUIRES: the run ended with RunEnd::NoFirmware.
-std::string MissingImageText(const Explanation& explanation);
+std::string NoFirmwareText(const Explanation& explanation);
 
 /// What is under a top-level key: "2 port controllers, 1 personality", or why it is not matched.
 std::string KeySummary(const ExplainedKey& key);

@@ -104,9 +104,9 @@ class HeadWriter : LineWriter {
       case RunEnd::Planned: return Bold(matches) + ", a plan" + status;
       case RunEnd::NothingMatched: return Bold("nothing matches") + ", no plan" + status;
       case RunEnd::NoFirmware:
-        return Bold(matches + ", but no plan") + status + ": " + MissingImageText(explanation_);
+        return Bold(matches + ", but no plan") + status + ": " + NoFirmwareText(explanation_);
       case RunEnd::NoDictionary:
-        return Bold("the top of the configuration is no dictionary") + ", no plan" + status;
+        return Bold("the top of the configuration is not a dictionary") + ", no plan" + status;
       case RunEnd::NoConfiguration:
         return Bold("no configuration for this board can be used") + ", no plan" + status;
       case RunEnd::Bypassed:
@@ -160,7 +160,7 @@ class HeadWriter : LineWriter {
     const auto [key, controller, pair] = FindNearestMiss(explanation_);
     if (pair == nullptr) return;
     Labelled("Nearest miss",
-             std::string(key->key) + ", " + PersonalityText(*key, pair->personality) + " on " +
+             std::string(key->key) + ", " + LocatedPersonality(*key, pair->personality) + " on " +
                  PrintableText(controller->name) + ": " +
                  Counted(pair->distance.whole, "requirement fails", "requirements fail"));
   }
@@ -187,7 +187,7 @@ class KeyWriter : LineWriter {
   void WriteController(const ExplainedKey& key, const ExplainedController& controller) {
     Line("");
     Line(std::string(ControllerKind(key, false)) + " " + std::to_string(controller.number) + ", " +
-             ControllerName(controller) + Traits(controller.record),
+             ControllerName(controller) + ControllerTraits(controller.record),
          2);
     Line(PrintableText(controller.path), 4);
     for (const auto* pair : InDisplayOrder(controller.pairs)) WritePair(key, controller, *pair);
@@ -196,7 +196,7 @@ class KeyWriter : LineWriter {
 
   void WritePair(const ExplainedKey& key, const ExplainedController& controller,
                  const ExplainedPair& pair) {
-    const auto personality = PersonalityText(key, pair.personality);
+    const auto personality = LocatedPersonality(key, pair.personality);
     switch (pair.outcome) {
       case PairOutcome::Matched: return WriteMatch(personality, controller, pair);
       case PairOutcome::Rejected: return WriteRejection(personality, controller, pair);
@@ -205,13 +205,13 @@ class KeyWriter : LineWriter {
                         NotReachedText(key, pair),
                     4);
       case PairOutcome::NotAPersonality:
-        return Line("skipped      " + personality + "; it is no dictionary", 4);
+        return Line("skipped      " + personality + "; it is not a dictionary", 4);
     }
   }
 
   // What the pair would have been: "and this one would, too", "this one would fail RID, Version".
   static std::string NotReachedText(const ExplainedKey& key, const ExplainedPair& pair) {
-    if (!key.personalities[pair.personality].isDictionary) return "and it is no dictionary";
+    if (!key.personalities[pair.personality].isDictionary) return "and it is not a dictionary";
     if (pair.failures.empty()) return "and this one would, too";
     std::string keys;
     for (const auto& [failed, location] : pair.failures) {
@@ -262,7 +262,7 @@ class KeyWriter : LineWriter {
         if (count == 0) Line("");
         if (++count > MaxUnread) continue;
         Line("not read: " + InlineText(unread.key) + AtLocation(unread.location) + " of " +
-                 PersonalityName(key, i) + ReadersText(unread, key.key),
+                 PersonalityName(key.type, i) + ReadersText(unread, key.key),
              2);
       }
     }

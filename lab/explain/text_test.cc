@@ -90,8 +90,8 @@ constexpr char Plain[] =
     "                          \"RID\" of hpm0 is 2\n"
     "                 RID      wants 1 at 3:1, finds 2 [USBC check]\n"
     "                          \"RID\" of hpm0 is 2\n"
-    "    not reached  personality 5; an earlier one matched, and it is no dictionary\n"
-    "    skipped      personality 2; it is no dictionary\n";
+    "    not reached  personality 5; an earlier one matched, and it is not a dictionary\n"
+    "    skipped      personality 2; it is not a dictionary\n";
 
 TEST(ExplanationText, HasNearMissesFirst) {
   EXPECT_EQ(TextOf(EveryOutcome(), false), Plain);

@@ -89,8 +89,8 @@ bool CoversSet(const ValueSet* wide, const ValueSet* narrow) {
 
 std::string UnmatchableReason(const PropertyValue& element, const Key& key, TypeSet type) {
   const bool isText = key.kind == KeyKind::StringOrList || key.kind == KeyKind::ListOfStrings;
-  if (isText) return StringsEqual(element, element) ? "" : "it is no string";
-  if (!element.IsNumber()) return "it is no number";
+  if (isText) return StringsEqual(element, element) ? "" : "it is not a string";
+  if (!element.IsNumber()) return "it is not a number";
   if (!NumbersEqual(element, element)) return "NaN equals nothing";
   const auto range = NumbersOfControllers(key, type);
   if (!range || IsWithin(element, *range)) return "";

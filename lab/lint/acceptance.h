@@ -15,7 +15,8 @@
 namespace fernwick::lab {
 
 /// Why no controller can have a value that equals `element`, a single value or an element of a list
-/// that a personality of the type has under the key, as in "it is no number". Empty when one can.
+/// that a personality of the type has under the key, as in "it is not a number". Empty when one
+/// can.
 std::string UnmatchableReason(const PropertyValue& element, const Key& key, TypeSet type);
 
 /// The requirement of the type that the controller's value under the key equals one of the

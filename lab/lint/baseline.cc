@@ -21,7 +21,7 @@ std::optional<std::uint64_t> ParseFingerprint(const std::string& text) {
   return fingerprint;
 }
 
-// The number of findings with each fingerprint; nullopt when the document is no baseline.
+// The number of findings with each fingerprint; nullopt when the document is not a baseline.
 std::optional<Counts> CountsIn(const Json& document) {
   const auto& findings = MemberOf(document, "findings");
   if (MemberOf(document, "version") != FormatVersion || !findings.is_array()) return std::nullopt;
@@ -43,7 +43,7 @@ std::optional<LabError> Baseline::Read(const std::string& path) {
   const auto document = ReadJsonFile(path);
   if (!document) return document.Error();
   auto counts = CountsIn(*document);
-  if (!counts) return LabError{{"it is no baseline of lint"}, LabStatus::MalformedInput};
+  if (!counts) return LabError{{"it is not a baseline of lint"}, LabStatus::MalformedInput};
   left_ = *std::move(counts);
   return std::nullopt;
 }

@@ -91,10 +91,10 @@ TEST(Baseline, RefusesAnotherDocument) {
         R"({"version": 1, "findings": [{"fingerprint": "0000000000000007"}]})",
         R"({"version": 1, "findings": [{"fingerprint": "0000000000000007", "count": "1"}]})"}) {
     Baseline baseline(false);
-    EXPECT_EQ(ReadError(document, baseline), "65 it is no baseline of lint") << document;
+    EXPECT_EQ(ReadError(document, baseline), "65 it is not a baseline of lint") << document;
   }
   Baseline baseline(false);
-  EXPECT_EQ(ReadError("{", baseline), "65 line 1, column 2: this is no JSON");
+  EXPECT_EQ(ReadError("{", baseline), "65 line 1, column 2: this is not JSON");
   EXPECT_EQ(baseline.Read("no-such")->status, LabStatus::UnreadableInput);
 }
 

@@ -74,15 +74,14 @@ TEST(Limits, OfComparedListsAreReported) {
   EXPECT_EQ(
       MessagesOf(130, withCommonValue),
       Messages{"1 personality of \"Thunderbolt\" was compared with 256 others only to find out "
-               "whether the order decides which image a controller gets "
-               "[overlap-not-examined]"});
+               "whether the order decides which image a controller gets [overlap-not-examined]"});
   EXPECT_EQ(MessagesOf(131, withCommonValue).at(0).substr(0, 37),
             "2 personalities of \"Thunderbolt\" were");
 }
 
 class Index : public ::testing::Test {
  protected:
-  // Of a personality that accepts these model IDs; any when there are none.
+  // What a personality accepts that is for these model IDs; any when there are none.
   Acceptance Of(const std::vector<PropertyValue>& models) {
     Acceptance acceptance;
     acceptance.sets.resize(SetKeys().size());

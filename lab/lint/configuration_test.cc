@@ -94,14 +94,13 @@ const Named<Row> Shapes[] = {
     {"AllTypes", {AllTypes(), ""}},
     {"OtherTypes",
      {Dict({{"usbc", 1}, {"Thunderbolts", 1}, {"Legacy Thunderbolt", 1}, {"USB", 1}}),
-      "error: \"usbc\" is no type, so its contents match nothing; \"USBC\" may be meant "
+      "error: \"usbc\" is not a type, so its contents match nothing; \"USBC\" may be meant "
       "[misspelt-type]\n"
-      "error: \"Thunderbolts\" is no type, so its contents match nothing; \"Thunderbolt\" may "
-      "be "
-      "meant [misspelt-type]\n"
-      "error: \"Legacy Thunderbolt\" is no type, so its contents match nothing; "
+      "error: \"Thunderbolts\" is not a type, so its contents match nothing; \"Thunderbolt\" may "
+      "be meant [misspelt-type]\n"
+      "error: \"Legacy Thunderbolt\" is not a type, so its contents match nothing; "
       "\"LegacyThunderbolt\" may be meant [misspelt-type]\n"
-      "warning: \"USB\" is no type, so its contents match nothing [unknown-type]\n"}},
+      "warning: \"USB\" is not a type, so its contents match nothing [unknown-type]\n"}},
     {"WrongShapes",
      {Dict({{"LegacyUSBC", List({})}, {"USBC", Dict({})}, {"Thunderbolt", 7}}),
       "error: \"LegacyUSBC\" is an array, not a single personality, so it matches nothing "
@@ -207,7 +206,7 @@ const Named<Row> Values[] = {
       "controller is 0 to 15 [doubtful-rid]\n"
       "warning: 16 in \"RID\" matches only a port with an RID of its own; that of a Thunderbolt "
       "controller is 0 to 15 [doubtful-rid]\n"
-      "warning: \"1\" in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "warning: \"1\" in \"RID\" can never match: it is not a number [dead-list-element]\n"
       "warning: 15.5 in \"RID\" can never match: controllers have whole numbers from -2147483648 "
       "to 2147483647 there [dead-list-element]\n"}},
     {"RidOfAPortOutOfTheQuestion", {Usbc({{"RID", 16}}), ""}},
@@ -219,12 +218,12 @@ const Named<Row> Values[] = {
       "number [dead-list]\n"
       "warning: 16 in \"RID\" can never match: controllers have whole numbers from 0 to 15 there "
       "[dead-list-element]\n"
-      "warning: \"1\" in \"RID\" can never match: it is no number [dead-list-element]\n"
-      "warning: an array in \"RID\" can never match: it is no number [dead-list-element]\n"
+      "warning: \"1\" in \"RID\" can never match: it is not a number [dead-list-element]\n"
+      "warning: an array in \"RID\" can never match: it is not a number [dead-list-element]\n"
       "error: \"Ridge UID\" is an empty array, which matches nothing [empty-list]\n"}},
     {"TextLists",
      {Usbc({{"Port UUID", List({"5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00", 1})}}),
-      "warning: 1 in \"Port UUID\" can never match: it is no string [dead-list-element]\n"}},
+      "warning: 1 in \"Port UUID\" can never match: it is not a string [dead-list-element]\n"}},
     {"NotANumber",
      {Usbc({{"Existing Min Version", NaN}, {"MinBoardRevision", NaN}}),
       "warning: \"Existing Min Version\" is NaN, which excludes nothing [nan-bound]\n"
@@ -423,8 +422,9 @@ const Named<Row> NvramSettings[] = {
       "[nvram-wrong-shape]\n"}},
     {"NoNames",
      {Usbc({{"ClearNVRAM", List({"a", 1, List({})})}}),
-      "warning: 1 in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"
-      "warning: an array in \"ClearNVRAM\" is no name of a variable [cleared-name-not-text]\n"}},
+      "warning: 1 in \"ClearNVRAM\" is not the name of a variable [cleared-name-not-text]\n"
+      "warning: an array in \"ClearNVRAM\" is not the name of a variable "
+      "[cleared-name-not-text]\n"}},
     {"SameValue", {Pair(Setting("1"), Setting("1")), ""}},
     {"DifferentValues", {Pair(Setting("1"), Setting("2")), Conflict}},
     {"DifferentKinds", {Pair(Setting(1), Setting(1.0)), Conflict}},

@@ -30,7 +30,7 @@ struct Finding {
 /// Decides whether a violation is reported. It is called once for each.
 using FindingFilter = std::function<bool(const FindingIdentity&)>;
 
-/// Of a rule no more than this many violations in one file are listed.
+/// How many violations of a rule in one file are listed at most.
 inline constexpr std::size_t MaxListed = 100;
 
 /// The message of the finding that summarises `count` violations which are not listed.

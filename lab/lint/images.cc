@@ -81,7 +81,7 @@ class ImageLinter {
     }
     findings_.Add(LintRuleOf::MissingUtility, type.entry.keyOffset,
                   utility + ", which flashes the images of \"" + std::string(type.entry.key) +
-                      "\", is no file in Fernwick/");
+                      "\", is not a file in Fernwick/");
   }
 
  private:

@@ -18,8 +18,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr int FoundSomething = 1;
-
 constexpr char Description[] =
     "Looks for mistakes in the configurations of a payload, of all its boards or of those named: "
     "what can never match, what does not mean what it seems to, what the plan will lack.";
@@ -33,8 +31,9 @@ constexpr char Footer[] =
     "or moved. --update-baseline writes the file again, whole or not at all, and creates it.\n"
     "\n"
     "Exit status: 0 nothing found of the severity of --fail-level, or --update-baseline; 1\n"
-    "something found; 65 a configuration is no property list, or a file of settings or a baseline\n"
-    "is not well formed; 66 something cannot be read (the other boards are linted all the same).\n"
+    "something found; 65 a configuration is not a property list, or a file of settings or a\n"
+    "baseline is not well formed; 66 something cannot be read (the other boards are linted all\n"
+    "the same).\n"
     "\n"
     "Example:\n"
     "  fernwick-lab lint payload Zed-42 --fail-level warning\n"
@@ -113,7 +112,7 @@ std::unique_ptr<LintFormat> MakeFormat(const std::string& format, Console& conso
 }
 
 // What is wrong with the options together; empty when nothing is.
-std::string Fault(const LintOptions& options) {
+std::string UsageError(const LintOptions& options) {
   if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
     return "exactly one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help";
   }
@@ -129,8 +128,8 @@ int Load(const LintOptions& options, LintPolicy& policy, Baseline& baseline) {
   if (!options.baseline || (options.updatesBaseline && !PathExists(*options.baseline))) {
     return LabStatus::Done;
   }
-  const auto fault = baseline.Read(*options.baseline);
-  return fault ? PrintError(*options.baseline, *fault) : LabStatus::Done;
+  const auto error = baseline.Read(*options.baseline);
+  return error ? PrintError(*options.baseline, *error) : LabStatus::Done;
 }
 
 int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline) {
@@ -162,7 +161,7 @@ int Run(const LintOptions& options, const LintPolicy& policy, Baseline& baseline
     if (lost != LabStatus::Done) return lost;
   }
   if (linting.status != LabStatus::Done) return linting.status;
-  return fails && !options.updatesBaseline ? FoundSomething : LabStatus::Done;
+  return fails && !options.updatesBaseline ? LabStatus::Negative : LabStatus::Done;
 }
 
 }  // namespace
@@ -171,11 +170,11 @@ VerbEnd LintVerb(int argumentCount, char* const arguments[]) {
   LintOptions options;
   const auto line = Declare(options);
   if (const auto status = ParseCommandLine(line, argumentCount, arguments)) return *status;
-  if (const auto fault = Fault(options); !fault.empty()) return Refuse(fault);
+  if (const auto error = UsageError(options); !error.empty()) return Refuse(error);
   if (options.list) return PrintResult(ListLintRules());
   if (options.explained) return Explain(*options.explained);
   LintPolicy policy;
-  if (const auto fault = policy.Read(options.ignored, options.severities)) return Refuse(*fault);
+  if (const auto error = policy.Read(options.ignored, options.severities)) return Refuse(*error);
   Baseline baseline(options.updatesBaseline);
   const int status = Load(options, policy, baseline);
   return status == LabStatus::Done ? Run(options, policy, baseline) : status;

@@ -74,10 +74,9 @@ void LintSetting(const LocatedEntry& entry, ConfigurationFindings& findings) {
   for (const auto name : Switches) {
     const auto isSet = ReadBypassSwitch(computer, name);
     if (!isSet) {
-      findings.Add(LintRuleOf::NvramBareSwitch, entry.valueOffset,
-                   Quoted(name) +
-                       " without a value in the boot arguments ends every later run "
-                       "abnormally");
+      findings.Add(
+          LintRuleOf::NvramBareSwitch, entry.valueOffset,
+          Quoted(name) + " without a value in the boot arguments ends every later run abnormally");
     } else if (*isSet) {
       findings.Add(LintRuleOf::NvramBypassSwitch, entry.valueOffset,
                    Quoted(entry.key) + " sets " + Quoted(name) + " for every later run");

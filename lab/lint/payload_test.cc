@@ -36,7 +36,7 @@ class LintedPayload : public ::testing::Test {
 
   std::string Path(const std::string& path) const { return directory_.Path() + "/" + path; }
 
-  // Of a user without privileges: "PATH: MESSAGE [ID]" of each finding, after a last "/".
+  // What a user without privileges gets: "PATH: MESSAGE [ID]" of each finding, after a last "/".
   Lines Lint(const std::vector<std::string>& boards = {}) {
     Lines lines;
     const testing::Unprivileged unprivileged;

@@ -58,7 +58,7 @@ void LintNvramShapes(const LocatedPersonality& personality, ConfigurationFinding
   for (std::size_t i = 0; i < names->size(); ++i) {
     if ((*names)[i].AsString()) continue;
     findings.Add(LintRuleOf::ClearedNameNotText, OffsetOfElement(*toClear, i),
-                 Shown((*names)[i]) + " in \"ClearNVRAM\" is no name of a variable");
+                 Shown((*names)[i]) + " in \"ClearNVRAM\" is not the name of a variable");
   }
 }
 

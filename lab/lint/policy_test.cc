@@ -72,7 +72,7 @@ TEST(LintPolicy, RefusesSettingsOfAnotherShape) {
 }
 
 TEST(LintPolicy, RefusesAFileThatIsNoJson) {
-  EXPECT_EQ(ReadError("{\n  ignore: []"), "line 2, column 3: this is no JSON");
+  EXPECT_EQ(ReadError("{\n  ignore: []"), "line 2, column 3: this is not JSON");
   EXPECT_EQ(ReadError(std::string(66000, '[')), "arrays and objects are nested too deeply");
   LintPolicy policy;
   EXPECT_EQ(policy.ReadFile("no-such")->status, LabStatus::UnreadableInput);

@@ -60,7 +60,7 @@ bool Contradict(const LocatedPersonality& personality) {
   return AreNumbers(rids) && AreNumbers(uids) && (OfAll(rids, OfRid) & OfAll(uids, OfUid)) == 0;
 }
 
-// Of a list, the elements that the other key excludes, which has these RIDs.
+// Reports the elements of a list that the other key, which has these RIDs, excludes.
 void LintElements(const LocatedEntry& entry, RidOf ridOf, const LocatedEntry& other, Rids rids,
                   ConfigurationFindings& findings) {
   if (!entry.value->AsArray()) return;

@@ -98,7 +98,7 @@ class LintSarif : public LintFormat {
     stream_.Begin("results", '[');
   }
 
-  // Of findings with equal identities each has another number at the end.
+  // The fingerprint of a finding; those of findings with equal identities end in different numbers.
   std::string FingerprintOf(const Finding& finding) {
     if (finding.path != path_) numbers_.clear();
     path_ = finding.path;

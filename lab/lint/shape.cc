@@ -13,10 +13,10 @@ void LintUnknownType(const LocatedEntry& entry, ConfigurationFindings& findings)
   const auto meant = NearestSpelling(entry.key, NamesOf(Types::All));
   if (meant.empty()) {
     findings.Add(LintRuleOf::UnknownType, entry.keyOffset,
-                 Quoted(entry.key) + " is no type, so its contents match nothing");
+                 Quoted(entry.key) + " is not a type, so its contents match nothing");
   } else {
     findings.Add(LintRuleOf::MisspeltType, entry.keyOffset,
-                 Quoted(entry.key) + " is no type, so its contents match nothing; \"" +
+                 Quoted(entry.key) + " is not a type, so its contents match nothing; \"" +
                      std::string(meant) + "\" may be meant");
   }
 }

@@ -11,9 +11,8 @@ namespace {
 
 constexpr char Description[] =
     "Writes a property list, such as a recording or a Config.plist, in another serialisation, "
-    "value "
-    "for value. \"-\" is standard input and standard output. OUT is written completely or not at "
-    "all.";
+    "value for value. \"-\" is standard input and standard output. OUT is written completely or "
+    "not at all.";
 
 constexpr char Example[] =
     "Example:\n  fernwick-lab convert desk.registry.plist small.registry.plist --to binary\n";

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "lab/support/spelling.h"
 #include "value/number_text.h"
 #include "value/unicode/ascii.h"
 
@@ -45,12 +46,6 @@ std::string LettersAndDigits(std::string_view key) {
   return plain;
 }
 
-std::string Lower(std::string_view text) {
-  std::string lower;
-  for (const char c : text) lower.push_back(ToLowerAscii(c));
-  return lower;
-}
-
 std::string Hexadecimal(std::string_view bytes, std::string_view separator) {
   std::string text;
   for (const char byte : bytes) {
@@ -81,13 +76,13 @@ std::size_t GroupsLength(std::string_view text, std::initializer_list<std::size_
   return length;
 }
 
-// Of an identifier that the text begins with, by its form; 0 when there is none.
+// The length of the identifier that the text begins with, by its form; 0 when there is none.
 std::size_t FormLength(std::string_view text) {
   if (const auto uuid = GroupsLength(text, {8, 4, 4, 4, 12}, '-')) return uuid;
   for (const char separator : {':', '-'}) {
     if (const auto address = GroupsLength(text, {2, 2, 2, 2, 2, 2}, separator)) return address;
   }
-  const std::size_t prefix = Lower(text.substr(0, 2)) == "0x" ? 2 : 0;
+  const std::size_t prefix = LowerCase(text.substr(0, 2)) == "0x" ? 2 : 0;
   const auto digits = text.substr(prefix, DigitCount(text.substr(prefix)));
   const bool isNumber =
       digits.size() >= MinHexadecimalLength && std::ranges::any_of(digits, IsDecimalDigit);
@@ -146,7 +141,7 @@ void Identifiers::AddBytes(std::string_view bytes) {
 void Identifiers::AddSpelling(std::string_view text) {
   if (text.size() < MinIdentifierLength) return;
   const auto original = arena_.Copy(text);
-  const auto lower = Lower(text);
+  const auto lower = LowerCase(text);
   spellings_.push_back({lower == text ? original : arena_.Copy(lower), original});
   isSorted_ = false;
 }
@@ -206,7 +201,7 @@ Identifiers::Found Identifiers::FindAtStart(std::string_view text) const {
 std::optional<std::string> Identifiers::Replaced(std::string_view bytes, Pseudonyms& pseudonyms) {
   Sort();
   if (spellings_.empty() || bytes.size() < MinIdentifierLength) return std::nullopt;
-  const auto lower = Lower(bytes);
+  const auto lower = LowerCase(bytes);
   std::string replaced;
   std::size_t copied = 0;
   for (std::size_t i = 0; i + MinIdentifierLength <= lower.size();) {
@@ -236,7 +231,7 @@ std::optional<std::string> ReplaceIdentifierForms(std::string_view name, Pseudon
       replaced.push_back(name[i++]);
       continue;
     }
-    replaced += pseudonyms.OfText(Lower(name.substr(i, length)));
+    replaced += pseudonyms.OfText(LowerCase(name.substr(i, length)));
     i += length;
     isChanged = true;
   }

@@ -19,12 +19,10 @@ namespace {
 
 constexpr char Description[] =
     "Makes a recording of registry dumps. Each is a property list of nested dictionaries, one for "
-    "a "
-    "plane, in which the name, the children, the class and the identity of an entry are under the "
-    "keys that the options name; every other key is a property. Entries of several planes with one "
-    "identity are one entry, defined in the plane that is named first. OUT is written completely "
-    "or "
-    "not at all.";
+    "a plane, in which the name, the children, the class and the identity of an entry are under "
+    "the keys that the options name; every other key is a property. Entries of several planes with "
+    "one identity are one entry, defined in the plane that is named first. OUT is written "
+    "completely or not at all.";
 
 constexpr char Example[] =
     "Example:\n  fernwick-lab import dumped.registry.plist --plane IOService=services.plist "

@@ -21,8 +21,8 @@ bool MayIdentify(const PropertyValue& value);
 /// that cannot identify a computer are kept.
 class Pseudonyms {
  public:
-  /// Of an array or a dictionary: with every value inside it replaced, but no key. Views `arena`
-  /// and what the value views.
+  /// The pseudonym of a value; an array or a dictionary with every value inside it replaced, but
+  /// no key. Views `arena` and what the value views.
   PropertyValue Of(const PropertyValue& value, Arena& arena);
 
   std::string OfText(std::string_view text);

@@ -13,8 +13,7 @@ constexpr char Description[] =
     "Writes the computer that this runs on as a recording: the properties that the tool reads, or "
     "with --all every one, which are private in part. With --root, the computer whose files were "
     "copied to a directory. A run over the recording ends as one on the computer. \"-\" is "
-    "standard "
-    "output. OUT is written completely or not at all.";
+    "standard output. OUT is written completely or not at all.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab record this-computer.registry.plist\n";
 

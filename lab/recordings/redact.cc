@@ -23,14 +23,12 @@ namespace fs = std::filesystem;
 
 constexpr char Description[] =
     "Writes recordings that can be shared. Properties that the tool does not read are dropped. "
-    "Unique "
-    "ids, UUIDs, serial numbers and hardware addresses are replaced by pseudonyms, also inside "
-    "other "
-    "texts and in names: the same for equal values, in all recordings of one command, of the same "
-    "kind and with the same low four bits, so that matching is unchanged except against those "
-    "values. Prints what was replaced, kept and dropped. One recording goes to the file OUT; "
-    "several, or one when OUT is a directory, go into it under their own names. \"-\" is standard "
-    "input and standard output; the report then goes to standard error.";
+    "Unique ids, UUIDs, serial numbers and hardware addresses are replaced by pseudonyms, also "
+    "inside other texts and in names: the same for equal values, in all recordings of one command, "
+    "of the same kind and with the same low four bits, so that matching is unchanged except "
+    "against those values. Prints what was replaced, kept and dropped. One recording goes to the "
+    "file OUT; several, or one when OUT is a directory, go into it under their own names. \"-\" is "
+    "standard input and standard output; the report then goes to standard error.";
 
 constexpr char Example[] =
     "Example:\n  fernwick-lab redact desk.registry.plist lap.registry.plist shared/ --key owner\n";
@@ -51,7 +49,7 @@ struct Job {
 
 // Empty after a line on standard error when the files cannot go there.
 std::vector<Job> PlanJobs(const std::vector<std::string>& paths, const std::string& out) {
-  std::error_code error;  // a path that cannot be inspected is no directory; writing there fails
+  std::error_code error;  // a path that cannot be inspected is not a directory; writing there fails
   const bool intoDirectory = fs::is_directory(out, error);
   if (!intoDirectory && paths.size() > 1) {
     PrintError(out + ": several recordings need a directory to go to");

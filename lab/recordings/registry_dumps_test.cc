@@ -17,7 +17,7 @@ using testing::List;
 
 const DumpKeys Keys = {.name = "name", .children = "children", .className = "class", .id = "id"};
 
-// Of planes "A", "B" and so on. An error as its message, after the name of the plane.
+// The recording of planes "A", "B" and so on. An error as its message, after the name of the plane.
 Result<PropertyList, std::string> Recorded(const std::vector<PropertyValue>& roots,
                                            const DumpKeys& keys = Keys) {
   std::vector<DumpedPlane> planes;

@@ -12,8 +12,7 @@ namespace {
 
 constexpr char Description[] =
     "Prints the registry of a recorded computer, or of this one, as a tree, with the controllers "
-    "marked, and both "
-    "inventories as the tool sees them.";
+    "marked, and both inventories as the tool sees them.";
 
 constexpr char Example[] = "Example:\n  fernwick-lab show desk.registry.plist --plane IOService\n";
 

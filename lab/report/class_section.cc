@@ -15,8 +15,7 @@ constexpr std::array<const char*, ClassCount> Meanings = {
     "an update is planned for at least one controller",
     "the installed versions are not older than those of the payload",
     "a personality is for the controller, but not for its version or the board’s revision, or "
-    "names "
-    "no image",
+    "names no image",
     "no personality is for any of the controllers",
     "the computer has no controllers",
     "the payload has no directory for the board, or the computer no board identifier",

@@ -107,8 +107,8 @@ void CoverageSection::Finish(const CoverageTotals& totals) {
   const auto personalities = personalities_.Count() - personalities_.Listed();
   markup_ =
       "<p>" + PercentText(totals.counts) +
-      " % of the personalities and list elements of the payload "
-      "matched a controller of these recordings; " +
+      " % of the personalities and list elements of the payload matched a controller of these "
+      "recordings; " +
       NumberLink("covered-boards", totals.boardsWithoutRun) + " of " + NumberText(totals.boards) +
       (totals.boards == 1 ? " board has" : " boards have") + " no recording.</p>\n" +
       BarsMarkup(

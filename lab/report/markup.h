@@ -34,9 +34,8 @@ struct Column {
   bool isNumber = false;
 };
 
-/// A cell of a row: the name of the row, a text column, the location in a file, or
-/// a number column. A narrow screen shows
-/// the label before the number in a table without a head.
+/// A cell of a row: the name of the row, a text column, the location in a file, or a number column.
+/// A narrow screen shows the label before the number in a table without a head.
 std::string HeadCell(std::string_view markup);
 std::string TextCell(std::string_view markup);
 std::string LineCell(std::string_view markup);

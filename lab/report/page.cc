@@ -170,9 +170,8 @@ std::string ReportPage::Markup() const {
          "</h1>\n<p class=\"lead\">What <code>" + XmlText(payloads_.payload) + "</code> does for " +
          ComputersText(totals_.Computers()) + old + ".</p>\n" +
          NavigationMarkup(payloads_.old.has_value()) + "</header>\n<main>\n" + MainMarkup() +
-         "</main>\n<footer><p>Made by fernwick-lab. "
-         "Lists have their first items; the command after one prints "
-         "all.</p></footer>\n</body>\n</html>\n";
+         "</main>\n<footer><p>Made by fernwick-lab. Lists have their first items; the command "
+         "after one prints all.</p></footer>\n</body>\n</html>\n";
 }
 
 }  // namespace fernwick::lab

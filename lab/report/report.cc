@@ -15,6 +15,7 @@
 #include "lab/survey/batch.h"
 #include "lab/survey/coverage/coverage_output.h"
 #include "lab/survey/coverage/payload_boards.h"
+#include "lab/survey/selected.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -27,14 +28,18 @@ constexpr char Description[] =
     "what lint finds and, with --old, what changes.";
 
 constexpr char ReportFooter[] =
-    "\nThe page is one file without scripts that loads nothing. It has at most 2 MB: lists have "
-    "their\nfirst items and the command that prints all, such as survey, settle, coverage, lint "
-    "and "
-    "diff.\nIt is the same for any number of jobs, and has no date.\n\n"
-    "-p is the payload that is judged, as for survey; diff names the old one first instead.\n\n"
-    "Status, after the page is written: 65 or 66 when a RECORDING that is named on the command "
-    "line,\nor a configuration, is malformed or cannot be read; otherwise 0.\n\n"
-    "Example:\n  fernwick-lab report -p payload-2 --old payload-1 -o report.html computers/\n";
+    "\n"
+    "The page is one file without scripts that loads nothing. It has at most 2 MB: lists have\n"
+    "their first items and the command that prints all, such as survey, settle, coverage, lint\n"
+    "and diff. It is the same for any number of jobs, and has no date.\n"
+    "\n"
+    "-p is the payload that is judged, as for survey; diff names the old one first instead.\n"
+    "\n"
+    "Status, after the page is written: 65 or 66 when a RECORDING that is named on the command\n"
+    "line, or a configuration, is malformed or cannot be read; otherwise 0.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab report -p payload-2 --old payload-1 -o report.html computers/\n";
 
 struct ReportArguments {
   ReportedPayloads payloads;
@@ -96,10 +101,10 @@ int WritePage(const ReportArguments& arguments, const std::string& page) {
                        : PrintError(arguments.out, {{error}, LabStatus::OutputLost});
 }
 
-// Adds everything that is selected. Returns as RunBatch; `refusal` is the status of the first named
-// recording that is refused; of each, an error is printed.
+// Adds everything that is selected. Returns as RunBatch. Of each named recording that is refused,
+// an error is printed.
 int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, ReportPage& page,
-              int& refusal, Console& console) {
+              FirstRefusal& refusal, Console& console) {
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
     auto reported = reporter.Report(std::move(selected));
@@ -108,7 +113,7 @@ int ReportAll(const ReportArguments& arguments, ComputerReporter& reporter, Repo
       const auto& row = computer.row;
       if (isNamed && row.outcome == Outcome::Refused) {
         PrintError(row.file + ": " + row.reason);
-        if (refusal == LabStatus::Done) refusal = *row.status;
+        refusal.Add(isNamed, *row.status);
       }
       page.Add(computer);
     };
@@ -131,7 +136,7 @@ int RunReport(const ReportArguments& arguments) {
   if (!isLinted) return lintStatus;
   CoveredPayload covered(*options, *boards);
   ComputerReporter reporter(*options, payloads, covered);
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const int failure = ReportAll(arguments, reporter, page, refusal, console);
   if (failure != LabStatus::Done) return failure;
   CoverageTotals totals;
@@ -139,7 +144,7 @@ int RunReport(const ReportArguments& arguments) {
   const int coverageStatus = covered.Print(page.Coverage(), totals);
   if (coverageStatus == LabStatus::OutOfMemory) return coverageStatus;
   if (const int lost = WritePage(arguments, page.Markup()); lost != LabStatus::Done) return lost;
-  if (refusal != LabStatus::Done) return refusal;
+  if (refusal.Status() != LabStatus::Done) return refusal.Status();
   return lintStatus != LabStatus::Done ? lintStatus : coverageStatus;
 }
 

@@ -13,10 +13,10 @@
 namespace fernwick::lab {
 namespace {
 
-// Of the names of all moves of one kind of controller of a board.
+// How many bytes the names of all moves of one kind of controller of a board may have.
 constexpr std::size_t BytesOfNames = 8'000;
 
-// Of the pictures and tables of all boards.
+// How many bytes the pictures and tables of all boards may have.
 constexpr std::size_t Bytes = 300'000;
 
 // How many controllers have a version.

@@ -18,7 +18,7 @@ struct Parsed {
   std::string standardError;
 };
 
-// Of a verb with a recording and a flag. The line is what follows the verb.
+// Parses the line of a verb with a recording and a flag. The line is what follows the verb.
 Parsed Parse(const testing::CommandLine& line) {
   Parsed parsed;
   const CommandLine show = {
@@ -50,7 +50,7 @@ TEST(CommandLine, WithoutANeededOperandIsRefusedInOneLine) {
             "fernwick-lab: RECORDING is required; see fernwick-lab show --help\n");
 }
 
-// Of a verb with an operand and an option in its place.
+// Parses the line of a verb with an operand or an option instead of it.
 Parsed ParseEither(const testing::CommandLine& line) {
   Parsed parsed;
   const CommandLine show = {
@@ -119,7 +119,7 @@ struct ParsedMany {
   std::string standardError;
 };
 
-// Of a verb with at least two recordings and an option of every kind with a value.
+// Parses the line of a verb with at least two recordings and an option of every kind with a value.
 ParsedMany ParseMany(const testing::CommandLine& line) {
   ParsedMany parsed;
   const CommandLine many = {

@@ -30,7 +30,8 @@ struct RevisionRange {
   friend bool operator==(const RevisionRange&, const RevisionRange&) = default;
 };
 
-/// Of the bounds each may be absent (null). One that is not a number allows no revision.
+/// The revisions within the bounds. Each bound may be absent (null); one that is not a number
+/// allows no revision.
 RevisionRange RevisionsWithin(const PropertyValue* minimum, const PropertyValue* maximum);
 
 /// Whose versions a personality is compared with: those of Thunderbolt controllers, hundredths from

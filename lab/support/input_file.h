@@ -8,8 +8,7 @@
 namespace fernwick::lab {
 
 /// Reads the file that an operand of a verb names, or standard input to its end where the operand
-/// is
-/// "-". Both are limited to MaxFileSize.
+/// is "-". Both are limited to MaxFileSize.
 Result<std::string, LabError> ReadInput(const std::string& operand);
 
 /// The name of the operand in messages: "standard input" for "-".

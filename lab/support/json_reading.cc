@@ -42,7 +42,7 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
     const auto offset = std::min(byte - std::min<std::size_t>(byte, 1), text_.size());
     const bool isOutOfRange = dynamic_cast<const Json::out_of_range*>(&error) != nullptr;
     error_ = isOutOfRange ? Error{"a number is out of range"}
-                          : ErrorAt(text_, offset, "this is no JSON");
+                          : ErrorAt(text_, offset, "this is not JSON");
     return false;
   }
 

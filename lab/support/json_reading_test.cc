@@ -46,9 +46,9 @@ TEST(ParseJson, HasALimitOfDepth) {
 
 TEST(ParseJson, ReportsTheLocationOfAFault) {
   const auto errorOf = [](std::string_view json) { return Describe(ParseJson(json).Error()); };
-  EXPECT_EQ(errorOf(""), "line 1, column 1: this is no JSON");
-  EXPECT_EQ(errorOf("{\n  \"a\": x}"), "line 2, column 8: this is no JSON");
-  EXPECT_EQ(errorOf("\"\xFF\""), "line 1, column 2: this is no JSON");
+  EXPECT_EQ(errorOf(""), "line 1, column 1: this is not JSON");
+  EXPECT_EQ(errorOf("{\n  \"a\": x}"), "line 2, column 8: this is not JSON");
+  EXPECT_EQ(errorOf("\"\xFF\""), "line 1, column 2: this is not JSON");
   EXPECT_EQ(errorOf("[1e999]"), "a number is out of range");
   EXPECT_EQ(errorOf(Nested(1025, "[", "]")), "arrays and objects are nested too deeply");
 }

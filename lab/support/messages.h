@@ -8,9 +8,12 @@
 
 namespace fernwick::lab {
 
-/// The exit statuses of the lab itself. The tool uses none of those of a verb that cannot start.
+/// The exit statuses of the lab itself. The tool never ends with 64 to 66.
 namespace LabStatus {
 inline constexpr int Done = 0;
+// The verb did its work, and the result is the one that a script has to notice: lint has findings,
+// payloads differ for a computer, a survey has what --fail-on names, there is no sample or draft.
+inline constexpr int Negative = 1;
 inline constexpr int BadUsage = 64;
 inline constexpr int MalformedInput = 65;   // a recording or payload that is not well formed
 inline constexpr int UnreadableInput = 66;  // one that cannot be read
@@ -46,8 +49,8 @@ std::string PrintableText(std::string_view text);
 /// As PrintableText, but for a text of whole lines in UTF-8: line feeds and tabs stay.
 std::string PrintableLines(std::string_view text);
 
-/// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control
-/// characters, which may come from a file, are printed as octal escapes.
+/// Prints "fernwick-lab: MESSAGE" as one line on standard error. Control characters, which may come
+/// from a file, are printed as octal escapes.
 void PrintError(std::string_view message);
 
 /// The same with "PATH: what is wrong" as the message. Returns the exit status.

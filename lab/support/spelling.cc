@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "value/unicode/ascii.h"
+
 // Misspellings by optimal string alignment, the edit distance that also counts an exchange of two
 // neighbours as one edit. Dynamic programming over the prefixes of both words: the distance of two
 // prefixes follows from those that are one character shorter, or two for an exchange, so three rows
@@ -18,11 +20,8 @@ constexpr std::size_t MaxDistance = 2;
 
 // In lower case, without blanks, hyphens and underscores.
 std::string Normalized(std::string_view word) {
-  std::string normalized;
-  for (const char c : word) {
-    if (c == ' ' || c == '-' || c == '_') continue;
-    normalized += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  }
+  auto normalized = LowerCase(word);
+  std::erase_if(normalized, [](char c) { return c == ' ' || c == '-' || c == '_'; });
   return normalized;
 }
 
@@ -37,6 +36,12 @@ bool IsTypingSlip(std::string_view word, std::string_view meant) {
 }
 
 }  // namespace
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(), ToLowerAscii);
+  return lower;
+}
 
 std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t limit) {
   const auto longer = std::max(a.size(), b.size());

@@ -7,6 +7,9 @@
 
 namespace fernwick::lab {
 
+/// The text with the letters of ASCII in lower case.
+std::string LowerCase(std::string_view text);
+
 /// The optimal string alignment distance: how many characters must be inserted, deleted, replaced
 /// or exchanged with their neighbour to turn one text into the other, where no part is edited
 /// twice. Counted in bytes; `limit` + 1 when it is more than `limit`.

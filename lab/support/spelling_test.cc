@@ -5,6 +5,10 @@
 namespace fernwick::lab {
 namespace {
 
+TEST(LowerCase, ChangesLettersOfAsciiOnly) {
+  EXPECT_EQ(LowerCase("AZaz-1@[\xC3\x84"), "azaz-1@[\xC3\x84");
+}
+
 TEST(EditDistance, CountsEditsOfAllFourKinds) {
   EXPECT_EQ(EditDistance("RID", "RID", 2), 0u);
   EXPECT_EQ(EditDistance("RIDs", "RID", 2), 1u);

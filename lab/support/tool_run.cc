@@ -35,7 +35,7 @@ bool HasBoardDirectory(const ToolRun& run, const Options& options) {
   return directory && PathExists(*directory);
 }
 
-std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& options) {
+std::optional<LabError> UnreadableConfiguration(const ToolRun& run, const Options& options) {
   const auto& error = run.result.configurationError;
   if (!error || error->systemError == 0 || IsAbsence(error->systemError)) return std::nullopt;
   const auto path =
@@ -43,9 +43,14 @@ std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& 
   return LabError{{*path + ": " + error->message}, UnreadableStatus(*error)};
 }
 
-std::optional<Error> ConfigurationFault(const ToolRun& run) {
+std::optional<Error> MalformedConfiguration(const ToolRun& run) {
   const auto& error = run.result.configurationError;
   return error && error->systemError == 0 ? error : std::nullopt;
+}
+
+RequirementContext ContextOf(const RunResult& result, const KeyTrace& key, std::size_t controller) {
+  return {key.inventory.records[controller], result.identity->boardRevision,
+          result.bypassesVersionCheck};
 }
 
 std::vector<TestedCandidates> CandidatesOf(const ToolRun& run, Arena& copies) {

@@ -10,6 +10,7 @@
 #include "lab/support/diagnostics.h"
 #include "lab/support/messages.h"
 #include "personality/configuration.h"
+#include "personality/requirements.h"
 #include "personality/run_trace.h"
 #include "registry/recorded_registry.h"
 #include "value/arena.h"
@@ -17,8 +18,8 @@
 namespace fernwick::lab {
 
 /// A run of the tool: its result, all that it printed and why it decided as it did. It views the
-/// recording, which must outlive it, and owns the configuration; views of the
-/// run stay valid when it is moved.
+/// recording, which must outlive it, and owns the configuration; views of the run stay valid when
+/// it is moved.
 struct ToolRun {
   RunResult result;
   std::string standardOutput = {};  // after a fault what was flushed before it
@@ -42,21 +43,25 @@ ToolRun RunTool(const Recording& recording, const Options& options,
                 KeptOutput kept = KeptOutput::Texts,
                 const ConfigurationLoader& load = LoadPersonalityConfiguration);
 
+/// The same over another registry, whose values must outlive the run.
+ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts,
+                const ConfigurationLoader& load = LoadPersonalityConfiguration);
+
 /// Whether the payload has the directory of the run's board.
 bool HasBoardDirectory(const ToolRun& run, const Options& options);
 
 /// Why a run says nothing about the computer: its configuration could not be looked for or read,
 /// for lack of permission, memory or descriptors. Empty otherwise: an absent or malformed
 /// configuration is a result. The message begins with the path.
-std::optional<LabError> ConfigurationFailure(const ToolRun& run, const Options& options);
+std::optional<LabError> UnreadableConfiguration(const ToolRun& run, const Options& options);
 
 /// Why the run has no configuration though there is one: what is wrong in it, and where. Empty
 /// otherwise.
-std::optional<Error> ConfigurationFault(const ToolRun& run);
+std::optional<Error> MalformedConfiguration(const ToolRun& run);
 
-/// The same over another registry, whose values must outlive the run.
-ToolRun RunTool(Registry& registry, const Options& options, KeptOutput kept = KeptOutput::Texts,
-                const ConfigurationLoader& load = LoadPersonalityConfiguration);
+/// What a run tests the requirements of a controller's personalities against. `controller` is its
+/// index in the inventory of the key; the record is viewed. REQUIRES: the run has a board.
+RequirementContext ContextOf(const RunResult& result, const KeyTrace& key, std::size_t controller);
 
 /// The candidates of a top-level key whose pairs a run tested.
 struct TestedCandidates {

@@ -97,7 +97,7 @@ TEST_F(Tool, MatchesTheConfigurationThatItsCallerReturns) {
 class UnreadConfiguration : public Tool {
  protected:
   std::optional<LabError> Failure() const {
-    return ConfigurationFailure(Run(), ToolOptions(payload_.Path(), false));
+    return UnreadableConfiguration(Run(), ToolOptions(payload_.Path(), false));
   }
 
   const std::string board_ = payload_.Path() + "/Fernwick/Zed-42";
@@ -105,14 +105,14 @@ class UnreadConfiguration : public Tool {
 
 TEST_F(UnreadConfiguration, ThatIsThereOrAbsentOrMalformedIsNoFailure) {
   EXPECT_FALSE(Failure());
-  EXPECT_FALSE(ConfigurationFault(Run()));
+  EXPECT_FALSE(MalformedConfiguration(Run()));
   payload_.Write("Fernwick/Zed-42/Config.plist", "<dict>");
   EXPECT_FALSE(Failure());
-  EXPECT_EQ(ConfigurationFault(Run()).value().location.value().column, 7u);
+  EXPECT_EQ(MalformedConfiguration(Run()).value().location.value().column, 7u);
   std::filesystem::remove_all(board_);
   EXPECT_FALSE(Failure());
-  EXPECT_FALSE(ConfigurationFault(Run()));
-  EXPECT_FALSE(ConfigurationFailure(RunTool(computer_.Recorded(), {}), {}));
+  EXPECT_FALSE(MalformedConfiguration(Run()));
+  EXPECT_FALSE(UnreadableConfiguration(RunTool(computer_.Recorded(), {}), {}));
 }
 
 TEST_F(UnreadConfiguration, ThatMayNotBeReadIsAFailure) {
@@ -126,7 +126,7 @@ TEST_F(UnreadConfiguration, ThatMayNotBeReadIsAFailure) {
       ASSERT_TRUE(failure) << path;
       EXPECT_EQ(failure->error.message, board_ + "/Config.plist: Permission denied");
       EXPECT_EQ(failure->status, LabStatus::UnreadableInput);
-      EXPECT_FALSE(ConfigurationFault(Run()));
+      EXPECT_FALSE(MalformedConfiguration(Run()));
     }
     fs::permissions(path, fs::perms::owner_all);
   }

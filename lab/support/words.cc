@@ -64,6 +64,10 @@ std::vector<std::string_view> NamesOf(TypeSet types) {
   return names;
 }
 
+std::string PersonalityName(TypeSet type, std::size_t index) {
+  return type == Types::LegacyUsbc ? "the personality" : "personality " + std::to_string(index + 1);
+}
+
 std::string InlineText(const PropertyValue& value) {
   return TextOf(value,
                 [](const PropertyValue& element) { return PrintableText(DumpText(element)); });

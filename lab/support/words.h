@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,10 @@ namespace fernwick::lab {
 
 /// The names of the types in the set, in the order in which their checks build on each other.
 std::vector<std::string_view> NamesOf(TypeSet types);
+
+/// "personality 2", from 1 in the order of the file; "the personality" of LegacyUSBC, which has one
+/// alone. `index` is from 0.
+std::string PersonalityName(TypeSet type, std::size_t index);
 
 /// A value on one line, with control characters escaped: numbers as they are, strings in quotes,
 /// the elements of an array of up to eight; of a larger or deeper value only its kind.

@@ -11,6 +11,12 @@ using testing::Bytes;
 using testing::Dict;
 using testing::List;
 
+TEST(PersonalityName, CountsThoseOfATypeFrom1) {
+  EXPECT_EQ(PersonalityName(Types::Usbc, 0), "personality 1");
+  EXPECT_EQ(PersonalityName(Types::LegacyThunderbolt, 9), "personality 10");
+  EXPECT_EQ(PersonalityName(Types::LegacyUsbc, 0), "the personality");
+}
+
 TEST(InlineText, IsOneLine) {
   EXPECT_EQ(InlineText(41.050000000999994), "41.050000000999994");
   EXPECT_EQ(InlineText(0xFFFFFFFFFFFFFFFF), "18446744073709551615");

@@ -19,13 +19,11 @@ constexpr std::size_t MaxJobs = 1024;
 
 const char SelectionHelp[] =
     "A directory selects every *.registry.plist and every archive below it, by name; links to\n"
-    "directories are not followed. An archive is a tar file, also one compressed by gzip, xz or "
-    "zstd,\nor a zip file, and selects every *.registry.plist in it, in its order, as "
-    "ARCHIVE:NAME. "
-    "It is\nrecognised by its suffix (.tar, .tar.gz, .tgz, .tar.xz, .txz, .tar.zst, .tzst, .zip) "
-    "or, "
-    "when it is\nnamed, by its contents. At most 1 GiB plus 1000 times its size is unpacked of "
-    "it.\n"
+    "directories are not followed. An archive is a tar file, also one compressed by gzip, xz or\n"
+    "zstd, or a zip file, and selects every *.registry.plist in it, in its order, as\n"
+    "ARCHIVE:NAME. It is recognised by its suffix (.tar, .tar.gz, .tgz, .tar.xz, .txz,\n"
+    ".tar.zst, .tzst, .zip) or, when it is named, by its contents. At most 1 GiB plus 1000\n"
+    "times its size is unpacked of it.\n"
     "- reads paths from standard input, one a line or each followed by a NUL character.\n";
 
 void AddBatchOptions(CommandLine& line, BatchOptions& options) {

@@ -69,11 +69,8 @@ class NearestSearch {
   }
 
   void VisitPair(const KeyTrace& key, std::size_t controller, Array candidates, std::size_t index) {
-    const RequirementContext context = {key.inventory.records[controller],
-                                        result_.identity->boardRevision,
-                                        result_.bypassesVersionCheck};
-    const auto failures =
-        FailedRequirements(TypeNamed(key.key), *candidates[index].AsDictionary(), context);
+    const auto failures = FailedRequirements(TypeNamed(key.key), *candidates[index].AsDictionary(),
+                                             ContextOf(result_, key, controller));
     const Miss miss = {
         &key, controller, index, IsUpToDate(failures), DistanceOf(failures), failures.front()};
     if (!nearest_ || miss.IsNearerThan(*nearest_)) nearest_ = miss;

@@ -59,13 +59,13 @@ struct NearestMiss {
 
 struct Classification {
   ComputerClass computerClass;
-  std::optional<NearestMiss> miss =
-      {};  // of Current, Blocked and Unmatched, where pairs were tried
+  // Of Current, Blocked and Unmatched, where pairs were tried.
+  std::optional<NearestMiss> miss = {};
 };
 
 /// Classifies a whole run over the computer. A plan costs nothing; without one, all requirements of
 /// the pairs that the run tried are tested. REQUIRES: `run` is RunTool(recording, options), and
-/// there is no ConfigurationFailure.
+/// UnreadableConfiguration is empty.
 Classification Classify(const ToolRun& run, const Recording& recording, const Options& options);
 
 }  // namespace fernwick::lab

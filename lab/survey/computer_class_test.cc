@@ -92,7 +92,7 @@ TEST(ComputerClass, IsBlockedByAVersionThatIsMissingOrNoNumber) {
   EXPECT_EQ(Classified(OnePort(), "{ LegacyUSBC = {}; }"),
             "blocked: Version is missing; the controller has 171" + std::string(OfPort));
   EXPECT_EQ(Classified(OnePort(), "{ LegacyUSBC = { Version = 5; }; }"),
-            "blocked: Version \"5\" is no number and not newer than the installed 171" +
+            "blocked: Version \"5\" is not a number and not newer than the installed 171" +
                 std::string(OfPort));
   Computer computer;
   computer.SetBoard("Zed-42", 3);

@@ -51,7 +51,7 @@ CsvCells Joined(const CsvCells& first, const CsvCells& second, const CsvCells& t
   return cells;
 }
 
-// Of a computer with a plan, in each of its lines.
+// The cells of the plan, in each line of a computer that has one.
 CsvCells PlanCells(const SurveyRow& row) {
   if (!row.plan) return {"", "", "", ""};
   const auto& plan = *row.plan;
@@ -69,7 +69,7 @@ CsvCells ClassCells(const SurveyRow& row) {
                 {});
 }
 
-// Of a cell that is the same in each line of a computer: a long one is whole in the first alone.
+// Shortens a long cell that is the same in each line of a computer: only the first has it whole.
 void Shorten(std::string& cell) {
   constexpr std::size_t MaxRepeated = 1000;
   if (cell.size() > MaxRepeated) cell = "(as in the first line)";

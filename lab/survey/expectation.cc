@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
@@ -48,22 +49,22 @@ std::string DirectoryOf(const std::string& path) {
 
 // Copies standard input into a file without a name, in which rows can be read again. Null after an
 // error, which errno names.
-std::FILE* CopyOfStandardInput() {
-  std::FILE* copy = std::tmpfile();
+StdioFile CopyOfStandardInput() {
+  StdioFile copy(std::tmpfile());
   if (copy == nullptr) return nullptr;
   char piece[1 << 16];
   for (;;) {
     const ssize_t count = read(STDIN_FILENO, piece, sizeof piece);
     if (count < 0 && errno == EINTR) continue;
     const auto size = static_cast<std::size_t>(std::max(count, ssize_t{0}));
-    const bool isWritten = std::fwrite(piece, 1, size, copy) == size;
+    const bool isWritten = std::fwrite(piece, 1, size, copy.get()) == size;
     if (count > 0 && isWritten) continue;
-    if (count == 0 && std::fflush(copy) == 0) {
-      std::rewind(copy);
+    if (count == 0 && std::fflush(copy.get()) == 0) {
+      std::rewind(copy.get());
       return copy;
     }
     const int error = errno;
-    std::fclose(copy);
+    copy.reset();
     errno = error;
     return nullptr;
   }
@@ -89,7 +90,7 @@ bool SurveyExpectation::Exists() const {
 
 std::optional<Error> SurveyExpectation::Open() {
   if (path_ == "-") {
-    file_.reset(CopyOfStandardInput());
+    file_ = CopyOfStandardInput();
     if (file_ == nullptr) return SystemError();
     return std::nullopt;
   }

@@ -1,15 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lab/support/messages.h"
+#include "lab/support/stdio_file.h"
 #include "lab/survey/absolute_paths.h"
 #include "lab/survey/row.h"
 
@@ -57,9 +56,6 @@ class SurveyExpectation {
 
     friend auto operator<=>(const IndexEntry&, const IndexEntry&) = default;
   };
-  struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
 
   std::optional<Error> Open();
   std::optional<LabError> ReadRows();
@@ -70,7 +66,7 @@ class SurveyExpectation {
   std::string path_;
   AbsolutePaths ofFile_;              // relative to the file's directory
   AbsolutePaths ofWorkingDirectory_;  // relative to the working directory
-  std::unique_ptr<std::FILE, Close> file_;
+  StdioFile file_;
   std::vector<SavedRow> rows_;     // in the order of the file
   std::vector<IndexEntry> index_;  // sorted
 };

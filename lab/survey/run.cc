@@ -74,7 +74,7 @@ Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& opt
 
 Result<SurveyRow, LabError> SurveyRun(const std::string& path, const Recording& recording,
                                       const ToolRun& run, const Options& options) {
-  if (auto failure = ConfigurationFailure(run, options)) return *std::move(failure);
+  if (auto failure = UnreadableConfiguration(run, options)) return *std::move(failure);
   RecordedRegistry registry(recording);
   const auto board = ReadBoardIdentity(registry);
   auto [computerClass, miss] = Classify(run, recording, options);

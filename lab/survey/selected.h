@@ -29,6 +29,24 @@ struct Selected {
   }
 };
 
+/// The exit status of a verb for recordings that were refused: that of the first one in the order
+/// of the selection that is named on the command line. Those found in a directory, an archive or a
+/// list do not count.
+class FirstRefusal {
+ public:
+  /// Adds a recording. `isNamed` as in Selected; `status` is that of its error, or LabStatus::Done
+  /// where it was not refused.
+  void Add(bool isNamed, int status) {
+    if (isNamed && status_ == LabStatus::Done) status_ = status;
+  }
+
+  /// LabStatus::Done where no named recording was refused.
+  int Status() const { return status_; }
+
+ private:
+  int status_ = LabStatus::Done;
+};
+
 /// The error of what was selected. REQUIRES: there is one.
 LabError ErrorOf(const Selected& selected);
 

@@ -27,25 +27,31 @@ constexpr char Description[] =
 
 std::string Footer() {
   return std::string(SelectionHelp) +
-         "\nThe order is that of the selection, whatever the number of jobs. The totals, with the "
-         "count of\neach diagnostic over all computers, follow the table, and are on standard "
-         "error for every other\nformat. ndjson has the whole plan of each computer.\n\n"
-         "CLASS is planned, current (every requirement is met except that the offered version is\n"
-         "not newer), blocked (the nearest personality is for the controller, but not for its\n"
-         "version or the board's revision, or a match names no image), unmatched, no-controllers,\n"
-         "unknown-board, no-configuration, bypassed, fault or refused; abnormal means fault, and\n"
-         "no-plan means current, blocked, unmatched, no-controllers, unknown-board and\n"
-         "no-configuration. It is the class of the whole computer: a planned one may have\n"
-         "controllers without a match. Without a plan there is the pair that is nearest to a\n"
-         "match, and the first requirement that it fails.\n\n"
-         "The paths of the rows in the file of --expect are relative to that file; - is standard\n"
-         "input. --update writes the file again, whole or not at all, and creates it.\n\n"
-         "Status, after all rows: 65 or 66 when a RECORDING that is named on the command line is\n"
-         "refused or cannot be read (with --expect: no such status); 1 when a computer is of a\n"
-         "class of --fail-on or, without --update, a row differs from that of --expect; otherwise\n"
-         "0.\n\n"
-         "A shard has the computers whose path hashes to K; its rows are for fernwick-lab "
-         "merge.\n\n"
+         "\n"
+         "The order is that of the selection, whatever the number of jobs. The totals, with the\n"
+         "count of each diagnostic over all computers, follow the table, and are on standard\n"
+         "error for every other format. ndjson has the whole plan of each computer.\n"
+         "\n"
+         "CLASS is planned, current (every requirement is met except that the offered version\n"
+         "is not newer), blocked (the nearest personality is for the controller, but not for\n"
+         "its version or the board's revision, or a match names no image), unmatched,\n"
+         "no-controllers, unknown-board, no-configuration, bypassed, fault or refused; abnormal\n"
+         "means fault, and no-plan means current, blocked, unmatched, no-controllers,\n"
+         "unknown-board and no-configuration. It is the class of the whole computer: a planned\n"
+         "one may have controllers without a match. Without a plan there is the pair that is\n"
+         "nearest to a match, and the first requirement that it fails.\n"
+         "\n"
+         "The paths of the rows in the file of --expect are relative to that file; - is\n"
+         "standard input. --update writes the file again, whole or not at all, and creates it.\n"
+         "\n"
+         "Status, after all rows: 65 or 66 when a RECORDING that is named on the command line\n"
+         "is refused or cannot be read (with --expect: no such status); 1 when a computer is of\n"
+         "a class of --fail-on or, without --update, a row differs from that of --expect;\n"
+         "otherwise 0.\n"
+         "\n"
+         "A shard has the computers whose path hashes to K; its rows are for fernwick-lab\n"
+         "merge.\n"
+         "\n"
          "Example:\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson --update computers/\n"
          "  fernwick-lab survey -p payload --expect saved.ndjson computers/\n"
@@ -119,7 +125,8 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], SurveyOptio
   return LabStatus::BadUsage;
 }
 
-int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console, int& refusal) {
+int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console,
+            FirstRefusal& refusal) {
   const auto toolOptions = ToolOptions(options.payload, options.bypassVersion);
   const bool isShard = options.batch.limits.shard.has_value();
   const auto work = [&](Selected selected) -> BatchResult {
@@ -131,9 +138,7 @@ int AddRows(const SurveyOptions& options, SurveyReport& report, Console& console
         isShard ? PrintShardRow(index, isNamed, ToJson(*surveyed)) : report.TextOf(*surveyed);
     const std::function<void()> print = [&, isNamed, row = *std::move(surveyed),
                                          text = std::move(text)] {
-      if (isNamed && row.outcome == Outcome::Refused && refusal == LabStatus::Done) {
-        refusal = row.status.value();
-      }
+      if (row.outcome == Outcome::Refused) refusal.Add(isNamed, row.status.value());
       report.Add(row, text);
     };
     return print;
@@ -151,9 +156,10 @@ VerbEnd SurveyVerb(int argumentCount, char* const arguments[]) {
   SurveyOptions options;
   if (const auto status = Parse(argumentCount, arguments, options)) return *status;
   if (!IsPayload(options.payload)) return LabStatus::UnreadableInput;
-  return PrintSurvey(options.output, [&](SurveyReport& report, Console& console, int& refusal) {
-    return AddRows(options, report, console, refusal);
-  });
+  return PrintSurvey(options.output,
+                     [&](SurveyReport& report, Console& console, FirstRefusal& refusal) {
+                       return AddRows(options, report, console, refusal);
+                     });
 }
 
 }  // namespace fernwick::lab

@@ -34,12 +34,13 @@ std::unique_ptr<SurveyFormat> MakeFormat(const SurveyOutput& output, Console& co
   return MakeTableFormat(console, isComparison, output.isWide);
 }
 
-// `refusal` is the status of the first named recording that was refused.
+// `refusal` is that of a FirstRefusal.
 int StatusOf(const SurveyOutput& output, const SurveyReport& report, int refusal) {
   if (!output.expectation && refusal != LabStatus::Done) return refusal;
   const auto happened = [&](ComputerClass each) { return report.Count(each) > 0; };
   const bool fails = std::ranges::any_of(output.failOn, happened);
-  return fails || (!output.updates && report.HasDifferences()) ? 1 : LabStatus::Done;
+  const bool differs = !output.updates && report.HasDifferences();
+  return fails || differs ? LabStatus::Negative : LabStatus::Done;
 }
 
 int Print(const SurveyOutput& output, SurveyExpectation* expectation,
@@ -47,7 +48,7 @@ int Print(const SurveyOutput& output, SurveyExpectation* expectation,
   ProcessConsole console;
   const auto format = MakeFormat(output, console);
   SurveyReport report(*format, expectation, output.updates);
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const int status = addRows(report, console, refusal);
   if (status != LabStatus::Done) return status;
   report.Finish();
@@ -60,7 +61,7 @@ int Print(const SurveyOutput& output, SurveyExpectation* expectation,
                               Counted(report.Computers(), "row", "rows"));
     if (lost != LabStatus::Done) return lost;
   }
-  return StatusOf(output, report, refusal);
+  return StatusOf(output, report, refusal.Status());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lab/survey/computer_class.h"
+#include "lab/survey/selected.h"
 #include "lab/survey/survey_report.h"
 #include "platform/console.h"
 
@@ -24,10 +25,10 @@ struct SurveyOutput {
 /// Reads the list. Returns what is wrong with the options together; empty when nothing is.
 std::string CheckSurveyOutput(SurveyOutput& output);
 
-/// Adds all rows to the report, in their order, and stores the status of the first named recording
-/// that was refused in `refusal`. Returns LabStatus::Done, or the status after a line on standard
-/// error, which ends the survey.
-using AddSurveyRows = std::function<int(SurveyReport& report, Console& console, int& refusal)>;
+/// Adds all rows to the report, in their order, and those of refused recordings to `refusal`.
+/// Returns LabStatus::Done, or the status after a line on standard error, which ends the survey.
+using AddSurveyRows =
+    std::function<int(SurveyReport& report, Console& console, FirstRefusal& refusal)>;
 
 /// Prints a survey of these rows with its totals, compared with what is expected. Returns the exit
 /// status.

@@ -1,6 +1,7 @@
 #include "lab/survey/text.h"
 
 #include "lab/support/messages.h"
+#include "lab/support/words.h"
 #include "registry/key_schema.h"
 
 namespace fernwick::lab {
@@ -56,10 +57,9 @@ std::string MissingImageText(const SurveyMatch& match) {
 }
 
 std::string MissText(const NearestMiss& miss) {
-  const bool isOnlyOne = TypeNamed(miss.type) == Types::LegacyUsbc;
   return PrintableText(miss.key + " " + miss.text + " (" + miss.type + ", ") +
-         (isOnlyOne ? "the personality" : "personality " + std::to_string(miss.personality)) +
-         " on " + PrintableText(miss.controller) + ")";
+         PersonalityName(TypeNamed(miss.type), miss.personality - 1) + " on " +
+         PrintableText(miss.controller) + ")";
 }
 
 std::vector<std::string> DescribeLines(const SurveyRow& row) {

@@ -47,7 +47,7 @@ Result<PropertyValue> Apply(const PersonalityChange& change, const std::string& 
         change, "the type has " + std::to_string(personalities ? personalities->size() : 0));
   }
   const auto personality = (*personalities)[change.number - 1].AsDictionary();
-  if (!personality) return NoSuchPersonality(change, "it is no dictionary");
+  if (!personality) return NoSuchPersonality(change, "it is not a dictionary");
   Record changed(*personality);
   changed.SetOrRemove(change.key, change.value ? &change.value->value : nullptr);
   Record changedTop(*topLevel);

@@ -65,7 +65,7 @@ TEST_F(ConfigurationToChange, LacksThePersonality) {
   const std::string head = "--personality: there is no personality ";
   EXPECT_EQ(LoadChanged({"USBC:4:Version=1"}), head + "4 of USBC: the type has 3");
   EXPECT_EQ(LoadChanged({"LegacyUSBC:2:Version=1"}), head + "2 of LegacyUSBC: the type has 1");
-  EXPECT_EQ(LoadChanged({"USBC:2:Version=1"}), head + "2 of USBC: it is no dictionary");
+  EXPECT_EQ(LoadChanged({"USBC:2:Version=1"}), head + "2 of USBC: it is not a dictionary");
   EXPECT_EQ(LoadChanged({"Thunderbolt:1:Version=1"}), head + "1 of Thunderbolt: the type has 0");
   EXPECT_EQ(LoadChanged({"LegacyThunderbolt:1:Version=1"}),
             head + "1 of LegacyThunderbolt: the configuration lacks the type");

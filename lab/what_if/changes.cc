@@ -62,7 +62,8 @@ Result<PropertyChange> ParseProperty(std::string_view text) {
   return change;
 }
 
-// 0 when it is no number from 1 on; of more digits than any configuration has personalities, too.
+// 0 when it is not a number from 1 on; of more digits than any configuration has personalities,
+// too.
 std::size_t ParseNumber(std::string_view text) {
   constexpr std::size_t MaxDigits = 9;
   const bool isNumber = text.find_first_not_of("0123456789") == std::string_view::npos;

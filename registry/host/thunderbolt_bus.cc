@@ -149,7 +149,7 @@ Value ModelId(const Reader& reader) {
   return NumberIn(ReadFile(reader.files, reader.bus, "device"));
 }
 
-// Of the PCI function of a host: the link "domain0" leads into the function's directory.
+// A number of the PCI function of a host: the link "domain0" leads into the function's directory.
 Value PciNumber(const Reader& reader, const char* file) {
   if (reader.bus.route != 0) return std::nullopt;
   const auto domain = BusDirectory + ("domain" + std::to_string(reader.bus.domain));

@@ -44,8 +44,7 @@ class PipedProcess {
   std::string unread_;
 };
 
-/// The peak resident memory of a living process, in KiB. Aborts when there
-/// is no such process.
+/// The peak resident memory of a living process, in KiB. Aborts when there is no such process.
 std::size_t PeakMemory(pid_t process);
 
 }  // namespace fernwick::testing

@@ -32,8 +32,7 @@ Record BuildMatchRecord(const Dictionary& personality, const Dictionary& hardwar
                         std::string_view type);
 
 /// The reference implementation of the matcher, see testing/reference/checks.h. `configuration` is
-/// as it was loaded, absent when it was not.
-/// Of `boardRevision` only the low 8 bits count.
+/// as it was loaded, absent when it was not. Of `boardRevision` only the low 8 bits count.
 Matching MatchPersonalities(const std::optional<PropertyValue>& configuration,
                             std::uint32_t boardRevision, const Controllers& controllers,
                             bool bypassVersionCheck);

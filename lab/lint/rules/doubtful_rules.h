@@ -33,8 +33,7 @@ inline constexpr LintRule RealUid = {
     Severity::Warning,
     "\"Ridge UID\" is a real number",
     "A unique id has 64 bits, of which a real keeps 53. Numbers are compared exactly, so an id "
-    "that "
-    "was rounded matches no controller.",
+    "that was rounded matches no controller.",
     "Write the id as an integer.",
     "<key>Ridge UID</key><real>1.2345678901234567e18</real>",
     "<key>Ridge UID</key><integer>1234567890123456789</integer>",
@@ -45,8 +44,7 @@ inline constexpr LintRule BooleanForNumber = {
     Severity::Warning,
     "a boolean is written where a number is meant",
     "A boolean counts as 1 or 0 in every comparison. Except for \"Firmware Mode\", which "
-    "controllers "
-    "report as a boolean, that is hardly meant.",
+    "controllers report as a boolean, that is hardly meant.",
     "Write the number.",
     "<key>RID</key><true/>",
     "<key>RID</key><integer>1</integer>",

@@ -35,9 +35,8 @@ inline constexpr LintRule NvramBypassSwitch = {
     "a personality sets a bypass switch",
     "\"fernwick_bypass_usbc_updates\" ends every later run without a plan, and "
     "\"fernwick_bypassversioncheck\" makes every later run flash older images as well. Both stay "
-    "set "
-    "until somebody clears them. Any value but the single character 0 sets them, as a variable of "
-    "their name or in \"boot-args\".",
+    "set until somebody clears them. Any value but the single character 0 sets them, as a variable "
+    "of their name or in \"boot-args\".",
     "Leave the switches to the person at the computer.",
     "<key>SetNVRAM</key><dict><key>fernwick_bypassversioncheck</key><string>1</string></dict>",
     "",

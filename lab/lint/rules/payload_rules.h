@@ -30,7 +30,7 @@ inline constexpr LintRule NoBoards = {
 inline constexpr LintRule ImpossibleBoardId = {
     "impossible-board-id",
     Severity::Error,
-    "the directory's name can be no board identifier",
+    "the directory's name cannot be a board identifier",
     "A board identifier is text in UTF-8. A computer whose identifier is anything else counts as "
     "having none, so no computer reads a directory of such a name.",
     "Rename the directory to the board identifier, exactly and in UTF-8.",
@@ -95,7 +95,7 @@ inline constexpr LintRule UnreadableFile = {
 inline constexpr LintRule MalformedPropertyList = {
     "malformed-property-list",
     Severity::Error,
-    "the configuration is no property list",
+    "the configuration is not a property list",
     "A configuration with a fault is refused whole: the board gets no plan. The finding is where "
     "reading stopped; the fault may begin a little before.",
     "Fix the fault. Do not edit XML by hand where a tool can write it.",

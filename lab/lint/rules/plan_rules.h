@@ -20,8 +20,7 @@ inline constexpr LintRule MissingImage = {
     "missing-image",
     Severity::Error,
     "the firmware image is not in the board directory",
-    "The plan names the image without checking that it is there; flashing fails at the next "
-    "boot.",
+    "The plan names the image without checking that it is there; flashing fails at the next boot.",
     "Put the image beside Config.plist, or correct its name, letter case included.",
     "<key>Firmware</key><string>Ports-200.bin</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",
@@ -54,8 +53,7 @@ inline constexpr LintRule ImageNotAPlainName = {
     Severity::Warning,
     "\"Firmware\" is a path, not a file name",
     "It is the name of a file in the board directory. A \"/\" at its start does not make it "
-    "absolute: "
-    "it is looked for in the board directory all the same.",
+    "absolute: it is looked for in the board directory all the same.",
     "Put the image directly into the board directory.",
     "<key>Firmware</key><string>/images/ports-200.bin</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",
@@ -97,7 +95,7 @@ inline constexpr LintRule ConfigurationAsImage = {
     "configuration-as-image",
     Severity::Error,
     "\"Firmware\" names Config.plist",
-    "The configuration is no firmware image; flashing fails at the next boot.",
+    "The configuration is not a firmware image; flashing fails at the next boot.",
     "Name the image's file.",
     "<key>Firmware</key><string>Config.plist</string>",
     "<key>Firmware</key><string>ports-200.bin</string>",
@@ -142,8 +140,7 @@ inline constexpr LintRule MissingUtility = {
     Severity::Error,
     "the flashing utility of a type is not in the payload",
     "The plan names RidgeFlash.efi for the Thunderbolt types and PortFlash.efi for the USB-C "
-    "types, "
-    "in Fernwick/, without checking that it is there; flashing fails at the next boot.",
+    "types, in Fernwick/, without checking that it is there; flashing fails at the next boot.",
     "Put the utility into Fernwick/.",
     "payload/Fernwick/Zed-42/PortFlash.efi",
     "payload/Fernwick/PortFlash.efi",
@@ -154,8 +151,7 @@ inline constexpr LintRule NoPriority = {
     Severity::Warning,
     "a personality has no \"Priority\"",
     "The plan has the smallest priority of all matches, and an absent one counts as 0: it "
-    "overrides "
-    "what all others say.",
+    "overrides what all others say.",
     "Add \"Priority\", 0 if that is meant.",
     "<key>Firmware</key><string>ports-200.bin</string>",
     "<key>Firmware</key><string>ports-200.bin</string>\n<key>Priority</key><integer>20</integer>",
@@ -166,8 +162,7 @@ inline constexpr LintRule AlteredPriority = {
     Severity::Warning,
     "\"Priority\" is read as another number than is written",
     "Of a priority the low 32 bits count, without a sign: -1 is 4294967295. A real is cut to a "
-    "whole "
-    "number, of text the decimal digits at its start count, and anything else is 0.",
+    "whole number, of text the decimal digits at its start count, and anything else is 0.",
     "Write a whole number from 0 to 2147483646.",
     "<key>Priority</key><string>high</string>",
     "<key>Priority</key><integer>20</integer>",
@@ -178,8 +173,7 @@ inline constexpr LintRule PriorityWithoutEffect = {
     Severity::Warning,
     "\"Priority\" is too high to have an effect",
     "The plan's priority begins at 2147483647 and only ever falls; a personality's at or above "
-    "that "
-    "never lowers it.",
+    "that never lowers it.",
     "Write a whole number from 0 to 2147483646.",
     "<key>Priority</key><integer>0x7FFFFFFF</integer>",
     "<key>Priority</key><integer>50</integer>",
@@ -190,10 +184,8 @@ inline constexpr LintRule AlteredFirmwareMode = {
     Severity::Warning,
     "\"Firmware Mode\" is read as another number than is written",
     "From a LegacyThunderbolt personality the plan reads how the image is flashed: with -ee where "
-    "it "
-    "is 0 or absent, with -fs where it is anything else. A list counts as 0. A real is cut to a "
-    "whole number, of text the decimal digits at its start count, of all the "
-    "low 32 bits.",
+    "it is 0 or absent, with -fs where it is anything else. A list counts as 0. A real is cut to a "
+    "whole number, of text the decimal digits at its start count, of all the low 32 bits.",
     "Write 0 or 1.",
     "<key>Firmware Mode</key><array><integer>1</integer></array>",
     "<key>Firmware Mode</key><integer>1</integer>",

@@ -24,7 +24,7 @@ TEST(LintRules, HaveIdsThatNeedNoQuoting) {
   }
 }
 
-// Of some the remedy is to write nothing.
+// The remedy of some is to write nothing.
 TEST(LintRules, SayWhyTheyMatterAndHowToFix) {
   for (const auto* rule : LintRules()) {
     EXPECT_FALSE(rule->title.empty() || rule->title.ends_with('.')) << rule->id;

@@ -10,8 +10,8 @@ inline constexpr LintRule NotADictionary = {
     "not-a-dictionary",
     Severity::Error,
     "the configuration is not a dictionary",
-    "The top of a configuration is a dictionary from types to personalities. Anything else "
-    "is refused and the board gets no plan.",
+    "The top of a configuration is a dictionary from types to personalities. Anything else is "
+    "refused and the board gets no plan.",
     "Put the personalities under the key of their type.",
     "<array>\n  <dict>...</dict>\n</array>",
     "<dict>\n  <key>USBC</key>\n  <array>\n    <dict>...</dict>\n  </array>\n</dict>",
@@ -21,8 +21,8 @@ inline constexpr LintRule DuplicateKey = {
     "duplicate-key",
     Severity::Error,
     "a key occurs twice in one dictionary",
-    "Only the last value counts; the earlier one is lost without a message. Other "
-    "readers of property lists may keep the first instead.",
+    "Only the last value counts; the earlier one is lost without a message. Other readers of "
+    "property lists may keep the first instead.",
     "Remove one of the two, or merge them.",
     "<key>RID</key><integer>0</integer>\n<key>RID</key><integer>1</integer>",
     "<key>RID</key><array><integer>0</integer><integer>1</integer></array>",
@@ -75,7 +75,7 @@ inline constexpr LintRule EmptyType = {
 inline constexpr LintRule PersonalityNotADictionary = {
     "personality-not-a-dictionary",
     Severity::Error,
-    "an element of a type's array is no personality",
+    "an element of a type's array is not a personality",
     "A personality is a dictionary. Anything else matches nothing.",
     "Remove the element, or make it a dictionary.",
     "<array>\n  <string>ports-200.bin</string>\n</array>",
@@ -88,8 +88,7 @@ inline constexpr LintRule MisspeltKey = {
     Severity::Error,
     "a key of a personality is almost one that is read",
     "Keys are compared exactly, letter case and blanks included. A requirement under a misspelt "
-    "key "
-    "constrains nothing, so the image may be offered to controllers that it was not made for.",
+    "key constrains nothing, so the image may be offered to controllers that it was not made for.",
     "Spell the key as the finding says.",
     "<key>Existing Max Versoin</key>",
     "<key>Existing Max Version</key>",
@@ -145,10 +144,10 @@ inline constexpr LintRule MissingKey = {
     Severity::Error,
     "a personality lacks a key without which it never matches",
     "Every type needs \"Version\" (only with the version check bypassed can a personality without "
-    "it "
-    "match). USBC and Thunderbolt need the three keys \"Port Silicon Vendor ID\", \"Port Silicon "
-    "Device ID\" and \"Port Silicon Revision\"; LegacyThunderbolt and Thunderbolt the three keys "
-    "\"Ridge Silicon Vendor ID\", \"Ridge Silicon Device ID\" and \"Ridge Silicon Revision\".",
+    "it match). USBC and Thunderbolt need the three keys \"Port Silicon Vendor ID\", \"Port "
+    "Silicon Device ID\" and \"Port Silicon Revision\"; LegacyThunderbolt and Thunderbolt the "
+    "three keys \"Ridge Silicon Vendor ID\", \"Ridge Silicon Device ID\" and \"Ridge Silicon "
+    "Revision\".",
     "Add the key.",
     "<key>LegacyUSBC</key>\n<dict>\n  <key>Firmware</key><string>ports-200.bin</string>\n</dict>",
     "<key>LegacyUSBC</key>\n<dict>\n  <key>Version</key><integer>200</integer>\n"

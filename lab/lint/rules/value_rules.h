@@ -11,8 +11,8 @@ inline constexpr LintRule WrongKind = {
     Severity::Error,
     "a value is of a kind with which nothing matches",
     "Numbers are compared with numbers (an integer, a real or a boolean) and text with text. A "
-    "number that is written as text equals no number. The old text form of property lists knows "
-    "no numbers at all: a configuration that needs them is written in XML or binary.",
+    "number that is written as text equals no number. The old text form of property lists knows no "
+    "numbers at all: a configuration that needs them is written in XML or binary.",
     "Write a number as <integer> or <real>, text as <string>.",
     "<key>Version</key><string>200</string>",
     "<key>Version</key><integer>200</integer>",
@@ -34,8 +34,7 @@ inline constexpr LintRule SinglePortUuid = {
     Severity::Error,
     "\"Port UUID\" is a single string",
     "Other keys accept a single value or a list of them. \"Port UUID\" accepts only a list: a "
-    "single "
-    "string matches no port, not even the one that has it.",
+    "single string matches no port, not even the one that has it.",
     "Put the string into an array.",
     "<key>Port UUID</key>\n<string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string>",
     "<key>Port UUID</key>\n<array><string>5F1C9A04-7C15-4E0C-9C2F-0A6E3D0B7A00</string></array>",
@@ -79,11 +78,8 @@ inline constexpr LintRule UnreachableNumber = {
     "no controller has this number under the key",
     "What is known of a controller are signed 32-bit integers: a silicon id of 0x80000001 is "
     "stored as -2147483647. \"Firmware Mode\" is 0 or 1. Ports below a Thunderbolt controller, the "
-    "only "
-    "ones "
-    "that a Thunderbolt personality can match, are listed only where their address is 0. NaN "
-    "equals "
-    "nothing.",
+    "only ones that a Thunderbolt personality can match, are listed only where their address is 0. "
+    "NaN equals nothing.",
     "Write the number as the controller has it; `fernwick -v` lists it.",
     "<key>Port Silicon Vendor ID</key><integer>0x80000001</integer>",
     "<key>Port Silicon Vendor ID</key><integer>-2147483647</integer>",
@@ -116,8 +112,8 @@ inline constexpr LintRule DoubtfulRid = {
     Severity::Warning,
     "no Thunderbolt controller has this RID, only a port may",
     "A Thunderbolt personality is checked against the RID of a port. One without an RID of its own "
-    "has that of the Thunderbolt controller above it, which is the low four bits of a unique id: "
-    "0 to 15. Another number matches nothing but ports that bring an RID of their own.",
+    "has that of the Thunderbolt controller above it, which is the low four bits of a unique id: 0 "
+    "to 15. Another number matches nothing but ports that bring an RID of their own.",
     "Write the low four bits of the controller's unique id.",
     "<key>RID</key><integer>0x11</integer>",
     "<key>RID</key><integer>1</integer>",

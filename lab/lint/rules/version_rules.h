@@ -11,8 +11,7 @@ inline constexpr LintRule VersionBoundsCrossed = {
     Severity::Error,
     "the minimum of the installed version is above its maximum",
     "\"Existing Min Version\" and \"Existing Max Version\" are both inclusive. Crossed, they leave "
-    "no "
-    "installed version that may be updated.",
+    "no installed version that may be updated.",
     "Exchange the two, or fix the one that is wrong.",
     "<key>Existing Min Version</key><integer>200</integer>\n"
     "<key>Existing Max Version</key><integer>150</integer>",
@@ -37,9 +36,8 @@ inline constexpr LintRule EmptyVersionWindow = {
     "empty-version-window",
     Severity::Error,
     "no installed version is in the window",
-    "Between the bounds and below \"Version\" is no version that a controller can have. A "
-    "Thunderbolt "
-    "controller's are hundredths up to .63 with 0.000000001 added (41.05 is stored as "
+    "No version that a controller can have is between the bounds and below \"Version\". A "
+    "Thunderbolt controller's are hundredths up to .63 with 0.000000001 added (41.05 is stored as "
     "41.050000001); a port's own are whole numbers from 0 on, and at an address other than 0 ports "
     "have only their own.",
     "Widen the window. Write a Thunderbolt maximum a little above the version that it is to "
@@ -116,8 +114,7 @@ inline constexpr LintRule VersionGap = {
     "installed version are steps of one upgrade. A controller whose version is in none of the "
     "windows, but between two of them, is never updated.",
     "Let the window begin where the one before it ends. A step ends below its \"Version\" or at "
-    "its "
-    "\"Existing Max Version\".",
+    "its \"Existing Max Version\".",
     "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 160 ...</dict>",
     "<dict>... \"Version\" 150 ...</dict>\n<dict>... \"Existing Min Version\" 150 ...</dict>",
 };
@@ -156,8 +153,7 @@ inline constexpr LintRule ShadowingNotExamined = {
     "that have the same value under the most selective key. Beyond that limit a personality may be "
     "shadowed without being reported.",
     "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
-    "into "
-    "fewer ones with lists.",
+    "into fewer ones with lists.",
     "300 personalities for the same silicon",
     "one personality with a list of the RIDs that it is for",
 };

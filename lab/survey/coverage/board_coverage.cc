@@ -50,7 +50,7 @@ void AddCounts(std::vector<std::size_t>& counts, const std::vector<std::size_t>&
   for (std::size_t i = 0; i < others.size(); ++i) counts[i] += others[i];
 }
 
-// Of how many items the count is not zero.
+// How many items have a count above zero.
 std::size_t Exercised(const std::vector<std::size_t>& counts) {
   const auto zeros = std::ranges::count(counts, std::size_t{0});
   return counts.size() - static_cast<std::size_t>(zeros);
@@ -69,9 +69,7 @@ class PairCounter {
 
   void Count() {
     for (std::size_t i = 0; i < trace_.matched.size(); ++i) {
-      const RequirementContext context = {trace_.inventory.records[i],
-                                          result_.identity->boardRevision,
-                                          result_.bypassesVersionCheck};
+      const auto context = ContextOf(result_, trace_, i);
       for (std::size_t j = 0; j < candidates_.size(); ++j) {
         const auto outcome = trace_.OutcomeOf(i, j);
         if (outcome == PairOutcome::Matched) CountPair(context, j, requirements_.size());

@@ -23,18 +23,22 @@ constexpr char Description[] =
     "others first, and what no recording exercises.";
 
 constexpr char CoverageFooter[] =
-    "\nOnly what the tool tests counts: a controller that matched a personality is not tested "
-    "against\nlater ones, and a value that equals an element of a list is not compared with later "
-    "ones. An\nelement is rejected by the key of its list where a controller has another value. "
-    "The "
-    "lists are those\nof the keys of which a controller needs one value. A run that is bypassed or "
-    "ends abnormally is\nnot counted.\n\n"
-    "The percentage is that of the personalities and elements of all boards, also of those without "
-    "a\nrecording, that some controller matched. --bypassVersion matches more.\n\n"
-    "Status, after everything: 65 or 66 when a RECORDING that is named on the command line, or a\n"
-    "configuration, is malformed or cannot be read; 1 when less is matched than --threshold asks "
-    "for;\notherwise 0.\n\n"
-    "Example:\n  fernwick-lab coverage -p payload computers/\n";
+    "\n"
+    "Only what the tool tests counts: a controller that matched a personality is not tested\n"
+    "against later ones, and a value that equals an element of a list is not compared with\n"
+    "later ones. An element is rejected by the key of its list where a controller has another\n"
+    "value. The lists are those of the keys of which a controller needs one value. A run that\n"
+    "is bypassed or ends abnormally is not counted.\n"
+    "\n"
+    "The percentage is that of the personalities and elements of all boards, also of those\n"
+    "without a recording, that some controller matched. --bypassVersion matches more.\n"
+    "\n"
+    "Status, after everything: 65 or 66 when a RECORDING that is named on the command line, or\n"
+    "a configuration, is malformed or cannot be read; 1 when less is matched than --threshold\n"
+    "asks for; otherwise 0.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab coverage -p payload computers/\n";
 
 struct CoverageOptions {
   std::string payload;

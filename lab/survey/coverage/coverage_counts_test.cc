@@ -13,7 +13,8 @@ namespace {
 using testing::Dict;
 using testing::List;
 
-// Of one personality with a list of two elements, and of a key that names no type.
+// The coverage of a personality with a list of two elements, and of a key that names no type,
+// without a run.
 BoardCoverage Nothing() {
   return BoardCoverage(
       Dict({{"LegacyUSBC", Dict({{"Port Address", List({1, 2})}})}, {"Notes", List({})}}));

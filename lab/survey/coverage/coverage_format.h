@@ -33,7 +33,7 @@ struct CoverageTotals {
   RecordingCounts recordings = {};
 };
 
-/// Of the tests of a personality or of an element, those that a requirement rejected first.
+/// How many tests of a personality, or of an element, a requirement was the first to reject.
 struct Rejection {
   const Requirement* requirement;
   std::size_t count;

@@ -54,7 +54,7 @@ class ConfigurationJson {
     stream_.End();
   }
 
-  // One that is no dictionary has no values and no counts.
+  // One that is not a dictionary has no values and no counts.
   void PrintCandidate(const PropertyValue& candidate, const ValueLocation& location,
                       const TypeCoverage& coverage, std::size_t index) {
     const auto dictionary = candidate.AsDictionary();

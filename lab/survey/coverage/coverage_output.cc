@@ -9,16 +9,17 @@
 #include "lab/support/tool_run.h"
 #include "lab/survey/coverage/coverage_format.h"
 #include "lab/survey/coverage/payload_boards.h"
+#include "lab/survey/selected.h"
 
 namespace fernwick::lab {
 namespace {
 
-AddCovered AddTo(CoverageTotals& totals, int& refusal) {
+AddCovered AddTo(CoverageTotals& totals, FirstRefusal& refusal) {
   return [&](const CoveredRecording& recording, bool isNamed) {
     ++totals.recordings[static_cast<std::size_t>(recording.use)];
     if (recording.use != RecordingUse::Refused) return;
     PrintError(recording.refusal.error.message);
-    if (isNamed && refusal == LabStatus::Done) refusal = recording.refusal.status;
+    refusal.Add(isNamed, recording.refusal.status);
   };
 }
 
@@ -46,16 +47,17 @@ int PrintCoverage(const Options& options, const CoverageOutput& output,
   CoveredPayload payload(options, *boards);
   ProcessConsole console;
   CoverageTotals totals;
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const int failure = addAll(AddTo(totals, refusal), payload, console);
   if (failure != LabStatus::Done) return failure;
   const int status =
       output.isShard ? LabStatus::Done : PrintBoards(payload, output, totals, console);
   if (status == LabStatus::OutOfMemory) return status;
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
-  if (refusal != LabStatus::Done) return refusal;
+  if (refusal.Status() != LabStatus::Done) return refusal.Status();
   if (status != LabStatus::Done) return status;
-  return totals.counts.PerMille() < output.threshold.value_or(0) ? 1 : LabStatus::Done;
+  const bool isMet = totals.counts.PerMille() >= output.threshold.value_or(0);
+  return isMet ? LabStatus::Done : LabStatus::Negative;
 }
 
 }  // namespace fernwick::lab

@@ -4,18 +4,18 @@
 
 #include "lab/survey/coverage/coverage_counts.h"
 #include "lab/survey/coverage/payload_boards.h"
+#include "lab/survey/selected.h"
 #include "personality/configuration.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
 namespace {
 
-// A lack of memory or descriptors says nothing about the recording.
-Result<CoveredRecording, LabError> RefusedRecording(const std::string& path, LabError error) {
-  error.error.message = path + ": " + Describe(error.error);
-  error.error.location.reset();
-  if (error.status == LabStatus::OutOfMemory) return error;
-  return CoveredRecording{RecordingUse::Refused, std::move(error)};
+Result<CoveredRecording, LabError> RefusedRecording(const std::string& path,
+                                                    const LabError& error) {
+  LabError refusal = {{path + ": " + Describe(error.error)}, error.status};
+  return RefusedUnlessLacking(path, error,
+                              CoveredRecording{RecordingUse::Refused, std::move(refusal)});
 }
 
 // A board that has no configuration, or one that cannot be used, with the status for that.
@@ -33,7 +33,7 @@ LoadedBoard LoadBoard(const std::string& path) {
     return {.problem = "Config.plist: " + Describe(file.Error().error),
             .status = file.Error().status};
   }
-  if (!file->Value().AsDictionary()) return {.problem = "its configuration is no dictionary"};
+  if (!file->Value().AsDictionary()) return {.problem = "its configuration is not a dictionary"};
   return {.file = *std::move(file)};
 }
 
@@ -80,7 +80,7 @@ Result<CoveredRecording, LabError> CoveredPayload::Cover(Selected selected) {
 }
 
 Result<RecordingUse, LabError> CoveredPayload::Count(const ToolRun& run) {
-  if (auto failure = ConfigurationFailure(run, options_)) return *std::move(failure);
+  if (auto failure = UnreadableConfiguration(run, options_)) return *std::move(failure);
   return UseOf(run);
 }
 

@@ -11,6 +11,7 @@
 #include "lab/survey/diff/diff_computer.h"
 #include "lab/survey/diff/diff_format.h"
 #include "lab/survey/diff/file_changes.h"
+#include "lab/survey/selected.h"
 #include "lab/verbs.h"
 
 namespace fernwick::lab {
@@ -22,12 +23,16 @@ constexpr char Description[] =
     "NVRAM change, and which planned image files have other bytes or are missing.";
 
 constexpr char Footer[] =
-    "\nPersonalities of both payloads are compared by what they accept (silicon, RID, address, "
-    "UUID,\nmodel), whatever their order and images.\n\n"
-    "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line is\n"
-    "refused or cannot be read, 0 no computer changes, 1 some do. A run that ends abnormally with\n"
-    "both payloads is reported and is no change.\n\n"
-    "Example:\n  fernwick-lab diff -p payload-1 -p payload-2 computers/\n";
+    "\n"
+    "Personalities of both payloads are compared by what they accept (silicon, RID, address,\n"
+    "UUID, model), whatever their order and images.\n"
+    "\n"
+    "Status, after all computers: 65 or 66 when a RECORDING that is named on the command line\n"
+    "is refused or cannot be read, 0 no computer changes, 1 some do. A run that ends abnormally\n"
+    "with both payloads is reported and is no change.\n"
+    "\n"
+    "Example:\n"
+    "  fernwick-lab diff -p payload-1 -p payload-2 computers/\n";
 
 struct DiffOptions {
   std::vector<std::string> payloads;
@@ -81,13 +86,13 @@ int RunDiff(const DiffOptions& options) {
   const auto format = MakeFormat(options, console);
   DiffTotals totals;
   PayloadFiles files;
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const auto work = [&](Selected selected) -> BatchResult {
     const bool isNamed = selected.isNamed;
     auto result = DiffComputer(std::move(selected), payloads, files);
     if (!result) return result.Error();
     const std::function<void()> print = [&, isNamed, compared = *std::move(result)] {
-      if (isNamed && refusal == LabStatus::Done) refusal = compared.refusal;
+      refusal.Add(isNamed, compared.refusal);
       totals.Add(compared.row);
       format->Add(compared.row);
     };
@@ -98,8 +103,8 @@ int RunDiff(const DiffOptions& options) {
   format->Finish(totals);
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!format->ShowsTotals()) console.WriteError(Describe(totals));
-  if (refusal != LabStatus::Done) return refusal;
-  return totals.changed == 0 ? LabStatus::Done : 1;
+  if (refusal.Status() != LabStatus::Done) return refusal.Status();
+  return totals.changed == 0 ? LabStatus::Done : LabStatus::Negative;
 }
 
 }  // namespace

@@ -32,12 +32,12 @@ Result<ComparedComputer, LabError> Refused(const std::string& path, const LabErr
 
 // Both payloads say the same of the computer, for a reason that is no decision.
 void NoteFaults(const ToolRun& before, const ToolRun& after, DiffRow& row) {
-  const auto faultBefore = ConfigurationFault(before);
-  const auto faultAfter = ConfigurationFault(after);
-  if (!faultBefore || !faultAfter) return;
+  const auto errorBefore = MalformedConfiguration(before);
+  const auto errorAfter = MalformedConfiguration(after);
+  if (!errorBefore || !errorAfter) return;
   row.notes.push_back({.kind = ChangeKind::MalformedInBoth,
-                       .before = Describe(*faultBefore),
-                       .after = Describe(*faultAfter)});
+                       .before = Describe(*errorBefore),
+                       .after = Describe(*errorAfter)});
 }
 
 }  // namespace
@@ -56,8 +56,8 @@ Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payload
 Result<DiffRow, LabError> DiffRuns(const std::string& path, const Recording& recording,
                                    const ToolRun& before, const ToolRun& after,
                                    const Payloads& payloads, PayloadFiles& files) {
-  if (auto failure = ConfigurationFailure(before, payloads.before)) return *std::move(failure);
-  if (auto failure = ConfigurationFailure(after, payloads.after)) return *std::move(failure);
+  if (auto failure = UnreadableConfiguration(before, payloads.before)) return *std::move(failure);
+  if (auto failure = UnreadableConfiguration(after, payloads.after)) return *std::move(failure);
   RecordedRegistry registry(recording);
   const auto board = ReadBoardIdentity(registry);
   DiffRow row{.file = path, .board = board.boardIdString, .revision = board.boardRevision};

@@ -21,7 +21,7 @@ struct Payloads {
 /// A computer between two payloads.
 struct ComparedComputer {
   DiffRow row;
-  int refusal = LabStatus::Done;  // why it was refused
+  int refusal = LabStatus::Done;  // the status for its refusal
 };
 
 /// Runs the tool over the computer with both payloads and compares the runs. What the selection

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
 #include "lab/support/plan_summary.h"
+#include "lab/support/stdio_file.h"
 #include "lab/survey/diff/matches_by_controller.h"
 #include "plan/invocation_builder.h"
 #include "platform/file_system.h"
@@ -34,16 +34,11 @@ Result<std::optional<std::uint64_t>, LabError> SizeOf(const std::string& path) {
   return std::optional(static_cast<std::uint64_t>(status.st_size));
 }
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
 // Whether two files have the same bytes, read piece by piece.
 Result<bool, LabError> HaveSameBytes(const std::string& a, const std::string& b) {
-  const File left(std::fopen(a.c_str(), "rbe"));
+  const StdioFile left(std::fopen(a.c_str(), "rbe"));
   if (left == nullptr) return PathFailure(a, errno);
-  const File right(std::fopen(b.c_str(), "rbe"));
+  const StdioFile right(std::fopen(b.c_str(), "rbe"));
   if (right == nullptr) return PathFailure(b, errno);
   std::string pieceOfLeft(1 << 16, '\0');
   std::string pieceOfRight(1 << 16, '\0');

@@ -29,11 +29,9 @@ std::vector<std::string> FailureTexts(const MatchedPair& pair, const ToolRun& ru
                                       std::size_t index) {
   const auto type = pair.key->key;
   const auto personalities = PersonalitiesIn(run, type);
-  const auto name = PersonalityName(personalities, index) + ": ";
+  const auto name = PersonalityWithImage(personalities, index) + ": ";
   const auto key = std::ranges::find(run.trace.keys, type, &KeyTrace::key);
-  const RequirementContext context = {key->inventory.records[pair.controller],
-                                      run.result.identity->boardRevision,
-                                      run.result.bypassesVersionCheck};
+  const auto context = ContextOf(run.result, *key, pair.controller);
   std::vector<std::string> texts;
   const auto personality = personalities[index].AsDictionary();
   for (const auto& failed : FailedRequirements(TypeNamed(type), *personality, context)) {

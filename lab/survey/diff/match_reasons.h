@@ -18,7 +18,7 @@ class MatchReasons {
  public:
   MatchReasons(const ToolRun& before, const ToolRun& after) : before_(before), after_(after) {}
 
-  /// Of a match of the new run: why its personality's counterpart in the old payload does not
+  /// Why the old payload's counterpart of the personality of a match of the new run does not
   /// match.
   std::vector<std::string> WithoutInOld(const MatchedPair& pair);
 

@@ -80,7 +80,7 @@ class Comparison {
     AddIfDifferent(kind, ToJson(valueBefore), ToJson(value), NameOf(after));
   }
 
-  // Of the matches that both have.
+  // Compares the order of the matches that both have.
   void CompareOrder() {
     AddIfDifferent(ChangeKind::Order, CommonNames(matchesBefore_, matchesAfter_),
                    CommonNames(matchesAfter_, matchesBefore_));

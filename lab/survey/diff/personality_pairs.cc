@@ -67,7 +67,7 @@ std::optional<Texts> AcceptedValues(Dictionary personality, std::string_view key
 }
 
 // What the passes compare of a personality.
-struct Traits {
+struct PersonalityTraits {
   std::size_t index;                           // in its array
   std::vector<std::optional<Texts>> accepted;  // by the keys of the purpose
   std::string purpose;                         // all that is accepted, as one text
@@ -84,8 +84,9 @@ std::string ValueText(Dictionary personality, std::string_view key) {
   return value == nullptr ? "" : CanonicalText(*value);
 }
 
-Traits TraitsOf(std::size_t index, Dictionary personality, const std::vector<const Key*>& keys) {
-  Traits traits{index, {}, {}, {}, {}};
+PersonalityTraits TraitsOf(std::size_t index, Dictionary personality,
+                           const std::vector<const Key*>& keys) {
+  PersonalityTraits traits{index, {}, {}, {}, {}};
   for (const auto* key : keys) {
     const auto& accepted = traits.accepted.emplace_back(AcceptedValues(personality, key->name));
     traits.purpose += accepted ? "[" : "-";
@@ -99,8 +100,8 @@ Traits TraitsOf(std::size_t index, Dictionary personality, const std::vector<con
   return traits;
 }
 
-std::vector<Traits> TraitsOf(Array personalities, const std::vector<const Key*>& keys) {
-  std::vector<Traits> all;
+std::vector<PersonalityTraits> TraitsOf(Array personalities, const std::vector<const Key*>& keys) {
+  std::vector<PersonalityTraits> all;
   for (std::size_t i = 0; i < personalities.size(); ++i) {
     if (const auto personality = personalities[i].AsDictionary()) {
       all.push_back(TraitsOf(i, *personality, keys));
@@ -110,7 +111,7 @@ std::vector<Traits> TraitsOf(Array personalities, const std::vector<const Key*>&
 }
 
 // How alike two personalities are; nullopt when no controller matches both.
-std::optional<int> Similarity(const Traits& before, const Traits& after,
+std::optional<int> Similarity(const PersonalityTraits& before, const PersonalityTraits& after,
                               const std::vector<const Key*>& keys) {
   int similarity = before.image == after.image ? 1 : 0;
   for (std::size_t i = 0; i < keys.size(); ++i) {
@@ -137,12 +138,12 @@ class Join {
         pairs_(before.size()) {}
 
   PersonalityPairs Pairs() && {
-    ByKey([](const Traits& t) { return t.purpose + t.bounds + t.image; });
-    ByKey([](const Traits& t) { return t.purpose + t.image; });
-    ByKey([](const Traits& t) { return t.purpose + t.bounds; });
-    ByKey([](const Traits& t) { return t.purpose; });
+    ByKey([](const PersonalityTraits& t) { return t.purpose + t.bounds + t.image; });
+    ByKey([](const PersonalityTraits& t) { return t.purpose + t.image; });
+    ByKey([](const PersonalityTraits& t) { return t.purpose + t.bounds; });
+    ByKey([](const PersonalityTraits& t) { return t.purpose; });
     BySimilarity();
-    ByKey([](const Traits& t) { return t.image; });
+    ByKey([](const PersonalityTraits& t) { return t.image; });
     return std::move(pairs_);
   }
 
@@ -155,7 +156,7 @@ class Join {
       if (auto text = key(after_[i]); !text.empty()) unpaired[std::move(text)].push_back(i);
     }
     std::vector<bool> isPaired(after_.size());
-    std::erase_if(before_, [&](const Traits& traits) {
+    std::erase_if(before_, [&](const PersonalityTraits& traits) {
       const auto found = unpaired.find(key(traits));
       if (found == unpaired.end() || found->second.empty()) return false;
       isPaired[found->second.back()] = true;
@@ -189,18 +190,18 @@ class Join {
       isBeforePaired[i] = isPaired[j] = true;
       pairs_[before_[i].index] = after_[j].index;
     }
-    std::erase_if(before_, [&](const Traits& t) { return pairs_[t.index].has_value(); });
+    std::erase_if(before_, [&](const PersonalityTraits& t) { return pairs_[t.index].has_value(); });
     RemovePaired(isPaired);
   }
 
   void RemovePaired(const std::vector<bool>& isPaired) {
     std::size_t i = 0;
-    std::erase_if(after_, [&](const Traits&) { return isPaired[i++]; });
+    std::erase_if(after_, [&](const PersonalityTraits&) { return isPaired[i++]; });
   }
 
   std::vector<const Key*> keys_;
-  std::vector<Traits> before_;  // those without a counterpart, in the order of the array
-  std::vector<Traits> after_;
+  std::vector<PersonalityTraits> before_;  // those without a counterpart, in the order of the array
+  std::vector<PersonalityTraits> after_;
   PersonalityPairs pairs_;
 };
 
@@ -210,7 +211,7 @@ PersonalityPairs PairPersonalities(TypeSet type, Array before, Array after) {
   return Join(type, before, after).Pairs();
 }
 
-std::string PersonalityName(Array personalities, std::size_t index) {
+std::string PersonalityWithImage(Array personalities, std::size_t index) {
   auto name = "personality " + std::to_string(index + 1);
   const auto personality = personalities[index].AsDictionary();
   const auto* image = personality ? personality->Find("Firmware") : nullptr;

@@ -18,6 +18,6 @@ using PersonalityPairs = std::vector<std::optional<std::size_t>>;
 PersonalityPairs PairPersonalities(TypeSet type, Array before, Array after);
 
 /// The personality as people find it in the file: "personality 2 (left-210.bin)", from 1.
-std::string PersonalityName(Array personalities, std::size_t index);
+std::string PersonalityWithImage(Array personalities, std::size_t index);
 
 }  // namespace fernwick::lab

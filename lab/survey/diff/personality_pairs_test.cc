@@ -63,7 +63,7 @@ TEST(PersonalityPairs, OfOnePurposePreferTheSameBoundsThenTheOrder) {
   EXPECT_EQ(PairsOf(List({At(1, "a"), At(1, "b")}), List({At(1, "b"), At(1, "a")})), "1-2 2-1");
 }
 
-// Of compatible purposes the most similar.
+// Among compatible purposes the counterpart is the most similar one.
 TEST(PersonalityPairs, OfChangedListsGoByWhatIsCommon) {
   const auto revisions = [](Array list, const char* image) {
     return Dict(With(Port, {{"Port Silicon Revision", list}, {"Firmware", image}}));
@@ -104,11 +104,11 @@ TEST(PersonalityPairs, OfManyPersonalitiesAreFound) {
   for (std::size_t i = 0; i < pairs.size(); ++i) EXPECT_EQ(pairs[i], pairs.size() - 1 - i);
 }
 
-TEST(PersonalityName, HasTheNumberAndTheImage) {
+TEST(PersonalityWithImage, HasTheNumberAndTheImage) {
   const auto personalities = List({At(1, "a.bin"), Dict({{"Firmware", 7}}), 1});
-  EXPECT_EQ(PersonalityName(personalities, 0), "personality 1 (a.bin)");
-  EXPECT_EQ(PersonalityName(personalities, 1), "personality 2");
-  EXPECT_EQ(PersonalityName(personalities, 2), "personality 3");
+  EXPECT_EQ(PersonalityWithImage(personalities, 0), "personality 1 (a.bin)");
+  EXPECT_EQ(PersonalityWithImage(personalities, 1), "personality 2");
+  EXPECT_EQ(PersonalityWithImage(personalities, 2), "personality 3");
 }
 
 }  // namespace

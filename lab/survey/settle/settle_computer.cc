@@ -71,9 +71,9 @@ class RowWriter {
 
   std::string NoPlanReason() const {
     const auto& result = settling_.last.result;
-    if (const auto fault = ConfigurationFault(settling_.last)) return Describe(*fault);
+    if (const auto error = MalformedConfiguration(settling_.last)) return Describe(*error);
     if (!result.configuration) return "there is no configuration for the board";
-    if (result.matches.empty()) return "the top of the configuration is no dictionary";
+    if (result.matches.empty()) return "the top of the configuration is not a dictionary";
     return "a match names no image";
   }
 
@@ -165,7 +165,7 @@ Result<SettleRow, LabError> SettleRecording(const std::string& path, Recording r
   const auto load = work.configurations.Loader(applied);
   const auto settling = Settle(computer, {work.options, load, work.listsSteps});
   if (settling.end == SettleEnd::Failure) {
-    return *ConfigurationFailure(settling.last, work.options);
+    return *UnreadableConfiguration(settling.last, work.options);
   }
   SettleRow row{.file = path,
                 .board = board.boardIdString,

@@ -480,7 +480,7 @@ TEST_F(SettledComputer, HasNoPlanForSeveralReasons) {
   WritePort({{"Version", 0x171}}, {{"Version", 180}, {"Firmware", 1}});
   EXPECT_EQ(Text(), "c: no plan after 0 runs: a match names no image\n");
   WritePayload(List({}));
-  EXPECT_EQ(Text(), "c: no plan after 0 runs: the top of the configuration is no dictionary\n");
+  EXPECT_EQ(Text(), "c: no plan after 0 runs: the top of the configuration is not a dictionary\n");
   directory_.Write("payload/Fernwick/Zed-1/Config.plist", "<dict>");
   EXPECT_TRUE(Text().starts_with("c: no plan after 0 runs: line 1, column 7: "));
   std::filesystem::remove(path_);

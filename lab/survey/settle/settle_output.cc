@@ -10,6 +10,7 @@
 #include "lab/support/json_reading.h"
 #include "lab/support/messages.h"
 #include "lab/support/words.h"
+#include "lab/survey/selected.h"
 
 namespace fernwick::lab {
 namespace {
@@ -26,7 +27,7 @@ int StatusOf(const SettleOutput& output, const SettleTotals& totals, int refusal
   if (refusal != LabStatus::Done) return refusal;
   const auto happened = [&](SettleOutcome outcome) { return totals.Count(outcome) > 0; };
   const bool fails = totals.endedByPlans > 0 || std::ranges::any_of(output.failOn, happened);
-  return fails ? 1 : LabStatus::Done;
+  return fails ? LabStatus::Negative : LabStatus::Done;
 }
 
 // What the text begins with.
@@ -76,10 +77,11 @@ int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {
   SettleTotals totals;
   std::set<std::string> unapplied(output.changes.begin(), output.changes.end());
   auto head = isText ? Describe(output.changes) : "";
-  int refusal = LabStatus::Done;
+  FirstRefusal refusal;
   const auto add = [&](const SettledComputer& computer) {
-    const bool isRefused = computer.isNamed && computer.outcome == SettleOutcome::Refused;
-    if (isRefused && refusal == LabStatus::Done) refusal = computer.status.value();
+    if (computer.outcome == SettleOutcome::Refused) {
+      refusal.Add(computer.isNamed, computer.status.value());
+    }
     totals.Add(computer.outcome, computer.runs);
     for (const auto& change : computer.changes) unapplied.erase(change);
     console.Write(std::exchange(head, "") + computer.text);
@@ -89,8 +91,8 @@ int PrintSettled(const SettleOutput& output, const AddAllSettled& addAll) {
   if (isText) console.Write(Describe(totals));
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (!isText) console.WriteError(Describe(totals));
-  const bool isComplete = refusal == LabStatus::Done && !output.isShard;
-  if (!isComplete || unapplied.empty()) return StatusOf(output, totals, refusal);
+  const bool isComplete = refusal.Status() == LabStatus::Done && !output.isShard;
+  if (!isComplete || unapplied.empty()) return StatusOf(output, totals, refusal.Status());
   PrintError(*unapplied.begin() + ": it applies to no computer");
   return LabStatus::UnreadableInput;
 }

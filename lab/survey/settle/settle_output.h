@@ -33,10 +33,10 @@ struct SettledComputer {
   std::string text = {};                  // to print
 };
 
-/// Of a row of "settle", without the text; `isNamed` as in Selected.
+/// What the output has of a row of "settle", without the text; `isNamed` as in Selected.
 SettledComputer SettledOf(const SettleRow& row, bool isNamed);
 
-/// The same of a row in JSON; empty when it is none.
+/// The same of a row in JSON; empty when it is not a row.
 std::optional<SettledComputer> SettledOf(const Json& row, bool isNamed);
 
 /// Prints a computer and counts it.

@@ -20,16 +20,21 @@ std::string StateText(std::size_t runs) {
   return runs == 0 ? "the recorded state" : "the state after " + RunsText(runs);
 }
 
-std::string PersonalityText(const NamedFlash& flash) {
-  return flash.type + " personality " + std::to_string(flash.personality);
+// "USBC personality 2", from 1.
+std::string NumberedPersonality(const std::string& type, std::size_t number) {
+  return type + " personality " + std::to_string(number);
+}
+
+std::string NumberedPersonality(const NamedFlash& flash) {
+  return NumberedPersonality(flash.type, flash.personality);
 }
 
 std::string SetText(const NamedFlash& flash) {
-  return PersonalityText(flash) + " sets " + VersionText(flash.after);
+  return NumberedPersonality(flash) + " sets " + VersionText(flash.after);
 }
 
 std::string OfferText(const NamedFlash& flash) {
-  return PersonalityText(flash) + " offers " + VersionText(flash.offered);
+  return NumberedPersonality(flash) + " offers " + VersionText(flash.offered);
 }
 
 // "23 -> 41.05", "60 -> 44, older".
@@ -37,7 +42,7 @@ std::string ChangeText(const Json& before, const Json& after, bool isOlder) {
   return VersionText(before) + " -> " + VersionText(after) + (isOlder ? ", older\n" : "\n");
 }
 
-std::string SwitchText(const SwitchChange& change) {
+std::string SwitchChangeText(const SwitchChange& change) {
   std::string names;
   for (const auto& name : change.variables) names += (names.empty() ? "" : " and ") + name;
   return "the plan of run " + std::to_string(change.run) + " set " + names;
@@ -56,7 +61,7 @@ std::string HeadText(const SettleRow& row) {
   }
   auto text = std::string(NameOf(row.outcome)) + runs;
   if (!row.reason.empty()) text += ": " + PrintableText(row.reason);
-  if (row.endedBy) text += ": " + SwitchText(*row.endedBy);
+  if (row.endedBy) text += ": " + SwitchChangeText(*row.endedBy);
   return text;
 }
 
@@ -69,7 +74,7 @@ std::string VariableText(const NvramChange& change) {
 std::string StepText(const NamedStep& step, std::size_t number) {
   auto text = "  run " + std::to_string(number) + "\n";
   for (const auto& flash : step.flashes) {
-    text += "    " + PersonalityText(flash) + " for " + PrintableText(flash.controller) + ": ";
+    text += "    " + NumberedPersonality(flash) + " for " + PrintableText(flash.controller) + ": ";
     const bool isAnother = flash.changed != flash.controller;
     if (isAnother) text += "version of " + PrintableText(flash.changed) + " ";
     text += ChangeText(flash.before, flash.after, flash.isOlder);
@@ -94,13 +99,14 @@ std::string DescribeCause(const NamedRepetition& repetition) {
     return OfferText(flash) +
            ", which is compared with the version of the Thunderbolt controller above the port";
   }
-  return PersonalityText(flash) +
+  return NumberedPersonality(flash) +
          " matches whatever is installed, since the version check is bypassed";
 }
 
 std::string DescribeOffer(const NamedStuck& stuck) {
-  return "stays at " + VersionText(stuck.installed) + ": " + stuck.type + " personality " +
-         std::to_string(stuck.personality) + " offers " + VersionText(stuck.offered);
+  return "stays at " + VersionText(stuck.installed) + ": " +
+         NumberedPersonality(stuck.type, stuck.personality) + " offers " +
+         VersionText(stuck.offered);
 }
 
 std::string DescribeRow(const SettleRow& row) {
@@ -116,7 +122,7 @@ std::string DescribeRow(const SettleRow& row) {
   for (const auto& repetition : row.repetitions) {
     text += "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition);
     const bool isUnchecked = repetition.cause == RepetitionCause::VersionUnchecked;
-    if (isUnchecked && row.uncheckedBy) text += ": " + SwitchText(*row.uncheckedBy);
+    if (isUnchecked && row.uncheckedBy) text += ": " + SwitchChangeText(*row.uncheckedBy);
     text += "\n";
   }
   for (const auto& stuck : row.stuck) {

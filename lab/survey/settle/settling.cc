@@ -191,7 +191,7 @@ class PlanExecution {
 SettleEnd EndOfRun(const ToolRun& run, const Options& options) {
   if (run.result.fault) return SettleEnd::AbnormalEnd;
   if (run.result.bypassesUpdates) return SettleEnd::Bypassed;
-  if (ConfigurationFailure(run, options)) return SettleEnd::Failure;
+  if (UnreadableConfiguration(run, options)) return SettleEnd::Failure;
   const auto& configuration = run.result.configuration;
   const bool isUsable = configuration && configuration->value.AsDictionary();
   return isUsable && run.result.matches.empty() ? SettleEnd::NothingMatches : SettleEnd::NoPlan;

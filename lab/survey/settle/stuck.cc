@@ -23,9 +23,8 @@ struct StuckCandidates {
 
   TypeSet Type() const { return TypeNamed(key.key); }
 
-  RequirementContext ContextOf(std::size_t record) const {
-    return {key.inventory.records[record], run.result.identity->boardRevision,
-            run.result.bypassesVersionCheck};
+  RequirementContext ContextFor(std::size_t record) const {
+    return ContextOf(run.result, key, record);
   }
 
   // The version of the controller that would get the image. Of a port that reports none itself it
@@ -92,7 +91,7 @@ std::vector<std::size_t> NewestPersonalities(const StuckCandidates& candidates,
   const auto installed = candidates.InstalledIn(record);
   std::vector<std::size_t> newest;
   const PropertyValue* version = nullptr;  // of them
-  for (const auto i : PersonalitiesFor(candidates, candidates.ContextOf(record))) {
+  for (const auto i : PersonalitiesFor(candidates, candidates.ContextFor(record))) {
     const auto* offered = NewerVersion(*candidates.personalities[i].AsDictionary(), installed);
     if (offered == nullptr || (version != nullptr && NumberLess(*offered, *version))) continue;
     if (version != nullptr && NumberGreater(*offered, *version)) newest.clear();
@@ -106,7 +105,7 @@ std::vector<std::size_t> NewestPersonalities(const StuckCandidates& candidates,
 StuckController StuckBelow(const StuckCandidates& candidates, std::size_t record,
                            std::size_t index) {
   const auto personality = *candidates.personalities[index].AsDictionary();
-  const auto context = candidates.ContextOf(record);
+  const auto context = candidates.ContextFor(record);
   StuckController stuck = {.controller = candidates.key.inventory.sources[record].Controller(),
                            .type = candidates.key.key,
                            .personality = index,

@@ -24,19 +24,18 @@ constexpr char Description[] =
     "what one run over all computers prints.";
 
 constexpr char Footer[] =
-    "\nA RESULT is what \"survey --format ndjson\", \"coverage\" or \"settle --format ndjson\" "
-    "print "
-    "with\n--shard K/N. All N shards are needed, each once and whole, of the same payload, options "
-    "and\nselection; what is missing is named. All results are open at once, and memory has a row "
-    "of each.\n\n"
-    "The options are those of the verb: for a survey --format table, ndjson, csv or junit, "
-    "--wide,\n"
-    "--expect, --update and --fail-on; for a settling --format text or ndjson and --fail-on; for "
-    "a\n"
-    "coverage --format text or json, --threshold, and the payload, of which the configurations "
-    "are\n"
-    "printed.\n\n"
-    "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n\n"
+    "A RESULT is what \"survey --format ndjson\", \"coverage\" or \"settle --format ndjson\"\n"
+    "print with --shard K/N. All N shards are needed, each once and whole, of the same payload,\n"
+    "options and selection; what is missing is named. All results are open at once, and memory\n"
+    "has a row of each.\n"
+    "\n"
+    "The options are those of the verb: for a survey --format table, ndjson, csv or junit,\n"
+    "--wide, --expect, --update and --fail-on; for a settling --format text or ndjson and\n"
+    "--fail-on; for a coverage --format text or json, --threshold, and the payload, of which\n"
+    "the configurations are printed.\n"
+    "\n"
+    "Status: 65 when the results are not all shards of one run; otherwise as of one run.\n"
+    "\n"
     "Example:\n"
     "  fernwick-lab merge --format csv 1.ndjson 2.ndjson\n";
 
@@ -119,12 +118,11 @@ bool IsComplete(const SurveyRow& row) {
 }
 
 int MergeSurvey(const SurveyOutput& output, MergedRows& rows) {
-  return PrintSurvey(output, [&](SurveyReport& report, Console& console, int& refusal) {
+  return PrintSurvey(output, [&](SurveyReport& report, Console& console, FirstRefusal& refusal) {
     return ForEachRow(rows, console, [&](const ShardRow& each) {
       const auto row = SurveyRowOf(each.row);
       if (!row || !IsComplete(*row)) return false;
-      const bool isRefused = each.isNamed && row->outcome == Outcome::Refused;
-      if (isRefused && refusal == LabStatus::Done) refusal = *row->status;
+      if (row->outcome == Outcome::Refused) refusal.Add(each.isNamed, *row->status);
       report.Add(*row, report.TextOf(*row));
       return true;
     });
@@ -193,10 +191,10 @@ int MergeAs(const MergedVerb& verb, MergeOptions& options, MergedRows& rows) {
   const auto format = options.format.value_or(std::string(verb.formats.front()));
   const auto name = std::string(verb.name);
   if (std::ranges::find(verb.formats, format) == verb.formats.end()) {
-    return RefuseUsage("--format " + format + " is none of " + name);
+    return RefuseUsage("--format " + format + " is not a format of " + name);
   }
   const auto other = OtherOption(verb.name, options);
-  if (!other.empty()) return RefuseUsage(other + " is no option for results of " + name);
+  if (!other.empty()) return RefuseUsage(other + " is not an option for results of " + name);
   if (name == "survey") {
     options.survey.format = format;
     const auto error = CheckSurveyOutput(options.survey);

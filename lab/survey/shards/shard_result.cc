@@ -124,7 +124,7 @@ Result<ShardResult, LabError> ShardResult::Open(const std::string& path) {
   };
   const int descriptor = open(path.c_str(), CautiousReading);
   if (descriptor < 0) return refuse(SystemError());
-  ShardResult result(path, fdopen(descriptor, "r"));
+  ShardResult result(path, StdioFile(fdopen(descriptor, "r")));
   const auto size = RegularFileSize(descriptor);
   if (!size) return refuse(size.Error());
   if (auto error = result.ReadHeader()) return *std::move(error);

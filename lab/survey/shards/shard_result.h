@@ -2,14 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "lab/support/json_values.h"
 #include "lab/support/messages.h"
+#include "lab/support/stdio_file.h"
 #include "lab/survey/shards/shard.h"
 #include "value/result.h"
 
@@ -80,11 +79,7 @@ class ShardResult {
   Json TakeTotals() { return std::move(end_.totals); }
 
  private:
-  struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
-  ShardResult(std::string path, std::FILE* file) : path_(std::move(path)), file_(file) {}
+  ShardResult(std::string path, StdioFile file) : path_(std::move(path)), file_(std::move(file)) {}
 
   Result<std::optional<std::string>, LabError> NextLine();
   std::optional<LabError> ReadHeader();
@@ -92,7 +87,7 @@ class ShardResult {
   LabError Malformed(const std::string& what) const;
 
   std::string path_;
-  std::unique_ptr<std::FILE, Close> file_;
+  StdioFile file_;
   std::size_t lines_ = 0;
   std::size_t rows_ = 0;
   std::size_t nextIndex_ = 0;  // the smallest that may come
