@@ -69,7 +69,7 @@ def measure_surveys(bench, archives):
     peaks = [processes.peak_memory(archive.survey("-j2")) for archive in archives]
     for archive, peak in zip(archives[1:], peaks[1:]):
         bench.add(f"survey of an archive of {archive.count:,}, memory", megabytes(peak),
-                  f"of {archives[0].count:,} {megabytes(peaks[0])}", peak / max(peaks[0], 1), most=1.1)
+                  f"of {archives[0].count:,} {megabytes(peaks[0])}", peak / max(peaks[0], 1), at_most=1.1)
 
 
 def measure_processes(bench, archive, directory):
@@ -85,7 +85,7 @@ def measure_processes(bench, archive, directory):
     ours, theirs = processes.medians([archive.survey("-j2"), loop], 1)
     bench.add(f"survey of an archive of {archive.count:,}, two threads", each(archive.count, ours),
               f"replays by xargs -P2, of {few:,} files {each(few, theirs)}",
-              theirs / few / (ours / archive.count), least=5)
+              theirs / few / (ours / archive.count), at_least=5)
 
 
 def measure_shards(bench, archive, directory):
@@ -132,4 +132,4 @@ def measure_report(bench, archive, directory):
     bench.add(f"report of {archive.count:,}, memory", megabytes(peaks[0]),
               f"survey {megabytes(peaks[1])}", peaks[0] / max(peaks[1], 1))
     bench.add(f"report of {archive.count:,}, its page", megabytes(page.stat().st_size), "1 MB",
-              page.stat().st_size / 1e6, most=2)
+              page.stat().st_size / 1e6, at_most=2)

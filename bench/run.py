@@ -44,26 +44,26 @@ class Size:
 
 
 class Row:
-    """One figure, and what it is to be: at most `most`, at least `least`, or not said."""
+    """One figure, and what it is to be: at most `at_most`, at least `at_least`, or not said."""
 
-    def __init__(self, what, measured, against, figure, most=None, least=None):
+    def __init__(self, what, measured, against, figure, at_most=None, at_least=None):
         self.what = what
         self.measured = measured
         self.against = against
         self.figure = figure
-        self.most = most
-        self.least = least
+        self.at_most = at_most
+        self.at_least = at_least
 
     def goal(self):
-        if self.most is not None:
-            return f"at most {self.most:g}"
-        return f"at least {self.least:g}" if self.least is not None else ""
+        if self.at_most is not None:
+            return f"at most {self.at_most:g}"
+        return f"at least {self.at_least:g}" if self.at_least is not None else ""
 
     def reached(self):
         """Whether it is what it is to be; None where that is not said."""
-        if self.most is not None:
-            return self.figure <= self.most
-        return self.figure >= self.least if self.least is not None else None
+        if self.at_most is not None:
+            return self.figure <= self.at_most
+        return self.figure >= self.at_least if self.at_least is not None else None
 
     def cells(self):
         verdict = {True: "reached", False: "NOT REACHED", None: ""}[self.reached()]
@@ -71,7 +71,7 @@ class Row:
 
     def as_json(self):
         return {"what": self.what, "measured": self.measured, "against": self.against,
-                "figure": self.figure, "atMost": self.most, "atLeast": self.least,
+                "figure": self.figure, "atMost": self.at_most, "atLeast": self.at_least,
                 "reached": self.reached()}
 
 
@@ -106,7 +106,7 @@ def measure_replay(bench):
         what = f"replay of {name}"
         ours, floor = processes.medians([replay, ["/bin/true"]], bench.size.starts)
         bench.add(f"{what}, time", milliseconds(ours), f"/bin/true {milliseconds(floor)}",
-                  ours / floor, most=1.2)
+                  ours / floor, at_most=1.2)
         counts = [processes.instructions(command) for command in (replay, ["/bin/true"])]
         if None in counts:
             bench.leave_out(f"{what}, instructions", "valgrind does not count them")
@@ -131,10 +131,10 @@ def measure_matcher(bench):
         what = name.replace("/", ", ").replace(":", " ")
         is_mixture = name.startswith("by all")  # one reason alone is no computer's
         bench.add(f"matcher, rejected {what}", f"{1e9 / rate:.1f} ns a pair",
-                  "10^6 pairs a second", rate / 1e6, least=5 if is_mixture else None)
+                  "10^6 pairs a second", rate / 1e6, at_least=5 if is_mixture else None)
     rates = [rate for name, rate in pairs.items() if name.startswith("by all")]
     bench.add("matcher, of the largest and smallest", f"{1e9 / min(rates):.1f} ns a pair",
-              f"{1e9 / max(rates):.1f} ns", max(rates) / min(rates), most=1.5)
+              f"{1e9 / max(rates):.1f} ns", max(rates) / min(rates), at_most=1.5)
 
 
 def measure_survey(bench):
@@ -155,13 +155,13 @@ def measure_survey(bench):
             f"-p {shlex.quote(str(payload))}"]
     ours, theirs = processes.medians([survey, loop], bench.size.rounds)
     bench.add(f"survey of {count:,} computers", milliseconds(ours),
-              f"a loop of replays {milliseconds(theirs)}", theirs / ours, least=5)
+              f"a loop of replays {milliseconds(theirs)}", theirs / ours, at_least=5)
     one, two = processes.medians([survey + ["-j1"], survey + ["-j2"]], bench.size.rounds)
     bench.add(f"survey of {count:,} computers, one thread", milliseconds(one),
-              f"two threads {milliseconds(two)}", one / two, least=1.8)
+              f"two threads {milliseconds(two)}", one / two, at_least=1.8)
     few, many = bench.size.recordings
     bench.add(f"survey of {many:,} computers, memory", megabytes(peaks[1]),
-              f"of {few:,} {megabytes(peaks[0])}", peaks[1] / max(peaks[0], 1), most=1.1)
+              f"of {few:,} {megabytes(peaks[0])}", peaks[1] / max(peaks[0], 1), at_most=1.1)
 
 
 def measure_lint(bench):
@@ -181,7 +181,7 @@ def measure_lint_of(bench, make):
             what = "alike" if make is samples.alike else "of their own"
             bench.add(f"lint of {count:,} personalities {what}", milliseconds(seconds),
                       f"of {before[0]:,} {milliseconds(before[1])}",
-                      seconds / max(before[1], 1e-9), most=n_log_n(count) / n_log_n(before[0]))
+                      seconds / max(before[1], 1e-9), at_most=n_log_n(count) / n_log_n(before[0]))
         before = (count, seconds)
 
 
@@ -208,10 +208,10 @@ def measure_reading(bench):
 def add_reading(bench, ours, other):
     what = f"{ours.form}, {ours.document}"
     bench.add(what, milliseconds(ours.seconds), f"{other.reader} {milliseconds(other.seconds)}",
-              other.seconds / ours.seconds, least=READING_GOALS.get((ours.form, other.reader)))
+              other.seconds / ours.seconds, at_least=READING_GOALS.get((ours.form, other.reader)))
     if other.reader == "libplist":
         bench.add(f"{what}, memory", megabytes(ours.peak), f"libplist {megabytes(other.peak)}",
-                  ours.peak / max(other.peak, 1), most=1)
+                  ours.peak / max(other.peak, 1), at_most=1)
 
 
 # How many times as fast as another reader ours is to be.

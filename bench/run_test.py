@@ -22,14 +22,14 @@ import samples
 
 class RowTest(unittest.TestCase):
     def test_a_bound_is_reached_at_the_bound(self):
-        self.assertTrue(run.Row("a", "", "", 1.2, most=1.2).reached())
-        self.assertFalse(run.Row("a", "", "", 1.21, most=1.2).reached())
-        self.assertTrue(run.Row("a", "", "", 5, least=5).reached())
-        self.assertFalse(run.Row("a", "", "", 4.9, least=5).reached())
+        self.assertTrue(run.Row("a", "", "", 1.2, at_most=1.2).reached())
+        self.assertFalse(run.Row("a", "", "", 1.21, at_most=1.2).reached())
+        self.assertTrue(run.Row("a", "", "", 5, at_least=5).reached())
+        self.assertFalse(run.Row("a", "", "", 4.9, at_least=5).reached())
         self.assertIsNone(run.Row("a", "", "", 4.9).reached())
 
     def test_the_table_aligns_its_columns(self):
-        rows = [run.Row("a row", "2 ms", "1 ms", 2, most=1.2), run.Row("b", "1 s", "", 1)]
+        rows = [run.Row("a row", "2 ms", "1 ms", 2, at_most=1.2), run.Row("b", "1 s", "", 1)]
         self.assertEqual(run.table(rows), ("WHAT   MEASURED  AGAINST  FIGURE  TO REACH\n"
                                            "a row  2 ms      1 ms     2.00    at most 1.2  NOT REACHED\n"
                                            "b      1 s                1.00\n"))
@@ -78,12 +78,12 @@ esac
         self.program.write_text(self.PROGRAM)
         self.program.chmod(0o755)
 
-    def test_readers_are_told_with_their_forms_and_what_is_missing(self):
+    def test_readers_have_their_forms_and_what_is_missing(self):
         self.assertEqual(reading.readers(self.program),
                          ({"fernwick": ["XML", "binary"], "memchr": ["XML"],
                            "plistlib": ["XML", "binary"]}, ["libplist (libplist-dev)"]))
 
-    def test_readers_take_turns_and_medians_are_told(self):
+    def test_readers_take_turns_and_medians_are_printed(self):
         path = self.directory / "computer, XML"
         present = {"fernwick": ["XML", "binary"], "memchr": ["XML"], "other": ["binary"]}
         measured = [(each.document, each.form, each.reader, each.seconds, each.peak)

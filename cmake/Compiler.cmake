@@ -29,10 +29,11 @@ endif()
 option(FERNWICK_COVERAGE "Count which lines and branches are reached" OFF)
 if(FERNWICK_COVERAGE)
   set(CMAKE_CXX_FLAGS_RELEASE "-O0")
-  # The lab is not counted, and does signal by exceptions. All else is compiled without them: what the
-  # headers add to the tests must not count edges that the libraries do not have. The lab runs the tool
-  # on several threads, which count at once.
-  set(isLab $<STREQUAL:$<TARGET_PROPERTY:NAME>,fernwick_lab>)
+  # The lab and its tests are not counted, and do signal by exceptions. All else is compiled without
+  # them: what the headers add to the tests must not count edges that the libraries do not have. The
+  # lab runs the tool on several threads, which count at once.
+  set(name $<TARGET_PROPERTY:NAME>)
+  set(isLab $<OR:$<STREQUAL:${name},fernwick_lab>,$<STREQUAL:${name},lab_test>>)
   add_compile_options("$<$<NOT:${isLab}>:--coverage;-fprofile-update=atomic;-fno-exceptions>")
   add_compile_definitions(FERNWICK_COVERAGE)
   # The counters' own library calls what --wrap replaces, and comes last.

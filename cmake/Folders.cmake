@@ -1,4 +1,4 @@
-# One library per top-level folder, rooms included, and one test program for it. The files are found,
+# One library per top-level folder with its subfolders, and one test program for it. The files are found,
 # not listed.
 
 # fernwick_folder(NAME [DEPENDENCY...]): the *.cc below NAME as the library fernwick_NAME, and the

@@ -122,5 +122,5 @@ class BinaryWriter:
 
     def _width(self, largest):
         """Bytes enough for `largest`, as a rule no more."""
-        least = max(1, (largest.bit_length() + 7) // 8)
-        return least if not self._one_in(3) else self._random.randint(least, 8)
+        min_width = max(1, (largest.bit_length() + 7) // 8)
+        return min_width if not self._one_in(3) else self._random.randint(min_width, 8)

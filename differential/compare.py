@@ -114,7 +114,8 @@ def print_report(report):
         print(f"{count:9} {what}")
     for rule in RULES:
         for reader in rule.readers:
-            print(f"{report.met[rule.name, reader]:9} {reader} by {rule.name}: {rule.reason}")
+            if count := report.met[rule.name, reader]:
+                print(f"{count:9} {reader} by {rule.name}: {rule.reason}")
     print("\n".join(report.failures), end="\n" if report.failures else "")
 
 

@@ -12,7 +12,7 @@ namespace fernwick {
 
 // For verbose output only.
 
-/// The host's identity and where its personalities are searched.
+/// The board's identity and where its personalities are searched.
 void PrintHeader(Console& console, const BoardIdentity& identity,
                  const std::optional<std::string>& personalitiesDirectory);
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -162,21 +163,81 @@ TEST(Documents, NameOnlyTestsThatExist) {
   EXPECT_GT(count, 30);
 }
 
-TEST(Documents, ExplainHowToExtendByTestsAndFilesThatExist) {
+TEST(Documents, ExplainHowToExtendByTestsThatExist) {
   const auto known = AllTestNames();
   const auto document = testing::ReadFile(SourceDirectory / "docs/extending.md");
   const std::regex test(R"(`([A-Z]\w+\.[A-Z]\w+)`)");
-  const std::regex file(R"(`([a-z]+(?:/[a-z][\w.-]*)+)`)");
   int count = 0;
   for (std::sregex_iterator match(document.begin(), document.end(), test), end; match != end;
        ++match, ++count) {
     EXPECT_TRUE(known.contains((*match)[1].str())) << (*match)[1].str();
   }
-  for (std::sregex_iterator match(document.begin(), document.end(), file), end; match != end;
-       ++match, ++count) {
-    EXPECT_TRUE(fs::exists(SourceDirectory / (*match)[1].str())) << (*match)[1].str();
+  EXPECT_GT(count, 5);
+}
+
+// The files and folders of the repository, by their paths from its top. What begins with "." or
+// "build" is made by a developer.
+std::set<std::string> AllPaths() {
+  std::set<std::string> paths;
+  for (const auto& top : fs::directory_iterator(SourceDirectory)) {
+    const auto name = top.path().filename().string();
+    if (name.starts_with(".") || name.starts_with("build")) continue;
+    paths.insert(name);
+    if (!top.is_directory()) continue;
+    for (const auto& file : fs::recursive_directory_iterator(top)) {
+      paths.insert(fs::relative(file, SourceDirectory).string());
+    }
   }
-  EXPECT_GT(count, 20);
+  return paths;
+}
+
+// The words in backticks without a placeholder: a blank, "*", or four capitals as in "NAME.cc".
+std::vector<std::string> WordsInBackticks(const std::string& document) {
+  const std::regex quoted(R"(`([^`\n]+)`)");
+  const std::regex placeholder(R"([\s*]|[A-Z]{4})");
+  std::vector<std::string> words;
+  for (std::sregex_iterator match(document.begin(), document.end(), quoted), end; match != end;
+       ++match) {
+    const auto word = (*match)[1].str();
+    if (!std::regex_search(word, placeholder)) words.push_back(word);
+  }
+  return words;
+}
+
+// A word with the suffix of a source file is the end of a path: a section about a folder leaves the
+// folder out. Any other is a whole path if it begins with a folder of the repository and "/".
+bool NamesNothing(const std::string& word, const std::set<std::string>& paths) {
+  const auto path = word.ends_with('/') ? word.substr(0, word.size() - 1) : word;
+  if (paths.contains(path)) return false;
+  if (word.find('/') != word.npos && paths.contains(word.substr(0, word.find('/')))) return true;
+  return std::regex_search(word, std::regex(R"(\w\.(h|cc|py|mjs)$)")) &&
+         std::ranges::none_of(paths, [&](const auto& each) { return each.ends_with("/" + word); });
+}
+
+TEST(Documents, NameOnlyFilesThatExist) {
+  const auto paths = AllPaths();
+  EXPECT_FALSE(NamesNothing("documents_test.cc", paths));
+  EXPECT_TRUE(NamesNothing("golden/no-such-folder/", paths));
+  EXPECT_TRUE(NamesNothing("no_such_file.h", paths));
+  for (const auto& document : AllDocuments()) {
+    for (const auto& word : WordsInBackticks(testing::ReadFile(document))) {
+      EXPECT_FALSE(NamesNothing(word, paths)) << document << ": " << word;
+    }
+  }
+}
+
+TEST(Documents, LinkOnlyToFilesThatExist) {
+  const std::regex link(R"(\]\(([^)#:]+)[)#])");
+  int count = 0;
+  for (const auto& document : AllDocuments()) {
+    const auto text = testing::ReadFile(document);
+    for (std::sregex_iterator match(text.begin(), text.end(), link), end; match != end;
+         ++match, ++count) {
+      const auto target = (*match)[1].str();
+      EXPECT_TRUE(fs::exists(document.parent_path() / target)) << document << ": " << target;
+    }
+  }
+  EXPECT_GT(count, 30);
 }
 
 // All matches of the first group of `pattern`, each split into words.

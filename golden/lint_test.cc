@@ -234,7 +234,7 @@ TEST(Lint, OfAMissingBoardReadsNoConfiguration) {
 
 TEST(Lint, LintsOrExplainsOrLists) {
   const std::string refusal =
-      "fernwick-lab: one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint "
+      "fernwick-lab: exactly one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint "
       "--help\n";
   ExpectOutcome(Lint({}), {"64", "", refusal});
   ExpectOutcome(Lint({"--list", "examples/payload"}), {"64", "", refusal});
@@ -243,10 +243,11 @@ TEST(Lint, LintsOrExplainsOrLists) {
 }
 
 TEST(Lint, RefusesAFormatThatItDoesNotKnow) {
-  ExpectOutcome(Lint({"examples/payload", "--format", "xml"}),
-                {"64", "",
-                 "fernwick-lab: --format: xml not in {text,json,sarif}; see fernwick-lab lint "
-                 "--help\n"});
+  ExpectOutcome(
+      Lint({"examples/payload", "--format", "xml"}),
+      {"64", "",
+       "fernwick-lab: --format: \"xml\" is not one of text, json, sarif; see fernwick-lab lint "
+       "--help\n"});
 }
 
 TEST(Lint, IgnoresFindingsAndChangesTheirSeverity) {

@@ -57,9 +57,10 @@ TEST(Convert, ThereAndBackIsTheSameRecording) {
 }
 
 TEST(Convert, NeedsAFormThatItKnows) {
-  EXPECT_EQ(RunLab({"convert", "ports-only.registry.plist", "/tmp/none", "--to", "json"}),
-            "fernwick-lab: --to: json not in {xml,binary}; see fernwick-lab convert --help\n"
-            "[status 64]\n");
+  EXPECT_EQ(
+      RunLab({"convert", "ports-only.registry.plist", "/tmp/none", "--to", "json"}),
+      "fernwick-lab: --to: \"json\" is not one of xml, binary; see fernwick-lab convert --help\n"
+      "[status 64]\n");
 }
 
 TEST(Convert, AcceptsAnyPropertyList) {
@@ -363,7 +364,9 @@ TEST(Host, IsInPlaceOfARecording) {
   EXPECT_EQ(RunLab({"explain", "-p", "payload"}),
             "fernwick-lab: RECORDING or --host is required; see fernwick-lab explain --help\n"
             "[status 64]\n");
-  EXPECT_EQ(RunLab({"replay", "--hots"}), RunLab({"replay"}));
+  EXPECT_EQ(RunLab({"replay", "--hots"}),
+            "fernwick-lab: there is no option \"--hots\" before RECORDING (did you mean "
+            "\"--host\"?); see fernwick-lab replay --help\n[status 64]\n");
 }
 
 }  // namespace

@@ -68,11 +68,20 @@ int RefuseVerb(std::string_view name) {
   return LabStatus::BadUsage;
 }
 
+bool IsHelp(std::string_view word) {
+  return word == "help" || word == "--help" || word == "-h";
+}
+
 // `arguments` are those after "help".
 VerbEnd Help(int argumentCount, char* const arguments[]) {
-  if (argumentCount == 0) return PrintResult(Usage());
+  if (argumentCount == 0 || IsHelp(arguments[0])) return PrintResult(Usage());
   const auto* verb = FindVerb(arguments[0]);
   if (verb == nullptr) return RefuseVerb(arguments[0]);
+  if (argumentCount > 1) {
+    PrintError("the operand \"" + std::string(arguments[1]) +
+               "\" is not expected; see fernwick-lab --help");
+    return LabStatus::BadUsage;
+  }
   char option[] = "--help";
   char* const help[] = {option, nullptr};
   return verb->run(1, help);
@@ -84,9 +93,9 @@ VerbEnd Main(int argumentCount, char* const arguments[]) {
     return LabStatus::BadUsage;
   }
   const std::string_view name = arguments[1];
-  if (name == "--help" || name == "-h") return PrintResult(Usage());
   if (name == "--version") return PrintResult("fernwick-lab " FERNWICK_VERSION "\n");
   if (name == "help") return Help(argumentCount - 2, arguments + 2);
+  if (IsHelp(name)) return PrintResult(Usage());
   const auto* verb = FindVerb(name);
   return verb == nullptr ? RefuseVerb(name) : verb->run(argumentCount - 2, arguments + 2);
 }

@@ -14,7 +14,7 @@ struct VerbEnd {
   std::optional<Fault> fault = {};  // the process is to end abnormally instead
 };
 
-// The verbs, each in a file of its name in its room. A verb is a function of its command line:
+// The verbs, each in a file of its name in its subfolder. A verb is a function of its command line:
 // `arguments` are those after the verb, with a null after the last. It prints its result on
 // standard output, messages on standard error, and returns the process's exit status: one of
 // LabStatus, except where it says otherwise.
@@ -25,9 +25,6 @@ VerbEnd LintVerb(int argumentCount, char* const arguments[]);
 
 /// Runs the tool over a recorded computer or this one. The end is the tool's own, once it runs.
 VerbEnd ReplayVerb(int argumentCount, char* const arguments[]);
-
-/// What `fernwick-lab replay --help` prints.
-extern const char ReplayHelp[];
 
 /// Prints why the personalities of a payload match or not. The status is LabStatus::Done whatever
 /// the status of the run, as long as it is explained.

@@ -19,15 +19,15 @@ std::optional<std::string> ConfigurationPath(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory);
 
-/// Reads "Config.plist" of the board's directory, in whatever serialisation it is. Returns the
-/// property list, with a value of whatever kind, or after one line in the system log why there is
-/// none: there is no such directory, no such file, or it cannot be read, each with an errno as its
-/// `systemError`, or it is not well formed, without one.
+/// Reads "Config.plist" of the board's directory, in any serialisation. Returns the property list,
+/// whose value may be of any kind. Otherwise logs one line and returns why there is none. Where the
+/// directory or the file does not exist or cannot be read, `systemError` is the errno; where the
+/// file is not well formed, it is empty.
 Result<PropertyList> LoadPersonalityConfiguration(
     const std::optional<std::string>& boardIdString,
     const std::optional<std::string>& personalitiesDirectory, Console& console);
 
-/// Where a run gets the configuration from: a function of the arguments and the results of
+/// Where a run gets the configuration from: a function with the arguments and the results of
 /// `LoadPersonalityConfiguration`, which is the tool's own.
 using ConfigurationLoader = std::function<Result<PropertyList>(
     const std::optional<std::string>& boardIdString,

@@ -8,8 +8,8 @@
 namespace fernwick {
 
 /// A personality that applies, overlaid with the values of the controller that it applies to and
-/// labelled with its "Personality Type". It views what the two view. Keys that nothing reads are
-/// the personality's as well, unless the matcher has left them out because there are many.
+/// labelled with its "Personality Type". It views what the two view. Unread keys are copied from
+/// the personality as well, except for those that `WithoutUnreadKeys` has removed.
 using MatchRecord = Record;
 
 /// Builds the record of a personality found under `type` and a controller that passed its check.

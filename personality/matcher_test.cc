@@ -634,7 +634,7 @@ TEST(Matcher, ThePersonalityIsTriedOnEveryPortThoughItFailedOnOne) {
       Matched({With({{"Existing Min Version", 170}}, PortRecord(1, "LegacyUSBC"))}, MinimumNotMet));
 }
 
-TEST(Matcher, APersonalityThatIsNotADictionaryIsPassedOver) {
+TEST(Matcher, APersonalityThatIsNotADictionaryIsSkipped) {
   for (const auto& [name, value] : NonNumbers()) {
     if (value.AsDictionary()) continue;
     EXPECT_EQ(Match(OnePort(), Dict({{"USBC", List({value, 5, Dict(PortUpdate)})}})),
@@ -643,7 +643,7 @@ TEST(Matcher, APersonalityThatIsNotADictionaryIsPassedOver) {
   }
 }
 
-TEST(Matcher, AnArrayInsideTheArrayIsPassedOver) {
+TEST(Matcher, AnArrayInsideTheArrayIsSkipped) {
   EXPECT_EQ(Match(OnePort(), Dict({{"USBC", testing::NestedArrays(2, Dict(PortUpdate))}})),
             Nothing());
 }

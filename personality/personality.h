@@ -9,8 +9,8 @@
 
 namespace fernwick {
 
-/// One update target of a board's configuration: a firmware image, what a controller must be to
-/// receive it, and the settings that go with it.
+/// An entry of a board's configuration: a firmware image, what a controller must be to receive it,
+/// and the settings that go with it.
 using Personality = Dictionary;
 
 /// The candidates under a type: the elements of its array, of whatever kind, or the one dictionary
@@ -18,9 +18,9 @@ using Personality = Dictionary;
 /// what it views.
 std::optional<Array> PersonalitiesOf(std::string_view type, const PropertyValue& value);
 
-/// The candidates without the keys that nothing reads of those personalities that have very many
-/// keys: each pair looks up a dozen, which would cost as many comparisons as there are unread ones.
-/// The copies are in `arena`; where there are none this is `candidates` itself.
+/// The candidates, of which those with very many keys are copied into `arena` without the unread
+/// ones: a lookup is linear in the keys, and each pair needs a dozen lookups. `candidates` itself
+/// where none is copied.
 Array WithoutUnreadKeys(Array candidates, Arena& arena);
 
 }  // namespace fernwick

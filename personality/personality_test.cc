@@ -39,7 +39,7 @@ TEST(PersonalitiesOf, AValueOfAnotherShapeIsNothing) {
   EXPECT_EQ(PersonalitiesOf("LegacyUSBC", true), std::nullopt);
 }
 
-// As many keys that nothing reads as a dictionary may have before it counts as one with many.
+// As many unread keys as a dictionary may have before it counts as one with many.
 Record UnreadKeys() {
   Record keys;
   for (std::size_t i = 0; i < FewEntries; ++i) {

@@ -123,7 +123,7 @@ bool EqualsOrContains(const PropertyValue& wanted, const Requirement& requiremen
   return list ? std::ranges::any_of(*list, equals) : equals(wanted);
 }
 
-// A bound that may be absent (null) on one side of a value.
+// A minimum or a maximum: when it excludes a value, and what is reported then.
 struct Bound {
   bool (*excludes)(const PropertyValue& bound, const PropertyValue& value);
   FailureReason reason;

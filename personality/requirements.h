@@ -31,26 +31,26 @@ bool StringsEqual(const PropertyValue& a, const PropertyValue& b);
 
 /// Why a requirement is not met.
 enum class FailureReason {
-  PersonalityLacksKey,  // one without which it never matches
+  PersonalityLacksKey,  // the personality never matches without it
   HardwareLacksKey,
   WrongKind,            // the personality's value is of a kind that matches nothing
-  Unequal,              // to the hardware's value, as a single value or as every element of a list
-  NotNewer,             // than the installed version
-  EngineeringFirmware,  // is installed
-  AboveInstalled,       // a minimum
-  BelowInstalled,       // a maximum
-  AboveBoardRevision,   // a minimum
-  BelowBoardRevision,   // a maximum
+  Unequal,              // neither the value nor an element of the list equals the hardware's
+  NotNewer,             // the offered version is not newer than the installed one
+  EngineeringFirmware,  // the controller runs it
+  AboveInstalled,       // the minimum is above the installed version
+  BelowInstalled,       // the maximum is below the installed version
+  AboveBoardRevision,   // the minimum is above the board's revision
+  BelowBoardRevision,   // the maximum is below the board's revision
 };
 
 /// What a requirement tests.
 enum class RequirementTest {
-  NewerVersion,      // than the installed one, unless the version check is bypassed
-  ReleasedFirmware,  // is installed, unless the version check is bypassed
-  InstalledVersion,  // reports that it is not known; never fails
-  MinVersion,        // of the installed version, inclusive
-  MaxVersion,
-  MinBoardRevision,  // inclusive
+  NewerVersion,      // the offered version is newer than the installed one, or nothing is checked
+  ReleasedFirmware,  // the installed firmware is not engineering firmware, or nothing is checked
+  InstalledVersion,  // never fails; reports an installed version that is not known
+  MinVersion,        // the installed version is not below the minimum
+  MaxVersion,        // the installed version is not above the maximum
+  MinBoardRevision,  // the same of the board's revision
   MaxBoardRevision,
   SetMatch,  // RequirementSetMatch
 };
@@ -82,8 +82,8 @@ struct RequirementContext {
 
 /// The result of testing one requirement. A diagnostic may come without a failure.
 struct Verdict {
-  std::optional<FailureReason> failure = std::nullopt;  // none: the requirement is met
-  std::string_view diagnostic = {};                     // a line for standard error; empty: none
+  std::optional<FailureReason> failure = std::nullopt;  // nullopt: the requirement is met
+  std::string_view diagnostic = {};                     // a line for standard error, or empty
 
   friend bool operator==(const Verdict&, const Verdict&) = default;
 };
@@ -119,8 +119,8 @@ class ControllerCheck {
   std::array<const PropertyValue*, MaxRequirements> found_;  // by each; null: absent
 };
 
-// The check of each type by its name, for callers that test one pair. All is as in ControllerCheck,
-// which the matcher uses.
+// The check of each type by its name: a ControllerCheck of one personality. The matcher, which
+// tests many, does not use them.
 
 /// Whether a "LegacyUSBC" personality applies to a port: the version window and "Port Address".
 bool CheckLegacyUsbcRequirements(Dictionary personality, const RequirementContext& context,

@@ -150,7 +150,7 @@ TEST(ThunderboltCheck, MissingPortKeysAreReportedAsForUsbc) {
             DoesNotApply("** Missing port UUID(s)\n"));
 }
 
-TEST(ThunderboltCheck, TheBoardRevisionIsHandedOn) {
+TEST(ThunderboltCheck, TestsTheBoardRevision) {
   const auto update = With(Update, {{"MinBoardRevision", 3}, {"MaxBoardRevision", 3}});
   EXPECT_EQ(Check(update, Port, 3), Applies());
   EXPECT_EQ(Check(update, Port, 4), DoesNotApply());

@@ -22,7 +22,7 @@ enum class PairOutcome : std::uint8_t {
 /// "LegacyUSBC" has the index 0. Only the first match of a controller is stored, from which the
 /// outcomes of all its pairs follow: memory is linear in controllers and personalities.
 struct KeyTrace {
-  static constexpr std::size_t NoMatch = ~std::size_t{0};
+  static constexpr std::size_t NoMatch = ~std::size_t{0};  // after every candidate
 
   std::string key;  // of its own: after a fault there is no configuration that it could view
   HardwareInventory inventory = {};       // not stored for a key that names no type

@@ -267,6 +267,11 @@ TEST(ReadWholeFile, ReportsASocketAsOneThatCannotBeOpened) {
   close(socketNumber);
 }
 
+// Not less either: a file just below it would need a GiB of memory to test.
+TEST(ReadWholeFile, HasAMaximumOfOneGibibyte) {
+  EXPECT_EQ(MaxFileSize, 1'073'741'824u);
+}
+
 TEST(ReadWholeFile, RefusesAFileBeyondTheMaximum) {
   const TemporaryDirectory directory;
   const std::string path = directory.Write("sparse", "");

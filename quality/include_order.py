@@ -5,8 +5,8 @@ CMakeLists.txt states what each folder uses: fernwick_folder(NAME [DEPENDENCY...
 
   - its own folder and the dependencies of its folder;
   - if it is a test (NAME_test.cc), also testing/;
-  - in a folder whose rooms have an order (ROOMS), only its own room, the rooms before it and headers that
-    are in no room;
+  - in a folder whose subfolders have an order (SUBFOLDERS), only its own subfolder, those before it and
+    headers that are in none;
   - outside those folders (golden/, fuzz/, ...) every folder; but no folder includes such a file.
 
 There are no cycles.
@@ -18,8 +18,8 @@ import pathlib
 import re
 import sys
 
-# The rooms of a folder in their order: each uses only those that are named before it.
-ROOMS = {"lab": ["support", "recordings", "what_if", "lint", "explain", "survey", "draft", "report"]}
+# The subfolders of a folder in their order: each uses only those that are named before it.
+SUBFOLDERS = {"lab": ["support", "recordings", "what_if", "lint", "explain", "survey", "draft", "report"]}
 
 FOLDER = re.compile(r"^fernwick_folder\(([^)]*)\)", re.MULTILINE)
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*"([^"]*)"', re.MULTILINE)
@@ -56,31 +56,32 @@ def folder_of(path):
     return path.split("/")[0]
 
 
-def room_of(path):
-    """The room of a file; None for one at the top of its folder."""
+def subfolder_of(path):
+    """The subfolder of a file; None for one at the top of its folder."""
     parts = path.split("/")
     return parts[1] if len(parts) > 2 else None
 
 
-def rank_of(path, rooms):
-    """The rank of a file in the order of its folder. A file that is in no room, as main.cc, comes last; but
-    such a header comes first, because every room may include it."""
-    if room_of(path) in rooms:
-        return rooms.index(room_of(path))
-    return -1 if path.endswith(".h") else len(rooms)
+def rank_of(path, subfolders):
+    """The rank of a file in the order of its folder. A file that is in none of them, as main.cc, comes
+    last; but such a header comes first, because every subfolder may include it."""
+    if subfolder_of(path) in subfolders:
+        return subfolders.index(subfolder_of(path))
+    return -1 if path.endswith(".h") else len(subfolders)
 
 
 def may_include_in_folder(path, included):
-    """Whether the order of the rooms allows the one file of a folder to include the other."""
-    rooms = ROOMS.get(folder_of(path), [])
-    return rank_of(included, rooms) <= rank_of(path, rooms) or not rooms
+    """Whether the order of the subfolders allows the one file of a folder to include the other."""
+    subfolders = SUBFOLDERS.get(folder_of(path), [])
+    return rank_of(included, subfolders) <= rank_of(path, subfolders) or not subfolders
 
 
-def room_faults(includes):
-    """Rooms that are missing in the order of their folder."""
-    for folder, room in sorted({(folder_of(path), room_of(path)) for path in includes if room_of(path)}):
-        if room not in ROOMS.get(folder, [room]):
-            yield f"{folder}/{room}/ is not in the order of the rooms of {folder}/"
+def subfolder_faults(includes):
+    """Subfolders that are missing in the order of their folder."""
+    subfolders = {(folder_of(path), subfolder_of(path)) for path in includes if subfolder_of(path)}
+    for folder, subfolder in sorted(subfolders):
+        if subfolder not in SUBFOLDERS.get(folder, [subfolder]):
+            yield f"{folder}/{subfolder}/ is not in the order of the subfolders of {folder}/"
 
 
 def may_include(path, included, folders):
@@ -132,7 +133,7 @@ def find_faults(root):
     folders, includes = read_folders(root), read_includes(root)
     if not folders or not includes:
         return [f"{root}: no folders with source"]
-    faults = [*declaration_faults(folders), *room_faults(includes), *include_faults(includes, folders)]
+    faults = [*declaration_faults(folders), *subfolder_faults(includes), *include_faults(includes, folders)]
     cycle = find_cycle(includes)
     if cycle:
         faults.append("cycle: " + " includes ".join(cycle))

@@ -53,7 +53,7 @@ class IncludeOrder(unittest.TestCase):
         files = {"value/a.cc": '#include "a.h"\n', "value/a.h": ""}
         self.assertEqual(faults_of(files), ['value/a.cc: there is no "a.h"'])
 
-    def test_a_room_includes_the_rooms_before_it_and_headers_in_none(self):
+    def test_a_subfolder_includes_those_before_it_and_headers_in_none(self):
         files = {
             "lab/main.cc": '#include "lab/verbs.h"\n#include "lab/survey/s.h"\n',
             "lab/verbs.h": "",
@@ -64,7 +64,7 @@ class IncludeOrder(unittest.TestCase):
         }
         self.assertEqual(faults_of(files, BUILD + "fernwick_folder(lab)\n"), [])
 
-    def test_an_include_of_a_later_room_is_a_fault(self):
+    def test_an_include_of_a_later_subfolder_is_a_fault(self):
         files = {
             "lab/lint/l.cc": '#include "lab/explain/e.h"\n',
             "lab/explain/e.h": "",
@@ -77,10 +77,10 @@ class IncludeOrder(unittest.TestCase):
                 'lab/verbs.h: lab/ must not include "lab/explain/e.h"',
             ])
 
-    def test_a_room_without_an_order_is_a_fault_where_the_others_have_one(self):
+    def test_a_subfolder_without_an_order_is_a_fault_where_the_others_have_one(self):
         self.assertEqual(
             faults_of({"lab/attic/a.h": "", "value/xml/x.h": ""}, BUILD + "fernwick_folder(lab)\n"),
-            ["lab/attic/ is not in the order of the rooms of lab/"])
+            ["lab/attic/ is not in the order of the subfolders of lab/"])
 
     def test_a_cycle_within_a_folder_is_a_fault(self):
         files = {"value/a.h": '#include "value/b.h"\n', "value/b.h": '#include "value/a.h"\n'}

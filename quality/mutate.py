@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Changes the source in one place at a time and prints the changes that no test notices.
+"""Makes one small change to the source at a time and prints the changes that no test notices.
 
 A mutant is tried with the tests of its folder, then of the folders of the tool that use it, then with the
 golden cases. The first test that fails or takes too long kills it. If none does, it survives: a test is

@@ -18,18 +18,18 @@ cmake_minimum_required(VERSION 3.25)
 project(small LANGUAGES CXX)
 set(CMAKE_CXX_STANDARD 20)
 include_directories(.)
-add_library(fernwick_value value/room/size.cc)
+add_library(fernwick_value value/size/size.cc)
 link_libraries(fernwick_value)
 add_executable(value_test value/size_test.cc)
 add_executable(fernwick value/size_test.cc)
 """,
     "value/limit.h": "constexpr int Limit = 3;\nconstexpr int Unused = 5;\n",
-    "value/room/size.cc": SIZE,
+    "value/size/size.cc": SIZE,
     "value/size_test.cc":
         "const char* Size(int n);\nint main() { return Size(1)[1] != 'm' || Size(3)[0] != 'l'; }\n",
 }
 SURVIVORS = """\
-value/room/size.cc:4: return n < Limit ? "small" : "large";
+value/size/size.cc:4: return n < Limit ? "small" : "large";
   "small" becomes "xmall"
 value/limit.h:1: constexpr int Limit = 3;
   3 becomes 3 - 1
@@ -58,7 +58,7 @@ class Mutate(unittest.TestCase):
         self.expect("--all --minutes 0", 0, untried)
         self.expect("--all", 1, SURVIVORS)
         self.expect("--all --minutes 0", 1, SURVIVORS)
-        (self.root / "value/room/size.cc").write_text(SIZE + "class C {\n  virtual void F() = 0;\n};\n")
+        (self.root / "value/size/size.cc").write_text(SIZE + "class C {\n  virtual void F() = 0;\n};\n")
         self.expect("--since HEAD", 0, "1 mutants: 0 killed, 1 not compiling, 0 equal, 0 survived, 0 untried\n")
 
     def test_wrong_usage_is_refused(self):

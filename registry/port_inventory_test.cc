@@ -142,7 +142,7 @@ TEST(PortInventory, IsEmptyWithoutServicePlane) {
   EXPECT_EQ(CollectPortControllers(registry), InventoryResult(HardwareInventory()));
 }
 
-TEST(PortInventory, IsEmptyWhenAllPortsArePassedOver) {
+TEST(PortInventory, IsEmptyWhenAllPortsAreSkipped) {
   Computer computer;
   computer.AddPort("Port0", {{"Route String", 1}});
   computer.AddPort("Port1", {{"Route String", 0x301}});
@@ -283,14 +283,14 @@ TEST(PortInventory, UuidThatIsNotAStringEndsItForThePass) {
   }
 }
 
-TEST(PortInventory, APassedOverPortWithoutUuidLeavesThatOfTheOthers) {
+TEST(PortInventory, ASkippedPortWithoutUuidLeavesThatOfTheOthers) {
   Computer computer;
   computer.AddPort("Port0", {{"Route String", 1}});
   computer.AddPort("Port1", {{"UUID", "B"}});
   EXPECT_EQ(CollectedFrom(computer), Listed({{{"Port UUID", "B"}}}));
 }
 
-TEST(PortInventory, APassedOverPortWithUuidDoesNotBringItBack) {
+TEST(PortInventory, ASkippedPortWithUuidDoesNotBringItBack) {
   Computer computer;
   computer.AddPort("Port0", {});
   computer.AddPort("Port1", {{"Route String", 1}, {"UUID", "B"}});
@@ -409,7 +409,7 @@ TEST(PortInventory, AddressAbsentBelowAThunderboltControllerIsListed) {
   EXPECT_EQ(RecordsBelow({{"UID", 1}}, {}), Listed({{{"RID", 1}, {"Ridge UID", 1}}}));
 }
 
-TEST(PortInventory, RouteStringOtherThanZeroBelowAThunderboltControllerIsPassedOver) {
+TEST(PortInventory, RouteStringOtherThanZeroBelowAThunderboltControllerIsSkipped) {
   EXPECT_EQ(RecordsBelow({{"UID", 1}}, {{"Route String", 1}, {"Address", 0}}), Records());
 }
 
@@ -553,7 +553,7 @@ TEST(PortInventory, UuidIsNotEvenFetchedAfterTheFirstMissingOne) {
               WalkToTheTop("Port1"), Next, OwnReads("Port2"), WalkToTheTop("Port2"), End}));
 }
 
-TEST(PortInventory, ReadsOnlyTheRouteStringOfAPassedOverPort) {
+TEST(PortInventory, ReadsOnlyTheRouteStringOfASkippedPort) {
   Computer computer;
   computer.AddPort("Port0", {{"Route String", 1}});
   EXPECT_EQ(CollectionCalls(computer),
@@ -687,7 +687,7 @@ TEST(PortInventory, AFaultEndsThePassAtTheMissingUidAndReleasesTheIterator) {
               {"ReleaseEntry iterator 1"}}));
 }
 
-TEST(PortInventory, AThunderboltControllerWithoutUidDoesNotMatterToAPassedOverPort) {
+TEST(PortInventory, AThunderboltControllerWithoutUidDoesNotMatterToASkippedPort) {
   EXPECT_EQ(RecordsBelow({}, {{"Route String", 1}}), Records());
 }
 

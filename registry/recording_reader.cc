@@ -220,7 +220,7 @@ class NodeReader {
     if (id.empty()) return table_.ErrorAt(number, "\"ID\" is empty");
     const auto& [plane, parent, ordinal, entry] = table_.nodes[number];
     if (table_.entriesById.emplace(id, IdentifiedEntry{entry, plane}).second) return std::nullopt;
-    return table_.ErrorAt(number, "the ID " + Quoted(id) + " is taken by an earlier node");
+    return table_.ErrorAt(number, "the ID " + Quoted(id) + " belongs to an earlier node");
   }
 
   MaybeError ReadChildren(std::size_t number, Dictionary node) {
@@ -272,7 +272,7 @@ MaybeError ResolveLinks(NodeTable& table) {
   return std::nullopt;
 }
 
-MaybeError PlaceEntries(const NodeTable& table, Recording& recording) {
+MaybeError AddToPlanes(const NodeTable& table, Recording& recording) {
   for (std::size_t number = 0; number < table.nodes.size(); ++number) {
     const auto& node = table.nodes[number];
     auto& plane = recording.planes[table.planeNames[node.plane]];
@@ -305,7 +305,7 @@ MaybeError ReadTopLevel(const PropertyValue& value, Recording& recording) {
   if (!error) error = ReadClasses(*top, recording);
   if (!error) error = ReadPlanes(*top, table, recording.entries);
   if (!error) error = ResolveLinks(table);
-  if (!error) error = PlaceEntries(table, recording);
+  if (!error) error = AddToPlanes(table, recording);
   return error;
 }
 

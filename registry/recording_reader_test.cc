@@ -495,10 +495,10 @@ const Named<RejectedRow> NodeRows[] = {
      {WithRoot(
           Dict({{"ID", "x"},
                 {"Children", List({Dict({{"Name", "a"}}), Dict({{"Name", "b"}, {"ID", "x"}})})}})),
-      "Planes/IOService/Children[1]: the ID \"x\" is taken by an earlier node"}},
+      "Planes/IOService/Children[1]: the ID \"x\" belongs to an earlier node"}},
     {"IdTwiceAcrossPlanes",
      {WithPlanes({{"IOService", Dict({{"ID", "x"}})}, {"IODeviceTree", Dict({{"ID", "x"}})}}),
-      "Planes/IODeviceTree: the ID \"x\" is taken by an earlier node"}},
+      "Planes/IODeviceTree: the ID \"x\" belongs to an earlier node"}},
     {"TwoLinksToOneEntry",
      {WithPlanes({{"IODeviceTree", Dict({{"ID", "x"}})},
                   {"IOService",

@@ -10,8 +10,8 @@
 /// less:
 ///
 ///   # A comment.
-///   proc/cmdline = quiet splash               a file: the text and a line feed, as the kernel
-///   writes sys/devices/pci0000:00/0000:00:0d.2/      a directory
+///   proc/cmdline = quiet splash               a file: the text and a line feed
+///   sys/devices/pci0000:00/0000:00:0d.2/      a directory
 ///     vendor = 0x2a01                         a file in it
 ///     domain0/0-0/                            directories in it
 ///       unique_id : \x00\xFF                  a file of exactly these bytes

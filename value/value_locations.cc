@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <memory>
 
+// The tree is built bottom-up from the events of a reader, with a stack of the values that are
+// open. Children are collected in vectors that grow in the arena: when one is full it moves to an
+// area of twice the size, so time and memory are linear in the values.
+
 namespace fernwick {
 
 ValueLocation::ValueLocation(std::size_t start, std::span<const KeyLocation> entries)
@@ -63,15 +67,14 @@ void LocationBuilder::AddValue(const ValueLocation& location) {
   }
 }
 
-// A vector in the arena: when it is full it moves to twice the room, and the arena keeps the old.
 template <typename Location>
 void LocationBuilder::Append(Children<Location>& children, const Location& location,
                              std::size_t expected) {
   if (children.size == children.capacity) {
     const auto capacity = std::max(std::max<std::size_t>(expected, 2), 2 * children.capacity);
-    auto* room = arena_.Allocate<Location>(capacity);
-    std::uninitialized_copy_n(children.first, children.size, room);
-    children = {room, children.size, capacity};
+    auto* area = arena_.Allocate<Location>(capacity);
+    std::uninitialized_copy_n(children.first, children.size, area);
+    children = {area, children.size, capacity};
   }
   std::construct_at(children.first + children.size, location);
   ++children.size;

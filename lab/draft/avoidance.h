@@ -6,11 +6,12 @@
 
 namespace fernwick::lab {
 
-/// Whether something is so for each candidate of a dimension.
+/// A flag for each candidate of a dimension.
 using CandidateFlags = std::vector<bool>;
 
-/// A choice of one candidate in each dimension such that every obstacle rejects at least one of
-/// them.
+/// A constraint satisfaction problem: choose one candidate in each dimension so that every obstacle
+/// rejects at least one of them. An obstacle is a clause: "not one of these in the first dimension,
+/// or not one of these in the second, or ...".
 struct AvoidanceProblem {
   std::vector<std::size_t> candidates;  // by dimension, how many; at least one
   // By obstacle and dimension, which candidates it accepts.
@@ -23,9 +24,9 @@ struct Avoidance {
   bool isCutShort = false;                              // the search ended before it was complete
 };
 
-/// Searches for a choice, and prefers the first candidates, and those of the last dimensions more
-/// than those of the first. Subtracts its steps, a candidate and an obstacle each, from `steps`,
-/// and ends when there are none left.
+/// Searches for a choice. Prefers the first candidates, those of the last dimensions most. `steps`
+/// is what the search may cost, in tests of one candidate against one obstacle: it is reduced by
+/// what was used, and the search ends, cut short, when it is 0.
 Avoidance FindAvoidance(const AvoidanceProblem& problem, std::size_t& steps);
 
 }  // namespace fernwick::lab

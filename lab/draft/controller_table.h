@@ -44,12 +44,11 @@ class ControllerTable {
 
   const std::vector<const Key*>& Columns() const { return columns_; }
 
-  /// What no personality can require counts as absent: NaN, and a value of another kind than the
-  /// personalities have under the key.
+  /// The row of a controller. What no personality can require counts as absent: NaN, and a value of
+  /// another kind than the personalities have under the key. REQUIRES: Ranked was not called yet.
   ControllerRow RowOf(const HardwareRecord& record, int boardRevision);
 
-  /// The row with its values numbered in their order, from 1: smaller numbers are less. After the
-  /// first call no row is added.
+  /// The row with its values numbered in their order, from 1: smaller numbers are less.
   ControllerRow Ranked(ControllerRow row);
 
   /// The value with that rank. REQUIRES: there is a ranked row.

@@ -7,8 +7,10 @@
 #include "lab/recordings/entry_path.h"
 #include "personality/configuration.h"
 
-namespace fernwick::lab {
+// Controllers are deduplicated by their rows in an ordered map: O(log n) comparisons of rows for
+// each controller, and memory for the n different ones.
 
+namespace fernwick::lab {
 namespace {
 
 LabError ErrorAt(const std::string& path, const LabError& error) {

@@ -37,8 +37,8 @@ Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(const
 /// The same after reading the recording.
 Result<std::shared_ptr<const InspectedComputer>, LabError> InspectComputer(Selected selected);
 
-/// Which controllers of the computer no run of a draft can list, and why, to follow no other text;
-/// empty where all can be listed.
+/// A complete message: which controllers of the computer no run of a draft can list, and why. Empty
+/// where all can be listed.
 std::string DescribeUnlisted(const InspectedComputer& computer);
 
 /// A controller that several computers may have.

@@ -11,7 +11,6 @@
 namespace fernwick::lab {
 namespace {
 
-// Whether an image of the type is for ports, not for Thunderbolt controllers.
 // Whether the controllers that get an image of the type can store the version.
 bool IsStorable(const PropertyValue& version, TypeSet type) {
   const bool isOfThunderbolt = IsOfThunderbolt(type);
@@ -101,7 +100,7 @@ class Drafter {
     Confirm(DraftConfiguration(target_, table_, schema_, selectors));
   }
 
-  // No draft without the consent of the tool's own checks.
+  // Checks the draft with the tool's own requirements before it is returned.
   void Confirm(PropertyList draft) {
     const auto count = [&](const std::vector<ControllerRow>& rows) {
       return CountMatched(draft.value, target_.type, table_, rows);

@@ -34,10 +34,9 @@ constexpr char Description[] =
     "that any computer matches.";
 
 constexpr char Footer[] =
-    "Where there is no such recording, standard error says why. The search ends when it would\n"
-    "take long: where an earlier personality accepts much of what one accepts, and more than\n"
-    "128 do or their lists overlap in many ways, it may find no recording though there is one,\n"
-    "and says so.\n"
+    "Where there is no such recording, standard error says why. The search is limited: where\n"
+    "more than 128 earlier personalities overlap with one, or their long lists do, it may\n"
+    "report that it found none.\n"
     "\n"
     "The files of --all are named DIRECTORY/BOARD-TYPE-N.registry.plist and listed on standard\n"
     "output; a configuration of more than 1000 personalities needs --personality.\n"
@@ -70,7 +69,7 @@ CommandLine Declare(SampleOptions& options) {
               {.name = "BOARD",
                .target = &options.board,
                .help = "the name of a directory in Fernwick/",
-               .least = 1},
+               .minCount = 1},
               {.name = "--personality",
                .target = &options.personality,
                .help = "the type and the number of the personality in its array, from 1",

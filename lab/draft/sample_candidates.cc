@@ -1,7 +1,8 @@
 // Representatives of equivalence classes: of the values that exactly the same personalities accept
-// one is a candidate. Of versions and board revisions, which have a range in each personality,
-// those where the wanted range begins and where another one ends are enough: going down from any
-// other value to the next of these leaves ranges and enters none.
+// one is a candidate. Of versions and board revisions each personality accepts a range, and the
+// lowest value of the wanted range and the first after the end of each other range are enough: any
+// other value can be lowered to the next of these, and no range accepts that which does not accept
+// the value itself. With a wanted range of 3 to 9 and another one of 2 to 5 they are 3 and 6.
 
 #include "lab/draft/sample_candidates.h"
 
@@ -202,6 +203,7 @@ class SampleDimensions {
     }
     if (shape_.reportsHundredths) {
       for (const auto& version : versions) {
+        // The next whole number. A reported 41.00 may be a little more than 41.
         const PropertyValue whole = std::ceil(*version.AsReal() - 0.005);
         for (const auto& next : LowestInstalledVersions(scale, &whole)) AddVersion(next);
       }

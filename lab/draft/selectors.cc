@@ -18,7 +18,6 @@
 namespace fernwick::lab {
 namespace {
 
-constexpr std::size_t MaxExhaustive = 10;
 constexpr std::size_t MaxTries = 16;
 
 // The keys that a personality may lack: those that describe a model first, then those of a position

@@ -85,12 +85,16 @@ struct Separation {
 /// How many pairs of a controller to select and an excepted one are compared at most.
 inline constexpr std::size_t MaxComparedPairs = std::size_t{1} << 22;
 
+/// The different controllers for which all partitions into selectors are tried.
+inline constexpr std::size_t MaxExhaustive = 10;
+
 /// Finds selectors that together accept every wanted controller and no excepted one, with the
 /// constraints that they need. An identifying constraint is used only for controllers that the
-/// other constraints do not distinguish from every excepted one. Within that, for up to
-/// MaxExhaustive different controllers as few selectors as possible, and for that as few
-/// constraints as possible; for more of them, few. A selector has as few constraints as its
-/// controllers allow, of these the best.
+/// other constraints do not distinguish from every excepted one. Within that the selectors are as
+/// few as possible, and then their constraints, where an exhaustive search is affordable: for up to
+/// MaxExhaustive wanted controllers, as long as their subsets times the excepted controllers are at
+/// most MaxComparedPairs. Otherwise the selectors are found by first fit. A selector has as few
+/// constraints as its controllers allow, of these the best.
 Separation FindSelectors(const ConstraintSchema& schema, const std::vector<ControllerRow>& wanted,
                          const std::vector<ControllerRow>& excepted);
 

@@ -112,16 +112,16 @@ FailureCounts CountFailures(const Explanation& explanation) {
 }
 
 // How a run ended and all that it printed.
-struct Seen {
+struct Observed {
   int status;
   std::optional<Fault> fault;
   std::string standardOutput;
   std::string standardError;
 
-  friend bool operator==(const Seen&, const Seen&) = default;
+  friend bool operator==(const Observed&, const Observed&) = default;
 };
 
-Seen SeenOf(const ToolRun& run) {
+Observed ObservedOf(const ToolRun& run) {
   return {run.result.status, run.result.fault, run.standardOutput, run.standardError};
 }
 
@@ -155,9 +155,9 @@ class Bench {
   void ExpectAgreement() {
     const auto quiet = RunWithoutTrace();
     EXPECT_EQ(explanation_.run.result.fault, quiet.fault);
-    EXPECT_EQ(SeenOf(RunTool(pair_.computer.Recorded(), options_)), quiet);
+    EXPECT_EQ(ObservedOf(RunTool(pair_.computer.Recorded(), options_)), quiet);
     if (quiet.fault) return;
-    EXPECT_EQ(SeenOf(explanation_.run), quiet);
+    EXPECT_EQ(ObservedOf(explanation_.run), quiet);
     const bool isPlanned = explanation_.end == RunEnd::Planned;
     EXPECT_EQ(Occurrences("<string>-payload</string>", quiet.standardOutput),
               isPlanned ? explanation_.run.result.matches.size() : 0u);
@@ -165,12 +165,12 @@ class Bench {
     if (HasControllerWithoutUid(pair_.computer.Recorded())) return;
     options_.verbose = true;
     const auto verbose = RunWithoutTrace();
-    EXPECT_EQ(SeenOf(RunTool(pair_.computer.Recorded(), options_)), verbose);
+    EXPECT_EQ(ObservedOf(RunTool(pair_.computer.Recorded(), options_)), verbose);
     EXPECT_EQ(ExplainedMatches(explanation_), testing::ReportedMatches(verbose.standardOutput));
   }
 
  private:
-  Seen RunWithoutTrace() {
+  Observed RunWithoutTrace() {
     RecordedRegistry registry(pair_.computer.Recorded());
     StringConsole console;
     const auto result = Run(options_, registry, console);

@@ -169,15 +169,18 @@ class KeyExplainer {
       if (const auto dictionary = candidates[i].AsDictionary()) {
         personality.isDictionary = true;
         if (const auto* firmware = dictionary->Find("Firmware")) personality.firmware = *firmware;
-        personality.unread = SortKeys(*dictionary, {key.key, i, {}}, key.type, location, locations);
+        personality.unread =
+            PartitionKeys(*dictionary, {key.key, i, {}}, key.type, location, locations);
       }
       key.personalities.push_back(std::move(personality));
     }
   }
 
-  // Returns the keys that the type does not read; the locations of the others go to `read`.
-  std::vector<UnreadKey> SortKeys(Dictionary personality, KeyOfPersonality of, TypeSet type,
-                                  const ValueLocation* location, std::vector<ReadKey>& read) const {
+  // Partitions the keys: returns those that the type does not read; the locations of the others go
+  // to `read`.
+  std::vector<UnreadKey> PartitionKeys(Dictionary personality, KeyOfPersonality of, TypeSet type,
+                                       const ValueLocation* location,
+                                       std::vector<ReadKey>& read) const {
     const KeyLocations locations(location);
     std::vector<UnreadKey> unread;
     for (const auto& [key, value] : personality.Entries()) {
@@ -196,7 +199,7 @@ class KeyExplainer {
   // `location` is that of the key or of its value; null: the file does not have it.
   template <typename Location>
   std::optional<ValueOrigin> OriginOf(const KeyOfPersonality& key, const Location* location) const {
-    if (trial_.SetKey(key.type, key.index, key.key)) return ValueOrigin(PersonalityOption);
+    if (trial_.SetsKey(key.type, key.index, key.key)) return ValueOrigin(PersonalityOption);
     return LocationOf(location);
   }
 

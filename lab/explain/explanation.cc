@@ -39,7 +39,7 @@ ExplainedSource OptionsSource(Registry& registry, std::string_view property) {
 
 // REQUIRES: the switch is set, and a boot argument that is a bare name did not end the run or is
 // hidden from it.
-SetSwitch WhereSet(const Recording& recording, std::string_view name) {
+ActiveSwitch WhereSet(const Recording& recording, std::string_view name) {
   RecordedRegistry registry(recording);
   TrialRegistry withoutVariables(recording);
   withoutVariables.HideSwitchVariables();

@@ -126,7 +126,7 @@ struct ExplainedPlan {
 };
 
 /// A switch that is set, and where.
-struct SetSwitch {
+struct ActiveSwitch {
   std::string_view name;
   bool isBootArgument;  // otherwise an NVRAM variable
   ExplainedSource source;
@@ -162,7 +162,7 @@ struct Explanation {
   ExplainedSources faultSources = {};     // the properties that the fault is about
   std::vector<std::string> changes = {};  // what was changed before: "--board-revision 3"
   BoardIdentity identity = {};
-  std::vector<SetSwitch> switches = {};  // the bypass switches that the run reads as set
+  std::vector<ActiveSwitch> switches = {};  // the bypass switches that the run reads as set
   std::optional<std::string> configurationPath = {};
   std::optional<LabError> configurationError = {};  // why one that exists cannot be used
   std::vector<std::string> nearBoards = {};         // of a board that the payload does not have
@@ -173,13 +173,13 @@ struct Explanation {
                                                     // otherwise
 };
 
-/// What a run differs in from that over the files as they are.
+/// Changes of the computer and of the payload that are applied before the run.
 struct ExplainedTrial {
   const Changes* changes = nullptr;  // of which `load` applies those of personalities; null: none
   ConfigurationLoader load = LoadPersonalityConfiguration;
 
-  bool SetKey(std::string_view type, std::size_t personality, std::string_view key) const {
-    return changes != nullptr && changes->SetKey(type, personality + 1, key);
+  bool SetsKey(std::string_view type, std::size_t personality, std::string_view key) const {
+    return changes != nullptr && changes->SetsKey(type, personality + 1, key);
   }
 };
 

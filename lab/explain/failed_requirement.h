@@ -24,10 +24,12 @@ struct FailedRequirement {
 };
 
 /// All requirements of the type that the personality does not meet, in the order of the table,
-/// where the tool stops at the first. What the table tests twice is there once. The tool compares
-/// no bound with a version that the controller does not report; a bound that every version would
-/// fail is in the list all the same, so that the pair matches once all that is listed is met. The
-/// version that the personality offers has the reason that it has with every version, too.
+/// where the tool stops at the first. What the table tests twice is listed once.
+///
+/// Where the controller reports no version, the tool tests no bound. Then a bound is listed that
+/// fails for every version that the controller could report, as a maximum of -1 does, and "Version"
+/// is not newer if it is newer than none of them: the pair matches once everything that is listed
+/// is fixed.
 std::vector<FailedRequirement> FailedRequirements(TypeSet type, Dictionary personality,
                                                   const RequirementContext& context);
 

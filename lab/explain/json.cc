@@ -121,7 +121,7 @@ Json OutcomeJson(const Explanation& explanation) {
   return json;
 }
 
-Json SwitchJson(const SetSwitch& set) {
+Json SwitchJson(const ActiveSwitch& set) {
   return {{"name", set.name},
           {"setBy", set.isBootArgument ? "bootArgument" : "nvramVariable"},
           {"source", SourceJson(set.source)}};

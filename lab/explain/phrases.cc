@@ -93,7 +93,7 @@ std::vector<std::string> SourceLines(const FailedRequirement& failed,
   return lines;
 }
 
-std::string SwitchText(const SetSwitch& set) {
+std::string SwitchText(const ActiveSwitch& set) {
   return std::string("the ") + (set.isBootArgument ? "boot argument " : "NVRAM variable ") +
          std::string(set.name);
 }

@@ -36,7 +36,7 @@ std::vector<std::string> SourceLines(const FailedRequirement& failed,
                                      const ExplainedController& controller);
 
 /// "the boot argument fernwick_bypassversioncheck", "the NVRAM variable ...".
-std::string SwitchText(const SetSwitch& set);
+std::string SwitchText(const ActiveSwitch& set);
 
 /// What bypasses the version check. REQUIRES: the option or a switch does.
 std::string BypassText(const Explanation& explanation);

@@ -1,5 +1,7 @@
 #include "lab/explain/trial_registry.h"
 
+#include <algorithm>
+
 #include "driver/bypass_switch.h"
 
 namespace fernwick::lab {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,8 +23,8 @@ class TrialRegistry : public RecordedRegistry {
   /// from either source, nor a boot argument that is the bare name of a switch.
   void HideWhatEndsTheRun() { hidesWhatEndsTheRun_ = true; }
 
-  /// From now on every controller has a "UID". Those that got theirs by it are in
-  /// ControllersWithoutUid() when it was read.
+  /// From now on every controller has a "UID". One that has none of its own is added to
+  /// ControllersWithoutUid() when its "UID" is read.
   void SupplyUids() { suppliesUids_ = true; }
 
   /// In the order in which they were read, each once.

@@ -5,6 +5,7 @@
 
 #include "lab/support/json_reading.h"
 #include "lab/support/json_stream.h"
+#include "lab/support/stable_hash.h"
 
 namespace fernwick::lab {
 namespace {
@@ -16,7 +17,7 @@ using Counts = std::unordered_map<std::uint64_t, std::size_t>;
 std::optional<std::uint64_t> ParseFingerprint(const std::string& text) {
   std::uint64_t fingerprint = 0;
   std::from_chars(text.data(), text.data() + text.size(), fingerprint, 16);
-  if (FingerprintText(fingerprint) != text) return std::nullopt;
+  if (HashText(fingerprint) != text) return std::nullopt;
   return fingerprint;
 }
 
@@ -69,7 +70,7 @@ std::string Baseline::Text() const {
   stream.AddMembers({{"version", FormatVersion}});
   stream.Begin("findings", '[');
   for (const auto& [entry, count] : found_) {
-    stream.Add({{"fingerprint", FingerprintText(entry.fingerprint)},
+    stream.Add({{"fingerprint", HashText(entry.fingerprint)},
                 {"count", count},
                 {"id", entry.id},
                 {"path", entry.path},

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "lab/lint/rules/shape_rules.h"
+#include "lab/support/stable_hash.h"
 #include "testing/temporary_directory.h"
 
 namespace fernwick::lab {
@@ -51,7 +52,7 @@ TEST(Baseline, IsSavedInTheOrderOfPaths) {
             "  \"findings\": [\n"
             "    {\n"
             "      \"fingerprint\": \"" +
-                FingerprintText(FingerprintOf(Author)) +
+                HashText(FingerprintOf(Author)) +
                 "\",\n"
                 "      \"count\": 1,\n"
                 "      \"id\": \"unread-key\",\n"
@@ -60,7 +61,7 @@ TEST(Baseline, IsSavedInTheOrderOfPaths) {
                 "    },\n"
                 "    {\n"
                 "      \"fingerprint\": \"" +
-                FingerprintText(FingerprintOf(Comment)) +
+                HashText(FingerprintOf(Comment)) +
                 "\",\n"
                 "      \"count\": 2,\n"
                 "      \"id\": \"unread-key\",\n"

@@ -214,7 +214,7 @@ const Named<Row> Values[] = {
      {LegacyThunderbolt({{"RID", List({0, 16, "1", List({2})})},
                          {"Ridge UID", List({})},
                          {"Ridge Silicon Revision", List({"x", 1.5})}}),
-      "error: no element of \"Ridge Silicon Revision\" can match; of the first, \"x\": it is no "
+      "error: no element of \"Ridge Silicon Revision\" can match; of the first, \"x\": it is not a "
       "number [dead-list]\n"
       "warning: 16 in \"RID\" can never match: controllers have whole numbers from 0 to 15 there "
       "[dead-list-element]\n"

@@ -59,11 +59,14 @@ class ConfigurationFindings {
 
   void Add(const LintRule& rule, std::size_t offset, std::string message);
 
-  /// Memory or descriptors were lacking for the file at the path: the findings say nothing.
-  void Lack(const std::string& path, const Error& error) { lack_ = path + ": " + error.message; }
+  /// There was not enough memory, or not enough descriptors, for the file at the path: the findings
+  /// say nothing.
+  void SetResourceError(const std::string& path, const Error& error) {
+    resourceError_ = path + ": " + error.message;
+  }
 
-  /// "PATH: what was lacking" once there was a lack; else empty.
-  const std::string& Lack() const { return lack_; }
+  /// "PATH: what is not enough"; empty while there was enough.
+  const std::string& ResourceError() const { return resourceError_; }
 
   /// By offset, then by ID, then by message. What is not listed of a rule is one row where it
   /// begins.
@@ -83,7 +86,7 @@ class ConfigurationFindings {
   const LocatedPersonality* personality_ = nullptr;
   std::optional<std::uint64_t> identity_;  // of the personality, once it is computed
   std::map<const LintRule*, RowsOfRule> found_;
-  std::string lack_;
+  std::string resourceError_;
 };
 
 /// "Excerpt" in double quotes: a text from a file, short and fit for a terminal.

@@ -1,35 +1,34 @@
-// FNV-1a with 64 bits over the parts of an identity, with a zero byte after each.
-
 #include "lab/lint/fingerprint.h"
 
 #include <algorithm>
-#include <cinttypes>
-#include <cstdio>
 #include <string>
 
 #include "lab/lint/acceptance.h"
+#include "lab/support/stable_hash.h"
 #include "value/textual_dump.h"
 
 namespace fernwick::lab {
 namespace {
 
-class Hash {
+// The parts of an identity, with a zero byte after each text.
+class IdentityHash {
  public:
   void Add(std::string_view part) {
-    for (const char c : part) AddByte(static_cast<unsigned char>(c));
-    AddByte(0);
+    hash_.Add(part);
+    hash_.Add(std::string_view("", 1));
   }
 
   void AddNumber(std::uint64_t number) {
-    for (int shift = 0; shift < 64; shift += 8) AddByte(number >> shift & 0xFF);
+    for (int shift = 0; shift < 64; shift += 8) {
+      const char byte = static_cast<char>(number >> shift & 0xFF);
+      hash_.Add({&byte, 1});
+    }
   }
 
-  std::uint64_t Value() const { return value_; }
+  std::uint64_t Value() const { return hash_.Value(); }
 
  private:
-  void AddByte(std::uint64_t byte) { value_ = (value_ ^ byte) * 0x100000001B3; }
-
-  std::uint64_t value_ = 0xCBF29CE484222325;
+  StableHash hash_;
 };
 
 std::size_t EndOfDigits(std::string_view text, std::size_t start) {
@@ -45,7 +44,7 @@ std::size_t LocationLength(std::string_view text) {
   return text.substr(line).starts_with(':') ? EndOfDigits(text, line + 1) : 0;
 }
 
-void AddWithoutLocations(std::string_view message, Hash& hash) {
+void AddWithoutLocations(std::string_view message, IdentityHash& hash) {
   constexpr std::string_view Before = " at ";
   for (auto at = message.find(Before); at != std::string_view::npos; at = message.find(Before)) {
     hash.Add(message.substr(0, at));
@@ -58,7 +57,7 @@ void AddWithoutLocations(std::string_view message, Hash& hash) {
 }  // namespace
 
 std::uint64_t IdentityOf(const LocatedPersonality& personality) {
-  Hash hash;
+  IdentityHash hash;
   hash.Add(personality.typeName);
   for (const auto* key : SetKeys()) {
     const auto* entry = personality.Find(key->name);
@@ -70,18 +69,12 @@ std::uint64_t IdentityOf(const LocatedPersonality& personality) {
 }
 
 std::uint64_t FingerprintOf(const FindingIdentity& identity) {
-  Hash hash;
+  IdentityHash hash;
   hash.Add(identity.rule->id);
   hash.Add(identity.path);
   hash.AddNumber(identity.personality);
   AddWithoutLocations(identity.message, hash);
   return hash.Value();
-}
-
-std::string FingerprintText(std::uint64_t fingerprint) {
-  char text[17];
-  std::snprintf(text, sizeof text, "%016" PRIx64, fingerprint);
-  return text;
 }
 
 }  // namespace fernwick::lab

@@ -23,10 +23,7 @@ struct FindingIdentity {
 /// what the plan contains do not count.
 std::uint64_t IdentityOf(const LocatedPersonality& personality);
 
-/// A hash of the identity. It is the same on every computer.
+/// A hash of the identity, which HashText shows. It is the same on every computer.
 std::uint64_t FingerprintOf(const FindingIdentity& identity);
-
-/// The fingerprint as 16 hexadecimal digits.
-std::string FingerprintText(std::uint64_t fingerprint);
 
 }  // namespace fernwick::lab

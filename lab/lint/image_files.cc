@@ -32,7 +32,7 @@ std::optional<std::string> ImageFiles::Read(std::string_view name, const std::st
                                             std::size_t offset) {
   auto contents = ReadWholeFile(path);
   if (!contents && UnreadableStatus(contents.Error()) == LabStatus::OutOfMemory) {
-    findings_.Lack(path, contents.Error());
+    findings_.SetResourceError(path, contents.Error());
   } else if (!contents) {
     findings_.Add(LintRuleOf::UnreadableFile, offset,
                   Quoted(name) + " cannot be read: " + contents.Error().message);

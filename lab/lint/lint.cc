@@ -114,7 +114,7 @@ std::unique_ptr<LintFormat> MakeFormat(const std::string& format, Console& conso
 // What is wrong with the options together; empty when nothing is.
 std::string UsageError(const LintOptions& options) {
   if (options.payload.has_value() + options.explained.has_value() + options.list != 1) {
-    return "one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help";
+    return "exactly one of PAYLOAD, --explain and --list is needed; see fernwick-lab lint --help";
   }
   if (!options.updatesBaseline) return "";
   if (!options.baseline) return "--update-baseline needs --baseline FILE";

@@ -95,15 +95,15 @@ class Found {
                         const BoardFiles& files) {
     ConfigurationFindings findings(RelativeToPayload(path), filter_);
     LintConfiguration(subject, files, findings);
-    lack_ = findings.Lack();
+    resourceError_ = findings.ResourceError();
     for (auto& [rule, offset, message, fingerprint, count] : findings.TakeSorted()) {
       found_.push_back(
           {rule, path, subject.file.LocationOf(offset), std::move(message), fingerprint, count});
     }
   }
 
-  // As ConfigurationFindings::Lack.
-  const std::string& Lack() const { return lack_; }
+  // As that of ConfigurationFindings.
+  const std::string& ResourceError() const { return resourceError_; }
 
   void PassOn() {
     std::ranges::sort(found_, {}, OrderOf);
@@ -116,7 +116,7 @@ class Found {
   const FindingSink& sink_;
   const FindingFilter& filter_;  // may be empty
   std::vector<Finding> found_;
-  std::string lack_;
+  std::string resourceError_;
 };
 
 class PayloadLinter {
@@ -163,7 +163,8 @@ class PayloadLinter {
   }
 
   void AddUnreadable(const std::string& path, const Error& error) {
-    if (UnreadableStatus(error) == LabStatus::OutOfMemory) return Lack(path + ": " + error.message);
+    if (UnreadableStatus(error) == LabStatus::OutOfMemory)
+      return SetResourceError(path + ": " + error.message);
     found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + error.message);
     result_.status = LabStatus::UnreadableInput;
   }
@@ -173,7 +174,7 @@ class PayloadLinter {
   }
 
   // Without memory or descriptors nothing can be said of the payload.
-  void Lack(const std::string& what) {
+  void SetResourceError(const std::string& what) {
     result_.error = what;
     result_.status = LabStatus::OutOfMemory;
   }
@@ -264,7 +265,7 @@ class PayloadLinter {
     if (!configuration) return AddUnusable(path, configuration.Error());
     const LintSubject subject(*configuration);
     found_.AddConfiguration(subject, path, files);
-    if (!found_.Lack().empty()) return Lack(found_.Lack());
+    if (!found_.ResourceError().empty()) return SetResourceError(found_.ResourceError());
     if (!configuration->Value().AsDictionary()) return;
     found_.AddForEach(LintRuleOf::UnusedFile, UnusedFiles(subject, names), files.boardDirectory,
                       "no personality of the board names it");

@@ -4,6 +4,7 @@
 
 #include "lab/support/json_stream.h"
 #include "lab/support/messages.h"
+#include "lab/support/stable_hash.h"
 #include "lab/support/words.h"
 
 namespace fernwick::lab {
@@ -44,7 +45,7 @@ Json ToJson(const Finding& finding) {
   }
   json["message"] = finding.message;
   json["count"] = finding.count;
-  json["fingerprint"] = FingerprintText(finding.fingerprint);
+  json["fingerprint"] = HashText(finding.fingerprint);
   return json;
 }
 

@@ -21,7 +21,7 @@ std::span<const PropertyValue> ValuesOf(const LocatedEntry* entry) {
 // A set of RIDs, which are 0 to 15: bit N for N.
 using Rids = unsigned;
 
-// The RID that the number is; none when it is no RID.
+// The RID that the number is; empty when it is not one.
 Rids OfRid(const PropertyValue& number) {
   for (int rid = 0; rid < 16; ++rid) {
     if (NumbersEqual(number, rid)) return 1u << rid;
@@ -29,7 +29,8 @@ Rids OfRid(const PropertyValue& number) {
   return 0;
 }
 
-// The RID of a controller with the unique id, as the inventory computes it; none when it is no id.
+// The RID of a controller with the unique id, as the inventory computes it; empty when it is not
+// one.
 Rids OfUid(const PropertyValue& uid) {
   const auto number = uid.AsNumber();
   return number ? 1u << (ToUnsigned64(*number) & 0xF) : 0;

@@ -9,6 +9,7 @@
 
 #include "lab/lint/report.h"
 #include "lab/support/json_stream.h"
+#include "lab/support/stable_hash.h"
 
 namespace fernwick::lab {
 namespace {
@@ -102,7 +103,7 @@ class LintSarif : public LintFormat {
     if (finding.path != path_) numbers_.clear();
     path_ = finding.path;
     const auto number = ++numbers_[finding.fingerprint];
-    return FingerprintText(finding.fingerprint) + ":" + std::to_string(number);
+    return HashText(finding.fingerprint) + ":" + std::to_string(number);
   }
 
   JsonStream stream_;

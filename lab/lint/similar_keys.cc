@@ -101,13 +101,13 @@ std::string_view SimilarAmong(std::string_view name, const Words& words, TypeSet
                               bool isReadByType) {
   std::string_view similar;
   std::string_view origin;
-  auto least = std::string_view::npos;
+  auto minDistance = std::string_view::npos;
   for (const auto& [key, known] : KnownKeys()) {
     const bool isRead = ((key->checkedBy | key->plannedBy) & type) != 0;
     if (key->kind == KeyKind::NotRead || isRead != isReadByType) continue;
     const auto distance = WordDistance(words, known);
-    if (distance < least) similar = key->name;
-    least = std::min(least, distance);
+    if (distance < minDistance) similar = key->name;
+    minDistance = std::min(minDistance, distance);
     if (origin.empty() && IsPropertyOf(name, *key)) origin = key->name;
   }
   return similar.empty() ? origin : similar;

@@ -30,7 +30,7 @@ VerbEnd RecordVerb(int argumentCount, char* const arguments[]) {
       .description = Description,
       .footer = Example,
       .arguments = {
-          {.name = "OUT", .target = &out, .help = "the file to write", .least = 1},
+          {.name = "OUT", .target = &out, .help = "the file to write", .minCount = 1},
           {.name = "--root",
            .target = &root,
            .help = "a directory with a copy of another computer's files",

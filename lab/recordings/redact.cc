@@ -183,7 +183,7 @@ std::optional<int> Parse(RedactArguments& into, int argumentCount, char* const a
           {.name = "RECORDING",
            .target = &into.paths,
            .help = "the recorded computers, and last the file or directory OUT that they go to",
-           .least = 2},
+           .minCount = 2},
           {.name = "--key",
            .target = &into.replacedKeys,
            .help = "replace the properties of that name as well; may be repeated",

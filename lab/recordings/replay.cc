@@ -6,6 +6,7 @@
 #include "driver/run.h"
 #include "lab/recordings/recording_file.h"
 #include "lab/support/messages.h"
+#include "lab/support/spelling.h"
 #include "lab/verbs.h"
 #include "registry/recorded_registry.h"
 
@@ -21,9 +22,16 @@ std::vector<char*> ToolArguments(std::string& toolName, int argumentCount,
   return vector;
 }
 
-}  // namespace
+// What is wrong with the first argument; empty when nothing is.
+std::string OperandError(int argumentCount, std::string_view first) {
+  if (argumentCount == 0) return "RECORDING or --host is required";
+  if (!first.starts_with('-') || first == "-" || first == "--host") return "";
+  constexpr std::string_view Known[] = {"--host", "--help"};
+  return "there is no option \"" + std::string(first) + "\" before RECORDING" +
+         SuggestionFor(first, Known);
+}
 
-const char ReplayHelp[] =
+constexpr char ReplayHelp[] =
     "Runs the tool, unchanged, over a recorded computer, or over this one.\n"
     "Usage: fernwick-lab replay RECORDING|--host [TOOL-ARGUMENT...]\n"
     "\n"
@@ -36,12 +44,14 @@ const char ReplayHelp[] =
     "Example:\n"
     "  fernwick-lab replay desk.registry.plist -v -p payload\n";
 
+}  // namespace
+
 VerbEnd ReplayVerb(int argumentCount, char* const arguments[]) {
   const std::string_view first = argumentCount == 0 ? "" : arguments[0];
   if (first == "-h" || first == "--help") return PrintResult(ReplayHelp);
-  const bool isOption = first.starts_with('-') && first != "-" && first != "--host";
-  if (argumentCount == 0 || isOption) {
-    ProcessConsole().WriteError(ReplayHelp);
+  const auto error = OperandError(argumentCount, first);
+  if (!error.empty()) {
+    PrintError(error + "; see fernwick-lab replay --help");
     return LabStatus::BadUsage;
   }
   const ComputerOperand computer = {.recording = arguments[0], .isHost = first == "--host"};

@@ -86,10 +86,17 @@ TEST(Replay, ReadsTheRecordingFromStandardInput) {
   EXPECT_EQ(ReplayOf({"-"}).standardError, "fernwick-lab: standard input: the file is empty\n");
 }
 
-TEST(Replay, WithoutARecordingPrintsItsUsage) {
+TEST(Replay, NeedsARecordingBeforeTheToolsArguments) {
+  const std::string help = "; see fernwick-lab replay --help\n";
   EXPECT_EQ(ReplayOf({}).status, 64);
-  EXPECT_EQ(ReplayOf({}).standardError, ReplayHelp);
+  EXPECT_EQ(ReplayOf({}).standardError, "fernwick-lab: RECORDING or --host is required" + help);
   EXPECT_EQ(ReplayOf({"-v"}).status, 64);
+  EXPECT_EQ(ReplayOf({"-v"}).standardError,
+            "fernwick-lab: there is no option \"-v\" before RECORDING" + help);
+  EXPECT_EQ(ReplayOf({"--hots", "-v"}).standardError,
+            "fernwick-lab: there is no option \"--hots\" before RECORDING (did you mean "
+            "\"--host\"?)" +
+                help);
 }
 
 }  // namespace

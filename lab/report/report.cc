@@ -63,7 +63,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], ReportArgum
           {.name = "-o,--output",
            .target = &into.out,
            .help = "the page; - is standard output",
-           .least = 1,
+           .minCount = 1,
            .valueName = "FILE"},
           {.name = "--force", .target = &into.replaces, .help = "replace FILE where it exists"},
           {.name = "--title",

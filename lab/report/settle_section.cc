@@ -11,14 +11,14 @@
 namespace fernwick::lab {
 namespace {
 
-struct OutcomeLook {
+struct OutcomeStyle {
   std::size_t tone;
   const char* meaning;
   const char* list;  // the ID
 };
 
 // In the order of the outcomes.
-constexpr std::array<OutcomeLook, SettleOutcomeCount> Looks = {{
+constexpr std::array<OutcomeStyle, SettleOutcomeCount> Styles = {{
     {0, "nothing more is planned", "settled-after"},
     {2, "nothing more is planned, but the payload has newer versions for its controllers", "stuck"},
     {8, "a plan is printed again and again", "never-settles"},
@@ -68,7 +68,7 @@ std::string SettleSection::Markup(const std::string& command) const {
   for (std::size_t i = 0; i < SettleOutcomeCount; ++i) {
     const auto outcome = static_cast<SettleOutcome>(i);
     const auto count = totals_.Count(outcome);
-    const auto& [tone, meaning, list] = Looks[i];
+    const auto& [tone, meaning, list] = Styles[i];
     const std::string name(NameOf(outcome));
     bar.segments.push_back({name, count, Tone(tone)});
     if (count == 0) continue;

@@ -17,7 +17,7 @@ namespace fernwick::lab {
 
 /// A version as the page shows and orders it.
 struct ShownVersion {
-  std::string text;              // rounded to hundreds of a millionth; "unknown"
+  std::string text;              // rounded to millionths; "unknown"
   std::optional<double> number;  // empty: unknown, before all others
 
   friend auto operator<=>(const ShownVersion&, const ShownVersion&) = default;

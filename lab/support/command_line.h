@@ -32,7 +32,7 @@ struct Argument {
   std::string name;  // "RECORDING", "--json" or "-p,--payload"
   ArgumentTarget target;
   std::string help;
-  int least = 0;                          // the number of values that the verb needs
+  int minCount = 0;                       // of the values that the verb needs
   std::string valueName = "TEXT";         // for the help
   std::vector<std::string> choices = {};  // the only values that are accepted; empty: any
   // An operand that this option replaces: exactly one of the two is needed. The operand is declared
@@ -56,8 +56,8 @@ struct CommandLine {
 
 /// Parses the arguments after the verb. Returns nullopt when the verb can go on. Otherwise returns
 /// the process's exit status, having printed the help on standard output (-h, --help) or one line
-/// on standard error that says what is wrong (LabStatus::BadUsage); an option that does not exist
-/// is named before anything else, with the most similar one.
+/// on standard error that says what is wrong (LabStatus::BadUsage): first of all an option that
+/// does not exist, with the most similar one.
 std::optional<int> ParseCommandLine(const CommandLine& line, int argumentCount,
                                     char* const arguments[]);
 

@@ -26,7 +26,7 @@ Parsed Parse(const testing::CommandLine& line) {
       .description = "Shows one.",
       .footer = "",
       .arguments = {
-          {.name = "RECORDING", .target = &parsed.recording, .help = "the one", .least = 1},
+          {.name = "RECORDING", .target = &parsed.recording, .help = "the one", .minCount = 1},
           {.name = "--json", .target = &parsed.json, .help = "print JSON"},
       }};
   testing::StandardErrorCapture errors;
@@ -99,11 +99,9 @@ TEST(CommandLine, WithAMistypedOptionNamesItBeforeWhatIsMissing) {
 
 TEST(CommandLine, WithAnOperandTooManyIsRefused) {
   EXPECT_EQ(Parse({"x", "y"}).standardError,
-            "fernwick-lab: The following argument was not expected: y; see fernwick-lab show "
-            "--help\n");
+            "fernwick-lab: the operand \"y\" is not expected; see fernwick-lab show --help\n");
   EXPECT_EQ(Parse({"x", "--", "--jsno"}).standardError,
-            "fernwick-lab: The following arguments were not expected: --jsno --; see fernwick-lab "
-            "show --help\n");
+            "fernwick-lab: the operand \"--jsno\" is not expected; see fernwick-lab show --help\n");
 }
 
 TEST(CommandLine, AfterTwoDashesContainsOnlyOperands) {
@@ -129,7 +127,7 @@ ParsedMany ParseMany(const testing::CommandLine& line) {
       .description = "",
       .footer = "",
       .arguments = {
-          {.name = "RECORDING", .target = &parsed.recordings, .help = "", .least = 2},
+          {.name = "RECORDING", .target = &parsed.recordings, .help = "", .minCount = 2},
           {.name = "--key", .target = &parsed.keys, .help = ""},
           {.name = "--plane", .target = &parsed.plane, .help = ""},
           {.name = "--format", .target = &parsed.format, .help = "", .choices = {"text", "json"}},
@@ -197,10 +195,29 @@ TEST(CommandLine, WithAValueThatIsNotAcceptedIsRefused) {
   };
   const std::string help = "; see fernwick-lab many --help\n";
   EXPECT_EQ(refusal({"a", "b", "--format", "xml"}),
-            "fernwick-lab: --format: xml not in {text,json}" + help);
-  EXPECT_EQ(refusal({"a", "b", "-j0"}), "fernwick-lab: --jobs: Value 0 not in range 1 to 8" + help);
-  EXPECT_EQ(refusal({"a", "b", "-j9"}), "fernwick-lab: --jobs: Value 9 not in range 1 to 8" + help);
+            "fernwick-lab: --format: \"xml\" is not one of text, json" + help);
+  for (const std::string jobs :
+       {"0", "9", "", "x", "1x", "-1", "+1", " 1", "0x1", "99999999999999999999"}) {
+    EXPECT_EQ(refusal({"a", "b", "--jobs", jobs.c_str()}),
+              "fernwick-lab: --jobs: \"" + jobs + "\" is not a number from 1 to 8" + help);
+  }
+  EXPECT_EQ(refusal({"a", "b", "-j1", "-j2"}), "fernwick-lab: --jobs can be used once" + help);
+  EXPECT_EQ(refusal({"a", "b", "--plane", "p", "--plane=q"}),
+            "fernwick-lab: --plane can be used once" + help);
+  EXPECT_EQ(refusal({"a", "b", "--plane"}),
+            "fernwick-lab: --plane: 1 required TEXT missing" + help);
   EXPECT_EQ(refusal({"a"}), "fernwick-lab: RECORDING: At least 2 required but received 1" + help);
+}
+
+TEST(CommandLine, WithAMistypedOptionNamesItBeforeAWrongValue) {
+  for (const auto& line : {testing::CommandLine{"a", "--plnae", "p", "--format", "xml"},
+                           testing::CommandLine{"-j0", "a", "b", "--plnae=p"},
+                           testing::CommandLine{"--share", "--plnae", "--plnae"},
+                           testing::CommandLine{"--plane", "p", "--plane", "q", "--plnae"}}) {
+    EXPECT_EQ(ParseMany(line).standardError,
+              "fernwick-lab: there is no option \"--plnae\" (did you mean \"--plane\"?); see "
+              "fernwick-lab many --help\n");
+  }
 }
 
 TEST(CommandLine, HasListsOfWords) {

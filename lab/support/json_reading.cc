@@ -47,7 +47,7 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
   }
 
   Json TakeDocument() { return std::move(document_); }
-  const Error& WhyNone() const { return error_; }
+  const Error& ParseError() const { return error_; }
 
  private:
   // An array or object that has begun.
@@ -100,7 +100,7 @@ class JsonBuilder : public nlohmann::json_sax<Json> {
 
 Result<Json> ParseJson(std::string_view text) {
   JsonBuilder builder(text);
-  if (!Json::sax_parse(text, &builder)) return builder.WhyNone();
+  if (!Json::sax_parse(text, &builder)) return builder.ParseError();
   return builder.TakeDocument();
 }
 

@@ -39,7 +39,7 @@ namespace {
 constexpr std::size_t MaxExpansion = 1000;
 constexpr std::size_t TarBlock = 512;
 
-constexpr char ExpansionText[] = "it expands to more than 1 GiB and 1000 times its size";
+constexpr char ExpansionText[] = "it expands to more than 1 GiB plus 1000 times its size";
 
 constexpr std::string_view ArchiveSuffixes[] = {".tar", ".tar.gz",  ".tgz",  ".tar.xz",
                                                 ".txz", ".tar.zst", ".tzst", ".zip"};

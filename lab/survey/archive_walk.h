@@ -33,9 +33,9 @@ bool IsArchive(const std::string& path);
 /// compressed by gzip, xz or zstd, or a zip file. Only regular files without encryption are read,
 /// into memory alone: a name may be any text. Archives inside archives are not opened.
 ///
-/// An archive that cannot be read on, for it is damaged or truncated, ends with one result for
-/// itself, and a member of a zip file that is damaged has an error of its own. One that expands to
-/// more than 1 GiB and 1000 times its size is read up to there.
+/// An archive that is damaged, truncated, or expands to more than 1 GiB plus 1000 times its size is
+/// read up to there and ends with one result for itself. A damaged member of a zip file has an
+/// error of its own.
 class ArchiveWalk {
  public:
   /// A member of more than `maxSize` bytes has an error.

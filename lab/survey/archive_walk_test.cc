@@ -259,7 +259,7 @@ TEST_F(ArchiveFiles, ThatExpandToTooMuchEndThere) {
   EXPECT_EQ(In("a.tar.zst", Bomb(500)), Lines{"a.tar.zst:a.registry.plist=A"});
   EXPECT_EQ(In("a.tar.zst", Bomb(1200)),
             (Lines{"a.tar.zst:a.registry.plist=A",
-                   "a.tar.zst!66 it expands to more than 1 GiB and 1000 times its size"}));
+                   "a.tar.zst!66 it expands to more than 1 GiB plus 1000 times its size"}));
 }
 
 TEST_F(ArchiveFiles, ThatCannotBeOpenedSayWhy) {

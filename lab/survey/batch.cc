@@ -22,8 +22,8 @@ const char SelectionHelp[] =
     "directories are not followed. An archive is a tar file, also one compressed by gzip, xz or\n"
     "zstd, or a zip file, and selects every *.registry.plist in it, in its order, as\n"
     "ARCHIVE:NAME. It is recognised by its suffix (.tar, .tar.gz, .tgz, .tar.xz, .txz,\n"
-    ".tar.zst, .tzst, .zip) or, when it is named, by its contents, and read as far as it\n"
-    "expands to 1 GiB and 1000 times its size.\n"
+    ".tar.zst, .tzst, .zip) or, when it is named, by its contents. At most 1 GiB plus 1000\n"
+    "times its size is unpacked of it.\n"
     "- reads paths from standard input, one a line or each followed by a NUL character.\n";
 
 void AddBatchOptions(CommandLine& line, BatchOptions& options) {
@@ -31,7 +31,7 @@ void AddBatchOptions(CommandLine& line, BatchOptions& options) {
   line.arguments.push_back({.name = "RECORDING",
                             .target = &options.paths,
                             .help = "recorded computers, directories of them, or -",
-                            .least = 1,
+                            .minCount = 1,
                             .valueName = ""});
   line.arguments.push_back({.name = "-j,--jobs",
                             .target = BoundedNumber{&options.jobs, 1, MaxJobs},

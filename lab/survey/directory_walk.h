@@ -10,8 +10,8 @@ namespace fernwick::lab {
 
 /// Goes over every file below a directory whose name is that of a recording or of an archive, in
 /// the bytewise order of their paths. A link to a directory is not followed, so there is no loop. A
-/// depth-first walk that stores the names of the directories between the top and the current path,
-/// not those of all.
+/// depth-first walk that stores the listings of the directories between the top and the current
+/// path, not those of all.
 class DirectoryWalk {
  public:
   explicit DirectoryWalk(std::string directory) { Enter(std::move(directory)); }

@@ -14,6 +14,10 @@
 
 #include "platform/file_system.h"
 
+// An index of the hashes of the paths, sorted once the file is read, with the offset of each row. A
+// look-up is a binary search, and reads the row again to compare the path itself. O(n log n) for n
+// rows.
+
 namespace fernwick::lab {
 namespace {
 
@@ -126,16 +130,16 @@ void SurveyExpectation::Index(const std::string& file, std::size_t row) {
   if (other != hash) index_.push_back({other, true, row});
 }
 
-std::optional<SurveyRow> SurveyExpectation::TakeFor(const SurveyRow& found) {
+std::optional<SurveyRow> SurveyExpectation::ConsumeRowFor(const SurveyRow& found) {
   const auto path = SavedPath(ofWorkingDirectory_.Of(found.file));
   const auto hash = HashOf(path);
   auto entry = std::ranges::lower_bound(index_, hash, {}, &IndexEntry::hash);
   for (; entry != index_.end() && entry->hash == hash; ++entry) {
     auto& saved = rows_[entry->row];
-    if (saved.isTaken) continue;
+    if (saved.isConsumed) continue;
     auto row = ReadRow(saved);
     if (!row || !IsFor(*entry, *row, path)) continue;
-    saved.isTaken = true;
+    saved.isConsumed = true;
     return row;
   }
   return std::nullopt;
@@ -149,7 +153,7 @@ bool SurveyExpectation::IsFor(const IndexEntry& entry, const SurveyRow& row,
 
 void SurveyExpectation::ForEachLeft(const std::function<void(const SurveyRow&)>& visit) const {
   for (const auto& saved : rows_) {
-    if (saved.isTaken) continue;
+    if (saved.isConsumed) continue;
     if (const auto row = ReadRow(saved)) visit(*row);
   }
 }

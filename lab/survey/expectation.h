@@ -34,9 +34,9 @@ class SurveyExpectation {
   bool Exists() const;
 
   /// The next row for the file of this row, each row once; empty when there is none.
-  std::optional<SurveyRow> TakeFor(const SurveyRow& found);
+  std::optional<SurveyRow> ConsumeRowFor(const SurveyRow& found);
 
-  /// Calls `visit` with every row that was not taken, in the order of the file.
+  /// Calls `visit` with every row that was not consumed, in the order of the file.
   void ForEachLeft(const std::function<void(const SurveyRow&)>& visit) const;
 
   /// The row as the file is to contain it: the path relative to the file's directory.
@@ -46,7 +46,7 @@ class SurveyExpectation {
   struct SavedRow {
     std::uint64_t offset;
     std::size_t size;
-    bool isTaken = false;
+    bool isConsumed = false;
   };
   // A path under which a row is found.
   struct IndexEntry {

@@ -22,7 +22,7 @@ class Expectation : public ::testing::Test {
 
   // The status of the row that is returned; -1 when there is none.
   int Take(const std::string& file) {
-    const auto row = expectation_.TakeFor({.file = directory_.Path() + "/" + file});
+    const auto row = expectation_.ConsumeRowFor({.file = directory_.Path() + "/" + file});
     return row ? row->status.value() : -1;
   }
 
@@ -64,7 +64,7 @@ TEST_F(Expectation, MayBeEmptyAndLackItsLastLineFeed) {
   rows.pop_back();
   SurveyExpectation other(directory_.Write("other", rows));
   EXPECT_FALSE(other.Load());
-  EXPECT_TRUE(other.TakeFor({.file = directory_.Path() + "/a"}).has_value());
+  EXPECT_TRUE(other.ConsumeRowFor({.file = directory_.Path() + "/a"}).has_value());
 }
 
 TEST_F(Expectation, ThatCannotBeUsedIsAnError) {
@@ -83,8 +83,8 @@ TEST_F(Expectation, ThatCannotBeUsedIsAnError) {
 TEST_F(Expectation, OfAPathRelativeToItsFileComesBeforeOneOfTheWorkingDirectory) {
   const auto inWorkingDirectory = std::filesystem::current_path().string() + "/a";
   Load(Saved(inWorkingDirectory, 1) + Saved("a", 2));
-  EXPECT_EQ(expectation_.TakeFor({.file = "a"})->status, 1);
-  EXPECT_EQ(expectation_.TakeFor({.file = "a"})->status, 2);
+  EXPECT_EQ(expectation_.ConsumeRowFor({.file = "a"})->status, 1);
+  EXPECT_EQ(expectation_.ConsumeRowFor({.file = "a"})->status, 2);
   EXPECT_EQ(Left(), "");
 }
 

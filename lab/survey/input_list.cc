@@ -39,7 +39,7 @@ void InputList::Stop() {
 std::optional<std::string> InputList::NextOrEmpty() {
   std::size_t searched = 0;
   for (;;) {
-    const auto rest = std::string_view(unread_).substr(taken_);
+    const auto rest = std::string_view(unread_).substr(returned_);
     const auto end = rest.find(isNulSeparated_ ? '\0' : '\n', searched);
     if (end != std::string_view::npos) return Take(end, 1);
     // A line may end in a carriage return as well.
@@ -52,8 +52,8 @@ std::optional<std::string> InputList::NextOrEmpty() {
 }
 
 std::optional<std::string> InputList::Take(std::size_t length, std::size_t separatorLength) {
-  auto path = unread_.substr(taken_, length);
-  taken_ += length + separatorLength;
+  auto path = unread_.substr(returned_, length);
+  returned_ += length + separatorLength;
   const bool isLine = !isNulSeparated_ && separatorLength > 0;
   if (isLine && path.ends_with('\r')) path.pop_back();
   if (path.size() <= PATH_MAX) return path;
@@ -64,7 +64,7 @@ std::optional<std::string> InputList::Fail(std::string error) {
   error_ = std::move(error);
   hasEnded_ = true;
   unread_.clear();
-  taken_ = 0;
+  returned_ = 0;
   return std::nullopt;
 }
 
@@ -81,7 +81,7 @@ bool InputList::ReadMore() {
     hasEnded_ = count <= 0;
     if (hasEnded_) break;
     const std::string_view added(piece, static_cast<std::size_t>(count));
-    unread_.erase(0, std::exchange(taken_, 0));
+    unread_.erase(0, std::exchange(returned_, 0));
     unread_ += added;
     if (added.find('\0') != std::string_view::npos) isNulSeparated_ = true;
     return true;

@@ -38,9 +38,9 @@ class InputList {
   std::optional<std::string> Fail(std::string error);
   bool ReadMore();
 
-  int stop_;               // a descriptor that is readable after Stop; negative: there is none
-  std::string unread_;     // from taken_ on
-  std::size_t taken_ = 0;  // bytes of unread_ that were returned
+  int stop_;                  // a descriptor that is readable after Stop; negative: there is none
+  std::string unread_;        // from `returned_` on
+  std::size_t returned_ = 0;  // bytes of unread_ that were returned
   bool isNulSeparated_ = false;
   bool hasEnded_ = false;
   std::string error_;

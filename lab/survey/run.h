@@ -15,10 +15,10 @@ namespace fernwick::lab {
 /// How a process of the tool ends after a fault, as the lab names it.
 inline constexpr char AbnormalEndName[] = "SIGABRT";
 
-/// Runs the tool over the computer. What the selection refused has a row too. No row says what only
-/// a lack of memory or descriptors, or of permission in the payload, would make it say: that is an
-/// error, whose message begins with the path. A recording of more than `maxSize` bytes is refused.
-/// May be called on any thread.
+/// Runs the tool over the computer. What the selection refused has a row too. A lack of memory or
+/// descriptors, or of permission in the payload, says nothing about the computer: that is an error,
+/// whose message begins with the path. A recording of more than `maxSize` bytes is refused. May be
+/// called on any thread.
 Result<SurveyRow, LabError> SurveyComputer(Selected selected, const Options& options,
                                            std::size_t maxSize);
 

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "lab/support/stable_hash.h"
 #include "lab/survey/archive_walk.h"
 #include "lab/survey/directory_walk.h"
 #include "lab/survey/input_list.h"
@@ -36,7 +37,7 @@ class Selection {
   std::size_t Count() const { return count_; }
 
   /// A hash of their names, in their order.
-  std::string NamesHash() const { return names_.Text(); }
+  std::string NamesHash() const { return HashText(names_.Value()); }
 
   /// From any thread: standard input ends here, also for a Next that waits for it.
   void Stop() { input_.Stop(); }

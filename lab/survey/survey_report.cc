@@ -12,7 +12,7 @@ void SurveyReport::Add(const SurveyRow& row, const std::string& text) {
   totals_.Add(row);
   if (expectation_ == nullptr) return format_.Add(text);
   if (savesRows_) savedRows_ += expectation_->RowToSave(row);
-  const auto expected = expectation_->TakeFor(row);
+  const auto expected = expectation_->ConsumeRowFor(row);
   if (!expected) return Differ({nullptr, &row}, additional_);
   if (!AreSame(*expected, row)) return Differ({&*expected, &row}, changed_);
   format_.Add(format_.ExpectedText(row));

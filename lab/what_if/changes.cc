@@ -136,8 +136,8 @@ void AddWhatIfOptions(CommandLine& line, WhatIfArguments& arguments) {
                             .valueName = "N"});
 }
 
-bool Changes::SetKey(std::string_view type, std::size_t number, std::string_view key,
-                     std::string_view board) const {
+bool Changes::SetsKey(std::string_view type, std::size_t number, std::string_view key,
+                      std::string_view board) const {
   return std::ranges::any_of(personalities, [&](const PersonalityChange& change) {
     const bool isOfBoard = board.empty() || change.board.empty() || change.board == board;
     return isOfBoard && change.type == type && change.number == number && change.key == key &&

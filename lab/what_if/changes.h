@@ -62,10 +62,10 @@ struct Changes {
   /// none of them where `applied` is empty, since there is no configuration.
   std::vector<std::string> TextsOf(const std::vector<bool>& applied) const;
 
-  /// Whether the key of the personality is set by one of them: of the board's, or, where that is
+  /// Whether one of them sets the key of the personality: of the board's, or, where `board` is
   /// empty, of any.
-  bool SetKey(std::string_view type, std::size_t number, std::string_view key,
-              std::string_view board = {}) const;
+  bool SetsKey(std::string_view type, std::size_t number, std::string_view key,
+               std::string_view board = {}) const;
 };
 
 /// Reads the arguments. Returns what is wrong with the first that cannot be read.

@@ -73,10 +73,10 @@ TEST(ParseChanges, ReadsTheBoardBeforeAType) {
   EXPECT_EQ(changes->personalities[0].board, "Zed-1/a");
   EXPECT_EQ(changes->personalities[0].type, "USBC");
   EXPECT_EQ(changes->personalities[1].board, "");
-  EXPECT_TRUE(changes->SetKey("USBC", 1, "b/c"));
-  EXPECT_TRUE(changes->SetKey("USBC", 1, "b/c", "Zed-1/a"));
-  EXPECT_FALSE(changes->SetKey("USBC", 1, "b/c", "Zed-1"));
-  EXPECT_TRUE(changes->SetKey("USBC", 1, "d/e", "Zed-1"));
+  EXPECT_TRUE(changes->SetsKey("USBC", 1, "b/c"));
+  EXPECT_TRUE(changes->SetsKey("USBC", 1, "b/c", "Zed-1/a"));
+  EXPECT_FALSE(changes->SetsKey("USBC", 1, "b/c", "Zed-1"));
+  EXPECT_TRUE(changes->SetsKey("USBC", 1, "d/e", "Zed-1"));
 }
 
 TEST(ParseChanges, NamesTheChangesOfAComputer) {
@@ -118,10 +118,10 @@ TEST(Changes, SetAKeyThatGetsAValue) {
   const auto changes =
       ParseChanges({.properties = {}, .personalities = {"USBC:1:Version=2", "USBC:2:Version="}});
   ASSERT_TRUE(changes);
-  EXPECT_TRUE(changes->SetKey("USBC", 1, "Version"));
-  EXPECT_FALSE(changes->SetKey("USBC", 2, "Version"));
-  EXPECT_FALSE(changes->SetKey("USBC", 1, "RID"));
-  EXPECT_FALSE(changes->SetKey("Thunderbolt", 1, "Version"));
+  EXPECT_TRUE(changes->SetsKey("USBC", 1, "Version"));
+  EXPECT_FALSE(changes->SetsKey("USBC", 2, "Version"));
+  EXPECT_FALSE(changes->SetsKey("USBC", 1, "RID"));
+  EXPECT_FALSE(changes->SetsKey("Thunderbolt", 1, "Version"));
 }
 
 }  // namespace

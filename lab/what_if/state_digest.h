@@ -10,8 +10,8 @@
 namespace fernwick::lab {
 
 /// A digest of what differs from a computer as it was recorded: of its properties, whatever their
-/// order. 0 while nothing differs. Two computers that differ have different digests, except with a
-/// probability of some 2^-128.
+/// order. 0 while nothing differs. 128 bits of an additive hash: different states have the same
+/// digest only by accident, not to be expected, but it is not made to resist chosen values.
 class StateDigest {
  public:
   /// The entry has the property, or no longer has it.

@@ -19,8 +19,8 @@ class HostFiles {
   /// opened, since its links would lead to the files of this computer.
   explicit HostFiles(const std::string& root);
 
-  /// Why a copy has no files: its directory cannot be opened, or has neither of the two that all
-  /// files are in. Empty when it has, and for "/".
+  /// Why a copy has no files: its directory cannot be opened, or has neither "proc" nor "sys".
+  /// Empty when it has files, and for "/".
   const std::string& RootError() const { return rootError_; }
 
   /// Whether a symbolic link at the end of a path is followed. Those before it always are.

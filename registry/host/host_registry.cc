@@ -11,9 +11,9 @@
 #include "value/unicode/utf8.h"
 
 // Entries are made when something asks for them: the root of a plane by its path, the children of
-// an entry by a search or a path through it. Handles count entries in that order. Every value is
-// read from its file when it is asked for, so a run that finds no Thunderbolt bus costs as many
-// opens as the tool has questions.
+// an entry by a search or a path through it. Handles count entries in that order. A property is
+// read from its file when it is asked for, except for the "UID", which is read with the list of the
+// devices: a run that finds no Thunderbolt bus opens about one file for each property it asks for.
 
 namespace fernwick {
 namespace {

@@ -18,13 +18,13 @@
 namespace fernwick {
 
 /// The registry of the Linux computer that the program runs on, from files alone: the device tree
-/// or DMI, the kernel's command line, the EFI variables and the Thunderbolt bus. A file is read
-/// when it is asked for; nothing is written, no program is run, and no privilege is needed:
-/// whatever cannot be read is absent. USB-C port controllers do not appear, since Linux does not
-/// report their silicon and firmware.
+/// or DMI, the kernel's command line, the EFI variables and the Thunderbolt bus. Nothing is
+/// written, no program is run, and no privilege is needed: whatever cannot be read is absent. USB-C
+/// port controllers do not appear, since Linux does not report their silicon and firmware.
 ///
-/// The children of an entry are those found when it was first searched. Values and handles are
-/// valid as long as the registry.
+/// A property is read from its file each time it is asked for, but three things are listed once,
+/// when they are first needed: the children of an entry, the devices of the bus with their "UID",
+/// and the names of the EFI variables. Values and handles are valid as long as the registry.
 class HostRegistry : public Registry {
  public:
   /// The class of every switch; it derives from ThunderboltControllerClass.

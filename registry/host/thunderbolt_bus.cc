@@ -11,6 +11,10 @@
 #include "value/unicode/ascii.h"
 #include "value/unicode/utf8.h"
 
+// The routes of the switches make the tree: that of a parent lacks the last hop. Sorted by the
+// number of hops parents come first, so one pass with a map of the switches so far finds them, and
+// leaves out those without one. O(n log n).
+
 namespace fernwick {
 namespace {
 

@@ -1,6 +1,6 @@
-# Prints what zsh offers when the tabulator is pressed behind a command line, one a line.
+# Prints what zsh offers when the tabulator is pressed after a command line, one a line.
 # usage: zsh -f offered_by_zsh.zsh DIRECTORY LINE
-# DIRECTORY holds the completion functions that are tried. A shell of its own, on a terminal of its
+# DIRECTORY contains the completion functions that are tried. A shell of its own, on a terminal of its
 # own, types the line; its compadd keeps what the completion hands to it, but for the calls that ask
 # which words match (-O, -A, -D). The current directory gets a file .zcompdump, which makes the next
 # call faster.

@@ -37,11 +37,11 @@ bool BinaryLayout::Read(std::string_view file, ParseFault& fault) {
     return fault.Set(trailer + 7, "the width of a reference is not 1 to 8");
   }
   if (table < HeaderSize || table > trailer) {
-    return fault.Set(trailer + 24, "the offset table lies outside the file");
+    return fault.Set(trailer + 24, "the offset table is not between the header and the trailer");
   }
   offsetTable_ = static_cast<std::size_t>(table);
   if (objectCount_ > (trailer - offsetTable_) / offsetWidth_) {
-    return fault.Set(trailer + 8, "the offset table does not fit its objects into the file");
+    return fault.Set(trailer + 8, "the file is too short for the offset table");
   }
   if (topObject_ >= objectCount_) return fault.Set(trailer + 16, "the top object does not exist");
   return true;

@@ -8,24 +8,38 @@
 
 namespace fernwick {
 
-/// How a binary property list is laid out, all numbers big-endian:
-///
-///   "bplist00", the objects, the offset table, a trailer of 32 bytes
-///
-/// The offset table has the offset of each object in the file, by object number. The trailer has,
-/// from its byte 6 on: the width of a table offset, the width of an object number inside an array
-/// or dictionary (a byte each), the count of objects, the number of the top object and the offset
-/// of the offset table (eight bytes each).
-///
+// The layout of a binary property list, all numbers big-endian:
+//
+//   "bplist00", the objects, the offset table, a trailer of 32 bytes
+//
+// The offset table has the offset of each object in the file, by object number. The trailer has,
+// from its byte 6 on: the width of a table offset, the width of an object number inside an array
+// or dictionary (a byte each), the count of objects, the number of the top object and the offset
+// of the offset table (eight bytes each).
+//
+// An object begins with a marker byte: its kind in the high four bits, in the low four the count of
+// bytes, units or elements, or CountFollows before a count of its own; of an integer and a real the
+// base-2 logarithm of the width. Then, by kind:
+//
+//   Simple       nothing: the marker alone is null, false or true
+//   Integer      1, 2 or 4 bytes, unsigned; 8 bytes, signed; 16 bytes, signed, from -2^63 to 2^64-1
+//   Real         4 or 8 bytes, IEEE 754
+//   Date         8 bytes, a real: the seconds since 2001-01-01T00:00:00Z
+//   Data         the bytes
+//   AsciiString  the characters
+//   Utf16String  the units, of which the count is, two bytes each
+//   Array        the numbers of its elements
+//   Dictionary   the numbers of all keys, which are strings, then those of all values
+//
+// UIDs and sets are of other formats: the reader refuses them.
+
 /// What begins with this is a binary property list, whatever its version.
 inline constexpr std::string_view BinarySignature = "bplist0";
 
 /// The header: the signature and the one version that is read and written.
 inline constexpr std::string_view BinaryHeader = "bplist00";
 
-/// The kinds of object, in the high four bits of the marker byte that an object begins with. The
-/// low four are the count of bytes, units or elements, or CountFollows before a count of its own;
-/// of an integer and a real the base-2 logarithm of the width.
+/// The kinds of object, as a marker byte has them.
 enum class ObjectKind : std::uint8_t {
   Simple = 0x0,
   Integer = 0x1,

@@ -97,9 +97,9 @@ TEST(BinaryLayout, RejectsATrailerThatDoesNotFitTheFile) {
   const std::string version = "the version is not \"00\"";
   const std::string offsetWidth = "the width of an offset is not 1 to 8";
   const std::string referenceWidth = "the width of a reference is not 1 to 8";
-  const std::string count = "the offset table does not fit its objects into the file";
+  const std::string count = "the file is too short for the offset table";
   const std::string top = "the top object does not exist";
-  const std::string table = "the offset table lies outside the file";
+  const std::string table = "the offset table is not between the header and the trailer";
   const FaultRow rows[] = {
       {"bplist0", 7, version},
       {WithByte(file, 7, '1'), 7, version},

@@ -42,7 +42,8 @@ struct Object {
   std::uint8_t marker;
 
   ObjectKind Kind() const { return static_cast<ObjectKind>(marker >> 4); }
-  std::uint8_t Size() const { return marker & 0xF; }
+  // A count, the base-2 logarithm of a width, or CountFollows.
+  std::uint8_t LowBits() const { return marker & 0xF; }
 };
 
 // Looks up the objects of a file by their numbers and decodes their markers. Keeps the first
@@ -72,7 +73,7 @@ class BinaryObjects {
     if (number >= layout_.ObjectCount()) return Fail(referrer, "a reference to no object");
     const std::uint64_t offset = layout_.OffsetOf(number);
     if (offset < BinaryHeader.size() || offset >= layout_.EndOfObjects()) {
-      return Fail(referrer, "an object lies outside the file");
+      return Fail(referrer, "an object is not between the header and the offset table");
     }
     const auto at = static_cast<std::size_t>(offset);
     object = {number, at, at + 1, static_cast<std::uint8_t>(file_[at])};
@@ -89,7 +90,7 @@ class BinaryObjects {
 
   // Reads how many bytes, units or elements the object has, and moves its contents past the count.
   bool ReadCount(Object& object, std::uint64_t& count) {
-    count = object.Size();
+    count = object.LowBits();
     return count != CountFollows || ReadExtendedCount(object, count);
   }
 
@@ -138,8 +139,8 @@ bool ReadWideInteger(BinaryObjects& objects, const Object& object, std::string_v
 
 // One, two and four bytes are unsigned, eight and sixteen signed.
 bool ReadInteger(BinaryObjects& objects, const Object& object, PropertyValue& value) {
-  if (object.Size() > 4) return objects.FailUnknown(object);
-  const std::size_t width = std::size_t{1} << object.Size();
+  if (object.LowBits() > 4) return objects.FailUnknown(object);
+  const std::size_t width = std::size_t{1} << object.LowBits();
   std::string_view bytes;
   if (!objects.Bytes(object, width, bytes)) return false;
   if (width == 16) return ReadWideInteger(objects, object, bytes, value);
@@ -150,11 +151,11 @@ bool ReadInteger(BinaryObjects& objects, const Object& object, PropertyValue& va
 
 bool ReadReal(BinaryObjects& objects, const Object& object, PropertyValue& value) {
   std::string_view bytes;
-  if (object.Size() != 2 && object.Size() != 3) return objects.FailUnknown(object);
-  if (!objects.Bytes(object, std::size_t{1} << object.Size(), bytes)) return false;
+  if (object.LowBits() != 2 && object.LowBits() != 3) return objects.FailUnknown(object);
+  if (!objects.Bytes(object, std::size_t{1} << object.LowBits(), bytes)) return false;
   const std::uint64_t bits = objects.Layout().NumberAt(object.contents, bytes.size());
-  value = object.Size() == 3 ? std::bit_cast<double>(bits)
-                             : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
+  value = object.LowBits() == 3 ? std::bit_cast<double>(bits)
+                                : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
   return true;
 }
 
@@ -272,6 +273,7 @@ class BinaryLeaves {
   std::map<std::size_t, std::string_view> decodedTexts_;
 };
 
+// Reads the values of a file, containers recursively.
 class BinaryPropertyListReader {
  public:
   BinaryPropertyListReader(std::string_view file, Arena& arena, LocationBuilder* locations)

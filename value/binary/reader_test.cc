@@ -392,7 +392,7 @@ TEST(BinaryPropertyList, MoreThan256ObjectsNeedWiderReferences) {
 
 TEST(BinaryPropertyList, RejectsDanglingReferences) {
   const std::string noObject = "a reference to no object";
-  const std::string outside = "an object lies outside the file";
+  const std::string outside = "an object is not between the header and the offset table";
   ExpectRejected(
       Parse,
       {
@@ -421,9 +421,9 @@ TEST(BinaryPropertyList, RejectsATrailerThatDoesNotFitTheFile) {
                  {"bplist01" + BinaryFile({True}).substr(8), "byte 7: the version is not \"00\""},
                  {BinaryFile({True}, {.topObject = 1}), "byte 27: the top object does not exist"},
                  {BinaryFile({True}, {.objectCount = 2}),
-                  "byte 19: the offset table does not fit its objects into the file"},
+                  "byte 19: the file is too short for the offset table"},
                  {BinaryFile({True}, {.offsetTable = 12}),
-                  "byte 35: the offset table lies outside the file"},
+                  "byte 35: the offset table is not between the header and the trailer"},
                  {BinaryFile({}), "byte 24: the top object does not exist"},
              });
 }

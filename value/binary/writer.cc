@@ -113,22 +113,24 @@ struct Counts {
   }
 };
 
-// An object: where its bytes in `leaves_` end, or its references in `references_`. They begin where
-// those of the object of the same sort before it end.
+enum class WrittenKind : std::uint8_t { Leaf, Array, Dictionary };
+
+// An object that the first pass has numbered: its kind and the end of its part of the encoded
+// leaves, or, of a container, of the references. Its part begins where that of the one before it
+// ends. In eight bytes, since a file may have millions.
 class WrittenObject {
  public:
-  enum class Sort : std::uint8_t { Leaf, Array, Dictionary };
-
-  WrittenObject(std::size_t end, Sort sort)
-      : packed_(std::uint64_t{end} << 2 | static_cast<std::uint64_t>(sort)) {}
+  WrittenObject(std::size_t end, WrittenKind kind)
+      : packed_(std::uint64_t{end} << 2 | static_cast<std::uint64_t>(kind)) {}
 
   std::size_t End() const { return static_cast<std::size_t>(packed_ >> 2); }
-  Sort SortOf() const { return static_cast<Sort>(packed_ & 3); }
+  WrittenKind Kind() const { return static_cast<WrittenKind>(packed_ & 3); }
 
  private:
   std::uint64_t packed_;
 };
 
+// The first pass is the constructor, the second is File().
 class BinaryWriter {
  public:
   explicit BinaryWriter(const PropertyValue& value) {
@@ -171,25 +173,25 @@ class BinaryWriter {
 
   std::uint32_t AddLeaf(std::string_view object) {
     leaves_ += object;
-    return AddObject(leaves_.size(), WrittenObject::Sort::Leaf);
+    return AddObject(leaves_.size(), WrittenKind::Leaf);
   }
 
-  std::uint32_t AddObject(std::size_t end, WrittenObject::Sort sort) {
-    objects_.emplace_back(end, sort);
+  std::uint32_t AddObject(std::size_t end, WrittenKind kind) {
+    objects_.emplace_back(end, kind);
     return static_cast<std::uint32_t>(objects_.size() - 1);
   }
 
-  // The references are those after the current ones: returns the index of the first.
-  std::size_t AddContainer(std::size_t references, WrittenObject::Sort sort) {
+  // Adds the object and reserves its references. Returns the index of the first.
+  std::size_t AddContainer(std::size_t references, WrittenKind kind) {
     const auto first = references_.size();
     references_.resize(first + references);
-    AddObject(references_.size(), sort);
+    AddObject(references_.size(), kind);
     return first;
   }
 
   std::uint32_t AddContent(Array array) {
     const auto number = static_cast<std::uint32_t>(objects_.size());
-    auto reference = AddContainer(array.size(), WrittenObject::Sort::Array);
+    auto reference = AddContainer(array.size(), WrittenKind::Array);
     for (const auto& element : array) references_[reference++] = Add(element);
     return number;
   }
@@ -197,7 +199,7 @@ class BinaryWriter {
   // The keys come first.
   std::uint32_t AddContent(Dictionary dictionary) {
     const auto number = static_cast<std::uint32_t>(objects_.size());
-    auto reference = AddContainer(2 * dictionary.Size(), WrittenObject::Sort::Dictionary);
+    auto reference = AddContainer(2 * dictionary.Size(), WrittenKind::Dictionary);
     for (const auto& entry : dictionary.Entries()) references_[reference++] = AddText(entry.key);
     for (const auto& entry : dictionary.Entries()) references_[reference++] = Add(entry.value);
     return number;
@@ -234,7 +236,7 @@ class BinaryWriter {
     std::size_t reference = 0;
     for (const auto object : objects_) {
       const auto end = object.End();
-      if (object.SortOf() == WrittenObject::Sort::Leaf) {
+      if (object.Kind() == WrittenKind::Leaf) {
         const auto bytes = std::string_view(leaves_).substr(leaf, end - leaf);
         leaf = end;
         visit(bytes.size(), [bytes](std::string& file) { file += bytes; });
@@ -242,7 +244,7 @@ class BinaryWriter {
         const std::span references(references_.begin() + static_cast<std::ptrdiff_t>(reference),
                                    end - reference);
         reference = end;
-        const bool isArray = object.SortOf() == WrittenObject::Sort::Array;
+        const bool isArray = object.Kind() == WrittenKind::Array;
         const auto marker = CountedMarker(isArray ? ObjectKind::Array : ObjectKind::Dictionary,
                                           references.size() / (isArray ? 1 : 2));
         visit(marker.size() + references.size() * referenceWidth, [&](std::string& file) {
@@ -254,7 +256,7 @@ class BinaryWriter {
   }
 
   std::vector<WrittenObject> objects_;
-  std::string leaves_;                               // their objects
+  std::string leaves_;                               // encoded, one after the other
   std::vector<std::uint32_t> references_;            // of the containers, by number
   std::map<std::string_view, std::uint32_t> texts_;  // views the value that is written
 };

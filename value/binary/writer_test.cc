@@ -65,7 +65,7 @@ struct LeafRow {
   std::string object;
 };
 
-TEST(BinaryWriter, SpellsEveryLeafAsShortAsMayBe) {
+TEST(BinaryWriter, EncodesEveryLeafInTheFewestBytes) {
   const LeafRow rows[] = {
       {false, "\x08"},
       {true, "\x09"},
@@ -144,7 +144,7 @@ TEST(BinaryWriter, ReadsBackDictionariesOfManyKeys) {
   }
 }
 
-TEST(BinaryWriter, ReadsBackWhatIsNestedAsDeepAsMayBe) {
+TEST(BinaryWriter, ReadsBackWhatIsNestedToTheLimit) {
   ExpectReadsBack(testing::NestedArrays(512, 1));
 }
 

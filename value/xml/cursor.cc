@@ -104,7 +104,7 @@ bool XmlCursor::SkipProcessingInstruction() {
   std::string_view target;
   if (!ReadName(target, "the name of a processing instruction")) return false;
   if (EqualsIgnoringCase(target, "xml")) {
-    return Fail(start, "an XML declaration may stand only at the very start");
+    return Fail(start, "an XML declaration is allowed only at the very start");
   }
   if (LookingAt("?>")) {
     at_ += 2;

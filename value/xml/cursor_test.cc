@@ -99,9 +99,9 @@ TEST(XmlCursor, RejectsAMalformedProlog) {
   ExpectFaults(
       {
           {"<?xml version='2.0'?>", 14, "the XML declaration is malformed"},
-          {" <?xml version='1.0'?>", 1, "an XML declaration may stand only at the very start"},
+          {" <?xml version='1.0'?>", 1, "an XML declaration is allowed only at the very start"},
           {"<!-- --><?xml version='1.0'?>", 8,
-           "an XML declaration may stand only at the very start"},
+           "an XML declaration is allowed only at the very start"},
           {"<!DOCTYPE", 0, malformed},
           {"<!DOCTYPEplist>", 0, malformed},
           {"<!DOCTYPE >", 10, "the name of the document type is missing"},
@@ -191,9 +191,9 @@ TEST(XmlCursor, RejectsMalformedCommentsAndProcessingInstructions) {
           {"<?a+b?>", 3, "a processing instruction is malformed"},
           {"<?a b>", 4, "a processing instruction does not end"},
           {"<?a ?", 4, "a processing instruction does not end"},
-          {" <?xml ?>", 1, "an XML declaration may stand only at the very start"},
-          {"<?XML ?>", 0, "an XML declaration may stand only at the very start"},
-          {"<?xMl?>", 0, "an XML declaration may stand only at the very start"},
+          {" <?xml ?>", 1, "an XML declaration is allowed only at the very start"},
+          {"<?XML ?>", 0, "an XML declaration is allowed only at the very start"},
+          {"<?xMl?>", 0, "an XML declaration is allowed only at the very start"},
       },
       SkipMiscellany);
 }
@@ -402,7 +402,7 @@ TEST(XmlCursor, RejectsMalformedCharacterData) {
           {"<![CDATA[ ]] >", 0, "a CDATA section does not end"},
           {"<!-- a", 0, "a comment does not end"},
           {"<?a b", 4, "a processing instruction does not end"},
-          {"<?xml version='1.0'?>", 0, "an XML declaration may stand only at the very start"},
+          {"<?xml version='1.0'?>", 0, "an XML declaration is allowed only at the very start"},
       },
       ReadCharacters);
 }

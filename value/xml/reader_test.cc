@@ -285,7 +285,7 @@ TEST(XmlPropertyList, RejectsWhatFollowsTheRoot) {
           {"<true/>" + Dtd, error},
           {"<plist><true/></plist>\n\nx", "line 3, column 1: something follows the root element"},
           {"<true/><?xml version='1.0'?>",
-           "line 1, column 8: an XML declaration may stand only at the very start"},
+           "line 1, column 8: an XML declaration is allowed only at the very start"},
           {"<true/><!-- ", "line 1, column 8: a comment does not end"},
       });
 }
@@ -374,7 +374,7 @@ TEST(XmlPropertyList, RejectsMarkupThatIsNotWellFormed) {
           {"<string a='&b;'/>", "line 2, column 12: the entity &b; is not defined"},
           {"<!-- a -- b --><true/>", "line 2, column 8: \"--\" is not allowed inside a comment"},
           {"<?xml version='1.0'?><true/>",
-           "line 2, column 1: an XML declaration may stand only at the very start"},
+           "line 2, column 1: an XML declaration is allowed only at the very start"},
           {"<!DOCTYPE plist><true/>", "line 2, column 2: the name of an element is missing"},
           {"< true/>", "line 2, column 2: the name of an element is missing"},
           {"<true/ >", "line 2, column 6: a start tag is malformed"},
@@ -387,9 +387,9 @@ TEST(XmlPropertyList, RejectsAMalformedProlog) {
   ExpectRejected(Parse,
                  {
                      {" <?xml version='1.0'?><true/>",
-                      "line 1, column 2: an XML declaration may stand only at the very start"},
+                      "line 1, column 2: an XML declaration is allowed only at the very start"},
                      {"<?xml version='1.0'?><?xml version='1.0'?><true/>",
-                      "line 1, column 22: an XML declaration may stand only at the very start"},
+                      "line 1, column 22: an XML declaration is allowed only at the very start"},
                      {"<?xml?><true/>", "line 1, column 6: the XML declaration is malformed"},
                      {"<?xml version='1.0' standalone='maybe'?><true/>",
                       "line 1, column 32: the XML declaration is malformed"},
@@ -406,7 +406,7 @@ TEST(XmlPropertyList, RejectsAMalformedProlog) {
                      {"<!DOCTYPE plist><!DOCTYPE plist><true/>",
                       "line 1, column 18: the name of an element is missing"},
                      {"<?XML?><true/>",
-                      "line 1, column 1: an XML declaration may stand only at the very start"},
+                      "line 1, column 1: an XML declaration is allowed only at the very start"},
                      {Dtd, "line 1, column 91: the document ends too early"},
                      {"<!-- nothing more -->", "line 1, column 22: the document ends too early"},
                      {"</plist>", "line 1, column 2: the name of an element is missing"},

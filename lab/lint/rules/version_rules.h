@@ -134,9 +134,9 @@ inline constexpr LintRule TwoImagesForOneController = {
     "two-images-for-one-controller",
     Severity::Error,
     "personalities of two types plan two images for one controller",
-    "Each type is matched by itself. A controller that fits a LegacyThunderbolt and a Thunderbolt "
-    "personality, or a LegacyUSBC and a USBC one, gets the images of both in one plan; which of "
-    "them it has in the end depends on their order.",
+    "Each type is matched separately. A controller that matches a LegacyThunderbolt and a "
+    "Thunderbolt personality, or a LegacyUSBC and a USBC one, gets the images of both in one plan; "
+    "which of them remains depends on their order.",
     "Keep one of the two, or let them differ in a key that both types read: the address, the "
     "silicon, or the window of the installed version.",
     "<key>LegacyUSBC</key><dict>... any \"Port Address\" ...</dict>\n"
@@ -149,9 +149,9 @@ inline constexpr LintRule ShadowingNotExamined = {
     "shadowing-not-examined",
     Severity::Note,
     "too many personalities are alike to compare them all",
-    "To find out whether a personality is shadowed, it is compared with the earlier ones that "
-    "agree with it in the most selective key, but with no more than the first 256 of them. What is "
-    "reported as shadowed is; beyond that limit one may be shadowed without being reported.",
+    "To find out whether a personality is shadowed, it is compared with the first 256 earlier ones "
+    "that have the same value under the most selective key. Beyond that limit a personality may be "
+    "shadowed without being reported.",
     "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
     "into fewer ones with lists.",
     "300 personalities for the same silicon",
@@ -162,10 +162,10 @@ inline constexpr LintRule OverlapNotExamined = {
     "overlap-not-examined",
     Severity::Note,
     "too many personalities overlap to compare them all",
-    "Two personalities may plan two images for one controller, leave it to their order which image "
-    "a controller gets, or use one NVRAM variable differently. Each is compared with no more than "
-    "256 others that agree with it in the most selective key; beyond that limit such a pair may be "
-    "there without being reported.",
+    "Two personalities may plan two images for one controller, decide by their order which image a "
+    "controller gets, or use one NVRAM variable differently. Each is compared with at most 256 "
+    "others that have the same value under the most selective key; beyond that limit such a pair "
+    "may exist without being reported.",
     "Nothing needs to be fixed. Put personalities that differ only in \"Version\" or its bounds "
     "into fewer ones with lists.",
     "300 personalities of two types for the same silicon",
@@ -176,10 +176,9 @@ inline constexpr LintRule OrderDecidesImage = {
     "order-decides-image",
     Severity::Warning,
     "the order of two personalities decides which image a controller gets",
-    "A controller gets the first personality of the array that fits it. Two personalities accept "
-    "the same controllers except for the lists of one key; each list has values of its own, and a "
-    "value of the later one is in both. What the later personality says of that value is never "
-    "used, and the image that it names never gets there.",
+    "A controller gets the first personality of the array that it matches. Two personalities with "
+    "different images accept the same controllers except for the lists of one key. The lists have "
+    "a value in common, so a controller with that value never gets the image of the later one.",
     "Remove the value from the list of the personality for which it is not meant.",
     "<dict>... \"RID\" 0 and 1, \"Firmware\" left-200.bin ...</dict>\n"
     "<dict>... \"RID\" 1 and 2, \"Firmware\" right-200.bin ...</dict>",

@@ -52,7 +52,7 @@ std::optional<int> Parse(int argumentCount, char* const arguments[], DiffOptions
           {.name = "-p,--payload",
            .target = &options.payloads,
            .help = "the old payload, and again the new one",
-           .least = 1,
+           .minCount = 1,
            .valueName = "PAYLOAD"},
           BypassVersionArgument(options.bypassVersion, "as the tool's own, with both payloads"),
           {.name = "--each",

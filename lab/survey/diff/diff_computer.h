@@ -25,8 +25,8 @@ struct ComparedComputer {
 };
 
 /// Runs the tool over the computer with both payloads and compares the runs. What the selection
-/// refused has a row too; as with SurveyComputer, a lack of anything is an error, not a result. May
-/// be called on any thread.
+/// refused has a row too. A lack of memory, descriptors or permission is an error, as in
+/// SurveyComputer. May be called on any thread.
 Result<ComparedComputer, LabError> DiffComputer(Selected selected, const Payloads& payloads,
                                                 PayloadFiles& files);
 

@@ -13,6 +13,9 @@
 #include "plan/invocation_builder.h"
 #include "platform/file_system.h"
 
+// Many computers need the same files, so each pair of paths is compared once and the result is
+// kept. The comparison reads both files in pieces.
+
 namespace fernwick::lab {
 namespace {
 

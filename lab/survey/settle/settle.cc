@@ -29,7 +29,10 @@ std::string Footer() {
   return std::string(SelectionHelp) + "\n" + WhatIfHelp +
          "\n"
          "A computer is settled after as many runs as planned something. It is stuck when it is\n"
-         "settled below a version of a personality that is for its controllers. It never\n"
+         "settled, but a personality for one of its controllers offers a newer version than is\n"
+         "installed. A personality is for a controller that has the values it lists (silicon,\n"
+         "RID, address and the like) and could match it with other firmware installed; one for\n"
+         "other board revisions counts only where none is for this one. A computer never\n"
          "settles when a state comes back, and is undecided after 1,000 runs, or after 4 or\n"
          "more that tested more than 20,000,000 pairs of a controller and a personality\n"
          "(200,000 where the version check is bypassed). The other outcomes are no plan (there\n"

@@ -21,8 +21,8 @@ struct SettleWork {
 };
 
 /// Settles the computer. What the selection refused, and a computer that cannot have the changes,
-/// has a row too; no row says what only a lack of memory, descriptors or permission would make it
-/// say, as SurveyComputer. May be called on any thread.
+/// has a row too. A lack of memory, descriptors or permission is an error, as in SurveyComputer.
+/// May be called on any thread.
 Result<SettleRow, LabError> SettleComputer(Selected selected, const SettleWork& work);
 
 /// The same of a recording that was loaded.

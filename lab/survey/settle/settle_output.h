@@ -17,7 +17,7 @@ struct SettleOutput {
   std::optional<std::string> failOnList = {};
   std::vector<SettleOutcome> failOn = {SettleOutcome::NeverSettles, SettleOutcome::Undecided};
   std::vector<std::string> changes = {};  // of the computers before their first run
-  bool isShard = false;                   // of which the computers with a change may be in others
+  bool isShard = false;                   // then a change may apply to computers of others alone
 };
 
 /// Reads the list into what is failed on. Returns what is wrong with it; empty when nothing is.

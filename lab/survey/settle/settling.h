@@ -61,7 +61,7 @@ enum class SettleEnd {
   NothingMatches,  // the computer is settled
   NoPlan,          // though there are matches, or since there is no configuration
   StateComesBack,  // and so everything else does
-  GivenUp,         // after MaxRuns or MaxPairs
+  GivenUp,         // after MaxPlans plans, or as many pairs as are allowed
   Bypassed,        // a switch ends the run
   AbnormalEnd,
   Failure,  // a run says nothing about the computer
@@ -95,9 +95,9 @@ struct Settling {
   ToolRun last = {};  // of a state that comes back, the one that led to it
 };
 
-/// The runs end undecided after so many plans, and after fewer, but no fewer than MinPlans, once
-/// they have tested more pairs of a controller and a personality than one of these. With the
-/// version check versions only increase, which ends after as many plans as there are versions.
+/// The runs end undecided after MaxPlans plans, and after MinPlans once they have tested more pairs
+/// of a controller and a personality than one of these. With the version check versions only
+/// increase, which ends after as many plans as there are versions.
 inline constexpr std::size_t MaxPlans = 1'000;
 inline constexpr std::size_t MinPlans = 4;
 inline constexpr std::size_t MaxCheckedPairs = 20'000'000;

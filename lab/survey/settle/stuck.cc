@@ -160,7 +160,7 @@ void Locate(StuckController& stuck, std::string_view board, const Changes& chang
   for (auto& [failed, origin] : stuck.requirements) {
     const auto key = failed.requirement->key;
     const auto* location = locations.Find(key);
-    if (changes.SetKey(stuck.type, stuck.personality + 1, key, board)) {
+    if (changes.SetsKey(stuck.type, stuck.personality + 1, key, board)) {
       origin = ValueOrigin(PersonalityOption);
     } else if (location != nullptr) {
       origin = file->LocationOf(location->value.offset);

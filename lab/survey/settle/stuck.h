@@ -31,13 +31,19 @@ struct StuckController {
   std::vector<StuckRequirement> requirements;  // all that fail
 };
 
-/// The controllers for which a configuration has a newer version than they have: in a personality
-/// for which they are what it requires, and of which they fail other requirements. Of each only the
-/// newest, the nearest to a match of several. What no controller can match is none of them, nor is
-/// what is for other revisions of the board where the type has one for this revision. The version
-/// of a port below a Thunderbolt controller is its own where the port gets the image. Without the
-/// origins of the values. REQUIRES: the run over the recording matched nothing, with a
-/// configuration that is a dictionary.
+/// The controllers that get no newer version although the configuration has one for them, in a
+/// personality
+///
+///   - whose keys select the controller: only requirements on versions, engineering firmware or the
+///     board's revision fail,
+///   - that some controller could match,
+///   - and that is for the board's revision, unless no personality of its type is.
+///
+/// The installed version is that of the controller that gets the image: for a port below a
+/// Thunderbolt controller its own. Each controller is listed once, with the newest version, and of
+/// several personalities with that version the nearest to a match. The origins of the values are
+/// not filled in. REQUIRES: the run over the recording matched nothing, with a configuration that
+/// is a dictionary.
 std::vector<StuckController> FindStuckControllers(const ToolRun& run, const Recording& recording);
 
 /// Adds the origins: the option of a change, or a location of the file, which is null when it

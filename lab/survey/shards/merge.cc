@@ -55,7 +55,7 @@ CommandLine CommandLineOf(MergeOptions& into) {
               {.name = "RESULT",
                .target = &into.results,
                .help = "the results of all shards, in any order",
-               .least = 1,
+               .minCount = 1,
                .valueName = ""},
               {.name = "--format",
                .target = &into.format,

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "lab/support/stable_hash.h"
 #include "lab/survey/coverage/payload_boards.h"
-#include "lab/survey/shards/shard.h"
 #include "platform/file_system.h"
 
 namespace fernwick::lab {
@@ -24,7 +24,7 @@ Result<std::string, LabError> PayloadHash(const std::string& payload) {
     hash.Add(board + (bytes ? "/" : "!") + std::to_string(text.size()) + "/");
     hash.Add(text);
   }
-  return hash.Text();
+  return HashText(hash.Value());
 }
 
 }  // namespace fernwick::lab

@@ -1,7 +1,10 @@
 #include "lab/survey/shards/shard.h"
 
 #include <charconv>
-#include <cstdio>
+#include <cstdint>
+#include <system_error>
+
+#include "lab/support/stable_hash.h"
 
 namespace fernwick::lab {
 namespace {
@@ -26,17 +29,6 @@ std::optional<std::size_t> NumberIn(std::string_view digits) {
 }
 
 }  // namespace
-
-void StableHash::Add(std::string_view bytes) {
-  constexpr std::uint64_t Prime = 0x100000001b3;
-  for (const char byte : bytes) value_ = (value_ ^ static_cast<unsigned char>(byte)) * Prime;
-}
-
-std::string StableHash::Text() const {
-  char text[17];
-  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(value_));
-  return text;
-}
 
 bool Shard::Has(std::string_view name) const {
   StableHash hash;

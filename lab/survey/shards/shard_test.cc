@@ -8,19 +8,6 @@
 namespace fernwick::lab {
 namespace {
 
-std::string HashOf(std::string_view text) {
-  StableHash hash;
-  hash.Add(text);
-  return hash.Text();
-}
-
-// The published values of the function.
-TEST(StableHash, IsTheSameOnEveryMachine) {
-  EXPECT_EQ(HashOf(""), "cbf29ce484222325");
-  EXPECT_EQ(HashOf("a"), "af63dc4c8601ec8c");
-  EXPECT_EQ(HashOf("foobar"), "85944171f73967e8");
-}
-
 TEST(Shard, HasEachNameOnce) {
   for (std::size_t count = 1; count <= 7; ++count) {
     std::array<std::size_t, 7> names = {};

@@ -1,5 +1,5 @@
-// The lab without enough descriptors, memory, permission or room: a message and a status of its
-// own, never an answer about a computer.
+// The lab without enough descriptors, memory or disk space, or without permission: a message and a
+// status of its own, never a result about a computer.
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ ChildOutcome RunWith(const std::string& limit, const std::string& arguments) {
 
 // Expects that under each limit the command says what it says without one, or fails with 71 and a
 // message.
-void ExpectAnswerOrLack(const std::string& command) {
+void ExpectResultOrResourceError(const std::string& command) {
   const auto usual = RunWith("true", command);
   bool isLacking = false;
   for (int limit = 3; limit < 12; ++limit) {
@@ -53,45 +53,45 @@ void ExpectAnswerOrLack(const std::string& command) {
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfASurvey) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  ExpectAnswerOrLack("survey -j1 -p payload --format ndjson " + OnePort);
-  ExpectAnswerOrLack("survey -j1 -p payload --format ndjson .");
+  ExpectResultOrResourceError("survey -j1 -p payload --format ndjson " + OnePort);
+  ExpectResultOrResourceError("survey -j1 -p payload --format ndjson .");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfADiff) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  ExpectAnswerOrLack("diff -j1 -p draft -p payload " + OnePort);
-  ExpectAnswerOrLack("diff -j1 -p payload -p payload .");
+  ExpectResultOrResourceError("diff -j1 -p draft -p payload " + OnePort);
+  ExpectResultOrResourceError("diff -j1 -p payload -p payload .");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfEveryVerbOfOneComputer) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   for (const auto* command : {"explain -p payload ", "explain --json -p payload ", "show "}) {
-    ExpectAnswerOrLack(command + OnePort);
+    ExpectResultOrResourceError(command + OnePort);
   }
-  ExpectAnswerOrLack("convert --to xml " + OnePort + " -");
-  ExpectAnswerOrLack("lint payload");
+  ExpectResultOrResourceError("convert --to xml " + OnePort + " -");
+  ExpectResultOrResourceError("lint payload");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfACoverage) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  ExpectAnswerOrLack("coverage -j1 -p payload " + OnePort);
-  ExpectAnswerOrLack("coverage -j1 -p payload .");
+  ExpectResultOrResourceError("coverage -j1 -p payload " + OnePort);
+  ExpectResultOrResourceError("coverage -j1 -p payload .");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfAShard) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  ExpectAnswerOrLack("survey -j1 -p payload --format ndjson --shard 1/1 .");
-  ExpectAnswerOrLack("coverage -j1 -p payload --shard 1/1 .");
+  ExpectResultOrResourceError("survey -j1 -p payload --format ndjson --shard 1/1 .");
+  ExpectResultOrResourceError("coverage -j1 -p payload --shard 1/1 .");
 }
 
 TEST(Descriptors, ThatAreTooFewAreAnErrorOfSettle) {
   // A process that counts coverage or looks for leaks needs more.
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
-  ExpectAnswerOrLack("settle -j1 -p payload --set hpm0:Version=0x99 " + OnePort);
-  ExpectAnswerOrLack("settle -j1 -p payload .");
+  ExpectResultOrResourceError("settle -j1 -p payload --set hpm0:Version=0x99 " + OnePort);
+  ExpectResultOrResourceError("settle -j1 -p payload .");
 }
 
 // Archives of the examples in every form.
@@ -128,10 +128,10 @@ TEST(Descriptors, ThatAreTooFewAreAnErrorOfArchives) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   const ExampleArchives archives;
   for (const auto& path : archives.Paths()) {
-    ExpectAnswerOrLack("survey -j1 -p payload --format ndjson " + path);
+    ExpectResultOrResourceError("survey -j1 -p payload --format ndjson " + path);
   }
   for (const auto* verb : {"coverage", "settle", "diff -p draft"}) {
-    ExpectAnswerOrLack(verb + (" -j1 -p payload " + archives.Directory()));
+    ExpectResultOrResourceError(verb + (" -j1 -p payload " + archives.Directory()));
   }
 }
 
@@ -153,7 +153,7 @@ int KibibytesToStart() {
 
 // Expects that with up to so much more memory than it needs to start, the command says what it says
 // without a limit, or fails with 71. Returns whether it ever fails.
-bool LacksMemoryOrAnswers(const std::string& command, int moreKibibytes) {
+bool FailsOrHasTheSameResult(const std::string& command, int moreKibibytes) {
   static const int start = KibibytesToStart();
   const auto usual = RunWith("true", command);
   bool isLacking = false;
@@ -171,7 +171,7 @@ TEST(Memory, ThatIsTooLittleIsNoAnswer) {
   if (testing::UnderAddressSanitizer || testing::CountingCoverage) GTEST_SKIP();
   for (const auto* command : {"diff -j1 -p draft -p payload .", "survey -j1 -p payload .",
                               "coverage -j1 -p payload .", "settle -j1 -p payload ."}) {
-    LacksMemoryOrAnswers(command, 6000);
+    FailsOrHasTheSameResult(command, 6000);
   }
 }
 
@@ -180,7 +180,7 @@ TEST(Memory, ThatIsTooLittleForAnArchiveIsNoAnswer) {
   const ExampleArchives archives;
   for (const auto& path : archives.Paths()) {
     const bool isLacking =
-        LacksMemoryOrAnswers("survey -j1 -p payload --format ndjson " + path, 14000);
+        FailsOrHasTheSameResult("survey -j1 -p payload --format ndjson " + path, 14000);
     // The window of this compression alone has 8 MiB.
     EXPECT_TRUE(isLacking || !path.ends_with(".xz"));
   }
