@@ -39,7 +39,7 @@ constexpr char Usage[] =
     "  import     make a recording of registry dumps\n"
     "  survey     run the tool over many recorded computers, a row for each\n"
     "  coverage   print what recorded computers exercise of a payload\n"
-    "  settle     print what recorded computers become when every plan is carried out\n"
+    "  settle     print the versions of recorded computers after every plan is carried out\n"
     "  merge      put the results of all shards together\n"
     "  diff       print which recorded computers two payloads treat differently\n"
     "  sample     write a recording that a personality of a payload matches\n"

@@ -30,7 +30,8 @@ constexpr Verb Verbs[] = {
     {"import", "make a recording of registry dumps", ImportVerb},
     {"survey", "run the tool over many recorded computers, a row for each", SurveyVerb},
     {"coverage", "print what recorded computers exercise of a payload", CoverageVerb},
-    {"settle", "print what recorded computers become when every plan is carried out", SettleVerb},
+    {"settle", "print the versions of recorded computers after every plan is carried out",
+     SettleVerb},
     {"merge", "put the results of all shards together", MergeVerb},
     {"diff", "print which recorded computers two payloads treat differently", DiffVerb},
     {"sample", "write a recording that a personality of a payload matches", SampleVerb},
@@ -103,7 +104,7 @@ VerbEnd Main(int argumentCount, char* const arguments[]) {
 // The library that parses command lines allocates before main begins, and memory may run out even
 // there.
 struct EndWhenOutOfMemoryFromTheStart {
-  EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::OutOfMemory); }
+  EndWhenOutOfMemoryFromTheStart() { EndWhenOutOfMemory(LabStatus::OutOfResources); }
 };
 [[gnu::init_priority(101)]] const EndWhenOutOfMemoryFromTheStart endWhenOutOfMemory;
 

@@ -1,3 +1,6 @@
+// First match: for each top-level key and each controller the first personality whose requirements
+// are all met. O(controllers x personalities x requirements) for each key, plus one inventory.
+
 #include "personality/matcher.h"
 
 #include <string>
@@ -8,9 +11,6 @@
 #include "platform/platform_log.h"
 #include "registry/port_inventory.h"
 #include "registry/thunderbolt_inventory.h"
-
-// First match: for each top-level key and each controller the first personality whose requirements
-// are all met. O(controllers x personalities x requirements) for each key, plus one inventory.
 
 namespace fernwick {
 namespace {

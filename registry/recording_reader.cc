@@ -1,3 +1,10 @@
+// Three passes over the planes, each up to the first error. The nodes of all planes are read in the
+// order of the file into one table, and their entries into the recording; then the links between
+// planes are resolved by the IDs of the entries; then the entries are put into the planes at their
+// positions, which finds an entry that a plane has twice. The chains of classes are checked before,
+// by marked walks (see CheckClassChains). O(n log n) for n nodes and classes; recursive, to the
+// depth of the property list.
+
 #include "registry/recording_reader.h"
 
 #include <algorithm>
@@ -10,13 +17,6 @@
 
 #include "value/property_list_reader.h"
 #include "value/unicode/text_position.h"
-
-// Three passes over the planes, each up to the first error. The nodes of all planes are read in the
-// order of the file into one table, and their entries into the recording; then the links between
-// planes are resolved by the IDs of the entries; then the entries are put into the planes at their
-// positions, which finds an entry that a plane has twice. The chains of classes are checked before,
-// by marked walks (see CheckClassChains). O(n log n) for n nodes and classes; recursive, to the
-// depth of the property list.
 
 namespace fernwick {
 namespace {

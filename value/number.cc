@@ -1,12 +1,12 @@
-#include "value/number.h"
-
-#include <cmath>
-#include <limits>
-
 // An integer and a real are compared exactly, without converting the integer to a double: a real
 // outside the range of integers decides by itself; otherwise its integral part, which is then an
 // exact integer, is compared with the integer, and where they are equal the sign of the fractional
 // part decides. Constant time.
+
+#include "value/number.h"
+
+#include <cmath>
+#include <limits>
 
 namespace fernwick {
 namespace {

@@ -1,10 +1,3 @@
-#include "value/property_value.h"
-
-#include <algorithm>
-#include <cstdint>
-#include <numeric>
-#include <vector>
-
 // Repeated keys. Small dictionaries, which are nearly all, are first tested for repetitions with a
 // Bloom filter of one 64-bit word: each key sets one bit, and a key is compared with those before
 // it only where its bit is already set. That is close to linear for keys as they occur, quadratic
@@ -12,6 +5,13 @@
 // indices are sorted stably by key, so that the entries of one key are adjacent and in file order;
 // the first of them keeps its position and receives the value of the last. That costs n log n, also
 // for keys that were chosen to make it slow.
+
+#include "value/property_value.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+#include <vector>
 
 namespace fernwick {
 namespace {

@@ -1,11 +1,11 @@
+// The tree is built bottom-up from the events of a reader, with a stack of the values that are
+// open. Children are collected in vectors that grow in the arena: when one is full it moves to an
+// area of twice the size, so time and memory are linear in the values.
+
 #include "value/value_locations.h"
 
 #include <algorithm>
 #include <memory>
-
-// The tree is built bottom-up from the events of a reader, with a stack of the values that are
-// open. Children are collected in vectors that grow in the arena: when one is full it moves to an
-// area of twice the size, so time and memory are linear in the values.
 
 namespace fernwick {
 

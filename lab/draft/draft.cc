@@ -40,9 +40,9 @@ std::string Footer() {
          "Keys that a personality may lack are used where an excepted controller needs them:\n"
          "first those that describe a model, then those of a position or a version. \"Port UUID\"\n"
          "and \"Ridge UID\", which are unique to one chip, select only controllers that no other\n"
-         "keys distinguish. For up to 10 different controllers the numbers of personalities and\n"
-         "keys are minimal. With more than four million pairs of different controllers, wanted\n"
-         "and excepted, there is no draft.\n"
+         "keys distinguish. For up to 10 different controllers, and up to 4,096 excepted ones,\n"
+         "the numbers of personalities and keys are minimal. With more than four million pairs\n"
+         "of different controllers, wanted and excepted, there is no draft.\n"
          "\n"
          "Controllers that can match no personality, as their version is not older than\n"
          "VERSION, are named on standard error and left out, and so is what no run can use of a\n"
@@ -146,7 +146,7 @@ BatchResult AddComputer(Selected selected, DraftSide side, DraftedComputers& com
     });
   }
   const auto& failure = computer.Error();
-  if (isNamed || failure.status == LabStatus::OutOfMemory) return failure;
+  if (isNamed || failure.status == LabStatus::OutOfResources) return failure;
   return std::function([message = failure.error.message] { PrintError("left out: " + message); });
 }
 

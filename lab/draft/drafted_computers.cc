@@ -1,3 +1,6 @@
+// Controllers are deduplicated by their rows in an ordered map: O(log n) comparisons of rows for
+// each controller, and memory for the n different ones.
+
 #include "lab/draft/drafted_computers.h"
 
 #include <filesystem>
@@ -6,9 +9,6 @@
 #include "driver/bypass_switch.h"
 #include "lab/recordings/entry_path.h"
 #include "personality/configuration.h"
-
-// Controllers are deduplicated by their rows in an ordered map: O(log n) comparisons of rows for
-// each controller, and memory for the n different ones.
 
 namespace fernwick::lab {
 namespace {

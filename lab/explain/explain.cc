@@ -145,7 +145,7 @@ int ExplainAndPrint(const ExplainArguments& parsed, const Recording& recording,
   }
   // Without descriptors there is nothing to explain.
   const auto failure = UnreadableConfiguration(explanation.run, options);
-  if (failure && failure->status == LabStatus::OutOfMemory) return PrintError(*failure);
+  if (failure && failure->status == LabStatus::OutOfResources) return PrintError(*failure);
   if (LacksController(explanation, filter)) {
     return PrintError(
         parsed.computer.Name(),

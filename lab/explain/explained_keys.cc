@@ -1,3 +1,8 @@
+// For each controller the failures of all its pairs are counted, and where there are more pairs
+// than are wanted, quickselect (nth_element) finds those that are nearest to a match; only of these
+// the failures are computed again and kept. O(pairs x requirements) for each controller, memory
+// linear in the pairs of one controller and in what is kept.
+
 #include "lab/explain/explained_keys.h"
 
 #include <algorithm>
@@ -7,11 +12,6 @@
 
 #include "lab/recordings/entry_path.h"
 #include "personality/personality.h"
-
-// For each controller the failures of all its pairs are counted, and where there are more pairs
-// than are wanted, quickselect (nth_element) finds those that are nearest to a match; only of these
-// the failures are computed again and kept. O(pairs x requirements) for each controller, memory
-// linear in the pairs of one controller and in what is kept.
 
 namespace fernwick::lab {
 namespace {

@@ -1,3 +1,8 @@
+// Full evaluation of a requirement table and, for an installed version that is not known, a
+// feasibility test: limits are added in the order "Version", minimum, maximum; one that leaves no
+// version that can be reported is itself the failure and is not added. O(requirements), and a
+// binary search of the scale of versions for each limit.
+
 #include "lab/explain/failed_requirement.h"
 
 #include <algorithm>
@@ -5,11 +10,6 @@
 #include "lab/support/configuration_file.h"
 #include "lab/support/controller_values.h"
 #include "lab/support/words.h"
-
-// Full evaluation of a requirement table and, for an installed version that is not known, a
-// feasibility test: limits are added in the order "Version", minimum, maximum; one that leaves no
-// version that can be reported is itself the failure and is not added. O(requirements), and a
-// binary search of the scale of versions for each limit.
 
 namespace fernwick::lab {
 namespace {

@@ -31,7 +31,7 @@ bool IsInside(const std::string& path, const std::string& directory) {
 std::optional<std::string> ImageFiles::Read(std::string_view name, const std::string& path,
                                             std::size_t offset) {
   auto contents = ReadWholeFile(path);
-  if (!contents && UnreadableStatus(contents.Error()) == LabStatus::OutOfMemory) {
+  if (!contents && UnreadableStatus(contents.Error()) == LabStatus::OutOfResources) {
     findings_.SetResourceError(path, contents.Error());
   } else if (!contents) {
     findings_.Add(LintRuleOf::UnreadableFile, offset,

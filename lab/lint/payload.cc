@@ -163,7 +163,7 @@ class PayloadLinter {
   }
 
   void AddUnreadable(const std::string& path, const Error& error) {
-    if (UnreadableStatus(error) == LabStatus::OutOfMemory)
+    if (UnreadableStatus(error) == LabStatus::OutOfResources)
       return SetResourceError(path + ": " + error.message);
     found_.Add(LintRuleOf::UnreadableFile, path, "it cannot be read: " + error.message);
     result_.status = LabStatus::UnreadableInput;
@@ -176,7 +176,7 @@ class PayloadLinter {
   // Without memory or descriptors nothing can be said of the payload.
   void SetResourceError(const std::string& what) {
     result_.error = what;
-    result_.status = LabStatus::OutOfMemory;
+    result_.status = LabStatus::OutOfResources;
   }
 
   void AddUnusable(const std::string& path, const LabError& error) {

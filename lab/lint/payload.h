@@ -15,7 +15,7 @@ struct PayloadLinting {
   int status = 0;          // LabStatus: Done; UnreadableInput when something could not be read, or
                            // else MalformedInput when a configuration is malformed
   std::string error;       // "PATH: what is wrong" when nothing could be looked at, or memory or
-                           // descriptors were lacking (OutOfMemory); else empty
+                           // descriptors were lacking (OutOfResources); else empty
 };
 
 /// Receives findings.

@@ -1,3 +1,7 @@
+// A depth-first traversal of both planes, each entry before its children. An entry becomes a node
+// when its subtree is known, since that determines whether it is recorded. Costs a read of each
+// file whose property is recorded.
+
 #include "lab/recordings/host_recording.h"
 
 #include <optional>
@@ -9,10 +13,6 @@
 #include "driver/bypass_switch.h"
 #include "lab/recordings/tool_properties.h"
 #include "registry/thunderbolt_inventory.h"
-
-// A depth-first traversal of both planes, each entry before its children. An entry becomes a node
-// when its subtree is known, since that determines whether it is recorded. Costs a read of each
-// file whose property is recorded.
 
 namespace fernwick::lab {
 namespace {

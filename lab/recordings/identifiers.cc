@@ -1,14 +1,3 @@
-#include "lab/recordings/identifiers.h"
-
-#include <algorithm>
-#include <cinttypes>
-#include <cstdio>
-#include <iterator>
-
-#include "lab/support/spelling.h"
-#include "value/number_text.h"
-#include "value/unicode/ascii.h"
-
 // Finds identifiers in texts.
 //
 // Known ones: a search in a sorted array of their spellings, at each character of a text. The first
@@ -21,6 +10,17 @@
 //
 // Unknown ones: one pass over a name that tries each form at the start of each run of letters and
 // digits.
+
+#include "lab/recordings/identifiers.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <iterator>
+
+#include "lab/support/spelling.h"
+#include "value/number_text.h"
+#include "value/unicode/ascii.h"
 
 namespace fernwick::lab {
 namespace {

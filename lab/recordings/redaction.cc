@@ -1,3 +1,6 @@
+// Two passes over a recording: the first collects the identifiers, the second builds the redacted
+// recording in an arena of its own, where each text is searched for them.
+
 #include "lab/recordings/redaction.h"
 
 #include <optional>
@@ -7,9 +10,6 @@
 #include "lab/recordings/identifiers.h"
 #include "lab/recordings/rebuilt.h"
 #include "lab/recordings/tool_properties.h"
-
-// Two passes over a recording: the first collects the identifiers, the second builds the redacted
-// recording in an arena of its own, where each text is searched for them.
 
 namespace fernwick::lab {
 namespace {

@@ -1,3 +1,7 @@
+// Two passes over the dumps, each a depth-first traversal. The first checks every entry and counts
+// the planes of each identity in a hash table; the second builds the nodes, and knows by then which
+// entries need an ID. Both are linear in the size of the dumps.
+
 #include "lab/recordings/registry_dumps.h"
 
 #include <algorithm>
@@ -10,10 +14,6 @@
 #include "value/parse_fault.h"
 #include "value/textual_dump.h"
 #include "value/unicode/text_position.h"
-
-// Two passes over the dumps, each a depth-first traversal. The first checks every entry and counts
-// the planes of each identity in a hash table; the second builds the nodes, and knows by then which
-// entries need an ID. Both are linear in the size of the dumps.
 
 namespace fernwick::lab {
 namespace {

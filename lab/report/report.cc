@@ -142,7 +142,7 @@ int RunReport(const ReportArguments& arguments) {
   CoverageTotals totals;
   totals.recordings = page.Uses();
   const int coverageStatus = covered.Print(page.Coverage(), totals);
-  if (coverageStatus == LabStatus::OutOfMemory) return coverageStatus;
+  if (coverageStatus == LabStatus::OutOfResources) return coverageStatus;
   if (const int lost = WritePage(arguments, page.Markup()); lost != LabStatus::Done) return lost;
   if (refusal.Status() != LabStatus::Done) return refusal.Status();
   return lintStatus != LabStatus::Done ? lintStatus : coverageStatus;

@@ -29,7 +29,7 @@ constexpr std::array<OutcomeStyle, SettleOutcomeCount> Styles = {{
     {6, "the run of the tool ends abnormally, now or after an update", "abnormal-after"},
 }};
 
-std::string StuckReason(const NamedStuck& stuck) {
+std::string StuckReason(const StuckInRow& stuck) {
   auto text = DescribeOffer(stuck) + ", but ";
   for (std::size_t i = 0; i < stuck.requirements.size(); ++i) {
     text += (i == 0 ? "" : "; ") + stuck.requirements[i].key + " " + stuck.requirements[i].text;

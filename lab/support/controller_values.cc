@@ -1,3 +1,7 @@
+// Binary search. All versions that a kind of controller can report form a scale in rising order, of
+// which any can be computed by its index; the first version on one side of a limit is found in a
+// logarithmic number of steps, though a scale has billions of versions.
+
 #include "lab/support/controller_values.h"
 
 #include <algorithm>
@@ -7,10 +11,6 @@
 #include "personality/requirements.h"
 #include "registry/thunderbolt_inventory.h"
 #include "registry/typed_readers.h"
-
-// Binary search. All versions that a kind of controller can report form a scale in rising order, of
-// which any can be computed by its index; the first version on one side of a limit is found in a
-// logarithmic number of steps, though a scale has billions of versions.
 
 namespace fernwick::lab {
 namespace {

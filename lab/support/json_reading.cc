@@ -1,3 +1,6 @@
+// Builds the document from the events of the library's parser: its own builder looks a key up by
+// comparing it with each before it, and knows no limit of depth.
+
 #include "lab/support/json_reading.h"
 
 #include <algorithm>
@@ -8,9 +11,6 @@
 
 #include "platform/file_system.h"
 #include "value/unicode/text_position.h"
-
-// Builds the document from the events of the library's parser: its own builder looks a key up by
-// comparing it with each before it, and knows no limit of depth.
 
 namespace fernwick::lab {
 namespace {

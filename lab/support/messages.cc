@@ -14,7 +14,7 @@ int UnreadableStatus(const Error& error) {
   switch (error.systemError) {
     case EMFILE:
     case ENFILE:
-    case ENOMEM: return LabStatus::OutOfMemory;
+    case ENOMEM: return LabStatus::OutOfResources;
     default: return LabStatus::UnreadableInput;
   }
 }

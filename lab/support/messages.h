@@ -11,14 +11,14 @@ namespace fernwick::lab {
 /// The exit statuses of the lab itself. The tool never ends with 64 to 66.
 namespace LabStatus {
 inline constexpr int Done = 0;
-// The verb did its work, and the result is the one that a script has to notice: lint has findings,
-// payloads differ for a computer, a survey has what --fail-on names, there is no sample or draft.
+// The verb did its work, with a result that a script has to notice: lint has findings, payloads
+// differ for a computer, a survey has what --fail-on names, there is no sample or draft.
 inline constexpr int Negative = 1;
 inline constexpr int BadUsage = 64;
 inline constexpr int MalformedInput = 65;   // a recording or payload that is not well formed
 inline constexpr int UnreadableInput = 66;  // one that cannot be read
-inline constexpr int OutOfMemory = 71;
-inline constexpr int OutputLost = 74;  // a result could not be written
+inline constexpr int OutOfResources = 71;   // memory or descriptors
+inline constexpr int OutputLost = 74;       // a result could not be written
 }  // namespace LabStatus
 
 /// Why an input cannot be used, and the exit status for that.
@@ -27,7 +27,7 @@ struct LabError {
   int status;  // LabStatus
 };
 
-/// The status for an input that the operating system refused to open or read: OutOfMemory for a
+/// The status for an input that the operating system refused to open or read: OutOfResources for a
 /// lack of memory or descriptors, which any input would meet, otherwise UnreadableInput.
 int UnreadableStatus(const Error& error);
 

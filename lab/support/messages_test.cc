@@ -48,7 +48,7 @@ TEST(PrintableLines, KeepsLineFeedsAndTabs) {
 
 TEST(UnreadableStatus, IsThatOfALackOnlyForMemoryAndDescriptors) {
   for (const int error : {EMFILE, ENFILE, ENOMEM}) {
-    EXPECT_EQ(UnreadableStatus({.message = "", .systemError = error}), LabStatus::OutOfMemory);
+    EXPECT_EQ(UnreadableStatus({.message = "", .systemError = error}), LabStatus::OutOfResources);
   }
   for (const int error : {0, EACCES, ENOENT, EIO}) {
     EXPECT_EQ(UnreadableStatus({.message = "", .systemError = error}), LabStatus::UnreadableInput);

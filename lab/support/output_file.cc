@@ -1,3 +1,7 @@
+// Atomic replace by rename: a file is written under a temporary name in the directory of its final
+// one, flushed to the device and renamed, which the file system does in one step. A reader of the
+// final name gets the old file or the new one, never a part. Costs one fsync for each file.
+
 #include "lab/support/output_file.h"
 
 #include <fcntl.h>
@@ -14,10 +18,6 @@
 
 #include "lab/support/messages.h"
 #include "platform/file_system.h"
-
-// Atomic replace by rename: a file is written under a temporary name in the directory of its final
-// one, flushed to the device and renamed, which the file system does in one step. A reader of the
-// final name gets the old file or the new one, never a part. Costs one fsync for each file.
 
 namespace fernwick::lab {
 namespace {

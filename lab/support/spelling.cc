@@ -1,3 +1,9 @@
+// Misspellings by optimal string alignment, the edit distance that also counts an exchange of two
+// neighbours as one edit. Dynamic programming over the prefixes of both words: the distance of two
+// prefixes follows from those that are one character shorter, or two for an exchange, so three rows
+// of the table are enough. O(length * length) time for each known word, O(length) memory; words
+// whose lengths differ by more than the limit are not compared.
+
 #include "lab/support/spelling.h"
 
 #include <algorithm>
@@ -6,12 +12,6 @@
 #include <vector>
 
 #include "value/unicode/ascii.h"
-
-// Misspellings by optimal string alignment, the edit distance that also counts an exchange of two
-// neighbours as one edit. Dynamic programming over the prefixes of both words: the distance of two
-// prefixes follows from those that are one character shorter, or two for an exchange, so three rows
-// of the table are enough. O(length * length) time for each known word, O(length) memory; words
-// whose lengths differ by more than the limit are not compared.
 
 namespace fernwick::lab {
 namespace {

@@ -116,9 +116,9 @@ bool LacksMemory() {
 }
 
 int StatusOf(archive* opened) {
-  if (LacksMemory()) return LabStatus::OutOfMemory;
+  if (LacksMemory()) return LabStatus::OutOfResources;
   const Error error = {.message = {}, .systemError = archive_errno(opened)};
-  if (UnreadableStatus(error) == LabStatus::OutOfMemory) return LabStatus::OutOfMemory;
+  if (UnreadableStatus(error) == LabStatus::OutOfResources) return LabStatus::OutOfResources;
   return error.systemError == EIO ? LabStatus::UnreadableInput : LabStatus::MalformedInput;
 }
 
@@ -201,7 +201,7 @@ std::optional<Selected> ArchiveWalk::Open() {
   hasEnded_ = kind == Kind::EmptyZip;  // which the library does not recognise
   if (hasEnded_) return std::nullopt;
   archive_.reset(archive_read_new());
-  if (archive_ == nullptr) return EndWith(NoMemoryText, LabStatus::OutOfMemory);
+  if (archive_ == nullptr) return EndWith(NoMemoryText, LabStatus::OutOfResources);
   isZip_ = kind == Kind::Zip;
   isCompressed_ = kind == Kind::Gzip || kind == Kind::Xz || kind == Kind::Zstd;
   if (kind == Kind::Gzip) {

@@ -18,7 +18,7 @@ namespace fernwick::lab {
 /// NoControllers, Current, Blocked, Unmatched.
 enum class ComputerClass {
   Planned,          // also where it plans something for some controllers only
-  Current,          // a personality would apply if the installed version were older
+  Current,          // all that a personality requires is met, but its version is not newer
   Blocked,          // the nearest one is for the controller, but not for its version or the board's
                     // revision, or a match names no image
   Unmatched,        // the nearest one is for another controller, or there is none

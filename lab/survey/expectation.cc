@@ -1,3 +1,7 @@
+// An index of the hashes of the paths, sorted once the file is read, with the offset of each row. A
+// look-up is a binary search, and reads the row again to compare the path itself. O(n log n) for n
+// rows.
+
 #include "lab/survey/expectation.h"
 
 #include <fcntl.h>
@@ -13,10 +17,6 @@
 #include <utility>
 
 #include "platform/file_system.h"
-
-// An index of the hashes of the paths, sorted once the file is read, with the offset of each row. A
-// look-up is a binary search, and reads the row again to compare the path itself. O(n log n) for n
-// rows.
 
 namespace fernwick::lab {
 namespace {

@@ -59,7 +59,7 @@ Result<Recording, LabError> LoadSelected(Selected& selected, std::size_t maxSize
 template <typename Row>
 Result<Row, LabError> RefusedUnlessLacking(const std::string& path, const LabError& error,
                                            Row refusal) {
-  if (error.status != LabStatus::OutOfMemory) return refusal;
+  if (error.status != LabStatus::OutOfResources) return refusal;
   return LabError{{path + ": " + error.error.message}, error.status};
 }
 

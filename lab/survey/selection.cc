@@ -78,7 +78,8 @@ std::optional<Selected> Selection::NextOfInput() {
   readsInput_ = false;
   auto error = input_.TakeError();
   if (error.empty()) return std::nullopt;
-  const int status = input_.LacksResources() ? LabStatus::OutOfMemory : LabStatus::UnreadableInput;
+  const int status =
+      input_.LacksResources() ? LabStatus::OutOfResources : LabStatus::UnreadableInput;
   return Selected{.path = "-", .error = std::move(error), .errorStatus = status};
 }
 

@@ -1,3 +1,7 @@
+// A column is as wide as its widest cell, up to a limit, so the lines are kept until the last one
+// is known: memory is linear in the table. Two versions of a computer's lines are compared by their
+// common prefix and suffix, in linear time: a computer has few lines, and what changes is together.
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -8,10 +12,6 @@
 #include "lab/survey/format.h"
 #include "lab/survey/text.h"
 #include "value/unicode/utf8.h"
-
-// A column is as wide as its widest cell, up to a limit, so the lines are kept until the last one
-// is known: memory is linear in the table. Two versions of a computer's lines are compared by their
-// common prefix and suffix, in linear time: a computer has few lines, and what changes is together.
 
 namespace fernwick::lab {
 namespace {

@@ -1,3 +1,7 @@
+// An overlay by copy-on-write: an entry that is changed gets a dictionary of its own, whose keys
+// and values view what they viewed. A change costs the number of the entry's properties; a name is
+// searched in all entries, a path step by step among the children.
+
 #include "lab/what_if/changed_computer.h"
 
 #include <string>
@@ -7,10 +11,6 @@
 #include "driver/bypass_switch.h"
 #include "lab/recordings/entry_path.h"
 #include "registry/board_identity.h"
-
-// An overlay by copy-on-write: an entry that is changed gets a dictionary of its own, whose keys
-// and values view what they viewed. A change costs the number of the entry's properties; a name is
-// searched in all entries, a path step by step among the children.
 
 namespace fernwick::lab {
 namespace {

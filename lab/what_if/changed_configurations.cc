@@ -1,3 +1,6 @@
+// A cache by directory. A change copies the dictionaries and the array that lead to the
+// personality, not what they contain: linear in their entries, for each change.
+
 #include "lab/what_if/changed_configurations.h"
 
 #include <algorithm>
@@ -7,9 +10,6 @@
 #include "lab/support/words.h"
 #include "personality/personality.h"
 #include "value/record.h"
-
-// A cache by directory. A change copies the dictionaries and the array that lead to the
-// personality, not what they contain: linear in their entries, for each change.
 
 namespace fernwick::lab {
 namespace {
@@ -129,7 +129,7 @@ Result<const ConfigurationFile*, LabError> ChangedConfigurations::Located(
   auto file = LoadConfiguration(path);
   if (file) return &located_.try_emplace(key, *std::move(file)).first->second;
   const auto& [error, status] = file.Error();
-  if (status != LabStatus::OutOfMemory) return nullptr;
+  if (status != LabStatus::OutOfResources) return nullptr;
   return LabError{{path + ": " + error.message}, status};
 }
 

@@ -160,7 +160,7 @@ TEST_F(ConfigurationToChange, IsAnErrorWithoutDescriptors) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
   ASSERT_FALSE(file);
   EXPECT_EQ(file.Error().error.message, path_ + ": Too many open files");
-  EXPECT_EQ(file.Error().status, LabStatus::OutOfMemory);
+  EXPECT_EQ(file.Error().status, LabStatus::OutOfResources);
   EXPECT_EQ(settled, "cannot be read");
 }
 

@@ -1,12 +1,12 @@
+// An additive multiset hash: the sum of a hash of each property, twice with different prefixes. A
+// property costs a hash of its value; the others are not read.
+
 #include "lab/what_if/state_digest.h"
 
 #include <functional>
 #include <string>
 
 #include "value/xml/writer.h"
-
-// An additive multiset hash: the sum of a hash of each property, twice with different prefixes. A
-// property costs a hash of its value; the others are not read.
 
 namespace fernwick::lab {
 namespace {

@@ -1,3 +1,6 @@
+// The first characters decide the form; each is then parsed by the readers of property lists, so
+// that the same values are valid as in files. Linear.
+
 #include "lab/what_if/value_text.h"
 
 #include <algorithm>
@@ -6,9 +9,6 @@
 #include <vector>
 
 #include "value/xml/writer.h"
-
-// The first characters decide the form; each is then parsed by the readers of property lists, so
-// that the same values are valid as in files. Linear.
 
 namespace fernwick::lab {
 namespace {

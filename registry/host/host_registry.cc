@@ -1,3 +1,8 @@
+// Entries are made when something asks for them: the root of a plane by its path, the children of
+// an entry by a search or a path through it. Handles count entries in that order. A property is
+// read from its file when it is asked for, except for the "UID", which is read with the list of the
+// devices: a run that finds no Thunderbolt bus opens about one file for each property it asks for.
+
 #include "registry/host/host_registry.h"
 
 #include <algorithm>
@@ -9,11 +14,6 @@
 #include "registry/path_lookup.h"
 #include "registry/thunderbolt_inventory.h"
 #include "value/unicode/utf8.h"
-
-// Entries are made when something asks for them: the root of a plane by its path, the children of
-// an entry by a search or a path through it. Handles count entries in that order. A property is
-// read from its file when it is asked for, except for the "UID", which is read with the list of the
-// devices: a run that finds no Thunderbolt bus opens about one file for each property it asks for.
 
 namespace fernwick {
 namespace {

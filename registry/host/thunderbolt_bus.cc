@@ -1,3 +1,7 @@
+// The routes of the switches make the tree: that of a parent lacks the last hop. Sorted by the
+// number of hops parents come first, so one pass with a map of the switches so far finds them, and
+// leaves out those without one. O(n log n).
+
 #include "registry/host/thunderbolt_bus.h"
 
 #include <algorithm>
@@ -10,10 +14,6 @@
 #include "registry/host/limits.h"
 #include "value/unicode/ascii.h"
 #include "value/unicode/utf8.h"
-
-// The routes of the switches make the tree: that of a parent lacks the last hop. Sorted by the
-// number of hops parents come first, so one pass with a map of the switches so far finds them, and
-// leaves out those without one. O(n log n).
 
 namespace fernwick {
 namespace {

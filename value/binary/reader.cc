@@ -1,3 +1,15 @@
+// A recursive-descent reader over the object graph: it starts at the top object and follows the
+// references of each array and dictionary, depth first. An array's elements and a dictionary's
+// entries are allocated in the arena as one block each, after their count has been checked against
+// the file; ASCII strings and data are views of the file, UTF-16 strings are transcoded once for
+// each offset and cached.
+//
+// Objects may be shared, so the graph may expand to a tree that is exponentially larger than the
+// file. Each value and each byte of text is therefore counted whenever it is reached, and the
+// counts are limited by the size of the file plus a constant. A cycle is found by a flag for each
+// object that is being read. Time and memory are linear in what is reached, and so in the size of
+// the file plus that constant; UTF-16 strings cost a logarithmic lookup each.
+
 #include "value/binary/reader.h"
 
 #include <algorithm>
@@ -14,18 +26,6 @@
 #include "value/binary/layout.h"
 #include "value/calendar_date.h"
 #include "value/unicode/utf8.h"
-
-// A recursive-descent reader over the object graph: it starts at the top object and follows the
-// references of each array and dictionary, depth first. An array's elements and a dictionary's
-// entries are allocated in the arena as one block each, after their count has been checked against
-// the file; ASCII strings and data are views of the file, UTF-16 strings are transcoded once for
-// each offset and cached.
-//
-// Objects may be shared, so the graph may expand to a tree that is exponentially larger than the
-// file. Each value and each byte of text is therefore counted whenever it is reached, and the
-// counts are limited by the size of the file plus a constant. A cycle is found by a flag for each
-// object that is being read. Time and memory are linear in what is reached, and so in the size of
-// the file plus that constant; UTF-16 strings cost a logarithmic lookup each.
 
 namespace fernwick {
 namespace {

@@ -1,3 +1,10 @@
+// Two passes. The first numbers the objects in pre-order, encodes the leaves and collects the
+// references of each array and dictionary; equal strings share an object, found by a tree of the
+// strings written so far. The width of a reference depends on the number of objects, so containers
+// are encoded in the second pass, which joins all objects; the offset table and the trailer follow.
+// Costs linear time, plus a logarithmic lookup for each string, and memory of a few bytes for each
+// value besides the file itself.
+
 #include "value/binary/writer.h"
 
 #include <algorithm>
@@ -12,13 +19,6 @@
 #include "value/binary/layout.h"
 #include "value/calendar_date.h"
 #include "value/unicode/utf8.h"
-
-// Two passes. The first numbers the objects in pre-order, encodes the leaves and collects the
-// references of each array and dictionary; equal strings share an object, found by a tree of the
-// strings written so far. The width of a reference depends on the number of objects, so containers
-// are encoded in the second pass, which joins all objects; the offset table and the trailer follow.
-// Costs linear time, plus a logarithmic lookup for each string, and memory of a few bytes for each
-// value besides the file itself.
 
 namespace fernwick {
 namespace {

@@ -1,3 +1,7 @@
+// Recursive descent, in one pass. The elements of an open array or dictionary are collected in a
+// vector and copied into the arena when it is closed; strings are views of the text unless they
+// have an escape. Linear, except for repeated keys (see property_value.cc).
+
 #include "value/text/reader.h"
 
 #include <span>
@@ -8,10 +12,6 @@
 #include "value/text/cursor.h"
 #include "value/unicode/text_position.h"
 #include "value/unicode/utf8.h"
-
-// Recursive descent, in one pass. The elements of an open array or dictionary are collected in a
-// vector and copied into the arena when it is closed; strings are views of the text unless they
-// have an escape. Linear, except for repeated keys (see property_value.cc).
 
 namespace fernwick {
 namespace {

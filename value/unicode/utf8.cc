@@ -1,10 +1,10 @@
-#include "value/unicode/utf8.h"
-
-#include <algorithm>
-
 // Validation in blocks: nearly all text is ASCII, so blocks of 32 bytes are tested as a whole, in a
 // loop without branches that the compiler turns into vector instructions, and only a block with
 // another byte is decoded character by character. Linear, at several bytes a cycle for ASCII.
+
+#include "value/unicode/utf8.h"
+
+#include <algorithm>
 
 namespace fernwick {
 namespace {

@@ -1,3 +1,7 @@
+// Decoding uses a table from byte to digit. Groups of four digits without white space are decoded
+// four at a time, with one test for all of them; what interrupts them (white space, padding, an
+// error) goes through a loop of one character at a time. Linear.
+
 #include "value/xml/base64.h"
 
 #include <array>
@@ -5,10 +9,6 @@
 #include <cstdint>
 
 #include "value/unicode/ascii.h"
-
-// Decoding uses a table from byte to digit. Groups of four digits without white space are decoded
-// four at a time, with one test for all of them; what interrupts them (white space, padding, an
-// error) goes through a loop of one character at a time. Linear.
 
 namespace fernwick {
 namespace {

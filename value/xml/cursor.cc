@@ -1,3 +1,7 @@
+// A hand-written scanner: the plain forms, which nearly all markup has, are read by the inline
+// functions of the header, everything else here. One pass, linear; n log n in the attributes of one
+// tag, which are sorted to find a name that occurs twice.
+
 #include "value/xml/cursor.h"
 
 #include <algorithm>
@@ -10,10 +14,6 @@
 #include "value/unicode/utf8.h"
 #include "value/xml/declaration.h"
 #include "value/xml/names.h"
-
-// A hand-written scanner: the plain forms, which nearly all markup has, are read by the inline
-// functions of the header, everything else here. One pass, linear; n log n in the attributes of one
-// tag, which are sorted to find a name that occurs twice.
 
 namespace fernwick {
 namespace {

@@ -1,3 +1,12 @@
+// A recursive-descent reader that builds the value while it parses, in one pass. The elements of
+// the open arrays and dictionaries are collected on two stacks; when a container is closed, its
+// part of the stack is copied into the arena as one block. Strings are views of the document unless
+// they contain a reference. Linear, except for repeated keys (see property_value.cc).
+//
+// Equal keys mostly share one view: a direct-mapped cache of 256 keys, indexed by hash, returns the
+// view of the last equal key. A file repeats a few keys many times, and comparing views of the same
+// bytes touches less memory. A collision only loses the sharing.
+
 #include "value/xml/reader.h"
 
 #include <array>
@@ -13,15 +22,6 @@
 #include "value/xml/base64.h"
 #include "value/xml/cursor.h"
 #include "value/xml/encoding.h"
-
-// A recursive-descent reader that builds the value while it parses, in one pass. The elements of
-// the open arrays and dictionaries are collected on two stacks; when a container is closed, its
-// part of the stack is copied into the arena as one block. Strings are views of the document unless
-// they contain a reference. Linear, except for repeated keys (see property_value.cc).
-//
-// Equal keys mostly share one view: a direct-mapped cache of 256 keys, indexed by hash, returns the
-// view of the last equal key. A file repeats a few keys many times, and comparing views of the same
-// bytes touches less memory. A collision only loses the sharing.
 
 namespace fernwick {
 namespace {

@@ -52,7 +52,7 @@ int PrintCoverage(const Options& options, const CoverageOutput& output,
   if (failure != LabStatus::Done) return failure;
   const int status =
       output.isShard ? LabStatus::Done : PrintBoards(payload, output, totals, console);
-  if (status == LabStatus::OutOfMemory) return status;
+  if (status == LabStatus::OutOfResources) return status;
   if (const int lost = FinishOutput(console); lost != LabStatus::Done) return lost;
   if (refusal.Status() != LabStatus::Done) return refusal.Status();
   if (status != LabStatus::Done) return status;

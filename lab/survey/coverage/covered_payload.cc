@@ -110,7 +110,7 @@ int CoveredPayload::Print(CoverageFormat& format, CoverageTotals& totals) const 
   };
   for (const auto& [name, counted] : boards_) {
     const auto loaded = LoadBoard(*ConfigurationPath(name, options_.personalitiesDirectory));
-    if (loaded.status == LabStatus::OutOfMemory) return loaded.status;
+    if (loaded.status == LabStatus::OutOfResources) return loaded.status;
     fail(loaded.status);
     CoveredBoard board = {.name = name,
                           .file = loaded.file ? &*loaded.file : nullptr,

@@ -43,7 +43,7 @@ class CoveredPayload {
   /// Prints every board with the locations in its configuration, of which one at a time is in
   /// memory, and the totals of the boards; `totals` has those of the recordings. Errors of
   /// configurations are printed on standard error. Returns the status of the first of them, which
-  /// ends the printing if it is LabStatus::OutOfMemory; otherwise LabStatus::Done.
+  /// ends the printing if it is LabStatus::OutOfResources; otherwise LabStatus::Done.
   int Print(CoverageFormat& format, CoverageTotals& totals) const;
 
  private:

@@ -80,7 +80,7 @@ TEST_F(PayloadCoverage, EndsWhereDescriptorsAreLacking) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
   const int status = payload.Print(*format, totals);
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-  EXPECT_EQ(status, LabStatus::OutOfMemory);
+  EXPECT_EQ(status, LabStatus::OutOfResources);
   EXPECT_EQ(errors.TakeText(),
             "fernwick-lab: " + Directory() + "/Zed-1/Config.plist: Too many open files\n");
   console.Flush();

@@ -1,3 +1,6 @@
+// Many computers need the same files, so each pair of paths is compared once and the result is
+// kept. The comparison reads both files in pieces.
+
 #include "lab/survey/diff/file_changes.h"
 
 #include <sys/stat.h>
@@ -12,9 +15,6 @@
 #include "lab/survey/diff/matches_by_controller.h"
 #include "plan/invocation_builder.h"
 #include "platform/file_system.h"
-
-// Many computers need the same files, so each pair of paths is compared once and the result is
-// kept. The comparison reads both files in pieces.
 
 namespace fernwick::lab {
 namespace {

@@ -23,8 +23,8 @@ std::string_view NameOf(RepetitionCause cause);
 /// A match that is planned again and again, and why.
 struct Repetition {
   RepetitionCause cause;
-  const Flash* flash;
-  const Flash* other = nullptr;  // what undoes it
+  const AppliedMatch* match;
+  const AppliedMatch* other = nullptr;  // what undoes it
 };
 
 /// The causes of a computer that never settles, in the order of the plans, each controller once for

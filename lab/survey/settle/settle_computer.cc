@@ -77,21 +77,21 @@ class RowWriter {
     return "a match names no image";
   }
 
-  NamedFlash Named(const Flash& flash) const {
-    return {std::string(NameOfType(flash.type)),
-            flash.personality + 1,
-            EntryPath(recording_, flash.controller),
-            EntryPath(recording_, flash.changed),
-            ValueOrNull(flash.offered),
-            ValueOrNull(flash.before),
-            ValueOrNull(flash.after),
-            IsOlder(flash.after, flash.before)};
+  MatchInRow Named(const AppliedMatch& match) const {
+    return {std::string(NameOfType(match.type)),
+            match.personality + 1,
+            EntryPath(recording_, match.controller),
+            EntryPath(recording_, match.changed),
+            ValueOrNull(match.offered),
+            ValueOrNull(match.before),
+            ValueOrNull(match.after),
+            IsOlder(match.after, match.before)};
   }
 
   void WriteRepetitions() {
-    row_.comesBack = settling_.firstState;
+    row_.comesBack = settling_.stepsBeforeCycle;
     for (const auto& repetition : FindRepetitions(settling_)) {
-      NamedRepetition named = {repetition.cause, Named(*repetition.flash)};
+      RepetitionInRow named = {repetition.cause, Named(*repetition.match)};
       if (repetition.other != nullptr) named.other = Named(*repetition.other);
       row_.repetitions.push_back(std::move(named));
     }
@@ -100,14 +100,14 @@ class RowWriter {
   void WriteSteps() {
     auto& steps = row_.steps.emplace();
     for (const auto& step : settling_.steps) {
-      NamedStep named = {{}, step.nvram, step.otherNvram};
-      for (const auto& flash : step.flashes) named.flashes.push_back(Named(flash));
+      StepInRow named = {{}, step.nvram, step.otherNvram};
+      for (const auto& match : step.matches) named.matches.push_back(Named(match));
       steps.push_back(std::move(named));
     }
   }
 
-  static std::vector<NamedRequirement> RequirementsOf(const StuckController& stuck) {
-    std::vector<NamedRequirement> named;
+  static std::vector<RequirementInRow> RequirementsOf(const StuckController& stuck) {
+    std::vector<RequirementInRow> named;
     for (const auto& [failed, origin] : stuck.requirements) {
       named.push_back({.key = std::string(failed.requirement->key),
                        .reason = std::string(NameOf(failed.reason)),

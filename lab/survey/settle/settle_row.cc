@@ -13,15 +13,15 @@ constexpr std::array<std::string_view, SettleOutcomeCount> OutcomeNames = {
     "settled", "stuck",    "never settles", "undecided",
     "no plan", "bypassed", "refused",       "abnormal end"};
 
-Json FlashJson(const NamedFlash& flash) {
-  return {{"type", flash.type},
-          {"personality", flash.personality},
-          {"controller", flash.controller},
-          {"changes", flash.changed},
-          {"offered", flash.offered},
-          {"before", flash.before},
-          {"after", flash.after},
-          {"older", flash.isOlder}};
+Json MatchJson(const MatchInRow& match) {
+  return {{"type", match.type},
+          {"personality", match.personality},
+          {"controller", match.controller},
+          {"changes", match.changed},
+          {"offered", match.offered},
+          {"before", match.before},
+          {"after", match.after},
+          {"older", match.isOlder}};
 }
 
 Json NvramJson(const NvramChange& change) {
@@ -29,25 +29,25 @@ Json NvramJson(const NvramChange& change) {
       {"name", change.name}, {"before", OrNull(change.before)}, {"after", OrNull(change.after)}};
 }
 
-Json StepJson(const NamedStep& step) {
-  return {{"matches", ListOf(step.flashes, FlashJson)},
+Json StepJson(const StepInRow& step) {
+  return {{"matches", ListOf(step.matches, MatchJson)},
           {"nvram", ListOf(step.nvram, NvramJson)},
           {"otherNvram", step.otherNvram}};
 }
 
-Json RepetitionJson(const NamedRepetition& repetition) {
+Json RepetitionJson(const RepetitionInRow& repetition) {
   return {{"cause", NameOf(repetition.cause)},
-          {"match", FlashJson(repetition.flash)},
-          {"other", repetition.other ? FlashJson(*repetition.other) : Json(nullptr)}};
+          {"match", MatchJson(repetition.match)},
+          {"other", repetition.other ? MatchJson(*repetition.other) : Json(nullptr)}};
 }
 
-Json RequirementJson(const NamedRequirement& requirement) {
+Json RequirementJson(const RequirementInRow& requirement) {
   return {{"key", requirement.key},       {"reason", requirement.reason},
           {"text", requirement.text},     {"location", LocationJson(requirement.origin)},
           {"wanted", requirement.wanted}, {"found", requirement.found}};
 }
 
-Json StuckJson(const NamedStuck& stuck) {
+Json StuckJson(const StuckInRow& stuck) {
   return {{"controller", stuck.controller},
           {"type", stuck.type},
           {"personality", stuck.personality},
@@ -56,7 +56,7 @@ Json StuckJson(const NamedStuck& stuck) {
           {"failures", ListOf(stuck.requirements, RequirementJson)}};
 }
 
-Json ControllerJson(const NamedController& controller) {
+Json ControllerJson(const ControllerInRow& controller) {
   return {{"entry", controller.path},
           {"kind", controller.isPort ? "port" : "thunderbolt"},
           {"before", controller.before},

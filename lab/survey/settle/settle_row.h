@@ -35,8 +35,10 @@ std::string_view NameOf(SettleOutcome outcome);
 /// The outcome of that name; empty for any other text.
 std::optional<SettleOutcome> SettleOutcomeNamed(std::string_view name);
 
-/// A match as a row names it.
-struct NamedFlash {
+// The parts of a row are named as it shows them: controllers by their paths, personalities from 1.
+
+/// A match of a plan.
+struct MatchInRow {
   std::string type;
   std::size_t personality;  // from 1
   std::string controller;   // the path of the one that it matched
@@ -48,21 +50,21 @@ struct NamedFlash {
 };
 
 /// A run with a plan.
-struct NamedStep {
-  std::vector<NamedFlash> flashes;
+struct StepInRow {
+  std::vector<MatchInRow> matches;
   std::vector<NvramChange> nvram;
   std::size_t otherNvram = 0;
 };
 
 /// Why the computer never settles.
-struct NamedRepetition {
+struct RepetitionInRow {
   RepetitionCause cause;
-  NamedFlash flash;
-  std::optional<NamedFlash> other = {};  // of "undone"
+  MatchInRow match;
+  std::optional<MatchInRow> other = {};  // of "undone"
 };
 
 /// A requirement that keeps a controller below a version: its key and what is wrong.
-struct NamedRequirement {
+struct RequirementInRow {
   std::string key;
   std::string reason;  // "belowInstalled"
   std::string text;    // "171 at 12:5 is below the installed 175"
@@ -72,17 +74,17 @@ struct NamedRequirement {
 };
 
 /// A controller that stays below a version that the payload has for it.
-struct NamedStuck {
+struct StuckInRow {
   std::string controller;  // its path
   std::string type;
   std::size_t personality;  // from 1
   Json offered;
   Json installed;
-  std::vector<NamedRequirement> requirements;
+  std::vector<RequirementInRow> requirements;
 };
 
 /// A controller with the version that it reports before the first run and after the last.
-struct NamedController {
+struct ControllerInRow {
   std::string path;
   bool isPort;
   Json before;
@@ -104,10 +106,10 @@ struct SettleRow {
                                               // after `runs`
   std::optional<SwitchChange> endedBy = {};   // as in Settling
   std::optional<SwitchChange> uncheckedBy = {};
-  std::vector<NamedController> controllers = {};
-  std::vector<NamedRepetition> repetitions = {};
-  std::vector<NamedStuck> stuck = {};
-  std::optional<std::vector<NamedStep>> steps = {};  // where they are wanted
+  std::vector<ControllerInRow> controllers = {};
+  std::vector<RepetitionInRow> repetitions = {};
+  std::vector<StuckInRow> stuck = {};
+  std::optional<std::vector<StepInRow>> steps = {};  // where they are wanted
   std::vector<std::string> changes = {};             // of the computer before the first run, each
                                                      // as written
 };
@@ -120,10 +122,10 @@ std::string DescribeRow(const SettleRow& row);
 
 /// Why a match is planned again and again, in words for people: "USBC personality 1 offers 43.105,
 /// of which 43.1 is stored". Safe to show.
-std::string DescribeCause(const NamedRepetition& repetition);
+std::string DescribeCause(const RepetitionInRow& repetition);
 
 /// What a controller does not get: "stays at 171: USBC personality 2 offers 200". Safe to show.
-std::string DescribeOffer(const NamedStuck& stuck);
+std::string DescribeOffer(const StuckInRow& stuck);
 
 /// The totals of a settling: memory for each number of runs, of which there are few.
 struct SettleTotals {

@@ -25,16 +25,16 @@ std::string NumberedPersonality(const std::string& type, std::size_t number) {
   return type + " personality " + std::to_string(number);
 }
 
-std::string NumberedPersonality(const NamedFlash& flash) {
-  return NumberedPersonality(flash.type, flash.personality);
+std::string NumberedPersonality(const MatchInRow& match) {
+  return NumberedPersonality(match.type, match.personality);
 }
 
-std::string SetText(const NamedFlash& flash) {
-  return NumberedPersonality(flash) + " sets " + VersionText(flash.after);
+std::string SetText(const MatchInRow& match) {
+  return NumberedPersonality(match) + " sets " + VersionText(match.after);
 }
 
-std::string OfferText(const NamedFlash& flash) {
-  return NumberedPersonality(flash) + " offers " + VersionText(flash.offered);
+std::string OfferText(const MatchInRow& match) {
+  return NumberedPersonality(match) + " offers " + VersionText(match.offered);
 }
 
 // "23 -> 41.05", "60 -> 44, older".
@@ -71,13 +71,13 @@ std::string VariableText(const NvramChange& change) {
   return "set NVRAM " + name + " to " + *change.after;
 }
 
-std::string StepText(const NamedStep& step, std::size_t number) {
+std::string StepText(const StepInRow& step, std::size_t number) {
   auto text = "  run " + std::to_string(number) + "\n";
-  for (const auto& flash : step.flashes) {
-    text += "    " + NumberedPersonality(flash) + " for " + PrintableText(flash.controller) + ": ";
-    const bool isAnother = flash.changed != flash.controller;
-    if (isAnother) text += "version of " + PrintableText(flash.changed) + " ";
-    text += ChangeText(flash.before, flash.after, flash.isOlder);
+  for (const auto& match : step.matches) {
+    text += "    " + NumberedPersonality(match) + " for " + PrintableText(match.controller) + ": ";
+    const bool isAnother = match.changed != match.controller;
+    if (isAnother) text += "version of " + PrintableText(match.changed) + " ";
+    text += ChangeText(match.before, match.after, match.isOlder);
   }
   for (const auto& change : step.nvram) text += "    " + VariableText(change) + "\n";
   if (step.otherNvram > 0) {
@@ -89,21 +89,21 @@ std::string StepText(const NamedStep& step, std::size_t number) {
 
 }  // namespace
 
-std::string DescribeCause(const NamedRepetition& repetition) {
-  const auto& flash = repetition.flash;
-  if (repetition.other) return SetText(flash) + " and " + SetText(*repetition.other);
+std::string DescribeCause(const RepetitionInRow& repetition) {
+  const auto& match = repetition.match;
+  if (repetition.other) return SetText(match) + " and " + SetText(*repetition.other);
   if (repetition.cause == RepetitionCause::NotStorable) {
-    return OfferText(flash) + ", of which " + VersionText(flash.after) + " is stored";
+    return OfferText(match) + ", of which " + VersionText(match.after) + " is stored";
   }
   if (repetition.cause == RepetitionCause::ComparesVersionAbove) {
-    return OfferText(flash) +
+    return OfferText(match) +
            ", which is compared with the version of the Thunderbolt controller above the port";
   }
-  return NumberedPersonality(flash) +
+  return NumberedPersonality(match) +
          " matches whatever is installed, since the version check is bypassed";
 }
 
-std::string DescribeOffer(const NamedStuck& stuck) {
+std::string DescribeOffer(const StuckInRow& stuck) {
   return "stays at " + VersionText(stuck.installed) + ": " +
          NumberedPersonality(stuck.type, stuck.personality) + " offers " +
          VersionText(stuck.offered);
@@ -120,7 +120,7 @@ std::string DescribeRow(const SettleRow& row) {
             ChangeText(controller.before, controller.after, controller.isOlder);
   }
   for (const auto& repetition : row.repetitions) {
-    text += "  " + PrintableText(repetition.flash.changed) + ": " + DescribeCause(repetition);
+    text += "  " + PrintableText(repetition.match.changed) + ": " + DescribeCause(repetition);
     const bool isUnchecked = repetition.cause == RepetitionCause::VersionUnchecked;
     if (isUnchecked && row.uncheckedBy) text += ": " + SwitchChangeText(*row.uncheckedBy);
     text += "\n";

@@ -1,3 +1,10 @@
+// A simulation with cycle detection: what a run plans depends on nothing but the registry, so that
+// everything repeats once a state does. Each state is remembered as a digest of 128 bits, which a
+// change of a property updates without reading the rest. With the version check versions only
+// increase, but for those of two personalities that undo each other; without it, a few controllers
+// may have cycles of different lengths, whose common period is too long to wait for: hence the
+// bounds. Costs a run of the tool for each plan, and memory for what the plans change.
+
 #include "lab/survey/settle/settling.h"
 
 #include <algorithm>
@@ -19,13 +26,6 @@
 #include "registry/typed_readers.h"
 #include "value/property_list_reader.h"
 #include "value/unicode/utf8.h"
-
-// A simulation with cycle detection: what a run plans depends on nothing but the registry, so that
-// everything repeats once a state does. Each state is remembered as a digest of 128 bits, which a
-// change of a property updates without reading the rest. With the version check versions only
-// increase, but for those of two personalities that undo each other; without it, a few controllers
-// may have cycles of different lengths, whose common period is too long to wait for: hence the
-// bounds. Costs a run of the tool for each plan, and memory for what the plans change.
 
 namespace fernwick::lab {
 namespace {
@@ -73,20 +73,20 @@ class PersonalitiesOfRun {
   std::map<const KeyTrace*, Array> byKey_;
 };
 
-Flash FlashOf(const PersonalitiesOfRun& personalities, const MatchedPair& pair) {
+AppliedMatch AppliedMatchOf(const PersonalitiesOfRun& personalities, const MatchedPair& pair) {
   const auto& source = pair.key->inventory.sources[pair.controller];
   const auto type = TypeNamed(pair.key->key);
   // Both types for Thunderbolt controllers require their silicon, so that there is one.
-  Flash flash = {.type = type,
-                 .personality = pair.personality,
-                 .controller = source.Controller(),
-                 .changed = IsOfThunderbolt(type) ? source.thunderbolt : source.port};
-  flash.comparesVersionAbove = !IsOfThunderbolt(type) && source.version == Origin::Thunderbolt;
+  AppliedMatch match = {.type = type,
+                        .personality = pair.personality,
+                        .controller = source.Controller(),
+                        .changed = IsOfThunderbolt(type) ? source.thunderbolt : source.port};
+  match.comparesVersionAbove = !IsOfThunderbolt(type) && source.version == Origin::Thunderbolt;
   const auto* version = personalities.Of(pair).Find("Version");
-  if (version != nullptr && version->IsNumber()) flash.offered = *version;
+  if (version != nullptr && version->IsNumber()) match.offered = *version;
   const auto* compared = pair.Controller().Find("Version");
-  if (compared != nullptr) flash.compared = *compared;
-  return flash;
+  if (compared != nullptr) match.compared = *compared;
+  return match;
 }
 
 // Changes the computer plan by plan.
@@ -101,8 +101,8 @@ class PlanExecution {
     SettleStep step;
     PlanValues plan;
     for (const auto& pair : MatchedPairs(run)) {
-      step.flashes.push_back(FlashOf(personalities, pair));
-      Apply(registry, step.flashes.back());
+      step.matches.push_back(AppliedMatchOf(personalities, pair));
+      Apply(registry, step.matches.back());
       MergeNvram(*pair.match, plan);
     }
     ApplyNvram(plan, step);
@@ -112,13 +112,13 @@ class PlanExecution {
   const StateDigest& State() const { return state_; }
 
  private:
-  void Apply(Registry& registry, Flash& flash) {
-    const bool isPort = !IsOfThunderbolt(flash.type);
-    flash.before = ReportedVersion(registry, flash.changed, isPort);
-    const auto stored = flash.offered ? StoredValues(*flash.offered, isPort) : std::nullopt;
-    flash.isStored = stored.has_value();
-    if (stored) Set(flash.changed, *stored);
-    flash.after = ReportedVersion(registry, flash.changed, isPort);
+  void Apply(Registry& registry, AppliedMatch& match) {
+    const bool isPort = !IsOfThunderbolt(match.type);
+    match.before = ReportedVersion(registry, match.changed, isPort);
+    const auto stored = match.offered ? StoredValues(*match.offered, isPort) : std::nullopt;
+    match.isStored = stored.has_value();
+    if (stored) Set(match.changed, *stored);
+    match.after = ReportedVersion(registry, match.changed, isPort);
   }
 
   // The properties of a controller with that version; empty when it can store none.
@@ -287,7 +287,7 @@ Settling Settle(ChangedComputer& computer, const SettleOptions& options) {
     const auto [state, isNew] = states.emplace(execution.State(), settling.steps.size());
     if (!isNew) {
       settling.end = SettleEnd::StateComesBack;
-      settling.firstState = state->second;
+      settling.stepsBeforeCycle = state->second;
       break;
     }
   }

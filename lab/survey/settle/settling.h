@@ -22,7 +22,7 @@ namespace fernwick::lab {
 std::optional<PropertyValue> ReportedVersion(Registry& registry, RegistryEntry entry, bool isPort);
 
 /// A match of a plan, and what carrying it out changes.
-struct Flash {
+struct AppliedMatch {
   TypeSet type;
   std::size_t personality;   // index in its type
   RegistryEntry controller;  // that it matched
@@ -50,7 +50,7 @@ struct NvramChange {
 
 /// A run that planned something, and what carrying out the plan changes.
 struct SettleStep {
-  std::vector<Flash> flashes;              // in the order of the plan
+  std::vector<AppliedMatch> matches;       // in the order of the plan
   std::vector<NvramChange> nvram = {};     // the first ones, where they are wanted
   std::size_t otherNvram = 0;              // how many more there are
   std::vector<std::string> switches = {};  // the changed variables that may set a switch
@@ -86,8 +86,8 @@ struct SwitchChange {
 struct Settling {
   SettleEnd end = SettleEnd::NothingMatches;
   std::vector<SettleStep> steps = {};               // the runs with a plan
-  std::size_t firstState = 0;                       // of a state that comes back: how many steps
-                                                    // led to it the first time
+  std::size_t stepsBeforeCycle = 0;                 // of a state that comes back: those that led to
+                                                    // it the first time
   std::vector<ControllerVersion> controllers = {};  // ports first, each in registry order
   std::optional<SwitchChange> endedBy = {};         // of an end that a plan brings about
   std::optional<SwitchChange> uncheckedBy = {};     // where a plan made the last run bypass the

@@ -1,3 +1,7 @@
+// A maximum for each controller over all its pairs: first the newest version, of which requirements
+// are tested of those that are for the controller, then of the personalities with that version the
+// one that fails least. O(pairs x requirements).
+
 #include "lab/survey/settle/stuck.h"
 
 #include <algorithm>
@@ -6,10 +10,6 @@
 
 #include "lab/support/configuration_file.h"
 #include "lab/survey/settle/settling.h"
-
-// A maximum for each controller over all its pairs: first the newest version, of which requirements
-// are tested of those that are for the controller, then of the personalities with that version the
-// one that fails least. O(pairs x requirements).
 
 namespace fernwick::lab {
 namespace {

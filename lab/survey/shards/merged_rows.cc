@@ -1,9 +1,9 @@
+// A k-way merge of sorted files with a heap: O(n log k) for n rows of k results, with one row of
+// each result in memory.
+
 #include "lab/survey/shards/merged_rows.h"
 
 #include <map>
-
-// A k-way merge of sorted files with a heap: O(n log k) for n rows of k results, with one row of
-// each result in memory.
 
 namespace fernwick::lab {
 namespace {

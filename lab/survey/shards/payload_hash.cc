@@ -17,8 +17,8 @@ Result<std::string, LabError> PayloadHash(const std::string& payload) {
   for (const auto& board : *boards) {
     const auto path = AppendPathComponent(AppendPathComponent(directory, board), "Config.plist");
     const auto bytes = ReadWholeFile(path);
-    if (!bytes && UnreadableStatus(bytes.Error()) == LabStatus::OutOfMemory) {
-      return LabError{{path + ": " + bytes.Error().message}, LabStatus::OutOfMemory};
+    if (!bytes && UnreadableStatus(bytes.Error()) == LabStatus::OutOfResources) {
+      return LabError{{path + ": " + bytes.Error().message}, LabStatus::OutOfResources};
     }
     const auto& text = bytes ? *bytes : bytes.Error().message;
     hash.Add(board + (bytes ? "/" : "!") + std::to_string(text.size()) + "/");
