@@ -1,5 +1,7 @@
 #!/usr/bin/python3 -B
-"""Makes one small change to the source at a time and prints the changes that no test notices.
+"""Makes one small change at a time to the source of the tool and prints those that no test notices.
+
+The source of the lab, of the tests and of the scripts is not changed.
 
 A mutant is tried with the tests of its folder, then of the folders of the tool that use it, then with the
 golden cases. The first test that fails or takes too long kills it. If none does, it survives: a test is
