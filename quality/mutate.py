@@ -29,7 +29,7 @@ import include_order
 import mutations
 
 FOLDERS = ["value", "platform", "registry", "personality", "plan", "driver"]
-PROGRAM_TESTS = ["golden_test", "programs_test"]
+PROGRAM_TESTS = ["golden_test", "programs_test", "hosts_test"]
 SWITCH = pathlib.Path(__file__).resolve().parent / "mutation_switch.h"
 # In the working directory, the root of the source: a copy in which files are changed, and its build.
 COPY, BUILD = pathlib.Path("build-mutation/source"), pathlib.Path("build-mutation/build")

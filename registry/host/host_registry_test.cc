@@ -97,7 +97,9 @@ TEST(HostRegistry, AcceptsEveryHandleThatIsNone) {
   Host host(Tree);
   auto& registry = host.Registry();
   registry.LookupEntryByPath(Root);
-  for (const RegistryEntry handle : {0u, 77u, 0x80000000u, 0xFFFFFFFFu}) {
+  RegistryEntry iterator = 0;
+  registry.MatchServicesByClass(ThunderboltControllerClass, iterator);
+  for (const RegistryEntry handle : {0u, 77u, iterator - 1, iterator + 1, 0xFFFFFFFFu}) {
     RegistryEntry parent = 7;
     EXPECT_EQ(registry.GetProperty(handle, "model"), std::nullopt);
     EXPECT_EQ(registry.SearchProperty(handle, "IODeviceTree", "model", SearchRecursively),
@@ -414,8 +416,14 @@ TEST(HostRegistry, KnowsTheClassOfSwitches) {
   EXPECT_TRUE(registry.ConformsToClass(bus, "ThunderboltSwitch"));
   EXPECT_TRUE(registry.ConformsToClass(bus, ThunderboltControllerClass));
   EXPECT_FALSE(registry.ConformsToClass(bus, PortControllerClass));
-  EXPECT_FALSE(registry.ConformsToClass(registry.LookupEntryByPath("IOService:/"),
-                                        ThunderboltControllerClass));
+  const auto root = registry.LookupEntryByPath("IOService:/");
+  EXPECT_FALSE(registry.ConformsToClass(root, ThunderboltControllerClass));
+  EXPECT_EQ(registry.ClassOf(root), "");
+  for (auto last = bus; last != 0;) {
+    EXPECT_EQ(registry.ClassOf(last), "ThunderboltSwitch") << registry.NameOf(last);
+    const auto& children = registry.ChildrenOf(last);
+    last = children.empty() ? 0 : children.back();
+  }
 }
 
 TEST(HostRegistry, KnowsTheParentsInThePlaneOfTheEntry) {
