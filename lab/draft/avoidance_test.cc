@@ -82,7 +82,7 @@ TEST(Avoidance, ChangesTheFirstDimensionsFirst) {
   EXPECT_EQ(FindAvoidance(problem, steps).chosen, (std::vector<std::size_t>{1, 0}));
 }
 
-TEST(Avoidance, EndsWithoutStepsThatAreLeft) {
+TEST(Avoidance, EndsWhenNoStepsAreLeft) {
   const CandidateFlags first = {true, false};
   const CandidateFlags second = {false, true};
   const AvoidanceProblem problem = {

@@ -94,7 +94,7 @@ class Drafter {
                     " wanted and " + std::to_string(excepted_.size()) + " excepted ones");
     }
     if (target_.type == Types::LegacyUsbc && selectors.size() > 1) {
-      return Refuse("\"LegacyUSBC\" has room for one personality, and " +
+      return Refuse("\"LegacyUSBC\" can have one personality, but " +
                     std::to_string(selectors.size()) + " are needed");
     }
     Confirm(DraftConfiguration(target_, table_, schema_, selectors));

@@ -410,7 +410,7 @@ TEST(Draft, LeavesOutEngineeringFirmwareWherePortsAreMatched) {
   EXPECT_TRUE(MakeDraft(computers, thunderbolt).configuration);
 }
 
-TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
+TEST(Draft, IsRefusedWhereItWouldMatchOtherControllers) {
   const SmallDraft same(Types::Usbc, 200, {{true, Port({})}, {true, Port({}), Excepted}});
   EXPECT_EQ(same.outcome.status, LabStatus::Negative);
   EXPECT_EQ(same.outcome.indistinguishable,
@@ -421,7 +421,7 @@ TEST(Draft, IsRefusedWhereItCannotKeepItsPromise) {
                             {true, Port({{"Address", 2}, {"Version", 3}})},
                             {true, Port({{"Address", 1}, {"Version", 3}}), Excepted}});
   EXPECT_EQ(several.outcome.refusal,
-            "\"LegacyUSBC\" has room for one personality, and 2 are needed");
+            "\"LegacyUSBC\" can have one personality, but 2 are needed");
   EXPECT_EQ(several.outcome.status, LabStatus::Negative);
 }
 

@@ -202,7 +202,7 @@ void ExpectNothingToLeaveOut(const SampledPayload& payload, const Recording& sam
 
 class Samples : public ::testing::TestWithParam<NamedType> {};
 
-TEST_P(Samples, AreThereExactlyWhereAControllerOfTheDomainIs) {
+TEST_P(Samples, ExistExactlyWhereAControllerOfTheDomainMatches) {
   const auto& [name, type] = GetParam();
   RandomChoice random(7);
   std::size_t found = 0;

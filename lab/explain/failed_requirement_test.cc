@@ -154,7 +154,7 @@ TEST(FailedRequirements, AreThereOnceForEachReason) {
       (Texts{"LegacyUSBC: Version 2, Version 2", "LegacyUSBC: Version 2, Engineering Version 64"}));
 }
 
-TEST(FailedRequirements, AreNoneOfTheVersionThatIsBypassed) {
+TEST(FailedRequirements, LeaveOutAVersionThatIsBypassed) {
   EXPECT_EQ(FailuresOf(Types::Thunderbolt, Without(FittingPersonality, "Version"),
                        With(FullController, {{"Engineering Version", 64}}), true),
             Texts{});
@@ -226,7 +226,7 @@ bool MatchesWithAnyVersion(const Record& personality) {
 }
 
 // "would match if these were met" is true, and each of them is needed, for every combination.
-TEST(FailedRequirements, WithoutAVersionAreExactlyWhatMustBeMet) {
+TEST(FailedRequirements, WithoutAnInstalledVersionAreThoseToFixForAMatch) {
   const std::vector<Value> bounds = {Value(),  Value("1"), Value(0),  Value(1),          Value(2),
                                      Value(3), Value(7),   Value(-1), Value(double(NAN))};
   for (const auto& offered : {Value(2), Value(4), Value(0), Value("x"), Value()}) {

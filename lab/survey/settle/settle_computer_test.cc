@@ -439,7 +439,7 @@ TEST_F(SettledComputer, HasTheVersionCheckBypassedByAPlan) {
       << text;
 }
 
-TEST_F(SettledComputer, IsNotCheckedBeforeWhatElseRepeats) {
+TEST_F(SettledComputer, HasABypassedCheckAsTheFirstCause) {
   WriteComputer({Ridge({{"ROM Version", 0x43}}, {Port("hpm0", {{"Version", 0x30}})})});
   WritePayload(Dict({{"LegacyUSBC", Personality({{"Version", 40}})}}));
   bypassVersion_ = true;
