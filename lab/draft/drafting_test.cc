@@ -420,8 +420,7 @@ TEST(Draft, IsRefusedWhereItWouldMatchOtherControllers) {
                            {{true, Port({{"Address", 1}, {"Version", 1}})},
                             {true, Port({{"Address", 2}, {"Version", 3}})},
                             {true, Port({{"Address", 1}, {"Version", 3}}), Excepted}});
-  EXPECT_EQ(several.outcome.refusal,
-            "\"LegacyUSBC\" can have one personality, but 2 are needed");
+  EXPECT_EQ(several.outcome.refusal, "\"LegacyUSBC\" can have one personality, but 2 are needed");
   EXPECT_EQ(several.outcome.status, LabStatus::Negative);
 }
 
