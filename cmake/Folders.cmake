@@ -21,13 +21,18 @@ function(fernwick_folder name)
   endif()
 endfunction()
 
-# fernwick_tests(PROGRAM LIBRARY SOURCE...): a test program, each of its tests known to ctest.
+# fernwick_tests(PROGRAM LIBRARY SOURCE...): a test program, each of its tests known to ctest. Under the
+# sanitizers, where a process takes longer to start than most tests to run, the program is one test.
 function(fernwick_tests program library)
   add_executable(${program} ${ARGN})
   fernwick_compile_quickly(${program})
   target_link_libraries(${program} PRIVATE ${library} fernwick_testing GTest::gtest_main)
   set_property(GLOBAL APPEND PROPERTY FERNWICK_TEST_PROGRAMS ${program})
-  gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
+  if(FERNWICK_SANITIZE)
+    add_test(NAME ${program} COMMAND ${program})
+  else()
+    gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
+  endif()
 endfunction()
 
 # fernwick_knows_tests(PROGRAM): defines FERNWICK_TEST_PROGRAMS in a test program as the paths of all
